@@ -1,0 +1,51 @@
+#include <VeskLib/Gui/CommonDefaultPage.h>
+
+#include "html/componentMaps.h"
+
+namespace VeskLib::Gui {
+
+namespace {
+
+const unsigned short TRACE_MODULE = 29697;
+
+}  // namespace
+
+CommonDefaultPage::CommonDefaultPage(MessageMgr& messageMgr, int* displayMode,
+                                     const std::string& skeletonFile)
+    : generator(new HTMLCodeGenerator(skeletonFile, &componentMap)),
+      messageMgr(messageMgr),
+      trace(1, 2, TRACE_MODULE),
+      displayMode(displayMode),
+      traceModule(TRACE_MODULE),
+      errorFlag(false),
+      alertFlag(false) {
+}
+
+CommonDefaultPage::~CommonDefaultPage() {
+    deleteComponents(componentMap);
+    delete generator;
+}
+
+void CommonDefaultPage::printHTML() const {
+    generator->printHTML();
+}
+
+bool CommonDefaultPage::isError() const {
+    return errorFlag;
+}
+
+void CommonDefaultPage::makeDispPage() {
+}
+
+void CommonDefaultPage::makeConfigPage() {
+}
+
+bool CommonDefaultPage::isAlert() const {
+    return alertFlag;
+}
+
+const std::string& CommonDefaultPage::getMessage() const {
+    return message;
+}
+
+}  // namespace VeskLib::Gui

@@ -1,0 +1,36 @@
+#include <VeskLib/Gui/AbstractMain.h>
+
+namespace VeskLib::Gui {
+
+namespace {
+
+const int NO_FUNCTION_YET = 159;
+
+// The request's form data outlives the main object: it belongs to the process.
+FormInfo* shareFormInfo() {
+    if (FormInfo::myInstance == nullptr) {
+        FormInfo::myInstance = new FormInfo;
+    }
+    return FormInfo::myInstance;
+}
+
+}  // namespace
+
+AbstractMain::AbstractMain()
+    : trace(1, 2, 29696),
+      formInfo(shareFormInfo()),
+      requester(nullptr),
+      messageMgr(nullptr),
+      functionId(NO_FUNCTION_YET),
+      messageSet(0),
+      requestEnded(false),
+      responseStatus(0) {
+    getCookie();
+}
+
+AbstractMain::~AbstractMain() {
+    delete requester;
+    delete messageMgr;
+}
+
+}  // namespace VeskLib::Gui

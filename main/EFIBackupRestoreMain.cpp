@@ -1,0 +1,103 @@
+#include "main/EFIBackupRestoreMain.h"
+
+#include "html/MetaTag.h"
+#include "html/componentMaps.h"
+#include "pages/EFIBackupPage.h"
+
+#include <VeskLib/Gui/HTMLPage.h>
+#include <VeskLib/Gui/JsFunction.h>
+#include <VeskLib/Gui/JudgeAuthority.h>
+#include <VeskLib/Gui/TextString.h>
+#include <VeskLib/lmsg_getmsg.h>
+
+#include <cstdlib>
+#include <utility>
+
+namespace VeskLib::Gui {
+
+namespace {
+
+const char* const TITLE = "Backup/Restore BIOS Configuration";
+const int BACKUP_FUNCTION = 105;
+const int RESTORE_FUNCTION = 106;
+const int WHOLE_SERVER = -1;
+const std::size_t MESSAGE_SIZE = 256;
+
+}  // namespace
+
+EFIBackupRestoreMain::EFIBackupRestoreMain() : AbstractConfigMain(TITLE) {
+}
+
+// The order of the steps stands also for a platform whose errorExit() returns: a missing function
+// number then reads as 0 and is refused, and a page with an error is printed.
+int EFIBackupRestoreMain::individualProc() {
+    guiCheckSession(true);
+    messageMgr = new MessageMgr(messageSet);
+    requester = new CGIRequester(std::string(sessionText).c_str());
+
+    std::string functionNumber;
+    if (!formInfo->getFormData("functionID", functionNumber)) {
+        refuseScreenInformation();
+    }
+    functionId = std::atoi(functionNumber.c_str());
+    int displayMode = judgeDisplayMode();
+
+    std::unique_ptr<CommonDefaultPage> page;
+    const char* frameIdentifier = nullptr;
+    switch (functionId) {
+        case BACKUP_FUNCTION:
+            page =
+                std::make_unique<EFIBackupPage>(*requester, *formInfo, *messageMgr, &displayMode);
+            frameIdentifier = "M-BACKUP_EFI_CONF";
+            break;
+        case RESTORE_FUNCTION:
+            page = std::make_unique<CommonDefaultPage>(*messageMgr, &displayMode,
+                                                       "/usr/local/www/skel/skeleton_efi_rstr.txt");
+            frameIdentifier = "M-RESTOR_EFI_CONF";
+            break;
+        default: {
+            char text[MESSAGE_SIZE];
+            trace.putLog(0, lmsg_getmsg(20034, text, "Illegal query string", functionId));
+            refuseScreenInformation();
+            return -1;
+        }
+    }
+    if (page->isError()) {
+        errorExit(title, page->getMessage());
+    }
+    printShell(std::move(page), frameIdentifier);
+    return 0;
+}
+
+int EFIBackupRestoreMain::judgeDisplayMode() {
+    JudgeAuthority judge(&authority, functionId, WHOLE_SERVER);
+    // Two values on purpose: the pages test for exactly 2.
+    const bool allowed = judge.preCheckDisplayMode(*requester) == 1 || judge.getDisplayMode() != 0;
+    return allowed ? 2 : 0;
+}
+
+void EFIBackupRestoreMain::refuseScreenInformation() {
+    char text[MESSAGE_SIZE];
+    errorExit("Error", lmsg_getmsg(107, text, "the screen information"));
+}
+
+void EFIBackupRestoreMain::printShell(std::unique_ptr<CommonDefaultPage> page,
+                                      const char* frameIdentifier) {
+    const CommonDefaultPage& body = *page;
+    HTMLPage shell(1);
+    insertComponent(shell.componentMap, "body", std::move(page));
+    insertComponent(shell.componentMap, "css", std::make_unique<TextString>("/default.css"));
+    insertComponent(shell.componentMap, "title", std::make_unique<TextString>(TITLE));
+    auto onLoad = std::make_unique<JsFunction>("onLoadFunction()");
+    onLoad->addFunction("initialize()");
+    if (body.isAlert()) {
+        onLoad->addAlertFunction(body.getMessage());
+    }
+    insertComponent(shell.componentMap, "java_script", std::move(onLoad));
+    insertComponent(
+        shell.componentMap, "meta_frameid",
+        std::make_unique<MetaTag>("FRAME-ID", std::string(frameIdentifier) + "-C-00", "", ""));
+    shell.generator->printHTML();
+}
+
+}  // namespace VeskLib::Gui

@@ -1,0 +1,5 @@
+#include "main/EFIBackupRestoreMain.h"
+
+int main() {
+    return VeskLib::Gui::EFIBackupRestoreMain().exec();
+}

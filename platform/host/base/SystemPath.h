@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string>
+
+namespace VeskLib::Host {
+
+// Where the host platform keeps things, each before getCGIPath().
+inline constexpr const char* CATALOGUE_FOLDER = "/usr/local/share/catalogue";
+inline constexpr const char* SKELETON_FOLDER = "/usr/local/www/skel";
+inline constexpr const char* SESSION_FOLDER = "/var/lib/session";
+inline constexpr const char* TRACE_FILE = "/var/log/trace.log";
+inline constexpr const char* BACKEND_SOCKET = "/var/run/backend.sock";
+inline constexpr const char* BOARD_PROPERTIES = "/var/run/board_properties";
+inline constexpr const char* BACKUP_FILE = "/var/tmp/efi_backup";         // + session identifier
+inline constexpr const char* STAGING_FILE = "/var/tmp/restored_eficonf";  // + session identifier
+
+}  // namespace VeskLib::Host

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "platform/host/channel/Frame.h"
+
+namespace VeskLib::Host {
+
+// Error codes of the channel itself; all others are the back-end's.
+inline constexpr int CHANNEL_UNREACHABLE = 2001;  // the back-end does not listen
+inline constexpr int CHANNEL_TIMEOUT = 2002;      // no whole reply within the deadline
+inline constexpr int CHANNEL_BROKEN = 2003;       // the connection ended within a frame
+inline constexpr int CHANNEL_MALFORMED = 2004;    // an oversized frame, or not a reply
+inline constexpr int CHANNEL_BAD_OBJECT = 2005;   // the object does not take the reply's bytes
+
+// For one exchange; shorter than the web server's limit for a CGI program.
+inline constexpr int CHANNEL_DEADLINE_MILLISECONDS = 10000;
+
+// A connection to the back-end. It connects with the first exchange; after a failure of the
+// channel every further exchange fails with the same code.
+class Channel {
+public:
+    Channel() = default;
+    Channel(const Channel&) = delete;
+    Channel& operator=(const Channel&) = delete;
+    ~Channel();
+
+    // Sends `request` and waits for the reply. 0 with `reply` filled, or an error code with
+    // `reply` unchanged.
+    int exchange(const RequestFrame& request, ReplyFrame& reply);
+
+private:
+    int descriptor = -1;
+    int failure = 0;
+};
+
+}  // namespace VeskLib::Host

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace VeskLib::Host {
+
+// The frames of the back-end channel. Each is a 4-byte big-endian length, then that many bytes.
+// docs/wire-formats.md gives the layout by bytes.
+
+inline constexpr std::uint32_t LARGEST_FRAME = 1024 * 1024;
+
+enum class RequestKind : std::uint8_t {
+    GET = 1,    // asks for an object
+    SET = 2,    // sends an object
+    LOGIN = 3,  // asks whether a user name and a password belong together
+};
+
+struct RequestFrame {
+    RequestKind kind = RequestKind::GET;
+    std::uint32_t number = 0;
+    std::string sessionIdentifier;  // empty for LOGIN
+    std::vector<unsigned char> payload;
+};
+
+struct ReplyFrame {
+    std::uint32_t errorCode = 0;  // 0: the request was carried out
+    std::vector<unsigned char> payload;
+};
+
+// The bytes of a frame without the length in front.
+std::vector<unsigned char> encode(const RequestFrame& frame);
+std::vector<unsigned char> encode(const ReplyFrame& frame);
+
+// False, with `frame` unchanged, when the bytes are no frame of that kind.
+bool decode(const std::vector<unsigned char>& bytes, RequestFrame& frame);
+bool decode(const std::vector<unsigned char>& bytes, ReplyFrame& frame);
+
+}  // namespace VeskLib::Host

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace VeskLib::Host {
+
+// `text` safe as HTML text and as a quoted attribute value.
+std::string escapeHTML(std::string_view text);
+
+// `text` safe inside a quoted JavaScript string, also within a script element.
+std::string escapeScript(std::string_view text);
+
+}  // namespace VeskLib::Host

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace VeskLib::Host {
+
+// An EFI configuration file as a whole; docs/configuration-file.md gives the layout by bytes.
+struct ConfigurationFile {
+    std::uint32_t revision = 1;  // of the layout; 1 is the only one
+    std::uint32_t saveTime = 0;  // seconds since 1970-01-01 UTC
+    std::uint32_t partition = 0;
+    std::string version;        // BIOS version; at most 255 bytes
+    std::string partitionName;  // UTF-8; at most 1023 bytes
+    std::vector<unsigned char> payload;
+};
+
+// The largest file that an upload may hold.
+inline constexpr std::size_t LARGEST_CONFIGURATION_FILE = 393216;
+
+std::vector<unsigned char> encode(const ConfigurationFile& file);
+
+// False, with `file` unchanged, when the bytes are not a configuration file, whole and undamaged.
+bool decode(const std::vector<unsigned char>& bytes, ConfigurationFile& file);
+
+// The CRC-32 of ISO 3309: polynomial 0x04C11DB7 reflected, initial value and final XOR all ones.
+std::uint32_t crc32(const unsigned char* bytes, std::size_t size);
+
+}  // namespace VeskLib::Host

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <sstream>
+#include <streambuf>
+#include <string>
+#include <vector>
+
+namespace VeskLib::Host {
+
+// Collects what is printed to std::cout, and sends it as one HTTP response over the CGI
+// interface. While it lives, nothing of the page reaches the server; send() writes header and
+// body in one piece.
+//
+// Every response carries Content-Length, no-store and nosniff, and the headers that keep the page
+// out of foreign frames.
+class Response {
+public:
+    Response();
+    Response(const Response&) = delete;
+    Response& operator=(const Response&) = delete;
+    ~Response();
+
+    // 200 unless set; the reason phrase is added.
+    void setStatus(int status);
+
+    // "text/html; charset=UTF-8" unless set.
+    void setContentType(const std::string& contentType);
+
+    // `name` and `value` must hold no line break; a header with one is left out.
+    void addHeader(const std::string& name, const std::string& value);
+
+    // Forgets what was printed and the headers added.
+    void discard();
+
+    // Writes the response to standard output; without the body when the request's method is
+    // HEAD. False when it could not be written whole. Called once.
+    bool send();
+
+private:
+    int status = 200;
+    std::string contentType;
+    std::vector<std::string> headers;
+    std::stringbuf body;
+    std::streambuf* original;
+};
+
+}  // namespace VeskLib::Host

@@ -1,0 +1,12 @@
+#pragma once
+
+namespace VeskLib {
+
+class CommonUtil {
+public:
+    // How many partitions the server can hold; partition numbers run from 0 to this minus 1.
+    // 0 when the board does not know it.
+    static unsigned int getMaxPartitionNum();
+};
+
+}  // namespace VeskLib

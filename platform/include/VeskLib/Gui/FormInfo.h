@@ -1,0 +1,33 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+namespace VeskLib::Gui {
+
+// The request's query string, form fields and uploaded file. The request is read when it is first
+// asked about. A malformed or oversized request throws PException from that first question.
+class FormInfo {
+public:
+    // The process-wide object; null until the program makes it. Never deleted by the program.
+    static FormInfo* myInstance;
+
+    FormInfo();
+    FormInfo(const FormInfo&) = delete;
+    FormInfo& operator=(const FormInfo&) = delete;
+    ~FormInfo();
+
+    // True, with `value` filled, when the request holds the field `name` (its value may be
+    // empty); false, with `value` unchanged, when not. A form field wins over a query field.
+    bool getFormData(const std::string& name, std::string& value) const;
+
+    // Ends the work on the request: everything read so far is let go of, and getFormData() finds
+    // no field any more.
+    void terminate();
+
+private:
+    struct State;
+    std::unique_ptr<State> state;
+};
+
+}  // namespace VeskLib::Gui

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <VeskLib/Gui/HTMLComponent.h>
+
+#include <string>
+
+namespace VeskLib::Gui {
+
+// A form field that the operator does not see.
+class HiddenField : public HTMLComponent {
+public:
+    HiddenField(const std::string& name, const std::string& value, const std::string& form);
+    ~HiddenField() override;
+
+    void printHTML() const override;
+    bool isError() const override;
+
+private:
+    std::string name;
+    std::string value;
+    std::string form;
+};
+
+}  // namespace VeskLib::Gui
