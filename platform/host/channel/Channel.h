@@ -4,6 +4,8 @@
 
 namespace VeskLib::Host {
 
+class Deadline;
+
 // Error codes of the channel itself; all others are the back-end's.
 inline constexpr int CHANNEL_UNREACHABLE = 2001;  // the back-end does not listen
 inline constexpr int CHANNEL_TIMEOUT = 2002;      // no whole reply within the deadline
@@ -18,16 +20,23 @@ inline constexpr int CHANNEL_DEADLINE_MILLISECONDS = 10000;
 // channel every further exchange fails with the same code.
 class Channel {
 public:
-    Channel() = default;
+    explicit Channel(int deadlineMilliseconds = CHANNEL_DEADLINE_MILLISECONDS)
+        : deadlineMilliseconds(deadlineMilliseconds) {}
     Channel(const Channel&) = delete;
     Channel& operator=(const Channel&) = delete;
     ~Channel();
 
     // Sends `request` and waits for the reply. 0 with `reply` filled, or an error code with
-    // `reply` unchanged.
+    // `reply` unchanged. A request above LARGEST_FRAME is not sent (CHANNEL_MALFORMED) and leaves
+    // the channel usable.
     int exchange(const RequestFrame& request, ReplyFrame& reply);
 
 private:
+    int connectOnce(const Deadline& deadline);
+    int sendAndReceive(const std::vector<unsigned char>& request, ReplyFrame& reply,
+                       const Deadline& deadline) const;
+
+    int deadlineMilliseconds;
     int descriptor = -1;
     int failure = 0;
 };

@@ -9,42 +9,55 @@
 
 namespace VeskLib::Host {
 
-// A parsed skeleton. Its marks:
-//
-//   {{name}}            the component of that name, as it prints itself
-//   {{name|script}}     the same, safe inside a JavaScript string
-//   {{name|attribute}}  the same, safe inside a quoted attribute value
-//   {{text 9001}}       a caption of the catalogue
-//   {{if name}}...{{end}}  printed only when there is a component of that name; may be nested
-//
-// A name is made of letters, digits and "_". An unknown name prints nothing. Anything else between
-// {{ and }} is malformed.
-class Skeleton {
-public:
-    struct Piece {
-        enum class Kind { TEXT, COMPONENT, SCRIPT, ATTRIBUTE, CAPTION, IF, END };
-        Kind kind;
-        std::string_view text;  // plain text or a name
-        int number;             // a caption's number; for IF the index of its END
-    };
-
-    // Throws SkeletonError when a mark is malformed.
-    explicit Skeleton(std::string source);
-
-    // Prints to std::cout.
-    void print(const std::map<std::string, Gui::HTMLComponent*>& components) const;
-
-    const std::vector<Piece>& pieces() const { return parts; }
-
-private:
-    std::string source;
-    std::vector<Piece> parts;
-};
-
+// Where and why a skeleton is malformed; line and column count from 1.
 struct SkeletonError {
     unsigned int line;
     unsigned int column;
     std::string problem;
+};
+
+// A parsed skeleton. Its marks:
+//
+//   {{name}}               the component of that name, as it prints itself
+//   {{name|script}}        the same, safe inside a JavaScript string
+//   {{name|attribute}}     the same, safe inside a quoted attribute value
+//   {{text 9001}}          a caption of the catalogue, in the request's language
+//   {{text 9001|script}}   the same, safe inside a JavaScript string
+//   {{language}}           the request's language tag, such as "en"
+//   {{if name}}...{{end}}  printed only when there is a component of that name; may be nested
+//
+// A name is made of letters, digits and "_". A name that the map does not hold prints nothing.
+// Anything else between {{ and }} is malformed.
+class Skeleton {
+public:
+    enum class Kind { PLAIN, COMPONENT, CAPTION, LANGUAGE, IF };
+    enum class Place { MARKUP, SCRIPT, ATTRIBUTE };
+
+    struct Piece {
+        Kind kind = Kind::PLAIN;
+        Place place = Place::MARKUP;
+        std::string_view text;  // plain text, or a component's name
+        int number = 0;         // of a caption
+        std::size_t next = 0;   // of an IF: the piece behind its end
+    };
+
+    // Throws SkeletonError when a mark is malformed.
+    explicit Skeleton(std::string source);
+    Skeleton(const Skeleton&) = delete;
+    Skeleton& operator=(const Skeleton&) = delete;
+
+    // Prints to std::cout.
+    void print(const std::map<std::string, Gui::HTMLComponent*>& components) const;
+
+    const std::vector<Piece>& getPieces() const { return pieces; }
+
+private:
+    void parse();
+    bool parseMark(std::string_view mark, std::vector<std::size_t>& openConditions);
+    [[noreturn]] void fail(std::size_t offset, const char* problem) const;
+
+    std::string source;
+    std::vector<Piece> pieces;
 };
 
 }  // namespace VeskLib::Host

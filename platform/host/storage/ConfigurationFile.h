@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -19,6 +20,10 @@ struct ConfigurationFile {
 // The largest file that an upload may hold.
 inline constexpr std::size_t LARGEST_CONFIGURATION_FILE = 393216;
 
+inline constexpr std::size_t LARGEST_VERSION = 255;
+inline constexpr std::size_t LARGEST_PARTITION_NAME = 1023;
+
+// The file's bytes; empty when a text, or the file as a whole, would be above its limit.
 std::vector<unsigned char> encode(const ConfigurationFile& file);
 
 // False, with `file` unchanged, when the bytes are not a configuration file, whole and undamaged.

@@ -7,12 +7,24 @@ namespace VeskLib::Host {
 
 // Reads the regular file `path` whole, at most `limit` bytes; links are not followed. False, with
 // `bytes` unchanged, when it cannot be read, is no regular file or is larger; errno then tells
-// why.
+// why (EINVAL: no regular file; EFBIG: larger).
 bool readFile(const std::string& path, std::size_t limit, std::vector<unsigned char>& bytes);
 
+// The same for a file that is open, from its start whatever its offset.
+bool readOpenFile(int descriptor, std::size_t limit, std::vector<unsigned char>& bytes);
+
+// Opens `path` for reading without following a link and without waiting for a pipe's writer. -1,
+// with errno set, when it cannot be opened.
+int openForReading(const std::string& path);
+
 // Replaces `path` by a file with these bytes: written aside, synced, renamed, the folder synced.
-// `mode` is not reduced by the umask. False when any step failed; `path` is then as before and
-// nothing is left behind.
+// `mode` is not reduced by the umask. False when any step failed; errno then tells why, `path` is
+// as before and nothing is left behind. Only when the folder cannot be synced does `path` hold the
+// new bytes all the same: they are stored, but may not outlive a power cut.
 bool replaceFile(const std::string& path, const std::vector<unsigned char>& bytes, int mode);
+
+// Removes what a replaceFile() left aside when its process was killed, for every path that begins
+// with `pathStart`. Only for paths that no other process is replacing at the same time.
+void removeFilesAside(const std::string& pathStart);
 
 }  // namespace VeskLib::Host

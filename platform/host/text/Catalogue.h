@@ -1,31 +1,27 @@
 #pragma once
 
-#include <string>
-
 namespace VeskLib::Host {
 
-// The message catalogues, one file per language made by gencat, read with catgets. In each, set 1
-// holds the messages, set 2 the captions (numbers from 9000 are the skeletons'), set 3 the trace
-// texts. Trace texts exist in English only.
+// The message catalogues, one file per language made by gencat and read with catgets. In each,
+// set 1 holds the messages, set 2 the captions (numbers from 9000 are the skeletons'), set 3 the
+// trace texts. Trace texts are English in every language: engineers search for them.
 enum class TextSet { MESSAGES = 1, CAPTIONS = 2, TRACE = 3 };
 
 inline constexpr int ENGLISH = 0;
 inline constexpr int JAPANESE = 1;
 inline constexpr int LANGUAGE_COUNT = 2;
 
+// The cookie in which the operator's choice of a language is kept.
+inline constexpr const char* LANGUAGE_COOKIE = "language";
+
 // The language tag, "en" or "ja"; English for an unknown number.
 const char* languageTag(int language);
 
-// The language of the request: the "language" cookie when it names one of ours, else the first of
-// ours in Accept-Language, else English.
+// The language of the request: the language cookie when it names one of ours, else the first of
+// ours in Accept-Language, else English. Found once per process.
 int requestLanguage();
 
 // The text, or null when the catalogue has none. It stays valid for the life of the process.
 const char* findText(int language, TextSet set, int number);
-
-// The language in which skeletons print their own captions ({{text 9001}}). Set with the first
-// MessageMgr of the process, or by setSkeletonLanguage().
-int skeletonLanguage();
-void setSkeletonLanguage(int language);
 
 }  // namespace VeskLib::Host

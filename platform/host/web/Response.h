@@ -3,7 +3,6 @@
 #include <sstream>
 #include <streambuf>
 #include <string>
-#include <vector>
 
 namespace VeskLib::Host {
 
@@ -12,9 +11,11 @@ namespace VeskLib::Host {
 // body in one piece.
 //
 // Every response carries Content-Length, no-store and nosniff, and the headers that keep the page
-// out of foreign frames.
+// out of foreign frames. The process ignores SIGPIPE and SIGXFSZ from then on.
 class Response {
 public:
+    static constexpr const char* HTML_CONTENT = "text/html; charset=UTF-8";
+
     Response();
     Response(const Response&) = delete;
     Response& operator=(const Response&) = delete;
@@ -23,7 +24,7 @@ public:
     // 200 unless set; the reason phrase is added.
     void setStatus(int status);
 
-    // "text/html; charset=UTF-8" unless set.
+    // HTML_CONTENT unless set.
     void setContentType(const std::string& contentType);
 
     // `name` and `value` must hold no line break; a header with one is left out.
@@ -38,8 +39,8 @@ public:
 
 private:
     int status = 200;
-    std::string contentType;
-    std::vector<std::string> headers;
+    std::string contentType = HTML_CONTENT;
+    std::string headers;
     std::stringbuf body;
     std::streambuf* original;
 };

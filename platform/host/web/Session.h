@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/host/base/SessionShape.h"
+
 #include <ctime>
 #include <string>
 
@@ -26,14 +28,6 @@ struct Session {
 
     std::string cookieValue() const;
 };
-
-// Whether `text` has the shape of a cookie value, and of an identifier. Checked before either
-// touches a path.
-bool isCookieValue(const std::string& text);
-bool isSessionIdentifier(const std::string& text);
-
-// The identifier in a cookie value; empty when the value is malformed.
-std::string identifierOf(const std::string& cookieValue);
 
 // Starts a session for `user`. Throws PException when it cannot be written.
 Session startSession(const std::string& user, bool everyFunction, const std::string& functions);

@@ -1,0 +1,103 @@
+// Holds the texts of the board together while it is built: every language has the same numbers
+// with the same conversions, and every skeleton is well formed and uses captions that exist.
+//
+// Usage: BOARD_ROOT=... checkTexts SKELETON...
+
+#include "platform/host/html/Skeleton.h"
+#include "platform/host/storage/files.h"
+#include "platform/host/text/Catalogue.h"
+
+#include <iostream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+using namespace VeskLib::Host;
+
+const int LARGEST_NUMBER = 32767;
+const std::size_t LARGEST_SKELETON = 256 * 1024;
+
+// The printf-style conversions of a text, such as "%s%d".
+std::string conversionsOf(std::string_view text) {
+    std::string conversions;
+    for (std::size_t i = text.find('%'); i < text.size(); i = text.find('%', i + 1)) {
+        const std::size_t end = text.find_first_of("%sdiuxXc", i + 1);
+        if (end == std::string_view::npos) {
+            return conversions + "%?";
+        }
+        conversions += text[end] == '%' ? "" : text.substr(i, end - i + 1);
+        i = end;
+    }
+    return conversions;
+}
+
+bool checkNumber(TextSet set, int number) {
+    const char* first = findText(ENGLISH, set, number);
+    for (int language = ENGLISH + 1; language < LANGUAGE_COUNT; ++language) {
+        const char* other = findText(language, set, number);
+        if ((first == nullptr) != (other == nullptr)) {
+            std::cerr << "Text " << number << " of set " << static_cast<int>(set)
+                      << " is not in every language.\n";
+            return false;
+        }
+        if (first != nullptr && conversionsOf(first) != conversionsOf(other)) {
+            std::cerr << "Text " << number << " of set " << static_cast<int>(set)
+                      << " has other conversions in " << languageTag(language) << ".\n";
+            return false;
+        }
+    }
+    return true;
+}
+
+bool checkCatalogues() {
+    bool sound = true;
+    int count = 0;
+    for (int number = 1; number <= LARGEST_NUMBER; ++number) {
+        sound = checkNumber(TextSet::MESSAGES, number) && sound;
+        sound = checkNumber(TextSet::CAPTIONS, number) && sound;
+        count += findText(ENGLISH, TextSet::MESSAGES, number) != nullptr ? 1 : 0;
+    }
+    if (count == 0) {
+        std::cerr << "There are no messages: are the catalogues in place?\n";
+    }
+    return sound && count != 0;
+}
+
+bool checkCaptions(const Skeleton& skeleton, const std::string& path) {
+    bool sound = true;
+    for (const Skeleton::Piece& piece : skeleton.getPieces()) {
+        if (piece.kind == Skeleton::Kind::CAPTION &&
+            findText(ENGLISH, TextSet::CAPTIONS, piece.number) == nullptr) {
+            std::cerr << path << ": there is no caption " << piece.number << ".\n";
+            sound = false;
+        }
+    }
+    return sound;
+}
+
+bool checkSkeleton(const std::string& path) {
+    std::vector<unsigned char> bytes;
+    if (!readFile(path, LARGEST_SKELETON, bytes)) {
+        std::cerr << path << ": cannot be read.\n";
+        return false;
+    }
+    try {
+        return checkCaptions(Skeleton(std::string(bytes.begin(), bytes.end())), path);
+    } catch (const SkeletonError& error) {
+        std::cerr << path << ":" << error.line << ":" << error.column << ": " << error.problem
+                  << "\n";
+        return false;
+    }
+}
+
+}  // namespace
+
+int main(int argumentCount, char** arguments) {
+    bool sound = checkCatalogues();
+    for (int i = 1; i < argumentCount; ++i) {
+        sound = checkSkeleton(arguments[i]) && sound;
+    }
+    return sound ? 0 : 1;
+}

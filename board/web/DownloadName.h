@@ -1,0 +1,39 @@
+#pragma once
+
+#include "platform/host/storage/ConfigurationFile.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace VeskLib::Board {
+
+// The name under which a browser saves a backup:
+//
+//   ("Partition" number | "BIOS") "_" year month day "_" version ".dat"
+//
+// with the date in local time, month and day in two digits, and the version without its dots and
+// blanks, or "Unknown" when it begins with "-". For example Partition3_20261114_123B.dat.
+class DownloadName {
+public:
+    // Reads `text`; nothing when it has not exactly that shape, or when its version part holds
+    // what has no place in a file's name: control characters, path separators, quotes, a
+    // backslash, or bytes that are not UTF-8.
+    static std::optional<DownloadName> parse(const std::string& text);
+
+    // Whether a backup with the header of `file` is saved under this name.
+    bool fits(const Host::ConfigurationFile& file) const;
+
+    // The Content-Disposition header's value that makes a browser save under this name.
+    std::string contentDisposition() const;
+
+private:
+    DownloadName() = default;
+
+    std::string text;
+    std::string partition;  // in decimal; empty when the name does not tell it
+    std::string date;
+    std::string version;
+};
+
+}  // namespace VeskLib::Board

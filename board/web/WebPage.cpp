@@ -1,0 +1,62 @@
+#include "board/web/WebPage.h"
+
+#include "platform/host/text/Catalogue.h"
+
+#include <VeskLib/Gui/HTMLCodeGenerator.h>
+#include <VeskLib/Gui/MessageMgr.h>
+#include <VeskLib/Gui/TextString.h>
+
+#include <utility>
+
+namespace VeskLib::Board {
+
+namespace {
+
+const char* const FRAME_SKELETON = "/usr/local/www/skel/skeleton_web_frame.txt";
+
+// The page's body, printed from the same places as its frame.
+class Body : public Gui::HTMLComponent {
+public:
+    Body(const std::string& skeleton, const std::map<std::string, Gui::HTMLComponent*>& components)
+        : generator(skeleton, &components) {}
+
+    void printHTML() const override { generator.printHTML(); }
+    bool isError() const override { return false; }
+
+private:
+    Gui::HTMLCodeGenerator generator;
+};
+
+}  // namespace
+
+WebPage::WebPage(const std::string& bodySkeleton, int titleCaption) {
+    putCaption("title", titleCaption);
+    put("body", std::make_unique<Body>(bodySkeleton, components));
+    const int language = Host::requestLanguage();
+    putText(std::string("language_") + Host::languageTag(language), "");
+}
+
+WebPage::~WebPage() = default;
+
+void WebPage::putText(const std::string& name, const std::string& text) {
+    put(name, std::make_unique<Gui::TextString>(text));
+}
+
+void WebPage::putCaption(const std::string& name, int caption, int detail) {
+    std::string text = Gui::MessageMgr(Host::requestLanguage()).getString(caption);
+    if (detail != 0) {
+        text += " [" + std::to_string(caption) + "-" + std::to_string(detail) + "]";
+    }
+    putText(name, text);
+}
+
+void WebPage::print() const {
+    Gui::HTMLCodeGenerator(FRAME_SKELETON, &components).printHTML();
+}
+
+void WebPage::put(const std::string& name, std::unique_ptr<Gui::HTMLComponent> component) {
+    components[name] = component.get();
+    owned.push_back(std::move(component));
+}
+
+}  // namespace VeskLib::Board

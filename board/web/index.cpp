@@ -1,0 +1,61 @@
+#include "board/web/WebPage.h"
+#include "board/web/WebProgram.h"
+#include "board/web/webCaptions.h"
+#include "platform/host/text/Catalogue.h"
+#include "platform/host/web/requestChecks.h"
+
+namespace VeskLib::Board {
+
+namespace {
+
+const char* const MENU_SKELETON = "/usr/local/www/skel/skeleton_web_menu.txt";
+const int BACKUP_FUNCTION = 105;
+const int RESTORE_FUNCTION = 106;
+
+bool isLanguage(const std::string& tag) {
+    for (int language = 0; language < Host::LANGUAGE_COUNT; ++language) {
+        if (tag == Host::languageTag(language)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// Needs no session: a language is chosen on the login page, too.
+void chooseLanguage(const Gui::FormInfo& form, Host::Response& response) {
+    std::string tag;
+    if (!form.getFormData("language", tag) || !isLanguage(tag)) {
+        throw WebRefusal{400, REQUEST_NOT_READABLE};
+    }
+    response.addHeader("Set-Cookie", std::string(Host::LANGUAGE_COOKIE) + "=" + tag +
+                                         "; Path=/; Max-Age=31536000; HttpOnly; SameSite=Strict");
+    redirect(response, "/");
+}
+
+void printMenu(const Host::Session& session) {
+    WebPage page(MENU_SKELETON, MENU_TITLE);
+    page.putText("account", session.user);
+    page.putText(mayUse(session, BACKUP_FUNCTION) ? "may_backup" : "may_not_backup", "");
+    page.putText(mayUse(session, RESTORE_FUNCTION) ? "may_restore" : "may_not_restore", "");
+    page.print();
+}
+
+void handleMenu(const Gui::FormInfo& form, Host::Response& response) {
+    Host::Session session;
+    if (Host::isPost()) {
+        chooseLanguage(form, response);
+    } else if (findRequestSession(session)) {
+        printMenu(session);
+    } else {
+        redirect(response, "/login.cgi");
+    }
+}
+
+}  // namespace
+
+}  // namespace VeskLib::Board
+
+int main() {
+    using namespace VeskLib::Board;
+    return runWebProgram({"GET, HEAD, POST", WRONG_METHOD, handleMenu});
+}

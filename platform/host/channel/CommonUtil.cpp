@@ -1,0 +1,33 @@
+#include <VeskLib/CommonUtil.h>
+
+#include "platform/host/base/SystemPath.h"
+#include "platform/host/channel/BoardProperties.h"
+#include "platform/host/storage/files.h"
+
+#include <VeskLib/getCGIPath.h>
+
+namespace VeskLib {
+
+namespace {
+
+// Far above what the back-end writes.
+const std::size_t LARGEST_PROPERTIES = 4096;
+
+Host::BoardProperties readProperties() {
+    Host::BoardProperties properties;
+    std::vector<unsigned char> bytes;
+    if (Host::readFile(getCGIPath(Host::BOARD_PROPERTIES), LARGEST_PROPERTIES, bytes)) {
+        decode(bytes, properties);
+    }
+    return properties;
+}
+
+}  // namespace
+
+unsigned int CommonUtil::getMaxPartitionNum() {
+    // Asked before every row of a table; a number that changed half-way would tear the table.
+    static const Host::BoardProperties properties = readProperties();
+    return properties.maxPartitions;
+}
+
+}  // namespace VeskLib

@@ -1,0 +1,113 @@
+#include "data/HardInstallInfoPacket.h"
+
+#include "data/WireCursor.h"
+#include "data/containerExceptions.h"
+#include "platform/host/channel/boardRecords.h"
+
+#include <array>
+#include <cstddef>
+
+namespace VeskLib::VeskUi {
+
+namespace {
+
+const unsigned int LENGTH_SIZE = 4;
+const std::size_t MEMBER_COUNT = 11;
+
+// The members in the order in which they travel.
+std::array<SerializableObject*, MEMBER_COUNT> membersOf(HardInstallInfoPacket& packet) {
+    return {&packet.systemBoards,  &packet.firstBoards,   &packet.secondBoards,
+            &packet.ioBoards,      &packet.gspBoards,     &packet.byteArrays[0],
+            &packet.byteArrays[1], &packet.byteArrays[2], &packet.byteArrays[3],
+            &packet.byteArrays[4], &packet.byteArrays[5]};
+}
+
+std::array<const SerializableObject*, MEMBER_COUNT> membersOf(const HardInstallInfoPacket& packet) {
+    return {&packet.systemBoards,  &packet.firstBoards,   &packet.secondBoards,
+            &packet.ioBoards,      &packet.gspBoards,     &packet.byteArrays[0],
+            &packet.byteArrays[1], &packet.byteArrays[2], &packet.byteArrays[3],
+            &packet.byteArrays[4], &packet.byteArrays[5]};
+}
+
+void exchangeContents(HardInstallInfoPacket& one, HardInstallInfoPacket& other) {
+    one.systemBoards.records.swap(other.systemBoards.records);
+    one.firstBoards.elements.swap(other.firstBoards.elements);
+    one.secondBoards.elements.swap(other.secondBoards.elements);
+    one.ioBoards.records.swap(other.ioBoards.records);
+    one.gspBoards.records.swap(other.gspBoards.records);
+    for (std::size_t i = 0; i < std::size(one.byteArrays); ++i) {
+        one.byteArrays[i].records.swap(other.byteArrays[i].records);
+    }
+}
+
+// The word of the board's record; 0 when there is no such board.
+template <typename Record>
+std::uint32_t wordOf(const PrimitiveTypeArray<Record>& boards, int number) {
+    const auto index = static_cast<std::size_t>(number);
+    return number >= 0 && index < boards.records.size() ? boards.records[index].word : 0;
+}
+
+}  // namespace
+
+bool HardInstallInfoPacket::isInstalled(int kind, int number) const {
+    std::uint32_t word = 0;
+    if (kind == Host::SYSTEM_BOARD) {
+        word = wordOf(systemBoards, number);
+    } else if (kind == Host::IO_BOARD) {
+        word = wordOf(ioBoards, number);
+    } else if (kind == Host::GSP_BOARD) {
+        word = wordOf(gspBoards, number);
+    }
+    return (word & Host::BOARD_INSTALLED) != 0;
+}
+
+bool HardInstallInfoPacket::isHome(int kind, int number, int sub) const {
+    // Only a system board can be a home board, and it has no parts.
+    return kind == Host::SYSTEM_BOARD && sub == 0 &&
+           (wordOf(systemBoards, number) & Host::BOARD_IS_HOME) != 0;
+}
+
+unsigned int HardInstallInfoPacket::getSerialized(unsigned char* buffer, unsigned int size) const {
+    const unsigned int wanted = getSerializedSize();
+    if (size < wanted) {
+        throw makeDifferentBufferSize("HardInstallInfoPacket::getSerialized");
+    }
+    unsigned int position = 0;
+    for (const SerializableObject* member : membersOf(*this)) {
+        const unsigned int length = member->getSerializedSize();
+        WireWriter(buffer + position, LENGTH_SIZE).writeU32(length);
+        position += LENGTH_SIZE;
+        member->getSerialized(buffer + position, length);
+        position += length;
+    }
+    return wanted;
+}
+
+unsigned int HardInstallInfoPacket::getSerializedSize() const {
+    unsigned int size = 0;
+    for (const SerializableObject* member : membersOf(*this)) {
+        size += LENGTH_SIZE + member->getSerializedSize();
+    }
+    return size;
+}
+
+bool HardInstallInfoPacket::setSerialized(const unsigned char* buffer, unsigned int size) {
+    // Read into a packet of its own: the containers append, and a fault must change nothing here.
+    HardInstallInfoPacket read;
+    WireReader reader(buffer, size);
+    for (SerializableObject* member : membersOf(read)) {
+        const unsigned int length = reader.readU32();
+        const unsigned char* bytes = reader.readBytes(length);
+        if (reader.failed() || !member->setSerialized(bytes, length) ||
+            member->getSerializedSize() != length) {
+            return false;
+        }
+    }
+    if (reader.remaining() != 0) {
+        return false;
+    }
+    exchangeContents(*this, read);
+    return true;
+}
+
+}  // namespace VeskLib::VeskUi

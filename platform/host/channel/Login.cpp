@@ -1,0 +1,56 @@
+#include "platform/host/channel/Login.h"
+
+#include "platform/host/channel/WireText.h"
+
+#include <utility>
+
+namespace VeskLib::Host {
+
+namespace {
+
+const std::size_t FLAG_SIZE = 1;
+
+}  // namespace
+
+std::vector<unsigned char> encode(const LoginRequest& login) {
+    std::vector<unsigned char> bytes(wireTextSize(login.user) + wireTextSize(login.password));
+    VeskUi::WireWriter writer(bytes.data(), bytes.size());
+    writeWireText(writer, login.user);
+    writeWireText(writer, login.password);
+    return bytes;
+}
+
+std::vector<unsigned char> encode(const LoginAnswer& answer) {
+    std::vector<unsigned char> bytes(FLAG_SIZE + wireTextSize(answer.functions));
+    VeskUi::WireWriter writer(bytes.data(), bytes.size());
+    writer.writeU8(answer.everyFunction ? 1 : 0);
+    writeWireText(writer, answer.functions);
+    return bytes;
+}
+
+bool decode(const std::vector<unsigned char>& bytes, LoginRequest& login) {
+    VeskUi::WireReader reader(bytes.data(), bytes.size());
+    LoginRequest read;
+    read.user = readWireText(reader);
+    read.password = readWireText(reader);
+    if (reader.failed() || reader.remaining() != 0) {
+        return false;
+    }
+    login = std::move(read);
+    return true;
+}
+
+bool decode(const std::vector<unsigned char>& bytes, LoginAnswer& answer) {
+    VeskUi::WireReader reader(bytes.data(), bytes.size());
+    LoginAnswer read;
+    const std::uint8_t flag = reader.readU8();
+    read.everyFunction = flag == 1;
+    read.functions = readWireText(reader);
+    if (reader.failed() || reader.remaining() != 0 || flag > 1) {
+        return false;
+    }
+    answer = std::move(read);
+    return true;
+}
+
+}  // namespace VeskLib::Host

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace VeskLib::Host {
+
+// The payloads of a LOGIN request and of its reply; docs/wire-formats.md gives them by bytes.
+
+struct LoginRequest {
+    std::string user;
+    std::string password;
+};
+
+struct LoginAnswer {
+    bool everyFunction = false;
+    std::string functions;  // function numbers, each between commas: ",105,106,"; may be empty
+};
+
+std::vector<unsigned char> encode(const LoginRequest& login);
+std::vector<unsigned char> encode(const LoginAnswer& answer);
+
+// False, with the object unchanged, when the bytes are not exactly such a payload.
+bool decode(const std::vector<unsigned char>& bytes, LoginRequest& login);
+bool decode(const std::vector<unsigned char>& bytes, LoginAnswer& answer);
+
+}  // namespace VeskLib::Host

@@ -1,0 +1,31 @@
+#include "platform/host/channel/WireText.h"
+
+#include <algorithm>
+
+namespace VeskLib::Host {
+
+namespace {
+
+const std::size_t LENGTH_SIZE = 2;
+const std::size_t LONGEST_TEXT = 0xFFFF;
+
+std::size_t lengthOnWire(const std::string& text) {
+    return std::min(text.size(), LONGEST_TEXT);
+}
+
+}  // namespace
+
+std::size_t wireTextSize(const std::string& text) {
+    return LENGTH_SIZE + lengthOnWire(text);
+}
+
+void writeWireText(VeskUi::WireWriter& writer, const std::string& text) {
+    writer.writeU16(static_cast<std::uint16_t>(lengthOnWire(text)));
+    writer.writeBytes(text.data(), lengthOnWire(text));
+}
+
+std::string readWireText(VeskUi::WireReader& reader) {
+    return reader.readText(reader.readU16());
+}
+
+}  // namespace VeskLib::Host

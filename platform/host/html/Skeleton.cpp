@@ -1,0 +1,194 @@
+#include "platform/host/html/Skeleton.h"
+
+#include "platform/host/html/escape.h"
+#include "platform/host/text/Catalogue.h"
+
+#include <algorithm>
+#include <charconv>
+#include <iostream>
+#include <sstream>
+#include <utility>
+
+namespace VeskLib::Host {
+
+namespace {
+
+using Components = std::map<std::string, Gui::HTMLComponent*>;
+
+bool isName(std::string_view text) {
+    return !text.empty() && std::all_of(text.begin(), text.end(), [](char character) {
+        return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z') ||
+               (character >= '0' && character <= '9') || character == '_';
+    });
+}
+
+bool takePrefix(std::string_view& text, std::string_view prefix) {
+    if (!text.starts_with(prefix)) {
+        return false;
+    }
+    text.remove_prefix(prefix.size());
+    return true;
+}
+
+bool takeSuffix(std::string_view& text, std::string_view suffix) {
+    if (!text.ends_with(suffix)) {
+        return false;
+    }
+    text.remove_suffix(suffix.size());
+    return true;
+}
+
+bool parseNumber(std::string_view text, int& number) {
+    const std::from_chars_result result =
+        std::from_chars(text.data(), text.data() + text.size(), number);
+    return result.ec == std::errc() && result.ptr == text.data() + text.size() && number > 0;
+}
+
+const Gui::HTMLComponent* find(const Components& components, std::string_view name) {
+    const auto entry = components.find(std::string(name));
+    return entry == components.end() ? nullptr : entry->second;
+}
+
+// What a component prints.
+std::string capture(const Gui::HTMLComponent& component) {
+    std::stringbuf buffer(std::ios::out);
+    std::streambuf* const page = std::cout.rdbuf(&buffer);
+    try {
+        component.printHTML();
+    } catch (...) {
+        std::cout.rdbuf(page);
+        throw;
+    }
+    std::cout.rdbuf(page);
+    return buffer.str();
+}
+
+std::string escapeFor(Skeleton::Place place, const std::string& text) {
+    return place == Skeleton::Place::SCRIPT ? escapeScript(text) : escapeHTML(text);
+}
+
+void printComponent(const Skeleton::Piece& piece, const Components& components) {
+    const Gui::HTMLComponent* component = find(components, piece.text);
+    if (component == nullptr) {
+        return;
+    }
+    if (piece.place == Skeleton::Place::MARKUP) {
+        component->printHTML();
+    } else {
+        std::cout << escapeFor(piece.place, capture(*component));
+    }
+}
+
+void printCaption(const Skeleton::Piece& piece) {
+    const char* text = findText(requestLanguage(), TextSet::CAPTIONS, piece.number);
+    if (text != nullptr) {
+        std::cout << escapeFor(piece.place, text);
+    }
+}
+
+}  // namespace
+
+Skeleton::Skeleton(std::string source) : source(std::move(source)) {
+    parse();
+}
+
+void Skeleton::parse() {
+    const std::string_view text = source;
+    std::vector<std::size_t> openConditions;
+    std::size_t position = 0;
+    std::size_t lastCondition = 0;
+    while (position < text.size()) {
+        const std::size_t start = std::min(text.find("{{", position), text.size());
+        if (start > position) {
+            pieces.push_back({.text = text.substr(position, start - position)});
+        }
+        if (start == text.size()) {
+            break;
+        }
+        const std::size_t end = text.find("}}", start);
+        if (end == std::string_view::npos) {
+            fail(start, "the mark is not closed");
+        }
+        const std::size_t opened = openConditions.size();
+        if (!parseMark(text.substr(start + 2, end - start - 2), openConditions)) {
+            fail(start, "not a mark");
+        }
+        if (openConditions.size() > opened) {
+            lastCondition = start;
+        }
+        position = end + 2;
+    }
+    if (!openConditions.empty()) {
+        fail(lastCondition, "the condition has no end");
+    }
+}
+
+bool Skeleton::parseMark(std::string_view mark, std::vector<std::size_t>& openConditions) {
+    if (mark == "language") {
+        pieces.emplace_back().kind = Kind::LANGUAGE;
+        return true;
+    }
+    if (mark == "end") {
+        if (openConditions.empty()) {
+            return false;
+        }
+        pieces[openConditions.back()].next = pieces.size();
+        openConditions.pop_back();
+        return true;
+    }
+    if (takePrefix(mark, "if ")) {
+        openConditions.push_back(pieces.size());
+        pieces.push_back({.kind = Kind::IF, .text = mark});
+        return isName(mark);
+    }
+    Piece piece;
+    if (takeSuffix(mark, "|script")) {
+        piece.place = Place::SCRIPT;
+    } else if (takeSuffix(mark, "|attribute")) {
+        piece.place = Place::ATTRIBUTE;
+    }
+    if (takePrefix(mark, "text ")) {
+        piece.kind = Kind::CAPTION;
+        pieces.push_back(piece);
+        return parseNumber(mark, pieces.back().number);
+    }
+    piece.kind = Kind::COMPONENT;
+    piece.text = mark;
+    pieces.push_back(piece);
+    return isName(mark);
+}
+
+void Skeleton::fail(std::size_t offset, const char* problem) const {
+    const auto end = source.begin() + static_cast<std::ptrdiff_t>(offset);
+    const auto line = std::count(source.begin(), end, '\n') + 1;
+    const std::size_t lineStart = source.rfind('\n', offset) + 1;  // npos + 1 is 0
+    throw SkeletonError{static_cast<unsigned int>(line),
+                        static_cast<unsigned int>(offset - lineStart + 1), problem};
+}
+
+void Skeleton::print(const Components& components) const {
+    for (std::size_t i = 0; i < pieces.size(); ++i) {
+        const Piece& piece = pieces[i];
+        switch (piece.kind) {
+            case Kind::PLAIN:
+                std::cout << piece.text;
+                break;
+            case Kind::COMPONENT:
+                printComponent(piece, components);
+                break;
+            case Kind::CAPTION:
+                printCaption(piece);
+                break;
+            case Kind::LANGUAGE:
+                std::cout << languageTag(requestLanguage());
+                break;
+            case Kind::IF:
+                if (find(components, piece.text) == nullptr) {
+                    i = piece.next - 1;  // the loop adds the one again
+                }
+                break;
+        }
+    }
+}
+
+}  // namespace VeskLib::Host

@@ -1,0 +1,58 @@
+#include <VeskLib/VeskUi/EFIConfFile.h>
+
+#include "platform/host/base/platformException.h"
+#include "platform/host/storage/ConfigurationFile.h"
+#include "platform/host/storage/files.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+
+namespace VeskLib::VeskUi {
+
+namespace {
+
+// The whole file is read and checked also when only its header is asked for: a header in front of
+// damaged content must not pass for a good file.
+Host::ConfigurationFile readChecked(int descriptor) {
+    std::vector<unsigned char> bytes;
+    if (!Host::readOpenFile(descriptor, Host::LARGEST_CONFIGURATION_FILE, bytes) &&
+        errno != EFBIG) {
+        throw Host::makePlatformException(Host::FILE_NOT_READABLE, "EFIConfFile: read");
+    }
+    Host::ConfigurationFile file;
+    if (!decode(bytes, file)) {
+        throw Host::makePlatformException(Host::NOT_A_CONFIGURATION_FILE, "EFIConfFile: content");
+    }
+    return file;
+}
+
+}  // namespace
+
+EFIConfFile::EFIConfFile(const char* path) : descriptor(Host::openForReading(path)) {
+    if (descriptor < 0) {
+        throw Host::makePlatformException(Host::FILE_NOT_READABLE, "EFIConfFile: open");
+    }
+}
+
+EFIConfFile::~EFIConfFile() {
+    ::close(descriptor);
+}
+
+void EFIConfFile::getFileHeader(EFIConfFileHeader& header, std::string& version) {
+    unsigned int partition = 0;
+    std::string partitionName;
+    getFileHeader(header, version, partition, partitionName);
+}
+
+void EFIConfFile::getFileHeader(EFIConfFileHeader& header, std::string& version,
+                                unsigned int& partition, std::string& partitionName) {
+    Host::ConfigurationFile file = readChecked(descriptor);
+    header.revision = file.revision;
+    header.saveTime = file.saveTime;
+    version.swap(file.version);
+    partition = file.partition;
+    partitionName.swap(file.partitionName);
+}
+
+}  // namespace VeskLib::VeskUi

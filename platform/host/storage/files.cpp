@@ -1,0 +1,160 @@
+#include "platform/host/storage/files.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <string_view>
+
+namespace VeskLib::Host {
+
+namespace {
+
+// A file written aside is named after the path it will replace, this, and six random characters.
+const std::string_view ASIDE_MARK = ".aside-";
+const std::string_view ASIDE_RANDOM = "XXXXXX";
+
+std::string folderOf(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    if (slash == std::string::npos) {
+        return ".";
+    }
+    return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+std::string nameOf(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    return slash == std::string::npos ? path : path.substr(slash + 1);
+}
+
+bool writeWhole(int descriptor, const std::vector<unsigned char>& bytes) {
+    std::size_t written = 0;
+    while (written < bytes.size()) {
+        const ssize_t count = ::write(descriptor, bytes.data() + written, bytes.size() - written);
+        if (count < 0 && errno != EINTR) {
+            return false;
+        }
+        written += count > 0 ? static_cast<std::size_t>(count) : 0;
+    }
+    return true;
+}
+
+// Closes without losing the reason of an earlier failure.
+void closeKeepingErrno(int descriptor) {
+    const int reason = errno;
+    ::close(descriptor);
+    errno = reason;
+}
+
+// Makes `aside` a synced file with these bytes.
+bool writeAside(std::string& aside, const std::vector<unsigned char>& bytes, int mode) {
+    const int descriptor = ::mkostemp(aside.data(), O_CLOEXEC);
+    if (descriptor < 0) {
+        return false;
+    }
+    const bool written = writeWhole(descriptor, bytes) &&
+                         ::fchmod(descriptor, static_cast<mode_t>(mode)) == 0 &&
+                         ::fsync(descriptor) == 0;
+    closeKeepingErrno(descriptor);
+    return written;
+}
+
+bool syncFolder(int folder) {
+    // A file system that cannot sync a folder says EINVAL; it has nothing to wait for.
+    return ::fsync(folder) == 0 || errno == EINVAL;
+}
+
+bool isAsideName(std::string_view name, std::string_view start) {
+    return name.size() >= start.size() + ASIDE_MARK.size() + ASIDE_RANDOM.size() &&
+           name.starts_with(start) &&
+           name.substr(name.size() - ASIDE_RANDOM.size() - ASIDE_MARK.size())
+               .starts_with(ASIDE_MARK);
+}
+
+}  // namespace
+
+int openForReading(const std::string& path) {
+    return ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);
+}
+
+bool readOpenFile(int descriptor, std::size_t limit, std::vector<unsigned char>& bytes) {
+    struct stat status = {};
+    if (::fstat(descriptor, &status) != 0) {
+        return false;
+    }
+    if (!S_ISREG(status.st_mode)) {
+        errno = EINVAL;
+        return false;
+    }
+    if (static_cast<std::size_t>(status.st_size) > limit) {
+        errno = EFBIG;
+        return false;
+    }
+    std::vector<unsigned char> content(static_cast<std::size_t>(status.st_size));
+    std::size_t position = 0;
+    while (position < content.size()) {
+        const ssize_t count = ::pread(descriptor, content.data() + position,
+                                      content.size() - position, static_cast<off_t>(position));
+        if (count < 0 && errno != EINTR) {
+            return false;
+        }
+        if (count == 0) {
+            break;  // cut while we read
+        }
+        position += count > 0 ? static_cast<std::size_t>(count) : 0;
+    }
+    content.resize(position);
+    bytes.swap(content);
+    return true;
+}
+
+bool readFile(const std::string& path, std::size_t limit, std::vector<unsigned char>& bytes) {
+    const int descriptor = openForReading(path);
+    if (descriptor < 0) {
+        return false;
+    }
+    const bool done = readOpenFile(descriptor, limit, bytes);
+    closeKeepingErrno(descriptor);
+    return done;
+}
+
+bool replaceFile(const std::string& path, const std::vector<unsigned char>& bytes, int mode) {
+    const int folder = ::open(folderOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (folder < 0) {
+        return false;
+    }
+    std::string aside = path;
+    aside += ASIDE_MARK;
+    aside += ASIDE_RANDOM;
+    bool done = writeAside(aside, bytes, mode) && ::rename(aside.c_str(), path.c_str()) == 0;
+    if (done) {
+        done = syncFolder(folder);
+    } else {
+        const int reason = errno;
+        ::unlink(aside.c_str());
+        errno = reason;
+    }
+    closeKeepingErrno(folder);
+    return done;
+}
+
+void removeFilesAside(const std::string& pathStart) {
+    const std::string folder = folderOf(pathStart);
+    const std::string start = nameOf(pathStart);
+    const std::unique_ptr<DIR, int (*)(DIR*)> listing(::opendir(folder.c_str()), ::closedir);
+    if (listing == nullptr) {
+        return;
+    }
+    while (const dirent* entry = ::readdir(listing.get())) {
+        if (isAsideName(static_cast<const char*>(entry->d_name), start)) {
+            ::unlinkat(::dirfd(listing.get()), static_cast<const char*>(entry->d_name), 0);
+        }
+    }
+}
+
+}  // namespace VeskLib::Host

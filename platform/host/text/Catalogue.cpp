@@ -1,0 +1,82 @@
+#include "platform/host/text/Catalogue.h"
+
+#include "platform/host/base/Environment.h"
+#include "platform/host/base/SystemPath.h"
+
+#include <VeskLib/getCGIPath.h>
+
+#include <nl_types.h>
+
+#include <string>
+#include <string_view>
+
+namespace VeskLib::Host {
+
+namespace {
+
+const char* const TAGS[LANGUAGE_COUNT] = {"en", "ja"};
+
+// The number of a language tag such as "ja" or "ja-JP"; -1 when it is not one of ours.
+int findLanguage(std::string_view tag) {
+    for (int language = 0; language < LANGUAGE_COUNT; ++language) {
+        const std::string_view ours = TAGS[language];
+        if (tag.starts_with(ours) && (tag.size() == ours.size() || tag[ours.size()] == '-')) {
+            return language;
+        }
+    }
+    return -1;
+}
+
+// Browsers list the languages in order of preference, so the weights need not be read.
+int findAccepted(std::string_view accepted) {
+    while (!accepted.empty()) {
+        const std::size_t end = accepted.find(',');
+        std::string_view entry = accepted.substr(0, end);
+        accepted = end == std::string_view::npos ? std::string_view() : accepted.substr(end + 1);
+        entry = entry.substr(0, entry.find(';'));
+        const std::size_t start = entry.find_first_not_of(' ');
+        entry.remove_prefix(start == std::string_view::npos ? entry.size() : start);
+        const int language = findLanguage(entry.substr(0, entry.find(' ')));
+        if (language >= 0) {
+            return language;
+        }
+    }
+    return ENGLISH;
+}
+
+nl_catd openCatalogue(int language) {
+    static nl_catd catalogues[LANGUAGE_COUNT];
+    static bool opened[LANGUAGE_COUNT];
+    if (!opened[language]) {
+        const std::string folder = getCGIPath(CATALOGUE_FOLDER);
+        catalogues[language] =
+            catopen((folder + "/messages_" + TAGS[language] + ".cat").c_str(), 0);
+        opened[language] = true;
+    }
+    return catalogues[language];
+}
+
+}  // namespace
+
+const char* languageTag(int language) {
+    return TAGS[language >= 0 && language < LANGUAGE_COUNT ? language : ENGLISH];
+}
+
+int requestLanguage() {
+    static const int language = [] {
+        const int chosen = findLanguage(readCookie(LANGUAGE_COOKIE));
+        return chosen >= 0 ? chosen : findAccepted(readEnvironment("HTTP_ACCEPT_LANGUAGE"));
+    }();
+    return language;
+}
+
+const char* findText(int language, TextSet set, int number) {
+    const bool known = language >= 0 && language < LANGUAGE_COUNT;
+    const nl_catd catalogue = openCatalogue(known ? language : ENGLISH);
+    if (catalogue == reinterpret_cast<nl_catd>(-1)) {
+        return nullptr;
+    }
+    return catgets(catalogue, static_cast<int>(set), number, nullptr);
+}
+
+}  // namespace VeskLib::Host

@@ -1,0 +1,42 @@
+#include <VeskLib/Gui/MessageMgr.h>
+
+#include "platform/host/text/Catalogue.h"
+#include "platform/host/text/formatText.h"
+
+#include <cstdarg>
+
+namespace VeskLib::Gui {
+
+using Host::findText;
+using Host::TextSet;
+
+namespace {
+
+const std::size_t LONGEST_MESSAGE = 1024;
+
+}  // namespace
+
+MessageMgr::MessageMgr(int messageSet) : messageSet(messageSet) {
+}
+
+MessageMgr::~MessageMgr() = default;
+
+std::string MessageMgr::getMessage(int message, int code, ...) const {
+    char text[LONGEST_MESSAGE];
+    std::va_list arguments;
+    va_start(arguments, code);
+    Host::formatText(text, sizeof text, findText(messageSet, TextSet::MESSAGES, message), message,
+                     arguments);
+    va_end(arguments);
+    if (code == 0) {
+        return text;
+    }
+    return std::string(text) + " [" + std::to_string(message) + "-" + std::to_string(code) + "]";
+}
+
+std::string MessageMgr::getString(int caption) const {
+    const char* text = findText(messageSet, TextSet::CAPTIONS, caption);
+    return text != nullptr ? text : "Text " + std::to_string(caption) + " is missing.";
+}
+
+}  // namespace VeskLib::Gui

@@ -1,0 +1,18 @@
+#include "platform/host/text/formatText.h"
+
+#include <cstdio>
+
+namespace VeskLib::Host {
+
+void formatText(char* buffer, std::size_t size, const char* format, int number,
+                std::va_list arguments) {
+    if (format == nullptr) {
+        std::snprintf(buffer, size, "Text %d is missing from the message catalogue.", number);
+        return;
+    }
+    // The catalogues are part of the board's own software, and the build holds the conversions of
+    // all languages together.
+    std::vsnprintf(buffer, size, format, arguments);
+}
+
+}  // namespace VeskLib::Host

@@ -1,0 +1,87 @@
+#include <VeskLib/Gui/AbstractMain.h>
+
+#include "platform/host/base/Environment.h"
+#include "platform/host/text/Catalogue.h"
+#include "platform/host/web/Response.h"
+#include "platform/host/web/Session.h"
+#include "platform/host/web/errorPage.h"
+#include "platform/host/web/requestChecks.h"
+
+#include <exception>
+#include <utility>
+
+namespace VeskLib::Gui {
+
+using Host::ErrorPage;
+
+namespace {
+
+const int FAILED = 1;  // the exit status of a request that ended with an error page
+
+// Thrown by errorExit(), so that everything the request holds is let go of on the way to exec().
+struct RequestEnded {
+    ErrorPage page;
+};
+
+}  // namespace
+
+int AbstractMain::exec() {
+    Host::Response response;
+    int result = FAILED;
+    try {
+        switch (Host::checkRequest()) {
+            case Host::RequestVerdict::ACCEPTED:
+                result = individualProc();
+                break;
+            case Host::RequestVerdict::METHOD_NOT_ALLOWED:
+                printErrorPage(Host::makeMethodPage(), response);
+                response.addHeader("Allow", "GET, HEAD, POST");
+                break;
+            case Host::RequestVerdict::CROSS_SITE:
+                printErrorPage(Host::makeCrossSitePage(), response);
+                break;
+        }
+    } catch (const RequestEnded& ended) {
+        printErrorPage(ended.page, response);
+    } catch (const PException& exception) {
+        printExceptionPage(exception, response);
+    } catch (const std::exception& exception) {
+        trace.putLog(0, exception.what());
+        printErrorPage(Host::makeInternalErrorPage(), response);
+    }
+    return response.send() ? result : FAILED;
+}
+
+void AbstractMain::getCookie() {
+    sessionText = Host::readCookie(Host::SESSION_COOKIE);
+    messageSet = Host::requestLanguage();
+}
+
+void AbstractMain::guiCheckSession(bool showError) {
+    // The rights outlive this call inside `authority`.
+    static std::string functions;
+    Host::Session session;
+    if (Host::findSession(sessionText, session)) {
+        functions = session.functions;
+        authority.everyFunction = session.everyFunction ? 1 : 0;
+        authority.functions = &functions;
+    } else if (showError) {
+        requestEnded = true;
+        throw RequestEnded{Host::makeLoginPage()};
+    }
+}
+
+void AbstractMain::errorExit(std::string title, std::string message) {
+    requestEnded = true;
+    // A request that the back-end failed is the server's trouble, every other one the client's.
+    const bool backendFailed = requester != nullptr && requester->getErrorCode() != 0;
+    responseStatus = backendFailed ? 503 : 400;
+    throw RequestEnded{
+        {.status = responseStatus, .title = std::move(title), .message = std::move(message)}};
+}
+
+void AbstractMain::errorExit(std::string message, int code) {
+    errorExit("Error", message + " [" + std::to_string(code) + "]");
+}
+
+}  // namespace VeskLib::Gui

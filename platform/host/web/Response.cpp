@@ -1,0 +1,108 @@
+#include "platform/host/web/Response.h"
+
+#include "platform/host/base/Environment.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <iostream>
+#include <string_view>
+
+namespace VeskLib::Host {
+
+namespace {
+
+const char* const FIXED_HEADERS =
+    "Cache-Control: no-store\r\n"
+    "X-Content-Type-Options: nosniff\r\n"
+    "Referrer-Policy: same-origin\r\n"
+    "Content-Security-Policy: default-src 'none'; style-src 'self'; img-src 'self'; "
+    "script-src 'unsafe-inline'; form-action 'self'; base-uri 'none'; frame-ancestors 'none'\r\n";
+
+const char* reasonPhrase(int status) {
+    switch (status) {
+        case 200:
+            return "OK";
+        case 303:
+            return "See Other";
+        case 400:
+            return "Bad Request";
+        case 403:
+            return "Forbidden";
+        case 404:
+            return "Not Found";
+        case 405:
+            return "Method Not Allowed";
+        case 413:
+            return "Content Too Large";
+        case 503:
+            return "Service Unavailable";
+        default:
+            return "Internal Server Error";
+    }
+}
+
+bool hasLineBreak(const std::string& text) {
+    return text.find_first_of("\r\n") != std::string::npos;
+}
+
+bool writeWhole(std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t count = write(STDOUT_FILENO, bytes.data(), bytes.size());
+        if (count > 0) {
+            bytes.remove_prefix(static_cast<std::size_t>(count));
+        } else if (count == 0 || errno != EINTR) {
+            return false;
+        }
+    }
+    return true;
+}
+
+}  // namespace
+
+Response::Response() : body(std::ios::out), original(std::cout.rdbuf(&body)) {
+    // A browser that is gone and a full disk are errors that are reported, not deaths.
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
+}
+
+Response::~Response() {
+    std::cout.rdbuf(original);
+}
+
+void Response::setStatus(int newStatus) {
+    status = newStatus;
+}
+
+void Response::setContentType(const std::string& newContentType) {
+    if (!hasLineBreak(newContentType)) {
+        contentType = newContentType;
+    }
+}
+
+void Response::addHeader(const std::string& name, const std::string& value) {
+    if (!hasLineBreak(name) && !hasLineBreak(value)) {
+        headers += name + ": " + value + "\r\n";
+    }
+}
+
+void Response::discard() {
+    body.str({});
+    headers.clear();
+    contentType = HTML_CONTENT;
+    std::cout.clear();
+}
+
+bool Response::send() {
+    const std::string_view page = body.view();
+    std::string bytes = "Status: " + std::to_string(status) + " " + reasonPhrase(status) +
+                        "\r\nContent-Type: " + contentType + "\r\n" + FIXED_HEADERS + headers +
+                        "Content-Length: " + std::to_string(page.size()) + "\r\n\r\n";
+    if (readEnvironment("REQUEST_METHOD") != "HEAD") {
+        bytes += page;
+    }
+    return writeWhole(bytes);
+}
+
+}  // namespace VeskLib::Host

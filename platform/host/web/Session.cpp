@@ -1,0 +1,219 @@
+#include "platform/host/web/Session.h"
+
+#include "platform/host/base/SystemPath.h"
+#include "platform/host/base/platformException.h"
+#include "platform/host/storage/files.h"
+
+#include <VeskLib/LockedFile.h>
+#include <VeskLib/getCGIPath.h>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/random.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <charconv>
+#include <cstdio>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+namespace VeskLib::Host {
+
+namespace {
+
+const std::size_t LARGEST_SESSION_FILE = 16 * 1024;
+const int SESSION_FILE_MODE = 0600;
+// The last use is kept to this precision, so that not every request writes.
+const std::time_t USE_PRECISION_SECONDS = 60;
+const std::size_t IDENTIFIER_BYTES = 8;
+const std::size_t TOKEN_BYTES = 16;
+
+std::string sessionPath(const std::string& identifier) {
+    return getCGIPath(SESSION_FOLDER) + "/" + identifier;
+}
+
+// Random bytes of the kernel, as lower-case hexadecimal digits.
+std::string makeRandomText(std::size_t byteCount) {
+    static const char DIGITS[] = "0123456789abcdef";
+    unsigned char bytes[TOKEN_BYTES];
+    if (getrandom(bytes, byteCount, 0) != static_cast<ssize_t>(byteCount)) {
+        throw makePlatformException(SESSION_NOT_STORED, "No random numbers");
+    }
+    std::string text;
+    for (std::size_t i = 0; i < byteCount; ++i) {
+        text += DIGITS[bytes[i] >> 4];
+        text += DIGITS[bytes[i] & 0xF];
+    }
+    return text;
+}
+
+// Takes as long for every token, so that time tells nothing of how many characters are right.
+bool sameToken(const std::string& one, const std::string& other) {
+    unsigned int difference = one.size() == other.size() ? 0 : 1;
+    for (std::size_t i = 0; i < one.size() && i < other.size(); ++i) {
+        difference |= static_cast<unsigned char>(one[i] ^ other[i]);
+    }
+    return difference == 0;
+}
+
+std::map<std::string, std::string> parseLines(const std::vector<unsigned char>& bytes) {
+    std::map<std::string, std::string> values;
+    const std::string text(bytes.begin(), bytes.end());
+    std::string_view rest = text;
+    while (!rest.empty()) {
+        const std::size_t end = rest.find('\n');
+        const std::string_view line = rest.substr(0, end);
+        rest = end == std::string_view::npos ? std::string_view() : rest.substr(end + 1);
+        const std::size_t equals = line.find('=');
+        if (equals != std::string_view::npos) {
+            values.emplace(line.substr(0, equals), line.substr(equals + 1));
+        }
+    }
+    return values;
+}
+
+std::vector<unsigned char> toLines(const Session& session) {
+    const std::string text = "token=" + session.token + "\nuser=" + session.user +
+                             "\nevery_function=" + (session.everyFunction ? "1" : "0") +
+                             "\nfunctions=" + session.functions +
+                             "\ncreated=" + std::to_string(session.created) + "\n";
+    return {text.begin(), text.end()};
+}
+
+bool readSession(const std::string& identifier, Session& session) {
+    std::vector<unsigned char> bytes;
+    if (!readFile(sessionPath(identifier), LARGEST_SESSION_FILE, bytes)) {
+        return false;
+    }
+    std::map<std::string, std::string> values = parseLines(bytes);
+    const std::string& created = values["created"];
+    std::time_t createdTime = 0;
+    std::from_chars(created.data(), created.data() + created.size(), createdTime);
+    session = {.identifier = identifier,
+               .token = values["token"],
+               .user = values["user"],
+               .everyFunction = values["every_function"] == "1",
+               .functions = values["functions"],
+               .created = createdTime};
+    return true;
+}
+
+bool isExpired(const Session& session, std::time_t lastUse, std::time_t now) {
+    return now - lastUse > SESSION_IDLE_SECONDS || now - session.created > SESSION_LIFE_SECONDS;
+}
+
+// Reads a session that has not expired, with the time of its last use.
+bool readLivingSession(const std::string& identifier, Session& session, std::time_t& lastUse) {
+    struct stat status = {};
+    if (lstat(sessionPath(identifier).c_str(), &status) != 0 || !readSession(identifier, session)) {
+        return false;
+    }
+    lastUse = status.st_mtime;
+    return !isExpired(session, lastUse, std::time(nullptr));
+}
+
+void removeStagedFile(const std::string& identifier) {
+    const std::string path = getCGIPath(STAGING_FILE) + identifier;
+    if (access(path.c_str(), F_OK) != 0) {
+        return;
+    }
+    try {
+        const LockedFile lock(getCGIPath(STAGING_LOCK_FILE));
+        static_cast<void>(std::remove(path.c_str()));
+    } catch (const PException&) {
+        // Another request holds the lock for long; the next endExpiredSessions() finds the file.
+    }
+}
+
+void forEachName(const std::string& folder, const std::function<void(const std::string&)>& visit) {
+    const std::unique_ptr<DIR, int (*)(DIR*)> opened(opendir(folder.c_str()), closedir);
+    if (!opened) {
+        return;
+    }
+    for (const dirent* entry = readdir(opened.get()); entry != nullptr;
+         entry = readdir(opened.get())) {
+        visit(entry->d_name);
+    }
+}
+
+// The identifier that ends the name of a session's file under /var/tmp; empty for other files.
+std::string identifierOfFile(const std::string& name) {
+    for (const std::string_view path : {BACKUP_FILE, STAGING_FILE}) {
+        const std::string_view prefix = path.substr(path.rfind('/') + 1);
+        if (name.starts_with(prefix) && isSessionIdentifier(name.substr(prefix.size()))) {
+            return name.substr(prefix.size());
+        }
+    }
+    return {};
+}
+
+}  // namespace
+
+std::string Session::cookieValue() const {
+    return identifier + "-" + token;
+}
+
+Session startSession(const std::string& user, bool everyFunction, const std::string& functions) {
+    const Session session = {.identifier = makeRandomText(IDENTIFIER_BYTES),
+                             .token = makeRandomText(TOKEN_BYTES),
+                             .user = user,
+                             .everyFunction = everyFunction,
+                             .functions = functions,
+                             .created = std::time(nullptr)};
+    const bool oneLineEach = (user + functions).find('\n') == std::string::npos;
+    if (!oneLineEach ||
+        !replaceFile(sessionPath(session.identifier), toLines(session), SESSION_FILE_MODE)) {
+        throw makePlatformException(SESSION_NOT_STORED, "The session cannot be stored");
+    }
+    return session;
+}
+
+bool findSession(const std::string& cookieValue, Session& session) {
+    const std::string identifier = identifierOf(cookieValue);
+    Session found;
+    std::time_t lastUse = 0;
+    if (identifier.empty()) {
+        return false;
+    }
+    if (!readLivingSession(identifier, found, lastUse)) {
+        // An identifier without a living session holds nothing worth keeping.
+        endSession(identifier);
+        return false;
+    }
+    if (!sameToken(found.cookieValue(), cookieValue)) {
+        return false;
+    }
+    if (std::time(nullptr) - lastUse >= USE_PRECISION_SECONDS) {
+        utimensat(AT_FDCWD, sessionPath(identifier).c_str(), nullptr, AT_SYMLINK_NOFOLLOW);
+    }
+    session = found;
+    return true;
+}
+
+void endSession(const std::string& identifier) {
+    if (!isSessionIdentifier(identifier)) {
+        return;
+    }
+    static_cast<void>(std::remove(sessionPath(identifier).c_str()));
+    static_cast<void>(std::remove((getCGIPath(BACKUP_FILE) + identifier).c_str()));
+    removeStagedFile(identifier);
+}
+
+void endExpiredSessions() {
+    const auto endIfDead = [](const std::string& identifier) {
+        Session session;
+        std::time_t lastUse = 0;
+        if (isSessionIdentifier(identifier) && !readLivingSession(identifier, session, lastUse)) {
+            endSession(identifier);
+        }
+    };
+    forEachName(getCGIPath(SESSION_FOLDER), endIfDead);
+    forEachName(getCGIPath("/var/tmp"),
+                [&](const std::string& name) { endIfDead(identifierOfFile(name)); });
+}
+
+}  // namespace VeskLib::Host

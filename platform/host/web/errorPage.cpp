@@ -1,0 +1,114 @@
+#include "platform/host/web/errorPage.h"
+
+#include "platform/host/base/platformException.h"
+#include "platform/host/html/escape.h"
+#include "platform/host/html/messageLines.h"
+#include "platform/host/text/Catalogue.h"
+
+#include <VeskLib/Gui/HTMLCodeGenerator.h>
+#include <VeskLib/Gui/MessageMgr.h>
+#include <VeskLib/Gui/TextString.h>
+#include <VeskLib/lmsg_getmsg.h>
+#include <VeskLib/trace/VeskTrace.h>
+
+#include <iostream>
+#include <map>
+
+namespace VeskLib::Host {
+
+namespace {
+
+using Gui::TextString;
+
+const std::size_t MESSAGE_SIZE = 256;
+const char* const SKELETON_FILE = "/usr/local/www/skel/skeleton_error.txt";
+
+std::string caption(int number) {
+    return Gui::MessageMgr(requestLanguage()).getString(number);
+}
+
+// A message of several texts, each a paragraph.
+class MessageText : public Gui::HTMLComponent {
+public:
+    explicit MessageText(const std::string& message) : message(message) {}
+
+    void printHTML() const override { printMessage(message); }
+    bool isError() const override { return false; }
+
+private:
+    const std::string& message;
+};
+
+void printFromSkeleton(const ErrorPage& page) {
+    TextString title(page.title);
+    MessageText message(page.message);
+    TextString login("");
+    std::map<std::string, Gui::HTMLComponent*> components = {{"title", &title},
+                                                             {"message", &message}};
+    if (page.offerLogin) {
+        components["login"] = &login;
+    } else {
+        components["menu"] = &login;
+    }
+    Gui::HTMLCodeGenerator(SKELETON_FILE, &components).printHTML();
+}
+
+void printPlain(const ErrorPage& page) {
+    std::cout << "<!DOCTYPE html><html><head><title>" << escapeHTML(page.title)
+              << "</title></head><body><h1>" << escapeHTML(page.title) << "</h1>";
+    printMessage(page.message);
+    std::cout << "</body></html>\n";
+}
+
+// The exception's message, with the arguments it carries.
+std::string describe(const PException& exception) {
+    char text[MESSAGE_SIZE];
+    lmsg_getmsg(exception.getMessageNumber(), text, exception.getArgument(0),
+                exception.getArgument(1), exception.getArgument(2), exception.getArgument(3));
+    return std::string(text) + " [" + std::to_string(exception.getExceptionDetail()) + "]";
+}
+
+}  // namespace
+
+void printErrorPage(const ErrorPage& page, Response& response) {
+    response.discard();
+    response.setStatus(page.status);
+    try {
+        printFromSkeleton(page);
+    } catch (const PException&) {
+        // The generator has traced why.
+        response.discard();
+        printPlain(page);
+    }
+}
+
+void printExceptionPage(const PException& exception, Response& response) {
+    trace::VeskTrace(1, 1, 1).putLog(0, describe(exception).c_str());
+    const bool tooLarge = exception.getExceptionDetail() == REQUEST_TOO_LARGE;
+    const bool malformed = exception.getExceptionDetail() == REQUEST_MALFORMED;
+    const int number = tooLarge ? 9022 : malformed ? 9023 : 9020;
+    const int status = tooLarge ? 413 : malformed ? 400 : 500;
+    printErrorPage(
+        {.status = status,
+         .title = caption(9010),
+         .message = caption(number) + " [" + std::to_string(exception.getExceptionDetail()) + "]"},
+        response);
+}
+
+ErrorPage makeMethodPage() {
+    return {.status = 405, .title = caption(9010), .message = caption(9024)};
+}
+
+ErrorPage makeCrossSitePage() {
+    return {.status = 403, .title = caption(9010), .message = caption(9025)};
+}
+
+ErrorPage makeInternalErrorPage() {
+    return {.status = 500, .title = caption(9010), .message = caption(9020)};
+}
+
+ErrorPage makeLoginPage() {
+    return {.status = 403, .title = caption(9011), .message = caption(9026), .offerLogin = true};
+}
+
+}  // namespace VeskLib::Host

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "platform/host/web/Response.h"
+
+#include <VeskLib/PException.h>
+
+#include <string>
+
+namespace VeskLib::Host {
+
+struct ErrorPage {
+    int status = 500;
+    std::string title;
+    std::string message;      // plain text, several joined by "<br>"
+    bool offerLogin = false;  // whether logging in is what to do next
+};
+
+// Makes `page` the response, in place of everything printed so far. Never throws: when even the
+// page's skeleton cannot be used, the response is a plain page of the same words.
+void printErrorPage(const ErrorPage& page, Response& response);
+
+// The error page for an exception that nobody caught, with a trace line.
+void printExceptionPage(const PException& exception, Response& response);
+
+// The error pages of the checks that every program makes; requestLanguage() is their language.
+ErrorPage makeMethodPage();
+ErrorPage makeCrossSitePage();
+ErrorPage makeLoginPage();
+ErrorPage makeInternalErrorPage();
+
+}  // namespace VeskLib::Host

@@ -1,0 +1,39 @@
+#include <VeskLib/Gui/HTMLCodeGenerator.h>
+
+#include "tests/scripted/Recorder.h"
+
+#include <iostream>
+
+using namespace VeskLib::Scripted;
+
+namespace VeskLib::Gui {
+
+HTMLCodeGenerator::HTMLCodeGenerator(const std::string& skeletonFile,
+                                     const std::map<std::string, HTMLComponent*>* components)
+    : skeletonFile(skeletonFile), components(components) {
+    objectMade(this, describe("HTMLCodeGenerator", skeletonFile));
+}
+
+HTMLCodeGenerator::~HTMLCodeGenerator() {
+    objectDeleted(this);
+}
+
+void HTMLCodeGenerator::setSkeletonFile(const std::string& newSkeletonFile) {
+    record("setSkeletonFile " + newSkeletonFile);
+    skeletonFile = newSkeletonFile;
+}
+
+// "[skeleton|name=component|name=component]"
+void HTMLCodeGenerator::printHTML() const {
+    record("printHTML " + skeletonFile);
+    std::cout << "[" << skeletonFile;
+    for (const auto& [name, component] : *components) {
+        std::cout << "|" << name << "=";
+        if (component != nullptr) {
+            component->printHTML();
+        }
+    }
+    std::cout << "]";
+}
+
+}  // namespace VeskLib::Gui

@@ -1,0 +1,15 @@
+#include <VeskLib/Gui/HTMLPage.h>
+
+#include "tests/scripted/Recorder.h"
+
+using namespace VeskLib::Scripted;
+
+namespace VeskLib::Gui {
+
+// Not among the counted objects: its destructor is the program's.
+HTMLPage::HTMLPage(int shell)
+    : generator(new HTMLCodeGenerator("shell " + std::to_string(shell), &componentMap)) {
+    record("new " + describe("HTMLPage", shell));
+}
+
+}  // namespace VeskLib::Gui

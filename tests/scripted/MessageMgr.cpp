@@ -1,0 +1,30 @@
+#include <VeskLib/Gui/MessageMgr.h>
+
+#include "tests/scripted/Recorder.h"
+
+using namespace VeskLib::Scripted;
+
+namespace VeskLib::Gui {
+
+MessageMgr::MessageMgr(int messageSet) : messageSet(messageSet) {
+    objectMade(this, describe("MessageMgr", messageSet));
+}
+
+MessageMgr::~MessageMgr() {
+    objectDeleted(this);
+}
+
+// "message 72/1047"; the program gives no further arguments.
+std::string MessageMgr::getMessage(int message, int code, ...) const {
+    const std::string text = "message " + std::to_string(message) + "/" + std::to_string(code);
+    record("getMessage " + text);
+    return text;
+}
+
+std::string MessageMgr::getString(int caption) const {
+    const std::string text = "caption " + std::to_string(caption);
+    record("getString " + text);
+    return text;
+}
+
+}  // namespace VeskLib::Gui

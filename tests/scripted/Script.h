@@ -1,0 +1,95 @@
+#pragma once
+
+#include <VeskLib/Gui/CGIAuthority.h>
+#include <VeskLib/PException.h>
+#include <VeskLib/VeskUi/EFIConfFile.h>
+#include <VeskLib/VeskUi/PartitionInfoPacket.h>
+#include <VeskLib/VeskUi/SerializableObject.h>
+
+#include <functional>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace VeskLib::Scripted {
+
+// Thrown where a real platform ends the process.
+struct RequestEnded {
+    std::string endedBy;
+};
+
+// The back-end's answer to a request: refused when the error code is not 0. `fill` puts the
+// answer of a getInfo() into the program's object.
+struct Reply {
+    int errorCode = 0;
+    std::function<void(VeskUi::SerializableObject&)> fill;
+};
+
+// The error code of a request for which the script holds no reply.
+inline constexpr int NOT_SCRIPTED = 9999;
+
+// What the platform answers. A test changes what matters to it. Where a detail code is optional,
+// setting it makes the operation throw PException with that code.
+struct Script {
+    // Gives the back-end's partition table, and as many partition numbers.
+    void setPartitions(const std::vector<VeskUi::PartitionInfoPacket::Partition>& partitions);
+
+    // The request's cookie and session.
+    std::string sessionText = "the session";
+    int messageSet = 0;
+    bool sessionIsValid = true;  // guiCheckSession() throws RequestEnded when not
+    Gui::CGIAuthority authority;
+
+    bool errorExitReturns = false;  // errorExit() throws RequestEnded when not
+    std::optional<int> exitStatus;  // of exec(); individualProc()'s result when not set
+
+    int preCheckDisplayMode = 0;
+    int displayMode = 2;
+
+    bool posted = false;  // makePage() runs makeConfigPage() when set, makeDispPage() when not
+    std::map<std::string, std::string> formFields;
+    std::optional<unsigned short> formError;
+
+    std::string sessionId = "S1";
+    std::map<unsigned int, Reply> replies;  // by request number
+
+    // getMaxPartitionNum()'s results, one per call; the last one stays.
+    std::vector<unsigned int> maxPartitionNumbers = {0};
+    std::set<int> installedBoards;
+    std::set<int> homeBoards;
+
+    std::string pathPrefix = "/board";  // getCGIPath() puts it before a path
+
+    std::optional<unsigned short> lockError;
+    std::optional<unsigned short> openError;    // of EFIConfFile
+    std::optional<unsigned short> headerError;  // of EFIConfFile::getFileHeader()
+    VeskUi::EFIConfFile::EFIConfFileHeader fileHeader;
+    std::string fileVersion;
+    unsigned int filePartition = 0;
+    std::string filePartitionName;
+
+    // The operating system's calls. An errno other than 0 makes the call fail. The others
+    // succeed without touching a file, unless `realFiles` is set.
+    int creatError = 0;
+    int closeError = 0;
+    int renameError = 0;
+    int removeError = 0;
+    bool realFiles = false;
+};
+
+// The script of the test that runs.
+Script& script();
+
+// Starts over: the script as declared above, nothing recorded, and the program's calls of the
+// operating system are recorded and scripted.
+void startScript();
+
+// From now on calls of the operating system go through unrecorded.
+void endScript();
+
+// The exception that a scripted failure with `detail` throws.
+PException makeScriptedException(unsigned short detail);
+
+}  // namespace VeskLib::Scripted

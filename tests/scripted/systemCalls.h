@@ -1,0 +1,13 @@
+#pragma once
+
+namespace VeskLib::Scripted {
+
+// The descriptor that a scripted creat() gives; no process here has so many open.
+inline constexpr int SCRIPTED_DESCRIPTOR = 100000;
+
+// Whether creat(), close(), rename() and remove() are recorded and answered from the script, or
+// go to the operating system as ever. They must do so outside a test, because the test framework
+// and the coverage counters use files of their own.
+void scriptSystemCalls(bool scripted);
+
+}  // namespace VeskLib::Scripted

@@ -1,0 +1,114 @@
+#include <VeskLib/Gui/CommonDefaultPage.h>
+
+#include "tests/unit/support/ProbeComponent.h"
+#include "tests/unit/support/ScriptedTest.h"
+
+#include <array>
+#include <new>
+
+namespace VeskLib::Test {
+
+using Gui::CommonDefaultPage;
+
+// Shows what a page class sees of its base.
+class OpenPage : public CommonDefaultPage {
+public:
+    using CommonDefaultPage::alertFlag;
+    using CommonDefaultPage::CommonDefaultPage;
+    using CommonDefaultPage::componentMap;
+    using CommonDefaultPage::displayMode;
+    using CommonDefaultPage::errorFlag;
+    using CommonDefaultPage::generator;
+    using CommonDefaultPage::message;
+    using CommonDefaultPage::messageMgr;
+    using CommonDefaultPage::traceModule;
+};
+
+class CommonDefaultPageTest : public ScriptedTest {
+protected:
+    Gui::MessageMgr messageMgr{0};
+    int displayMode = 2;
+};
+
+TEST_F(CommonDefaultPageTest, isMadeWithAGeneratorAndATraceLog) {
+    const OpenPage page(messageMgr, &displayMode, "/page.txt");
+    EXPECT_THAT(calls({"new HTML", "new Vesk"}),
+                testing::ElementsAre("new HTMLCodeGenerator(/page.txt)",
+                                     "new VeskTrace(1, 2, 29697)"));
+}
+
+// On memory that is not zero, so that a field nobody sets shows.
+TEST_F(CommonDefaultPageTest, everyFieldIsSetWhenMade) {
+    alignas(OpenPage) std::array<unsigned char, sizeof(OpenPage)> memory;
+    memory.fill(0xA5);
+    auto* page = new (memory.data()) OpenPage(messageMgr, &displayMode, "/page.txt");
+    EXPECT_EQ(&page->messageMgr, &messageMgr);
+    EXPECT_EQ(page->displayMode, &displayMode);
+    EXPECT_EQ(page->traceModule, 29697);
+    EXPECT_TRUE(page->componentMap.empty());
+    EXPECT_FALSE(page->errorFlag);
+    EXPECT_FALSE(page->alertFlag);
+    EXPECT_EQ(page->message, "");
+    page->~OpenPage();
+}
+
+TEST_F(CommonDefaultPageTest, printsItsSkeletonWithItsComponents) {
+    OpenPage page(messageMgr, &displayMode, "/page.txt");
+    page.componentMap["name"] = new ProbeComponent("1");
+    page.printHTML();
+    EXPECT_EQ(output(), "[/page.txt|name=1]");
+}
+
+TEST_F(CommonDefaultPageTest, theErrorFlagMakesItAnError) {
+    OpenPage page(messageMgr, &displayMode, "/page.txt");
+    page.alertFlag = true;
+    EXPECT_FALSE(page.isError());
+    page.errorFlag = true;
+    EXPECT_TRUE(page.isError());
+}
+
+TEST_F(CommonDefaultPageTest, theAlertFlagMakesItAnAlert) {
+    OpenPage page(messageMgr, &displayMode, "/page.txt");
+    page.errorFlag = true;
+    EXPECT_FALSE(page.isAlert());
+    page.alertFlag = true;
+    EXPECT_TRUE(page.isAlert());
+}
+
+TEST_F(CommonDefaultPageTest, givesItsMessage) {
+    OpenPage page(messageMgr, &displayMode, "/page.txt");
+    page.message = "text";
+    EXPECT_EQ(page.getMessage(), "text");
+}
+
+TEST_F(CommonDefaultPageTest, buildsNothingByItself) {
+    OpenPage page(messageMgr, &displayMode, "/page.txt");
+    Scripted::forgetCalls();
+    page.makeDispPage();
+    page.makeConfigPage();
+    EXPECT_THAT(calls(), testing::IsEmpty());
+    EXPECT_TRUE(page.componentMap.empty());
+    EXPECT_EQ(output(), "");
+}
+
+TEST_F(CommonDefaultPageTest, deletesItsComponentsByNameAndThenItsGenerator) {
+    {
+        OpenPage page(messageMgr, &displayMode, "/page.txt");
+        page.componentMap["b"] = new ProbeComponent("2");
+        page.componentMap["a"] = new ProbeComponent("1");
+    }
+    EXPECT_THAT(calls({"delete"}),
+                testing::ElementsAre("delete 1", "delete 2", "delete HTMLCodeGenerator(/page.txt)",
+                                     "delete VeskTrace(1, 2, 29697)"));
+}
+
+TEST_F(CommonDefaultPageTest, entriesWithoutComponentArePassedOver) {
+    {
+        OpenPage page(messageMgr, &displayMode, "/page.txt");
+        page.componentMap["a"] = nullptr;
+        page.componentMap["b"] = new ProbeComponent("2");
+    }
+    EXPECT_THAT(calls({"delete 2"}), testing::ElementsAre("delete 2"));
+}
+
+}  // namespace VeskLib::Test

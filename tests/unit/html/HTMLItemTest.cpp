@@ -1,0 +1,63 @@
+#include "html/HTMLItem.h"
+
+#include "tests/unit/support/ProbeComponent.h"
+#include "tests/unit/support/ScriptedTest.h"
+
+namespace VeskLib::Test {
+
+using Gui::HTMLItem;
+
+class HTMLItemTest : public ScriptedTest {};
+
+TEST_F(HTMLItemTest, printsItsSkeletonWithItsOwnComponents) {
+    HTMLItem item("/row.txt");
+    item.add("second", new ProbeComponent("2"));
+    item.add("first", new ProbeComponent("1"));
+    item.printHTML();
+    EXPECT_EQ(output(), "[/row.txt|first=1|second=2]");
+}
+
+TEST_F(HTMLItemTest, isEmptyWhenMade) {
+    HTMLItem("/row.txt").printHTML();
+    EXPECT_EQ(output(), "[/row.txt]");
+}
+
+TEST_F(HTMLItemTest, insertsThroughThePlatform) {
+    HTMLItem item("/row.txt");
+    item.add("name", new ProbeComponent("1"));
+    EXPECT_THAT(calls({"insertIntoMap"}), testing::ElementsAre("insertIntoMap name"));
+}
+
+TEST_F(HTMLItemTest, aDisplacedComponentIsDeletedAndTheLastOnePrinted) {
+    HTMLItem item("/row.txt");
+    item.add("name", new ProbeComponent("old"));
+    item.add("name", new ProbeComponent("new"));
+    item.printHTML();
+    EXPECT_EQ(output(), "[/row.txt|name=new]");
+    EXPECT_THAT(calls({"delete"}), testing::ElementsAre("delete old"));
+}
+
+TEST_F(HTMLItemTest, isNoErrorEvenIfAComponentIs) {
+    HTMLItem item("/row.txt");
+    item.add("name", new ProbeComponent("1"));
+    EXPECT_FALSE(item.isError());
+}
+
+TEST_F(HTMLItemTest, deletesItsComponentsByNameAndThenItsGenerator) {
+    {
+        HTMLItem item("/row.txt");
+        item.add("b", new ProbeComponent("2"));
+        item.add("a", new ProbeComponent("1"));
+    }
+    EXPECT_THAT(calls({"delete"}),
+                testing::ElementsAre("delete 1", "delete 2", "delete HTMLCodeGenerator(/row.txt)"));
+}
+
+TEST_F(HTMLItemTest, canBeHeldByItsInterface) {
+    std::unique_ptr<Gui::HTMLItemInterface> item = std::make_unique<HTMLItem>("/row.txt");
+    item->add("name", new ProbeComponent("1"));
+    item->printHTML();
+    EXPECT_EQ(output(), "[/row.txt|name=1]");
+}
+
+}  // namespace VeskLib::Test
