@@ -37,8 +37,7 @@ std::string takeDigits(std::string_view& text) {
 }
 
 bool isPlainVersion(std::string_view version) {
-    return isPrintableUTF8(version) &&
-           version.find_first_of("/\\\"'") == std::string_view::npos;
+    return isPrintableUTF8(version) && version.find_first_of("/\\\"'") == std::string_view::npos;
 }
 
 std::string twoDigits(int number) {

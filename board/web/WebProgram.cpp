@@ -1,98 +1,38 @@
 #include "board/web/WebProgram.h"
 
-#include "board/web/WebPage.h"
 #include "board/web/webCaptions.h"
 #include "platform/host/base/Environment.h"
-#include "platform/host/base/platformException.h"
+#include "platform/host/text/Catalogue.h"
 #include "platform/host/web/requestChecks.h"
 
-#include <VeskLib/PException.h>
+#include <VeskLib/Gui/CGIRequester.h>
+#include <VeskLib/Gui/JudgeAuthority.h>
+#include <VeskLib/Gui/MessageMgr.h>
 #include <VeskLib/trace/VeskTrace.h>
 
 #include <exception>
-#include <iostream>
 #include <string_view>
 
 namespace VeskLib::Board {
 
 namespace {
 
-const char* const REFUSAL_SKELETON = "/usr/local/www/skel/skeleton_web_refusal.txt";
-
-void traceFailure(const std::string& what) {
-    const std::string program = Host::readEnvironment("SCRIPT_NAME");
-    trace::VeskTrace(1, 3, 1).putLog(0, (program + ": " + what).c_str());
-}
+const int WHOLE_SERVER = -1;
 
 bool isListed(std::string_view methods, const std::string& method) {
     return (", " + std::string(methods) + ",").find(", " + method + ",") != std::string::npos;
 }
 
-void checkMethod(const WebProgram& program, Host::Response& response) {
+void respond(const WebProgram& program, Host::Response& response) {
     const Host::RequestVerdict verdict = Host::checkRequest();
     if (verdict == Host::RequestVerdict::METHOD_NOT_ALLOWED ||
         !isListed(program.allowedMethods, Host::readEnvironment("REQUEST_METHOD"))) {
+        Host::printErrorPage(program.otherMethods(), response);
         response.addHeader("Allow", program.allowedMethods);
-        throw WebRefusal{405, program.wrongMethodCaption};
-    }
-    if (verdict == Host::RequestVerdict::CROSS_SITE) {
-        throw WebRefusal{403, CROSS_SITE_POST};
-    }
-}
-
-void printRefusal(const WebRefusal& refusal) {
-    WebPage page(REFUSAL_SKELETON, REFUSAL_TITLE);
-    page.putCaption("message", refusal.caption, refusal.detail);
-    Host::Session session;
-    if (findRequestSession(session)) {
-        page.putText("account", session.user);
+    } else if (verdict == Host::RequestVerdict::CROSS_SITE) {
+        Host::printErrorPage(Host::makeCrossSitePage(), response);
     } else {
-        page.putText("no_account", "");
-    }
-    page.print();
-}
-
-// For a board whose skeletons or catalogues cannot be read either.
-void printBarePage() {
-    std::cout << "<!DOCTYPE html>\n<html lang=\"en\">\n<head><meta charset=\"utf-8\">"
-                 "<title>Error</title></head>\n<body><p>The board could not show this page. Tell "
-                 "the board's administrator; the trace log tells more.</p></body>\n</html>\n";
-}
-
-void refuse(const WebRefusal& refusal, Host::Response& response) {
-    response.setStatus(refusal.status);
-    try {
-        printRefusal(refusal);
-    } catch (const PException& exception) {
-        traceFailure("no page for the failure, code " +
-                     std::to_string(exception.getExceptionDetail()));
-        response.discard();
-        printBarePage();
-    }
-}
-
-WebRefusal explain(const PException& exception) {
-    const int detail = exception.getExceptionDetail();
-    switch (detail) {
-        case Host::REQUEST_MALFORMED:
-            return {400, REQUEST_NOT_READABLE, detail};
-        case Host::REQUEST_TOO_LARGE:
-            return {413, REQUEST_NOT_READABLE, detail};
-        default:
-            return {500, INTERNAL_PROBLEM, detail};
-    }
-}
-
-void respond(const WebProgram& program, Host::Response& response) {
-    try {
-        checkMethod(program, response);
         program.handle(Gui::FormInfo(), response);
-    } catch (const WebRefusal& refusal) {
-        refuse(refusal, response);
-    } catch (const PException& exception) {
-        traceFailure("exception " + std::to_string(exception.getExceptionDetail()));
-        response.discard();
-        refuse(explain(exception), response);
     }
 }
 
@@ -102,13 +42,22 @@ int runWebProgram(const WebProgram& program) {
     Host::Response response;
     try {
         respond(program, response);
+    } catch (const Host::ErrorPage& page) {
+        Host::printErrorPage(page, response);
+    } catch (const PException& exception) {
+        Host::printExceptionPage(exception, response);
     } catch (const std::exception& exception) {
-        traceFailure(exception.what());
-        response.discard();
-        response.setStatus(500);
-        printBarePage();
+        trace::VeskTrace(1, 3, 1).putLog(0, exception.what());
+        Host::printErrorPage(Host::makeInternalErrorPage(), response);
     }
     return response.send() ? 0 : 1;
+}
+
+Host::ErrorPage makeRefusal(int status, int caption) {
+    const Gui::MessageMgr captions(Host::requestLanguage());
+    return {.status = status,
+            .title = captions.getString(REFUSAL_TITLE),
+            .message = captions.getString(caption)};
 }
 
 void redirect(Host::Response& response, const std::string& path) {
@@ -120,9 +69,13 @@ bool findRequestSession(Host::Session& session) {
     return Host::findSession(Host::readCookie(Host::SESSION_COOKIE), session);
 }
 
+// Judged as the programs behind the links judge it.
 bool mayUse(const Host::Session& session, int function) {
-    const std::string listed = "," + std::to_string(function) + ",";
-    return session.everyFunction || session.functions.find(listed) != std::string::npos;
+    const Gui::CGIAuthority authority = {.everyFunction = session.everyFunction ? 1 : 0,
+                                         .functions = &session.functions};
+    Gui::CGIRequester requester(session.cookieValue().c_str());
+    Gui::JudgeAuthority judge(&authority, function, WHOLE_SERVER);
+    return judge.preCheckDisplayMode(requester) == 1 || judge.getDisplayMode() != 0;
 }
 
 }  // namespace VeskLib::Board

@@ -2,6 +2,7 @@
 
 #include "platform/host/web/Response.h"
 #include "platform/host/web/Session.h"
+#include "platform/host/web/errorPage.h"
 
 #include <VeskLib/Gui/FormInfo.h>
 
@@ -11,24 +12,20 @@ namespace VeskLib::Board {
 
 // One of the board's own CGI programs.
 struct WebProgram {
-    const char* allowedMethods;  // as the Allow header lists them
-    int wrongMethodCaption;      // what the page for any other method says
+    const char* allowedMethods;         // as the Allow header lists them
+    Host::ErrorPage (*otherMethods)();  // the answer to every other method
 
-    // Prints the page and sets up the response around it, or throws WebRefusal.
+    // Prints the page and sets up the response around it. Throws Host::ErrorPage when the browser
+    // gets that page instead.
     void (*handle)(const Gui::FormInfo& form, Host::Response& response);
-};
-
-// Thrown by a program's handle(): instead of what was asked for, the browser gets a page that says
-// why not.
-struct WebRefusal {
-    int status;      // of the response
-    int caption;     // what the page says
-    int detail = 0;  // stands behind it when it is not 0
 };
 
 // Handles the request of this process; the result is the program's exit status. Every failure,
 // also a thrown PException, ends in a whole page.
 int runWebProgram(const WebProgram& program);
+
+// The page that says, with a caption of the catalogue, why a request was not carried out.
+Host::ErrorPage makeRefusal(int status, int caption);
 
 // Sends the browser to `path` of this site, with GET.
 void redirect(Host::Response& response, const std::string& path);

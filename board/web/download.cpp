@@ -28,10 +28,10 @@ void traceMissingBackup(const std::string& path, const char* reason, int systemE
 Host::Session requireBackupRight() {
     Host::Session session;
     if (!findRequestSession(session)) {
-        throw WebRefusal{403, NOT_LOGGED_IN};
+        throw Host::makeLoginPage();
     }
     if (!mayUse(session, BACKUP_FUNCTION)) {
-        throw WebRefusal{403, DOWNLOAD_NOT_ALLOWED};
+        throw makeRefusal(403, DOWNLOAD_NOT_ALLOWED);
     }
     return session;
 }
@@ -41,11 +41,11 @@ DownloadName readName(const Gui::FormInfo& form) {
     std::string name;
     if (!form.getFormData("functionID", function) || function != BACKUP_DOWNLOAD ||
         !form.getFormData("filename", name)) {
-        throw WebRefusal{400, NOT_A_DOWNLOAD};
+        throw makeRefusal(400, NOT_A_DOWNLOAD);
     }
     const std::optional<DownloadName> downloadName = DownloadName::parse(name);
     if (!downloadName) {
-        throw WebRefusal{400, NOT_A_DOWNLOAD};
+        throw makeRefusal(400, NOT_A_DOWNLOAD);
     }
     return *downloadName;
 }
@@ -57,15 +57,15 @@ std::vector<unsigned char> readBackup(const Host::Session& session, const Downlo
     std::vector<unsigned char> bytes;
     if (!Host::readFile(path, Host::LARGEST_CONFIGURATION_FILE, bytes)) {
         traceMissingBackup(path, "cannot be read", errno);
-        throw WebRefusal{404, NO_SUCH_BACKUP};
+        throw makeRefusal(404, NO_SUCH_BACKUP);
     }
     Host::ConfigurationFile file;
     if (!Host::decode(bytes, file)) {
         traceMissingBackup(path, "is not a configuration file", 0);
-        throw WebRefusal{404, NO_SUCH_BACKUP};
+        throw makeRefusal(404, NO_SUCH_BACKUP);
     }
     if (!name.fits(file)) {
-        throw WebRefusal{404, NO_SUCH_BACKUP};
+        throw makeRefusal(404, NO_SUCH_BACKUP);
     }
     return bytes;
 }
@@ -80,11 +80,12 @@ void handleDownload(const Gui::FormInfo& form, Host::Response& response) {
                     static_cast<std::streamsize>(bytes.size()));
 }
 
+const WebProgram DOWNLOAD = {"GET, HEAD", Host::makeMethodPage, handleDownload};
+
 }  // namespace
 
 }  // namespace VeskLib::Board
 
 int main() {
-    using namespace VeskLib::Board;
-    return runWebProgram({"GET, HEAD", WRONG_METHOD, handleDownload});
+    return VeskLib::Board::runWebProgram(VeskLib::Board::DOWNLOAD);
 }

@@ -1,6 +1,7 @@
 #include "board/web/WebPage.h"
 #include "board/web/WebProgram.h"
 #include "board/web/webCaptions.h"
+#include "platform/host/base/platformException.h"
 #include "platform/host/text/Catalogue.h"
 #include "platform/host/web/requestChecks.h"
 
@@ -25,7 +26,7 @@ bool isLanguage(const std::string& tag) {
 void chooseLanguage(const Gui::FormInfo& form, Host::Response& response) {
     std::string tag;
     if (!form.getFormData("language", tag) || !isLanguage(tag)) {
-        throw WebRefusal{400, REQUEST_NOT_READABLE};
+        throw Host::makePlatformException(Host::REQUEST_MALFORMED, "No language of the board");
     }
     response.addHeader("Set-Cookie", std::string(Host::LANGUAGE_COOKIE) + "=" + tag +
                                          "; Path=/; Max-Age=31536000; HttpOnly; SameSite=Strict");
@@ -51,11 +52,12 @@ void handleMenu(const Gui::FormInfo& form, Host::Response& response) {
     }
 }
 
+const WebProgram MENU = {"GET, HEAD, POST", Host::makeMethodPage, handleMenu};
+
 }  // namespace
 
 }  // namespace VeskLib::Board
 
 int main() {
-    using namespace VeskLib::Board;
-    return runWebProgram({"GET, HEAD, POST", WRONG_METHOD, handleMenu});
+    return VeskLib::Board::runWebProgram(VeskLib::Board::MENU);
 }

@@ -1,7 +1,11 @@
 #include "board/web/WebPage.h"
 #include "board/web/WebProgram.h"
-#include "board/web/askUserRights.h"
 #include "board/web/webCaptions.h"
+
+#include "platform/host/base/Environment.h"
+#include "platform/host/channel/BackendError.h"
+#include "platform/host/channel/Channel.h"
+#include "platform/host/channel/Login.h"
 #include "platform/host/web/requestChecks.h"
 
 #include <VeskLib/trace/VeskTrace.h>
@@ -12,13 +16,25 @@ namespace {
 
 const char* const LOGIN_SKELETON = "/usr/local/www/skel/skeleton_web_login.txt";
 
-// Enough of a name to recognise it; the rest of an attacker's text is not worth the log's space.
-const std::size_t TRACED_NAME_LENGTH = 64;
-
-void traceRefusedLogin(const std::string& user, int code) {
-    const std::string text = "Login refused, code " + std::to_string(code) + ", user name \"" +
-                             user.substr(0, TRACED_NAME_LENGTH) + "\"";
+// Without the typed name: people type their password there by mistake.
+void traceRefusedLogin(int code) {
+    const std::string text = "Login refused, code " + std::to_string(code) + ", asked for from " +
+                             Host::readEnvironment("REMOTE_ADDR");
     trace::VeskTrace(1, 3, 2).putLog(0, text.c_str());
+}
+
+// 0 with `rights` filled, or the error code of the back-end or of the channel to it.
+int askRights(const Host::LoginRequest& login, Host::LoginAnswer& rights) {
+    Host::RequestFrame request;
+    request.kind = Host::RequestKind::LOGIN;
+    request.payload = Host::encode(login);
+    Host::ReplyFrame reply;
+    Host::Channel channel;
+    const int code = channel.exchange(request, reply);
+    if (code != 0) {
+        return code;
+    }
+    return Host::decode(reply.payload, rights) ? 0 : Host::CHANNEL_BAD_OBJECT;
 }
 
 // The form again, with the typed name and without the password.
@@ -31,11 +47,11 @@ void printRefusedForm(const std::string& user, int caption, int detail) {
 
 // A session that the browser already has is never adopted, so that nobody can be logged in to a
 // session that another knows; it ends when the new one stands.
-void startNewSession(const std::string& user, const UserRights& rights, Host::Response& response) {
+void startNewSession(const std::string& user, const Host::LoginAnswer& rights,
+                     Host::Response& response) {
     Host::Session former;
     const bool replaces = findRequestSession(former);
-    const Host::Session session =
-        Host::startSession(user, rights.everyFunction, rights.functions);
+    const Host::Session session = Host::startSession(user, rights.everyFunction, rights.functions);
     if (replaces) {
         Host::endSession(former.identifier);
     }
@@ -56,14 +72,14 @@ void handleLogin(const Gui::FormInfo& form, Host::Response& response) {
     form.getFormData("user", user);
     form.getFormData("password", password);
 
-    UserRights rights;
-    const int code = askUserRights(user, password, rights);
+    Host::LoginAnswer rights;
+    const int code = askRights({user, password}, rights);
     if (code == 0) {
         startNewSession(user, rights, response);
         return;
     }
-    traceRefusedLogin(user, code);
-    if (code == LOGIN_NOT_ACCEPTED) {
+    traceRefusedLogin(code);
+    if (code == Host::BACKEND_LOGIN_REFUSED) {
         response.setStatus(403);
         printRefusedForm(user, LOGIN_REFUSED, 0);
     } else {
@@ -72,11 +88,12 @@ void handleLogin(const Gui::FormInfo& form, Host::Response& response) {
     }
 }
 
+const WebProgram LOGIN = {"GET, HEAD, POST", Host::makeMethodPage, handleLogin};
+
 }  // namespace
 
 }  // namespace VeskLib::Board
 
 int main() {
-    using namespace VeskLib::Board;
-    return runWebProgram({"GET, HEAD, POST", WRONG_METHOD, handleLogin});
+    return VeskLib::Board::runWebProgram(VeskLib::Board::LOGIN);
 }

@@ -5,6 +5,10 @@ namespace VeskLib::Board {
 
 namespace {
 
+Host::ErrorPage makeMethodPage() {
+    return makeRefusal(405, LOGOUT_NEEDS_BUTTON);
+}
+
 void handleLogout(const Gui::FormInfo& /*form*/, Host::Response& response) {
     Host::Session session;
     if (findRequestSession(session)) {
@@ -15,11 +19,12 @@ void handleLogout(const Gui::FormInfo& /*form*/, Host::Response& response) {
     redirect(response, "/login.cgi");
 }
 
+const WebProgram LOGOUT = {"POST", makeMethodPage, handleLogout};
+
 }  // namespace
 
 }  // namespace VeskLib::Board
 
 int main() {
-    using namespace VeskLib::Board;
-    return runWebProgram({"POST", LOGOUT_NEEDS_BUTTON, handleLogout});
+    return VeskLib::Board::runWebProgram(VeskLib::Board::LOGOUT);
 }

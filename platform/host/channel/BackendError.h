@@ -17,6 +17,7 @@ enum BackendError : unsigned int {
     BACKEND_NO_SESSION = 1606,          // no session identifier, or not of its shape
     BACKEND_LOGIN_REFUSED = 1607,       // the name and the password do not belong together
     BACKEND_CONFIGURATION_SIZE = 1608,  // larger than a target partition can hold
+    BACKEND_FAILED = 1609,              // the back-end itself, for instance out of memory
 };
 
 }  // namespace VeskLib::Host

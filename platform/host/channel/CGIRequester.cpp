@@ -40,12 +40,6 @@ struct CGIRequester::State {
     Host::Channel channel;
     std::string sessionIdentifier;
     int errorCode = 0;
-
-    // The error code of the exchange, the back-end's included.
-    int exchange(const Host::RequestFrame& request, Host::ReplyFrame& reply) {
-        const int failure = channel.exchange(request, reply);
-        return failure != 0 ? failure : static_cast<int>(reply.errorCode);
-    }
 };
 
 CGIRequester::CGIRequester(const char* sessionText) : state(std::make_unique<State>()) {
@@ -56,8 +50,8 @@ CGIRequester::~CGIRequester() = default;
 
 bool CGIRequester::getInfo(unsigned int request, VeskUi::SerializableObject& answer) {
     Host::ReplyFrame reply;
-    state->errorCode =
-        state->exchange({Host::RequestKind::GET, request, state->sessionIdentifier, {}}, reply);
+    state->errorCode = state->channel.exchange(
+        {Host::RequestKind::GET, request, state->sessionIdentifier, {}}, reply);
     if (state->errorCode == 0) {
         state->errorCode = takeAnswer(std::move(reply.payload), answer);
     }
@@ -71,7 +65,7 @@ bool CGIRequester::setInfo(unsigned int request, const VeskUi::SerializableObjec
         return false;
     }
     Host::ReplyFrame reply;
-    state->errorCode = state->exchange(frame, reply);
+    state->errorCode = state->channel.exchange(frame, reply);
     return state->errorCode == 0;
 }
 

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <utility>
 
 namespace VeskLib::Host {
 
@@ -52,11 +53,19 @@ int Channel::exchange(const RequestFrame& request, ReplyFrame& reply) {
         return CHANNEL_MALFORMED;
     }
     const Deadline deadline(deadlineMilliseconds);
+    ReplyFrame received;
     failure = connectOnce(deadline);
     if (failure == 0) {
-        failure = sendAndReceive(bytes, reply, deadline);
+        failure = sendAndReceive(bytes, received, deadline);
     }
-    return failure;
+    if (failure != 0) {
+        return failure;
+    }
+    if (received.errorCode != 0) {
+        return static_cast<int>(received.errorCode);
+    }
+    reply = std::move(received);
+    return 0;
 }
 
 int Channel::connectOnce(const Deadline& deadline) {

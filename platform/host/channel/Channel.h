@@ -27,8 +27,8 @@ public:
     ~Channel();
 
     // Sends `request` and waits for the reply. 0 with `reply` filled, or an error code with
-    // `reply` unchanged. A request above LARGEST_FRAME is not sent (CHANNEL_MALFORMED) and leaves
-    // the channel usable.
+    // `reply` unchanged: the back-end's when it refuses, else the channel's. A request above
+    // LARGEST_FRAME is not sent (CHANNEL_MALFORMED) and leaves the channel usable.
     int exchange(const RequestFrame& request, ReplyFrame& reply);
 
 private:

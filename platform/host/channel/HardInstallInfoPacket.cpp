@@ -15,14 +15,8 @@ const unsigned int LENGTH_SIZE = 4;
 const std::size_t MEMBER_COUNT = 11;
 
 // The members in the order in which they travel.
-std::array<SerializableObject*, MEMBER_COUNT> membersOf(HardInstallInfoPacket& packet) {
-    return {&packet.systemBoards,  &packet.firstBoards,   &packet.secondBoards,
-            &packet.ioBoards,      &packet.gspBoards,     &packet.byteArrays[0],
-            &packet.byteArrays[1], &packet.byteArrays[2], &packet.byteArrays[3],
-            &packet.byteArrays[4], &packet.byteArrays[5]};
-}
-
-std::array<const SerializableObject*, MEMBER_COUNT> membersOf(const HardInstallInfoPacket& packet) {
+template <typename Object, typename Packet>
+std::array<Object*, MEMBER_COUNT> membersOf(Packet& packet) {
     return {&packet.systemBoards,  &packet.firstBoards,   &packet.secondBoards,
             &packet.ioBoards,      &packet.gspBoards,     &packet.byteArrays[0],
             &packet.byteArrays[1], &packet.byteArrays[2], &packet.byteArrays[3],
@@ -73,7 +67,7 @@ unsigned int HardInstallInfoPacket::getSerialized(unsigned char* buffer, unsigne
         throw makeDifferentBufferSize("HardInstallInfoPacket::getSerialized");
     }
     unsigned int position = 0;
-    for (const SerializableObject* member : membersOf(*this)) {
+    for (const SerializableObject* member : membersOf<const SerializableObject>(*this)) {
         const unsigned int length = member->getSerializedSize();
         WireWriter(buffer + position, LENGTH_SIZE).writeU32(length);
         position += LENGTH_SIZE;
@@ -85,7 +79,7 @@ unsigned int HardInstallInfoPacket::getSerialized(unsigned char* buffer, unsigne
 
 unsigned int HardInstallInfoPacket::getSerializedSize() const {
     unsigned int size = 0;
-    for (const SerializableObject* member : membersOf(*this)) {
+    for (const SerializableObject* member : membersOf<const SerializableObject>(*this)) {
         size += LENGTH_SIZE + member->getSerializedSize();
     }
     return size;
@@ -95,7 +89,7 @@ bool HardInstallInfoPacket::setSerialized(const unsigned char* buffer, unsigned 
     // Read into a packet of its own: the containers append, and a fault must change nothing here.
     HardInstallInfoPacket read;
     WireReader reader(buffer, size);
-    for (SerializableObject* member : membersOf(read)) {
+    for (SerializableObject* member : membersOf<SerializableObject>(read)) {
         const unsigned int length = reader.readU32();
         const unsigned char* bytes = reader.readBytes(length);
         if (reader.failed() || !member->setSerialized(bytes, length) ||

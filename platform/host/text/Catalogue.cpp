@@ -72,7 +72,7 @@ int requestLanguage() {
 
 const char* findText(int language, TextSet set, int number) {
     const bool known = language >= 0 && language < LANGUAGE_COUNT;
-    const nl_catd catalogue = openCatalogue(known ? language : ENGLISH);
+    nl_catd catalogue = openCatalogue(known ? language : ENGLISH);
     if (catalogue == reinterpret_cast<nl_catd>(-1)) {
         return nullptr;
     }

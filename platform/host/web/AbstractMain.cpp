@@ -81,7 +81,7 @@ void AbstractMain::errorExit(std::string title, std::string message) {
 }
 
 void AbstractMain::errorExit(std::string message, int code) {
-    errorExit("Error", message + " [" + std::to_string(code) + "]");
+    errorExit("Error", std::move(message) + " [" + std::to_string(code) + "]");
 }
 
 }  // namespace VeskLib::Gui

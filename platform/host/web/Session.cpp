@@ -158,12 +158,12 @@ std::string Session::cookieValue() const {
 }
 
 Session startSession(const std::string& user, bool everyFunction, const std::string& functions) {
-    const Session session = {.identifier = makeRandomText(IDENTIFIER_BYTES),
-                             .token = makeRandomText(TOKEN_BYTES),
-                             .user = user,
-                             .everyFunction = everyFunction,
-                             .functions = functions,
-                             .created = std::time(nullptr)};
+    Session session = {.identifier = makeRandomText(IDENTIFIER_BYTES),
+                       .token = makeRandomText(TOKEN_BYTES),
+                       .user = user,
+                       .everyFunction = everyFunction,
+                       .functions = functions,
+                       .created = std::time(nullptr)};
     const bool oneLineEach = (user + functions).find('\n') == std::string::npos;
     if (!oneLineEach ||
         !replaceFile(sessionPath(session.identifier), toLines(session), SESSION_FILE_MODE)) {

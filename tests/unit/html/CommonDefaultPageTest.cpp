@@ -32,9 +32,9 @@ protected:
 
 TEST_F(CommonDefaultPageTest, isMadeWithAGeneratorAndATraceLog) {
     const OpenPage page(messageMgr, &displayMode, "/page.txt");
-    EXPECT_THAT(calls({"new HTML", "new Vesk"}),
-                testing::ElementsAre("new HTMLCodeGenerator(/page.txt)",
-                                     "new VeskTrace(1, 2, 29697)"));
+    EXPECT_THAT(
+        calls({"new HTML", "new Vesk"}),
+        testing::ElementsAre("new HTMLCodeGenerator(/page.txt)", "new VeskTrace(1, 2, 29697)"));
 }
 
 // On memory that is not zero, so that a field nobody sets shows.

@@ -31,8 +31,8 @@ TEST_F(MetaTagTest, theFrameIdentifierMayHaveAURL) {
 TEST_F(MetaTagTest, theCaseOfTheFrameIdentifierMatters) {
     for (const char* name : {"frame-id", "Frame-ID", "FRAME-Id", "FRAME-ID ", "FRAME-I", ""}) {
         MetaTag(name, "F", "", "").printHTML();
-        EXPECT_TRUE(output().ends_with("<meta http-equiv=\"" + std::string(name) +
-                                       "\" content=\"F\">"))
+        EXPECT_TRUE(
+            output().ends_with("<meta http-equiv=\"" + std::string(name) + "\" content=\"F\">"))
             << output();
     }
 }

@@ -14,6 +14,28 @@ namespace VeskLib::Test {
 
 using Calls = std::vector<std::string>;
 
+// The detail code of the PException that `operation` throws; -1 when it throws none.
+template <typename Operation>
+int thrownDetail(Operation operation) {
+    try {
+        operation();
+    } catch (const PException& exception) {
+        return exception.getExceptionDetail();
+    }
+    return -1;
+}
+
+// What ended the request's process during `operation`; empty when nothing did.
+template <typename Operation>
+std::string endedBy(Operation operation) {
+    try {
+        operation();
+    } catch (const Scripted::RequestEnded& end) {
+        return end.endedBy;
+    }
+    return "";
+}
+
 // A test on the scripted platform. What the program prints is kept. When the test is over, its
 // own members included, every platform object must have been deleted exactly once.
 class ScriptedTest : public testing::Test {

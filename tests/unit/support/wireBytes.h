@@ -63,8 +63,8 @@ struct ExceptionArguments {
 // The arguments of `exception`, of which `textCount` are texts.
 inline ExceptionArguments argumentsOf(const PException& exception, unsigned int textCount) {
     ExceptionArguments arguments;
-    arguments.codes = {exception.getSystem(),   exception.getSubsystem(),
-                       exception.getModule(),   exception.getSeverity(),
+    arguments.codes = {exception.getSystem(),          exception.getSubsystem(),
+                       exception.getModule(),          exception.getSeverity(),
                        exception.getExceptionDetail(), exception.getMessageNumber()};
     for (unsigned int index = 0; index < 8; ++index) {
         const long argument = exception.getArgument(index);

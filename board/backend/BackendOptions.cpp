@@ -1,0 +1,36 @@
+#include "board/backend/BackendOptions.h"
+
+#include <string_view>
+
+namespace VeskLib::Board {
+
+const char* const USAGE =
+    "usage: efi_backend --root DIR --board FILE\n"
+    "  --root DIR    the folder under which the board's files lie\n"
+    "  --board FILE  the board description (TOML)\n";
+
+bool readOptions(int argc, char** argv, BackendOptions& options, std::string& error) {
+    for (int i = 1; i < argc; ++i) {
+        const std::string_view argument = argv[i];
+        if (argument == "--help") {
+            options.help = true;
+            return true;
+        }
+        if (argument != "--root" && argument != "--board") {
+            error = "unknown argument " + std::string(argument);
+            return false;
+        }
+        if (++i == argc) {
+            error = std::string(argument) + " needs a value";
+            return false;
+        }
+        (argument == "--root" ? options.root : options.boardFile) = argv[i];
+    }
+    if (options.root.empty() || options.boardFile.empty()) {
+        error = "--root and --board are both needed";
+        return false;
+    }
+    return true;
+}
+
+}  // namespace VeskLib::Board

@@ -1,0 +1,107 @@
+#include "board/backend/BoardRoot.h"
+
+#include "platform/host/base/SystemPath.h"
+#include "platform/host/base/platformException.h"
+#include "platform/host/channel/BoardProperties.h"
+#include "platform/host/storage/files.h"
+#include "platform/host/storage/obtainLock.h"
+
+#include <VeskLib/getCGIPath.h>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <stdexcept>
+
+namespace VeskLib::Board {
+
+namespace {
+
+const char* const FOLDERS[] = {"/var", "/var/run", "/var/tmp", "/var/lib", "/var/lib/board"};
+const char* const STATE_FILE = "/var/lib/board/configurations";
+const char* const ROOT_LOCK = "/var/lib/board/backend.lock";
+const char* const RESTORE_LOCK = "/var/lib/board/restore.lock";
+
+// What lies here is this board's alone.
+const mode_t FOLDER_MODE = 0700;
+const int PROPERTIES_MODE = 0644;
+
+[[noreturn]] void fail(const std::string& what) {
+    throw std::runtime_error(what + ": " + std::strerror(errno));
+}
+
+void needFolder(const std::string& path) {
+    struct stat status = {};
+    if (::stat(path.c_str(), &status) != 0) {
+        fail("cannot use " + path);
+    }
+    if (!S_ISDIR(status.st_mode)) {
+        throw std::runtime_error("cannot use " + path + ": it is not a folder");
+    }
+}
+
+void makeFolders() {
+    for (const char* folder : FOLDERS) {
+        const std::string path = getCGIPath(folder);
+        if (::mkdir(path.c_str(), FOLDER_MODE) != 0 && errno != EEXIST) {
+            fail("cannot make " + path);
+        }
+        needFolder(path);
+    }
+}
+
+int lockRoot(const std::string& root) {
+    const std::string path = getCGIPath(ROOT_LOCK);
+    try {
+        return Host::obtainLock(path, 0);
+    } catch (const PException& failure) {
+        throw std::runtime_error(failure.getExceptionDetail() == Host::LOCK_NOT_OBTAINED
+                                     ? "a back-end is already running on " + root
+                                     : "cannot lock " + path);
+    }
+}
+
+int prepare(const std::string& root) {
+    needFolder(root);
+    if (::setenv("BOARD_ROOT", root.c_str(), 1) != 0) {
+        fail("cannot use " + root);
+    }
+    makeFolders();
+    return lockRoot(root);
+}
+
+}  // namespace
+
+BoardRoot::BoardRoot(const std::string& root) : lock(prepare(root)) {
+    for (const char* path : {STATE_FILE, Host::BACKUP_FILE, Host::BOARD_PROPERTIES}) {
+        Host::removeFilesAside(getCGIPath(path));
+    }
+}
+
+BoardRoot::~BoardRoot() {
+    ::close(lock);
+}
+
+std::string BoardRoot::statePath() const {
+    return getCGIPath(STATE_FILE);
+}
+
+std::string BoardRoot::restoreLockPath() const {
+    return getCGIPath(RESTORE_LOCK);
+}
+
+std::string BoardRoot::socketPath() const {
+    return getCGIPath(Host::BACKEND_SOCKET);
+}
+
+void BoardRoot::publishProperties(unsigned int maxPartitions) const {
+    const std::string path = getCGIPath(Host::BOARD_PROPERTIES);
+    if (!Host::replaceFile(path, encode(Host::BoardProperties{maxPartitions}), PROPERTIES_MODE)) {
+        fail("cannot write " + path);
+    }
+}
+
+}  // namespace VeskLib::Board

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+
+namespace VeskLib::Board {
+
+// The part of the board's root that is the back-end's. At most one object per root exists on the
+// machine: the folder is locked while it lives.
+class BoardRoot {
+public:
+    // Makes the folders that are missing under `root`, which must exist, locks it, and removes what
+    // a killed back-end left half written. Sets BOARD_ROOT for this process. Throws
+    // std::runtime_error with one line that says what is wrong.
+    explicit BoardRoot(const std::string& root);
+    BoardRoot(const BoardRoot&) = delete;
+    BoardRoot& operator=(const BoardRoot&) = delete;
+    ~BoardRoot();
+
+    std::string statePath() const;
+    std::string restoreLockPath() const;
+    std::string socketPath() const;
+
+    // Tells the other processes of the board how many partitions there can be. Throws
+    // std::runtime_error when the file cannot be written.
+    void publishProperties(unsigned int maxPartitions) const;
+
+private:
+    int lock;
+};
+
+}  // namespace VeskLib::Board

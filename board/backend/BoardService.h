@@ -1,0 +1,40 @@
+#pragma once
+
+#include "board/backend/Authenticator.h"
+#include "board/backend/BoardDescription.h"
+#include "board/backend/ConfigurationStore.h"
+#include "platform/host/channel/Frame.h"
+
+#include <string>
+#include <vector>
+
+namespace VeskLib::Board {
+
+// Answers the requests of the back-end channel. May be used by several threads at once.
+class BoardService {
+public:
+    // `description` and `store` must outlive the object. `restoreLockPath` names the file that is
+    // locked while a restore is under way.
+    BoardService(const BoardDescription& description, ConfigurationStore& store,
+                 std::string restoreLockPath);
+
+    // Carries `request` out. A refused request is logged with its reason.
+    Host::ReplyFrame answer(const Host::RequestFrame& request);
+
+private:
+    using Bytes = std::vector<unsigned char>;
+
+    Bytes carryOut(const Host::RequestFrame& request);
+    Bytes get(const Host::RequestFrame& request) const;
+    void set(const Host::RequestFrame& request);
+    Bytes login(const Host::RequestFrame& request);
+    void backup(const Host::RequestFrame& request) const;
+    void restore(const Host::RequestFrame& request);
+
+    const BoardDescription& description;
+    ConfigurationStore& store;
+    const std::string restoreLockPath;
+    Authenticator authenticator;
+};
+
+}  // namespace VeskLib::Board

@@ -1,0 +1,96 @@
+#include "board/backend/ConfigurationStore.h"
+
+#include "platform/host/storage/files.h"
+
+#include <cerrno>
+#include <cstring>
+#include <limits>
+#include <stdexcept>
+#include <utility>
+
+namespace VeskLib::Board {
+
+namespace {
+
+const int STATE_FILE_MODE = 0600;
+
+// False when there is no state file yet.
+bool load(const std::string& path, Payloads& payloads) {
+    std::vector<unsigned char> bytes;
+    if (!Host::readFile(path, std::numeric_limits<std::size_t>::max(), bytes)) {
+        const int reason = errno;
+        if (reason == ENOENT) {
+            return false;
+        }
+        throw std::runtime_error("cannot read " + path + ": " + std::strerror(reason));
+    }
+    if (!decode(bytes, payloads)) {
+        throw std::runtime_error(path + " is damaged; move it away to begin with the " +
+                                 "configurations of the board description");
+    }
+    return true;
+}
+
+// Whether the file holds exactly these bytes; keeps errno.
+bool holds(const std::string& path, const std::vector<unsigned char>& bytes) {
+    const int reason = errno;
+    std::vector<unsigned char> found;
+    const bool same = Host::readFile(path, bytes.size(), found) && found == bytes;
+    errno = reason;
+    return same;
+}
+
+}  // namespace
+
+ConfigurationStore::ConfigurationStore(std::string path, const BoardDescription& description)
+    : path(std::move(path)), current(std::make_shared<const Payloads>()) {
+    Payloads payloads;
+    bool complete = load(this->path, payloads);
+    for (unsigned int number = 0; number < description.partitions.size(); ++number) {
+        if (description.isInstalled(number)) {
+            const auto& initial = description.partitions[number].initialPayload;
+            complete = !payloads.emplace(number, initial).second && complete;
+        }
+    }
+    if (complete) {
+        current = std::make_shared<const Payloads>(std::move(payloads));
+    } else if (!store(std::move(payloads))) {
+        throw std::runtime_error("cannot write " + this->path + ": " + std::strerror(errno));
+    }
+}
+
+std::vector<unsigned char> ConfigurationStore::read(unsigned int partition) const {
+    const std::shared_ptr<const Payloads> payloads = snapshot();
+    const auto found = payloads->find(partition);
+    return found == payloads->end() ? std::vector<unsigned char>() : found->second;
+}
+
+bool ConfigurationStore::replace(const std::set<unsigned int>& partitions,
+                                 const std::vector<unsigned char>& payload) {
+    const std::scoped_lock lock(writing);
+    Payloads changed = *snapshot();
+    for (const unsigned int partition : partitions) {
+        changed[partition] = payload;
+    }
+    return store(std::move(changed));
+}
+
+std::shared_ptr<const Payloads> ConfigurationStore::snapshot() const {
+    const std::scoped_lock lock(guard);
+    return current;
+}
+
+bool ConfigurationStore::store(Payloads changed) {
+    const std::vector<unsigned char> bytes = encode(changed);
+    // A folder that cannot be synced leaves the new file in place all the same, and what lies in
+    // the file is what the partitions hold.
+    if (!Host::replaceFile(path, bytes, STATE_FILE_MODE) && !holds(path, bytes)) {
+        return false;
+    }
+    auto next = std::make_shared<const Payloads>(std::move(changed));
+    const std::scoped_lock lock(guard);
+    current.swap(next);
+    return true;
+}
+
+}  // namespace VeskLib::Board

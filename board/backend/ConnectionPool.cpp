@@ -1,0 +1,134 @@
+#include "board/backend/ConnectionPool.h"
+
+#include "board/backend/log.h"
+#include "platform/host/channel/BackendError.h"
+#include "platform/host/channel/FrameStream.h"
+
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <system_error>
+#include <utility>
+
+namespace VeskLib::Board {
+
+using Clock = std::chrono::steady_clock;
+
+ConnectionPool::ConnectionPool(RequestHandler handler, const ConnectionLimits& limits)
+    : handler(std::move(handler)), limits(limits) {
+}
+
+ConnectionPool::~ConnectionPool() {
+    std::unique_lock<std::mutex> lock(guard);
+    // No more requests; the replies of those under way still go out.
+    shutDownAll(SHUT_RD);
+    finished.wait_for(lock, std::chrono::milliseconds(limits.endMilliseconds),
+                      [this] { return allFinished(); });
+    shutDownAll(SHUT_RDWR);
+    finished.wait(lock, [this] { return allFinished(); });
+    joinFinished();
+}
+
+bool ConnectionPool::hasRoom() {
+    const std::scoped_lock lock(guard);
+    joinFinished();
+    if (connections.size() < limits.connections) {
+        return true;
+    }
+    endQuietest();
+    return false;
+}
+
+void ConnectionPool::serve(int descriptor) {
+    const std::scoped_lock lock(guard);
+    connections.emplace_back();
+    Connection& connection = connections.back();
+    connection.descriptor = descriptor;
+    connection.since = Clock::now();
+    try {
+        connection.thread = std::thread([this, &connection] { work(connection); });
+    } catch (const std::system_error& failure) {
+        logLine(std::string("a client is turned away: ") + failure.what());
+        ::close(descriptor);
+        connections.pop_back();
+    }
+}
+
+void ConnectionPool::work(Connection& connection) {
+    bool more = true;
+    while (more) {
+        more = answerOne(connection);
+    }
+    const std::scoped_lock lock(guard);
+    ::close(connection.descriptor);
+    connection.state = State::FINISHED;
+    finished.notify_all();
+}
+
+bool ConnectionPool::answerOne(Connection& connection) {
+    change(connection, State::WAITING);
+    std::vector<unsigned char> bytes;
+    const Host::StreamResult received = Host::receiveFrame(
+        connection.descriptor, bytes, Host::Deadline(limits.requestMilliseconds));
+    const bool whole = received == Host::StreamResult::DONE;
+    if (!whole && received != Host::StreamResult::OVERSIZED) {
+        return false;
+    }
+    change(connection, State::WORKING);
+    Host::RequestFrame request;
+    const bool understood = whole && decode(bytes, request);
+    const Host::ReplyFrame reply =
+        understood ? handler(request) : Host::ReplyFrame{Host::BACKEND_MALFORMED_REQUEST, {}};
+    // Behind a frame that makes no sense nobody knows where the next one begins.
+    return Host::sendFrame(connection.descriptor, encode(reply),
+                           Host::Deadline(limits.replyMilliseconds)) == Host::StreamResult::DONE &&
+           understood;
+}
+
+void ConnectionPool::change(Connection& connection, State state) {
+    const std::scoped_lock lock(guard);
+    connection.state = state;
+    connection.since = Clock::now();
+}
+
+void ConnectionPool::endQuietest() {
+    const auto quietest = std::min_element(
+        connections.begin(), connections.end(), [](const Connection& one, const Connection& other) {
+            const bool waits = one.state == State::WAITING;
+            const bool otherWaits = other.state == State::WAITING;
+            return waits != otherWaits ? waits : one.since < other.since;
+        });
+    const auto latest = Clock::now() - std::chrono::milliseconds(limits.quietMilliseconds);
+    if (quietest != connections.end() && quietest->state == State::WAITING &&
+        quietest->since <= latest) {
+        ::shutdown(quietest->descriptor, SHUT_RDWR);
+    }
+}
+
+void ConnectionPool::shutDownAll(int how) {
+    for (const Connection& connection : connections) {
+        if (connection.state != State::FINISHED) {
+            ::shutdown(connection.descriptor, how);
+        }
+    }
+}
+
+void ConnectionPool::joinFinished() {
+    connections.remove_if([](Connection& connection) {
+        if (connection.state != State::FINISHED) {
+            return false;
+        }
+        // It has let go of the lock at the latest when it ends, and needs it no more.
+        connection.thread.join();
+        return true;
+    });
+}
+
+bool ConnectionPool::allFinished() const {
+    return std::all_of(connections.begin(), connections.end(), [](const Connection& connection) {
+        return connection.state == State::FINISHED;
+    });
+}
+
+}  // namespace VeskLib::Board

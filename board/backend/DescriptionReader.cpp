@@ -1,0 +1,142 @@
+#include "board/backend/DescriptionReader.h"
+
+#include "board/backend/initialPayload.h"
+#include "platform/host/storage/ConfigurationFile.h"
+
+#include <crypt.h>
+
+#include <algorithm>
+#include <stdexcept>
+#include <utility>
+
+namespace VeskLib::Board {
+
+namespace {
+
+// A restore names each target in one byte.
+const unsigned int MOST_PARTITIONS = 256;
+const unsigned int LARGEST_NODE_ID = 255;
+const unsigned int LARGEST_FUNCTION = 99999;
+const std::size_t LONGEST_USER_NAME = 255;
+const unsigned int LAST_BOARD = Host::BOARDS_OF_A_KIND - 1;
+
+std::string functionList(const std::vector<unsigned int>& numbers) {
+    std::string list;
+    for (const unsigned int number : numbers) {
+        list += (list.empty() ? "," : "") + std::to_string(number) + ",";
+    }
+    return list;
+}
+
+bool isPasswordHash(const std::string& hash) {
+    const int verdict = ::crypt_checksalt(hash.c_str());
+    return verdict == CRYPT_SALT_OK || verdict == CRYPT_SALT_METHOD_LEGACY;
+}
+
+void readInstalled(DescriptionTable& table, const char* key, BoardDescription::Boards& boards) {
+    for (const unsigned int number : table.readNumbers(key, LAST_BOARD)) {
+        boards[number] = true;
+    }
+}
+
+}  // namespace
+
+BoardDescription DescriptionReader::read(DescriptionTable& table) {
+    description.partitions.resize(table.readNumber("max_partitions", MOST_PARTITIONS));
+    readBoards(table);
+    table.readTables("partition", [this](DescriptionTable& inner) { readPartition(inner); });
+    table.readTables("user", [this](DescriptionTable& inner) { readUser(inner); });
+    table.refuseUnknownKeys();
+    return std::move(description);
+}
+
+void DescriptionReader::readBoards(DescriptionTable& table) {
+    readInstalled(table, "io_boards", description.ioBoards);
+    readInstalled(table, "gsp_boards", description.gspBoards);
+    table.readTables("system_board", [this](DescriptionTable& inner) { readSystemBoard(inner); });
+}
+
+void DescriptionReader::readSystemBoard(DescriptionTable& table) {
+    const unsigned int number = table.readNumber("number", LAST_BOARD);
+    SystemBoard& board = description.systemBoards[number];
+    if (board.installed) {
+        table.fail("number", "system board " + std::to_string(number) + " is described twice");
+    }
+    board.installed = true;
+    board.home = table.readFlag("home", false);
+    board.biosVersion = table.readText("bios_version", Host::LARGEST_VERSION, "-");
+}
+
+void DescriptionReader::readPartition(DescriptionTable& table) {
+    const unsigned int number = table.readNumber("number", MOST_PARTITIONS - 1);
+    if (number >= description.partitions.size()) {
+        table.fail("number",
+                   "\"max_partitions\" leaves no room for partition " + std::to_string(number));
+    }
+    PartitionDescription& partition = description.partitions[number];
+    if (partition.installed) {
+        table.fail("number", "partition " + std::to_string(number) + " is described twice");
+    }
+    partition.installed = true;
+    partition.running = table.readFlag("running", false);
+    partition.name = table.readText("name", Host::LARGEST_PARTITION_NAME);
+    for (const unsigned int id : table.readNumbers("node_ids", LARGEST_NODE_ID)) {
+        partition.nodeIds.push_back(static_cast<unsigned char>(id));
+    }
+    readPayload(table, number);
+}
+
+void DescriptionReader::readPayload(DescriptionTable& table, unsigned int number) {
+    PartitionDescription& partition = description.partitions[number];
+    if (const toml::table* settings = table.readTable("settings")) {
+        const toml::node* unusable = makeSettingLines(*settings, partition.initialPayload);
+        if (unusable != nullptr) {
+            table.failAt(*unusable, "a setting is one line: \"name\" = text, number or flag");
+        }
+    }
+    const unsigned int count = table.readNumber("fill_bytes", Host::LARGEST_CONFIGURATION_FILE, 0);
+    const std::vector<unsigned char> fill = makeFillBytes(count, number);
+    partition.initialPayload.insert(partition.initialPayload.end(), fill.begin(), fill.end());
+
+    Host::ConfigurationFile file;
+    file.version = description.biosVersionOf(partition);
+    file.partitionName = partition.name;
+    file.payload = partition.initialPayload;
+    if (encode(file).empty()) {
+        table.fail("fill_bytes", "the partition's configuration file would be larger than " +
+                                     std::to_string(Host::LARGEST_CONFIGURATION_FILE) + " bytes");
+    }
+}
+
+void DescriptionReader::readUser(DescriptionTable& table) {
+    User user;
+    user.name = table.readText("name", LONGEST_USER_NAME);
+    const auto sameName = [&user](const User& other) { return other.name == user.name; };
+    if (user.name.empty() ||
+        std::any_of(description.users.begin(), description.users.end(), sameName)) {
+        table.fail("name", "a user needs a name of his own");
+    }
+    user.passwordHash = table.readText("password_hash", CRYPT_OUTPUT_SIZE);
+    if (!isPasswordHash(user.passwordHash)) {
+        table.fail("password_hash", "not a password hash of crypt(3)");
+    }
+    user.everyFunction = table.readFlag("every_function", false);
+    user.functions = functionList(table.readNumbers("functions", LARGEST_FUNCTION));
+    description.users.push_back(user);
+}
+
+BoardDescription loadBoardDescription(const std::string& path) {
+    try {
+        const toml::table parsed = toml::parse_file(path);
+        DescriptionTable table(path, parsed);
+        return DescriptionReader().read(table);
+    } catch (const toml::parse_error& error) {
+        const toml::source_position position = error.source().begin;
+        const std::string place =
+            position ? ":" + std::to_string(position.line) + ":" + std::to_string(position.column)
+                     : std::string();
+        throw std::runtime_error(path + place + ": " + std::string(error.description()));
+    }
+}
+
+}  // namespace VeskLib::Board

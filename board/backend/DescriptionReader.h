@@ -1,0 +1,24 @@
+#pragma once
+
+#include "board/backend/BoardDescription.h"
+#include "board/backend/DescriptionTable.h"
+
+namespace VeskLib::Board {
+
+// Turns a parsed board description into a BoardDescription. Used once.
+class DescriptionReader {
+public:
+    // Throws std::runtime_error as loadBoardDescription() does.
+    BoardDescription read(DescriptionTable& table);
+
+private:
+    void readBoards(DescriptionTable& table);
+    void readSystemBoard(DescriptionTable& table);
+    void readPartition(DescriptionTable& table);
+    void readPayload(DescriptionTable& table, unsigned int number);
+    void readUser(DescriptionTable& table);
+
+    BoardDescription description;
+};
+
+}  // namespace VeskLib::Board

@@ -1,0 +1,109 @@
+#include "board/backend/Server.h"
+
+#include "board/backend/log.h"
+#include "platform/host/channel/SocketAddress.h"
+
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <stdexcept>
+#include <utility>
+
+namespace VeskLib::Board {
+
+namespace {
+
+const int PENDING_CLIENTS = 128;
+
+// Only the board's own user may talk to the back-end.
+const mode_t SOCKET_UMASK = 0177;
+
+// How long to look away from new clients when there is no room for one.
+const int FULL_MILLISECONDS = 20;
+const int NO_LIMIT = -1;
+
+[[noreturn]] void fail(const std::string& what) {
+    throw std::runtime_error(what + ": " + std::strerror(errno));
+}
+
+void removeStaleSocket(const std::string& path) {
+    struct stat status = {};
+    if (::lstat(path.c_str(), &status) != 0) {
+        return;
+    }
+    if (!S_ISSOCK(status.st_mode)) {
+        throw std::runtime_error(path + " is in the way: it is not a socket");
+    }
+    ::unlink(path.c_str());
+}
+
+void bindAndListen(int listener, const std::string& path) {
+    const Host::SocketAddress address(path);
+    const mode_t original = ::umask(SOCKET_UMASK);
+    const bool bound = ::bind(listener, address.get(), Host::SocketAddress::size()) == 0;
+    ::umask(original);
+    if (!bound || ::listen(listener, PENDING_CLIENTS) != 0) {
+        const int reason = errno;
+        ::close(listener);
+        errno = reason;
+        fail("cannot listen on " + path);
+    }
+}
+
+int openListener(const std::string& path) {
+    // The programs that connect come by their own path to the root, which may be longer; this one
+    // is what every other tool that looks for the socket has to name.
+    if (!Host::SocketAddress::fits(path)) {
+        throw std::runtime_error("the socket path " + path + " is longer than " +
+                                 std::to_string(sizeof sockaddr_un::sun_path - 1) + " bytes");
+    }
+    removeStaleSocket(path);
+    const int listener = ::socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
+    if (listener < 0) {
+        fail("cannot make a socket");
+    }
+    bindAndListen(listener, path);
+    return listener;
+}
+
+}  // namespace
+
+Server::Server(std::string path, RequestHandler handler, const ConnectionLimits& limits)
+    : path(std::move(path)), listener(openListener(this->path)), pool(std::move(handler), limits) {
+}
+
+Server::~Server() {
+    ::close(listener);
+    ::unlink(path.c_str());
+}
+
+void Server::run(int stopDescriptor) {
+    while (true) {
+        const bool room = pool.hasRoom();
+        pollfd waited[2] = {{stopDescriptor, POLLIN, 0}, {room ? listener : -1, POLLIN, 0}};
+        const int ready = ::poll(waited, 2, room ? NO_LIMIT : FULL_MILLISECONDS);
+        if (ready > 0 && waited[0].revents != 0) {
+            return;
+        }
+        if (ready > 0 && waited[1].revents != 0) {
+            acceptOne();
+        }
+    }
+}
+
+void Server::acceptOne() {
+    const int client = ::accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
+    if (client >= 0) {
+        pool.serve(client);
+    } else if (errno != EAGAIN && errno != EINTR && errno != ECONNABORTED) {
+        // Most likely out of descriptors; asking again at once would only burn the processor.
+        logLine(std::string("cannot take a client: ") + std::strerror(errno));
+        ::poll(nullptr, 0, FULL_MILLISECONDS);
+    }
+}
+
+}  // namespace VeskLib::Board

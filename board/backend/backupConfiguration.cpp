@@ -1,0 +1,48 @@
+#include "board/backend/backupConfiguration.h"
+
+#include "board/backend/Refusal.h"
+#include "platform/host/base/SystemPath.h"
+#include "platform/host/storage/ConfigurationFile.h"
+#include "platform/host/storage/files.h"
+
+#include <VeskLib/getCGIPath.h>
+
+#include <cerrno>
+#include <cstring>
+
+namespace VeskLib::Board {
+
+namespace {
+
+const int BACKUP_FILE_MODE = 0600;
+
+}  // namespace
+
+void backupConfiguration(const BoardDescription& description, const ConfigurationStore& store,
+                         const std::string& sessionIdentifier, unsigned int partition,
+                         std::time_t now) {
+    if (!description.isInstalled(partition)) {
+        throw Refusal{Host::BACKEND_NO_PARTITION,
+                      "there is no partition " + std::to_string(partition)};
+    }
+    Host::ConfigurationFile file;
+    file.saveTime = static_cast<std::uint32_t>(now);
+    file.partition = partition;
+    file.version = description.biosVersionOf(description.partitions[partition]);
+    file.partitionName = description.partitions[partition].name;
+    file.payload = store.read(partition);
+    const std::vector<unsigned char> bytes = encode(file);
+    if (bytes.empty()) {
+        // Only after the partition got a longer name than it had when its configuration was put in.
+        throw Refusal{Host::BACKEND_CONFIGURATION_SIZE, "the configuration of partition " +
+                                                            std::to_string(partition) +
+                                                            " does not fit into a file"};
+    }
+    const std::string path = getCGIPath(Host::BACKUP_FILE) + sessionIdentifier;
+    if (!Host::replaceFile(path, bytes, BACKUP_FILE_MODE)) {
+        throw Refusal{Host::BACKEND_NOT_STORED,
+                      "cannot write " + path + ": " + std::strerror(errno)};
+    }
+}
+
+}  // namespace VeskLib::Board

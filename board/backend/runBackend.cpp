@@ -1,0 +1,66 @@
+#include "board/backend/runBackend.h"
+
+#include "board/backend/BackendOptions.h"
+#include "board/backend/BoardDescription.h"
+#include "board/backend/BoardRoot.h"
+#include "board/backend/BoardService.h"
+#include "board/backend/ConfigurationStore.h"
+#include "board/backend/Server.h"
+#include "board/backend/StopSignal.h"
+#include "board/backend/log.h"
+
+#include <unistd.h>
+
+#include <exception>
+#include <string_view>
+
+namespace VeskLib::Board {
+
+namespace {
+
+const int DONE = 0;
+const int FAILED = 1;
+const int MISUSED = 2;
+
+void say(std::string_view text) {
+    // Whoever started us may have stopped listening; that changes nothing.
+    static_cast<void>(!::write(STDOUT_FILENO, text.data(), text.size()));
+}
+
+void serve(const BackendOptions& options) {
+    const StopSignal stop;
+    const BoardDescription description = loadBoardDescription(options.boardFile);
+    const BoardRoot root(options.root);
+    ConfigurationStore store(root.statePath(), description);
+    root.publishProperties(static_cast<unsigned int>(description.partitions.size()));
+    BoardService service(description, store, root.restoreLockPath());
+    Server server(root.socketPath(), [&service](const Host::RequestFrame& request) {
+        return service.answer(request);
+    });
+    say("ready\n");
+    server.run(stop.descriptor());
+}
+
+}  // namespace
+
+int runBackend(int argc, char** argv) {
+    BackendOptions options;
+    std::string error;
+    if (!readOptions(argc, argv, options, error)) {
+        logLine(error + " (--help tells more)");
+        return MISUSED;
+    }
+    if (options.help) {
+        say(USAGE);
+        return DONE;
+    }
+    try {
+        serve(options);
+        return DONE;
+    } catch (const std::exception& failure) {
+        logLine(failure.what());
+        return FAILED;
+    }
+}
+
+}  // namespace VeskLib::Board

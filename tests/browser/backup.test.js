@@ -1,0 +1,222 @@
+// An operator backs up partitions in a real browser.
+
+import assert from "node:assert/strict";
+import { createHash } from "node:crypto";
+import { readdir } from "node:fs/promises";
+import { after, before, beforeEach, describe, test } from "node:test";
+import { Board } from "./support/board.js";
+import {
+    BACKUP_PAGE,
+    Browser,
+    RESTORE_PAGE,
+    chooseAndBackUp,
+    logIn,
+    textOf,
+} from "./support/browser.js";
+import { parseConfigurationFile } from "./support/configurationFile.js";
+import { demoPartitions } from "./support/demoBoard.js";
+
+describe("backup", () => {
+    let board;
+    let browser;
+    let page;
+
+    before(async () => {
+        board = await Board.start();
+        browser = await Browser.start();
+    });
+    after(async () => {
+        await browser?.stop();
+        await board?.remove();
+    });
+    beforeEach(async () => {
+        page = await browser.newPage();
+    });
+
+    test("saves a partition's configuration under a name that tells what it is", async () => {
+        await logIn(page, board);
+        await page.goto(board.url(BACKUP_PAGE));
+        await chooseAndBackUp(page, 3);
+        const { name, bytes } = await browser.nextDownload();
+
+        const file = parseConfigurationFile(bytes);
+        const saved = new Date(file.saveTime * 1000);
+        const date = [
+            saved.getFullYear(),
+            String(saved.getMonth() + 1).padStart(2, "0"),
+            String(saved.getDate()).padStart(2, "0"),
+        ].join("");
+        assert.equal(name, `Partition3_${date}_123B.dat`);
+        assert.ok(Math.abs(Date.now() - saved) < 10 * 60 * 1000);
+        assert.equal(file.partition, 3);
+        assert.equal(file.version, "1.23 B");
+        const partition = demoPartitions().get(3);
+        assert.equal(file.name, partition.name);
+        for (const [setting, value] of partition.settings) {
+            assert.ok(file.payload.includes(`${setting}=${value}\n`), setting);
+        }
+        assert.deepEqual(page.alerts, []);
+        assert.ok((await textOf(page, ".notice")).includes(name));
+        assert.equal((await page.$$("input[name=radio_button]")).length, 5);
+    });
+
+    test("the link on the page downloads the same file again", async () => {
+        await logIn(page, board);
+        await page.goto(board.url(BACKUP_PAGE));
+        await chooseAndBackUp(page, 5);
+        const first = await browser.nextDownload();
+        await page.click("#download");
+        const second = await browser.nextDownload();
+        const digest = ({ bytes }) => createHash("sha256").update(bytes).digest("hex");
+        assert.equal(second.name, first.name);
+        assert.equal(digest(second), digest(first));
+    });
+
+    test("lists the installed partitions with their names, as text", async () => {
+        await logIn(page, board);
+        await page.goto(board.url(BACKUP_PAGE));
+        const rows = await page.$$eval("tbody tr", (elements) =>
+            elements.map((row) => [...row.cells].slice(1).map((cell) => cell.textContent)),
+        );
+        const expected = [...demoPartitions()]
+            .filter(([, partition]) => partition.installed)
+            .map(([number, partition]) => [String(number), partition.name]);
+        assert.deepEqual(
+            expected.map(([number]) => number),
+            ["0", "2", "3", "5", "7"],
+        );
+        assert.deepEqual(rows, expected);
+        assert.equal((await page.$$("input[name=radio_button]:checked")).length, 0);
+    });
+
+    test("asks for a choice before anything is sent", async () => {
+        await logIn(page, board);
+        await page.goto(board.url(BACKUP_PAGE));
+        const posts = [];
+        page.on("request", (request) => request.method() === "POST" && posts.push(request));
+        await page.click("#backup");
+        assert.equal(page.alerts.length, 1);
+        assert.match(page.alerts[0], /No partition is chosen/);
+        assert.deepEqual(posts, []);
+        assert.deepEqual(await browser.downloadNames(), []);
+    });
+
+    test("can be done with the keyboard alone", async () => {
+        await logIn(page, board);
+        await page.goto(board.url(BACKUP_PAGE));
+        await page.focus('input[name=radio_button][value="0"]');
+        await page.keyboard.press("ArrowDown");
+        await Promise.all([page.waitForNavigation(), page.keyboard.press("Enter")]);
+        const { name } = await browser.nextDownload();
+        assert.match(name, /^Partition2_/);
+    });
+
+    test("a second press while work is under way sends nothing", async () => {
+        await logIn(page, board);
+        await page.goto(board.url(BACKUP_PAGE));
+        await page.click('input[name=radio_button][value="2"]');
+        let posts = 0;
+        page.on("request", (request) => (posts += request.method() === "POST" ? 1 : 0));
+        await Promise.all([
+            page.waitForNavigation(),
+            page.evaluate(() => {
+                const button = document.getElementById("backup");
+                button.click();
+                window.labelUnderWay = button.textContent;
+                button.click();
+                button.click();
+            }),
+        ]);
+        await browser.nextDownload();
+        assert.equal(posts, 1);
+    });
+
+    test("works without JavaScript, through the link", async () => {
+        await logIn(page, board);
+        await page.setJavaScriptEnabled(false);
+        await page.goto(board.url(BACKUP_PAGE));
+        await chooseAndBackUp(page, 3);
+        assert.deepEqual(await browser.downloadNames(), []);
+        await page.click("#download");
+        const { name } = await browser.nextDownload();
+        assert.match(name, /^Partition3_\d{8}_123B\.dat$/);
+    });
+
+    test("a user without authority gets the reason, and no list", async () => {
+        await logIn(page, board, "viewer");
+        const links = await page.$$eval("a", (elements) => elements.map((each) => each.href));
+        assert.ok(!links.some((link) => link.includes("functionID")));
+        await page.goto(board.url(BACKUP_PAGE));
+        assert.match(await textOf(page, "[role=alert]"), /no authority.*\[12-1033\]/);
+        assert.equal((await page.$$("input")).length, 0);
+        assert.match(await board.trace(), /EFIBackupPage::makeDispPage\(\): Authorization required\./);
+    });
+
+    test("after logout every page of the session is closed", async () => {
+        await logIn(page, board);
+        await page.goto(board.url(BACKUP_PAGE));
+        await chooseAndBackUp(page, 3);
+        await browser.nextDownload();
+        const link = await page.$eval("#download", (element) => element.href);
+        const before = (await readdir(board.path("var/tmp"))).length;
+        await page.goto(board.url("/"));
+        await Promise.all([
+            page.waitForNavigation(),
+            page.$eval("form[action='/logout.cgi']", (form) => form.requestSubmit()),
+        ]);
+        for (const target of [board.url(BACKUP_PAGE), board.url(RESTORE_PAGE), link]) {
+            const response = await page.goto(target);
+            assert.equal(response.status(), 403);
+            assert.match(await textOf(page, "main"), /[Ll]og in/);
+        }
+        assert.equal((await readdir(board.path("var/tmp"))).length, before - 1);
+        assert.deepEqual(await browser.downloadNames(), []);
+    });
+
+    test("speaks Japanese to a Japanese browser", async () => {
+        const japanese = await Browser.start("ja");
+        try {
+            const tab = await japanese.newPage();
+            await logIn(tab, board);
+            await tab.goto(board.url(BACKUP_PAGE));
+            assert.equal(await tab.$eval("html", (element) => element.lang), "ja");
+            assert.match(await textOf(tab, "h1"), /バックアップ/);
+            assert.equal(await textOf(tab, "#backup"), "バックアップ");
+            await tab.click("#backup");
+            assert.match(tab.alerts[0], /パーティションが選択されていません/);
+        } finally {
+            await japanese.stop();
+        }
+    });
+});
+
+describe("backup, when the back-end is gone", () => {
+    test("the page says so, and nothing is downloaded", async () => {
+        const board = await Board.start();
+        const browser = await Browser.start();
+        try {
+            const page = await browser.newPage();
+            await logIn(page, board);
+            await page.goto(board.url(BACKUP_PAGE));
+            await page.click('input[name=radio_button][value="3"]');
+            // Stopped, not ended: it accepts connections and never answers.
+            process.kill(await board.backendProcess(), "SIGSTOP");
+            try {
+                await Promise.all([
+                    page.waitForNavigation({ timeout: 60000 }),
+                    page.click("#backup"),
+                ]);
+            } finally {
+                process.kill(await board.backendProcess(), "SIGCONT");
+            }
+            const text = await textOf(page, "[role=alert]");
+            assert.match(text, /could not be backed up.*\[72-2002\]/);
+            assert.match(text, /Failed to obtain the partition status/);
+            assert.deepEqual(await browser.downloadNames(), []);
+            assert.match(await board.trace(), /Failed to obtain the partition status/);
+        } finally {
+            await browser.stop();
+            await board.remove();
+        }
+    });
+});

@@ -1,0 +1,91 @@
+// Starts a board for a test, in a folder of its own and on a free port, and ends it.
+
+import { spawn } from "node:child_process";
+import { once } from "node:events";
+import { mkdtemp, readFile, readdir, rm, utimes } from "node:fs/promises";
+import { tmpdir } from "node:os";
+import path from "node:path";
+import readline from "node:readline";
+import { fileURLToPath } from "node:url";
+
+const project = fileURLToPath(new URL("../../..", import.meta.url));
+
+export class Board {
+    // Starts `./serve` without building; BOARD_PRESET names the build that is served.
+    static async start() {
+        const board = new Board();
+        board.root = await mkdtemp(path.join(tmpdir(), "board-"));
+        await board.serve();
+        return board;
+    }
+
+    async serve() {
+        const preset = process.env.BOARD_PRESET ?? "release";
+        this.process = spawn(
+            path.join(project, "serve"),
+            ["--port", "0", "--root", this.root, "--no-build", "--preset", preset],
+            { stdio: ["ignore", "pipe", "pipe"] },
+        );
+        let output = "";
+        this.process.stderr.on("data", (data) => (output += data));
+        const lines = readline.createInterface({ input: this.process.stdout });
+        for await (const line of lines) {
+            output += `${line}\n`;
+            const match = line.match(/^Serving (http:\/\/127\.0\.0\.1:\d+)\/$/);
+            if (match) {
+                this.origin = match[1];
+                this.process.stdout.resume();
+                return;
+            }
+        }
+        throw new Error(`The board did not start:\n${output}`);
+    }
+
+    async stop() {
+        if (this.process.exitCode === null) {
+            this.process.kill("SIGTERM");
+            await once(this.process, "exit");
+        }
+    }
+
+    async remove() {
+        await this.stop();
+        await rm(this.root, { recursive: true, force: true });
+    }
+
+    url(target) {
+        return this.origin + target;
+    }
+
+    // A path below the board's root.
+    path(...parts) {
+        return path.join(this.root, ...parts);
+    }
+
+    trace() {
+        return readFile(this.path("var/log/trace.log"), "utf8").catch(() => "");
+    }
+
+    sessions() {
+        return readdir(this.path("var/lib/session"));
+    }
+
+    // Makes every session look as if it was last used `seconds` ago.
+    async ageSessions(seconds) {
+        const then = new Date(Date.now() - seconds * 1000);
+        for (const name of await this.sessions()) {
+            await utimes(this.path("var/lib/session", name), then, then);
+        }
+    }
+
+    // The process number of this board's back-end.
+    async backendProcess() {
+        for (const name of await readdir("/proc")) {
+            const words = await readFile(`/proc/${name}/cmdline`, "utf8").catch(() => "");
+            if (words.includes("efi_backend\0") && words.includes(this.root)) {
+                return Number(name);
+            }
+        }
+        throw new Error("No back-end runs.");
+    }
+}

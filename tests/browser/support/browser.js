@@ -1,0 +1,100 @@
+// A real browser with its own profile and download folder, and what tests do with its pages.
+
+import { mkdtemp, readFile, readdir, rm } from "node:fs/promises";
+import { tmpdir } from "node:os";
+import path from "node:path";
+import { setTimeout as sleep } from "node:timers/promises";
+import puppeteer from "puppeteer-core";
+
+const CHROMIUM = {
+    executablePath: "/usr/bin/chromium",
+    args: [
+        "--no-sandbox",
+        "--disable-gpu",
+        "--no-first-run",
+        "--disable-background-networking",
+        "--disable-component-update",
+        "--disable-sync",
+    ],
+};
+
+// How long a test waits for what must happen; far above what it takes.
+const PATIENCE_MILLISECONDS = 30000;
+
+export class Browser {
+    static async start(language = "en") {
+        const browser = new Browser();
+        browser.folder = await mkdtemp(path.join(tmpdir(), "browser-"));
+        browser.downloads = await mkdtemp(path.join(browser.folder, "downloads-"));
+        browser.process = await puppeteer.launch({
+            ...CHROMIUM,
+            args: [...CHROMIUM.args, `--accept-lang=${language}`],
+            userDataDir: path.join(browser.folder, "profile"),
+            downloadBehavior: { policy: "allow", downloadPath: browser.downloads },
+        });
+        return browser;
+    }
+
+    async stop() {
+        await this.process.close();
+        await rm(this.folder, { recursive: true, force: true, maxRetries: 5 });
+    }
+
+    // A new page in a context of its own, so that tests do not share cookies. `page.alerts`
+    // collects the alerts, which are accepted at once.
+    async newPage() {
+        const context = await this.process.createBrowserContext({
+            downloadBehavior: { policy: "allow", downloadPath: this.downloads },
+        });
+        const page = await context.newPage();
+        page.setDefaultTimeout(PATIENCE_MILLISECONDS);
+        page.alerts = [];
+        page.on("dialog", async (dialog) => {
+            page.alerts.push(dialog.message());
+            await dialog.accept();
+        });
+        return page;
+    }
+
+    // The name and the bytes of the next whole download; each is handed out once.
+    async nextDownload() {
+        const deadline = Date.now() + PATIENCE_MILLISECONDS;
+        while (Date.now() < deadline) {
+            const names = await readdir(this.downloads);
+            const name = names.find((each) => each.endsWith(".dat"));
+            if (name && !names.some((each) => each.endsWith(".crdownload"))) {
+                const bytes = await readFile(path.join(this.downloads, name));
+                await rm(path.join(this.downloads, name));
+                return { name, bytes };
+            }
+            await sleep(50);
+        }
+        throw new Error("No file was downloaded.");
+    }
+
+    // The names of what was downloaded and not yet handed out.
+    downloadNames() {
+        return readdir(this.downloads);
+    }
+}
+
+// Logs in through the login page; ends on the menu.
+export async function logIn(page, board, user = "admin", password = user) {
+    await page.goto(board.url("/login.cgi"));
+    await page.type("input[name=user]", user);
+    await page.type("input[name=password]", password);
+    await Promise.all([page.waitForNavigation(), page.keyboard.press("Enter")]);
+}
+
+export const BACKUP_PAGE = "/maintenance/efi_backup_restore.cgi?functionID=105";
+export const RESTORE_PAGE = "/maintenance/efi_backup_restore.cgi?functionID=106";
+
+// The text of the first element that fits, its white space folded.
+export function textOf(page, selector) {
+    return page.$eval(selector, (element) => element.textContent.replace(/\s+/g, " ").trim());
+}
+
+export async function chooseAndBackUp(page, partition) {
+    await page.click(`input[name=radio_button][value="${partition}"]`);
+    await Promise.all([page.waitForNavigation(), page.click("button[type=submit]#backup")]);
+}

@@ -1,0 +1,211 @@
+#include "data/ComponentInfoCollection.h"
+
+#include "data/PrimitiveTypeArray.h"
+#include "tests/unit/support/CountedArray.h"
+#include "tests/unit/support/ScriptedTest.h"
+#include "tests/unit/support/wireBytes.h"
+
+namespace VeskLib::Test {
+
+using ByteArray = VeskUi::PrimitiveTypeArray<unsigned char>;
+using Collection = VeskUi::ComponentInfoCollection<ByteArray>;
+
+namespace {
+
+// Three elements: two bytes, none, one byte.
+const Bytes THREE_ELEMENTS = {0x00, 0x03, 0x00, 0x04, 0x00, 0x02, 0x41, 0x42, 0x00,
+                              0x02, 0x00, 0x00, 0x00, 0x03, 0x00, 0x01, 0x43};
+
+const ExceptionArguments WRITE_FAULT = {
+    {1, 80, 2560, 1, 1537, 20010},
+    {"ComponentInfoCollection::getSerialized", "Different Buffer Size"},
+    {0, 0, 0, 0, 0, 0}};
+const ExceptionArguments READ_FAULT = {
+    {1, 80, 2560, 1, 1537, 20010},
+    {"ComponentInfoCollection::setSerialized", "Different Buffer Size"},
+    {0, 0, 0, 0, 0, 0}};
+
+}  // namespace
+
+class ComponentInfoCollectionTest : public ScriptedTest {
+protected:
+    // The bytes that each element holds.
+    std::vector<Bytes> held() const {
+        std::vector<Bytes> contents;
+        for (const ByteArray* element : collection.elements) {
+            contents.push_back(element->records);
+        }
+        return contents;
+    }
+
+    void add(const Bytes& bytes) {
+        auto element = std::make_unique<ByteArray>();
+        element->records = bytes;
+        collection.elements.push_back(element.release());
+    }
+
+    Collection collection;
+};
+
+TEST_F(ComponentInfoCollectionTest, anEmptyCollectionIsTwoZeros) {
+    EXPECT_EQ(collection.getSerializedSize(), 2u);
+    EXPECT_EQ(serialize(collection), (Bytes{0x00, 0x00}));
+}
+
+TEST_F(ComponentInfoCollectionTest, writesEachElementBehindItsLength) {
+    add({0x41, 0x42});
+    add({});
+    add({0x43});
+    EXPECT_EQ(collection.getSerializedSize(), THREE_ELEMENTS.size());
+    EXPECT_EQ(serialize(collection), THREE_ELEMENTS);
+}
+
+TEST_F(ComponentInfoCollectionTest, writesCountsAndLengthsOfTwoBytes) {
+    for (int i = 0; i < 0x0102; ++i) {
+        add({});
+    }
+    add(Bytes(0x0203 - 2, 0x55));
+    const Bytes wire = serialize(collection);
+    EXPECT_EQ(cut(wire, 6), (Bytes{0x01, 0x03, 0x00, 0x02, 0x00, 0x00}));
+    const std::size_t last = 2 + 0x0102 * 4;
+    EXPECT_EQ(wire.size(), last + 2 + 0x0203);
+    EXPECT_EQ(Bytes(wire.begin() + last, wire.begin() + last + 5),
+              (Bytes{0x02, 0x03, 0x02, 0x01, 0x55}));
+}
+
+TEST_F(ComponentInfoCollectionTest, refusesEveryBufferThatIsTooShort) {
+    add({0x41, 0x42});
+    add({0x43});
+    const std::size_t wanted = collection.getSerializedSize();
+    EXPECT_EQ(wanted, 13u);
+    for (std::size_t size = 0; size < wanted; ++size) {
+        ExactBuffer buffer(size);
+        EXPECT_EQ(thrownBy([&] { collection.getSerialized(buffer.data(), buffer.length()); }, 2),
+                  WRITE_FAULT)
+            << size;
+        EXPECT_EQ(buffer.bytes(), Bytes(size, 0xEE)) << size;
+    }
+}
+
+TEST_F(ComponentInfoCollectionTest, anEmptyCollectionNeedsTwoBytesAsWell) {
+    ExactBuffer buffer(1);
+    EXPECT_EQ(thrownBy([&] { collection.getSerialized(buffer.data(), buffer.length()); }, 2),
+              WRITE_FAULT);
+}
+
+TEST_F(ComponentInfoCollectionTest, leavesTheRestOfALargerBufferAlone) {
+    add({0x41});
+    ExactBuffer buffer(9);
+    EXPECT_EQ(collection.getSerialized(buffer.data(), buffer.length()), 7u);
+    EXPECT_EQ(buffer.bytes(), (Bytes{0x00, 0x01, 0x00, 0x03, 0x00, 0x01, 0x41, 0xEE, 0xEE}));
+}
+
+// The size is asked of the object; what is returned are the bytes that were written.
+TEST_F(ComponentInfoCollectionTest, asksTheObjectForItsSizeAndReturnsWhatItWrote) {
+    class LargerCollection : public Collection {
+    public:
+        unsigned int getSerializedSize() const override { return 40; }
+    };
+    LargerCollection larger;
+    larger.elements.push_back(std::make_unique<ByteArray>().release());
+    ExactBuffer buffer(40);
+    EXPECT_THROW(larger.getSerialized(buffer.data(), 39), PException);
+    EXPECT_EQ(larger.getSerialized(buffer.data(), 40), 6u);
+}
+
+TEST_F(ComponentInfoCollectionTest, readsItsElements) {
+    EXPECT_TRUE(deserialize(collection, THREE_ELEMENTS));
+    EXPECT_THAT(held(), testing::ElementsAre(Bytes{0x41, 0x42}, Bytes{}, Bytes{0x43}));
+}
+
+TEST_F(ComponentInfoCollectionTest, pinsTheSmallestListWithAnElement) {
+    EXPECT_TRUE(deserialize(collection, {0x00, 0x01, 0x00, 0x03, 0x00, 0x01, 0x41}));
+    EXPECT_THAT(held(), testing::ElementsAre(Bytes{0x41}));
+}
+
+TEST_F(ComponentInfoCollectionTest, refusesATrailingByteAndKeepsTheElements) {
+    EXPECT_EQ(thrownBy(
+                  [&] {
+                      deserialize(collection, {0x00, 0x01, 0x00, 0x03, 0x00, 0x01, 0x41, 0x00});
+                  },
+                  2),
+              READ_FAULT);
+    EXPECT_THAT(held(), testing::ElementsAre(Bytes{0x41}));
+}
+
+// Whether the count, a length or an element is cut: the elements in front of the cut stay.
+TEST_F(ComponentInfoCollectionTest, refusesEveryTruncatedLengthAndKeepsTheElementsInFront) {
+    const std::vector<std::size_t> ends = {8, 12, 17};
+    for (std::size_t size = 0; size < THREE_ELEMENTS.size(); ++size) {
+        Collection truncated;
+        EXPECT_EQ(thrownBy([&] { deserialize(truncated, cut(THREE_ELEMENTS, size)); }, 2),
+                  READ_FAULT)
+            << size;
+        const auto whole =
+            std::count_if(ends.begin(), ends.end(), [&](std::size_t end) { return end <= size; });
+        EXPECT_EQ(truncated.elements.size(), static_cast<std::size_t>(whole)) << size;
+    }
+}
+
+TEST_F(ComponentInfoCollectionTest, aLengthThatRunsPastTheEndMakesNoElement) {
+    EXPECT_EQ(thrownBy(
+                  [&] {
+                      deserialize(collection, {0x00, 0x01, 0xFF, 0xFF, 0x00, 0x00});
+                  },
+                  2),
+              READ_FAULT);
+    EXPECT_THAT(held(), testing::IsEmpty());
+}
+
+TEST_F(ComponentInfoCollectionTest, aCountOfZeroIsAcceptedWhateverFollows) {
+    EXPECT_TRUE(deserialize(collection, {0x00, 0x00}));
+    EXPECT_TRUE(deserialize(collection, {0x00, 0x00, 0x41}));
+    EXPECT_TRUE(deserialize(collection, Bytes(50, 0x00)));
+    EXPECT_THAT(held(), testing::IsEmpty());
+}
+
+TEST_F(ComponentInfoCollectionTest, anElementThatDoesNotUnderstandItsBytesStaysEmpty) {
+    EXPECT_TRUE(deserialize(collection, {0x00, 0x04,                    // four elements
+                                         0x00, 0x00,                    // no bytes at all
+                                         0x00, 0x01, 0x00,              // half a count
+                                         0x00, 0x03, 0x00, 0x02, 0x41,  // two announced, one there
+                                         0x00, 0x03, 0x00, 0x01, 0x42}));
+    EXPECT_THAT(held(), testing::ElementsAre(Bytes{}, Bytes{}, Bytes{}, Bytes{0x42}));
+}
+
+TEST_F(ComponentInfoCollectionTest, anElementMayIgnoreSomeOfItsBytes) {
+    EXPECT_TRUE(deserialize(collection, {0x00, 0x01, 0x00, 0x05, 0x00, 0x01, 0x41, 0x42, 0x43}));
+    EXPECT_THAT(held(), testing::ElementsAre(Bytes{0x41}));
+}
+
+TEST_F(ComponentInfoCollectionTest, readsCountsAndLengthsOfTwoBytes) {
+    for (int i = 0; i < 0x0102; ++i) {
+        add({});
+    }
+    add(Bytes(0x0203, 0x55));
+    const Bytes wire = serialize(collection);
+    Collection copy;
+    EXPECT_TRUE(deserialize(copy, wire));
+    EXPECT_EQ(copy.elements.size(), 0x0103u);
+    EXPECT_EQ(serialize(copy), wire);
+}
+
+TEST_F(ComponentInfoCollectionTest, appendsToWhatItHolds) {
+    add({0x40});
+    EXPECT_TRUE(deserialize(collection, {0x00, 0x01, 0x00, 0x03, 0x00, 0x01, 0x41}));
+    EXPECT_TRUE(deserialize(collection, {0x00, 0x01, 0x00, 0x03, 0x00, 0x01, 0x42}));
+    EXPECT_THROW(deserialize(collection, {0x00, 0x02, 0x00, 0x03, 0x00, 0x01, 0x43}), PException);
+    EXPECT_THAT(held(), testing::ElementsAre(Bytes{0x40}, Bytes{0x41}, Bytes{0x42}, Bytes{0x43}));
+}
+
+TEST_F(ComponentInfoCollectionTest, deletesEveryElementOnceAndInOrder) {
+    {
+        Collection owner;
+        owner.elements.push_back(new CountedArray("first"));
+        owner.elements.push_back(nullptr);
+        owner.elements.push_back(new CountedArray("second"));
+    }
+    EXPECT_THAT(calls({"delete"}), testing::ElementsAre("delete first", "delete second"));
+}
+
+}  // namespace VeskLib::Test

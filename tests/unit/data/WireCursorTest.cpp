@@ -1,0 +1,85 @@
+#include "data/WireCursor.h"
+
+#include "tests/unit/support/wireBytes.h"
+
+namespace VeskLib::Test {
+
+using VeskUi::WireReader;
+using VeskUi::WireWriter;
+
+TEST(WireReaderTest, readsBigEndianNumbersOneAfterTheOther) {
+    ExactBuffer buffer(Bytes{0x81, 0x82, 0x03, 0x84, 0x05, 0x06, 0x07});
+    WireReader reader(buffer.data(), buffer.length());
+    EXPECT_EQ(reader.readU8(), 0x81u);
+    EXPECT_EQ(reader.readU16(), 0x8203u);
+    EXPECT_EQ(reader.readU32(), 0x84050607u);
+    EXPECT_EQ(reader.position(), 7u);
+    EXPECT_EQ(reader.remaining(), 0u);
+    EXPECT_FALSE(reader.failed());
+}
+
+TEST(WireReaderTest, readsBytesAndTexts) {
+    ExactBuffer buffer(Bytes{'a', 'b', '\0', 'c', 'd'});
+    WireReader reader(buffer.data(), buffer.length());
+    EXPECT_EQ(reader.readText(4), std::string("ab\0c", 4));
+    EXPECT_EQ(reader.readBytes(1), buffer.data() + 4);
+    EXPECT_EQ(reader.readText(0), "");
+    EXPECT_FALSE(reader.failed());
+}
+
+TEST(WireReaderTest, aReadPastTheEndGivesZeroForGood) {
+    for (std::size_t size = 0; size < 4; ++size) {
+        ExactBuffer buffer(Bytes(size, 0x11));
+        WireReader reader(buffer.data(), buffer.length());
+        EXPECT_EQ(reader.readU32(), 0u) << size;
+        EXPECT_TRUE(reader.failed());
+        EXPECT_EQ(reader.position(), 0u);
+        // Bytes are left, but what they mean is not known any more.
+        EXPECT_EQ(reader.readU8(), 0u);
+        EXPECT_EQ(reader.readBytes(0), nullptr);
+        EXPECT_EQ(reader.readText(1), "");
+        EXPECT_TRUE(reader.failed());
+    }
+}
+
+TEST(WireReaderTest, aRunThatIsTooLongIsNotRead) {
+    ExactBuffer buffer(Bytes(3, 0x11));
+    WireReader reader(buffer.data(), buffer.length());
+    EXPECT_EQ(reader.readBytes(4), nullptr);
+    EXPECT_TRUE(reader.failed());
+    WireReader other(buffer.data(), buffer.length());
+    EXPECT_EQ(other.readBytes(static_cast<std::size_t>(-1)), nullptr);
+    EXPECT_TRUE(other.failed());
+}
+
+TEST(WireWriterTest, writesBigEndianNumbersOneAfterTheOther) {
+    ExactBuffer buffer(9);
+    WireWriter writer(buffer.data(), buffer.length());
+    writer.writeU8(0x81);
+    writer.writeU16(0x8203);
+    writer.writeU32(0x84050607);
+    writer.writeBytes("xy", 2);
+    EXPECT_EQ(buffer.bytes(), (Bytes{0x81, 0x82, 0x03, 0x84, 0x05, 0x06, 0x07, 'x', 'y'}));
+    EXPECT_EQ(writer.position(), 9u);
+    EXPECT_FALSE(writer.failed());
+}
+
+TEST(WireWriterTest, aWritePastTheEndIsDroppedForGood) {
+    for (std::size_t size = 0; size < 4; ++size) {
+        ExactBuffer buffer(size);
+        WireWriter writer(buffer.data(), buffer.length());
+        writer.writeU32(0x01020304);
+        writer.writeU8(0x05);
+        EXPECT_TRUE(writer.failed()) << size;
+        EXPECT_EQ(writer.position(), 0u) << size;
+        EXPECT_EQ(buffer.bytes(), Bytes(size, 0xEE)) << size;
+    }
+}
+
+TEST(WireWriterTest, nothingMayBeWrittenFromNowhere) {
+    WireWriter writer(nullptr, 0);
+    writer.writeBytes(nullptr, 0);
+    EXPECT_FALSE(writer.failed());
+}
+
+}  // namespace VeskLib::Test

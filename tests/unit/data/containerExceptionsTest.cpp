@@ -1,0 +1,28 @@
+#include "data/containerExceptions.h"
+
+#include "tests/unit/support/wireBytes.h"
+
+namespace VeskLib::Test {
+
+TEST(ContainerExceptionsTest, aBufferTooSmallNamesTheContainersModule) {
+    const PException exception = VeskUi::makeBufferTooSmall(23296, "text");
+    EXPECT_EQ(
+        argumentsOf(exception, 1),
+        (ExceptionArguments{{1, 80, 23296, 1, 1537, 20019}, {"text"}, {0, 0, 0, 0, 0, 0, 0}}));
+}
+
+TEST(ContainerExceptionsTest, aDifferentBufferSizeNamesTheOperation) {
+    const PException exception = VeskUi::makeDifferentBufferSize("operation");
+    EXPECT_EQ(argumentsOf(exception, 2), (ExceptionArguments{{1, 80, 2560, 1, 1537, 20010},
+                                                             {"operation", "Different Buffer Size"},
+                                                             {0, 0, 0, 0, 0, 0}}));
+}
+
+// The exception carries the pointer and no copy, so a constant text stays readable in every copy.
+TEST(ContainerExceptionsTest, aTextTravelsAsThePointerItself) {
+    static const char text[] = "constant text";
+    const PException copy = PException(VeskUi::makeBufferTooSmall(19200, text));
+    EXPECT_EQ(copy.getArgument(0), reinterpret_cast<long>(&text[0]));
+}
+
+}  // namespace VeskLib::Test

@@ -1,0 +1,40 @@
+// The program's main(), which is built under another name here.
+
+#include "tests/unit/support/MainTest.h"
+
+int efiBackupRestoreEntry();
+
+namespace VeskLib::Test {
+
+class EntryTest : public MainTest {};
+
+TEST_F(EntryTest, returnsWhatTheRequestReturns) {
+    script.exitStatus = 42;
+    EXPECT_EQ(efiBackupRestoreEntry(), 42);
+}
+
+TEST_F(EntryTest, returnsZeroAfterAPrintedPage) {
+    EXPECT_EQ(efiBackupRestoreEntry(), 0);
+    EXPECT_THAT(output(), testing::HasSubstr("M-BACKUP_EFI_CONF-C-00"));
+}
+
+TEST_F(EntryTest, returnsMinusOneAfterAnUnknownFunctionNumber) {
+    script.errorExitReturns = true;
+    script.formFields["functionID"] = "107";
+    EXPECT_EQ(efiBackupRestoreEntry(), -1);
+}
+
+TEST_F(EntryTest, makesRunsAndDeletesOneMainObject) {
+    script.sessionIsValid = false;
+    EXPECT_EQ(endedBy([] { efiBackupRestoreEntry(); }), "guiCheckSession");
+    EXPECT_THAT(calls(), testing::ElementsAre("new VeskTrace(1, 2, 29696)", "new FormInfo()",
+                                              "getCookie", "exec", "guiCheckSession true",
+                                              "delete VeskTrace(1, 2, 29696)"));
+}
+
+TEST_F(EntryTest, anExceptionPassesThrough) {
+    script.formError = 1107;
+    EXPECT_EQ(thrownDetail([] { efiBackupRestoreEntry(); }), 1107);
+}
+
+}  // namespace VeskLib::Test

@@ -1,0 +1,137 @@
+// EFIBackupRestoreMain::individualProc(): how a page is printed, or its error shown.
+
+#include "tests/unit/support/MainTest.h"
+
+#include <algorithm>
+
+namespace VeskLib::Test {
+
+class PageShellTest : public MainTest {
+protected:
+    // What happens from the shell's making on.
+    static Calls callsFromTheShellOn() {
+        const Calls& all = calls();
+        return {std::find(all.begin(), all.end(), "new HTMLCodeGenerator(shell 1)"), all.end()};
+    }
+};
+
+TEST_F(PageShellTest, isFilledPrintedAndDeletedInOrder) {
+    EXPECT_EQ(run(), 0);
+    EXPECT_THAT(
+        callsFromTheShellOn(),
+        testing::ElementsAre(
+            "new HTMLCodeGenerator(shell 1)", "new HTMLPage(1)", "insertIntoMap body",
+            "new TextString(/default.css, false, false, 6)", "insertIntoMap css",
+            "new TextString(Backup/Restore BIOS Configuration, false, false, 6)",
+            "insertIntoMap title", "new JsFunction(onLoadFunction())", "addFunction initialize()",
+            "insertIntoMap java_script", "insertIntoMap meta_frameid", "printHTML shell 1",
+            "printHTML /usr/local/www/skel/skeleton_efi_backup.txt",
+            "printHTML /usr/local/www/skel/skeleton_efi_backup_tbl.txt",
+            "delete HTMLCodeGenerator(shell 1)",
+            // "body": the page with everything it holds
+            "delete PartitionInfoPacket()",
+            "delete TextString(/maintenance/efi_backup_restore.cgi, false, false, 6)",
+            "delete HiddenField(functionID, 105, form_name)",
+            "delete HiddenField(hidden_status, BACKUP, form_name)",
+            "delete TextString(caption 1006, false, true, 6)",
+            "delete TextString(caption 394, false, false, 6)",
+            "delete TextString(caption 132, false, false, 6)",
+            "delete TextString(message 303/0, false, true, 6)",
+            "delete TextString(onLoadFunction(), false, false, 6)",
+            "delete TextString(name, false, false, 6)", "delete TextString(0, false, false, 6)",
+            "delete RadioButton(radio_button, , form_name)",
+            "delete HTMLCodeGenerator(/usr/local/www/skel/skeleton_efi_backup_tbl.txt)",
+            "delete HTMLCodeGenerator(/usr/local/www/skel/skeleton_efi_backup.txt)",
+            "delete VeskTrace(1, 2, 29697)",
+            // "css", "java_script", "title"
+            "delete TextString(/default.css, false, false, 6)",
+            "delete JsFunction(onLoadFunction())",
+            "delete TextString(Backup/Restore BIOS Configuration, false, false, 6)",
+            // the main object
+            "delete CGIRequester(the session)", "delete MessageMgr(0)",
+            "delete VeskTrace(1, 2, 29696)"));
+}
+
+TEST_F(PageShellTest, printsItsFiveComponents) {
+    script.formFields["functionID"] = "106";
+    EXPECT_EQ(run(), 0);
+    EXPECT_EQ(output(),
+              "[shell 1|body=[/usr/local/www/skel/skeleton_efi_rstr.txt]"
+              "|css=TextString(/default.css, false, false, 6)"
+              "|java_script=JsFunction(onLoadFunction()){initialize();}"
+              "|meta_frameid=<meta name=\"FRAME-ID\" content=\"M-RESTOR_EFI_CONF-C-00\">"
+              "|title=TextString(Backup/Restore BIOS Configuration, false, false, 6)]");
+}
+
+TEST_F(PageShellTest, aNoticeIsRaisedAfterTheCallOfInitialize) {
+    postRefusedBackup();
+    EXPECT_EQ(run(), 0);
+    EXPECT_THAT(calls({"addFunction", "addAlertFunction", "insertIntoMap java_script"}),
+                testing::ElementsAre("addFunction initialize()", "addAlertFunction message 72/1540",
+                                     "insertIntoMap java_script"));
+    EXPECT_THAT(output(), testing::HasSubstr("|java_script=JsFunction(onLoadFunction())"
+                                             "{initialize();alert(message 72/1540);}|"));
+}
+
+TEST_F(PageShellTest, aPageErrorIsShownInsteadOfThePage) {
+    script.displayMode = 0;
+    EXPECT_EQ(endedBy([] { run(); }), "errorExit");
+    EXPECT_THAT(calls({"errorExit"}),
+                testing::ElementsAre("errorExit Backup/Restore BIOS Configuration|"
+                                     "message 12/1033"));
+    EXPECT_THAT(calls({"new HTMLPage", "printHTML"}), testing::IsEmpty());
+    EXPECT_EQ(output(), "");
+}
+
+TEST_F(PageShellTest, aPageErrorIsPrintedAsAPageWhenTheErrorPageReturns) {
+    script.errorExitReturns = true;
+    script.displayMode = 0;
+    EXPECT_EQ(run(), 0);
+    EXPECT_THAT(calls({"errorExit", "new HTMLPage"}),
+                testing::ElementsAre("errorExit Backup/Restore BIOS Configuration|"
+                                     "message 12/1033",
+                                     "new HTMLPage(1)"));
+    EXPECT_THAT(output(), testing::HasSubstr("|java_script=JsFunction(onLoadFunction())"
+                                             "{initialize();}|"));
+    EXPECT_THAT(output(),
+                testing::HasSubstr("body=[/usr/local/www/skel/skeleton_efi_backup.txt]|"));
+}
+
+TEST_F(PageShellTest, anErrorWithANoticeIsAnError) {
+    postRefusedBackup();
+    script.replies[0x0201002F].errorCode = 1540;
+    EXPECT_EQ(endedBy([] { run(); }), "errorExit");
+    EXPECT_THAT(calls({"errorExit", "addAlertFunction"}),
+                testing::ElementsAre("errorExit Backup/Restore BIOS Configuration|"
+                                     "message 72/1540<br>lmsg 107 [the partition status]"));
+    EXPECT_EQ(output(), "");
+}
+
+TEST_F(PageShellTest, anErrorWithANoticeRaisesTheAlertWhenTheErrorPageReturns) {
+    script.errorExitReturns = true;
+    postRefusedBackup();
+    script.replies[0x0201002F].errorCode = 1540;
+    EXPECT_EQ(run(), 0);
+    EXPECT_THAT(calls({"errorExit", "addAlertFunction"}),
+                testing::ElementsAre("errorExit Backup/Restore BIOS Configuration|"
+                                     "message 72/1540<br>lmsg 107 [the partition status]",
+                                     "addAlertFunction message 72/1540<br>"
+                                     "lmsg 107 [the partition status]"));
+}
+
+// The page is freed, the exception goes on to exec(), and nothing was printed.
+TEST_F(PageShellTest, anExceptionOfThePageConstructorLeavesNothing) {
+    postRefusedBackup();
+    script.replies[0x020100A3].errorCode = 0;
+    script.headerError = 1104;
+    EXPECT_EQ(thrownDetail([] { run(); }), 1104);
+    EXPECT_THAT(calls({"new HTMLPage", "printHTML", "errorExit"}), testing::IsEmpty());
+    EXPECT_THAT(calls({"delete HTMLCode", "delete Partition"}),
+                testing::ElementsAre(
+                    "delete PartitionInfoPacket()",
+                    "delete HTMLCodeGenerator(/usr/local/www/skel/skeleton_efi_backup.txt)"));
+    EXPECT_EQ(output(), "");
+    EXPECT_THAT(Scripted::livingObjects(), testing::ElementsAre("FormInfo()"));
+}
+
+}  // namespace VeskLib::Test

@@ -1,0 +1,193 @@
+// EFIBackupRestoreMain::individualProc(): who may see which page.
+
+#include "tests/unit/support/MainTest.h"
+
+namespace VeskLib::Test {
+
+class RequestDispatchTest : public MainTest {
+protected:
+    // The calls of the dispatcher itself that decide about the request.
+    static Calls decisions() {
+        return calls({"guiCheckSession", "new MessageMgr", "new CGIRequester",
+                      "getFormData functionID", "preCheck", "getDisplayMode", "putLog",
+                      "errorExit"});
+    }
+};
+
+TEST_F(RequestDispatchTest, checksTheSessionBeforeAnythingElse) {
+    script.sessionIsValid = false;
+    EXPECT_EQ(endedBy([] { run(); }), "guiCheckSession");
+    EXPECT_THAT(decisions(), testing::ElementsAre("guiCheckSession true"));
+    EXPECT_EQ(output(), "");
+}
+
+TEST_F(RequestDispatchTest, goesStepByStep) {
+    script.sessionText = "from the cookie";
+    script.messageSet = 1;
+    EXPECT_EQ(run(), 0);
+    EXPECT_THAT(decisions(), testing::ElementsAre(
+                                 "guiCheckSession true", "new MessageMgr(1)",
+                                 "new CGIRequester(from the cookie)", "getFormData functionID",
+                                 "preCheckDisplayMode(0, 105, -1)", "getDisplayMode(0, 105, -1)"));
+}
+
+TEST_F(RequestDispatchTest, judgesTheMainObjectsAuthority) {
+    script.authority.everyFunction = 7;
+    run();
+    EXPECT_THAT(
+        calls({"preCheck", "getDisplayMode"}),
+        testing::ElementsAre("preCheckDisplayMode(7, 105, -1)", "getDisplayMode(7, 105, -1)"));
+}
+
+TEST_F(RequestDispatchTest, keepsTheConvertedFunctionNumber) {
+    script.formFields["functionID"] = "0105abc";
+    OpenMain object;
+    EXPECT_EQ(object.individualProc(), 0);
+    EXPECT_EQ(object.functionId, 105);
+    EXPECT_THAT(calls({"preCheck"}), testing::ElementsAre("preCheckDisplayMode(0, 105, -1)"));
+}
+
+TEST_F(RequestDispatchTest, function105IsTheBackupPage) {
+    EXPECT_EQ(run(), 0);
+    EXPECT_THAT(output(), testing::HasSubstr("meta_frameid=<meta name=\"FRAME-ID\" "
+                                             "content=\"M-BACKUP_EFI_CONF-C-00\">"));
+    EXPECT_THAT(output(), testing::HasSubstr("body=[/usr/local/www/skel/skeleton_efi_backup.txt|"));
+    EXPECT_THAT(output(), testing::Not(testing::HasSubstr("skeleton_efi_rstr")));
+}
+
+TEST_F(RequestDispatchTest, function106IsTheRestorePage) {
+    script.formFields["functionID"] = "106";
+    EXPECT_EQ(run(), 0);
+    EXPECT_THAT(output(), testing::HasSubstr("meta_frameid=<meta name=\"FRAME-ID\" "
+                                             "content=\"M-RESTOR_EFI_CONF-C-00\">"));
+    EXPECT_THAT(output(), testing::HasSubstr("body=[/usr/local/www/skel/skeleton_efi_rstr.txt"));
+    EXPECT_THAT(output(), testing::Not(testing::HasSubstr("skeleton_efi_backup")));
+    EXPECT_THAT(calls({"preCheck"}), testing::ElementsAre("preCheckDisplayMode(0, 106, -1)"));
+}
+
+class AcceptedNumberTest : public RequestDispatchTest,
+                           public testing::WithParamInterface<const char*> {};
+
+// The conversion stops at the first character that is no digit.
+TEST_P(AcceptedNumberTest, isReadAs105) {
+    script.formFields["functionID"] = GetParam();
+    EXPECT_EQ(run(), 0);
+    EXPECT_THAT(output(), testing::HasSubstr("M-BACKUP_EFI_CONF-C-00"));
+    EXPECT_THAT(calls({"putLog", "errorExit"}), testing::IsEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(FunctionNumber, AcceptedNumberTest,
+                         testing::Values("105", "0105", "105abc", "105.9", " 105", "+105",
+                                         "105 106"));
+
+struct RefusedNumber {
+    const char* text;
+    int number;
+};
+
+void PrintTo(const RefusedNumber& testCase, std::ostream* stream) {
+    *stream << "\"" << testCase.text << "\"";
+}
+
+class RefusedNumberTest : public RequestDispatchTest,
+                          public testing::WithParamInterface<RefusedNumber> {
+protected:
+    RefusedNumberTest() {
+        script.formFields["functionID"] = GetParam().text;
+        refusal = {"putLog 0 lmsg 20034 [Illegal query string] [" +
+                       std::to_string(GetParam().number) + "]",
+                   "errorExit Error|lmsg 107 [the screen information]"};
+    }
+
+    Calls refusal;
+};
+
+TEST_P(RefusedNumberTest, isTracedAndShowsTheErrorPage) {
+    EXPECT_EQ(endedBy([] { run(); }), "errorExit");
+    EXPECT_EQ(calls({"putLog", "errorExit"}), refusal);
+    EXPECT_THAT(calls({"preCheck"}),
+                testing::ElementsAre("preCheckDisplayMode(0, " + std::to_string(GetParam().number) +
+                                     ", -1)"));
+}
+
+TEST_P(RefusedNumberTest, givesMinusOneAndNoPageWhenTheErrorPageReturns) {
+    script.errorExitReturns = true;
+    EXPECT_EQ(run(), -1);
+    EXPECT_EQ(calls({"putLog", "errorExit"}), refusal);
+    EXPECT_THAT(calls({"new HTML", "printHTML", "terminate"}), testing::IsEmpty());
+    EXPECT_EQ(output(), "");
+}
+
+INSTANTIATE_TEST_SUITE_P(FunctionNumber, RefusedNumberTest,
+                         testing::Values(RefusedNumber{"107", 107}, RefusedNumber{"104", 104},
+                                         RefusedNumber{"-105", -105}, RefusedNumber{"", 0},
+                                         RefusedNumber{"abc", 0}, RefusedNumber{"0x69", 0},
+                                         RefusedNumber{"1050", 1050}, RefusedNumber{"5", 5}));
+
+TEST_F(RequestDispatchTest, aMissingFunctionNumberShowsTheErrorPageWithoutATraceLine) {
+    script.formFields.clear();
+    EXPECT_EQ(endedBy([] { run(); }), "errorExit");
+    EXPECT_THAT(decisions(),
+                testing::ElementsAre("guiCheckSession true", "new MessageMgr(0)",
+                                     "new CGIRequester(the session)", "getFormData functionID",
+                                     "errorExit Error|lmsg 107 [the screen information]"));
+}
+
+// On a platform whose error page returns, the missing number reads as 0 and is refused.
+TEST_F(RequestDispatchTest, aMissingFunctionNumberEndsInTheRefusalWhenTheErrorPageReturns) {
+    script.errorExitReturns = true;
+    script.formFields.clear();
+    EXPECT_EQ(run(), -1);
+    EXPECT_THAT(decisions(),
+                testing::ElementsAre("guiCheckSession true", "new MessageMgr(0)",
+                                     "new CGIRequester(the session)", "getFormData functionID",
+                                     "errorExit Error|lmsg 107 [the screen information]",
+                                     "preCheckDisplayMode(0, 0, -1)", "getDisplayMode(0, 0, -1)",
+                                     "putLog 0 lmsg 20034 [Illegal query string] [0]",
+                                     "errorExit Error|lmsg 107 [the screen information]"));
+}
+
+TEST_F(RequestDispatchTest, anUnreadableFormPassesThroughAsAnException) {
+    script.formError = 1107;
+    EXPECT_EQ(thrownDetail([] { run(); }), 1107);
+    EXPECT_THAT(calls({"delete"}),
+                testing::ElementsAre("delete CGIRequester(the session)", "delete MessageMgr(0)",
+                                     "delete VeskTrace(1, 2, 29696)"));
+}
+
+TEST_F(RequestDispatchTest, aPreCheckOfExactlyOneAllowsWithoutLookingFurther) {
+    script.preCheckDisplayMode = 1;
+    script.displayMode = 0;
+    EXPECT_EQ(run(), 0);
+    EXPECT_THAT(calls({"preCheck", "getDisplayMode"}),
+                testing::ElementsAre("preCheckDisplayMode(0, 105, -1)"));
+    EXPECT_THAT(output(), testing::HasSubstr("RadioButton(radio_button, , form_name, 2)"));
+}
+
+class OtherPreCheckTest : public RequestDispatchTest, public testing::WithParamInterface<int> {};
+
+TEST_P(OtherPreCheckTest, leavesTheDecisionToTheDisplayMode) {
+    script.preCheckDisplayMode = GetParam();
+    script.displayMode = 0;
+    EXPECT_EQ(endedBy([] { run(); }), "errorExit");
+    EXPECT_THAT(calls({"getDisplayMode", "errorExit"}),
+                testing::ElementsAre("getDisplayMode(0, 105, -1)",
+                                     "errorExit Backup/Restore BIOS Configuration|"
+                                     "message 12/1033"));
+}
+
+INSTANTIATE_TEST_SUITE_P(PreCheck, OtherPreCheckTest, testing::Values(2, -1, 0));
+
+class AllowingDisplayModeTest : public RequestDispatchTest,
+                                public testing::WithParamInterface<int> {};
+
+// The page gets 2 or 0 and never the raw number: the pages test for exactly 2.
+TEST_P(AllowingDisplayModeTest, givesThePageTwo) {
+    script.displayMode = GetParam();
+    EXPECT_EQ(run(), 0);
+    EXPECT_THAT(output(), testing::HasSubstr("RadioButton(radio_button, , form_name, 2)"));
+}
+
+INSTANTIATE_TEST_SUITE_P(DisplayMode, AllowingDisplayModeTest, testing::Values(1, 2, -5, 256));
+
+}  // namespace VeskLib::Test

@@ -1,0 +1,210 @@
+#include "pages/EFIBackupPage.h"
+
+#include "tests/unit/support/PageTest.h"
+
+#include <limits>
+
+namespace VeskLib::Test {
+
+using Gui::EFIBackupPage;
+using Partition = VeskUi::PartitionInfoPacket::Partition;
+
+class EFIBackupPageTest : public PageTest {
+protected:
+    std::unique_ptr<EFIBackupPage> makePage() {
+        return std::make_unique<EFIBackupPage>(requester, formInfo, messageMgr, &displayMode);
+    }
+
+    std::string print(const EFIBackupPage& page) {
+        const std::size_t before = output().size();
+        page.printHTML();
+        return output().substr(before);
+    }
+
+    // The form with these rows.
+    static std::string formWith(const std::string& rows) {
+        return "[/usr/local/www/skel/skeleton_efi_backup.txt"
+               "|form_action=TextString(/maintenance/efi_backup_restore.cgi, false, false, 6)"
+               "|hidden_functionID=HiddenField(functionID, 105, form_name)"
+               "|hidden_status=HiddenField(hidden_status, BACKUP, form_name)"
+               "|item_download=TextString(caption 1006, false, true, 6)"
+               "|item_part_name=TextString(caption 394, false, false, 6)"
+               "|item_pid=TextString(caption 132, false, false, 6)"
+               "|message=TextString(message 303/0, false, true, 6)"
+               "|onload_function=TextString(onLoadFunction(), false, false, 6)"
+               "|table_pid=" +
+               rows + "]";
+    }
+
+    static std::string row(const std::string& number, const std::string& name) {
+        return "[/usr/local/www/skel/skeleton_efi_backup_tbl.txt"
+               "|part_name=TextString(" +
+               name + ", false, false, 6)|pid=TextString(" + number +
+               ", false, false, 6)|radio_button=RadioButton(radio_button, , form_name, 2){choice(" +
+               number + ", , false, false);}]";
+    }
+
+    const std::string emptyPage = "[/usr/local/www/skel/skeleton_efi_backup.txt]";
+};
+
+TEST_F(EFIBackupPageTest, hasItsConstants) {
+    EXPECT_EQ(EFIBackupPage::skeletonFileName, "/usr/local/www/skel/skeleton_efi_backup.txt");
+    EXPECT_STREQ(EFIBackupPage::BACKUP_MODE, "BACKUP");
+    EXPECT_STREQ(EFIBackupPage::FILE_EXTENSION, ".dat");
+}
+
+TEST_F(EFIBackupPageTest, isBuiltStepByStep) {
+    script.setPartitions({{false, "", {}}, {true, "name", {}}});
+    const auto page = makePage();
+    EXPECT_THAT(
+        calls(),
+        testing::ElementsAre(
+            "new HTMLCodeGenerator(/usr/local/www/skel/skeleton_efi_backup.txt)",
+            "new VeskTrace(1, 2, 29697)", "new PartitionInfoPacket()",
+            "new TextString(onLoadFunction(), false, false, 6)", "insertIntoMap onload_function",
+            "makePage", "getInfo 0x0201002F",
+            "new TextString(/maintenance/efi_backup_restore.cgi, false, false, 6)",
+            "insertIntoMap form_action", "new HiddenField(hidden_status, BACKUP, form_name)",
+            "insertIntoMap hidden_status", "getString caption 1006",
+            "new TextString(caption 1006, false, true, 6)", "insertIntoMap item_download",
+            "new HiddenField(functionID, 105, form_name)", "insertIntoMap hidden_functionID",
+            "getMessage message 303/0", "new TextString(message 303/0, false, true, 6)",
+            "insertIntoMap message", "getString caption 132",
+            "new TextString(caption 132, false, false, 6)", "insertIntoMap item_pid",
+            "getString caption 394", "new TextString(caption 394, false, false, 6)",
+            "insertIntoMap item_part_name", "getMaxPartitionNum",
+            "PartitionInfoPacket::isInstalled(0)", "getMaxPartitionNum",
+            "PartitionInfoPacket::isInstalled(1)",
+            "new HTMLCodeGenerator(/usr/local/www/skel/skeleton_efi_backup_tbl.txt)",
+            "new RadioButton(radio_button, , form_name)", "RadioButton::add(1, , false, false)",
+            "insertIntoMap radio_button", "new TextString(1, false, false, 6)", "insertIntoMap pid",
+            "getPartitionName(1)", "new TextString(name, false, false, 6)",
+            "insertIntoMap part_name", "getMaxPartitionNum", "insertIntoMap table_pid",
+            "terminate"));
+}
+
+TEST_F(EFIBackupPageTest, hasARowForEachInstalledPartition) {
+    script.setPartitions({{true, "first", {}}, {false, "gap", {}}, {true, "third", {}}});
+    const auto page = makePage();
+    EXPECT_EQ(print(*page), formWith(row("0", "first") + row("2", "third")));
+    EXPECT_EQ(page->getMessage(), "");
+    EXPECT_FALSE(page->isError());
+    EXPECT_FALSE(page->isAlert());
+}
+
+TEST_F(EFIBackupPageTest, givesNamesAndNumbersAsTheyAre) {
+    std::vector<Partition> partitions(11);
+    partitions[10] = {true, "<&\"'> %s ü", {}};
+    script.setPartitions(partitions);
+    EXPECT_EQ(print(*makePage()), formWith(row("10", "<&\"'> %s ü")));
+}
+
+TEST_F(EFIBackupPageTest, showsWhatTheDisplayModeIsWhenPrinted) {
+    script.setPartitions({{true, "name", {}}});
+    const auto page = makePage();
+    displayMode = 0;
+    EXPECT_THAT(print(*page),
+                testing::HasSubstr("radio_button=RadioButton(radio_button, , form_name, 0)"));
+}
+
+TEST_F(EFIBackupPageTest, deletesEverythingWithIt) {
+    script.setPartitions({{true, "name", {}}});
+    auto page = makePage();
+    Scripted::forgetCalls();
+    page.reset();
+    EXPECT_THAT(
+        calls(),
+        testing::ElementsAre(
+            "delete PartitionInfoPacket()",
+            "delete TextString(/maintenance/efi_backup_restore.cgi, false, false, 6)",
+            "delete HiddenField(functionID, 105, form_name)",
+            "delete HiddenField(hidden_status, BACKUP, form_name)",
+            "delete TextString(caption 1006, false, true, 6)",
+            "delete TextString(caption 394, false, false, 6)",
+            "delete TextString(caption 132, false, false, 6)",
+            "delete TextString(message 303/0, false, true, 6)",
+            "delete TextString(onLoadFunction(), false, false, 6)",
+            "delete TextString(name, false, false, 6)", "delete TextString(0, false, false, 6)",
+            "delete RadioButton(radio_button, , form_name)",
+            "delete HTMLCodeGenerator(/usr/local/www/skel/skeleton_efi_backup_tbl.txt)",
+            "delete HTMLCodeGenerator(/usr/local/www/skel/skeleton_efi_backup.txt)",
+            "delete VeskTrace(1, 2, 29697)"));
+}
+
+// The number of partitions is asked again before every pass.
+TEST_F(EFIBackupPageTest, endsWhereTheBoardSaysAtThatMoment) {
+    script.setPartitions(std::vector<Partition>(5, {true, "name", {}}));
+    script.maxPartitionNumbers = {1, 3, 3, 2};
+    EXPECT_EQ(print(*makePage()), formWith(row("0", "name") + row("1", "name") + row("2", "name")));
+    EXPECT_THAT(calls({"getMaxPartitionNum"}), testing::SizeIs(4));
+}
+
+TEST_F(EFIBackupPageTest, comparesPartitionNumbersUnsigned) {
+    script.setPartitions(std::vector<Partition>(2, {true, "name", {}}));
+    script.maxPartitionNumbers = {std::numeric_limits<unsigned int>::max(), 1};
+    EXPECT_EQ(print(*makePage()), formWith(row("0", "name")));
+}
+
+class UnauthorizedBackupPageTest : public EFIBackupPageTest,
+                                   public testing::WithParamInterface<int> {};
+
+TEST_P(UnauthorizedBackupPageTest, saysOnlyThatAndAsksNobody) {
+    script.setPartitions({{true, "name", {}}});
+    displayMode = GetParam();
+    const auto page = makePage();
+    EXPECT_EQ(page->getMessage(), "message 12/1033");
+    EXPECT_TRUE(page->isError());
+    EXPECT_FALSE(page->isAlert());
+    EXPECT_EQ(print(*page), emptyPage);
+    EXPECT_THAT(calls({"makePage", "getInfo", "putLog", "getMessage", "delete", "terminate"}),
+                testing::ElementsAre(
+                    "makePage",
+                    "putLog 0 lmsg 20020 [EFIBackupPage::makeDispPage(): Authorization required.]",
+                    "getMessage message 12/1033",
+                    "delete TextString(onLoadFunction(), false, false, 6)", "terminate"));
+}
+
+INSTANTIATE_TEST_SUITE_P(AnyDisplayModeButTwo, UnauthorizedBackupPageTest,
+                         testing::Values(0, 1, 3, -2));
+
+TEST_F(EFIBackupPageTest, aFailedPartitionTableIsTracedAndShownInTheSameWords) {
+    script.replies[0x0201002F].errorCode = 1047;
+    const auto page = makePage();
+    EXPECT_EQ(page->getMessage(), "lmsg 107 [the partition status]");
+    EXPECT_TRUE(page->isError());
+    EXPECT_FALSE(page->isAlert());
+    EXPECT_EQ(print(*page), emptyPage);
+    EXPECT_THAT(
+        calls({"getInfo", "lmsg_getmsg", "putLog", "getMessage", "getErrorCode",
+               "getMaxPartitionNum", "delete", "terminate"}),
+        testing::ElementsAre("getInfo 0x0201002F", "lmsg_getmsg 107",
+                             "putLog 0 lmsg 107 [the partition status]", "lmsg_getmsg 107",
+                             "delete TextString(onLoadFunction(), false, false, 6)", "terminate"));
+}
+
+TEST_F(EFIBackupPageTest, withoutPartitionNumbersNoneIsInstalled) {
+    script.setPartitions({{true, "name", {}}});
+    script.maxPartitionNumbers = {0};
+    const auto page = makePage();
+    EXPECT_EQ(page->getMessage(), "message 46/1026");
+    EXPECT_TRUE(page->isError());
+    EXPECT_EQ(print(*page), emptyPage);
+    EXPECT_THAT(calls({"PartitionInfoPacket::isInstalled", "putLog"}), testing::IsEmpty());
+}
+
+TEST_F(EFIBackupPageTest, whenNoPartitionIsInstalledAllThatWasBuiltIsDropped) {
+    script.setPartitions({{false, "name", {}}, {false, "", {}}});
+    const auto page = makePage();
+    EXPECT_EQ(page->getMessage(), "message 46/1026");
+    EXPECT_TRUE(page->isError());
+    EXPECT_FALSE(page->isAlert());
+    EXPECT_EQ(print(*page), emptyPage);
+    EXPECT_THAT(calls({"putLog"}), testing::IsEmpty());
+    // Eight components with a record of their own, the row container aside.
+    EXPECT_THAT(calls({"delete TextString", "delete HiddenField"}), testing::SizeIs(8));
+    EXPECT_THAT(
+        calls({"insertIntoMap table_pid", "getMessage message 46", "terminate"}),
+        testing::ElementsAre("insertIntoMap table_pid", "getMessage message 46/1026", "terminate"));
+}
+
+}  // namespace VeskLib::Test

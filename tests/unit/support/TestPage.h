@@ -1,0 +1,56 @@
+#pragma once
+
+#include "pages/AbstractBackupRestorePage.h"
+#include "tests/scripted/Recorder.h"
+#include "tests/unit/support/ProbeComponent.h"
+
+#include <functional>
+#include <string>
+
+namespace VeskLib::Test {
+
+// A page that shows what a page class sees of its base. What it builds is up to the test.
+class TestPage : public Gui::AbstractBackupRestorePage {
+public:
+    using AbstractBackupRestorePage::AbstractBackupRestorePage;
+    using AbstractBackupRestorePage::addNotice;
+    using AbstractBackupRestorePage::addToRow;
+    using AbstractBackupRestorePage::alertFlag;
+    using AbstractBackupRestorePage::backup;
+    using AbstractBackupRestorePage::buildPage;
+    using AbstractBackupRestorePage::componentMap;
+    using AbstractBackupRestorePage::discardUploadedFile;
+    using AbstractBackupRestorePage::displayMode;
+    using AbstractBackupRestorePage::errorFlag;
+    using AbstractBackupRestorePage::formInfo;
+    using AbstractBackupRestorePage::functionNumber;
+    using AbstractBackupRestorePage::message;
+    using AbstractBackupRestorePage::messageMgr;
+    using AbstractBackupRestorePage::putHiddenField;
+    using AbstractBackupRestorePage::putReadyText;
+    using AbstractBackupRestorePage::putText;
+    using AbstractBackupRestorePage::reportError;
+    using AbstractBackupRestorePage::reportUnreadable;
+    using AbstractBackupRestorePage::requester;
+    using AbstractBackupRestorePage::restoreUploadedFile;
+    using AbstractBackupRestorePage::setErrMsg;
+    using AbstractBackupRestorePage::traceModule;
+    using AbstractBackupRestorePage::traceSystemError;
+    using AbstractBackupRestorePage::traceText;
+
+    void makeDispPage() override {
+        Scripted::record("makeDispPage");
+        build(*this);
+    }
+    void makeConfigPage() override {
+        Scripted::record("makeConfigPage");
+        build(*this);
+    }
+
+    // Puts a component into the page without a word of the platform.
+    void putProbe(const std::string& name) { componentMap[name] = new ProbeComponent(name); }
+
+    std::function<void(TestPage&)> build = [](TestPage&) {};
+};
+
+}  // namespace VeskLib::Test
