@@ -95,11 +95,10 @@ void EFIBackupPage::putFixedComponents() {
 
 std::unique_ptr<HTMLItem> EFIBackupPage::makeRow(unsigned int partition) {
     const std::string number = std::to_string(partition);
+    auto row = std::make_unique<HTMLItem>(ROW_SKELETON);
     // A group for each row, all of one name: the browser takes them for one group.
     auto choice = std::make_unique<RadioButton>("radio_button", "", FORM_NAME, displayMode);
     choice->add(number, "", false, false);
-
-    auto row = std::make_unique<HTMLItem>(ROW_SKELETON);
     addToRow(*row, "radio_button", std::move(choice));
     addToRow(*row, "pid", std::make_unique<TextString>(number));
     addToRow(

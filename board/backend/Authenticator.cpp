@@ -30,7 +30,7 @@ std::string hashLike(const std::string& hash, const std::string& password) {
     const auto work = std::make_unique<crypt_data>();
     const char* made = ::crypt_r(password.c_str(), hash.c_str(), work.get());
     // A failure is a text that begins with "*", which is no hash.
-    const std::string result = made == nullptr || made[0] == '*' ? "" : made;
+    std::string result = made == nullptr || made[0] == '*' ? "" : made;
     ::explicit_bzero(work.get(), sizeof *work);
     return result;
 }

@@ -67,15 +67,17 @@ void ConnectionPool::work(Connection& connection) {
 }
 
 bool ConnectionPool::answerOne(Connection& connection) {
-    change(connection, State::WAITING);
+    if (!enter(connection, State::WAITING)) {
+        return false;
+    }
     std::vector<unsigned char> bytes;
     const Host::StreamResult received = Host::receiveFrame(
         connection.descriptor, bytes, Host::Deadline(limits.requestMilliseconds));
     const bool whole = received == Host::StreamResult::DONE;
-    if (!whole && received != Host::StreamResult::OVERSIZED) {
+    if ((!whole && received != Host::StreamResult::OVERSIZED) ||
+        !enter(connection, State::WORKING)) {
         return false;
     }
-    change(connection, State::WORKING);
     Host::RequestFrame request;
     const bool understood = whole && decode(bytes, request);
     const Host::ReplyFrame reply =
@@ -86,22 +88,31 @@ bool ConnectionPool::answerOne(Connection& connection) {
            understood;
 }
 
-void ConnectionPool::change(Connection& connection, State state) {
+// False when the connection has been asked to make room, which nothing takes back.
+bool ConnectionPool::enter(Connection& connection, State state) {
     const std::scoped_lock lock(guard);
+    if (connection.state == State::ENDING) {
+        return false;
+    }
     connection.state = state;
     connection.since = Clock::now();
+    return true;
 }
 
 void ConnectionPool::endQuietest() {
-    const auto quietest = std::min_element(
-        connections.begin(), connections.end(), [](const Connection& one, const Connection& other) {
-            const bool waits = one.state == State::WAITING;
-            const bool otherWaits = other.state == State::WAITING;
-            return waits != otherWaits ? waits : one.since < other.since;
-        });
+    Connection* quietest = nullptr;
+    for (Connection& connection : connections) {
+        if (connection.state == State::ENDING) {
+            return;  // one is enough
+        }
+        if (connection.state == State::WAITING &&
+            (quietest == nullptr || connection.since < quietest->since)) {
+            quietest = &connection;
+        }
+    }
     const auto latest = Clock::now() - std::chrono::milliseconds(limits.quietMilliseconds);
-    if (quietest != connections.end() && quietest->state == State::WAITING &&
-        quietest->since <= latest) {
+    if (quietest != nullptr && quietest->since <= latest) {
+        quietest->state = State::ENDING;
         ::shutdown(quietest->descriptor, SHUT_RDWR);
     }
 }

@@ -45,17 +45,22 @@ public:
     void serve(int descriptor);
 
 private:
-    enum class State { WAITING, WORKING, FINISHED };
+    enum class State {
+        WAITING,   // for a request
+        WORKING,   // on one
+        ENDING,    // asked to make room; a request that comes in the same moment is not begun
+        FINISHED,  // its thread has nothing left to do
+    };
     struct Connection {
         int descriptor = -1;
         State state = State::WAITING;
-        std::chrono::steady_clock::time_point since;  // of the state
+        std::chrono::steady_clock::time_point since;  // when the state began
         std::thread thread;
     };
 
     void work(Connection& connection);
     bool answerOne(Connection& connection);
-    void change(Connection& connection, State state);
+    bool enter(Connection& connection, State state);
     void endQuietest();
     void shutDownAll(int how);
     void joinFinished();

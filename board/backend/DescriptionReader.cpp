@@ -28,9 +28,12 @@ std::string functionList(const std::vector<unsigned int>& numbers) {
     return list;
 }
 
+// Hashes without a "$" are those of the oldest method, which takes almost any text for one, also a
+// password that somebody forgot to hash.
 bool isPasswordHash(const std::string& hash) {
     const int verdict = ::crypt_checksalt(hash.c_str());
-    return verdict == CRYPT_SALT_OK || verdict == CRYPT_SALT_METHOD_LEGACY;
+    return hash.starts_with('$') &&
+           (verdict == CRYPT_SALT_OK || verdict == CRYPT_SALT_METHOD_LEGACY);
 }
 
 void readInstalled(DescriptionTable& table, const char* key, BoardDescription::Boards& boards) {

@@ -31,7 +31,7 @@ bool takePrefix(std::string_view& text, std::string_view prefix) {
 // Takes the digits at the start of `text`.
 std::string takeDigits(std::string_view& text) {
     const auto end = std::find_if_not(text.begin(), text.end(), isDigit);
-    const std::string digits(text.begin(), end);
+    std::string digits(text.begin(), end);
     text.remove_prefix(digits.size());
     return digits;
 }

@@ -3,6 +3,8 @@
 #include "tests/scripted/Recorder.h"
 #include "tests/scripted/Script.h"
 
+#include <utility>
+
 using namespace VeskLib::Scripted;
 
 namespace VeskLib::Gui {
@@ -15,8 +17,8 @@ int AbstractMain::exec() {
 
 void AbstractMain::getCookie() {
     record("getCookie");
-    sessionText = script().sessionText;
-    messageSet = script().messageSet;
+    sessionText = script().sessionText.value_or(sessionText);
+    messageSet = script().messageSet.value_or(messageSet);
 }
 
 void AbstractMain::guiCheckSession(bool showError) {
@@ -28,7 +30,7 @@ void AbstractMain::guiCheckSession(bool showError) {
 }
 
 void AbstractMain::errorExit(std::string titleText, std::string message) {
-    record("errorExit " + titleText + "|" + message);
+    record("errorExit " + std::move(titleText) + "|" + std::move(message));
     if (!script().errorExitReturns) {
         throw RequestEnded{"errorExit"};
     }

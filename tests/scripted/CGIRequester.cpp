@@ -12,9 +12,9 @@ namespace VeskLib::Gui {
 struct CGIRequester::State {
     // The script's reply; the error code is kept as a real channel keeps it.
     const Reply& ask(unsigned int request) {
-        static const Reply noReply{NOT_SCRIPTED, nullptr};
+        static const Reply NO_REPLY{NOT_SCRIPTED, nullptr};
         const auto found = script().replies.find(request);
-        const Reply& reply = found == script().replies.end() ? noReply : found->second;
+        const Reply& reply = found == script().replies.end() ? NO_REPLY : found->second;
         errorCode = reply.errorCode;
         return reply;
     }

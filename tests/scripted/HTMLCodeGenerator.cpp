@@ -1,6 +1,7 @@
 #include <VeskLib/Gui/HTMLCodeGenerator.h>
 
 #include "tests/scripted/Recorder.h"
+#include "tests/scripted/Script.h"
 
 #include <iostream>
 
@@ -26,6 +27,10 @@ void HTMLCodeGenerator::setSkeletonFile(const std::string& newSkeletonFile) {
 // "[skeleton|name=component|name=component]"
 void HTMLCodeGenerator::printHTML() const {
     record("printHTML " + skeletonFile);
+    const auto error = script().skeletonErrors.find(skeletonFile);
+    if (error != script().skeletonErrors.end()) {
+        throw makeScriptedException(error->second);
+    }
     std::cout << "[" << skeletonFile;
     for (const auto& [name, component] : *components) {
         std::cout << "|" << name << "=";

@@ -1,6 +1,7 @@
 #include <VeskLib/Gui/HTMLMapUtil.h>
 
 #include "tests/scripted/Recorder.h"
+#include "tests/scripted/Script.h"
 
 using namespace VeskLib::Scripted;
 
@@ -8,6 +9,10 @@ namespace VeskLib::Gui {
 
 void HTMLMapUtil::insertIntoMap(std::map<std::string, HTMLComponent*>& components,
                                 const std::string& name, HTMLComponent* component) {
+    if (const auto error = script().insertErrors.find(name); error != script().insertErrors.end()) {
+        record("insertIntoMap fails for " + name);
+        throw makeScriptedException(error->second);
+    }
     HTMLComponent*& place = components[name];
     if (place == nullptr) {
         record("insertIntoMap " + name);

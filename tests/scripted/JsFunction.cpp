@@ -3,6 +3,7 @@
 #include "tests/scripted/Recorder.h"
 
 #include <iostream>
+#include <utility>
 
 using namespace VeskLib::Scripted;
 
@@ -23,7 +24,7 @@ void JsFunction::addFunction(const std::string& call) {
 
 void JsFunction::addAlertFunction(std::string text) {
     record("addAlertFunction " + text);
-    calls.push_back({true, text});
+    calls.push_back({true, std::move(text)});
 }
 
 // "JsFunction(name){call;alert(text);}"

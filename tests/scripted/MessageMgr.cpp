@@ -16,13 +16,13 @@ MessageMgr::~MessageMgr() {
 
 // "message 72/1047"; the program gives no further arguments.
 std::string MessageMgr::getMessage(int message, int code, ...) const {
-    const std::string text = "message " + std::to_string(message) + "/" + std::to_string(code);
+    std::string text = "message " + std::to_string(message) + "/" + std::to_string(code);
     record("getMessage " + text);
     return text;
 }
 
 std::string MessageMgr::getString(int caption) const {
-    const std::string text = "caption " + std::to_string(caption);
+    std::string text = "caption " + std::to_string(caption);
     record("getString " + text);
     return text;
 }

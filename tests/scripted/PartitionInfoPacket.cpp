@@ -10,9 +10,9 @@ namespace {
 
 const PartitionInfoPacket::Partition& find(
     const std::vector<PartitionInfoPacket::Partition>& partitions, int partition) {
-    static const PartitionInfoPacket::Partition none;
+    static const PartitionInfoPacket::Partition NONE;
     const auto index = static_cast<std::size_t>(partition);
-    return partition >= 0 && index < partitions.size() ? partitions[index] : none;
+    return partition >= 0 && index < partitions.size() ? partitions[index] : NONE;
 }
 
 }  // namespace

@@ -36,21 +36,24 @@ struct Script {
     // Gives the back-end's partition table, and as many partition numbers.
     void setPartitions(const std::vector<VeskUi::PartitionInfoPacket::Partition>& partitions);
 
-    // The request's cookie and session.
-    std::string sessionText = "the session";
-    int messageSet = 0;
-    bool sessionIsValid = true;  // guiCheckSession() throws RequestEnded when not
+    // What the request's cookie says; what it does not say stays as it is.
+    std::optional<std::string> sessionText = "the session";
+    std::optional<int> messageSet;
+
+    // The session's user.
     Gui::CGIAuthority authority;
-
-    bool errorExitReturns = false;  // errorExit() throws RequestEnded when not
-    std::optional<int> exitStatus;  // of exec(); individualProc()'s result when not set
-
     int preCheckDisplayMode = 0;
     int displayMode = 2;
 
-    bool posted = false;  // makePage() runs makeConfigPage() when set, makeDispPage() when not
-    std::map<std::string, std::string> formFields;
+    // The request's end.
+    std::optional<int> exitStatus;  // of exec(); individualProc()'s result when not set
+    bool sessionIsValid = true;     // guiCheckSession() throws RequestEnded when not
+    bool errorExitReturns = false;  // errorExit() throws RequestEnded when not
+
+    // The form. makePage() runs makeConfigPage() when it was posted, makeDispPage() when not.
+    bool posted = false;
     std::optional<unsigned short> formError;
+    std::map<std::string, std::string> formFields;
 
     std::string sessionId = "S1";
     std::map<unsigned int, Reply> replies;  // by request number
@@ -60,14 +63,18 @@ struct Script {
     std::set<int> installedBoards;
     std::set<int> homeBoards;
 
+    // By name of the place, and by the skeleton's path: insertIntoMap() and printHTML() throw.
+    std::map<std::string, unsigned short> insertErrors;
+    std::map<std::string, unsigned short> skeletonErrors;
+
     std::string pathPrefix = "/board";  // getCGIPath() puts it before a path
 
     std::optional<unsigned short> lockError;
     std::optional<unsigned short> openError;    // of EFIConfFile
     std::optional<unsigned short> headerError;  // of EFIConfFile::getFileHeader()
     VeskUi::EFIConfFile::EFIConfFileHeader fileHeader;
-    std::string fileVersion;
     unsigned int filePartition = 0;
+    std::string fileVersion;
     std::string filePartitionName;
 
     // The operating system's calls. An errno other than 0 makes the call fail. The others

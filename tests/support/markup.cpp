@@ -46,7 +46,7 @@ public:
     void read() {
         while (position < html.size()) {
             if (html.compare(position, 4, "<!--") == 0) {
-                position = std::min(html.find("-->", position), html.size());
+                skipComment();
             } else if (html[position] == '<' && startsTag(position + 1)) {
                 readTag();
             } else {
@@ -63,6 +63,11 @@ private:
     bool startsTag(std::size_t at) const {
         return at < html.size() && (std::isalpha(static_cast<unsigned char>(html[at])) != 0 ||
                                     html[at] == '/' || html[at] == '!');
+    }
+
+    void skipComment() {
+        const std::size_t end = html.find("-->", position);
+        position = end == std::string_view::npos ? html.size() : end + 3;
     }
 
     char current() const { return position < html.size() ? html[position] : '>'; }

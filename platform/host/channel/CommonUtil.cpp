@@ -13,21 +13,21 @@ namespace {
 // Far above what the back-end writes.
 const std::size_t LARGEST_PROPERTIES = 4096;
 
-Host::BoardProperties readProperties() {
+unsigned int readMaxPartitions() {
     Host::BoardProperties properties;
     std::vector<unsigned char> bytes;
     if (Host::readFile(getCGIPath(Host::BOARD_PROPERTIES), LARGEST_PROPERTIES, bytes)) {
         decode(bytes, properties);
     }
-    return properties;
+    return properties.maxPartitions;
 }
 
 }  // namespace
 
 unsigned int CommonUtil::getMaxPartitionNum() {
     // Asked before every row of a table; a number that changed half-way would tear the table.
-    static const Host::BoardProperties properties = readProperties();
-    return properties.maxPartitions;
+    static const unsigned int MAX_PARTITIONS = readMaxPartitions();
+    return MAX_PARTITIONS;
 }
 
 }  // namespace VeskLib

@@ -96,7 +96,6 @@ void Skeleton::parse() {
     const std::string_view text = source;
     std::vector<std::size_t> openConditions;
     std::size_t position = 0;
-    std::size_t lastCondition = 0;
     while (position < text.size()) {
         const std::size_t start = std::min(text.find("{{", position), text.size());
         if (start > position) {
@@ -109,17 +108,16 @@ void Skeleton::parse() {
         if (end == std::string_view::npos) {
             fail(start, "the mark is not closed");
         }
-        const std::size_t opened = openConditions.size();
         if (!parseMark(text.substr(start + 2, end - start - 2), openConditions)) {
             fail(start, "not a mark");
-        }
-        if (openConditions.size() > opened) {
-            lastCondition = start;
         }
         position = end + 2;
     }
     if (!openConditions.empty()) {
-        fail(lastCondition, "the condition has no end");
+        // The mark is "{{if " and the name.
+        const auto name = pieces[openConditions.back()].text.data() - text.data();
+        fail(static_cast<std::size_t>(name) - std::string_view("{{if ").size(),
+             "the condition has no end");
     }
 }
 

@@ -59,18 +59,16 @@ int openLog(const std::string& path) {
     return descriptor;
 }
 
-// Puts a full log aside and opens a new one. The lock keeps two processes from doing it one after
-// the other, which would lose the predecessor.
+// Puts a full log aside and opens a new one; -1 when it cannot be put aside. The lock keeps two
+// processes from doing it one after the other, which would lose the predecessor.
 int rotate(int full, const std::string& path) {
     struct stat locked = {};
     struct stat current = {};
     const bool stillCurrent = flock(full, LOCK_EX) == 0 && fstat(full, &locked) == 0 &&
                               lstat(path.c_str(), &current) == 0 && locked.st_ino == current.st_ino;
-    if (stillCurrent) {
-        static_cast<void>(std::rename(path.c_str(), (path + ".1").c_str()));
-    }
+    const bool stuck = stillCurrent && std::rename(path.c_str(), (path + ".1").c_str()) != 0;
     close(full);
-    return openLog(path);
+    return stuck ? -1 : openLog(path);
 }
 
 }  // namespace

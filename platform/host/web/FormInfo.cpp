@@ -8,6 +8,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <map>
@@ -39,6 +40,9 @@ std::size_t bodyLength() {
     if (result.ec != std::errc() || result.ptr != text.data() + text.size()) {
         throw makePlatformException(Host::REQUEST_MALFORMED, "The length of the body is no number");
     }
+    if (length > BODY_LENGTH) {
+        throw makePlatformException(Host::REQUEST_TOO_LARGE, "The form is too large");
+    }
     return length;
 }
 
@@ -57,9 +61,6 @@ std::size_t readBody(char* buffer, std::size_t size) {
 
 void readUrlencodedBody(Fields& fields) {
     const std::size_t announced = bodyLength();
-    if (announced != std::string::npos && announced > BODY_LENGTH) {
-        throw makePlatformException(Host::REQUEST_TOO_LARGE, "The form is too large");
-    }
     UrlencodedReader reader(fields);
     char buffer[4096];
     std::size_t total = 0;
@@ -128,6 +129,7 @@ bool FormInfo::getFormData(const std::string& name, std::string& value) const {
 }
 
 void FormInfo::terminate() {
+    state->read = true;  // whether it was or not: there is nothing to be found any more
     state->fields.clear();
 }
 

@@ -13,6 +13,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cstdio>
 #include <functional>
@@ -98,7 +99,7 @@ bool readSession(const std::string& identifier, Session& session) {
                .user = values["user"],
                .everyFunction = values["every_function"] == "1",
                .functions = values["functions"],
-               .created = createdTime};
+               .created = std::max<std::time_t>(createdTime, 0)};
     return true;
 }
 
@@ -118,7 +119,8 @@ bool readLivingSession(const std::string& identifier, Session& session, std::tim
 
 void removeStagedFile(const std::string& identifier) {
     const std::string path = getCGIPath(STAGING_FILE) + identifier;
-    if (access(path.c_str(), F_OK) != 0) {
+    struct stat status = {};
+    if (lstat(path.c_str(), &status) != 0) {
         return;
     }
     try {

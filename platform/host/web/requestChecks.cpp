@@ -19,9 +19,9 @@ bool isFromThisSite() {
     if (origin.empty()) {
         return true;
     }
+    const std::string host = readEnvironment("HTTP_HOST");
     const std::size_t hostStart = origin.find("://");
-    return hostStart != std::string::npos &&
-           origin.substr(hostStart + 3) == readEnvironment("HTTP_HOST");
+    return !host.empty() && hostStart != std::string::npos && origin.substr(hostStart + 3) == host;
 }
 
 }  // namespace

@@ -5,6 +5,8 @@
 #include "tests/unit/support/ScriptedTest.h"
 #include "tests/unit/support/wireBytes.h"
 
+#include <algorithm>
+
 namespace VeskLib::Test {
 
 using ByteArray = VeskUi::PrimitiveTypeArray<unsigned char>;

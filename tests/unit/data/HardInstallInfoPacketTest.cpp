@@ -3,7 +3,11 @@
 #include "tests/unit/support/CountedArray.h"
 #include "tests/unit/support/ScriptedTest.h"
 
+#include <algorithm>
+#include <array>
+#include <cstdint>
 #include <memory>
+#include <new>
 #include <type_traits>
 
 namespace VeskLib::Test {
@@ -61,12 +65,20 @@ TEST_F(HardInstallInfoPacketTest, isDeletedAsWhatTravelsOverTheChannel) {
     EXPECT_THAT(calls({"delete"}), testing::ElementsAre("delete board"));
 }
 
+// On memory that is not zero, so that a field nobody sets shows.
 TEST_F(HardInstallInfoPacketTest, itsRecordsAreZeroWhenMade) {
-    EXPECT_EQ(HardInstallInfoPacket::SBData().word, 0u);
-    EXPECT_EQ(HardInstallInfoPacket::IOBData().word, 0u);
-    EXPECT_EQ(HardInstallInfoPacket::IOBData().halfWord, 0u);
-    EXPECT_EQ(HardInstallInfoPacket::GSPBData().word, 0u);
-    EXPECT_EQ(HardInstallInfoPacket::GSPBData().halfWord, 0u);
+    std::array<std::uint32_t, 2> memory;
+    const auto makeOnUsedMemory = [&]<typename Record>(Record*) {
+        memory.fill(0xA5A5A5A5);
+        return new (memory.data()) Record;
+    };
+    EXPECT_EQ(makeOnUsedMemory(static_cast<HardInstallInfoPacket::SBData*>(nullptr))->word, 0u);
+    const auto* ioBoard = makeOnUsedMemory(static_cast<HardInstallInfoPacket::IOBData*>(nullptr));
+    EXPECT_EQ(ioBoard->word, 0u);
+    EXPECT_EQ(ioBoard->halfWord, 0u);
+    const auto* gspBoard = makeOnUsedMemory(static_cast<HardInstallInfoPacket::GSPBData*>(nullptr));
+    EXPECT_EQ(gspBoard->word, 0u);
+    EXPECT_EQ(gspBoard->halfWord, 0u);
 }
 
 }  // namespace VeskLib::Test

@@ -136,7 +136,7 @@ TYPED_TEST(PrimitiveTypeArrayTest, ignoresBytesBehindTheAnnouncedRecords) {
     EXPECT_EQ(copy.records.size(), 1u);
 }
 
-TYPED_TEST(PrimitiveTypeArrayTest, ACountOfZeroIsAcceptedWhateverFollows) {
+TYPED_TEST(PrimitiveTypeArrayTest, aCountOfZeroIsAcceptedWhateverFollows) {
     TypeParam copy;
     copy.records.resize(2);
     EXPECT_TRUE(deserialize(copy, {0x00, 0x00}));
@@ -146,14 +146,16 @@ TYPED_TEST(PrimitiveTypeArrayTest, ACountOfZeroIsAcceptedWhateverFollows) {
 
 // Not a mistake: a second call adds to what the array holds.
 TYPED_TEST(PrimitiveTypeArrayTest, appendsToWhatItHolds) {
-    this->fill(2);
+    this->fill(3);
+    const Bytes three = this->wire;
+    this->fill(1);
     TypeParam copy;
+    EXPECT_TRUE(deserialize(copy, three));
     EXPECT_TRUE(deserialize(copy, this->wire));
-    EXPECT_TRUE(deserialize(copy, this->wire));
-    Bytes twice = this->wire;
-    twice[1] = 4;
-    twice.insert(twice.end(), this->wire.begin() + 2, this->wire.end());
-    EXPECT_EQ(serialize(copy), twice);
+    Bytes all = three;
+    all[1] = 4;
+    all.insert(all.end(), this->wire.begin() + 2, this->wire.end());
+    EXPECT_EQ(serialize(copy), all);
 }
 
 // Not a mistake either: the count is cut to 16 bits, the records are all written.

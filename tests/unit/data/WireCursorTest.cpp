@@ -47,9 +47,15 @@ TEST(WireReaderTest, aRunThatIsTooLongIsNotRead) {
     WireReader reader(buffer.data(), buffer.length());
     EXPECT_EQ(reader.readBytes(4), nullptr);
     EXPECT_TRUE(reader.failed());
-    WireReader other(buffer.data(), buffer.length());
-    EXPECT_EQ(other.readBytes(static_cast<std::size_t>(-1)), nullptr);
-    EXPECT_TRUE(other.failed());
+}
+
+TEST(WireReaderTest, theLongestRunDoesNotWrapAround) {
+    ExactBuffer buffer(Bytes(3, 0x11));
+    WireReader reader(buffer.data(), buffer.length());
+    EXPECT_EQ(reader.readU16(), 0x1111u);
+    EXPECT_EQ(reader.readBytes(static_cast<std::size_t>(-1)), nullptr);
+    EXPECT_TRUE(reader.failed());
+    EXPECT_EQ(reader.position(), 2u);
 }
 
 TEST(WireWriterTest, writesBigEndianNumbersOneAfterTheOther) {
@@ -74,6 +80,16 @@ TEST(WireWriterTest, aWritePastTheEndIsDroppedForGood) {
         EXPECT_EQ(writer.position(), 0u) << size;
         EXPECT_EQ(buffer.bytes(), Bytes(size, 0xEE)) << size;
     }
+}
+
+TEST(WireWriterTest, onlyWhatIsLeftCanBeWritten) {
+    ExactBuffer buffer(4);
+    WireWriter writer(buffer.data(), buffer.length());
+    writer.writeU16(0x0102);
+    writer.writeBytes("abc", 3);
+    EXPECT_TRUE(writer.failed());
+    EXPECT_EQ(writer.position(), 2u);
+    EXPECT_EQ(buffer.bytes(), (Bytes{0x01, 0x02, 0xEE, 0xEE}));
 }
 
 TEST(WireWriterTest, nothingMayBeWrittenFromNowhere) {

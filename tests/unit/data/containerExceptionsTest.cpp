@@ -20,9 +20,9 @@ TEST(ContainerExceptionsTest, aDifferentBufferSizeNamesTheOperation) {
 
 // The exception carries the pointer and no copy, so a constant text stays readable in every copy.
 TEST(ContainerExceptionsTest, aTextTravelsAsThePointerItself) {
-    static const char text[] = "constant text";
-    const PException copy = PException(VeskUi::makeBufferTooSmall(19200, text));
-    EXPECT_EQ(copy.getArgument(0), reinterpret_cast<long>(&text[0]));
+    static const char TEXT[] = "constant text";
+    const PException copy = PException(VeskUi::makeBufferTooSmall(19200, TEXT));
+    EXPECT_EQ(copy.getArgument(0), reinterpret_cast<long>(&TEXT[0]));
 }
 
 }  // namespace VeskLib::Test

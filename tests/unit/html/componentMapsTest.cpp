@@ -6,9 +6,10 @@
 namespace VeskLib::Test {
 
 class ComponentMapsTest : public ScriptedTest {
-protected:
+public:
     ~ComponentMapsTest() override { Gui::deleteComponents(components); }
 
+protected:
     std::map<std::string, Gui::HTMLComponent*> components;
 };
 
@@ -24,6 +25,16 @@ TEST_F(ComponentMapsTest, aDisplacedComponentIsDeletedOnce) {
     EXPECT_THAT(calls({"insertIntoMap", "delete"}),
                 testing::ElementsAre("insertIntoMap name", "insertIntoMap name, which displaces",
                                      "delete old"));
+}
+
+TEST_F(ComponentMapsTest, aComponentThatCannotBeInsertedIsDeletedOnce) {
+    script.insertErrors["name"] = 7;
+    EXPECT_EQ(thrownDetail([&] {
+                  Gui::insertComponent(components, "name", std::make_unique<ProbeComponent>("1"));
+              }),
+              7);
+    EXPECT_THAT(calls(), testing::ElementsAre("new 1", "insertIntoMap fails for name", "delete 1"));
+    EXPECT_TRUE(components.empty());
 }
 
 TEST_F(ComponentMapsTest, deletesByNameAndEmptiesTheMap) {

@@ -19,7 +19,7 @@ TEST_F(EFIBackupRestoreMainTest, isMadeWithATraceLogTheFormAndTheCookie) {
 
 // On memory that is not zero, so that a field nobody sets shows.
 TEST_F(EFIBackupRestoreMainTest, everyFieldIsSetWhenMade) {
-    script.sessionText = "";
+    script.sessionText.reset();
     alignas(OpenMain) std::array<unsigned char, sizeof(OpenMain)> memory;
     memory.fill(0xA5);
     auto* object = new (memory.data()) OpenMain;

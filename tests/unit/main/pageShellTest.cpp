@@ -119,6 +119,23 @@ TEST_F(PageShellTest, anErrorWithANoticeRaisesTheAlertWhenTheErrorPageReturns) {
                                      "lmsg 107 [the partition status]"));
 }
 
+TEST_F(PageShellTest, anExceptionWhileFillingOrPrintingFreesThePageAndTheShell) {
+    for (const char* place : {"body", "css", "title", "java_script", "meta_frameid"}) {
+        script.insertErrors = {{place, 7}};
+        EXPECT_EQ(thrownDetail([] { run(); }), 7) << place;
+        EXPECT_THAT(Scripted::livingObjects(), testing::ElementsAre("FormInfo()")) << place;
+        EXPECT_EQ(output(), "") << place;
+        script.insertErrors.clear();
+        // The process's form data has been let go of; another request has its own.
+        delete Gui::FormInfo::myInstance;
+        Gui::FormInfo::myInstance = nullptr;
+    }
+    script.skeletonErrors["shell 1"] = 8;
+    EXPECT_EQ(thrownDetail([] { run(); }), 8);
+    EXPECT_THAT(Scripted::livingObjects(), testing::ElementsAre("FormInfo()"));
+    EXPECT_EQ(output(), "");
+}
+
 // The page is freed, the exception goes on to exec(), and nothing was printed.
 TEST_F(PageShellTest, anExceptionOfThePageConstructorLeavesNothing) {
     postRefusedBackup();

@@ -85,8 +85,8 @@ struct RefusedNumber {
     int number;
 };
 
-void PrintTo(const RefusedNumber& testCase, std::ostream* stream) {
-    *stream << "\"" << testCase.text << "\"";
+std::ostream& operator<<(std::ostream& stream, const RefusedNumber& testCase) {
+    return stream << "\"" << testCase.text << "\"";
 }
 
 class RefusedNumberTest : public RequestDispatchTest,

@@ -178,8 +178,8 @@ struct VersionCase {
     std::string part;
 };
 
-void PrintTo(const VersionCase& testCase, std::ostream* stream) {
-    *stream << testing::PrintToString(testCase.version);
+std::ostream& operator<<(std::ostream& stream, const VersionCase& testCase) {
+    return stream << testing::PrintToString(testCase.version);
 }
 
 class BackupVersionTest : public BackupTest, public testing::WithParamInterface<VersionCase> {};
@@ -207,8 +207,8 @@ struct DateCase {
     const char* part;
 };
 
-void PrintTo(const DateCase& testCase, std::ostream* stream) {
-    *stream << testCase.saveTime << " in " << testCase.timeZone;
+std::ostream& operator<<(std::ostream& stream, const DateCase& testCase) {
+    return stream << testCase.saveTime << " in " << testCase.timeZone;
 }
 
 class BackupDateTest : public BackupTest, public testing::WithParamInterface<DateCase> {};

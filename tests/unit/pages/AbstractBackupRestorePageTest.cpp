@@ -96,8 +96,8 @@ struct ErrorCodeCase {
     const char* text;
 };
 
-void PrintTo(const ErrorCodeCase& testCase, std::ostream* stream) {
-    *stream << testCase.errorCode << " by default " << testCase.defaultMessage;
+std::ostream& operator<<(std::ostream& stream, const ErrorCodeCase& testCase) {
+    return stream << testCase.errorCode << " by default " << testCase.defaultMessage;
 }
 
 class ErrorCodeTest : public AbstractBackupRestorePageTest,
@@ -164,6 +164,15 @@ TEST_F(AbstractBackupRestorePageTest, putsComponentsIntoRows) {
     TestPage::addToRow(row, "name", std::make_unique<ProbeComponent>("1"));
     row.printHTML();
     EXPECT_EQ(output(), "[/row.txt|name=1]");
+}
+
+TEST_F(AbstractBackupRestorePageTest, aComponentThatARowCannotTakeIsDeletedOnce) {
+    Gui::HTMLItem row("/row.txt");
+    script.insertErrors["name"] = 7;
+    EXPECT_EQ(thrownDetail(
+                  [&] { TestPage::addToRow(row, "name", std::make_unique<ProbeComponent>("1")); }),
+              7);
+    EXPECT_THAT(calls({"delete"}), testing::ElementsAre("delete 1"));
 }
 
 TEST_F(AbstractBackupRestorePageTest, buildsTheDisplayAndThenLetsGoOfTheForm) {

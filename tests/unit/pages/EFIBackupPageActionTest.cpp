@@ -42,8 +42,8 @@ TEST_F(EFIBackupPageActionTest, backsUpThenShowsTheListAndLetsGoOfTheForm) {
                        "new EFIConf", "insertIntoMap onload", "insertIntoMap filepath", "delete",
                        "getInfo", "insertIntoMap table", "terminate"}),
                 testing::ElementsAre(
-                    "makePage", "getFormData hidden_status", "getFormData radio_button",
-                    "getCGIPath /var/tmp/efi_backup", "getSessionId",
+                    "insertIntoMap onload_function", "makePage", "getFormData hidden_status",
+                    "getFormData radio_button", "getCGIPath /var/tmp/efi_backup", "getSessionId",
                     "creat /board/var/tmp/efi_backupS1 0666", "setInfo 0x020100A3 [00 00 00 03]",
                     "new EFIConfFile(/board/var/tmp/efi_backupS1)", "insertIntoMap filepath",
                     "insertIntoMap onload_function, which displaces",
@@ -111,8 +111,8 @@ struct ChoiceCase {
     const char* request;
 };
 
-void PrintTo(const ChoiceCase& testCase, std::ostream* stream) {
-    *stream << "\"" << testCase.posted << "\"";
+std::ostream& operator<<(std::ostream& stream, const ChoiceCase& testCase) {
+    return stream << "\"" << testCase.posted << "\"";
 }
 
 class ChoiceTest : public EFIBackupPageActionTest,
@@ -198,7 +198,7 @@ TEST_F(EFIBackupPageActionTest, anUnreadableHeaderLeavesTheConstructorAndFreesTh
 TEST_F(EFIBackupPageActionTest, twoBackupsOfASessionUseTheSameFile) {
     makePage();
     Gui::FormInfo secondForm;
-    EFIBackupPage(requester, secondForm, messageMgr, &displayMode);
+    const EFIBackupPage secondPage(requester, secondForm, messageMgr, &displayMode);
     EXPECT_THAT(calls({"creat"}), testing::ElementsAre("creat /board/var/tmp/efi_backupS1 0666",
                                                        "creat /board/var/tmp/efi_backupS1 0666"));
 }

@@ -131,6 +131,18 @@ TEST_F(EFIBackupPageTest, deletesEverythingWithIt) {
             "delete VeskTrace(1, 2, 29697)"));
 }
 
+// Wherever the building breaks off, nothing of the page stays behind.
+TEST_F(EFIBackupPageTest, anExceptionWhileBuildingFreesThePage) {
+    script.setPartitions({{true, "first", {}}, {true, "second", {}}});
+    const Calls held = Scripted::livingObjects();
+    for (const char* place : {"onload_function", "form_action", "item_part_name", "radio_button",
+                              "part_name", "table_pid"}) {
+        script.insertErrors = {{place, 7}};
+        EXPECT_EQ(thrownDetail([&] { makePage(); }), 7) << place;
+        EXPECT_EQ(Scripted::livingObjects(), held) << place;
+    }
+}
+
 // The number of partitions is asked again before every pass.
 TEST_F(EFIBackupPageTest, endsWhereTheBoardSaysAtThatMoment) {
     script.setPartitions(std::vector<Partition>(5, {true, "name", {}}));

@@ -39,9 +39,11 @@ std::string endedBy(Operation operation) {
 // A test on the scripted platform. What the program prints is kept. When the test is over, its
 // own members included, every platform object must have been deleted exactly once.
 class ScriptedTest : public testing::Test {
+public:
+    ~ScriptedTest() override;
+
 protected:
     ScriptedTest();
-    ~ScriptedTest() override;
 
     // Everything printed so far.
     std::string output() const { return printed.str(); }

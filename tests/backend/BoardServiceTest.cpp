@@ -1,0 +1,399 @@
+#include "board/backend/BoardService.h"
+
+#include "data/HardInstallInfoPacket.h"
+#include "data/requestNumbers.h"
+#include "platform/host/channel/BackendError.h"
+#include "platform/host/channel/Login.h"
+#include "platform/host/storage/ConfigurationFile.h"
+#include "platform/host/storage/obtainLock.h"
+#include "tests/backend/support/RootTest.h"
+#include "tests/backend/support/sampleBoard.h"
+
+#include <VeskLib/VeskUi/PartitionInfoPacket.h>
+#include <VeskLib/VeskUi/VersionInfoPacket.h>
+
+#include <crypt.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <ctime>
+#include <filesystem>
+
+namespace VeskLib::Test {
+
+using namespace Board;
+using namespace Host;
+
+namespace {
+
+const char* const SESSION = "0123456789abcdef";
+
+class BoardServiceTest : public RootTest {
+protected:
+    BoardServiceTest() {
+        std::filesystem::create_directory(at("state"));
+        crypt_data work = {};
+        const std::string hash = ::crypt_r("secret", "$1$saltsalt$", &work);
+        board.users.push_back({"admin", hash, false, ",105,106,"});
+        board.users.push_back({"root", hash, true, ""});
+    }
+
+    // Asks a back-end that finds the state that the last one left.
+    ReplyFrame ask(const RequestFrame& request) const {
+        ConfigurationStore store(at("state/configurations"), board);
+        return BoardService(board, store, lockPath).answer(request);
+    }
+
+    unsigned int code(RequestKind kind, unsigned int number, const Bytes& payload,
+                      const std::string& session = SESSION) const {
+        const ReplyFrame reply = ask({kind, number, session, payload});
+        EXPECT_TRUE(reply.errorCode == 0 || reply.payload.empty());
+        return reply.errorCode;
+    }
+
+    unsigned int backup(unsigned char partition) const {
+        return code(RequestKind::SET, VeskUi::SET_BACKUP, {0, 0, 0, partition});
+    }
+
+    unsigned int restore(const Bytes& targets) const {
+        Bytes payload = {0, static_cast<unsigned char>(targets.size())};
+        payload.insert(payload.end(), targets.begin(), targets.end());
+        return code(RequestKind::SET, VeskUi::SET_RESTORE, payload);
+    }
+
+    ReplyFrame login(const std::string& user, const std::string& password) const {
+        return ask({RequestKind::LOGIN, 0, "", encode(LoginRequest{user, password})});
+    }
+
+    // What the partition holds now.
+    std::string held(unsigned int partition) const {
+        const Bytes payload = ConfigurationStore(at("state/configurations"), board).read(partition);
+        return {payload.begin(), payload.end()};
+    }
+
+    std::string everythingHeld() const {
+        std::string all;
+        for (unsigned int partition = 0; partition < board.partitions.size(); ++partition) {
+            all += held(partition) + ";";
+        }
+        return all;
+    }
+
+    // Stages a file for the session.
+    void stage(const ConfigurationFile& file) const { writeBytes(stagingPath, encode(file)); }
+
+    static ConfigurationFile makeFile(const std::string& version, const std::string& payload) {
+        ConfigurationFile file;
+        file.saveTime = 1;
+        file.partition = 77;
+        file.version = version;
+        file.partitionName = "from elsewhere";
+        file.payload.assign(payload.begin(), payload.end());
+        return file;
+    }
+
+    const std::string lockPath = at("restore.lock");
+    const std::string backupPath = at(std::string("efi_backup") + SESSION);
+    const std::string stagingPath = at(std::string("restored_eficonf") + SESSION);
+    BoardDescription board = makeSampleBoard();
+    const std::string initial = "zero;one;two;three;four;;";
+};
+
+}  // namespace
+
+TEST_F(BoardServiceTest, partitionTableIsTheBoards) {
+    const ReplyFrame reply = ask({RequestKind::GET, VeskUi::GET_PARTITION_INFO, "", {}});
+    EXPECT_EQ(reply.errorCode, 0U);
+    VeskUi::PartitionInfoPacket packet;
+    ASSERT_TRUE(deserialize(packet, reply.payload));
+    EXPECT_TRUE(packet.isInstalled(0));
+    EXPECT_TRUE(packet.isInstalled(4));
+    EXPECT_FALSE(packet.isInstalled(5));
+    EXPECT_EQ(packet.getPartitionName(3), "Partition 3");
+    std::vector<unsigned char> ids;
+    packet.getNodeIds(3, ids);
+    EXPECT_EQ(ids, (Bytes{0x21, 3}));
+}
+
+TEST_F(BoardServiceTest, hardwareIsTheBoards) {
+    board.ioBoards[1] = true;
+    board.gspBoards[15] = true;
+    const ReplyFrame reply = ask({RequestKind::GET, VeskUi::GET_HARD_INSTALL_INFO, "", {}});
+    EXPECT_EQ(reply.errorCode, 0U);
+    VeskUi::HardInstallInfoPacket packet;
+    ASSERT_TRUE(deserialize(packet, reply.payload));
+    for (int number = 0; number < 16; ++number) {
+        EXPECT_EQ(packet.isInstalled(0, number), number < 5) << number;
+        EXPECT_EQ(packet.isHome(0, number, 0), number < 5 && number != 3) << number;
+        EXPECT_EQ(packet.isInstalled(1, number), number == 1) << number;
+        EXPECT_EQ(packet.isInstalled(2, number), number == 15) << number;
+    }
+}
+
+TEST_F(BoardServiceTest, versionsAreTheBoards) {
+    const ReplyFrame reply = ask({RequestKind::GET, VeskUi::GET_VERSION_INFO, "", {}});
+    EXPECT_EQ(reply.errorCode, 0U);
+    VeskUi::VersionInfoPacket packet;
+    ASSERT_TRUE(deserialize(packet, reply.payload));
+    EXPECT_EQ(packet.getBIOSVersion(0, 0), "1.23 B");
+    EXPECT_EQ(packet.getBIOSVersion(3, 0), "7.7");
+    EXPECT_EQ(packet.getBIOSVersion(15, 0), "-");
+}
+
+TEST_F(BoardServiceTest, unknownRequestIsRefused) {
+    for (const unsigned int number : {0U, 0x020100A3U, 0x02010030U, 0xFFFFFFFFU}) {
+        EXPECT_EQ(code(RequestKind::GET, number, {}), BACKEND_UNKNOWN_REQUEST) << number;
+    }
+    for (const unsigned int number : {0U, 0x0201002FU, 0x020100A5U}) {
+        EXPECT_EQ(code(RequestKind::SET, number, {}), BACKEND_UNKNOWN_REQUEST) << number;
+    }
+}
+
+TEST_F(BoardServiceTest, malformedPayloadIsRefused) {
+    EXPECT_EQ(code(RequestKind::GET, VeskUi::GET_PARTITION_INFO, {0}), BACKEND_MALFORMED_REQUEST);
+    for (const Bytes& payload : {Bytes{}, {0}, {0, 0, 0}, {0, 0, 0, 0, 0}}) {
+        EXPECT_EQ(code(RequestKind::SET, VeskUi::SET_BACKUP, payload), BACKEND_MALFORMED_REQUEST)
+            << payload.size();
+    }
+    for (const Bytes& payload : {Bytes{}, {0}, {0, 1}, {0, 2, 0}, {0, 1, 0, 0}, {0, 0, 0}}) {
+        EXPECT_EQ(code(RequestKind::SET, VeskUi::SET_RESTORE, payload), BACKEND_MALFORMED_REQUEST)
+            << payload.size();
+    }
+    for (const Bytes& payload : {Bytes{}, {0, 1}, {0, 1, 'a'}, {0, 0, 0, 0, 0}}) {
+        EXPECT_EQ(code(RequestKind::LOGIN, 0, payload), BACKEND_MALFORMED_REQUEST)
+            << payload.size();
+    }
+}
+
+TEST_F(BoardServiceTest, changeWithoutASessionIsRefused) {
+    stage(makeFile("1.0", "new"));
+    for (const char* session : {"", "0123456789abcde", "0123456789abcdeF", "../../etc/passwd",
+                                "0123456789abcdef-00112233445566778899aabbccddeeff"}) {
+        EXPECT_EQ(code(RequestKind::SET, VeskUi::SET_BACKUP, {0, 0, 0, 0}, session),
+                  BACKEND_NO_SESSION);
+        EXPECT_EQ(code(RequestKind::SET, VeskUi::SET_RESTORE, {0, 1, 0}, session),
+                  BACKEND_NO_SESSION);
+    }
+    EXPECT_EQ(everythingHeld(), initial);
+}
+
+TEST_F(BoardServiceTest, backupIsAFileOfThePartition) {
+    const std::time_t before = std::time(nullptr);
+    ASSERT_EQ(backup(1), 0U);
+    const std::time_t after = std::time(nullptr);
+    ConfigurationFile file;
+    ASSERT_TRUE(decode(readBytes(backupPath), file));
+    EXPECT_EQ(file.partition, 1U);
+    EXPECT_EQ(file.version, "1.9");
+    EXPECT_EQ(file.partitionName, "Partition 1");
+    EXPECT_EQ(file.payload, (Bytes{'o', 'n', 'e'}));
+    EXPECT_GE(file.saveTime, before);
+    EXPECT_LE(file.saveTime, after);
+    struct stat status = {};
+    ASSERT_EQ(::stat(backupPath.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode, S_IFREG | 0600U);
+}
+
+TEST_F(BoardServiceTest, backupReplacesWhatIsThereEvenALink) {
+    writeText(at("precious"), "untouched");
+    ASSERT_EQ(::symlink("precious", backupPath.c_str()), 0);
+    ASSERT_EQ(backup(4), 0U);  // running partitions can be saved
+    EXPECT_EQ(readText(at("precious")), "untouched");
+    ConfigurationFile file;
+    EXPECT_TRUE(decode(readBytes(backupPath), file));
+}
+
+TEST_F(BoardServiceTest, backupOfAPartitionWithoutHomeBoardHasAnUnknownVersion) {
+    ASSERT_EQ(backup(3), 0U);
+    ConfigurationFile file;
+    ASSERT_TRUE(decode(readBytes(backupPath), file));
+    EXPECT_EQ(file.version, "-");
+}
+
+TEST_F(BoardServiceTest, backupOfAPartitionThatIsNotThereIsRefused) {
+    EXPECT_EQ(backup(5), BACKEND_NO_PARTITION);
+    EXPECT_EQ(backup(6), BACKEND_NO_PARTITION);
+    EXPECT_EQ(code(RequestKind::SET, VeskUi::SET_BACKUP, {0xFF, 0xFF, 0xFF, 0xFF}),
+              BACKEND_NO_PARTITION);
+    EXPECT_FALSE(exists(backupPath));
+}
+
+TEST_F(BoardServiceTest, backupThatCannotBeStoredIsRefused) {
+    std::filesystem::create_directory(backupPath);
+    EXPECT_EQ(backup(0), BACKEND_NOT_STORED);
+}
+
+// A partition's name may have grown since it got its configuration.
+TEST_F(BoardServiceTest, backupThatDoesNotFitIntoAFileIsRefused) {
+    board.partitions[0].initialPayload.assign(LARGEST_CONFIGURATION_FILE, 'x');
+    EXPECT_EQ(backup(0), BACKEND_CONFIGURATION_SIZE);
+    EXPECT_FALSE(exists(backupPath));
+}
+
+TEST_F(BoardServiceTest, restoreGivesEveryTargetThePayloadAndNothingElse) {
+    stage(makeFile("1.0", "new"));
+    ASSERT_EQ(restore({0, 1, 3}), 0U);
+    EXPECT_EQ(everythingHeld(), "new;new;two;new;four;;");
+    EXPECT_TRUE(exists(stagingPath));
+
+    // Number, name and version stay the target's own.
+    ASSERT_EQ(backup(1), 0U);
+    ConfigurationFile file;
+    ASSERT_TRUE(decode(readBytes(backupPath), file));
+    EXPECT_EQ(file.partition, 1U);
+    EXPECT_EQ(file.partitionName, "Partition 1");
+    EXPECT_EQ(file.version, "1.9");
+    EXPECT_EQ(file.payload, (Bytes{'n', 'e', 'w'}));
+}
+
+TEST_F(BoardServiceTest, backupCanBeRestored) {
+    ASSERT_EQ(backup(0), 0U);
+    std::filesystem::rename(backupPath, stagingPath);
+    ASSERT_EQ(restore({1}), 0U);
+    EXPECT_EQ(everythingHeld(), "zero;zero;two;three;four;;");
+}
+
+TEST_F(BoardServiceTest, targetNamedTwiceCountsOnce) {
+    stage(makeFile("1.0", "new"));
+    EXPECT_EQ(restore({1, 1, 1}), 0U);
+    EXPECT_EQ(everythingHeld(), "zero;new;two;three;four;;");
+}
+
+TEST_F(BoardServiceTest, unfitTargetKeepsAllOthersFromBeingChanged) {
+    stage(makeFile("1.0", "new"));
+    EXPECT_EQ(restore({0, 1, 4}), BACKEND_PARTITION_RUNNING);
+    EXPECT_EQ(restore({0, 1, 2}), BACKEND_VERSION_DIFFERS);
+    EXPECT_EQ(restore({0, 1, 5}), BACKEND_NO_PARTITION);
+    EXPECT_EQ(restore({255, 1}), BACKEND_NO_PARTITION);
+    EXPECT_EQ(everythingHeld(), initial);
+}
+
+TEST_F(BoardServiceTest, onlyTheMajorNumberOfTheVersionCounts) {
+    const struct {
+        const char* fileVersion;
+        unsigned int code;  // against "1.23 B"
+    } cases[] = {
+        {"1", 0},
+        {"1.", 0},
+        {"1.99", 0},
+        {"-", 0},
+        {"-1.0", 0},
+        {"", BACKEND_VERSION_DIFFERS},
+        {"10.23", BACKEND_VERSION_DIFFERS},
+        {"01.23", BACKEND_VERSION_DIFFERS},
+        {"1 .23", BACKEND_VERSION_DIFFERS},
+        {"2.0", BACKEND_VERSION_DIFFERS},
+    };
+    for (const auto& [fileVersion, expected] : cases) {
+        stage(makeFile(fileVersion, "new"));
+        EXPECT_EQ(restore({0}), expected) << fileVersion;
+    }
+    // A target whose version is not known takes any.
+    stage(makeFile("99.0", "any"));
+    EXPECT_EQ(restore({3}), 0U);
+}
+
+TEST_F(BoardServiceTest, emptyListIsRefused) {
+    stage(makeFile("1.0", "new"));
+    EXPECT_EQ(restore({}), BACKEND_NO_TARGETS);
+    EXPECT_EQ(everythingHeld(), initial);
+}
+
+TEST_F(BoardServiceTest, stagedFileThatCannotBeUsedIsRefused) {
+    EXPECT_EQ(restore({0}), BACKEND_FILE_UNUSABLE);
+
+    Bytes bytes = encode(makeFile("1.0", "new"));
+    bytes.back() ^= 1;
+    writeBytes(stagingPath, bytes);
+    EXPECT_EQ(restore({0}), BACKEND_FILE_UNUSABLE);
+
+    writeText(stagingPath, "");
+    EXPECT_EQ(restore({0}), BACKEND_FILE_UNUSABLE);
+
+    std::filesystem::remove(stagingPath);
+    writeBytes(at("elsewhere"), encode(makeFile("1.0", "new")));
+    ASSERT_EQ(::symlink("elsewhere", stagingPath.c_str()), 0);
+    EXPECT_EQ(restore({0}), BACKEND_FILE_UNUSABLE);
+
+    std::filesystem::remove(stagingPath);
+    ASSERT_EQ(::mkfifo(stagingPath.c_str(), 0600), 0);
+    EXPECT_EQ(restore({0}), BACKEND_FILE_UNUSABLE);
+    EXPECT_EQ(everythingHeld(), initial);
+}
+
+TEST_F(BoardServiceTest, anotherSessionsFileIsNotUsed) {
+    writeBytes(at("restored_eficonfffffffffffffffff"), encode(makeFile("1.0", "new")));
+    EXPECT_EQ(restore({0}), BACKEND_FILE_UNUSABLE);
+}
+
+// A configuration from a partition with a short name may be too large for one with a long name.
+TEST_F(BoardServiceTest, configurationThatATargetCouldNotGiveBackIsRefused) {
+    ConfigurationFile file;
+    file.version = "1";
+    file.payload.assign(LARGEST_CONFIGURATION_FILE - 32 - file.version.size(), 'x');
+    stage(file);
+    EXPECT_EQ(restore({0}), BACKEND_CONFIGURATION_SIZE);
+    EXPECT_EQ(everythingHeld(), initial);
+}
+
+TEST_F(BoardServiceTest, restoreWhileAnotherIsUnderWayIsRefused) {
+    stage(makeFile("1.0", "new"));
+    const int lock = obtainLock(lockPath, 0);
+    EXPECT_EQ(restore({0}), BACKEND_RESTORE_BUSY);
+    EXPECT_EQ(backup(0), 0U);
+    EXPECT_EQ(everythingHeld(), initial);
+    ::close(lock);
+    EXPECT_EQ(restore({0}), 0U);
+}
+
+TEST_F(BoardServiceTest, lockThatCannotBeUsedRefusesARestore) {
+    stage(makeFile("1.0", "new"));
+    std::filesystem::create_directory(lockPath);
+    EXPECT_EQ(restore({0}), BACKEND_NOT_STORED);
+    EXPECT_EQ(everythingHeld(), initial);
+}
+
+TEST_F(BoardServiceTest, restoreThatCannotBeStoredIsRefused) {
+    stage(makeFile("1.0", "new"));
+    ConfigurationStore store(at("state/configurations"), board);
+    BoardService service(board, store, lockPath);
+    std::filesystem::rename(at("state"), at("away"));
+    const ReplyFrame reply =
+        service.answer({RequestKind::SET, VeskUi::SET_RESTORE, SESSION, {0, 2, 0, 1}});
+    std::filesystem::rename(at("away"), at("state"));
+    EXPECT_EQ(reply.errorCode, BACKEND_NOT_STORED);
+    EXPECT_EQ(store.read(0), (Bytes{'z', 'e', 'r', 'o'}));
+    EXPECT_EQ(everythingHeld(), initial);
+}
+
+TEST_F(BoardServiceTest, loginTellsTheUsersRights) {
+    const ReplyFrame admin = login("admin", "secret");
+    EXPECT_EQ(admin.errorCode, 0U);
+    LoginAnswer answer;
+    ASSERT_TRUE(decode(admin.payload, answer));
+    EXPECT_FALSE(answer.everyFunction);
+    EXPECT_EQ(answer.functions, ",105,106,");
+
+    ASSERT_TRUE(decode(login("root", "secret").payload, answer));
+    EXPECT_TRUE(answer.everyFunction);
+    EXPECT_EQ(answer.functions, "");
+}
+
+TEST_F(BoardServiceTest, wrongNameAndWrongPasswordHaveOneCode) {
+    EXPECT_EQ(login("admin", "wrong").errorCode, BACKEND_LOGIN_REFUSED);
+    EXPECT_EQ(login("nobody", "secret").errorCode, BACKEND_LOGIN_REFUSED);
+}
+
+TEST_F(BoardServiceTest, logHoldsTheReasonOfARefusalButNothingOfALogin) {
+    testing::internal::CaptureStderr();
+    login("tYpedPassword", "pAssword");
+    login("admin", "pAssword");
+    backup(5);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "efi_backend: login refused with 1607: wrong name or password\n"
+              "efi_backend: login refused with 1607: wrong name or password\n"
+              "efi_backend: request 0x020100A3 refused with 1602: there is no partition 5\n");
+}
+
+}  // namespace VeskLib::Test

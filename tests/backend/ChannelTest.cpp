@@ -1,0 +1,288 @@
+#include "platform/host/channel/Channel.h"
+
+#include "platform/host/base/SystemPath.h"
+#include "tests/backend/support/RootTest.h"
+#include "tests/backend/support/ScriptedServer.h"
+
+#include <VeskLib/getCGIPath.h>
+
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <thread>
+
+namespace VeskLib::Test {
+
+using namespace Host;
+
+namespace {
+
+// For what must not time out, however slow the machine; and for what must.
+const int LONG = 60000;
+const int SHORT = 50;
+
+RequestFrame makeRequest() {
+    return {RequestKind::GET, 0x0201002F, "0123456789abcdef", {}};
+}
+
+Bytes makeReply() {
+    return framed(encode(ReplyFrame{0, {1, 2, 3, 4, 5}}));
+}
+
+// What the channel says to a back-end that takes the request and then does as `script` says. The
+// reply must stay untouched unless it is 0.
+int codeFor(const std::function<void(int client)>& script, int deadline = LONG) {
+    const ScriptedServer server([&script](int client) {
+        receiveFramed(client);
+        script(client);
+    });
+    Channel channel(deadline);
+    ReplyFrame reply = {77, {7}};
+    const int code = channel.exchange(makeRequest(), reply);
+    EXPECT_TRUE(code == 0 || (reply.errorCode == 77 && reply.payload == Bytes{7}));
+    ReplyFrame second;
+    EXPECT_TRUE(code == 0 || channel.exchange(makeRequest(), second) == code);
+    return code;
+}
+
+int codeForReply(const Bytes& bytes) {
+    return codeFor([&bytes](int client) { sendBytes(client, bytes); });
+}
+
+class ChannelTest : public RootTest {
+protected:
+};
+
+}  // namespace
+
+TEST_F(ChannelTest, sendsARequestAndReceivesItsReply) {
+    Bytes received;
+    ReplyFrame reply;
+    {
+        const ScriptedServer server([&received](int client) {
+            received = receiveFramed(client);
+            sendBytes(client, makeReply());
+        });
+        Channel channel(LONG);
+        EXPECT_EQ(channel.exchange(makeRequest(), reply), 0);
+    }
+    EXPECT_EQ(received, framed(encode(makeRequest())));
+    EXPECT_EQ(reply.errorCode, 0U);
+    EXPECT_EQ(reply.payload, (Bytes{1, 2, 3, 4, 5}));
+}
+
+TEST_F(ChannelTest, requestLeavesInOnePiece) {
+    std::size_t first = 0;
+    {
+        const ScriptedServer server([&first](int client) {
+            Bytes piece(1000);
+            const ssize_t count = ::recv(client, piece.data(), piece.size(), 0);
+            first = static_cast<std::size_t>(count);
+            sendBytes(client, makeReply());
+        });
+        Channel channel(LONG);
+        ReplyFrame reply;
+        EXPECT_EQ(channel.exchange(makeRequest(), reply), 0);
+    }
+    EXPECT_EQ(first, framed(encode(makeRequest())).size());
+}
+
+TEST_F(ChannelTest, replyMayComeInPieces) {
+    for (const std::size_t pieceSize : {1U, 2U, 4U}) {
+        EXPECT_EQ(codeFor([pieceSize](int client) {
+                      const Bytes reply = makeReply();
+                      for (std::size_t at = 0; at < reply.size(); at += pieceSize) {
+                          const std::size_t end = std::min(at + pieceSize, reply.size());
+                          sendBytes(client, {reply.begin() + static_cast<long>(at),
+                                             reply.begin() + static_cast<long>(end)});
+                          std::this_thread::yield();
+                      }
+                  }),
+                  0);
+    }
+}
+
+TEST_F(ChannelTest, severalExchangesUseOneConnection) {
+    const ScriptedServer server([](int client) {
+        for (int i = 0; i < 3; ++i) {
+            receiveFramed(client);
+            sendBytes(client, makeReply());
+        }
+    });
+    Channel channel(LONG);
+    for (int i = 0; i < 3; ++i) {
+        ReplyFrame reply;
+        EXPECT_EQ(channel.exchange(makeRequest(), reply), 0);
+    }
+}
+
+TEST_F(ChannelTest, refusalIsTheBackendsCodeAndLeavesTheChannelUsable) {
+    const ScriptedServer server([](int client) {
+        receiveFramed(client);
+        sendBytes(client, framed(encode(ReplyFrame{1551, {9}})));
+        receiveFramed(client);
+        sendBytes(client, makeReply());
+    });
+    Channel channel(LONG);
+    ReplyFrame reply = {0, {7}};
+    EXPECT_EQ(channel.exchange(makeRequest(), reply), 1551);
+    EXPECT_EQ(reply.payload, Bytes{7});
+    EXPECT_EQ(channel.exchange(makeRequest(), reply), 0);
+    EXPECT_EQ(reply.payload.size(), 5U);
+}
+
+TEST_F(ChannelTest, missingSocketIsUnreachableForGood) {
+    Channel channel(LONG);
+    ReplyFrame reply;
+    EXPECT_EQ(channel.exchange(makeRequest(), reply), CHANNEL_UNREACHABLE);
+    const ScriptedServer server([](int client) { waitForEnd(client); });
+    EXPECT_EQ(channel.exchange(makeRequest(), reply), CHANNEL_UNREACHABLE);
+}
+
+TEST_F(ChannelTest, staleSocketIsUnreachable) {
+    ::close(openBoardSocket(1));
+    Channel channel(LONG);
+    ReplyFrame reply;
+    EXPECT_EQ(channel.exchange(makeRequest(), reply), CHANNEL_UNREACHABLE);
+}
+
+TEST_F(ChannelTest, fileInPlaceOfTheSocketIsUnreachable) {
+    writeText(getCGIPath(BACKEND_SOCKET), "");
+    Channel channel(LONG);
+    ReplyFrame reply;
+    EXPECT_EQ(channel.exchange(makeRequest(), reply), CHANNEL_UNREACHABLE);
+}
+
+TEST_F(ChannelTest, silentBackendIsATimeout) {
+    EXPECT_EQ(codeFor(waitForEnd, SHORT), CHANNEL_TIMEOUT);
+}
+
+TEST_F(ChannelTest, lateRestOfAReplyIsATimeout) {
+    for (const std::size_t size : {1U, 3U, 4U, 5U, 12U}) {
+        EXPECT_EQ(codeFor(
+                      [size](int client) {
+                          sendBytes(client, cut(makeReply(), size));
+                          waitForEnd(client);
+                      },
+                      SHORT),
+                  CHANNEL_TIMEOUT)
+            << size;
+    }
+}
+
+// A back-end that sends a byte now and then must not stretch the deadline.
+TEST_F(ChannelTest, deadlineIsForTheWholeExchange) {
+    EXPECT_EQ(codeFor(
+                  [](int client) {
+                      const Bytes reply = framed(Bytes(1000, 0));
+                      for (const unsigned char byte : reply) {
+                          unsigned char ignored = 0;
+                          if (::recv(client, &ignored, 1, MSG_DONTWAIT) == 0) {
+                              break;
+                          }
+                          sendBytes(client, {byte});
+                          std::this_thread::sleep_for(std::chrono::milliseconds(5));
+                      }
+                  },
+                  SHORT),
+              CHANNEL_TIMEOUT);
+}
+
+TEST_F(ChannelTest, backendThatTakesNothingIsATimeout) {
+    const ScriptedServer server([](int client) {
+        // Not even a byte: the request is larger than what the socket holds.
+        unsigned char byte = 0;
+        ::recv(client, &byte, 1, MSG_PEEK);
+        waitForHangUp(client);
+    });
+    Channel channel(SHORT);
+    RequestFrame request = makeRequest();
+    request.payload.resize(LARGEST_FRAME - 100);
+    ReplyFrame reply;
+    EXPECT_EQ(channel.exchange(request, reply), CHANNEL_TIMEOUT);
+}
+
+TEST_F(ChannelTest, fullQueueOfTheBackendIsATimeout) {
+    const int listener = openBoardSocket(0);
+    std::vector<int> waiting;
+    for (int i = 0; i < 2; ++i) {
+        waiting.push_back(connectToBoardWithoutWaiting());
+    }
+    Channel channel(SHORT);
+    ReplyFrame reply;
+    EXPECT_EQ(channel.exchange(makeRequest(), reply), CHANNEL_TIMEOUT);
+    for (const int client : waiting) {
+        ::close(client);
+    }
+    ::close(listener);
+}
+
+TEST_F(ChannelTest, replyTornAtAnyByteIsBroken) {
+    const Bytes whole = makeReply();
+    for (std::size_t size = 0; size < whole.size(); ++size) {
+        EXPECT_EQ(codeForReply(cut(whole, size)), CHANNEL_BROKEN) << size;
+    }
+}
+
+// Without MSG_NOSIGNAL this test would be killed by SIGPIPE.
+TEST_F(ChannelTest, backendThatHangsUpIsBroken) {
+    const ScriptedServer server([](int) {});
+    Channel channel(LONG);
+    RequestFrame request = makeRequest();
+    request.payload.resize(LARGEST_FRAME - 100);
+    ReplyFrame reply;
+    EXPECT_EQ(channel.exchange(request, reply), CHANNEL_BROKEN);
+}
+
+TEST_F(ChannelTest, oversizedReplyIsMalformedWithoutWaitingForIt) {
+    for (const char* length : {"00 10 00 01", "7F FF FF FF", "FF FF FF FF"}) {
+        EXPECT_EQ(codeFor([length](int client) {
+                      sendBytes(client, fromHexadecimal(length));
+                      waitForEnd(client);
+                  }),
+                  CHANNEL_MALFORMED)
+            << length;
+    }
+}
+
+TEST_F(ChannelTest, largestReplyIsReceived) {
+    EXPECT_EQ(codeForReply(framed(Bytes(LARGEST_FRAME, 0))), 0);
+}
+
+TEST_F(ChannelTest, frameTooShortForAReplyIsMalformed) {
+    for (std::size_t size = 0; size < 4; ++size) {
+        EXPECT_EQ(codeForReply(framed(Bytes(size))), CHANNEL_MALFORMED) << size;
+    }
+}
+
+TEST_F(ChannelTest, oversizedRequestIsNotSentAndLeavesTheChannelUsable) {
+    const ScriptedServer server([](int client) {
+        receiveFramed(client);
+        sendBytes(client, makeReply());
+    });
+    Channel channel(LONG);
+    RequestFrame request = makeRequest();
+    request.payload.resize(LARGEST_FRAME);
+    ReplyFrame reply;
+    EXPECT_EQ(channel.exchange(request, reply), CHANNEL_MALFORMED);
+    EXPECT_EQ(channel.exchange(makeRequest(), reply), 0);
+}
+
+TEST_F(ChannelTest, depthOfTheRootDoesNotMatter) {
+    const std::string deep = at(std::string(100, 'd') + "/" + std::string(100, 'e'));
+    std::filesystem::create_directories(deep + "/var/run");
+    ::setenv("BOARD_ROOT", deep.c_str(), 1);
+    EXPECT_EQ(codeForReply(makeReply()), 0);
+
+    std::filesystem::remove_all(deep);
+    Channel channel(LONG);
+    ReplyFrame reply;
+    EXPECT_EQ(channel.exchange(makeRequest(), reply), CHANNEL_UNREACHABLE);
+}
+
+}  // namespace VeskLib::Test

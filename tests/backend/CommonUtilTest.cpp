@@ -1,0 +1,68 @@
+#include <VeskLib/CommonUtil.h>
+
+#include "platform/host/channel/BoardProperties.h"
+#include "tests/backend/support/RootTest.h"
+#include "tests/support/BoardTest.h"
+#include "tests/support/ChildProcess.h"
+
+#include <gtest/gtest.h>
+
+namespace VeskLib::Test {
+
+namespace {
+
+const char* const BOARD_PROPERTIES = "/var/run/board_properties";
+
+class CommonUtilTest : public RootTest {
+protected:
+    // What a new process is told while the properties file holds `text`.
+    unsigned int numberFor(const std::string& text) {
+        writeText(boardFile(BOARD_PROPERTIES), text);
+        return numberInNewProcess();
+    }
+
+    // The number is read once per process, so each question needs one of its own.
+    static unsigned int numberInNewProcess() {
+        const ChildResult result =
+            runInChild([] { return static_cast<int>(CommonUtil::getMaxPartitionNum()); });
+        EXPECT_EQ(result.signal, 0);
+        return static_cast<unsigned int>(result.exitStatus);
+    }
+};
+
+}  // namespace
+
+TEST_F(CommonUtilTest, numberIsTheBoards) {
+    EXPECT_EQ(numberFor("max_partitions=8\n"), 8U);
+    EXPECT_EQ(numberFor("other=1\nmax_partitions=16\nmore=2\n"), 16U);
+    EXPECT_EQ(numberFor("max_partitions=4"), 4U);
+    EXPECT_EQ(numberFor("max_partitions=0\n"), 0U);
+}
+
+TEST_F(CommonUtilTest, numberIsZeroWhenTheBoardDoesNotTell) {
+    EXPECT_EQ(numberInNewProcess(), 0U);
+    for (const char* text : {"", "max_partitions=\n", "max_partitions=x\n", "max_partitions=8x\n",
+                             "max_partitions=-1\n", "max_partitions=99999999999\n", "8\n"}) {
+        EXPECT_EQ(numberFor(text), 0U) << text;
+    }
+}
+
+TEST_F(CommonUtilTest, numberDoesNotChangeWithinAProcess) {
+    writeText(boardFile(BOARD_PROPERTIES), "max_partitions=8\n");
+    const ChildResult result = runInChild([] {
+        const unsigned int before = CommonUtil::getMaxPartitionNum();
+        writeText(boardFile(BOARD_PROPERTIES), "max_partitions=5\n");
+        return before == 8 && CommonUtil::getMaxPartitionNum() == 8 ? 0 : 1;
+    });
+    EXPECT_EQ(result.exitStatus, 0) << result.errors;
+}
+
+TEST(BoardProperties, areReadBack) {
+    const Bytes bytes = encode(Host::BoardProperties{8});
+    EXPECT_EQ(std::string(bytes.begin(), bytes.end()), "max_partitions=8\n");
+    Host::BoardProperties properties;
+    ASSERT_TRUE(decode(bytes, properties));
+    EXPECT_EQ(properties.maxPartitions, 8U);
+}
+
+}  // namespace VeskLib::Test

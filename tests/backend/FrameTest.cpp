@@ -1,0 +1,104 @@
+#include "platform/host/channel/Frame.h"
+
+#include "data/requestNumbers.h"
+#include "tests/backend/support/hexadecimalText.h"
+
+#include <gtest/gtest.h>
+
+namespace VeskLib::Test {
+
+using namespace Host;
+
+namespace {
+
+const char* const SESSION = "0123456789abcdef";
+const char* const SESSION_BYTES = "30 31 32 33 34 35 36 37 38 39 61 62 63 64 65 66";
+
+RequestFrame makeBackupRequest() {
+    return {RequestKind::SET, VeskUi::SET_BACKUP, SESSION, {0, 0, 0, 3}};
+}
+
+void expectEqual(const RequestFrame& actual, const RequestFrame& expected) {
+    EXPECT_EQ(actual.kind, expected.kind);
+    EXPECT_EQ(actual.number, expected.number);
+    EXPECT_EQ(actual.sessionIdentifier, expected.sessionIdentifier);
+    EXPECT_EQ(actual.payload, expected.payload);
+}
+
+// The smallest whole request: kind, number, an empty session identifier.
+const std::size_t REQUEST_HEAD = 7;
+
+}  // namespace
+
+TEST(Frame, requestHasItsBytes) {
+    EXPECT_EQ(toHexadecimal(encode(makeBackupRequest())),
+              "02 02 01 00 A3 00 10 " + std::string(SESSION_BYTES) + " 00 00 00 03");
+}
+
+TEST(Frame, requestWithoutSessionAndPayloadHasItsBytes) {
+    EXPECT_EQ(
+        toHexadecimal(encode(RequestFrame{RequestKind::GET, VeskUi::GET_VERSION_INFO, "", {}})),
+        "01 02 01 02 01 00 00");
+    EXPECT_EQ(toHexadecimal(encode(RequestFrame{RequestKind::LOGIN, 0, "", {0, 0, 0, 0}})),
+              "03 00 00 00 00 00 00 00 00 00 00");
+}
+
+TEST(Frame, replyHasItsBytes) {
+    EXPECT_EQ(toHexadecimal(encode(ReplyFrame{0, {}})), "00 00 00 00");
+    EXPECT_EQ(toHexadecimal(encode(ReplyFrame{1551, {}})), "00 00 06 0F");
+    EXPECT_EQ(toHexadecimal(encode(ReplyFrame{0, {0x41, 0x42}})), "00 00 00 00 41 42");
+}
+
+TEST(Frame, requestIsReadBack) {
+    RequestFrame read;
+    ASSERT_TRUE(decode(encode(makeBackupRequest()), read));
+    expectEqual(read, makeBackupRequest());
+}
+
+TEST(Frame, replyIsReadBack) {
+    ReplyFrame read;
+    ASSERT_TRUE(decode(fromHexadecimal("00 00 04 17 01 02 03"), read));
+    EXPECT_EQ(read.errorCode, 1047U);
+    EXPECT_EQ(read.payload, (Bytes{1, 2, 3}));
+}
+
+TEST(Frame, requestCutWithinItsHeadIsRefused) {
+    const Bytes whole = encode(makeBackupRequest());
+    const std::size_t payloadStart = whole.size() - makeBackupRequest().payload.size();
+    for (std::size_t size = 0; size < payloadStart; ++size) {
+        RequestFrame read = {RequestKind::LOGIN, 77, "untouched", {9}};
+        EXPECT_FALSE(decode(cut(whole, size), read)) << size;
+        expectEqual(read, {RequestKind::LOGIN, 77, "untouched", {9}});
+    }
+}
+
+// A frame's own length tells where its payload ends, so a shorter payload is a frame as well: what
+// the payload must hold is the business of whoever reads it.
+TEST(Frame, requestCutWithinItsPayloadIsAShorterRequest) {
+    const Bytes whole = encode(makeBackupRequest());
+    for (std::size_t missing = 0; missing <= 4; ++missing) {
+        RequestFrame read;
+        ASSERT_TRUE(decode(cut(whole, whole.size() - missing), read)) << missing;
+        EXPECT_EQ(read.payload, cut({0, 0, 0, 3}, 4 - missing));
+    }
+}
+
+TEST(Frame, replyOfFewerThanFourBytesIsRefused) {
+    for (std::size_t size = 0; size < 4; ++size) {
+        ReplyFrame read = {5, {6}};
+        EXPECT_FALSE(decode(Bytes(size), read)) << size;
+        EXPECT_EQ(read.errorCode, 5U);
+        EXPECT_EQ(read.payload, (Bytes{6}));
+    }
+}
+
+TEST(Frame, onlyTheThreeKindsAreRequests) {
+    for (unsigned int kind = 0; kind < 256; ++kind) {
+        Bytes bytes(REQUEST_HEAD);
+        bytes[0] = static_cast<unsigned char>(kind);
+        RequestFrame read;
+        EXPECT_EQ(decode(bytes, read), kind >= 1 && kind <= 3) << kind;
+    }
+}
+
+}  // namespace VeskLib::Test

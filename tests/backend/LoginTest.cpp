@@ -1,0 +1,71 @@
+#include "platform/host/channel/Login.h"
+
+#include "tests/backend/support/hexadecimalText.h"
+
+#include <gtest/gtest.h>
+
+namespace VeskLib::Test {
+
+using namespace Host;
+
+namespace {}  // namespace
+
+TEST(Login, requestHasItsBytes) {
+    EXPECT_EQ(toHexadecimal(encode(LoginRequest{"admin", "pass"})),
+              "00 05 61 64 6D 69 6E 00 04 70 61 73 73");
+}
+
+TEST(Login, answerHasItsBytes) {
+    EXPECT_EQ(toHexadecimal(encode(LoginAnswer{false, ",105,106,"})),
+              "00 00 09 2C 31 30 35 2C 31 30 36 2C");
+    EXPECT_EQ(toHexadecimal(encode(LoginAnswer{true, ""})), "01 00 00");
+}
+
+TEST(Login, requestIsReadBack) {
+    LoginRequest read;
+    ASSERT_TRUE(decode(encode(LoginRequest{"admin", ""}), read));
+    EXPECT_EQ(read.user, "admin");
+    EXPECT_EQ(read.password, "");
+}
+
+TEST(Login, answerIsReadBack) {
+    LoginAnswer read;
+    ASSERT_TRUE(decode(encode(LoginAnswer{true, ",105,"}), read));
+    EXPECT_TRUE(read.everyFunction);
+    EXPECT_EQ(read.functions, ",105,");
+}
+
+TEST(Login, truncatedRequestIsRefused) {
+    const Bytes whole = encode(LoginRequest{"admin", "pass"});
+    for (std::size_t size = 0; size < whole.size(); ++size) {
+        LoginRequest read = {"before", "kept"};
+        EXPECT_FALSE(decode(cut(whole, size), read)) << size;
+        EXPECT_EQ(read.user + read.password, "beforekept");
+    }
+}
+
+TEST(Login, truncatedAnswerIsRefused) {
+    const Bytes whole = encode(LoginAnswer{true, ",105,106,"});
+    for (std::size_t size = 0; size < whole.size(); ++size) {
+        LoginAnswer read = {false, "kept"};
+        EXPECT_FALSE(decode(cut(whole, size), read)) << size;
+        EXPECT_FALSE(read.everyFunction);
+        EXPECT_EQ(read.functions, "kept");
+    }
+}
+
+TEST(Login, trailingByteIsRefused) {
+    LoginRequest request;
+    EXPECT_FALSE(decode(fromHexadecimal("00 01 61 00 01 62 00"), request));
+    LoginAnswer answer;
+    EXPECT_FALSE(decode(fromHexadecimal("01 00 00 00"), answer));
+}
+
+// Anything but 0 and 1 must not be taken for a right.
+TEST(Login, answerWithAnotherFlagIsRefused) {
+    LoginAnswer answer;
+    EXPECT_FALSE(decode(fromHexadecimal("02 00 00"), answer));
+    EXPECT_FALSE(answer.everyFunction);
+}
+
+}  // namespace VeskLib::Test

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <csignal>
+#include <string>
+#include <vector>
+
+namespace VeskLib::Test {
+
+// The real daemon as a process of its own.
+class BackendProcess {
+public:
+    explicit BackendProcess(const std::vector<std::string>& arguments);
+
+    // On a root, with a board description file.
+    BackendProcess(const std::string& root, const std::string& boardFile);
+    BackendProcess(const BackendProcess&) = delete;
+    BackendProcess& operator=(const BackendProcess&) = delete;
+
+    // Kills the daemon when it still runs.
+    ~BackendProcess();
+
+    // Waits for the line "ready". False when the daemon ended instead.
+    bool waitUntilReady();
+
+    // Sends a signal and waits for the end: the exit status, or minus the signal that ended it.
+    int stop(int signal = SIGTERM);
+
+    // Waits for the end without a signal.
+    int waitForEnd();
+
+    // What it wrote to standard error; known after its end.
+    const std::string& errors() const { return errorText; }
+
+private:
+    void start(std::vector<std::string> arguments);
+
+    pid_t process = -1;
+    int output = -1;
+    int errorOutput = -1;
+    std::string errorText;
+};
+
+}  // namespace VeskLib::Test

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "tests/support/TemporaryRoot.h"
+#include "tests/support/files.h"
+#include "tests/unit/support/wireBytes.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace VeskLib::Test {
+
+// A test on a board's root of its own, with a folder to work in.
+class RootTest : public testing::Test {
+protected:
+    // The path of `name` in the folder.
+    static std::string at(const std::string& name);
+
+    // What is in the folder, sorted.
+    static std::vector<std::string> names();
+
+private:
+    const TemporaryRoot root = TemporaryRoot({}, {});
+};
+
+void writeBytes(const std::string& path, const Bytes& bytes);
+Bytes readBytes(const std::string& path);
+
+}  // namespace VeskLib::Test

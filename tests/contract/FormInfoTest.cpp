@@ -1,0 +1,156 @@
+#include <VeskLib/Gui/FormInfo.h>
+
+#include "tests/support/ChildProcess.h"
+
+#include <VeskLib/PException.h>
+
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <iostream>
+
+namespace VeskLib::Test {
+
+using Gui::FormInfo;
+
+namespace {
+
+ChildSetup getRequest(const std::string& query) {
+    return {.environment = {{"REQUEST_METHOD", "GET"}, {"QUERY_STRING", query}}, .input = {}};
+}
+
+ChildSetup postRequest(const std::string& body, const std::string& query = "") {
+    return {.environment = {{"REQUEST_METHOD", "POST"},
+                            {"QUERY_STRING", query},
+                            {"CONTENT_TYPE", "application/x-www-form-urlencoded"},
+                            {"CONTENT_LENGTH", std::to_string(body.size())}},
+            .input = body};
+}
+
+// The field as the program finds it: its value in brackets, "absent", or "refused" for a request
+// that throws. `value` holds "unchanged" before.
+std::string ask(const FormInfo& formInfo, const std::string& name) {
+    std::string value = "unchanged";
+    try {
+        const bool found = formInfo.getFormData(name, value);
+        return found ? "[" + value + "]" : "absent, " + value;
+    } catch (const PException&) {
+        return "refused";
+    }
+}
+
+// The answer to one question in a process of its own.
+std::string answer(const ChildSetup& request, const std::string& name) {
+    const ChildResult result = runInChild(
+        [&name] {
+            std::cout << ask(FormInfo(), name);
+            return 0;
+        },
+        request);
+    EXPECT_EQ(result.exitStatus, 0) << result.errors;
+    return result.output;
+}
+
+}  // namespace
+
+TEST(FormInfoTest, readsTheQueryString) {
+    EXPECT_EQ(answer(getRequest("functionID=105"), "functionID"), "[105]");
+    EXPECT_EQ(answer(getRequest("a=1&functionID=0105&b=2"), "functionID"), "[0105]");
+}
+
+TEST(FormInfoTest, readsAPostedForm) {
+    EXPECT_EQ(answer(postRequest("hidden_status=BACKUP&radio_button=3"), "radio_button"), "[3]");
+}
+
+TEST(FormInfoTest, anAbsentFieldLeavesTheValueAsItIs) {
+    EXPECT_EQ(answer(getRequest("functionID=105"), "function"), "absent, unchanged");
+    EXPECT_EQ(answer(getRequest("functionID=105"), "functionid"), "absent, unchanged");
+    EXPECT_EQ(answer(getRequest(""), "functionID"), "absent, unchanged");
+    EXPECT_EQ(answer({}, "functionID"), "absent, unchanged");
+}
+
+TEST(FormInfoTest, aValueMayBeEmpty) {
+    EXPECT_EQ(answer(getRequest("functionID="), "functionID"), "[]");
+    EXPECT_EQ(answer(postRequest("radio_button=&x=1"), "radio_button"), "[]");
+}
+
+TEST(FormInfoTest, valuesAreDecoded) {
+    EXPECT_EQ(answer(getRequest("pid0=a+b%20c%26%3D%2B%25"), "pid0"), "[a b c&=+%]");
+    EXPECT_EQ(answer(postRequest("pid0=%E8%A3%BD%e5%93%81"), "pid0"), "[\xE8\xA3\xBD\xE5\x93\x81]");
+    EXPECT_EQ(answer(getRequest("hidden%5fstatus=1"), "hidden_status"), "[1]");
+}
+
+TEST(FormInfoTest, aFormFieldWinsOverAQueryFieldOfItsName) {
+    const ChildSetup request = postRequest("functionID=105", "functionID=106&other=query");
+    EXPECT_EQ(answer(request, "functionID"), "[105]");
+    EXPECT_EQ(answer(request, "other"), "[query]");
+}
+
+TEST(FormInfoTest, everyFieldIsFoundAsOftenAsItIsAskedFor) {
+    const ChildResult result = runInChild(
+        [] {
+            const FormInfo formInfo;
+            for (const char* name : {"b", "a", "b", "c"}) {
+                std::cout << ask(formInfo, name) << ' ';
+            }
+            return 0;
+        },
+        postRequest("a=1&b=2"));
+    EXPECT_EQ(result.output, "[2] [1] [2] absent, unchanged ");
+}
+
+TEST(FormInfoTest, aRequestIsReadWhenItIsFirstAskedAbout) {
+    const ChildResult result = runInChild(
+        [] {
+            const FormInfo formInfo;
+            char first = '?';
+            static_cast<void>(!::read(STDIN_FILENO, &first, 1));
+            std::cout << first;
+            return 0;
+        },
+        postRequest("x=1"));
+    EXPECT_EQ(result.output, "x");
+}
+
+TEST(FormInfoTest, nothingIsFoundAfterTheEndOfTheWork) {
+    const ChildResult result = runInChild(
+        [] {
+            FormInfo formInfo;
+            std::cout << ask(formInfo, "a") << ' ';
+            formInfo.terminate();
+            std::cout << ask(formInfo, "a") << ' ' << ask(formInfo, "q") << ' ';
+            formInfo.terminate();
+            std::cout << ask(formInfo, "a");
+            return 0;
+        },
+        postRequest("a=1", "q=2"));
+    EXPECT_EQ(result.output, "[1] absent, unchanged absent, unchanged absent, unchanged");
+}
+
+TEST(FormInfoTest, nothingIsFoundAfterAnEndWithoutAQuestion) {
+    const ChildResult result = runInChild(
+        [] {
+            FormInfo formInfo;
+            formInfo.terminate();
+            std::cout << ask(formInfo, "a") << ' ' << ask(formInfo, "q");
+            return 0;
+        },
+        postRequest("a=1", "q=2"));
+    EXPECT_EQ(result.output, "absent, unchanged absent, unchanged");
+}
+
+TEST(FormInfoTest, aRequestFarAboveEveryNeedIsRefused) {
+    const std::string megabyte(1024 * 1024, 'x');
+    EXPECT_EQ(answer(postRequest("a=" + megabyte), "a"), "refused");
+    EXPECT_EQ(answer(postRequest(megabyte + "=1"), "a"), "refused");
+    EXPECT_EQ(answer(getRequest("a=" + megabyte.substr(0, 100000)), "a"), "refused");
+}
+
+TEST(FormInfoTest, aFormThatIsCutShortIsRefused) {
+    ChildSetup request = postRequest("a=1&b=2");
+    request.environment["CONTENT_LENGTH"] = "100";
+    EXPECT_EQ(answer(request, "a"), "refused");
+}
+
+}  // namespace VeskLib::Test

@@ -1,0 +1,79 @@
+#include <VeskLib/Gui/HTMLPage.h>
+
+#include "tests/contract/ProbeComponent.h"
+#include "tests/support/markup.h"
+#include "tests/support/printedBy.h"
+
+#include <gmock/gmock.h>
+
+#include <memory>
+#include <utility>
+
+namespace VeskLib::Test {
+
+using Gui::HTMLPage;
+using testing::HasSubstr;
+
+class HTMLPageContractTest : public testing::Test {
+protected:
+    // The five components that the dispatcher puts into the shell.
+    void fill(HTMLPage& page) {
+        for (const char* name : {"body", "css", "java_script", "meta_frameid", "title"}) {
+            page.componentMap[name] =
+                std::make_unique<ProbeComponent>(std::string("OF_") + name, counts[name]).release();
+        }
+    }
+
+    std::map<std::string, ProbeCounts> counts;
+};
+
+TEST_F(HTMLPageContractTest, isMadeEmptyWithAGenerator) {
+    const HTMLPage page(1);
+    EXPECT_TRUE(page.componentMap.empty());
+    EXPECT_NE(page.generator, nullptr);
+}
+
+TEST_F(HTMLPageContractTest, anEmptyShellIsADocument) {
+    const HTMLPage page(1);
+    const std::string printed = printedHTML(*page.generator);
+    EXPECT_THAT(tagNamesOf(printed), testing::IsSupersetOf({"html", "head", "body", "/html"}));
+    EXPECT_EQ(printed.find("{{"), std::string::npos);
+}
+
+TEST_F(HTMLPageContractTest, everyComponentIsPrintedOnce) {
+    HTMLPage page(1);
+    fill(page);
+    const std::string printed = printedHTML(*page.generator);
+    for (const auto& [name, count] : counts) {
+        SCOPED_TRACE(name);
+        EXPECT_EQ(count.printed, 1);
+        EXPECT_EQ(count.deleted, 0);
+        EXPECT_THAT(printed, HasSubstr("OF_" + name));
+    }
+}
+
+TEST_F(HTMLPageContractTest, everyComponentStandsWhereItBelongs) {
+    HTMLPage page(1);
+    fill(page);
+    const std::string printed = printedHTML(*page.generator);
+    const std::size_t headEnd = printed.find("</head>");
+    ASSERT_NE(headEnd, std::string::npos);
+    EXPECT_LT(printed.find("OF_meta_frameid"), headEnd);
+    EXPECT_LT(printed.find("OF_title"), headEnd);
+    EXPECT_THAT(printed, HasSubstr("<title>OF_title"));
+    EXPECT_THAT(printed, HasSubstr("href=\"OF_css\""));
+    EXPECT_GT(printed.find("OF_body"), printed.find("<body"));
+    EXPECT_LT(printed.find("OF_body"), printed.find("</body>"));
+}
+
+TEST_F(HTMLPageContractTest, deletesItsComponentsOnce) {
+    {
+        HTMLPage page(1);
+        fill(page);
+    }
+    for (const auto& [name, count] : counts) {
+        EXPECT_EQ(count.deleted, 1) << name;
+    }
+}
+
+}  // namespace VeskLib::Test

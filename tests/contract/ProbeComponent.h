@@ -1,0 +1,30 @@
+#pragma once
+
+#include <VeskLib/Gui/HTMLComponent.h>
+
+#include <string>
+
+namespace VeskLib::Test {
+
+// What happened to components.
+struct ProbeCounts {
+    int printed = 0;
+    int deleted = 0;
+};
+
+// A component that prints a text as it is and counts what happens to it.
+class ProbeComponent : public Gui::HTMLComponent {
+public:
+    // `counts` must outlive the component.
+    ProbeComponent(std::string text, ProbeCounts& counts);
+    ~ProbeComponent() override;
+
+    void printHTML() const override;
+    bool isError() const override;
+
+private:
+    std::string text;
+    ProbeCounts& counts;
+};
+
+}  // namespace VeskLib::Test

@@ -1,0 +1,13 @@
+#include "tests/contract/platformSpecifics.h"
+
+namespace VeskLib::Test {
+
+std::string skeletonMark(const std::string& name) {
+    return "{{" + name + "}}";
+}
+
+std::string traceFile() {
+    return "/var/log/trace.log";
+}
+
+}  // namespace VeskLib::Test

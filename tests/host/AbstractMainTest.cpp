@@ -1,0 +1,355 @@
+#include <VeskLib/Gui/AbstractMain.h>
+
+#include "platform/host/base/platformException.h"
+#include "tests/host/TestMain.h"
+#include "tests/host/sessionFiles.h"
+#include "tests/support/BoardTest.h"
+#include "tests/support/files.h"
+#include "tests/support/hostileTexts.h"
+#include "tests/support/markup.h"
+
+#include <VeskLib/VeskUi/PartitionInfoPacket.h>
+
+#include <gmock/gmock.h>
+
+#include <unistd.h>
+
+#include <iostream>
+#include <new>
+
+namespace VeskLib::Test {
+
+using Host::Session;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+namespace {
+
+const int FAILED = 1;
+
+// Prints a page; a request that must not get so far is known by its text.
+int printPage(TestMain& /*main*/) {
+    std::cout << "<p>THE PAGE</p>";
+    return 0;
+}
+
+int printGuardedPage(TestMain& main) {
+    main.guiCheckSession(true);
+    return printPage(main);
+}
+
+}  // namespace
+
+class AbstractMainTest : public BoardTest {
+protected:
+    static std::vector<std::string> traceLines() {
+        const std::string path = boardFile("/var/log/trace.log");
+        return exists(path) ? linesOf(readText(path)) : std::vector<std::string>();
+    }
+
+    // The response of a request that ends in an error page.
+    static CGIResponse runFailing(const TestMain::Work& work, const Environment& environment) {
+        const ChildResult result = runRequest(work, environment);
+        EXPECT_EQ(result.exitStatus, FAILED) << result.errors;
+        const CGIResponse response =
+            parseResponse(result.output, environment.contains("REQUEST_METHOD") &&
+                                             environment.at("REQUEST_METHOD") == "HEAD");
+        EXPECT_THAT(response.body, Not(HasSubstr("THE PAGE")));
+        return response;
+    }
+
+    // The response to a cookie that is not let in.
+    static void expectLoginPage(const std::string& cookieValue) {
+        const CGIResponse response = runFailing(printGuardedPage, getRequest(cookieValue));
+        EXPECT_EQ(response.status, "403 Forbidden");
+        EXPECT_THAT(textOf(response.body), HasSubstr("You are not logged in"));
+        EXPECT_THAT(response.body, HasSubstr("href=\"/login.cgi\""));
+    }
+
+    static Session startSession() { return Host::startSession("user", false, ",105,"); }
+};
+
+TEST_F(AbstractMainTest, thePageIsTheResponse) {
+    for (const Environment& request : {getRequest(), postRequest()}) {
+        const ChildResult result = runRequest(printPage, request);
+        EXPECT_EQ(result.exitStatus, 0) << result.errors;
+        EXPECT_EQ(parseResponse(result.output).status, "200 OK");
+        EXPECT_EQ(parseResponse(result.output).body, "<p>THE PAGE</p>");
+    }
+    EXPECT_THAT(traceLines(), IsEmpty());
+}
+
+TEST_F(AbstractMainTest, aHeadRequestGetsThePagesHeaders) {
+    Environment request = getRequest();
+    request["REQUEST_METHOD"] = "HEAD";
+    const CGIResponse response = parseResponse(runRequest(printPage, request).output, true);
+    EXPECT_EQ(response.status, "200 OK");
+    EXPECT_EQ(response.header("Content-Length"), "15");
+}
+
+TEST_F(AbstractMainTest, theResultOfTheWorkIsTheExitStatus) {
+    for (const int status : {0, 1, 7}) {
+        EXPECT_EQ(runRequest([status](TestMain&) { return status; }, getRequest()).exitStatus,
+                  status);
+    }
+    EXPECT_EQ(runRequest([](TestMain&) { return -1; }, getRequest()).exitStatus, 255);
+}
+
+TEST_F(AbstractMainTest, theWorkIsDoneOnce) {
+    const ChildResult result = runRequest(
+        [](TestMain&) {
+            std::cout << "once;";
+            return 0;
+        },
+        getRequest());
+    EXPECT_EQ(parseResponse(result.output).body, "once;");
+}
+
+TEST_F(AbstractMainTest, aResponseThatCannotBeSentIsAFailure) {
+    const ChildResult result = runInChild(
+        [] {
+            ::close(STDOUT_FILENO);
+            return TestMain(printPage).exec();
+        },
+        {.environment = getRequest(), .input = {}});
+    EXPECT_EQ(result.exitStatus, FAILED);
+    EXPECT_EQ(result.signal, 0);
+}
+
+TEST_F(AbstractMainTest, otherMethodsAreNotAllowed) {
+    for (const char* method : {"PUT", "DELETE", "OPTIONS", "get", ""}) {
+        Environment request = getRequest();
+        request["REQUEST_METHOD"] = method;
+        const CGIResponse response = runFailing(printPage, request);
+        EXPECT_EQ(response.status, "405 Method Not Allowed") << method;
+        EXPECT_EQ(response.header("Allow"), "GET, HEAD, POST");
+        EXPECT_THAT(textOf(response.body), HasSubstr("does not know this kind of request"));
+    }
+    EXPECT_EQ(runFailing(printPage, {}).status, "405 Method Not Allowed");
+}
+
+TEST_F(AbstractMainTest, anotherSitesPostIsForbidden) {
+    Environment request = postRequest(startSession().cookieValue());
+    request["HTTP_ORIGIN"] = "http://evil";
+    const CGIResponse response = runFailing(printPage, request);
+    EXPECT_EQ(response.status, "403 Forbidden");
+    EXPECT_EQ(response.header("Allow"), "");
+    EXPECT_THAT(textOf(response.body), HasSubstr("another site"));
+    request.erase("HTTP_ORIGIN");
+    request["HTTP_SEC_FETCH_SITE"] = "cross-site";
+    EXPECT_EQ(runFailing(printPage, request).status, "403 Forbidden");
+}
+
+TEST_F(AbstractMainTest, aLoggedInUserGetsThePage) {
+    const ChildResult result =
+        runRequest(printGuardedPage, getRequest(startSession().cookieValue()));
+    EXPECT_EQ(result.exitStatus, 0);
+    EXPECT_THAT(parseResponse(result.output).body, HasSubstr("THE PAGE"));
+}
+
+TEST_F(AbstractMainTest, withoutASessionTheLoginIsOffered) {
+    expectLoginPage("");
+    expectLoginPage("0123456789abcdef-" + std::string(32, '0'));
+}
+
+TEST_F(AbstractMainTest, malformedCookiesAreNoSession) {
+    const std::string cookie = startSession().cookieValue();
+    for (const std::string& text :
+         {std::string("x"), cookie.substr(0, 16), cookie.substr(1), cookie + "0",
+          std::string("../../etc/passwd"), std::string("<script>"), std::string(20000, 'a')}) {
+        expectLoginPage(text);
+    }
+}
+
+TEST_F(AbstractMainTest, aForgedTokenIsNoSession) {
+    const Session session = startSession();
+    expectLoginPage(session.identifier + "-" + std::string(32, '0'));
+    expectLoginPage(session.identifier + "-" + startSession().token);
+}
+
+TEST_F(AbstractMainTest, anExpiredSessionIsNone) {
+    const Session session = startSession();
+    setAge(sessionFile(session.identifier), Host::SESSION_IDLE_SECONDS + 1);
+    expectLoginPage(session.cookieValue());
+}
+
+TEST_F(AbstractMainTest, aPostWithoutASessionGetsTheLoginAsWell) {
+    EXPECT_EQ(runFailing(printGuardedPage, postRequest()).status, "403 Forbidden");
+}
+
+TEST_F(AbstractMainTest, aCheckThatShowsNoErrorGoesOnWithoutRights) {
+    const ChildResult result = runRequest(
+        [](TestMain& main) {
+            main.guiCheckSession(false);
+            std::cout << main.authority.everyFunction << (main.authority.functions == nullptr);
+            return 0;
+        },
+        getRequest("0123456789abcdef-" + std::string(32, '0')));
+    EXPECT_EQ(parseResponse(result.output).body, "01");
+}
+
+TEST_F(AbstractMainTest, theCheckGivesTheUsersRights) {
+    const auto printRights = [](TestMain& main) {
+        main.guiCheckSession(true);
+        std::cout << main.authority.everyFunction << *main.authority.functions;
+        return 0;
+    };
+    const Session some = Host::startSession("user", false, ",105,");
+    const Session all = Host::startSession("admin", true, "");
+    EXPECT_EQ(parseResponse(runRequest(printRights, getRequest(some.cookieValue())).output).body,
+              "0,105,");
+    EXPECT_EQ(parseResponse(runRequest(printRights, getRequest(all.cookieValue())).output).body,
+              "1");
+}
+
+TEST_F(AbstractMainTest, theCookieAndTheLanguageAreThereBeforeTheWork) {
+    Environment request = getRequest();
+    request["HTTP_COOKIE"] = "language=ja; session=as it came";
+    const ChildResult result = runRequest(
+        [](TestMain& main) {
+            std::cout << main.sessionText << '|' << main.messageSet;
+            return 0;
+        },
+        request);
+    EXPECT_EQ(parseResponse(result.output).body, "as it came|1");
+}
+
+TEST_F(AbstractMainTest, errorExitShowsItsTextsAndEndsTheRequest) {
+    const CGIResponse response = runFailing(
+        [](TestMain& main) {
+            std::cout << "half of THE PAGE";
+            main.errorExit("The title", "first<br>second");
+            return 0;
+        },
+        getRequest());
+    EXPECT_EQ(response.status, "400 Bad Request");
+    EXPECT_THAT(response.body, HasSubstr("<h1>The title</h1>"));
+    EXPECT_THAT(response.body, HasSubstr("<p>first</p><p>second</p>"));
+    EXPECT_THAT(response.body, HasSubstr("<a class=\"button\" href=\"/\">"));
+    EXPECT_THAT(response.body, Not(HasSubstr("/login.cgi")));
+    EXPECT_THAT(traceLines(), IsEmpty());
+}
+
+TEST_F(AbstractMainTest, errorExitWithACodeShowsTheCode) {
+    const CGIResponse response = runFailing(
+        [](TestMain& main) {
+            main.errorExit("The message", 1539);
+            return 0;
+        },
+        getRequest());
+    EXPECT_THAT(response.body, HasSubstr("<p>The message [1539]</p>"));
+}
+
+TEST_F(AbstractMainTest, hostileTextsStayInTheErrorPage) {
+    const auto fail = [](const std::string& text) {
+        return runFailing(
+            [&text](TestMain& main) {
+                main.errorExit(text, text);
+                return 0;
+            },
+            getRequest());
+    };
+    const std::vector<std::string> tags = tagNamesOf(fail("harmless").body);
+    for (const std::string& text : hostileTexts()) {
+        SCOPED_TRACE(text);
+        const CGIResponse response = fail(text);
+        EXPECT_EQ(tagNamesOf(response.body), tags);
+        EXPECT_THAT(textOf(response.body), HasSubstr(text));
+    }
+}
+
+TEST_F(AbstractMainTest, anErrorAfterAFailedBackEndRequestIsTheServersTrouble) {
+    const CGIResponse response = runFailing(
+        [](TestMain& main) {
+            main.requester = std::make_unique<Gui::CGIRequester>("").release();
+            VeskUi::PartitionInfoPacket packet;
+            main.requester->getInfo(1, packet);
+            main.errorExit("title", "message");
+            return 0;
+        },
+        getRequest());
+    EXPECT_EQ(response.status, "503 Service Unavailable");
+}
+
+TEST_F(AbstractMainTest, anErrorWithoutABackEndRequestIsTheClients) {
+    const CGIResponse response = runFailing(
+        [](TestMain& main) {
+            main.requester = std::make_unique<Gui::CGIRequester>("").release();
+            main.errorExit("title", "message");
+            return 0;
+        },
+        getRequest());
+    EXPECT_EQ(response.status, "400 Bad Request");
+}
+
+TEST_F(AbstractMainTest, anExceptionThatNobodyCatchesIsOneWholeErrorPageAndATraceLine) {
+    const CGIResponse response = runFailing(
+        [](TestMain&) -> int {
+            std::cout << "half of THE PAGE";
+            throw Host::makePlatformException(Host::LOCK_NOT_OBTAINED, "LockedFile failed");
+        },
+        getRequest());
+    EXPECT_EQ(response.status, "500 Internal Server Error");
+    EXPECT_THAT(response.body, testing::StartsWith("<!DOCTYPE html>"));
+    EXPECT_THAT(textOf(response.body), HasSubstr("[1101]"));
+    EXPECT_THAT(traceLines(), ElementsAre(HasSubstr("level 0: LockedFile failed [1101]")));
+}
+
+TEST_F(AbstractMainTest, aRequestThatIsTooLargeOrMalformedIsTheClients) {
+    const auto fail = [](Host::PlatformError error) {
+        return runFailing(
+            [error](TestMain&) -> int { throw Host::makePlatformException(error, "refused"); },
+            postRequest());
+    };
+    const CGIResponse tooLarge = fail(Host::REQUEST_TOO_LARGE);
+    EXPECT_EQ(tooLarge.status, "413 Content Too Large");
+    EXPECT_THAT(textOf(tooLarge.body), HasSubstr("more than the board accepts"));
+    const CGIResponse malformed = fail(Host::REQUEST_MALFORMED);
+    EXPECT_EQ(malformed.status, "400 Bad Request");
+    EXPECT_THAT(textOf(malformed.body), HasSubstr("damaged or cut short"));
+}
+
+TEST_F(AbstractMainTest, theExceptionsOfTheLibraryEndTheSame) {
+    const CGIResponse response = runFailing(
+        [](TestMain&) -> int {
+            std::cout << "half of THE PAGE";
+            throw std::bad_alloc();
+        },
+        getRequest());
+    EXPECT_EQ(response.status, "500 Internal Server Error");
+    EXPECT_THAT(textOf(response.body), HasSubstr("internal error"));
+    EXPECT_THAT(traceLines(), ElementsAre(HasSubstr("std::bad_alloc")));
+}
+
+TEST_F(AbstractMainTest, anErrorPageForAHeadRequestHasNoBody) {
+    Environment request = getRequest();
+    request["REQUEST_METHOD"] = "HEAD";
+    EXPECT_EQ(runFailing(printGuardedPage, request).status, "403 Forbidden");
+}
+
+TEST_F(AbstractMainTest, whatTheWorkMadeGoesWithTheRequest) {
+    const ChildResult result = runInChild(
+        [] {
+            class Noisy : public Gui::CGIRequester {
+            public:
+                Noisy() : CGIRequester("") {}
+                ~Noisy() override { std::cerr << "deleted;"; }
+            };
+            {
+                TestMain main([](TestMain& self) {
+                    self.requester = std::make_unique<Noisy>().release();
+                    self.errorExit("title", "message");
+                    return 0;
+                });
+                main.exec();
+            }
+            std::cerr << "end";
+            return 0;
+        },
+        {.environment = getRequest(), .input = {}});
+    EXPECT_EQ(result.errors, "deleted;end");
+}
+
+}  // namespace VeskLib::Test

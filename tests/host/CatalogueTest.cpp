@@ -1,0 +1,60 @@
+#include "platform/host/text/Catalogue.h"
+
+#include "tests/support/ChildProcess.h"
+
+#include <VeskLib/Gui/MessageMgr.h>
+
+#include <gmock/gmock.h>
+
+namespace VeskLib::Test {
+
+using Gui::MessageMgr;
+using Host::ENGLISH;
+using Host::findText;
+using Host::JAPANESE;
+using Host::TextSet;
+using testing::EndsWith;
+
+TEST(CatalogueTest, everySetIsApart) {
+    ASSERT_NE(findText(ENGLISH, TextSet::MESSAGES, 12), nullptr);
+    ASSERT_NE(findText(ENGLISH, TextSet::CAPTIONS, 131), nullptr);
+    ASSERT_NE(findText(ENGLISH, TextSet::TRACE, 107), nullptr);
+    EXPECT_EQ(findText(ENGLISH, TextSet::CAPTIONS, 12), nullptr);
+    EXPECT_EQ(findText(ENGLISH, TextSet::MESSAGES, 107), nullptr);
+    EXPECT_EQ(findText(ENGLISH, TextSet::TRACE, 12), nullptr);
+}
+
+TEST(CatalogueTest, everyLanguageHasItsOwn) {
+    EXPECT_STREQ(findText(ENGLISH, TextSet::CAPTIONS, 1006), "Back up");
+    EXPECT_STREQ(findText(JAPANESE, TextSet::CAPTIONS, 132), "\xE7\x95\xAA\xE5\x8F\xB7");
+    EXPECT_STREQ(findText(7, TextSet::CAPTIONS, 1006), "Back up");
+    EXPECT_STREQ(findText(-1, TextSet::CAPTIONS, 1006), "Back up");
+}
+
+TEST(CatalogueTest, anUnknownNumberIsNull) {
+    for (const int number : {-1, 0, 1, 32767, 1000000}) {
+        EXPECT_EQ(findText(ENGLISH, TextSet::CAPTIONS, number), nullptr) << number;
+        EXPECT_EQ(findText(JAPANESE, TextSet::CAPTIONS, number), nullptr) << number;
+    }
+}
+
+TEST(CatalogueTest, aTextStaysWhereItIs) {
+    EXPECT_EQ(findText(ENGLISH, TextSet::MESSAGES, 72), findText(ENGLISH, TextSet::MESSAGES, 72));
+}
+
+TEST(CatalogueTest, theCodeFollowsTheMessageNumber) {
+    EXPECT_THAT(MessageMgr(ENGLISH).getMessage(72, 1539), EndsWith(" [72-1539]"));
+}
+
+TEST(CatalogueTest, withoutCataloguesEveryTextNamesItsNumber) {
+    const ChildResult result =
+        runProgram({PRINT_TEXTS}, {.environment = {{"BOARD_ROOT", "/nonexistent"}}, .input = {}});
+    EXPECT_EQ(result.output,
+              "Text 72 is missing from the message catalogue. [72-5]\n"
+              "Text 1006 is missing.\n"
+              "Text 20011 is missing from the message catalogue.\n"
+              "none\n")
+        << result.errors;
+}
+
+}  // namespace VeskLib::Test

@@ -1,0 +1,179 @@
+#include <VeskLib/Gui/FormInfo.h>
+
+#include "platform/host/base/platformException.h"
+#include "platform/host/web/FormLimits.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/interruptOften.h"
+
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <iostream>
+
+namespace VeskLib::Test {
+
+using Gui::FormInfo;
+using Host::FormLimits::BODY_LENGTH;
+using Host::FormLimits::QUERY_LENGTH;
+
+namespace {
+
+const std::string MALFORMED = "refused " + std::to_string(Host::REQUEST_MALFORMED);
+const std::string TOO_LARGE = "refused " + std::to_string(Host::REQUEST_TOO_LARGE);
+
+// The field as the first question of a process finds it.
+std::string ask(const ChildSetup& request, const std::string& name) {
+    const ChildResult result = runInChild(
+        [&name] {
+            std::string value;
+            try {
+                std::cout << (FormInfo().getFormData(name, value) ? "[" + value + "]" : "absent");
+            } catch (const PException& exception) {
+                std::cout << "refused " << exception.getExceptionDetail();
+            }
+            return 0;
+        },
+        request);
+    EXPECT_EQ(result.exitStatus, 0) << result.errors;
+    return result.output;
+}
+
+// A posted form; `contentLength` empty announces none.
+ChildSetup post(const std::string& body, const std::string& contentLength,
+                InputKind kind = InputKind::PIPE) {
+    Environment environment = {{"REQUEST_METHOD", "POST"},
+                               {"CONTENT_TYPE", "application/x-www-form-urlencoded"}};
+    if (!contentLength.empty()) {
+        environment["CONTENT_LENGTH"] = contentLength;
+    }
+    return {.environment = environment, .input = body, .inputKind = kind};
+}
+
+std::string askPosted(const std::string& body, const std::string& contentLength,
+                      InputKind kind = InputKind::PIPE) {
+    return ask(post(body, contentLength, kind), "a");
+}
+
+std::string askTyped(const std::string& type) {
+    ChildSetup request = post("a=1", "3");
+    request.environment["CONTENT_TYPE"] = type;
+    return ask(request, "a");
+}
+
+std::string askQuery(const std::string& query) {
+    return ask({.environment = {{"REQUEST_METHOD", "GET"}, {"QUERY_STRING", query}}, .input = {}},
+               "a");
+}
+
+// A form of exactly `size` bytes that begins with "a=1".
+std::string formOf(std::size_t size) {
+    std::string form = "a=1";
+    while (form.size() < size) {
+        form += "&f=";
+        form.append(std::min<std::size_t>(1000, size - std::min(size, form.size())), 'x');
+    }
+    return form.substr(0, size);
+}
+
+}  // namespace
+
+TEST(FormInfoHostTest, theBodyMayComeFromAPipeOrAFile) {
+    for (const InputKind kind : {InputKind::PIPE, InputKind::FILE}) {
+        EXPECT_EQ(askPosted("a=1&b=2", "7", kind), "[1]");
+        EXPECT_EQ(askPosted(formOf(BODY_LENGTH), std::to_string(BODY_LENGTH), kind), "[1]");
+        EXPECT_EQ(askPosted("", "0", kind), "absent");
+    }
+}
+
+TEST(FormInfoHostTest, withoutALengthTheBodyIsReadToItsEnd) {
+    for (const InputKind kind : {InputKind::PIPE, InputKind::FILE}) {
+        EXPECT_EQ(askPosted("b=2&a=last", "", kind), "[last]");
+        EXPECT_EQ(askPosted("", "", kind), "absent");
+    }
+}
+
+TEST(FormInfoHostTest, aBodyThatIsCutShortIsRefused) {
+    for (const InputKind kind : {InputKind::PIPE, InputKind::FILE}) {
+        EXPECT_EQ(askPosted("a=1", "4", kind), MALFORMED);
+        EXPECT_EQ(askPosted("", "1", kind), MALFORMED);
+        EXPECT_EQ(askPosted(formOf(10000), "10001", kind), MALFORMED);
+    }
+}
+
+TEST(FormInfoHostTest, whatStandsBehindTheAnnouncedLengthIsNotRead) {
+    EXPECT_EQ(askPosted("a=1234", "3"), "[1]");
+    EXPECT_EQ(askPosted("a=1&b=2", "0"), "absent");
+}
+
+TEST(FormInfoHostTest, aLengthThatIsNoNumberIsRefused) {
+    for (const char* length :
+         {"abc", "-1", "+3", "3x", " 3", "3 ", "0x3", "3.0", "1e1", "99999999999999999999999"}) {
+        EXPECT_EQ(askPosted("a=1", length), MALFORMED) << length;
+    }
+}
+
+TEST(FormInfoHostTest, aLengthAboveTheLimitIsRefusedWhateverFollows) {
+    EXPECT_EQ(askPosted("a=1", std::to_string(BODY_LENGTH + 1)), TOO_LARGE);
+    EXPECT_EQ(askPosted("a=1", "9999999999"), TOO_LARGE);
+    // The largest number that there is, which must not pass for "no length".
+    EXPECT_EQ(askPosted("a=1", "18446744073709551615"), TOO_LARGE);
+}
+
+TEST(FormInfoHostTest, aBodyMayBeAsLongAsItsLimitAlsoUnannounced) {
+    EXPECT_EQ(askPosted(formOf(BODY_LENGTH), ""), "[1]");
+    EXPECT_EQ(askPosted(formOf(BODY_LENGTH + 1), ""), TOO_LARGE);
+}
+
+TEST(FormInfoHostTest, withoutStandardInputAFormIsRefused) {
+    EXPECT_EQ(askPosted("", "3", InputKind::CLOSED), MALFORMED);
+    EXPECT_EQ(askPosted("", "", InputKind::CLOSED), MALFORMED);
+}
+
+TEST(FormInfoHostTest, aReadingRequestHasNoBody) {
+    ChildSetup request = post("a=1", "3");
+    for (const char* method : {"GET", "HEAD"}) {
+        request.environment["REQUEST_METHOD"] = method;
+        EXPECT_EQ(ask(request, "a"), "absent");
+    }
+    request.environment["REQUEST_METHOD"] = "GET";
+    request.inputKind = InputKind::CLOSED;
+    EXPECT_EQ(ask(request, "a"), "absent");
+}
+
+TEST(FormInfoHostTest, onlyAFormIsReadAsAForm) {
+    EXPECT_EQ(askTyped("application/x-www-form-urlencoded; charset=UTF-8"), "[1]");
+    EXPECT_EQ(askTyped("application/x-www-form-urlencoded;charset=UTF-8"), "[1]");
+    EXPECT_EQ(askTyped(""), "[1]");
+    for (const char* type : {"text/plain", "application/json", "application/x-www-form-urlencodedx",
+                             "application/x-www-form", ";"}) {
+        EXPECT_EQ(askTyped(type), "absent") << type;
+    }
+}
+
+TEST(FormInfoHostTest, aQueryMayBeAsLongAsItsLimit) {
+    EXPECT_EQ(askQuery(formOf(QUERY_LENGTH)), "[1]");
+    EXPECT_EQ(askQuery(formOf(QUERY_LENGTH + 1)), TOO_LARGE);
+}
+
+TEST(FormInfoHostTest, aSignalDoesNotEndTheReading) {
+    const auto readSlowBody = [] {
+        interruptOften();
+        int ends[2] = {};
+        static_cast<void>(!::pipe(ends));
+        ::dup2(ends[0], STDIN_FILENO);
+        if (::fork() == 0) {
+            ::usleep(50000);
+            static_cast<void>(!::write(ends[1], "a=1", 3));
+            ::_exit(0);
+        }
+        std::string value;
+        FormInfo().getFormData("a", value);
+        std::cout << value;
+        return 0;
+    };
+    const ChildResult result = runInChild(readSlowBody, post("", "3", InputKind::CLOSED));
+    EXPECT_EQ(result.output, "1") << result.errors;
+}
+
+}  // namespace VeskLib::Test

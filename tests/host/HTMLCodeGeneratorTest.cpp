@@ -1,0 +1,99 @@
+#include <VeskLib/Gui/HTMLCodeGenerator.h>
+
+#include "platform/host/base/platformException.h"
+#include "tests/support/BoardTest.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/files.h"
+
+#include <gmock/gmock.h>
+
+#include <unistd.h>
+
+#include <functional>
+#include <iostream>
+
+namespace VeskLib::Test {
+
+using Gui::HTMLCodeGenerator;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+namespace {
+
+const std::string SKELETON = "/var/tmp/skeleton.txt";
+const std::map<std::string, Gui::HTMLComponent*> NO_COMPONENTS;
+
+}  // namespace
+
+class HTMLCodeGeneratorHostTest : public BoardTest {
+protected:
+    // What the process prints for the skeleton, or the detail code with which it refuses.
+    static std::string print() {
+        const ChildResult result = runInChild([] {
+            try {
+                HTMLCodeGenerator(SKELETON, &NO_COMPONENTS).printHTML();
+            } catch (const PException& exception) {
+                std::cout << "refused " << exception.getExceptionDetail();
+            }
+            return 0;
+        });
+        EXPECT_EQ(result.exitStatus, 0) << result.errors;
+        return result.output;
+    }
+
+    static std::vector<std::string> traceLines() {
+        const std::string path = boardFile("/var/log/trace.log");
+        return exists(path) ? linesOf(readText(path)) : std::vector<std::string>();
+    }
+};
+
+TEST_F(HTMLCodeGeneratorHostTest, aMalformedSkeletonIsRefusedAndItsPlaceTraced) {
+    writeText(boardFile(SKELETON), "first line\n  {{no mark}}\n");
+    EXPECT_EQ(print(), "refused " + std::to_string(Host::SKELETON_NOT_USABLE));
+    EXPECT_THAT(traceLines(), ElementsAre(HasSubstr(SKELETON + ":2:3: not a mark")));
+}
+
+TEST_F(HTMLCodeGeneratorHostTest, aMissingSkeletonIsTraced) {
+    EXPECT_EQ(print(), "refused " + std::to_string(Host::SKELETON_NOT_USABLE));
+    EXPECT_THAT(traceLines(), ElementsAre(HasSubstr(SKELETON)));
+}
+
+TEST_F(HTMLCodeGeneratorHostTest, aLinkIsNoSkeleton) {
+    writeText(boardFile("/var/tmp/other.txt"), "text");
+    ASSERT_EQ(::symlink(boardFile("/var/tmp/other.txt").c_str(), boardFile(SKELETON).c_str()), 0);
+    EXPECT_THAT(print(), HasSubstr("refused"));
+}
+
+TEST_F(HTMLCodeGeneratorHostTest, aSkeletonMayBeAQuarterOfAMegabyte) {
+    const std::string largest(256 * 1024, 'x');
+    writeText(boardFile(SKELETON), largest);
+    EXPECT_EQ(print(), largest);
+    writeText(boardFile(SKELETON), largest + "x");
+    EXPECT_THAT(print(), HasSubstr("refused"));
+}
+
+TEST_F(HTMLCodeGeneratorHostTest, aSkeletonIsReadOncePerProcess) {
+    writeText(boardFile(SKELETON), "row;");
+    const ChildResult result = runInChild([] {
+        const HTMLCodeGenerator first(SKELETON, &NO_COMPONENTS);
+        first.printHTML();
+        writeText(boardFile(SKELETON), "changed;");
+        first.printHTML();
+        HTMLCodeGenerator(SKELETON, &NO_COMPONENTS).printHTML();
+        return 0;
+    });
+    EXPECT_EQ(result.output, "row;row;row;");
+}
+
+TEST_F(HTMLCodeGeneratorHostTest, aSkeletonThatWasMissingIsLookedForAgain) {
+    const ChildResult result = runInChild([] {
+        const HTMLCodeGenerator generator(SKELETON, &NO_COMPONENTS);
+        EXPECT_THROW(generator.printHTML(), PException);
+        writeText(boardFile(SKELETON), "here now");
+        generator.printHTML();
+        return 0;
+    });
+    EXPECT_EQ(result.output, "here now");
+}
+
+}  // namespace VeskLib::Test

@@ -1,0 +1,106 @@
+#include "platform/host/web/Session.h"
+
+#include "tests/host/sessionFiles.h"
+#include "tests/support/BoardTest.h"
+#include "tests/support/files.h"
+
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+
+namespace VeskLib::Test {
+
+using Host::Session;
+using Host::SESSION_IDLE_SECONDS;
+using Host::SESSION_LIFE_SECONDS;
+
+namespace {
+
+// Far more than a test takes between setting a time and asking.
+const std::time_t MARGIN = 30;
+
+std::time_t ageOf(const std::string& path) {
+    struct stat status = {};
+    EXPECT_EQ(::stat(path.c_str(), &status), 0);
+    return std::time(nullptr) - status.st_mtime;
+}
+
+}  // namespace
+
+class SessionExpiryTest : public BoardTest {
+protected:
+    SessionExpiryTest()
+        : session(Host::startSession("operator", false, "")),
+          path(sessionFile(session.identifier)) {}
+
+    // Has the session been created `seconds` ago; its file's time is set anew as well.
+    void createdAgo(std::time_t seconds) {
+        setField(session, "created", std::to_string(std::time(nullptr) - seconds));
+    }
+
+    bool isAlive() const { return isLetIn(session.cookieValue()); }
+
+    Session session;
+    std::string path;
+};
+
+TEST_F(SessionExpiryTest, aSessionLivesWhileItIsUsed) {
+    setAge(path, SESSION_IDLE_SECONDS - MARGIN);
+    EXPECT_TRUE(isAlive());
+}
+
+TEST_F(SessionExpiryTest, aSessionThatNobodyUsesExpires) {
+    setAge(path, SESSION_IDLE_SECONDS + 1);
+    EXPECT_FALSE(isAlive());
+}
+
+TEST_F(SessionExpiryTest, aUsedSessionExpiresInTheEndAsWell) {
+    createdAgo(SESSION_LIFE_SECONDS - MARGIN);
+    EXPECT_TRUE(isAlive());
+    createdAgo(SESSION_LIFE_SECONDS + 1);
+    EXPECT_FALSE(isAlive());
+}
+
+TEST_F(SessionExpiryTest, halfAnHourAndHalfADayAreTheLimits) {
+    setAge(path, 29 * 60);
+    EXPECT_TRUE(isAlive());
+    createdAgo(11 * 60 * 60);
+    EXPECT_TRUE(isAlive());
+    createdAgo(12 * 60 * 60 + 1);
+    EXPECT_FALSE(isAlive());
+}
+
+TEST_F(SessionExpiryTest, aUseIsNoted) {
+    setAge(path, SESSION_IDLE_SECONDS - MARGIN);
+    EXPECT_TRUE(isAlive());
+    EXPECT_LT(ageOf(path), MARGIN);
+}
+
+TEST_F(SessionExpiryTest, aForgedCookieIsNoUse) {
+    setAge(path, SESSION_IDLE_SECONDS - MARGIN);
+    EXPECT_FALSE(isLetIn(session.identifier + "-" + std::string(32, 'f')));
+    EXPECT_GE(ageOf(path), SESSION_IDLE_SECONDS - MARGIN);
+}
+
+TEST_F(SessionExpiryTest, notEveryRequestWrites) {
+    setAge(path, 10);
+    EXPECT_TRUE(isAlive());
+    EXPECT_GE(ageOf(path), 10);
+}
+
+TEST_F(SessionExpiryTest, aTimeOfCreationThatIsNoneIsLongAgo) {
+    for (const char* created :
+         {"", "x", "-1", "-9223372036854775808", "12", "1e18", "99999999999999999999999999"}) {
+        const Session other = Host::startSession("operator", false, "");
+        setField(other, "created", created);
+        EXPECT_FALSE(isLetIn(other.cookieValue())) << created;
+    }
+}
+
+TEST_F(SessionExpiryTest, anExpiredSessionIsRemoved) {
+    setAge(path, SESSION_IDLE_SECONDS + 1);
+    EXPECT_FALSE(isAlive());
+    EXPECT_FALSE(exists(path));
+}
+
+}  // namespace VeskLib::Test

@@ -1,0 +1,219 @@
+#include "platform/host/web/Session.h"
+
+#include "tests/host/sessionFiles.h"
+#include "tests/support/BoardTest.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/files.h"
+
+#include <VeskLib/LockedFile.h>
+
+#include <gmock/gmock.h>
+
+#include <unistd.h>
+
+#include <iostream>
+
+namespace VeskLib::Test {
+
+using Host::endExpiredSessions;
+using Host::endSession;
+using Host::Session;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+const std::string ORPHAN = "00000000000000ff";
+
+}  // namespace
+
+// What becomes of the files of sessions that end.
+class SessionFilesTest : public BoardTest {
+protected:
+    // A session with a backup and an upload.
+    static Session startWithFiles() {
+        const Session session = Host::startSession("operator", false, "");
+        writeText(backupFile(session.identifier), "backup");
+        writeText(stagingFile(session.identifier), "upload");
+        return session;
+    }
+
+    static bool hasEverything(const Session& session) {
+        return exists(sessionFile(session.identifier)) && exists(backupFile(session.identifier)) &&
+               exists(stagingFile(session.identifier));
+    }
+
+    static bool hasNothing(const std::string& identifier) {
+        return !exists(sessionFile(identifier)) && !exists(backupFile(identifier)) &&
+               !exists(stagingFile(identifier));
+    }
+};
+
+TEST_F(SessionFilesTest, theEndOfASessionRemovesItsFilesOnly) {
+    const Session ended = startWithFiles();
+    const Session other = startWithFiles();
+    endSession(ended.identifier);
+    EXPECT_TRUE(hasNothing(ended.identifier));
+    EXPECT_TRUE(hasEverything(other));
+    EXPECT_FALSE(isLetIn(ended.cookieValue()));
+    EXPECT_TRUE(isLetIn(other.cookieValue()));
+}
+
+TEST_F(SessionFilesTest, anExpiredSessionTakesItsFilesWithIt) {
+    const Session expired = startWithFiles();
+    const Session other = startWithFiles();
+    setAge(sessionFile(expired.identifier), Host::SESSION_IDLE_SECONDS + 1);
+    EXPECT_FALSE(isLetIn(expired.cookieValue()));
+    EXPECT_TRUE(hasNothing(expired.identifier));
+    EXPECT_TRUE(hasEverything(other));
+}
+
+TEST_F(SessionFilesTest, anIdentifierThatIsNoneEndsNothing) {
+    const Session session = startWithFiles();
+    writeText(boardFile("/var/tmp/efi_backup"), "not a session's");
+    writeText(boardFile("/var/precious"), "not a session's");
+    for (const std::string& identifier :
+         {std::string(), std::string("."), std::string("../../precious"), session.cookieValue(),
+          session.identifier.substr(1), session.identifier + "/"}) {
+        endSession(identifier);
+    }
+    EXPECT_TRUE(hasEverything(session));
+    EXPECT_TRUE(exists(boardFile("/var/tmp/efi_backup")));
+    EXPECT_TRUE(exists(boardFile("/var/precious")));
+}
+
+TEST_F(SessionFilesTest, endingASessionTwiceOrWithoutFilesIsFine) {
+    const Session session = Host::startSession("operator", false, "");
+    endSession(session.identifier);
+    endSession(session.identifier);
+    EXPECT_THAT(namesIn(boardFile("/var/lib/session")), IsEmpty());
+    EXPECT_THAT(namesIn(boardFile("/var/tmp")), IsEmpty());
+}
+
+TEST_F(SessionFilesTest, theUploadIsRemovedUnderTheStagingLock) {
+    const Session session = startWithFiles();
+    ChildProcess holder([] {
+        const LockedFile lock(boardFile("/var/tmp/restored_eficonf.lock"));
+        std::cout << "locked" << std::endl;
+        for (;;) {
+            ::pause();
+        }
+        return 0;
+    });
+    ASSERT_EQ(holder.readLine(), "locked");
+    ChildProcess ending([&session] {
+        std::cout << "ending" << std::endl;
+        endSession(session.identifier);
+        return 0;
+    });
+    ASSERT_EQ(ending.readLine(), "ending");
+    while (exists(backupFile(session.identifier))) {
+        ::usleep(1000);
+    }
+    ::usleep(20000);
+    EXPECT_TRUE(exists(stagingFile(session.identifier)));
+    holder.kill();
+    EXPECT_EQ(ending.wait().exitStatus, 0);
+    EXPECT_FALSE(exists(stagingFile(session.identifier)));
+}
+
+TEST_F(SessionFilesTest, aSessionEndsAlsoWhileTheStagingLockCannotBeHad) {
+    const Session session = startWithFiles();
+    const std::string lockPath = boardFile("/var/tmp/restored_eficonf.lock");
+    ASSERT_EQ(::symlink("/nowhere", lockPath.c_str()), 0);
+    EXPECT_NO_THROW(endSession(session.identifier));
+    EXPECT_FALSE(exists(sessionFile(session.identifier)));
+    EXPECT_FALSE(exists(backupFile(session.identifier)));
+    EXPECT_TRUE(exists(stagingFile(session.identifier)));
+    // It is an orphan now, and is found when the lock is sound again.
+    ASSERT_EQ(::unlink(lockPath.c_str()), 0);
+    endExpiredSessions();
+    EXPECT_TRUE(hasNothing(session.identifier));
+}
+
+TEST_F(SessionFilesTest, allExpiredSessionsEndTogether) {
+    const Session idle = startWithFiles();
+    const Session old = startWithFiles();
+    const Session living = startWithFiles();
+    setField(old, "created", std::to_string(old.created - Host::SESSION_LIFE_SECONDS - 1));
+    setAge(sessionFile(idle.identifier), Host::SESSION_IDLE_SECONDS + 1);
+    endExpiredSessions();
+    EXPECT_TRUE(hasNothing(idle.identifier));
+    EXPECT_TRUE(hasNothing(old.identifier));
+    EXPECT_TRUE(hasEverything(living));
+    EXPECT_TRUE(isLetIn(living.cookieValue()));
+}
+
+TEST_F(SessionFilesTest, lookingForExpiredSessionsIsNoUse) {
+    const Session session = startWithFiles();
+    setAge(sessionFile(session.identifier), Host::SESSION_IDLE_SECONDS - 60);
+    endExpiredSessions();
+    setAge(sessionFile(session.identifier), Host::SESSION_IDLE_SECONDS + 1);
+    EXPECT_FALSE(isLetIn(session.cookieValue()));
+}
+
+TEST_F(SessionFilesTest, filesWithoutASessionAreRemoved) {
+    writeText(backupFile(ORPHAN), "backup");
+    writeText(stagingFile(ORPHAN), "upload");
+    writeText(stagingFile("ff00000000000000"), "upload");
+    endExpiredSessions();
+    EXPECT_THAT(namesIn(boardFile("/var/tmp")), ElementsAre("restored_eficonf.lock"));
+}
+
+TEST_F(SessionFilesTest, filesThatAreNoSessionsStay) {
+    const std::vector<std::string> names = {
+        "efi_backup",
+        "efi_backup0123456789ABCDEF",
+        "efi_backup0123456789abcde",
+        "efi_backup0123456789abcdef0",
+        "efi_backup_0123456789abcdef",
+        "my_efi_backup0123456789abcdef",
+        "other",
+        "restored_eficonf.lock",
+        "restored_eficonf0123456789abcdef.dat",
+    };
+    for (const std::string& name : names) {
+        writeText(boardFile("/var/tmp/" + name), "text");
+    }
+    endExpiredSessions();
+    EXPECT_EQ(namesIn(boardFile("/var/tmp")), names);
+}
+
+TEST_F(SessionFilesTest, whatIsNotNamedLikeASessionStaysInTheSessionFolder) {
+    writeText(boardFile("/var/lib/session/README"), "text");
+    writeText(boardFile("/var/lib/session/0123456789ABCDEF"), "text");
+    endExpiredSessions();
+    EXPECT_THAT(namesIn(boardFile("/var/lib/session")), ElementsAre("0123456789ABCDEF", "README"));
+}
+
+TEST_F(SessionFilesTest, aDamagedSessionIsRemovedAndALinkIsNotFollowed) {
+    writeText(sessionFile(ORPHAN), "damaged");
+    const std::string elsewhere = boardFile("/var/precious");
+    writeText(elsewhere, "precious");
+    ASSERT_EQ(::symlink(elsewhere.c_str(), sessionFile("ff00000000000000").c_str()), 0);
+    ASSERT_EQ(::symlink(elsewhere.c_str(), backupFile("ff00000000000001").c_str()), 0);
+    ASSERT_EQ(::symlink(elsewhere.c_str(), stagingFile("ff00000000000002").c_str()), 0);
+    endExpiredSessions();
+    EXPECT_THAT(namesIn(boardFile("/var/lib/session")), IsEmpty());
+    EXPECT_THAT(namesIn(boardFile("/var/tmp")), ElementsAre("restored_eficonf.lock"));
+    EXPECT_EQ(readText(elsewhere), "precious");
+}
+
+TEST_F(SessionFilesTest, aLinkToNothingIsRemovedAsWell) {
+    ASSERT_EQ(::symlink("/nowhere", stagingFile(ORPHAN).c_str()), 0);
+    ASSERT_EQ(::symlink("/nowhere", backupFile(ORPHAN).c_str()), 0);
+    endExpiredSessions();
+    EXPECT_TRUE(hasNothing(ORPHAN));
+}
+
+TEST_F(SessionFilesTest, missingFoldersAreFine) {
+    const ChildResult result = runInChild(
+        [] {
+            endExpiredSessions();
+            return 0;
+        },
+        {.environment = {{"BOARD_ROOT", "/nonexistent"}}, .input = {}});
+    EXPECT_EQ(result.exitStatus, 0) << result.errors;
+}
+
+}  // namespace VeskLib::Test

@@ -1,0 +1,220 @@
+#include "platform/host/web/Session.h"
+
+#include "platform/host/base/platformException.h"
+#include "tests/host/sessionFiles.h"
+#include "tests/support/BoardTest.h"
+#include "tests/support/files.h"
+
+#include <gmock/gmock.h>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <set>
+
+namespace VeskLib::Test {
+
+using Host::Session;
+using Host::startSession;
+using testing::IsEmpty;
+
+class SessionTest : public BoardTest {
+protected:
+    // A session whose user may use two functions.
+    static Session start() { return startSession("operator", false, ",105,106,"); }
+
+    // The session that this cookie value finds; one without an identifier when there is none.
+    static Session find(const std::string& cookieValue) {
+        Session session;
+        Host::findSession(cookieValue, session);
+        return session;
+    }
+};
+
+TEST_F(SessionTest, aSessionIsFoundByItsCookie) {
+    const std::time_t before = std::time(nullptr);
+    const Session started = start();
+    const Session found = find(started.cookieValue());
+    EXPECT_EQ(found.identifier, started.identifier);
+    EXPECT_EQ(found.token, started.token);
+    EXPECT_EQ(found.user, "operator");
+    EXPECT_FALSE(found.everyFunction);
+    EXPECT_EQ(found.functions, ",105,106,");
+    EXPECT_EQ(found.created, started.created);
+    EXPECT_GE(found.created, before);
+    EXPECT_LE(found.created, std::time(nullptr));
+}
+
+TEST_F(SessionTest, theRightToEveryFunctionIsKept) {
+    EXPECT_TRUE(find(startSession("admin", true, "").cookieValue()).everyFunction);
+}
+
+TEST_F(SessionTest, theCookieIsIdentifierAndToken) {
+    const Session session = start();
+    EXPECT_EQ(session.cookieValue(), session.identifier + "-" + session.token);
+    EXPECT_TRUE(Host::isCookieValue(session.cookieValue()));
+    EXPECT_EQ(Host::identifierOf(session.cookieValue()), session.identifier);
+}
+
+TEST_F(SessionTest, everySessionHasAnotherIdentifierAndAnotherToken) {
+    const std::size_t count = 200;
+    std::set<std::string> identifiers;
+    std::set<std::string> tokens;
+    for (std::size_t i = 0; i < count; ++i) {
+        const Session session = start();
+        identifiers.insert(session.identifier);
+        tokens.insert(session.token);
+        EXPECT_EQ(session.token.find(session.identifier), std::string::npos);
+    }
+    EXPECT_EQ(identifiers.size(), count);
+    EXPECT_EQ(tokens.size(), count);
+}
+
+TEST_F(SessionTest, everyDigitOfTheSecretVaries) {
+    std::vector<std::set<char>> seen;
+    for (int i = 0; i < 200; ++i) {
+        const Session session = start();
+        const std::string digits = session.identifier + session.token;
+        seen.resize(digits.size());
+        for (std::size_t place = 0; place < digits.size(); ++place) {
+            seen[place].insert(digits[place]);
+        }
+    }
+    for (std::size_t place = 0; place < seen.size(); ++place) {
+        // 200 random digits that show fewer than 8 of 16 values do not occur.
+        EXPECT_GE(seen[place].size(), 8u) << place;
+    }
+}
+
+TEST_F(SessionTest, theFileIsTheOwnersAlone) {
+    const Session session = start();
+    struct stat status = {};
+    ASSERT_EQ(::stat(sessionFile(session.identifier).c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777U, 0600u);
+    EXPECT_THAT(namesIn(boardFile("/var/lib/session")), testing::ElementsAre(session.identifier));
+}
+
+TEST_F(SessionTest, everyDigitOfTheTokenCounts) {
+    const std::string cookie = start().cookieValue();
+    for (std::size_t place = 17; place < cookie.size(); ++place) {
+        std::string forged = cookie;
+        forged[place] = forged[place] == '0' ? '1' : '0';
+        EXPECT_FALSE(isLetIn(forged)) << place;
+    }
+    EXPECT_TRUE(isLetIn(cookie));
+}
+
+TEST_F(SessionTest, theTokenOfAnotherSessionIsForged) {
+    const Session one = start();
+    const Session other = start();
+    EXPECT_FALSE(isLetIn(one.identifier + "-" + other.token));
+    EXPECT_FALSE(isLetIn(other.identifier + "-" + one.token));
+}
+
+TEST_F(SessionTest, aForgedCookieDoesNotEndTheSession) {
+    const Session session = start();
+    writeText(backupFile(session.identifier), "backup");
+    EXPECT_FALSE(isLetIn(session.identifier + "-" + std::string(32, '0')));
+    EXPECT_TRUE(exists(backupFile(session.identifier)));
+    EXPECT_TRUE(isLetIn(session.cookieValue()));
+}
+
+TEST_F(SessionTest, malformedCookiesFindNothing) {
+    const Session session = start();
+    for (const std::string& cookie :
+         {std::string(), session.identifier, session.token, session.identifier + session.token,
+          session.cookieValue() + " ", " " + session.cookieValue(), session.cookieValue().substr(1),
+          "../session/" + session.cookieValue(), std::string(100000, 'a'),
+          session.identifier + "-"}) {
+        EXPECT_FALSE(isLetIn(cookie)) << cookie.substr(0, 100);
+    }
+}
+
+TEST_F(SessionTest, aFailedSearchLeavesTheOutputAsItIs) {
+    start();
+    Session session;
+    session.user = "unchanged";
+    EXPECT_FALSE(Host::findSession("0000000000000000-" + std::string(32, '0'), session));
+    EXPECT_FALSE(Host::findSession("", session));
+    EXPECT_EQ(session.user, "unchanged");
+    EXPECT_EQ(session.identifier, "");
+}
+
+TEST_F(SessionTest, aUserNameIsTakenAsItIs) {
+    for (const char* user : {"", "a=b", "token=0", "caf\xC3\xA9 <script>", "x\r", " spaces "}) {
+        EXPECT_EQ(find(startSession(user, false, "").cookieValue()).user, user);
+    }
+}
+
+TEST_F(SessionTest, aLineBreakInANameCannotForgeALine) {
+    EXPECT_THROW(startSession("user\nevery_function=1", false, ""), PException);
+    EXPECT_THROW(startSession("user", false, ",105,\nevery_function=1"), PException);
+    EXPECT_THAT(namesIn(boardFile("/var/lib/session")), IsEmpty());
+}
+
+TEST_F(SessionTest, aSessionThatCannotBeStoredIsNotStarted) {
+    std::filesystem::remove_all(boardFile("/var/lib/session"));
+    try {
+        start();
+        ADD_FAILURE() << "started";
+    } catch (const PException& exception) {
+        EXPECT_EQ(exception.getExceptionDetail(), Host::SESSION_NOT_STORED);
+    }
+}
+
+TEST_F(SessionTest, hostileFilesAreNoSessions) {
+    const Session session = start();
+    const std::string path = sessionFile(session.identifier);
+    const std::string sound = readText(path);
+    const std::string noToken = sound.substr(sound.find('\n') + 1);
+    for (const std::string& content :
+         {std::string(), std::string("\n\n\n"), std::string("token"), std::string("="),
+          std::string("token=") + session.token, noToken, "token=\n" + noToken,
+          "token=" + session.token.substr(1) + "\n" + noToken,
+          "token=" + session.token + "0\n" + noToken, "token= " + session.token + "\n" + noToken,
+          "TOKEN=" + session.token + "\n" + noToken, "token=x\n" + sound, std::string(5000, '\0'),
+          std::string(5000, '\xFF'), sound + std::string(16 * 1024, '\n')}) {
+        writeText(path, content);
+        EXPECT_FALSE(isLetIn(session.cookieValue())) << content.substr(0, 200);
+    }
+    writeText(path, sound);
+    EXPECT_TRUE(isLetIn(session.cookieValue()));
+}
+
+TEST_F(SessionTest, linesThatNobodyKnowsArePassedOver) {
+    const Session session = start();
+    const std::string path = sessionFile(session.identifier);
+    writeText(path, readText(path) + "color=blue\nnot a line\ntoken=second\n");
+    EXPECT_TRUE(isLetIn(session.cookieValue()));
+}
+
+TEST_F(SessionTest, onlyTheRightWordGivesEveryFunction) {
+    for (const char* value : {"", "0", "2", "true", "11", " 1", "1 "}) {
+        const Session session = start();
+        setField(session, "every_function", value);
+        EXPECT_FALSE(find(session.cookieValue()).everyFunction) << value;
+        EXPECT_EQ(find(session.cookieValue()).user, "operator");
+    }
+}
+
+TEST_F(SessionTest, aLinkInPlaceOfTheFileIsNotFollowed) {
+    const Session session = start();
+    const std::string path = sessionFile(session.identifier);
+    const std::string elsewhere = boardFile("/var/tmp/elsewhere");
+    std::filesystem::rename(path, elsewhere);
+    ASSERT_EQ(::symlink(elsewhere.c_str(), path.c_str()), 0);
+    EXPECT_FALSE(isLetIn(session.cookieValue()));
+    EXPECT_TRUE(exists(elsewhere));
+}
+
+TEST_F(SessionTest, aFolderOrAPipeInPlaceOfTheFileIsNoSession) {
+    const std::string cookie = "0123456789abcdef-" + std::string(32, '0');
+    std::filesystem::create_directory(sessionFile("0123456789abcdef"));
+    EXPECT_FALSE(isLetIn(cookie));
+    std::filesystem::remove_all(sessionFile("0123456789abcdef"));
+    ASSERT_EQ(::mkfifo(sessionFile("0123456789abcdef").c_str(), 0600), 0);
+    EXPECT_FALSE(isLetIn(cookie));
+}
+
+}  // namespace VeskLib::Test

@@ -1,0 +1,166 @@
+#include "platform/host/html/Skeleton.h"
+
+#include "tests/support/ChildProcess.h"
+#include "tests/support/hostileTexts.h"
+#include "tests/support/markup.h"
+#include "tests/support/printedBy.h"
+#include "tests/support/scriptStrings.h"
+
+#include <VeskLib/Gui/TextString.h>
+
+#include <gmock/gmock.h>
+
+#include <iostream>
+#include <stdexcept>
+
+namespace VeskLib::Test {
+
+using Gui::TextString;
+using Host::Skeleton;
+using testing::ElementsAre;
+
+namespace {
+
+using Components = std::map<std::string, Gui::HTMLComponent*>;
+
+std::string print(const std::string& source, const Components& components = {}) {
+    const Skeleton skeleton(source);
+    return printedBy([&] { skeleton.print(components); });
+}
+
+// Prints the skeleton in a process of its own, whose request asks for `language`.
+std::string printIn(const std::string& language, const std::string& source) {
+    const ChildResult result = runInChild(
+        [&source] {
+            Skeleton(source).print({});
+            return 0;
+        },
+        {.environment = {{"HTTP_ACCEPT_LANGUAGE", language}}, .input = {}});
+    EXPECT_EQ(result.exitStatus, 0) << result.errors;
+    return result.output;
+}
+
+}  // namespace
+
+TEST(SkeletonTest, aComponentIsPrintedAsItPrintsItself) {
+    TextString markup("<b>&</b>", false, true);
+    EXPECT_EQ(print("[{{a}}|{{a}}]", {{"a", &markup}}), "[<b>&</b>|<b>&</b>]");
+}
+
+TEST(SkeletonTest, namesAreLettersDigitsAndUnderscores) {
+    TextString one("1");
+    const Components components = {
+        {"pid0", &one},      {"Hidden_Status_9", &one}, {"_", &one},    {"0", &one},
+        {"language0", &one}, {"ending", &one},          {"iffy", &one}, {"texts", &one}};
+    EXPECT_EQ(print("{{pid0}}{{Hidden_Status_9}}{{_}}{{0}}{{language0}}{{ending}}{{iffy}}{{texts}}",
+                    components),
+              "11111111");
+}
+
+TEST(SkeletonTest, anUnknownNamePrintsNothingWhateverItsPlace) {
+    EXPECT_EQ(print("[{{a}}{{a|script}}{{a|attribute}}{{if a}}x{{end}}]"), "[]");
+    EXPECT_EQ(print("[{{a}}{{a|script}}{{if a}}x{{end}}]", {{"a", nullptr}}), "[]");
+}
+
+TEST(SkeletonTest, aScriptPlaceMakesTheTextAStringOfTheScript) {
+    for (const std::string& text : hostileTexts()) {
+        SCOPED_TRACE(text);
+        TextString component(text, false, true);
+        const std::string printed =
+            print("<script>alert(\"{{a|script}}\");</script>", {{"a", &component}});
+        EXPECT_THAT(tagNamesOf(printed), ElementsAre("script", "/script"));
+        EXPECT_THAT(stringArgumentsOf(scriptsOf(printed).at(0), "alert"), ElementsAre(text));
+    }
+}
+
+TEST(SkeletonTest, anAttributePlaceMakesTheTextAnAttributesValue) {
+    for (const std::string& text : hostileTexts()) {
+        SCOPED_TRACE(text);
+        TextString component(text, false, true);
+        const std::string printed = print("<a href=\"{{a|attribute}}\">", {{"a", &component}});
+        EXPECT_EQ(tagsOf(printed).at(0).attributes,
+                  (std::map<std::string, std::string>{{"href", text}}));
+    }
+}
+
+TEST(SkeletonTest, aConditionLooksOnlyAtTheComponentsBeingThere) {
+    TextString empty("");
+    TextString one("1");
+    EXPECT_EQ(print("[{{if a}}yes{{end}}]", {{"a", &empty}}), "[yes]");
+    EXPECT_EQ(print("[{{if a}}yes{{end}}]", {{"b", &one}}), "[]");
+    EXPECT_EQ(print("{{if a}}{{end}}", {{"a", &one}}), "");
+}
+
+TEST(SkeletonTest, conditionsMayBeNested) {
+    const std::string source = "<{{if a}}A{{if b}}B{{end}}a{{end}}{{if b}}b{{end}}>";
+    TextString one("1");
+    EXPECT_EQ(print(source, {{"a", &one}, {"b", &one}}), "<ABab>");
+    EXPECT_EQ(print(source, {{"a", &one}}), "<Aa>");
+    EXPECT_EQ(print(source, {{"b", &one}}), "<b>");
+    EXPECT_EQ(print(source), "<>");
+}
+
+TEST(SkeletonTest, conditionsMayFollowOneAnotherAndEndTheSkeleton) {
+    TextString one("1");
+    const std::string source =
+        "{{if a}}{{if a}}{{a}}{{end}}{{end}}{{if b}}x{{end}}{{if a}}y{{end}}";
+    EXPECT_EQ(print(source, {{"a", &one}}), "1y");
+    EXPECT_EQ(print(source), "");
+}
+
+TEST(SkeletonTest, captionsAndTheLanguageFollowTheRequest) {
+    EXPECT_EQ(printIn("en", "{{language}}: {{text 1006}}"), "en: Back up");
+    EXPECT_EQ(printIn("ja", "{{language}}: {{text 1006}}"),
+              "ja: \xE3\x83\x90\xE3\x83\x83\xE3\x82\xAF\xE3\x82\xA2\xE3\x83\x83\xE3\x83\x97");
+}
+
+TEST(SkeletonTest, captionsAreEscapedForTheirPlace) {
+    const std::string html = printIn("en", "{{text 9211}}");
+    const std::string attribute = printIn("en", "{{text 9211|attribute}}");
+    const std::string script = printIn("en", "{{text 9211|script}}");
+    EXPECT_EQ(html, attribute);
+    EXPECT_NE(html.find("&quot;Log out&quot;"), std::string::npos) << html;
+    EXPECT_NE(script.find("\\x22Log out\\x22"), std::string::npos) << script;
+}
+
+TEST(SkeletonTest, anUnknownCaptionPrintsNothing) {
+    EXPECT_EQ(printIn("en", "[{{text 32000}}]"), "[]");
+}
+
+TEST(SkeletonTest, bracesThatAreNoMarkAreKept) {
+    EXPECT_EQ(print("a { b } c }} d {x} } }"), "a { b } c }} d {x} } }");
+    EXPECT_EQ(print("{"), "{");
+    EXPECT_EQ(print("}}"), "}}");
+}
+
+TEST(SkeletonTest, theOutputGoesOnAsUsualAfterAComponentThrew) {
+    class Throwing : public Gui::HTMLComponent {
+    public:
+        void printHTML() const override {
+            std::cout << "half";
+            throw std::runtime_error("failed");
+        }
+        bool isError() const override { return true; }
+    };
+    Throwing throwing;
+    const Skeleton skeleton("{{a|script}}");
+    const std::string printed = printedBy([&] {
+        EXPECT_THROW(skeleton.print({{"a", &throwing}}), std::runtime_error);
+        std::cout << "after";
+    });
+    EXPECT_EQ(printed, "after");
+}
+
+TEST(SkeletonTest, knowsItsPieces) {
+    const Skeleton skeleton("a{{b|script}}{{text 9001}}{{if c}}{{language}}{{end}}");
+    const std::vector<Skeleton::Piece>& pieces = skeleton.getPieces();
+    ASSERT_EQ(pieces.size(), 5u);
+    EXPECT_EQ(pieces[0].kind, Skeleton::Kind::PLAIN);
+    EXPECT_EQ(pieces[1].text, "b");
+    EXPECT_EQ(pieces[1].place, Skeleton::Place::SCRIPT);
+    EXPECT_EQ(pieces[2].number, 9001);
+    EXPECT_EQ(pieces[3].next, 5u);
+    EXPECT_EQ(pieces[4].kind, Skeleton::Kind::LANGUAGE);
+}
+
+}  // namespace VeskLib::Test

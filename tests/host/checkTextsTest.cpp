@@ -1,0 +1,111 @@
+#include "tests/support/BoardTest.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/files.h"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+
+// The check that holds the texts together while the board is built.
+
+namespace VeskLib::Test {
+
+using testing::HasSubstr;
+
+class CheckTextsTest : public BoardTest {
+protected:
+    CheckTextsTest()
+        : root(boardFile("/var/tmp/root")), skeleton(boardFile("/var/tmp/skeleton.txt")) {
+        std::filesystem::create_directories(root + "/usr/local/share/catalogue");
+        for (const std::string language : {"en", "ja"}) {
+            makeCatalogue(language, readSource(language));
+        }
+    }
+
+    static std::string readSource(const std::string& language) {
+        return readText(std::string(CATALOGUE_SOURCES) + "/messages_" + language + ".msg");
+    }
+
+    void makeCatalogue(const std::string& language, const std::string& text) const {
+        const std::string source = boardFile("/var/tmp/" + language + ".msg");
+        const std::string catalogue =
+            root + "/usr/local/share/catalogue/messages_" + language + ".cat";
+        std::filesystem::remove(catalogue);
+        writeText(source, text);
+        const ChildResult result = runProgram({GENCAT, catalogue, source});
+        ASSERT_EQ(result.exitStatus, 0) << result.errors;
+    }
+
+    // The Japanese catalogue with a line added.
+    void addToJapanese(const std::string& set, const std::string& line) const {
+        std::string text = readSource("ja");
+        const std::string start = "$set " + set + "\n";
+        text.insert(text.find(start) + start.size(), line + "\n");
+        makeCatalogue("ja", text);
+    }
+
+    ChildResult check(const std::vector<std::string>& skeletons) const {
+        std::vector<std::string> command = {CHECK_TEXTS};
+        command.insert(command.end(), skeletons.begin(), skeletons.end());
+        return runProgram(command, {.environment = {{"BOARD_ROOT", root}}, .input = {}});
+    }
+
+    void expectProblem(const ChildResult& result, const std::string& problem) const {
+        EXPECT_EQ(result.exitStatus, 1);
+        EXPECT_THAT(result.errors, HasSubstr(problem));
+    }
+
+    std::string root;
+    std::string skeleton;
+};
+
+TEST_F(CheckTextsTest, theTextsOfTheBoardAreSound) {
+    std::vector<std::string> skeletons;
+    for (const std::string folder : {PROGRAM_SKELETONS, PLATFORM_SKELETONS, WEB_SKELETONS}) {
+        for (const std::string& name : namesIn(folder)) {
+            skeletons.push_back(folder + "/" + name);
+        }
+    }
+    const ChildResult result = check(skeletons);
+    EXPECT_EQ(result.exitStatus, 0) << result.errors;
+    EXPECT_EQ(result.errors, "");
+    EXPECT_FALSE(skeletons.empty());
+}
+
+TEST_F(CheckTextsTest, aMalformedMarkIsShownByLineAndColumn) {
+    writeText(skeleton, "<p>\n  {{no mark}}\n");
+    expectProblem(check({skeleton}), skeleton + ":2:3: not a mark");
+}
+
+TEST_F(CheckTextsTest, aCaptionThatDoesNotExistIsFound) {
+    writeText(skeleton, "{{text 9001}}{{text 9999|script}}");
+    expectProblem(check({skeleton}), "no caption 9999");
+}
+
+TEST_F(CheckTextsTest, everySkeletonIsLookedAt) {
+    writeText(skeleton, "{{text 9001}}");
+    expectProblem(check({boardFile("/var/tmp/missing.txt"), skeleton}), "missing.txt");
+    expectProblem(check({skeleton, boardFile("/var/tmp/missing.txt")}), "cannot be read");
+}
+
+TEST_F(CheckTextsTest, aTextThatOneLanguageLacksIsFound) {
+    addToJapanese("1", "500 \"extra\"");
+    expectProblem(check({}), "Text 500 of set 1 is not in every language");
+    addToJapanese("2", "9999 \"extra\"");
+    expectProblem(check({}), "Text 9999 of set 2 is not in every language");
+}
+
+TEST_F(CheckTextsTest, conversionsMustBeTheSame) {
+    makeCatalogue("en", "$quote \"\n$set 1\n1 \"%s of %d\"\n2 \"100%% of %s\"\n");
+    makeCatalogue("ja", "$quote \"\n$set 1\n1 \"%d of %s\"\n2 \"%s\"\n");
+    const ChildResult result = check({});
+    expectProblem(result, "Text 1 of set 1 has other conversions in ja");
+    EXPECT_THAT(result.errors, testing::Not(HasSubstr("Text 2 ")));
+}
+
+TEST_F(CheckTextsTest, withoutCataloguesNothingIsSound) {
+    std::filesystem::remove_all(root + "/usr/local/share/catalogue");
+    expectProblem(check({}), "are the catalogues in place?");
+}
+
+}  // namespace VeskLib::Test

@@ -1,0 +1,20 @@
+// Prints a text of every kind. The catalogues are opened once per process, so a test that wants
+// them elsewhere starts this program.
+
+#include "platform/host/text/Catalogue.h"
+
+#include <VeskLib/Gui/MessageMgr.h>
+#include <VeskLib/lmsg_getmsg.h>
+
+#include <iostream>
+
+int main() {
+    using namespace VeskLib;
+    char text[256];
+    std::cout << Gui::MessageMgr(Host::JAPANESE).getMessage(72, 5) << '\n'
+              << Gui::MessageMgr(Host::ENGLISH).getString(1006) << '\n'
+              << lmsg_getmsg(20011, text, "remove", 13) << '\n';
+    const char* found = Host::findText(Host::ENGLISH, Host::TextSet::TRACE, 107);
+    std::cout << (found == nullptr ? "none" : found) << '\n';
+    return 0;
+}

@@ -1,0 +1,88 @@
+#include "platform/host/text/Catalogue.h"
+
+#include "tests/support/ChildProcess.h"
+
+#include <gtest/gtest.h>
+
+namespace VeskLib::Test {
+
+namespace {
+
+// The language is found once per process, so every request is a process of its own.
+std::string languageOf(const Environment& environment) {
+    const ChildResult result = runInChild([] { return Host::requestLanguage(); },
+                                          {.environment = environment, .input = {}});
+    EXPECT_EQ(result.signal, 0) << result.errors;
+    return Host::languageTag(result.exitStatus);
+}
+
+std::string acceptedLanguage(const std::string& header) {
+    return languageOf({{"HTTP_ACCEPT_LANGUAGE", header}});
+}
+
+}  // namespace
+
+TEST(RequestLanguageTest, withoutAnyWishItIsEnglish) {
+    EXPECT_EQ(languageOf({}), "en");
+    EXPECT_EQ(acceptedLanguage(""), "en");
+}
+
+TEST(RequestLanguageTest, theFirstLanguageThatTheBoardHasIsTaken) {
+    const std::map<std::string, std::string> table = {
+        {"ja", "ja"},
+        {"en", "en"},
+        {"ja-JP", "ja"},
+        {"en-GB", "en"},
+        {"ja,en-US;q=0.9,en;q=0.8", "ja"},
+        {"en-US,en;q=0.9,ja;q=0.8", "en"},
+        {"fr-FR, ja;q=0.7, en;q=0.3", "ja"},
+        {"de,fr", "en"},
+        {"*", "en"},
+        {"jav", "en"},
+        {"j", "en"},
+        {"enx,ja", "ja"},
+        {" ja", "ja"},
+        {"  ja ;q=0.5", "ja"},
+        {"fr;q=0.9 , ja ; q=0.5", "ja"},
+        {",,;;,ja", "ja"},
+        {";", "en"},
+        {"-", "en"},
+        {"ja-", "ja"},
+        {"\xFF\xFE,ja", "ja"},
+    };
+    for (const auto& [header, language] : table) {
+        EXPECT_EQ(acceptedLanguage(header), language) << header;
+    }
+}
+
+TEST(RequestLanguageTest, aVeryLongWishIsReadToItsEnd) {
+    std::string header;
+    for (int i = 0; i < 10000; ++i) {
+        header += "fr,";
+    }
+    EXPECT_EQ(acceptedLanguage(header + "ja"), "ja");
+}
+
+TEST(RequestLanguageTest, theOperatorsChoiceWinsOverTheBrowsers) {
+    EXPECT_EQ(languageOf({{"HTTP_COOKIE", "language=ja"}, {"HTTP_ACCEPT_LANGUAGE", "en"}}), "ja");
+    EXPECT_EQ(languageOf({{"HTTP_COOKIE", "a=b; language=en"}, {"HTTP_ACCEPT_LANGUAGE", "ja"}}),
+              "en");
+}
+
+TEST(RequestLanguageTest, aChoiceThatTheBoardDoesNotHaveIsPassedOver) {
+    for (const char* choice : {"fr", "", "jaa", "../../x", "1", "%s"}) {
+        SCOPED_TRACE(choice);
+        const std::string cookie = std::string("language=") + choice;
+        EXPECT_EQ(languageOf({{"HTTP_COOKIE", cookie}, {"HTTP_ACCEPT_LANGUAGE", "ja"}}), "ja");
+        EXPECT_EQ(languageOf({{"HTTP_COOKIE", cookie}}), "en");
+    }
+}
+
+TEST(RequestLanguageTest, anUnknownNumberIsEnglish) {
+    EXPECT_STREQ(Host::languageTag(Host::ENGLISH), "en");
+    EXPECT_STREQ(Host::languageTag(Host::JAPANESE), "ja");
+    EXPECT_STREQ(Host::languageTag(-1), "en");
+    EXPECT_STREQ(Host::languageTag(2), "en");
+}
+
+}  // namespace VeskLib::Test

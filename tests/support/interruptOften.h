@@ -1,0 +1,8 @@
+#pragma once
+
+namespace VeskLib::Test {
+
+// Has a signal interrupt the process's system calls every two milliseconds from now on.
+void interruptOften();
+
+}  // namespace VeskLib::Test

@@ -1,0 +1,253 @@
+#include "platform/host/channel/BackendError.h"
+#include "platform/host/channel/Channel.h"
+#include "platform/host/channel/Login.h"
+#include "tests/support/files.h"
+#include "tests/support/hostileTexts.h"
+#include "tests/support/markup.h"
+#include "tests/web/FakeBackend.h"
+#include "tests/web/WebTest.h"
+
+#include <gmock/gmock.h>
+
+#include <cstdio>
+#include <filesystem>
+
+namespace VeskLib::Test {
+
+namespace {
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::MatchesRegex;
+using testing::Not;
+using testing::SizeIs;
+
+const int LOGIN_REFUSED = 9104;
+const int BACKEND_SILENT = 9105;
+
+Host::ReplyFrame accept(const Host::LoginAnswer& rights) {
+    return {.errorCode = 0, .payload = Host::encode(rights)};
+}
+
+Host::ReplyFrame refuse(unsigned int code) {
+    return {.errorCode = code, .payload = {}};
+}
+
+class LoginTest : public WebTest {
+protected:
+    static CGIResponse run(const WebRequest& request) {
+        return runWebProgram(LOGIN_PROGRAM, request);
+    }
+
+    static CGIResponse post(const std::string& form, const std::string& cookie = "") {
+        return run({.method = "POST", .form = form, .cookie = cookie});
+    }
+
+    // Logs in as a user whom the back-end accepts.
+    static CGIResponse logIn(const std::string& cookie = "") {
+        FakeBackend backend(accept({.everyFunction = false, .functions = ",105,"}));
+        return post("user=admin&password=admin", cookie);
+    }
+
+    // The value that the response gives the session cookie.
+    static std::string newCookie(const CGIResponse& response) {
+        const std::string header = response.header("Set-Cookie");
+        EXPECT_THAT(header, MatchesRegex("session=[0-9a-f]{16}-[0-9a-f]{32}; Path=/; HttpOnly; "
+                                         "SameSite=Strict"));
+        const std::size_t start = header.find('=') + 1;
+        return header.substr(start, header.find(';') - start);
+    }
+
+    static std::string valueOf(const CGIResponse& response, const std::string& field) {
+        for (const Tag& input : tagsOf(response.body, "input")) {
+            if (input.attributes.at("name") == field) {
+                const auto value = input.attributes.find("value");
+                return value == input.attributes.end() ? "" : value->second;
+            }
+        }
+        ADD_FAILURE() << "no field " << field;
+        return {};
+    }
+};
+
+TEST_F(LoginTest, getShowsAnEmptyForm) {
+    const CGIResponse response = run({});
+    expectPage(response, "200 OK", caption(9101));
+    EXPECT_EQ(valueOf(response, "user"), "");
+    EXPECT_EQ(valueOf(response, "password"), "");
+    const std::vector<Tag> forms = tagsOf(response.body, "form");
+    ASSERT_THAT(forms, Not(IsEmpty()));
+    EXPECT_EQ(forms[0].attributes.at("action"), "/login.cgi");
+    EXPECT_EQ(forms[0].attributes.at("method"), "post");
+    EXPECT_THAT(sessionFiles(), IsEmpty());
+}
+
+TEST_F(LoginTest, headAnswersAsGetWithoutTheBody) {
+    EXPECT_EQ(run({.method = "HEAD"}).header("Content-Length"), run({}).header("Content-Length"));
+}
+
+TEST_F(LoginTest, acceptedUserGetsASessionWithTheRightsOfTheBackEnd) {
+    FakeBackend backend(accept({.everyFunction = false, .functions = ",105,106,"}));
+    const CGIResponse response = post("user=admin&password=secret");
+    expectRedirection(response, "/");
+    Host::Session session;
+    ASSERT_TRUE(Host::findSession(newCookie(response), session));
+    EXPECT_EQ(session.user, "admin");
+    EXPECT_EQ(session.functions, ",105,106,");
+    EXPECT_FALSE(session.everyFunction);
+}
+
+TEST_F(LoginTest, everyFunctionOfTheBackEndIsKept) {
+    FakeBackend backend(accept({.everyFunction = true, .functions = ""}));
+    Host::Session session;
+    ASSERT_TRUE(Host::findSession(newCookie(post("user=root&password=x")), session));
+    EXPECT_TRUE(session.everyFunction);
+}
+
+TEST_F(LoginTest, backEndIsAskedWithExactlyWhatWasTyped) {
+    FakeBackend backend(accept({}));
+    post("password=p%26%3D%2B+%25%22&user=J%C3%BCrgen+%3Cb%3E");
+    const std::optional<Host::RequestFrame> request = backend.takeRequest();
+    ASSERT_TRUE(request);
+    EXPECT_EQ(request->kind, Host::RequestKind::LOGIN);
+    EXPECT_EQ(request->sessionIdentifier, "");
+    Host::LoginRequest login;
+    ASSERT_TRUE(Host::decode(request->payload, login));
+    EXPECT_EQ(login.user, "J\xC3\xBCrgen <b>");
+    EXPECT_EQ(login.password, "p&=+ %\"");
+}
+
+TEST_F(LoginTest, refusedUserSeesTheFormAgainWithTheNameAndWithoutThePassword) {
+    FakeBackend backend(refuse(Host::BACKEND_LOGIN_REFUSED));
+    const CGIResponse response = post("user=admin&password=topsecret");
+    expectPage(response, "403 Forbidden", caption(LOGIN_REFUSED));
+    EXPECT_EQ(valueOf(response, "user"), "admin");
+    EXPECT_EQ(valueOf(response, "password"), "");
+    EXPECT_THAT(response.body, Not(HasSubstr("topsecret")));
+    EXPECT_THAT(sessionFiles(), IsEmpty());
+}
+
+TEST_F(LoginTest, refusedLoginIsTracedWithoutWhatWasTyped) {
+    FakeBackend backend(refuse(Host::BACKEND_LOGIN_REFUSED));
+    post("user=typedname&password=topsecret");
+    EXPECT_THAT(trace(), HasSubstr("Login refused, code 1607"));
+    EXPECT_THAT(trace(), Not(HasSubstr("typedname")));
+    EXPECT_THAT(trace(), Not(HasSubstr("topsecret")));
+}
+
+TEST_F(LoginTest, typedNameStaysInItsPlace) {
+    std::string plainTags;
+    for (const std::string& name : hostileTexts()) {
+        FakeBackend backend(refuse(Host::BACKEND_LOGIN_REFUSED));
+        std::string encoded;
+        for (const char character : name) {
+            char code[sizeof "%FF"];
+            std::snprintf(code, sizeof code, "%%%02X", static_cast<unsigned char>(character));
+            encoded += code;
+        }
+        const CGIResponse response = post("user=" + encoded + "&password=x");
+        std::string tags;
+        for (const std::string& tag : tagNamesOf(response.body)) {
+            tags += tag + " ";
+        }
+        plainTags = plainTags.empty() ? tags : plainTags;
+        EXPECT_EQ(tags, plainTags) << name;
+        EXPECT_EQ(valueOf(response, "user"), name);
+    }
+}
+
+TEST_F(LoginTest, missingFieldsAreAskedForAsEmptyTexts) {
+    FakeBackend backend(refuse(Host::BACKEND_LOGIN_REFUSED));
+    expectPage(post(""), "403 Forbidden", caption(LOGIN_REFUSED));
+    const std::optional<Host::RequestFrame> request = backend.takeRequest();
+    ASSERT_TRUE(request);
+    Host::LoginRequest login;
+    ASSERT_TRUE(Host::decode(request->payload, login));
+    EXPECT_EQ(login.user + login.password, "");
+}
+
+TEST_F(LoginTest, absentBackEndHasAMessageOfItsOwn) {
+    const CGIResponse response = post("user=admin&password=topsecret");
+    expectPage(response, "503 Service Unavailable", caption(BACKEND_SILENT) + " [9105-2001]");
+    EXPECT_EQ(valueOf(response, "user"), "admin");
+    EXPECT_THAT(response.body, Not(HasSubstr("topsecret")));
+    EXPECT_THAT(sessionFiles(), IsEmpty());
+}
+
+TEST_F(LoginTest, backEndThatHangsUpIsNoLogin) {
+    FakeBackend backend(std::nullopt);
+    expectPage(post("user=admin&password=admin"), "503 Service Unavailable",
+               caption(BACKEND_SILENT) + " [9105-2003]");
+    EXPECT_THAT(sessionFiles(), IsEmpty());
+}
+
+TEST_F(LoginTest, answerThatIsNoRightsIsNoLogin) {
+    FakeBackend backend(Host::ReplyFrame{.errorCode = 0, .payload = {1, 0, 9, ','}});
+    expectPage(post("user=admin&password=admin"), "503 Service Unavailable",
+               caption(BACKEND_SILENT) + " [9105-2005]");
+    EXPECT_THAT(sessionFiles(), IsEmpty());
+}
+
+TEST_F(LoginTest, otherErrorsOfTheBackEndDoNotBlameThePassword) {
+    FakeBackend backend(refuse(Host::BACKEND_NOT_STORED));
+    expectPage(post("user=admin&password=admin"), "503 Service Unavailable",
+               caption(BACKEND_SILENT) + " [9105-1603]");
+}
+
+TEST_F(LoginTest, presentedSessionIsReplacedAndEnded) {
+    const Host::Session former = Host::startSession("other", false, ",106,");
+    const std::string backup = boardFile("/var/tmp/efi_backup" + former.identifier);
+    writeText(backup, "bytes");
+    const CGIResponse response = logIn(cookieOf(former));
+    EXPECT_NE(newCookie(response), former.cookieValue());
+    Host::Session session;
+    EXPECT_FALSE(Host::findSession(former.cookieValue(), session));
+    EXPECT_FALSE(exists(backup));
+    EXPECT_THAT(sessionFiles(), SizeIs(1));
+}
+
+TEST_F(LoginTest, cookieThatNobodyGaveOutIsNotAdopted) {
+    const std::string forged = "0123456789abcdef-0123456789abcdef0123456789abcdef";
+    EXPECT_NE(newCookie(logIn("session=" + forged)), forged);
+    Host::Session session;
+    EXPECT_FALSE(Host::findSession(forged, session));
+}
+
+TEST_F(LoginTest, sessionOfAnotherBrowserStays) {
+    const Host::Session other = Host::startSession("other", false, "");
+    logIn("session=" + other.identifier + "-00000000000000000000000000000000");
+    Host::Session session;
+    EXPECT_TRUE(Host::findSession(other.cookieValue(), session));
+}
+
+TEST_F(LoginTest, refusedLoginLeavesThePresentedSession) {
+    const Host::Session former = Host::startSession("other", false, "");
+    FakeBackend backend(refuse(Host::BACKEND_LOGIN_REFUSED));
+    post("user=admin&password=x", cookieOf(former));
+    Host::Session session;
+    EXPECT_TRUE(Host::findSession(former.cookieValue(), session));
+}
+
+TEST_F(LoginTest, everyLoginGetsAnotherSession) {
+    EXPECT_NE(newCookie(logIn()).substr(0, 16), newCookie(logIn()).substr(0, 16));
+    EXPECT_THAT(sessionFiles(), SizeIs(2));
+}
+
+TEST_F(LoginTest, expiredSessionsOfOthersEndWithTheNextLogin) {
+    const Host::Session forgotten = Host::startSession("other", false, "");
+    expire(forgotten);
+    logIn();
+    EXPECT_FALSE(exists(boardFile("/var/lib/session/" + forgotten.identifier)));
+}
+
+TEST_F(LoginTest, sessionThatCannotBeStoredIsNoLogin) {
+    std::filesystem::remove_all(boardFile("/var/lib/session"));
+    writeText(boardFile("/var/lib/session"), "a file in the way");
+    expectPage(logIn(), "500 Internal Server Error", "1106");
+    EXPECT_THAT(trace(), HasSubstr("1106"));
+    std::filesystem::remove(boardFile("/var/lib/session"));
+}
+
+}  // namespace
+
+}  // namespace VeskLib::Test

@@ -1,0 +1,88 @@
+// What every web program of the board checks before it looks at a request.
+
+#include "tests/web/FakeBackend.h"
+#include "tests/web/WebTest.h"
+
+#include <gmock/gmock.h>
+
+namespace VeskLib::Test {
+
+namespace {
+
+struct ProgramCase {
+    const char* name;
+    const char* program;
+    const char* allowed;
+};
+
+class EveryProgramTest : public WebTest, public testing::WithParamInterface<ProgramCase> {};
+
+INSTANTIATE_TEST_SUITE_P(Programs, EveryProgramTest,
+                         testing::Values(ProgramCase{"login", LOGIN_PROGRAM, "GET, HEAD, POST"},
+                                         ProgramCase{"logout", LOGOUT_PROGRAM, "POST"},
+                                         ProgramCase{"menu", MENU_PROGRAM, "GET, HEAD, POST"},
+                                         ProgramCase{"download", DOWNLOAD_PROGRAM, "GET, HEAD"}),
+                         [](const testing::TestParamInfo<ProgramCase>& programCase) {
+                             return programCase.param.name;
+                         });
+
+TEST_P(EveryProgramTest, otherMethodsAreNotAllowed) {
+    for (const char* method : {"PUT", "DELETE", "OPTIONS", "get", "", "GET,", "HEAD, POST"}) {
+        const CGIResponse response = runWebProgram(GetParam().program, {.method = method});
+        expectPage(response, "405 Method Not Allowed", caption(9010));
+        EXPECT_EQ(response.header("Allow"), GetParam().allowed) << method;
+    }
+}
+
+class PostTest : public WebTest, public testing::WithParamInterface<const char*> {};
+
+INSTANTIATE_TEST_SUITE_P(Programs, PostTest,
+                         testing::Values(LOGIN_PROGRAM, LOGOUT_PROGRAM, MENU_PROGRAM));
+
+TEST_P(PostTest, postOfAnotherSiteIsRefused) {
+    const std::vector<Environment> foreign = {
+        {{"HTTP_SEC_FETCH_SITE", "cross-site"}},
+        {{"HTTP_SEC_FETCH_SITE", "same-site"}},
+        {{"HTTP_ORIGIN", "http://other.example"}},
+        {{"HTTP_ORIGIN", "http://127.0.0.1:8081"}},
+        {{"HTTP_ORIGIN", "null"}},
+    };
+    for (const Environment& headers : foreign) {
+        FakeBackend backend(std::nullopt);
+        const CGIResponse response = runWebProgram(
+            GetParam(),
+            {.method = "POST", .form = "user=admin&password=admin&language=ja", .more = headers});
+        expectPage(response, "403 Forbidden", caption(9025));
+        EXPECT_FALSE(backend.takeRequest());
+    }
+}
+
+TEST_P(PostTest, postOfThisSiteIsTaken) {
+    const CGIResponse response =
+        runWebProgram(GetParam(), {.method = "POST",
+                                   .form = "user=admin&password=admin&language=ja",
+                                   .more = {{"HTTP_SEC_FETCH_SITE", "same-origin"},
+                                            {"HTTP_ORIGIN", "http://127.0.0.1:8080"}}});
+    EXPECT_NE(response.status, "403 Forbidden");
+}
+
+class FormTest : public WebTest, public testing::WithParamInterface<const char*> {};
+
+INSTANTIATE_TEST_SUITE_P(Programs, FormTest, testing::Values(LOGIN_PROGRAM, MENU_PROGRAM));
+
+TEST_P(FormTest, oversizedFormIsRefusedWhole) {
+    const CGIResponse response = runWebProgram(
+        GetParam(), {.method = "POST", .form = "language=ja&user=" + std::string(100000, 'a')});
+    expectPage(response, "413 Content Too Large", "1108");
+}
+
+TEST_P(FormTest, bodyThatIsCutShortIsRefused) {
+    const CGIResponse response = runWebProgram(
+        GetParam(),
+        {.method = "POST", .form = "language=ja&user=admin", .more = {{"CONTENT_LENGTH", "1000"}}});
+    expectPage(response, "400 Bad Request", "1107");
+}
+
+}  // namespace
+
+}  // namespace VeskLib::Test
