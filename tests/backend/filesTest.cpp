@@ -9,6 +9,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <filesystem>
 
 namespace VeskLib::Test {
 
@@ -104,10 +105,10 @@ TEST_F(Files, replacesALinkAndNotWhatItPointsTo) {
 
 TEST_F(Files, replacesAFileInTheWorkingFolder) {
     const std::string path = at("file");
-    const std::string original = std::string(::get_current_dir_name());
-    ASSERT_EQ(::chdir(at("").c_str()), 0);
+    const std::filesystem::path original = std::filesystem::current_path();
+    std::filesystem::current_path(at(""));
     EXPECT_TRUE(replaceFile("file", {'x'}, 0600));
-    ASSERT_EQ(::chdir(original.c_str()), 0);
+    std::filesystem::current_path(original);
     EXPECT_EQ(readText(path), "x");
 }
 

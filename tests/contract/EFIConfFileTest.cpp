@@ -14,9 +14,11 @@ namespace VeskLib::Test {
 using VeskUi::EFIConfFile;
 
 class EFIConfFileTest : public testing::Test {
+public:
+    ~EFIConfFileTest() override { static_cast<void>(std::remove(path.c_str())); }
+
 protected:
     EFIConfFileTest() : path(getCGIPath("/var/tmp/contract_test.dat")) {}
-    ~EFIConfFileTest() override { static_cast<void>(std::remove(path.c_str())); }
 
     // Both forms refuse the file and leave the outputs as they were.
     void expectRefused(const std::string& content) {

@@ -11,13 +11,14 @@ namespace VeskLib::Test {
 using Gui::HTMLMapUtil;
 
 class HTMLMapUtilTest : public testing::Test {
-protected:
+public:
     ~HTMLMapUtilTest() override {
         for (const auto& entry : components) {
             const std::unique_ptr<Gui::HTMLComponent> owned(entry.second);
         }
     }
 
+protected:
     // Inserts a new component, which the map owns.
     Gui::HTMLComponent* insert(const std::string& name, ProbeCounts& counts) {
         auto component = std::make_unique<ProbeComponent>(name, counts);

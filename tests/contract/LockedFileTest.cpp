@@ -21,12 +21,14 @@
 namespace VeskLib::Test {
 
 class LockedFileTest : public testing::Test {
+public:
+    ~LockedFileTest() override { std::filesystem::remove_all(folder); }
+
 protected:
     LockedFileTest() : folder(getCGIPath("/var/tmp/lock_test_") + std::to_string(::getpid())) {
         std::filesystem::create_directory(folder);
         path = folder + "/lock";
     }
-    ~LockedFileTest() override { std::filesystem::remove_all(folder); }
 
     // A child process that holds the lock, says so, and then waits to be killed.
     static int holdForEver(const std::string& path) {

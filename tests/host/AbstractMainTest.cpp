@@ -53,7 +53,7 @@ protected:
     static CGIResponse runFailing(const TestMain::Work& work, const Environment& environment) {
         const ChildResult result = runRequest(work, environment);
         EXPECT_EQ(result.exitStatus, FAILED) << result.errors;
-        const CGIResponse response =
+        CGIResponse response =
             parseResponse(result.output, environment.contains("REQUEST_METHOD") &&
                                              environment.at("REQUEST_METHOD") == "HEAD");
         EXPECT_THAT(response.body, Not(HasSubstr("THE PAGE")));

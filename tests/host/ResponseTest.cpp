@@ -104,9 +104,10 @@ TEST_F(ResponseTest, everyStatusHasItsReason) {
         {500, "500 Internal Server Error"},
         {503, "503 Service Unavailable"},
     };
-    for (const auto& [status, reason] : reasons) {
-        EXPECT_EQ(responseOf([&](Response& response) { response.setStatus(status); }).status,
-                  reason);
+    for (const auto& entry : reasons) {
+        const CGIResponse response =
+            responseOf([&entry](Response& made) { made.setStatus(entry.first); });
+        EXPECT_EQ(response.status, entry.second);
     }
 }
 

@@ -32,7 +32,7 @@ class SessionFilesTest : public BoardTest {
 protected:
     // A session with a backup and an upload.
     static Session startWithFiles() {
-        const Session session = Host::startSession("operator", false, "");
+        Session session = Host::startSession("operator", false, "");
         writeText(backupFile(session.identifier), "backup");
         writeText(stagingFile(session.identifier), "upload");
         return session;

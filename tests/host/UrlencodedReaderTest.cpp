@@ -153,7 +153,8 @@ TEST(UrlencodedReaderTest, theFormOfAServerFullOfPartitionsFitsIn) {
     std::string form = "hidden_status=2&functionID=106&message=";
     for (int partition = 0; partition < 256; ++partition) {
         const std::string number = std::to_string(partition);
-        form += "&pid" + number + "=" + number + "&check_box=" + number;
+        form.append("&pid").append(number).append("=").append(number);
+        form.append("&check_box=").append(number);
     }
     EXPECT_FALSE(isTooLarge(form));
     EXPECT_LE(form.size(), Host::FormLimits::BODY_LENGTH);

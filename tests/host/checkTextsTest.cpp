@@ -61,10 +61,9 @@ protected:
 
 TEST_F(CheckTextsTest, theTextsOfTheBoardAreSound) {
     std::vector<std::string> skeletons;
-    for (const std::string folder : {PROGRAM_SKELETONS, PLATFORM_SKELETONS, WEB_SKELETONS}) {
-        for (const std::string& name : namesIn(folder)) {
-            skeletons.push_back(folder + "/" + name);
-        }
+    for (const char* folder : {PROGRAM_SKELETONS, PLATFORM_SKELETONS, WEB_SKELETONS}) {
+        const std::vector<std::string> paths = pathsIn(folder);
+        skeletons.insert(skeletons.end(), paths.begin(), paths.end());
     }
     const ChildResult result = check(skeletons);
     EXPECT_EQ(result.exitStatus, 0) << result.errors;

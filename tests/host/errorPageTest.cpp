@@ -39,7 +39,7 @@ CGIResponse respond(const Work& work, const std::string& language = "en") {
         {.environment = {{"REQUEST_METHOD", "GET"}, {"HTTP_ACCEPT_LANGUAGE", language}},
          .input = {}});
     EXPECT_EQ(result.exitStatus, 0) << result.errors;
-    const CGIResponse response = parseResponse(result.output);
+    CGIResponse response = parseResponse(result.output);
     EXPECT_THAT(response.body, Not(HasSubstr("half a page")));
     EXPECT_EQ(response.header("Location"), "");
     return response;
@@ -63,15 +63,16 @@ CGIResponse showException(int messageNumber, long argument) {
 }  // namespace
 
 class ErrorPageTest : public BoardTest {
-protected:
-    ErrorPageTest()
-        : skeleton(boardFile("/usr/local/www/skel/skeleton_error.txt")), aside(skeleton + "~") {}
-
+public:
     ~ErrorPageTest() override {
         if (exists(aside)) {
             std::filesystem::rename(aside, skeleton);
         }
     }
+
+protected:
+    ErrorPageTest()
+        : skeleton(boardFile("/usr/local/www/skel/skeleton_error.txt")), aside(skeleton + "~") {}
 
     void takeSkeletonAway() const { std::filesystem::rename(skeleton, aside); }
 

@@ -32,10 +32,12 @@ void setAge(const std::string& path, std::time_t seconds) {
 
 void setField(const Host::Session& session, const std::string& field, const std::string& value) {
     const std::string path = sessionFile(session.identifier);
+    const std::string start = field + "=";
+    const std::string changed = start + value;
     std::string text;
     for (const std::string& line : linesOf(readText(path))) {
-        const bool wanted = line.starts_with(field + "=");
-        text += (wanted ? field + "=" + value : line) + "\n";
+        text += line.starts_with(start) ? changed : line;
+        text += '\n';
     }
     writeText(path, text);
 }

@@ -19,7 +19,6 @@ namespace VeskLib::Test {
 
 using Gui::TextString;
 using Host::Skeleton;
-using testing::ElementsAre;
 using testing::IsSupersetOf;
 
 namespace {
@@ -81,10 +80,10 @@ TEST(SkeletonFilesTest, theErrorPagePlacesTitleAndMessage) {
 }
 
 TEST(SkeletonFilesTest, noSkeletonLeavesATraceOfWhatIsNotFilled) {
-    for (const std::string& folder : {PROGRAM, PLATFORM, std::string(WEB_SKELETONS)}) {
-        for (const std::string& name : namesIn(folder)) {
-            SCOPED_TRACE(name);
-            const std::string printed = print(folder + "/" + name, {});
+    for (const char* folder : {PROGRAM_SKELETONS, PLATFORM_SKELETONS, WEB_SKELETONS}) {
+        for (const std::string& path : pathsIn(folder)) {
+            SCOPED_TRACE(path);
+            const std::string printed = print(path, {});
             EXPECT_EQ(printed.find("{{"), std::string::npos);
             EXPECT_EQ(printed.find("}}"), std::string::npos);
         }

@@ -185,7 +185,7 @@ std::string ChildProcess::readLine() {
     while (result.output.find('\n') == std::string::npos && Clock::now() < end && exchange()) {
     }
     const std::size_t length = result.output.find('\n');
-    const std::string line = result.output.substr(0, length);
+    std::string line = result.output.substr(0, length);
     result.output.erase(0, length == std::string::npos ? length : length + 1);
     return line;
 }
@@ -239,6 +239,7 @@ ChildResult runProgram(const std::vector<std::string>& command, const ChildSetup
         [&command] {
             std::vector<std::string> words = command;
             std::vector<char*> arguments;
+            arguments.reserve(words.size() + 1);
             for (std::string& word : words) {
                 arguments.push_back(word.data());
             }

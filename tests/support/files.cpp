@@ -24,13 +24,21 @@ void writeText(const std::string& path, std::string_view text) {
 }
 
 std::vector<std::string> namesIn(const std::string& folder) {
-    std::vector<std::string> names;
+    std::vector<std::string> names = pathsIn(folder);
+    for (std::string& name : names) {
+        name.erase(0, name.rfind('/') + 1);
+    }
+    return names;
+}
+
+std::vector<std::string> pathsIn(const std::string& folder) {
+    std::vector<std::string> paths;
     for (const std::filesystem::directory_entry& entry :
          std::filesystem::directory_iterator(folder)) {
-        names.push_back(entry.path().filename().string());
+        paths.push_back(entry.path().string());
     }
-    std::sort(names.begin(), names.end());
-    return names;
+    std::sort(paths.begin(), paths.end());
+    return paths;
 }
 
 std::vector<std::string> linesOf(const std::string& text) {

@@ -12,8 +12,9 @@ std::string readText(const std::string& path);
 // Writes a file anew.
 void writeText(const std::string& path, std::string_view text);
 
-// The names in a folder, sorted.
+// What a folder holds, sorted: the names, or the whole paths.
 std::vector<std::string> namesIn(const std::string& folder);
+std::vector<std::string> pathsIn(const std::string& folder);
 
 // The lines of a text, without their ends. A last line that has no end counts as well.
 std::vector<std::string> linesOf(const std::string& text);

@@ -3,7 +3,7 @@
 namespace VeskLib::Test {
 
 const std::vector<std::string>& hostileTexts() {
-    static const std::vector<std::string> texts = {
+    static const std::vector<std::string> TEXTS = {
         "<script>alert(1)</script>",
         "</script><script>alert(1)</script>",
         "</SCRIPT >",
@@ -26,7 +26,7 @@ const std::vector<std::string>& hostileTexts() {
         "separators \xE2\x80\xA8 and \xE2\x80\xA9",
         "\xE2\x80\xAEtxet desrever\xE2\x80\xAC \xD7\x90\xD7\x91",
     };
-    return texts;
+    return TEXTS;
 }
 
 }  // namespace VeskLib::Test

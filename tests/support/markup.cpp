@@ -24,10 +24,10 @@ std::string toLower(std::string_view text) {
 
 // What the reference `name`, without "&" and ";", stands for; empty when it is none.
 std::string resolveReference(const std::string& name) {
-    static const std::map<std::string, std::string> named = {
+    static const std::map<std::string, std::string> NAMED = {
         {"amp", "&"}, {"lt", "<"}, {"gt", ">"}, {"quot", "\""}, {"apos", "'"}};
-    const auto known = named.find(name);
-    if (known != named.end()) {
+    const auto known = NAMED.find(name);
+    if (known != NAMED.end()) {
         return known->second;
     }
     if (name.size() < 2 || name[0] != '#') {

@@ -68,7 +68,7 @@ private:
     }
 
     std::string readEscape() {
-        static const std::map<char, char> controls = {{'n', '\n'}, {'r', '\r'}, {'t', '\t'},
+        static const std::map<char, char> CONTROLS = {{'n', '\n'}, {'r', '\r'}, {'t', '\t'},
                                                       {'b', '\b'}, {'f', '\f'}, {'v', '\v'}};
         ++position;
         const char kind = position < script.size() ? script[position++] : '\0';
@@ -78,8 +78,8 @@ private:
             position += code.size();
             return encodeUTF8(std::strtoul(code.c_str(), nullptr, 16));
         }
-        const auto control = controls.find(kind);
-        return {control == controls.end() ? kind : control->second};
+        const auto control = CONTROLS.find(kind);
+        return {control == CONTROLS.end() ? kind : control->second};
     }
 
     std::string_view script;

@@ -31,6 +31,7 @@ TEST_F(AbstractBackupRestorePageTest, everyFieldIsSetWhenMade) {
     EXPECT_EQ(&made->messageMgr, &messageMgr);
     EXPECT_EQ(made->displayMode, &displayMode);
     EXPECT_EQ(made->functionNumber, 105);
+    EXPECT_EQ(page.functionNumber, 106);
     EXPECT_EQ(made->traceModule, 29697);
     EXPECT_TRUE(made->componentMap.empty());
     EXPECT_FALSE(made->errorFlag);
