@@ -3,6 +3,7 @@
 #include "tests/scripted/Recorder.h"
 
 #include <cstdarg>
+#include <cstdio>
 #include <cstring>
 #include <string>
 
@@ -10,36 +11,32 @@ namespace {
 
 const std::size_t BUFFER_SIZE = 256;
 
-// "lmsg 20011 [text] [13]", with the arguments that the catalogue's text takes.
-std::string render(int number, va_list arguments) {
-    std::string text = "lmsg " + std::to_string(number);
+// The arguments that the catalogue's text `number` takes.
+const char* argumentsOf(int number) {
     switch (number) {
         case 20011:
         case 20034:
-            text += " [" + std::string(va_arg(arguments, const char*)) + "]";
-            text += " [" + std::to_string(va_arg(arguments, int)) + "]";
-            break;
+            return " [%s] [%d]";
         case 107:
         case 20003:
         case 20020:
-            text += " [" + std::string(va_arg(arguments, const char*)) + "]";
-            break;
+            return " [%s]";
         default:
-            text += " of an unknown number";
-            break;
+            return " of an unknown number";
     }
-    return text;
 }
 
 }  // namespace
 
+// "lmsg 20011 [text] [13]"
 char* lmsg_getmsg(int number, char* buffer, ...) {
-    va_list arguments;
-    va_start(arguments, buffer);
-    const std::string text = render(number, arguments);
-    va_end(arguments);
     VeskLib::Scripted::record("lmsg_getmsg " + std::to_string(number));
     // Uses all the bytes that a caller must give, as a long text would.
     std::memset(buffer, '\0', BUFFER_SIZE);
-    return std::strncpy(buffer, text.c_str(), BUFFER_SIZE - 1);
+    const std::string format = "lmsg " + std::to_string(number) + argumentsOf(number);
+    va_list arguments;
+    va_start(arguments, buffer);
+    std::vsnprintf(buffer, BUFFER_SIZE, format.c_str(), arguments);
+    va_end(arguments);
+    return buffer;
 }

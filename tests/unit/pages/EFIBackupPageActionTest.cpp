@@ -129,9 +129,9 @@ TEST_P(ChoiceTest, isHandedOnUnchecked) {
 INSTANTIATE_TEST_SUITE_P(
     OfThePartition, ChoiceTest,
     testing::Values(ChoiceCase{"0", "00 00 00 00"}, ChoiceCase{"abc", "00 00 00 00"},
-                    ChoiceCase{"", "00 00 00 00"}, ChoiceCase{"07", "00 00 00 07"},
-                    ChoiceCase{" 5x", "00 00 00 05"}, ChoiceCase{"99", "00 00 00 63"},
-                    ChoiceCase{"-1", "FF FF FF FF"}));
+                    ChoiceCase{"", "00 00 00 00"}, ChoiceCase{"010", "00 00 00 0A"},
+                    ChoiceCase{"0x10", "00 00 00 00"}, ChoiceCase{" 5x", "00 00 00 05"},
+                    ChoiceCase{"99", "00 00 00 63"}, ChoiceCase{"-1", "FF FF FF FF"}));
 
 TEST_F(EFIBackupPageActionTest, aRefusedBackupIsANoticeOverTheList) {
     script.replies[0x020100A3].errorCode = 1549;

@@ -1,0 +1,121 @@
+// Makes the worked examples of the documents anew and looks for them there, so that neither can
+// change alone.
+
+#include "board/backend/StoredConfigurations.h"
+#include "data/HardInstallInfoPacket.h"
+#include "data/requestNumbers.h"
+#include "platform/host/channel/BackendError.h"
+#include "platform/host/channel/Frame.h"
+#include "platform/host/channel/Login.h"
+#include "platform/host/channel/boardRecords.h"
+#include "platform/host/storage/ConfigurationFile.h"
+#include "tests/backend/support/ScriptedServer.h"
+#include "tests/backend/support/hexadecimalText.h"
+#include "tests/support/files.h"
+#include "tests/unit/support/wireBytes.h"
+
+#include <VeskLib/VeskUi/PartitionInfoPacket.h>
+#include <VeskLib/VeskUi/VersionInfoPacket.h>
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+
+namespace VeskLib::Test {
+
+using namespace Host;
+
+namespace {
+
+const char* const SESSION = "0123456789abcdef";
+
+// A document as one line, its words parted by single blanks.
+std::string wordsOf(const std::string& name) {
+    std::istringstream stream(readText(std::string(DOCUMENTS) + "/" + name));
+    std::string words = " ";
+    for (std::string word; stream >> word;) {
+        words += word + " ";
+    }
+    return words;
+}
+
+void expectExample(const std::string& document, const Bytes& bytes) {
+    const std::string text = " " + toHexadecimal(bytes) + " ";
+    EXPECT_NE(wordsOf(document).find(text), std::string::npos) << document << ":" << text;
+}
+
+void expectRequest(RequestKind kind, unsigned int number, const Bytes& payload) {
+    const std::string session = kind == RequestKind::LOGIN ? "" : SESSION;
+    expectExample("wire-formats.md", framed(encode(RequestFrame{kind, number, session, payload})));
+}
+
+void expectReply(unsigned int code, const Bytes& payload) {
+    expectExample("wire-formats.md", framed(encode(ReplyFrame{code, payload})));
+}
+
+}  // namespace
+
+TEST(documents, showEveryRequest) {
+    expectRequest(RequestKind::GET, VeskUi::GET_PARTITION_INFO, {});
+    expectRequest(RequestKind::GET, VeskUi::GET_HARD_INSTALL_INFO, {});
+    expectRequest(RequestKind::GET, VeskUi::GET_VERSION_INFO, {});
+    expectRequest(RequestKind::SET, VeskUi::SET_BACKUP, {0, 0, 0, 3});
+    expectRequest(RequestKind::SET, VeskUi::SET_RESTORE, {0, 2, 1, 3});
+    expectRequest(RequestKind::LOGIN, 0, encode(LoginRequest{"admin", "pass"}));
+}
+
+TEST(documents, showAReplyWithoutPayload) {
+    expectReply(0, {});
+    expectReply(BACKEND_LOGIN_REFUSED, {});
+}
+
+TEST(documents, showTheRightsOfAUser) {
+    expectReply(0, encode(LoginAnswer{false, ",105,106,"}));
+}
+
+TEST(documents, showThePartitionTable) {
+    VeskUi::PartitionInfoPacket packet;
+    packet.addPartition({true, "Test", {0x13, 0x21}});
+    packet.addPartition({});
+    expectReply(0, serialize(packet));
+}
+
+TEST(documents, showTheInstalledHardware) {
+    VeskUi::HardInstallInfoPacket packet;
+    packet.systemBoards.records = {{BOARD_INSTALLED}, {BOARD_INSTALLED | BOARD_IS_HOME}};
+    packet.ioBoards.records = {{BOARD_INSTALLED, 0}};
+    expectReply(0, serialize(packet));
+}
+
+TEST(documents, showTheFirmwareVersions) {
+    VeskUi::VersionInfoPacket packet;
+    packet.addBIOSVersion("1.23 B");
+    packet.addBIOSVersion("-");
+    expectReply(0, serialize(packet));
+}
+
+TEST(documents, nameEveryCode) {
+    const std::string words = wordsOf("wire-formats.md");
+    for (const unsigned int code :
+         {1047U, 1539U, 1549U, 1551U, 1601U, 1602U, 1603U, 1604U, 1605U, 1606U, 1607U, 1608U, 1609U,
+          2001U, 2002U, 2003U, 2004U, 2005U}) {
+        EXPECT_NE(words.find("| " + std::to_string(code) + " |"), std::string::npos) << code;
+    }
+}
+
+TEST(documents, showAConfigurationFile) {
+    ConfigurationFile file;
+    file.saveTime = 1236384000;
+    file.partition = 3;
+    file.version = "1.23 B";
+    file.partitionName = "Test";
+    file.payload = {'B', 'o', 'o', 't', '=', '1', '\n'};
+    expectExample("configuration-file.md", encode(file));
+}
+
+TEST(documents, showAStateFile) {
+    expectExample("configuration-file.md", Board::encode(Board::Payloads{{0, {'A'}}, {3, {}}}));
+}
+
+}  // namespace VeskLib::Test
