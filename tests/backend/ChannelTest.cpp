@@ -209,10 +209,7 @@ TEST_F(ChannelTest, backendThatTakesNothingIsATimeout) {
 
 TEST_F(ChannelTest, fullQueueOfTheBackendIsATimeout) {
     const int listener = openBoardSocket(0);
-    std::vector<int> waiting;
-    for (int i = 0; i < 2; ++i) {
-        waiting.push_back(connectToBoardWithoutWaiting());
-    }
+    const int waiting[] = {connectToBoardWithoutWaiting(), connectToBoardWithoutWaiting()};
     Channel channel(SHORT);
     ReplyFrame reply;
     EXPECT_EQ(channel.exchange(makeRequest(), reply), CHANNEL_TIMEOUT);

@@ -13,6 +13,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <future>
 #include <memory>
@@ -32,12 +33,13 @@ const int LONG = 60000;
 const std::uint32_t HELD_REQUEST = 1;
 
 class ServerTest : public RootTest {
-protected:
+public:
     ~ServerTest() override {
         release();
         stop();
     }
 
+protected:
     void start(const ConnectionLimits& limits = {}) {
         server = std::make_unique<Server>(
             socketPath, [this](const RequestFrame& request) { return answer(request); }, limits);
@@ -177,10 +179,8 @@ TEST_F(ServerTest, quietClientsMakeRoomForOthers) {
     limits.connections = 3;
     limits.quietMilliseconds = 1;
     start(limits);
-    std::vector<int> clients;
-    for (int i = 0; i < 10; ++i) {
-        clients.push_back(connectToBoard());
-    }
+    std::vector<int> clients(10);
+    std::generate(clients.begin(), clients.end(), connectToBoard);
     EXPECT_EQ(exchangeOnce(), 0);
     EXPECT_TRUE(receiveBytes(clients.front(), 1).empty());  // the first had to go
     for (const int client : clients) {

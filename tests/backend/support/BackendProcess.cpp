@@ -63,6 +63,7 @@ int BackendProcess::waitForEnd() {
 void BackendProcess::start(std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(), EFI_BACKEND);
     std::vector<char*> pointers;
+    pointers.reserve(arguments.size() + 1);
     for (std::string& argument : arguments) {
         pointers.push_back(argument.data());
     }
