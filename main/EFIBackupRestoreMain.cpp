@@ -3,6 +3,7 @@
 #include "html/MetaTag.h"
 #include "html/componentMaps.h"
 #include "pages/EFIBackupPage.h"
+#include "pages/EFIRestorePage.h"
 
 #include <VeskLib/Gui/HTMLPage.h>
 #include <VeskLib/Gui/JsFunction.h>
@@ -51,8 +52,8 @@ int EFIBackupRestoreMain::individualProc() {
             frameIdentifier = "M-BACKUP_EFI_CONF";
             break;
         case RESTORE_FUNCTION:
-            page = std::make_unique<CommonDefaultPage>(*messageMgr, &displayMode,
-                                                       "/usr/local/www/skel/skeleton_efi_rstr.txt");
+            page =
+                std::make_unique<EFIRestorePage>(*requester, *formInfo, *messageMgr, &displayMode);
             frameIdentifier = "M-RESTOR_EFI_CONF";
             break;
         default: {

@@ -17,15 +17,16 @@ public:
     // after an unknown function number.
     int individualProc() override;
 
+protected:
+    // Prints `page` inside the page shell and deletes both.
+    void printShell(std::unique_ptr<CommonDefaultPage> page, const char* frameIdentifier);
+
 private:
     // 2 when the user may use the function, 0 when not.
     int judgeDisplayMode();
 
     // Ends the request: its function number is missing or unknown.
     void refuseScreenInformation();
-
-    // Prints `page` inside the page shell and deletes both.
-    void printShell(std::unique_ptr<CommonDefaultPage> page, const char* frameIdentifier);
 };
 
 }  // namespace VeskLib::Gui

@@ -40,6 +40,9 @@ protected:
     static const char* const FORM_TARGET;
     static const char* const FORM_NAME;
 
+    // Adds `text` to the message, behind "<br>" when there is one already.
+    void addMessage(const std::string& text);
+
     // Adds `text` to the message, and has it shown as an alert over the page.
     void addNotice(const std::string& text);
 
@@ -49,6 +52,10 @@ protected:
 
     // Adds the notice for a back-end error: the code's own message, or `defaultMessageId`.
     void setErrMsg(int defaultMessageId, int errorCode);
+
+    // Checks the uploaded file and moves it to `stagingPath`, holding the lock. A refusal or
+    // failure becomes a notice; an earlier staged file then stays as it was.
+    void upload(std::string& stagingPath, std::string& lockPath);
 
     // Has the back-end restore the staged file to the partitions of `request`. A notice tells the
     // outcome, success too. The other arguments are not used.
@@ -80,9 +87,17 @@ protected:
     void putHiddenField(const std::string& name, const std::string& field,
                         const std::string& value);
 
+    // The file chooser "filename" and the button "install" that uploads what was chosen.
+    void putFileSelector();
+    void putUploadButton();
+
     // Puts a component into a table row.
     static void addToRow(HTMLItem& row, const std::string& name,
                          std::unique_ptr<HTMLComponent> component);
+
+    // `saveTime` (seconds since 1970-01-01 UTC) as a date of the board's local calendar, such as
+    // 2009-03-07; with an empty `separator` as 20090307.
+    static std::string formatDate(unsigned int saveTime, const std::string& separator);
 
     // Ends the page's construction: builds the page, lets go of the form data, and drops every
     // component when the page holds an error. Called once, last in a page's constructor.
@@ -93,7 +108,8 @@ protected:
     int functionNumber;
 
 private:
-    void addMessage(const std::string& text);
+    bool checkUpload();
+    void moveUpload(const std::string& stagingPath);
 };
 
 }  // namespace VeskLib::Gui

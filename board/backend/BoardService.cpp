@@ -3,6 +3,7 @@
 #include "board/backend/Refusal.h"
 #include "board/backend/backupConfiguration.h"
 #include "board/backend/boardPackets.h"
+#include "board/backend/controlOrder.h"
 #include "board/backend/log.h"
 #include "board/backend/restoreConfiguration.h"
 #include "data/PrimitiveTypeArray.h"
@@ -15,6 +16,7 @@
 
 #include <ctime>
 #include <exception>
+#include <stdexcept>
 #include <utility>
 
 namespace VeskLib::Board {
@@ -68,9 +70,10 @@ const std::string& sessionOf(const Host::RequestFrame& request) {
 }  // namespace
 
 BoardService::BoardService(const BoardDescription& description, ConfigurationStore& store,
-                           std::string restoreLockPath)
+                           FaultSwitches& switches, std::string restoreLockPath)
     : description(description),
       store(store),
+      switches(switches),
       restoreLockPath(std::move(restoreLockPath)),
       authenticator(description.users) {
 }
@@ -97,6 +100,8 @@ BoardService::Bytes BoardService::carryOut(const Host::RequestFrame& request) {
             return {};
         case Host::RequestKind::LOGIN:
             return login(request);
+        case Host::RequestKind::CONTROL:
+            return control(request);
     }
     throw Refusal{Host::BACKEND_MALFORMED_REQUEST, "unknown kind of request"};
 }
@@ -152,7 +157,17 @@ void BoardService::backup(const Host::RequestFrame& request) const {
 void BoardService::restore(const Host::RequestFrame& request) {
     const std::string& session = sessionOf(request);
     const auto targets = readPayload<VeskUi::PrimitiveTypeArray<unsigned char>>(request.payload);
-    restoreConfiguration(description, store, restoreLockPath, session, targets.records);
+    restoreConfiguration(description, store, switches, restoreLockPath, session, targets.records);
+}
+
+BoardService::Bytes BoardService::control(const Host::RequestFrame& request) {
+    try {
+        const std::string answer =
+            carryOutOrder({request.payload.begin(), request.payload.end()}, switches);
+        return {answer.begin(), answer.end()};
+    } catch (const std::invalid_argument& problem) {
+        throw Refusal{Host::BACKEND_MALFORMED_REQUEST, problem.what()};
+    }
 }
 
 }  // namespace VeskLib::Board

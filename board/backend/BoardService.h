@@ -3,6 +3,7 @@
 #include "board/backend/Authenticator.h"
 #include "board/backend/BoardDescription.h"
 #include "board/backend/ConfigurationStore.h"
+#include "board/backend/FaultSwitches.h"
 #include "platform/host/channel/Frame.h"
 
 #include <string>
@@ -13,10 +14,10 @@ namespace VeskLib::Board {
 // Answers the requests of the back-end channel. May be used by several threads at once.
 class BoardService {
 public:
-    // `description` and `store` must outlive the object. `restoreLockPath` names the file that is
-    // locked while a restore is under way.
+    // `description`, `store` and `switches` must outlive the object. `restoreLockPath` names the
+    // file that is locked while a restore is under way.
     BoardService(const BoardDescription& description, ConfigurationStore& store,
-                 std::string restoreLockPath);
+                 FaultSwitches& switches, std::string restoreLockPath);
 
     // Carries `request` out. A refused request is logged with its reason.
     Host::ReplyFrame answer(const Host::RequestFrame& request);
@@ -30,9 +31,11 @@ private:
     Bytes login(const Host::RequestFrame& request);
     void backup(const Host::RequestFrame& request) const;
     void restore(const Host::RequestFrame& request);
+    Bytes control(const Host::RequestFrame& request);
 
     const BoardDescription& description;
     ConfigurationStore& store;
+    FaultSwitches& switches;
     const std::string restoreLockPath;
     Authenticator authenticator;
 };

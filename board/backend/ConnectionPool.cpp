@@ -4,6 +4,7 @@
 #include "platform/host/channel/BackendError.h"
 #include "platform/host/channel/FrameStream.h"
 
+#include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -80,12 +81,26 @@ bool ConnectionPool::answerOne(Connection& connection) {
     }
     Host::RequestFrame request;
     const bool understood = whole && decode(bytes, request);
-    const Host::ReplyFrame reply =
-        understood ? handler(request) : Host::ReplyFrame{Host::BACKEND_MALFORMED_REQUEST, {}};
+    const Answer answer = understood
+                              ? handler(request)
+                              : Answer(Host::ReplyFrame{Host::BACKEND_MALFORMED_REQUEST, {}});
+    if (answer.sentBytes) {
+        sendTorn(connection.descriptor, answer);
+        return false;
+    }
     // Behind a frame that makes no sense nobody knows where the next one begins.
-    return Host::sendFrame(connection.descriptor, encode(reply),
+    return Host::sendFrame(connection.descriptor, encode(answer.reply),
                            Host::Deadline(limits.replyMilliseconds)) == Host::StreamResult::DONE &&
            understood;
+}
+
+void ConnectionPool::sendTorn(int descriptor, const Answer& answer) const {
+    std::vector<unsigned char> framed = Host::withLength(encode(answer.reply));
+    framed.resize(std::min(framed.size(), *answer.sentBytes));
+    Host::sendBytes(descriptor, framed, Host::Deadline(limits.replyMilliseconds));
+    if (framed.empty()) {
+        Host::waitUntilReady(descriptor, POLLIN, Host::Deadline(limits.requestMilliseconds));
+    }
 }
 
 // False when the connection has been asked to make room, which nothing takes back.

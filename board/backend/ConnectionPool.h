@@ -7,11 +7,23 @@
 #include <functional>
 #include <list>
 #include <mutex>
+#include <optional>
 #include <thread>
+#include <utility>
 
 namespace VeskLib::Board {
 
-using RequestHandler = std::function<Host::ReplyFrame(const Host::RequestFrame&)>;
+// What a client gets: a reply, and how much of it when it is to go wrong.
+struct Answer {
+    Answer(Host::ReplyFrame reply) : reply(std::move(reply)) {}  // NOLINT: a reply is an answer
+
+    Host::ReplyFrame reply;
+    // When set, so many bytes of the frame leave, and then the connection ends. Nothing at all
+    // leaves for 0, and the connection stays until the client ends it.
+    std::optional<std::size_t> sentBytes;
+};
+
+using RequestHandler = std::function<Answer(const Host::RequestFrame&)>;
 
 struct ConnectionLimits {
     std::size_t connections = 64;
@@ -60,6 +72,7 @@ private:
 
     void work(Connection& connection);
     bool answerOne(Connection& connection);
+    void sendTorn(int descriptor, const Answer& answer) const;
     bool enter(Connection& connection, State state);
     void endQuietest();
     void shutDownAll(int how);

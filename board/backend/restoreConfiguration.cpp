@@ -66,13 +66,13 @@ bool fitTogether(std::string_view fileVersion, std::string_view targetVersion) {
 
 // Throws Refusal when `target` cannot take the configuration in `file`.
 void checkTarget(const BoardDescription& description, const Host::ConfigurationFile& file,
-                 unsigned int target) {
+                 const FaultSwitches& switches, unsigned int target) {
     const std::string name = "partition " + std::to_string(target);
     if (!description.isInstalled(target)) {
         throw Refusal{Host::BACKEND_NO_PARTITION, "there is no " + name};
     }
     const PartitionDescription& partition = description.partitions[target];
-    if (partition.running) {
+    if (switches.isRunning(target, partition.running)) {
         throw Refusal{Host::BACKEND_PARTITION_RUNNING, name + " is running"};
     }
     Host::ConfigurationFile result = file;
@@ -91,7 +91,8 @@ void checkTarget(const BoardDescription& description, const Host::ConfigurationF
 }  // namespace
 
 void restoreConfiguration(const BoardDescription& description, ConfigurationStore& store,
-                          const std::string& lockPath, const std::string& sessionIdentifier,
+                          const FaultSwitches& switches, const std::string& lockPath,
+                          const std::string& sessionIdentifier,
                           const std::vector<unsigned char>& targets) {
     if (targets.empty()) {
         throw Refusal{Host::BACKEND_NO_TARGETS, "the list of targets is empty"};
@@ -100,7 +101,7 @@ void restoreConfiguration(const BoardDescription& description, ConfigurationStor
     const Host::ConfigurationFile file = readStagedFile(sessionIdentifier);
     const std::set<unsigned int> partitions(targets.begin(), targets.end());
     for (const unsigned int partition : partitions) {
-        checkTarget(description, file, partition);
+        checkTarget(description, file, switches, partition);
     }
     if (!store.replace(partitions, file.payload)) {
         throw Refusal{Host::BACKEND_NOT_STORED, "the configurations cannot be written"};

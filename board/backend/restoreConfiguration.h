@@ -2,6 +2,7 @@
 
 #include "board/backend/BoardDescription.h"
 #include "board/backend/ConfigurationStore.h"
+#include "board/backend/FaultSwitches.h"
 
 #include <string>
 #include <vector>
@@ -15,7 +16,8 @@ namespace VeskLib::Board {
 // `lockPath` names the file that is locked during a restore. A restore that finds it locked is
 // refused at once (BACKEND_RESTORE_BUSY).
 void restoreConfiguration(const BoardDescription& description, ConfigurationStore& store,
-                          const std::string& lockPath, const std::string& sessionIdentifier,
+                          const FaultSwitches& switches, const std::string& lockPath,
+                          const std::string& sessionIdentifier,
                           const std::vector<unsigned char>& targets);
 
 }  // namespace VeskLib::Board

@@ -5,9 +5,11 @@
 #include "board/backend/BoardRoot.h"
 #include "board/backend/BoardService.h"
 #include "board/backend/ConfigurationStore.h"
+#include "board/backend/FaultSwitches.h"
 #include "board/backend/Server.h"
 #include "board/backend/StopSignal.h"
 #include "board/backend/log.h"
+#include "board/backend/restartBackend.h"
 
 #include <unistd.h>
 
@@ -27,18 +29,32 @@ void say(std::string_view text) {
     static_cast<void>(!::write(STDOUT_FILENO, text.data(), text.size()));
 }
 
+// Answers a request as the fault switches want it.
+Answer answerOrFail(BoardService& service, FaultSwitches& switches,
+                    const Host::RequestFrame& request) {
+    if (request.kind == Host::RequestKind::CONTROL) {
+        return service.answer(request);
+    }
+    const FaultSwitches::Fault fault = switches.next(request.number);
+    Answer answer = fault.refused ? Host::ReplyFrame{fault.errorCode, {}} : service.answer(request);
+    answer.sentBytes = fault.sentBytes;
+    return answer;
+}
+
 void serve(const BackendOptions& options) {
     const StopSignal stop;
     const BoardDescription description = loadBoardDescription(options.boardFile);
     const BoardRoot root(options.root);
     ConfigurationStore store(root.statePath(), description);
     root.publishProperties(static_cast<unsigned int>(description.partitions.size()));
-    BoardService service(description, store, root.restoreLockPath());
-    Server server(root.socketPath(), [&service](const Host::RequestFrame& request) {
-        return service.answer(request);
+    FaultSwitches switches;
+    BoardService service(description, store, switches, root.restoreLockPath());
+    Server server(root.socketPath(), [&](const Host::RequestFrame& request) {
+        return answerOrFail(service, switches, request);
     });
     say("ready\n");
     server.run(stop.descriptor());
+    switches.end();
 }
 
 }  // namespace
@@ -54,6 +70,8 @@ int runBackend(int argc, char** argv) {
         say(USAGE);
         return DONE;
     }
+    rememberArguments(argv);
+    waitForReturn();
     try {
         serve(options);
         return DONE;

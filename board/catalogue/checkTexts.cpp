@@ -65,12 +65,14 @@ bool checkCatalogues() {
     return sound && count != 0;
 }
 
-bool checkCaptions(const Skeleton& skeleton, const std::string& path) {
+bool checkTexts(const Skeleton& skeleton, const std::string& path) {
     bool sound = true;
     for (const Skeleton::Piece& piece : skeleton.getPieces()) {
-        if (piece.kind == Skeleton::Kind::CAPTION &&
-            findText(ENGLISH, TextSet::CAPTIONS, piece.number) == nullptr) {
-            std::cerr << path << ": there is no caption " << piece.number << ".\n";
+        const bool message = piece.kind == Skeleton::Kind::MESSAGE;
+        const TextSet set = message ? TextSet::MESSAGES : TextSet::CAPTIONS;
+        if ((message || piece.kind == Skeleton::Kind::CAPTION) &&
+            findText(ENGLISH, set, piece.number) == nullptr) {
+            std::cerr << path << ": there is no text " << piece.number << ".\n";
             sound = false;
         }
     }
@@ -84,7 +86,7 @@ bool checkSkeleton(const std::string& path) {
         return false;
     }
     try {
-        return checkCaptions(Skeleton(std::string(bytes.begin(), bytes.end())), path);
+        return checkTexts(Skeleton(std::string(bytes.begin(), bytes.end())), path);
     } catch (const SkeletonError& error) {
         std::cerr << path << ":" << error.line << ":" << error.column << ": " << error.problem
                   << "\n";

@@ -42,7 +42,8 @@ protected:
     // Asks a back-end that finds the state that the last one left.
     ReplyFrame ask(const RequestFrame& request) const {
         ConfigurationStore store(at("state/configurations"), board);
-        return BoardService(board, store, lockPath).answer(request);
+        FaultSwitches switches;
+        return BoardService(board, store, switches, lockPath).answer(request);
     }
 
     unsigned int code(RequestKind kind, unsigned int number, const Bytes& payload,
@@ -357,7 +358,8 @@ TEST_F(BoardServiceTest, lockThatCannotBeUsedRefusesARestore) {
 TEST_F(BoardServiceTest, restoreThatCannotBeStoredIsRefused) {
     stage(makeFile("1.0", "new"));
     ConfigurationStore store(at("state/configurations"), board);
-    BoardService service(board, store, lockPath);
+    FaultSwitches switches;
+    BoardService service(board, store, switches, lockPath);
     std::filesystem::rename(at("state"), at("away"));
     const ReplyFrame reply =
         service.answer({RequestKind::SET, VeskUi::SET_RESTORE, SESSION, {0, 2, 0, 1}});

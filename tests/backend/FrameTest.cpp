@@ -92,12 +92,12 @@ TEST(Frame, replyOfFewerThanFourBytesIsRefused) {
     }
 }
 
-TEST(Frame, onlyTheThreeKindsAreRequests) {
+TEST(Frame, onlyTheFourKindsAreRequests) {
     for (unsigned int kind = 0; kind < 256; ++kind) {
         Bytes bytes(REQUEST_HEAD);
         bytes[0] = static_cast<unsigned char>(kind);
         RequestFrame read;
-        EXPECT_EQ(decode(bytes, read), kind >= 1 && kind <= 3) << kind;
+        EXPECT_EQ(decode(bytes, read), kind >= 1 && kind <= 4) << kind;
     }
 }
 

@@ -2,6 +2,7 @@
 // change alone.
 
 #include "board/backend/StoredConfigurations.h"
+#include "board/backend/controlOrder.h"
 #include "data/HardInstallInfoPacket.h"
 #include "data/requestNumbers.h"
 #include "platform/host/channel/BackendError.h"
@@ -50,6 +51,10 @@ void expectRequest(RequestKind kind, unsigned int number, const Bytes& payload) 
     expectExample("wire-formats.md", framed(encode(RequestFrame{kind, number, session, payload})));
 }
 
+Bytes bytesOf(const std::string& text) {
+    return {text.begin(), text.end()};
+}
+
 void expectReply(unsigned int code, const Bytes& payload) {
     expectExample("wire-formats.md", framed(encode(ReplyFrame{code, payload})));
 }
@@ -93,6 +98,15 @@ TEST(documents, showTheFirmwareVersions) {
     packet.addBIOSVersion("1.23 B");
     packet.addBIOSVersion("-");
     expectReply(0, serialize(packet));
+}
+
+TEST(documents, showAnOrderOfBoardctl) {
+    const std::string order = "torn 6 2";
+    Board::FaultSwitches switches;
+    const std::string answer = Board::carryOutOrder(order, switches);
+    expectExample("wire-formats.md",
+                  framed(encode(RequestFrame{RequestKind::CONTROL, 0, "", bytesOf(order)})));
+    expectReply(0, bytesOf(answer));
 }
 
 TEST(documents, nameEveryCode) {

@@ -4,17 +4,10 @@ import assert from "node:assert/strict";
 import { readdir, unlink, writeFile } from "node:fs/promises";
 import { after, before, describe, test } from "node:test";
 import { Board } from "./support/board.js";
-import { Client, assertErrorPage } from "./support/client.js";
+import { Client, assertErrorPage, downloadLink } from "./support/client.js";
 import { parseConfigurationFile } from "./support/configurationFile.js";
 
 const SCREEN = "/maintenance/efi_backup_restore.cgi";
-
-// The link of a backup page, as the browser follows it.
-function downloadLink(page) {
-    const link = page.text.match(/id="download" href="([^"]*)"/);
-    assert.ok(link, page.text);
-    return link[1].replaceAll("&amp;", "&");
-}
 
 describe("requests", () => {
     let board;
@@ -118,7 +111,7 @@ describe("requests", () => {
             const page = await other.backUp(3, { hidden_status: "backup" });
             assert.equal(page.status, 200);
             assert.match(page.text, /<table/);
-            assert.doesNotMatch(page.text, /id="download"/);
+            assert.doesNotMatch(page.text, /id="download_link"/);
         });
 
         test("of a text takes partition 0", async () => {
@@ -132,7 +125,7 @@ describe("requests", () => {
                 assert.equal(page.status, 200);
                 assert.match(page.text, /could not be backed up.*\[72-\d+\]/);
                 assert.match(page.text, /<table/);
-                assert.doesNotMatch(page.text, /id="download"/);
+                assert.doesNotMatch(page.text, /id="download_link"/);
             });
         }
 

@@ -190,9 +190,9 @@ TEST_F(ResponseTest, aPageLargerThanAPipeLeavesWholeInSpiteOfSignals) {
     const std::string page(3 * 1024 * 1024, 'p');
     ChildProcess child(
         [&page] {
-            interruptOften();
             Response response;
             std::cout << page;
+            interruptOften();
             return response.send() ? 0 : NOT_SENT;
         },
         GET);

@@ -6,6 +6,7 @@
 
 #include <gmock/gmock.h>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -173,10 +174,23 @@ TEST_F(VeskTraceHostTest, aLinkIsNotFollowed) {
     EXPECT_EQ(readText(elsewhere), "precious");
 }
 
-TEST_F(VeskTraceHostTest, aPipeInPlaceOfTheLogIsPassedOver) {
+TEST_F(VeskTraceHostTest, aPipeInPlaceOfTheLogIsPassedOverWithoutWaiting) {
     ASSERT_EQ(::mkfifo(boardFile(LOG).c_str(), 0600), 0);
-    put("text");
-    SUCCEED();
+    // A child, which would be killed if it waited for the pipe's other end.
+    const auto putInChild = [] {
+        return runInChild([] {
+                   put("text");
+                   return 0;
+               })
+            .exitStatus;
+    };
+    EXPECT_EQ(putInChild(), 0);
+    const int reader = ::open(boardFile(LOG).c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    ASSERT_GE(reader, 0);
+    EXPECT_EQ(putInChild(), 0);
+    char byte = 0;
+    EXPECT_EQ(::read(reader, &byte, 1), 0) << "something was written to the pipe";
+    ::close(reader);
 }
 
 TEST_F(VeskTraceHostTest, aMissingFolderIsPassedOver) {

@@ -78,7 +78,7 @@ TEST_F(CheckTextsTest, aMalformedMarkIsShownByLineAndColumn) {
 
 TEST_F(CheckTextsTest, aCaptionThatDoesNotExistIsFound) {
     writeText(skeleton, "{{text 9001}}{{text 9999|script}}");
-    expectProblem(check({skeleton}), "no caption 9999");
+    expectProblem(check({skeleton}), "there is no text 9999");
 }
 
 TEST_F(CheckTextsTest, everySkeletonIsLookedAt) {

@@ -34,6 +34,24 @@ bool FormInfo::getFormData(const std::string& name, std::string& value) const {
     return true;
 }
 
+std::string FormInfo::getUploadFileName() const {
+    record("getUploadFileName");
+    return state->terminated ? "" : script().uploadName;
+}
+
+std::string FormInfo::getUploadFilePath() const {
+    record("getUploadFilePath");
+    if (script().uploadPathError) {
+        throw makeScriptedException(*script().uploadPathError);
+    }
+    return state->terminated ? "" : script().uploadPath;
+}
+
+unsigned int FormInfo::getUploadFileSize() const {
+    record("getUploadFileSize");
+    return state->terminated ? 0 : script().uploadSize;
+}
+
 void FormInfo::terminate() {
     record("terminate");
     state->terminated = true;

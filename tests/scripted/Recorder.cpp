@@ -12,6 +12,7 @@ namespace {
 struct Records {
     std::vector<std::string> calls;
     std::map<const void*, std::string> living;
+    std::map<std::string, std::exception_ptr> exceptions;  // by the beginning of the line
     unsigned int wrongDeletions = 0;
 };
 
@@ -26,6 +27,11 @@ void record(const std::string& call) {
     records().calls.push_back(call);
     // Any platform call may change errno; the program must have read it before.
     errno = ENOTSUP;
+    for (const auto& [beginning, exception] : records().exceptions) {
+        if (exception != nullptr && call.starts_with(beginning)) {
+            std::rethrow_exception(exception);
+        }
+    }
 }
 
 const std::vector<std::string>& recordedCalls() {
@@ -45,6 +51,10 @@ std::vector<std::string> recordedCalls(const std::vector<std::string>& beginning
 
 void forgetCalls() {
     records().calls.clear();
+}
+
+void throwAt(const std::string& beginning, const std::exception_ptr& exception) {
+    records().exceptions[beginning] = exception;
 }
 
 void forgetRecords() {

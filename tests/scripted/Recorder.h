@@ -1,5 +1,6 @@
 #pragma once
 
+#include <exception>
 #include <string>
 #include <vector>
 
@@ -19,6 +20,10 @@ std::vector<std::string> recordedCalls(const std::vector<std::string>& beginning
 
 // Drops the lines; the objects stay known.
 void forgetCalls();
+
+// From now on the call whose line begins with `beginning` throws `exception`, which may be of any
+// type; the line is recorded before. Null takes that back. Not for deletions.
+void throwAt(const std::string& beginning, const std::exception_ptr& exception);
 
 // Drops everything.
 void forgetRecords();

@@ -36,6 +36,10 @@ struct Script {
     // Gives the back-end's partition table, and as many partition numbers.
     void setPartitions(const std::vector<VeskUi::PartitionInfoPacket::Partition>& partitions);
 
+    // Has the back-end know these BIOS versions, by system board, and which boards are installed.
+    void setVersions(const std::vector<std::string>& versions);
+    void setBoards(const std::set<int>& installed, const std::set<int>& home);
+
     // What the request's cookie says; what it does not say stays as it is.
     std::optional<std::string> sessionText = "the session";
     std::optional<int> messageSet;
@@ -54,6 +58,12 @@ struct Script {
     bool posted = false;
     std::optional<unsigned short> formError;
     std::map<std::string, std::string> formFields;
+
+    // The uploaded file, and the detail with which getUploadFilePath() throws.
+    std::string uploadName;
+    std::string uploadPath;
+    unsigned int uploadSize = 0;
+    std::optional<unsigned short> uploadPathError;
 
     std::string sessionId = "S1";
     std::map<unsigned int, Reply> replies;  // by request number

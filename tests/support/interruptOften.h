@@ -2,7 +2,7 @@
 
 namespace VeskLib::Test {
 
-// Has a signal interrupt the process's system calls every two milliseconds from now on.
+// Has a signal interrupt the process's system calls every ten milliseconds from now on.
 void interruptOften();
 
 }  // namespace VeskLib::Test

@@ -10,6 +10,8 @@
 #include "html/MetaTag.h"
 #include "main/EFIBackupRestoreMain.h"
 #include "pages/EFIBackupPage.h"
+#include "pages/EFIBackupRestorePage.h"
+#include "pages/EFIRestorePage.h"
 
 #include <gmock/gmock.h>
 
@@ -73,6 +75,8 @@ TEST(VirtualOperationsTest, ofPagesKeepTheirPlaces) {
     EXPECT_EQ(placesInPage<Gui::CommonDefaultPage>(), expected);
     EXPECT_EQ(placesInPage<Gui::AbstractBackupRestorePage>(), expected);
     EXPECT_EQ(placesInPage<Gui::EFIBackupPage>(), expected);
+    EXPECT_EQ(placesInPage<Gui::EFIBackupRestorePage>(), expected);
+    EXPECT_EQ(placesInPage<Gui::EFIRestorePage>(), expected);
 }
 
 TEST(VirtualOperationsTest, ofTheMainObjectKeepTheirPlaces) {

@@ -15,6 +15,8 @@ enum PlatformError : unsigned short {
     SESSION_NOT_STORED = 1106,        // the session cannot be written
     REQUEST_MALFORMED = 1107,         // query string or body
     REQUEST_TOO_LARGE = 1108,         // more or longer fields than the limits allow
+    UPLOAD_NOT_STORED = 1109,         // the disk did not take an uploaded file
+    NO_RANDOM_NUMBERS = 1110,         // the kernel gives none
 };
 
 // `text` says what failed and must be constant text.

@@ -3,6 +3,7 @@
 
 #include "platform/host/base/SessionShape.h"
 #include "platform/host/channel/Channel.h"
+#include "platform/host/channel/changes.h"
 
 #include <utility>
 #include <vector>
@@ -59,6 +60,10 @@ bool CGIRequester::getInfo(unsigned int request, VeskUi::SerializableObject& ans
 }
 
 bool CGIRequester::setInfo(unsigned int request, const VeskUi::SerializableObject& data) {
+    if (Host::areChangesForbidden()) {
+        state->errorCode = Host::CHANNEL_NO_AUTHORITY;
+        return false;
+    }
     Host::RequestFrame frame = {Host::RequestKind::SET, request, state->sessionIdentifier, {}};
     if (!giveData(data, frame.payload)) {
         state->errorCode = Host::CHANNEL_BAD_OBJECT;

@@ -7,11 +7,12 @@ namespace VeskLib::Host {
 class Deadline;
 
 // Error codes of the channel itself; all others are the back-end's.
-inline constexpr int CHANNEL_UNREACHABLE = 2001;  // the back-end does not listen
-inline constexpr int CHANNEL_TIMEOUT = 2002;      // no whole reply within the deadline
-inline constexpr int CHANNEL_BROKEN = 2003;       // the connection ended within a frame
-inline constexpr int CHANNEL_MALFORMED = 2004;    // an oversized frame, or not a reply
-inline constexpr int CHANNEL_BAD_OBJECT = 2005;   // the object does not take the reply's bytes
+inline constexpr int CHANNEL_UNREACHABLE = 2001;   // the back-end does not listen
+inline constexpr int CHANNEL_TIMEOUT = 2002;       // no whole reply within the deadline
+inline constexpr int CHANNEL_BROKEN = 2003;        // the connection ended within a frame
+inline constexpr int CHANNEL_MALFORMED = 2004;     // an oversized frame, or not a reply
+inline constexpr int CHANNEL_BAD_OBJECT = 2005;    // the object does not take the reply's bytes
+inline constexpr int CHANNEL_NO_AUTHORITY = 2006;  // the user may not use the function
 
 // For one exchange; shorter than the web server's limit for a CGI program.
 inline constexpr int CHANNEL_DEADLINE_MILLISECONDS = 10000;

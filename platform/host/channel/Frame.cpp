@@ -15,7 +15,7 @@ const std::size_t ERROR_CODE_SIZE = 4;
 
 bool isRequestKind(std::uint8_t kind) {
     return kind >= static_cast<std::uint8_t>(RequestKind::GET) &&
-           kind <= static_cast<std::uint8_t>(RequestKind::LOGIN);
+           kind <= static_cast<std::uint8_t>(RequestKind::CONTROL);
 }
 
 // What stands behind the fields that were read.

@@ -12,15 +12,16 @@ namespace VeskLib::Host {
 inline constexpr std::uint32_t LARGEST_FRAME = 1024 * 1024;
 
 enum class RequestKind : std::uint8_t {
-    GET = 1,    // asks for an object
-    SET = 2,    // sends an object
-    LOGIN = 3,  // asks whether a user name and a password belong together
+    GET = 1,      // asks for an object
+    SET = 2,      // sends an object
+    LOGIN = 3,    // asks whether a user name and a password belong together
+    CONTROL = 4,  // sends an order of boardctl
 };
 
 struct RequestFrame {
     RequestKind kind = RequestKind::GET;
     std::uint32_t number = 0;
-    std::string sessionIdentifier;  // empty for LOGIN
+    std::string sessionIdentifier;  // empty for LOGIN and CONTROL
     std::vector<unsigned char> payload;
 };
 

@@ -66,18 +66,19 @@ bool waitUntilReady(int descriptor, short events, const Deadline& deadline) {
     }
 }
 
-StreamResult sendFrame(int descriptor, const std::vector<unsigned char>& bytes,
-                       const Deadline& deadline) {
-    if (bytes.size() > LARGEST_FRAME) {
-        return StreamResult::OVERSIZED;
-    }
+std::vector<unsigned char> withLength(const std::vector<unsigned char>& bytes) {
     std::vector<unsigned char> framed(LENGTH_SIZE + bytes.size());
     VeskUi::WireWriter writer(framed.data(), framed.size());
     writer.writeU32(static_cast<std::uint32_t>(bytes.size()));
     writer.writeBytes(bytes.data(), bytes.size());
+    return framed;
+}
+
+StreamResult sendBytes(int descriptor, const std::vector<unsigned char>& bytes,
+                       const Deadline& deadline) {
     std::size_t sent = 0;
-    while (sent < framed.size()) {
-        const ssize_t count = ::send(descriptor, framed.data() + sent, framed.size() - sent,
+    while (sent < bytes.size()) {
+        const ssize_t count = ::send(descriptor, bytes.data() + sent, bytes.size() - sent,
                                      MSG_DONTWAIT | MSG_NOSIGNAL);
         if (count >= 0) {
             sent += static_cast<std::size_t>(count);
@@ -90,6 +91,12 @@ StreamResult sendFrame(int descriptor, const std::vector<unsigned char>& bytes,
         }
     }
     return StreamResult::DONE;
+}
+
+StreamResult sendFrame(int descriptor, const std::vector<unsigned char>& bytes,
+                       const Deadline& deadline) {
+    return bytes.size() > LARGEST_FRAME ? StreamResult::OVERSIZED
+                                        : sendBytes(descriptor, withLength(bytes), deadline);
 }
 
 StreamResult receiveFrame(int descriptor, std::vector<unsigned char>& bytes,

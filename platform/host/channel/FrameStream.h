@@ -30,6 +30,13 @@ enum class StreamResult {
 // deadline passes first.
 bool waitUntilReady(int descriptor, short events, const Deadline& deadline);
 
+// A frame's bytes with their length in front, as they travel.
+std::vector<unsigned char> withLength(const std::vector<unsigned char>& bytes);
+
+// Sends bytes as they are. Never raises SIGPIPE.
+StreamResult sendBytes(int descriptor, const std::vector<unsigned char>& bytes,
+                       const Deadline& deadline);
+
 // Sends a frame's bytes with their length in front, in one piece where the socket takes it. Never
 // raises SIGPIPE.
 StreamResult sendFrame(int descriptor, const std::vector<unsigned char>& bytes,

@@ -3,6 +3,8 @@
 #include "platform/host/html/escape.h"
 #include "platform/host/text/Catalogue.h"
 
+#include <VeskLib/Gui/MessageMgr.h>
+
 #include <algorithm>
 #include <charconv>
 #include <iostream>
@@ -79,6 +81,11 @@ void printComponent(const Skeleton::Piece& piece, const Components& components) 
     }
 }
 
+void printMessage(const Skeleton::Piece& piece) {
+    const Gui::MessageMgr messages(requestLanguage());
+    std::cout << escapeFor(piece.place, messages.getMessage(piece.number, piece.code));
+}
+
 void printCaption(const Skeleton::Piece& piece) {
     const char* text = findText(requestLanguage(), TextSet::CAPTIONS, piece.number);
     if (text != nullptr) {
@@ -114,10 +121,8 @@ void Skeleton::parse() {
         position = end + 2;
     }
     if (!openConditions.empty()) {
-        // The mark is "{{if " and the name.
         const auto name = pieces[openConditions.back()].text.data() - text.data();
-        fail(static_cast<std::size_t>(name) - std::string_view("{{if ").size(),
-             "the condition has no end");
+        fail(text.rfind("{{", static_cast<std::size_t>(name)), "the condition has no end");
     }
 }
 
@@ -134,10 +139,8 @@ bool Skeleton::parseMark(std::string_view mark, std::vector<std::size_t>& openCo
         openConditions.pop_back();
         return true;
     }
-    if (takePrefix(mark, "if ")) {
-        openConditions.push_back(pieces.size());
-        pieces.push_back({.kind = Kind::IF, .text = mark});
-        return isName(mark);
+    if (mark.starts_with("if ") || mark.starts_with("unless ")) {
+        return parseCondition(mark, openConditions);
     }
     Piece piece;
     if (takeSuffix(mark, "|script")) {
@@ -150,8 +153,29 @@ bool Skeleton::parseMark(std::string_view mark, std::vector<std::size_t>& openCo
         pieces.push_back(piece);
         return parseNumber(mark, pieces.back().number);
     }
+    if (takePrefix(mark, "message ")) {
+        const std::size_t dash = mark.find('-');
+        piece.kind = Kind::MESSAGE;
+        const bool sound =
+            dash != std::string_view::npos && parseNumber(mark.substr(0, dash), piece.number) &&
+            (mark.substr(dash) == "-0" || parseNumber(mark.substr(dash + 1), piece.code));
+        pieces.push_back(piece);
+        return sound;
+    }
     piece.kind = Kind::COMPONENT;
     piece.text = mark;
+    pieces.push_back(piece);
+    return isName(mark);
+}
+
+bool Skeleton::parseCondition(std::string_view mark, std::vector<std::size_t>& openConditions) {
+    Piece piece;
+    piece.kind = takePrefix(mark, "if ") ? Kind::IF : Kind::UNLESS;
+    if (piece.kind == Kind::UNLESS) {
+        takePrefix(mark, "unless ");
+    }
+    piece.text = mark;
+    openConditions.push_back(pieces.size());
     pieces.push_back(piece);
     return isName(mark);
 }
@@ -177,11 +201,15 @@ void Skeleton::print(const Components& components) const {
             case Kind::CAPTION:
                 printCaption(piece);
                 break;
+            case Kind::MESSAGE:
+                printMessage(piece);
+                break;
             case Kind::LANGUAGE:
                 std::cout << languageTag(requestLanguage());
                 break;
             case Kind::IF:
-                if (find(components, piece.text) == nullptr) {
+            case Kind::UNLESS:
+                if ((find(components, piece.text) != nullptr) != (piece.kind == Kind::IF)) {
                     i = piece.next - 1;  // the loop adds the one again
                 }
                 break;

@@ -19,26 +19,29 @@ struct SkeletonError {
 // A parsed skeleton. Its marks:
 //
 //   {{name}}               the component of that name, as it prints itself
-//   {{name|script}}        the same, safe inside a JavaScript string
-//   {{name|attribute}}     the same, safe inside a quoted attribute value
+//   {{message 33-1028}}    message 33 of the catalogue with its code 1028 ("-0" for no code)
 //   {{text 9001}}          a caption of the catalogue, in the request's language
-//   {{text 9001|script}}   the same, safe inside a JavaScript string
 //   {{language}}           the request's language tag, such as "en"
 //   {{if name}}...{{end}}  printed only when there is a component of that name; may be nested
+//   {{unless name}}...{{end}}  printed only when there is none
+//
+// The first three take "|script" in front of "}}" to be safe inside a JavaScript string, and
+// "|attribute" to be safe inside a quoted attribute value.
 //
 // A name is made of letters, digits and "_". A name that the map does not hold prints nothing.
 // Anything else between {{ and }} is malformed.
 class Skeleton {
 public:
-    enum class Kind { PLAIN, COMPONENT, CAPTION, LANGUAGE, IF };
+    enum class Kind { PLAIN, COMPONENT, MESSAGE, CAPTION, LANGUAGE, IF, UNLESS };
     enum class Place { MARKUP, SCRIPT, ATTRIBUTE };
 
     struct Piece {
         Kind kind = Kind::PLAIN;
         Place place = Place::MARKUP;
         std::string_view text;  // plain text, or a component's name
-        int number = 0;         // of a caption
-        std::size_t next = 0;   // of an IF: the piece behind its end
+        int number = 0;         // of a message or a caption
+        int code = 0;           // of a message
+        std::size_t next = 0;   // of a condition: the piece behind its end
     };
 
     // Throws SkeletonError when a mark is malformed.
@@ -53,6 +56,7 @@ public:
 
 private:
     void parse();
+    bool parseCondition(std::string_view mark, std::vector<std::size_t>& openConditions);
     bool parseMark(std::string_view mark, std::vector<std::size_t>& openConditions);
     [[noreturn]] void fail(std::size_t offset, const char* problem) const;
 

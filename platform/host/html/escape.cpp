@@ -41,7 +41,7 @@ std::string escapeScript(std::string_view text) {
             escaped += rest.back() == '\xA8' ? "\\u2028" : "\\u2029";
             i += 2;
         } else if (byte < 0x20 || byte == 0x7F ||
-                   std::string_view("\"'`\\<>&").find(text[i]) != std::string_view::npos) {
+                   std::string_view("\"'$`\\<>&").find(text[i]) != std::string_view::npos) {
             escaped += "\\x";
             escaped += DIGITS[byte >> 4];
             escaped += DIGITS[byte & 0xF];

@@ -63,11 +63,11 @@ const char* languageTag(int language) {
 }
 
 int requestLanguage() {
-    static const int language = [] {
+    static const int LANGUAGE = [] {
         const int chosen = findLanguage(readCookie(LANGUAGE_COOKIE));
         return chosen >= 0 ? chosen : findAccepted(readEnvironment("HTTP_ACCEPT_LANGUAGE"));
     }();
-    return language;
+    return LANGUAGE;
 }
 
 const char* findText(int language, TextSet set, int number) {

@@ -3,14 +3,12 @@
 #include "platform/host/base/Environment.h"
 #include "platform/host/base/platformException.h"
 #include "platform/host/web/FormLimits.h"
+#include "platform/host/web/MultipartReader.h"
+#include "platform/host/web/RequestBody.h"
+#include "platform/host/web/UploadFile.h"
 #include "platform/host/web/UrlencodedReader.h"
 #include "platform/host/web/requestChecks.h"
 
-#include <unistd.h>
-
-#include <algorithm>
-#include <cerrno>
-#include <charconv>
 #include <map>
 #include <string_view>
 
@@ -21,70 +19,97 @@ using Host::readEnvironment;
 using Host::UrlencodedReader;
 using Host::FormLimits::BODY_LENGTH;
 using Host::FormLimits::QUERY_LENGTH;
+using Host::FormLimits::VALUE_LENGTH;
 
 namespace {
 
 using Fields = std::map<std::string, std::string>;
 
 const std::string_view URLENCODED = "application/x-www-form-urlencoded";
+const std::string_view MULTIPART = "multipart/form-data";
 
-// The announced length of the body; as much as there is when the web server does not say.
-std::size_t bodyLength() {
-    const std::string text = readEnvironment("CONTENT_LENGTH");
-    if (text.empty()) {
-        return std::string::npos;
-    }
-    std::size_t length = 0;
-    const std::from_chars_result result =
-        std::from_chars(text.data(), text.data() + text.size(), length);
-    if (result.ec != std::errc() || result.ptr != text.data() + text.size()) {
-        throw makePlatformException(Host::REQUEST_MALFORMED, "The length of the body is no number");
-    }
-    if (length > BODY_LENGTH) {
-        throw makePlatformException(Host::REQUEST_TOO_LARGE, "The form is too large");
-    }
-    return length;
+// Whether the body is of `type`, whatever parameters follow it.
+bool isBodyType(const std::string& contentType, std::string_view type) {
+    return contentType == type ||
+           (contentType.starts_with(type) && contentType[type.size()] == ';');
 }
 
-// Reads at most `size` bytes of the body; 0 at its end.
-std::size_t readBody(char* buffer, std::size_t size) {
-    for (;;) {
-        const ssize_t count = read(STDIN_FILENO, buffer, size);
-        if (count >= 0) {
-            return static_cast<std::size_t>(count);
-        }
-        if (errno != EINTR) {
-            throw makePlatformException(Host::REQUEST_MALFORMED, "The body cannot be read");
-        }
-    }
+[[noreturn]] void refuseSize(const char* problem) {
+    throw makePlatformException(Host::REQUEST_TOO_LARGE, problem);
 }
 
 void readUrlencodedBody(Fields& fields) {
-    const std::size_t announced = bodyLength();
-    UrlencodedReader reader(fields);
-    char buffer[4096];
-    std::size_t total = 0;
-    while (total < announced) {
-        const std::size_t count = readBody(buffer, std::min(sizeof buffer, announced - total));
-        if (count == 0) {
-            break;
-        }
-        total += count;
-        if (total > BODY_LENGTH) {
-            throw makePlatformException(Host::REQUEST_TOO_LARGE, "The form is too large");
-        }
-        reader.feed({buffer, count});
+    Host::RequestBody body;
+    if (body.announcedLength().value_or(0) > BODY_LENGTH) {
+        refuseSize("The form is too large");
     }
-    if (announced != std::string::npos && total < announced) {
-        throw makePlatformException(Host::REQUEST_MALFORMED, "The body is cut short");
+    UrlencodedReader reader(fields);
+    std::size_t total = 0;
+    for (std::string_view piece = body.next(); !piece.empty(); piece = body.next()) {
+        total += piece.size();
+        if (total > BODY_LENGTH) {
+            refuseSize("The form is too large");
+        }
+        reader.feed(piece);
     }
     reader.finish();
 }
 
-bool isUrlencodedBody() {
-    const std::string type = readEnvironment("CONTENT_TYPE");
-    return type.empty() || type == URLENCODED ||
-           (type.starts_with(URLENCODED) && type[URLENCODED.size()] == ';');
+// Sorts the parts of a form into its fields and its one file.
+class FormParts : public Host::MultipartHandler {
+public:
+    FormParts(Fields& fields, std::string& fileName, Host::UploadFile& file)
+        : fields(fields), fileName(fileName), file(file) {}
+
+    void beginPart(const std::string& partName, const std::string* partFileName) override {
+        name = partName;
+        value.clear();
+        inFile = partFileName != nullptr;
+        if (inFile && hasFile) {
+            throw makePlatformException(Host::REQUEST_MALFORMED, "There is more than one file");
+        }
+        if (inFile) {
+            hasFile = true;
+            fileName = *partFileName;
+        }
+    }
+
+    void takeBytes(std::string_view bytes) override {
+        if (inFile) {
+            file.write(bytes);
+            return;
+        }
+        total += bytes.size();
+        if (value.size() + bytes.size() > VALUE_LENGTH || total > BODY_LENGTH) {
+            refuseSize("A field value is too long");
+        }
+        value += bytes;
+    }
+
+    void endPart() override {
+        if (!inFile) {
+            fields.emplace(name, value);
+        }
+    }
+
+private:
+    Fields& fields;
+    std::string& fileName;
+    Host::UploadFile& file;
+    std::string name;
+    std::string value;
+    bool inFile = false;
+    bool hasFile = false;
+    std::size_t total = 0;
+};
+
+void readMultipartBody(const std::string& contentType, FormParts& parts) {
+    Host::RequestBody body;
+    Host::MultipartReader reader(contentType, parts);
+    for (std::string_view piece = body.next(); !piece.empty(); piece = body.next()) {
+        reader.feed(piece);
+    }
+    reader.finish();
 }
 
 void readQuery(Fields& fields) {
@@ -100,7 +125,49 @@ void readQuery(Fields& fields) {
 }  // namespace
 
 struct FormInfo::State {
+    // Reads the request, once. One that is refused holds nothing at all: a form of which only a
+    // part has arrived must not be acted upon.
+    void readOnce() {
+        if (read) {
+            return;
+        }
+        read = true;
+        try {
+            // The form first: the first field of a name counts.
+            readBody();
+            readQuery(fields);
+        } catch (...) {
+            letGo();
+            throw;
+        }
+    }
+
+    // Whether the request was read or not: there is nothing to be found any more.
+    void letGo() {
+        read = true;
+        fields.clear();
+        fileName.clear();
+        file.remove();
+    }
+
     Fields fields;
+    std::string fileName;
+    Host::UploadFile file;
+
+private:
+    void readBody() {
+        if (!Host::isPost()) {
+            return;
+        }
+        const std::string contentType = readEnvironment("CONTENT_TYPE");
+        if (isBodyType(contentType, MULTIPART)) {
+            FormParts parts(fields, fileName, file);
+            readMultipartBody(contentType, parts);
+        } else if (contentType.empty() || isBodyType(contentType, URLENCODED)) {
+            readUrlencodedBody(fields);
+        }
+    }
+
     bool read = false;
 };
 
@@ -112,14 +179,7 @@ FormInfo::FormInfo() : state(std::make_unique<State>()) {
 FormInfo::~FormInfo() = default;
 
 bool FormInfo::getFormData(const std::string& name, std::string& value) const {
-    if (!state->read) {
-        state->read = true;
-        // The form first: the first field of a name counts.
-        if (Host::isPost() && isUrlencodedBody()) {
-            readUrlencodedBody(state->fields);
-        }
-        readQuery(state->fields);
-    }
+    state->readOnce();
     const auto field = state->fields.find(name);
     if (field == state->fields.end()) {
         return false;
@@ -128,9 +188,23 @@ bool FormInfo::getFormData(const std::string& name, std::string& value) const {
     return true;
 }
 
+std::string FormInfo::getUploadFileName() const {
+    state->readOnce();
+    return state->fileName;
+}
+
+std::string FormInfo::getUploadFilePath() const {
+    state->readOnce();
+    return state->file.path();
+}
+
+unsigned int FormInfo::getUploadFileSize() const {
+    state->readOnce();
+    return state->file.size();
+}
+
 void FormInfo::terminate() {
-    state->read = true;  // whether it was or not: there is nothing to be found any more
-    state->fields.clear();
+    state->letGo();
 }
 
 }  // namespace VeskLib::Gui

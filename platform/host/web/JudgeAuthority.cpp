@@ -1,16 +1,24 @@
 #include <VeskLib/Gui/JudgeAuthority.h>
 
+#include "platform/host/channel/changes.h"
+
 namespace VeskLib::Gui {
 
 int JudgeAuthority::preCheckDisplayMode(CGIRequester& /*requester*/) {
     return authority->everyFunction != 0 ? 1 : 0;
 }
 
+// The pages look at the display mode only when they build their forms, behind what was posted; so a
+// user without the right is kept from changing anything here.
+//
 // Rights do not differ between partitions here, so `partition` is not looked at.
 int JudgeAuthority::getDisplayMode() {
     const bool listed =
         authority->functions != nullptr &&
         authority->functions->find("," + std::to_string(functionNumber) + ",") != std::string::npos;
+    if (!listed) {
+        Host::forbidChanges();
+    }
     return listed ? 2 : 0;
 }
 

@@ -18,7 +18,8 @@ const char* const FIXED_HEADERS =
     "X-Content-Type-Options: nosniff\r\n"
     "Referrer-Policy: same-origin\r\n"
     "Content-Security-Policy: default-src 'none'; style-src 'self'; img-src 'self'; "
-    "script-src 'unsafe-inline'; form-action 'self'; base-uri 'none'; frame-ancestors 'none'\r\n";
+    "script-src 'self' 'unsafe-inline'; form-action 'self'; base-uri 'none'; "
+    "frame-ancestors 'none'\r\n";
 
 const char* reasonPhrase(int status) {
     switch (status) {

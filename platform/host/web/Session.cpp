@@ -3,13 +3,13 @@
 #include "platform/host/base/SystemPath.h"
 #include "platform/host/base/platformException.h"
 #include "platform/host/storage/files.h"
+#include "platform/host/web/randomText.h"
 
 #include <VeskLib/LockedFile.h>
 #include <VeskLib/getCGIPath.h>
 
 #include <dirent.h>
 #include <fcntl.h>
-#include <sys/random.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -30,26 +30,13 @@ const std::size_t LARGEST_SESSION_FILE = 16 * 1024;
 const int SESSION_FILE_MODE = 0600;
 // The last use is kept to this precision, so that not every request writes.
 const std::time_t USE_PRECISION_SECONDS = 60;
+// An upload has a name for a moment only, before it is moved or removed.
+const std::time_t UPLOAD_LIFE_SECONDS = 60 * 60;
 const std::size_t IDENTIFIER_BYTES = 8;
 const std::size_t TOKEN_BYTES = 16;
 
 std::string sessionPath(const std::string& identifier) {
     return getCGIPath(SESSION_FOLDER) + "/" + identifier;
-}
-
-// Random bytes of the kernel, as lower-case hexadecimal digits.
-std::string makeRandomText(std::size_t byteCount) {
-    static const char DIGITS[] = "0123456789abcdef";
-    unsigned char bytes[TOKEN_BYTES];
-    if (getrandom(bytes, byteCount, 0) != static_cast<ssize_t>(byteCount)) {
-        throw makePlatformException(SESSION_NOT_STORED, "No random numbers");
-    }
-    std::string text;
-    for (std::size_t i = 0; i < byteCount; ++i) {
-        text += DIGITS[bytes[i] >> 4];
-        text += DIGITS[bytes[i] & 0xF];
-    }
-    return text;
 }
 
 // Takes as long for every token, so that time tells nothing of how many characters are right.
@@ -153,6 +140,18 @@ std::string identifierOfFile(const std::string& name) {
     return {};
 }
 
+// Removes an upload whose process died between giving it its name and moving it.
+void removeIfOldUpload(const std::string& name) {
+    const std::string_view upload = UPLOAD_FILE;
+    const std::string path = getCGIPath("/var/tmp/") + name;
+    struct stat status = {};
+    if (name.starts_with(upload.substr(upload.rfind('/') + 1)) &&
+        lstat(path.c_str(), &status) == 0 &&
+        std::time(nullptr) - status.st_mtime > UPLOAD_LIFE_SECONDS) {
+        unlink(path.c_str());
+    }
+}
+
 }  // namespace
 
 std::string Session::cookieValue() const {
@@ -214,8 +213,10 @@ void endExpiredSessions() {
         }
     };
     forEachName(getCGIPath(SESSION_FOLDER), endIfDead);
-    forEachName(getCGIPath("/var/tmp"),
-                [&](const std::string& name) { endIfDead(identifierOfFile(name)); });
+    forEachName(getCGIPath("/var/tmp"), [&](const std::string& name) {
+        endIfDead(identifierOfFile(name));
+        removeIfOldUpload(name);
+    });
 }
 
 }  // namespace VeskLib::Host

@@ -39,7 +39,7 @@ bool findSession(const std::string& cookieValue, Session& session);
 // Ends the session: removes it and its files under /var/tmp. Every other session's stay.
 void endSession(const std::string& identifier);
 
-// Ends all sessions that have expired.
+// Ends all sessions that have expired, and removes uploads whose request has died.
 void endExpiredSessions();
 
 }  // namespace VeskLib::Host

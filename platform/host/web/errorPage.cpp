@@ -1,5 +1,6 @@
 #include "platform/host/web/errorPage.h"
 
+#include "platform/host/base/Environment.h"
 #include "platform/host/base/platformException.h"
 #include "platform/host/html/escape.h"
 #include "platform/host/html/messageLines.h"
@@ -84,15 +85,20 @@ void printErrorPage(const ErrorPage& page, Response& response) {
 
 void printExceptionPage(const PException& exception, Response& response) {
     trace::VeskTrace(1, 1, 1).putLog(0, describe(exception).c_str());
-    const bool tooLarge = exception.getExceptionDetail() == REQUEST_TOO_LARGE;
-    const bool malformed = exception.getExceptionDetail() == REQUEST_MALFORMED;
-    const int number = tooLarge ? 9022 : malformed ? 9023 : 9020;
-    const int status = tooLarge ? 413 : malformed ? 400 : 500;
-    printErrorPage(
-        {.status = status,
-         .title = caption(9010),
-         .message = caption(number) + " [" + std::to_string(exception.getExceptionDetail()) + "]"},
-        response);
+    const int detail = exception.getExceptionDetail();
+    const std::string code = " [" + std::to_string(detail) + "]";
+    ErrorPage page = {.status = 500, .title = caption(9010), .message = caption(9020) + code};
+    if (detail == REQUEST_TOO_LARGE) {
+        page.status = 413;
+        page.message = caption(9022) + code;
+    } else if (detail == REQUEST_MALFORMED) {
+        page.status = 400;
+        // Only a form with a file is sent in parts.
+        page.message = readEnvironment("CONTENT_TYPE").starts_with("multipart/")
+                           ? Gui::MessageMgr(requestLanguage()).getMessage(30, detail)
+                           : caption(9023) + code;
+    }
+    printErrorPage(page, response);
 }
 
 ErrorPage makeMethodPage() {

@@ -1,20 +1,29 @@
 // Starts a board for a test, in a folder of its own and on a free port, and ends it.
 
-import { spawn } from "node:child_process";
+import { execFile as execFileCallback, spawn } from "node:child_process";
 import { once } from "node:events";
-import { mkdtemp, readFile, readdir, rm, utimes } from "node:fs/promises";
+import { copyFile, mkdtemp, readFile, readdir, rm, utimes, writeFile } from "node:fs/promises";
 import { tmpdir } from "node:os";
 import path from "node:path";
 import readline from "node:readline";
 import { fileURLToPath } from "node:url";
+import { promisify } from "node:util";
+
+const execFile = promisify(execFileCallback);
 
 const project = fileURLToPath(new URL("../../..", import.meta.url));
 
 export class Board {
-    // Starts `./serve` without building; BOARD_PRESET names the build that is served.
-    static async start() {
+    // Starts `./serve` without building; BOARD_PRESET names the build that is served. `description`
+    // is the text of a board description; without one it is the demo board's.
+    static async start(description) {
         const board = new Board();
         board.root = await mkdtemp(path.join(tmpdir(), "board-"));
+        board.options = [];
+        if (description !== undefined) {
+            await writeFile(board.path("test.toml"), description);
+            board.options = ["--board", board.path("test.toml")];
+        }
         await board.serve();
         return board;
     }
@@ -23,7 +32,7 @@ export class Board {
         const preset = process.env.BOARD_PRESET ?? "release";
         this.process = spawn(
             path.join(project, "serve"),
-            ["--port", "0", "--root", this.root, "--no-build", "--preset", preset],
+            ["--port", "0", "--root", this.root, "--no-build", "--preset", preset, ...this.options],
             { stdio: ["ignore", "pipe", "pipe"] },
         );
         let output = "";
@@ -76,6 +85,24 @@ export class Board {
         for (const name of await this.sessions()) {
             await utimes(this.path("var/lib/session", name), then, then);
         }
+    }
+
+    // Serves a program of the tests in place of the screen's own.
+    async replaceScreen(program) {
+        const preset = process.env.BOARD_PRESET ?? "release";
+        const screen = this.path("usr/local/www/htdocs/maintenance/efi_backup_restore.cgi");
+        await rm(screen);
+        await copyFile(path.join(project, "build", preset, program), screen);
+    }
+
+    // Gives the running back-end an order of boardctl; the answer is what boardctl prints.
+    async control(...words) {
+        const { stdout } = await execFile(this.path("usr/local/bin/boardctl"), [
+            "--root",
+            this.root,
+            ...words.map(String),
+        ]);
+        return stdout;
     }
 
     // The process number of this board's back-end.

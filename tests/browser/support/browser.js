@@ -1,5 +1,6 @@
 // A real browser with its own profile and download folder, and what tests do with its pages.
 
+import assert from "node:assert/strict";
 import { mkdtemp, readFile, readdir, rm } from "node:fs/promises";
 import { tmpdir } from "node:os";
 import path from "node:path";
@@ -18,20 +19,37 @@ const CHROMIUM = {
     ],
 };
 
+const FIREFOX = {
+    browser: "firefox",
+    executablePath: "/usr/bin/firefox-esr",
+};
+
+export const BROWSERS = ["chromium", "firefox"];
+
 // How long a test waits for what must happen; far above what it takes.
 const PATIENCE_MILLISECONDS = 30000;
 
 export class Browser {
-    static async start(language = "en") {
+    static async start(language = "en", kind = "chromium") {
         const browser = new Browser();
         browser.folder = await mkdtemp(path.join(tmpdir(), "browser-"));
         browser.downloads = await mkdtemp(path.join(browser.folder, "downloads-"));
-        browser.process = await puppeteer.launch({
-            ...CHROMIUM,
-            args: [...CHROMIUM.args, `--accept-lang=${language}`],
-            userDataDir: path.join(browser.folder, "profile"),
-            downloadBehavior: { policy: "allow", downloadPath: browser.downloads },
-        });
+        const profile = path.join(browser.folder, "profile");
+        browser.chromium = kind === "chromium";
+        browser.process = await puppeteer.launch(
+            browser.chromium
+                ? {
+                      ...CHROMIUM,
+                      args: [...CHROMIUM.args, `--accept-lang=${language}`],
+                      userDataDir: profile,
+                      downloadBehavior: { policy: "allow", downloadPath: browser.downloads },
+                  }
+                : {
+                      ...FIREFOX,
+                      userDataDir: profile,
+                      extraPrefsFirefox: { "intl.accept_languages": language },
+                  },
+        );
         return browser;
     }
 
@@ -41,17 +59,31 @@ export class Browser {
     }
 
     // A new page in a context of its own, so that tests do not share cookies. `page.alerts`
-    // collects the alerts, which are accepted at once.
+    // collects the alerts and questions, which are accepted at once; with `page.accept` false they
+    // are dismissed.
     async newPage() {
-        const context = await this.process.createBrowserContext({
-            downloadBehavior: { policy: "allow", downloadPath: this.downloads },
-        });
+        const context = await this.process.createBrowserContext(
+            this.chromium
+                ? { downloadBehavior: { policy: "allow", downloadPath: this.downloads } }
+                : {},
+        );
         const page = await context.newPage();
         page.setDefaultTimeout(PATIENCE_MILLISECONDS);
         page.alerts = [];
+        page.accept = true;
+        // The text of the newest alert, once it fits: alerts reach the test a little later than
+        // what raised them.
+        page.waitForAlert = async (words) => {
+            const deadline = Date.now() + PATIENCE_MILLISECONDS;
+            while (!words.test(page.alerts.at(-1) ?? "") && Date.now() < deadline) {
+                await sleep(20);
+            }
+            assert.match(page.alerts.at(-1) ?? "no alert", words);
+            return page.alerts.at(-1);
+        };
         page.on("dialog", async (dialog) => {
             page.alerts.push(dialog.message());
-            await dialog.accept();
+            await (page.accept ? dialog.accept() : dialog.dismiss());
         });
         return page;
     }

@@ -58,3 +58,10 @@ export function assertErrorPage(answer, status, words) {
     assert.match(answer.text, /<\/html>\s*$/);
     assert.match(answer.text, words);
 }
+
+// The link of a backup page, as the browser follows it.
+export function downloadLink(page) {
+    const link = page.text.match(/id="download_link" href="([^"]*)"/);
+    assert.ok(link, page.text);
+    return link[1].replaceAll("&amp;", "&");
+}

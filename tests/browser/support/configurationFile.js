@@ -1,4 +1,4 @@
-// Reads an EFI configuration file as docs/configuration-file.md describes it.
+// Reads and makes an EFI configuration file as docs/configuration-file.md describes it.
 
 import assert from "node:assert/strict";
 
@@ -32,4 +32,20 @@ export function parseConfigurationFile(bytes) {
         name: bytes.toString("utf8", name, payload),
         payload: bytes.subarray(payload, end),
     };
+}
+
+export function makeConfigurationFile({ saveTime, partition, version, name, payload }) {
+    const [versionBytes, nameBytes] = [Buffer.from(version), Buffer.from(name)];
+    const head = Buffer.alloc(28);
+    head.write("EFICONF\x1a", "latin1");
+    head.writeUInt32BE(1, 8);
+    head.writeUInt32BE(saveTime, 12);
+    head.writeUInt32BE(partition, 16);
+    head.writeUInt16BE(versionBytes.length, 20);
+    head.writeUInt16BE(nameBytes.length, 22);
+    head.writeUInt32BE(payload.length, 24);
+    const content = Buffer.concat([head, versionBytes, nameBytes, payload]);
+    const check = Buffer.alloc(4);
+    check.writeUInt32BE(crc32(content));
+    return Buffer.concat([content, check]);
 }

@@ -54,9 +54,11 @@ TEST_F(PageShellTest, isFilledPrintedAndDeletedInOrder) {
 
 TEST_F(PageShellTest, printsItsFiveComponents) {
     script.formFields["functionID"] = "106";
+    script.posted = true;  // without a step, so that the page is all but empty
     EXPECT_EQ(run(), 0);
     EXPECT_EQ(output(),
-              "[shell 1|body=[/usr/local/www/skel/skeleton_efi_rstr.txt]"
+              "[shell 1|body=[/usr/local/www/skel/skeleton_efi_rstr.txt"
+              "|onload_function=TextString(onLoadFunction(), false, false, 6)]"
               "|css=TextString(/default.css, false, false, 6)"
               "|java_script=JsFunction(onLoadFunction()){initialize();}"
               "|meta_frameid=<meta name=\"FRAME-ID\" content=\"M-RESTOR_EFI_CONF-C-00\">"

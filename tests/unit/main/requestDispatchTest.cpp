@@ -60,9 +60,42 @@ TEST_F(RequestDispatchTest, function106IsTheRestorePage) {
     EXPECT_EQ(run(), 0);
     EXPECT_THAT(output(), testing::HasSubstr("meta_frameid=<meta name=\"FRAME-ID\" "
                                              "content=\"M-RESTOR_EFI_CONF-C-00\">"));
-    EXPECT_THAT(output(), testing::HasSubstr("body=[/usr/local/www/skel/skeleton_efi_rstr.txt"));
+    EXPECT_THAT(output(), testing::HasSubstr("body=[/usr/local/www/skel/skeleton_efi_rstr.txt|"));
+    EXPECT_THAT(output(), testing::HasSubstr("|hidden_functionID=HiddenField(functionID, 106, "));
     EXPECT_THAT(output(), testing::Not(testing::HasSubstr("skeleton_efi_backup")));
     EXPECT_THAT(calls({"preCheck"}), testing::ElementsAre("preCheckDisplayMode(0, 106, -1)"));
+}
+
+// The page's own refusal: it is built, and then shown as an error.
+TEST_F(RequestDispatchTest, theRestorePageRefusesWhoMayNotUseIt) {
+    script.formFields["functionID"] = "106";
+    script.displayMode = 0;
+    EXPECT_EQ(endedBy([] { run(); }), "errorExit");
+    EXPECT_THAT(calls({"getDisplayMode", "putLog", "errorExit"}),
+                testing::ElementsAre(
+                    "getDisplayMode(0, 106, -1)",
+                    "putLog 0 lmsg 20020 [EFIRestorePage::makeDispPage(): Authorization required.]",
+                    "errorExit Backup/Restore BIOS Configuration|message 12/1033"));
+}
+
+TEST_F(RequestDispatchTest, theRestorePagesNoticeIsRaisedAsAnAlert) {
+    script.formFields["functionID"] = "106";
+    script.formFields["hidden_status"] = "2";
+    script.posted = true;
+    EXPECT_EQ(run(), 0);
+    EXPECT_THAT(
+        calls({"addFunction", "addAlertFunction"}),
+        testing::ElementsAre("addFunction initialize()", "addAlertFunction message 71/9999"));
+}
+
+TEST_F(RequestDispatchTest, anExceptionOfTheRestorePageLeavesNothing) {
+    script.formFields["functionID"] = "106";
+    script.formFields["hidden_status"] = "3";
+    script.posted = true;
+    script.lockError = 1101;
+    EXPECT_EQ(thrownDetail([] { run(); }), 1101);
+    EXPECT_THAT(calls({"new HTMLPage", "printHTML", "errorExit", "terminate"}), testing::IsEmpty());
+    EXPECT_THAT(Scripted::livingObjects(), testing::ElementsAre("FormInfo()"));
 }
 
 class AcceptedNumberTest : public RequestDispatchTest,

@@ -1,13 +1,17 @@
 // What the tests of the program rely on: the scripted platform sees what it is there to see.
 
+#include "data/HardInstallInfoPacket.h"
 #include "tests/scripted/systemCalls.h"
 #include "tests/unit/support/ProbeComponent.h"
 #include "tests/unit/support/ScriptedTest.h"
 #include "tests/unit/support/TemporaryFolder.h"
 
 #include <VeskLib/CommonUtil.h>
+#include <VeskLib/Gui/CGIRequester.h>
+#include <VeskLib/Gui/FormInfo.h>
 #include <VeskLib/Gui/HTMLMapUtil.h>
 #include <VeskLib/Gui/TextString.h>
+#include <VeskLib/VeskUi/VersionInfoPacket.h>
 #include <VeskLib/lmsg_getmsg.h>
 
 #include <fcntl.h>
@@ -92,6 +96,47 @@ TEST_F(ScriptedPlatformTest, systemCallsFailAsTheScriptSays) {
     EXPECT_EQ(errno, ENOENT);
     EXPECT_EQ(close(-1), -1);
     EXPECT_EQ(errno, EBADF);
+}
+
+TEST_F(ScriptedPlatformTest, anyCallCanThrowAnything) {
+    Scripted::throwAt("getMax", std::make_exception_ptr(std::string("anything")));
+    EXPECT_THROW(CommonUtil::getMaxPartitionNum(), std::string);
+    EXPECT_THAT(calls(), testing::ElementsAre("getMaxPartitionNum"));
+    Scripted::throwAt("getMax", nullptr);
+    EXPECT_EQ(CommonUtil::getMaxPartitionNum(), 0u);
+}
+
+TEST_F(ScriptedPlatformTest, theUploadIsThatOfTheScriptUntilTheFormIsLetGoOf) {
+    script.uploadName = "name";
+    script.uploadPath = "/path";
+    script.uploadSize = 5;
+    Gui::FormInfo form;
+    EXPECT_EQ(form.getUploadFileName(), "name");
+    EXPECT_EQ(form.getUploadFilePath(), "/path");
+    EXPECT_EQ(form.getUploadFileSize(), 5u);
+    form.terminate();
+    EXPECT_EQ(form.getUploadFileName(), "");
+    EXPECT_EQ(form.getUploadFilePath(), "");
+    EXPECT_EQ(form.getUploadFileSize(), 0u);
+    script.uploadPathError = 1103;
+    EXPECT_EQ(thrownDetail([&] { form.getUploadFilePath(); }), 1103);
+}
+
+// A board is known only from a request for the boards.
+TEST_F(ScriptedPlatformTest, boardsAndVersionsComeWithTheirRequests) {
+    script.setBoards({3}, {3});
+    script.setVersions({"1.0", "2.0"});
+    const VeskUi::HardInstallInfoPacket boards;
+    EXPECT_FALSE(boards.isInstalled(0, 3));
+    Gui::CGIRequester requester("the session");
+    VeskUi::HardInstallInfoPacket answer;
+    EXPECT_TRUE(requester.getInfo(0x02010021, answer));
+    EXPECT_TRUE(answer.isInstalled(0, 3));
+    EXPECT_TRUE(answer.isHome(0, 3, 0));
+    VeskUi::VersionInfoPacket versions;
+    EXPECT_EQ(versions.getBIOSVersion(1, 0), "-");
+    EXPECT_TRUE(requester.getInfo(0x02010201, versions));
+    EXPECT_EQ(versions.getBIOSVersion(1, 0), "2.0");
 }
 
 }  // namespace VeskLib::Test

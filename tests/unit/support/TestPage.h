@@ -13,6 +13,7 @@ namespace VeskLib::Test {
 class TestPage : public Gui::AbstractBackupRestorePage {
 public:
     using AbstractBackupRestorePage::AbstractBackupRestorePage;
+    using AbstractBackupRestorePage::addMessage;
     using AbstractBackupRestorePage::addNotice;
     using AbstractBackupRestorePage::addToRow;
     using AbstractBackupRestorePage::alertFlag;
@@ -22,13 +23,16 @@ public:
     using AbstractBackupRestorePage::discardUploadedFile;
     using AbstractBackupRestorePage::displayMode;
     using AbstractBackupRestorePage::errorFlag;
+    using AbstractBackupRestorePage::formatDate;
     using AbstractBackupRestorePage::formInfo;
     using AbstractBackupRestorePage::functionNumber;
     using AbstractBackupRestorePage::message;
     using AbstractBackupRestorePage::messageMgr;
+    using AbstractBackupRestorePage::putFileSelector;
     using AbstractBackupRestorePage::putHiddenField;
     using AbstractBackupRestorePage::putReadyText;
     using AbstractBackupRestorePage::putText;
+    using AbstractBackupRestorePage::putUploadButton;
     using AbstractBackupRestorePage::reportError;
     using AbstractBackupRestorePage::reportUnreadable;
     using AbstractBackupRestorePage::requester;
@@ -37,6 +41,7 @@ public:
     using AbstractBackupRestorePage::traceModule;
     using AbstractBackupRestorePage::traceSystemError;
     using AbstractBackupRestorePage::traceText;
+    using AbstractBackupRestorePage::upload;
 
     void makeDispPage() override {
         Scripted::record("makeDispPage");

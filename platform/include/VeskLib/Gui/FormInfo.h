@@ -21,8 +21,18 @@ public:
     // empty); false, with `value` unchanged, when not. A form field wins over a query field.
     bool getFormData(const std::string& name, std::string& value) const;
 
+    // The one uploaded file: its name as the browser sent it, the path of the temporary file that
+    // holds it, and how many bytes were received. Bytes beyond the platform's limit for a file are
+    // counted and not stored. Without an uploaded file both texts are empty and the size is 0.
+    //
+    // The temporary file lies on one file system with the board's /var/tmp. Who wants to keep it
+    // renames it.
+    std::string getUploadFileName() const;
+    std::string getUploadFilePath() const;
+    unsigned int getUploadFileSize() const;
+
     // Ends the work on the request: everything read so far is let go of, and getFormData() finds
-    // no field any more.
+    // no field any more. An uploaded file that nobody moved is removed.
     void terminate();
 
 private:

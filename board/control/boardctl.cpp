@@ -1,0 +1,167 @@
+// Makes a running back-end go wrong, for tests and demonstrations.
+
+#include "platform/host/channel/Channel.h"
+
+#include <CLI/CLI.hpp>
+
+#include <cstdlib>
+#include <iostream>
+#include <string>
+
+namespace {
+
+using namespace VeskLib::Host;
+
+enum Status { DONE = 0, FAILED = 1, USAGE = 2 };
+
+// Sends an order and shows the answer.
+int send(const std::string& order) {
+    RequestFrame request;
+    request.kind = RequestKind::CONTROL;
+    request.payload.assign(order.begin(), order.end());
+    ReplyFrame reply;
+    const int code = Channel().exchange(request, reply);
+    if (code == CHANNEL_BROKEN && order.starts_with("die")) {
+        return DONE;  // it died without a word, as it was told to
+    }
+    if (code != 0) {
+        std::cerr << "boardctl: the back-end does not carry this out (code " << code << ")\n";
+        return FAILED;
+    }
+    std::cout << std::string(reply.payload.begin(), reply.payload.end());
+    return DONE;
+}
+
+// The orders, each a subcommand that leaves the words for the back-end in `order`.
+class Orders {
+public:
+    explicit Orders(CLI::App& application) {
+        addStatus(application);
+        addRefuse(application);
+        addSlow(application);
+        addSilent(application);
+        addTorn(application);
+        addDie(application);
+        addPartition(application);
+        addReset(application);
+    }
+
+    const std::string& words() const { return order; }
+
+private:
+    void addTimes(CLI::App* command) {
+        command->add_option("--times", times, "for how many requests (1)");
+    }
+
+    void addStatus(CLI::App& application) {
+        application.add_subcommand("status", "Shows which switches are on")->callback([this] {
+            order = "status";
+        });
+    }
+
+    void addRefuse(CLI::App& application) {
+        CLI::App* const command = application.add_subcommand(
+            "refuse", "Refuses the next requests of a number with an error code");
+        command->add_option("REQUEST", request, "the request number, such as 0x020100A3")
+            ->required();
+        command->add_option("CODE", code, "the error code, such as 1047")->required();
+        addTimes(command);
+        command->callback([this] {
+            order = "refuse " + std::to_string(request) + " " + std::to_string(code) + " " +
+                    std::to_string(times);
+        });
+    }
+
+    void addSlow(CLI::App& application) {
+        CLI::App* const command =
+            application.add_subcommand("slow", "Lets the next requests wait before they are begun");
+        command->add_option("MILLISECONDS", milliseconds, "how long")->required();
+        addTimes(command);
+        command->callback([this] {
+            order = "slow " + std::to_string(milliseconds) + " " + std::to_string(times);
+        });
+    }
+
+    void addSilent(CLI::App& application) {
+        CLI::App* const command = application.add_subcommand(
+            "silent", "Carries the next requests out and never answers them");
+        addTimes(command);
+        command->callback([this] { order = "silent " + std::to_string(times); });
+    }
+
+    void addTorn(CLI::App& application) {
+        CLI::App* const command = application.add_subcommand(
+            "torn", "Cuts the connection after some bytes of the next replies");
+        command->add_option("BYTES", bytes, "how many bytes of the frame still leave")->required();
+        addTimes(command);
+        command->callback(
+            [this] { order = "torn " + std::to_string(bytes) + " " + std::to_string(times); });
+    }
+
+    void addDie(CLI::App& application) {
+        CLI::App* const command = application.add_subcommand(
+            "die", "Dies at once as in a crash, and comes back from what is on disk");
+        command->add_option("--back-in", milliseconds, "after how many milliseconds (0)");
+        command->callback([this] { order = "die " + std::to_string(milliseconds); });
+    }
+
+    void addPartition(CLI::App& application) {
+        CLI::App* const command =
+            application.add_subcommand("partition", "Switches a partition on or off");
+        command->add_option("NUMBER", partition, "the partition's number")->required();
+        command->add_option("STATE", state, "on or off")
+            ->required()
+            ->check(CLI::IsMember({"on", "off"}));
+        command->callback(
+            [this] { order = "partition " + std::to_string(partition) + " " + state; });
+    }
+
+    void addReset(CLI::App& application) {
+        application.add_subcommand("reset", "Switches everything off again")->callback([this] {
+            order = "reset";
+        });
+    }
+
+    unsigned int request = 0;
+    unsigned int code = 0;
+    unsigned int times = 1;
+    unsigned int milliseconds = 0;
+    unsigned int bytes = 0;
+    unsigned int partition = 0;
+    std::string state;
+    std::string order;
+};
+
+int run(int argumentCount, char** arguments) {
+    CLI::App application(
+        "Makes a running back-end go wrong, for tests and demonstrations. Every switch is off\n"
+        "again when the back-end starts anew.",
+        "boardctl");
+    application.require_subcommand(1);
+    application.footer(
+        "The request numbers stand in docs/wire-formats.md.\n"
+        "Exit status: 0 done; 1 the back-end cannot be reached or does not do it; 2 wrong usage.");
+    std::string root;
+    application.add_option("--root", root, "the board's root, as given to serve")
+        ->envname("BOARD_ROOT")
+        ->required();
+    const Orders orders(application);
+    try {
+        application.parse(argumentCount, arguments);
+    } catch (const CLI::ParseError& error) {
+        return application.exit(error) == 0 ? DONE : USAGE;
+    }
+    ::setenv("BOARD_ROOT", root.c_str(), 1);
+    return send(orders.words());
+}
+
+}  // namespace
+
+int main(int argumentCount, char** arguments) {
+    try {
+        return run(argumentCount, arguments);
+    } catch (const std::exception& error) {
+        std::cerr << "boardctl: " << error.what() << '\n';
+        return FAILED;
+    }
+}

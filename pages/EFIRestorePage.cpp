@@ -1,0 +1,287 @@
+#include "pages/EFIRestorePage.h"
+
+#include "data/requestNumbers.h"
+#include "html/HTMLContainer.h"
+#include "html/componentMaps.h"
+
+#include <VeskLib/CommonUtil.h>
+#include <VeskLib/Gui/CheckBox.h>
+#include <VeskLib/Gui/TextString.h>
+#include <VeskLib/PException.h>
+#include <VeskLib/VeskUi/EFIConfFile.h>
+#include <VeskLib/getCGIPath.h>
+
+#include <cstdlib>
+#include <utility>
+#include <vector>
+
+namespace VeskLib::Gui {
+
+namespace {
+
+const int RESTORE_FUNCTION = 106;
+const char* const ROW_SKELETON = "/usr/local/www/skel/skeleton_efi_rstr_slct_tbl.txt";
+const char* const UNKNOWN_VERSION = "-";
+
+// What "hidden_status" asks for.
+enum Step { DISPLAY = 0, UPLOAD = 1, RESTORE = 2, DISCARD = 3 };
+
+const unsigned int NO_BOARD = 255;
+const int SYSTEM_BOARD = 0;
+const unsigned char OTHER_KIND_MASK = 0xE0;
+const unsigned char BOARD_NUMBER_MASK = 0x0F;
+
+}  // namespace
+
+const char* const EFIRestorePage::FILE_EXTENSION = AbstractBackupRestorePage::FILE_EXTENSION;
+const std::string EFIRestorePage::skeletonFileName = "/usr/local/www/skel/skeleton_efi_rstr.txt";
+const std::string EFIRestorePage::skeletonFileNameSel =
+    "/usr/local/www/skel/skeleton_efi_rstr_slct.txt";
+
+EFIRestorePage::EFIRestorePage(CGIRequester& requester, FormInfo& form, MessageMgr& messages,
+                               int* displayMode)
+    : AbstractBackupRestorePage(requester, form, messages, displayMode, skeletonFileName,
+                                RESTORE_FUNCTION),
+      requestStatus(DISPLAY),
+      restoreFinished(false) {
+    stagingFilePath = getCGIPath("/var/tmp/restored_eficonf");
+    stagingLockPath = getCGIPath("/var/tmp/restored_eficonf.lock");
+    // A staged file for each session, but one lock for all of them.
+    stagingFilePath += requester.getSessionId();
+    putText("onload_function", "onLoadFunction()");
+    buildPage();
+}
+
+void EFIRestorePage::makeDispPage() {
+    std::string ignored;
+    // Without authority the form is built all the same; the end of the construction drops it.
+    if (isAllowed("EFIRestorePage::makeDispPage(): Authorization required.") &&
+        formInfo.getFormData("message", ignored)) {
+        addNotice(messageMgr.getMessage(70, 0));
+    }
+    putText("form_action", FORM_TARGET);
+    putHiddenField("hidden_status", "hidden_status", std::to_string(requestStatus));
+    putReadyText("message", messageMgr.getString(1002));
+    putFileSelector();
+    putHiddenField("hidden_functionID", "functionID", std::to_string(functionNumber));
+    putHiddenField("hidden_procname", "hidden_procname", "");
+    putReadyText("message0", messageMgr.getMessage(354, 0));
+}
+
+void EFIRestorePage::makeConfigPage() {
+    std::string status;
+    if (!formInfo.getFormData("hidden_status", status)) {
+        // Nothing is built, on purpose: a post that names no step shows the bare skeleton.
+        return;
+    }
+    requestStatus = std::atoi(status.c_str());
+    switch (requestStatus) {
+        case UPLOAD:
+            upload(stagingFilePath, stagingLockPath);
+            if (!alertFlag) {
+                makeSelectPage();
+            }
+            if (alertFlag) {
+                makeDispPage();
+            }
+            break;
+        case RESTORE:
+            restore();
+            if (!restoreFinished) {
+                makeDispPage();
+            }
+            break;
+        case DISCARD:
+            discard();
+            makeDispPage();
+            break;
+        default:
+            requestStatus = DISPLAY;
+            makeDispPage();
+            break;
+    }
+}
+
+void EFIRestorePage::makeSelectPage() {
+    requestStatus = RESTORE;
+    // Without authority the work goes on; the end of the construction drops what it builds.
+    isAllowed("EFIRestorePage::makeSelectPage(): Authorization required.");
+    if (!requester.getInfo(VeskUi::GET_PARTITION_INFO, partitionInfo)) {
+        reportUnreadable("the partition status");
+        return;
+    }
+    if (!requester.getInfo(VeskUi::GET_HARD_INSTALL_INFO, hardInstallInfo)) {
+        reportUnreadable("the system status");
+        return;
+    }
+    generator->setSkeletonFile(skeletonFileNameSel);
+    putText("form_action", FORM_TARGET);
+    putHiddenField("hidden_status", "hidden_status", std::to_string(requestStatus));
+    putText("status", std::to_string(DISCARD));
+    putText("message", messageMgr.getString(1003));
+    putText("information", messageMgr.getString(1004));
+
+    StagedFile file;
+    if (!readStagedFile(file)) {
+        return;
+    }
+    putFileComponents(file);
+    putFormComponents();
+
+    VeskUi::VersionInfoPacket versions;
+    // A failure is not reported: every version then reads as unknown.
+    const bool versionsKnown = requester.getInfo(VeskUi::GET_VERSION_INFO, versions);
+    auto rows = std::make_unique<HTMLContainer>();
+    bool noRowYet = true;
+    for (int partition = 0; partition < static_cast<int>(CommonUtil::getMaxPartitionNum());
+         ++partition) {
+        if (partitionInfo.isInstalled(partition)) {
+            rows->add(makeRow(static_cast<unsigned int>(partition), versionsKnown, versions));
+            noRowYet = false;
+        }
+    }
+    insertComponent(componentMap, "table_pid", std::move(rows));
+    if (noRowYet) {
+        reportError(messageMgr.getMessage(46, 1026));
+    }
+}
+
+bool EFIRestorePage::readStagedFile(StagedFile& file) {
+    try {
+        VeskUi::EFIConfFile staged(stagingFilePath.c_str());
+        VeskUi::EFIConfFile::EFIConfFileHeader header;
+        staged.getFileHeader(header, file.version, file.partition, file.partitionName);
+        file.saveTime = header.saveTime;
+        return true;
+    } catch (const PException&) {
+        addNotice(messageMgr.getMessage(64, 1026));
+    }
+    generator->setSkeletonFile(skeletonFileName);
+    discardUploadedFile(stagingFilePath, stagingLockPath);
+    return false;
+}
+
+void EFIRestorePage::putFileComponents(const StagedFile& file) {
+    std::string table = messageMgr.getString(131);
+    table += messageMgr.getString(132);
+    putText("tablepid", table);
+    putText("pid", std::to_string(file.partition));
+    putText("part_name", file.partitionName);
+    putText("item_date", messageMgr.getString(973));
+    putText("date", formatDate(file.saveTime, "-"));
+    putText("item_version", messageMgr.getString(1359));
+    putText("version", file.version);
+}
+
+void EFIRestorePage::putFormComponents() {
+    putFileSelector();
+    putUploadButton();
+    putHiddenField("hidden_functionID", "functionID", std::to_string(functionNumber));
+    putHiddenField("hidden_procname", "hidden_procname", "");
+    putText("restore", "restore");
+    putReadyText("message0", messageMgr.getMessage(303, 0));
+    putReadyText("message1", messageMgr.getMessage(293, 0));
+    putText("item_pid", messageMgr.getString(132));
+    putText("item_part_name", messageMgr.getString(394));
+    auto selectAll = std::make_unique<CheckBox>("", "", FORM_NAME, displayMode);
+    selectAll->add("check_box", "", messageMgr.getString(1005), "", false, false);
+    selectAll->setClickHandler("switchField()");
+    insertComponent(componentMap, "check_box", std::move(selectAll));
+}
+
+// Every row is made alike, whatever its version and wherever the file came from: the operator
+// decides.
+std::unique_ptr<HTMLItem> EFIRestorePage::makeRow(unsigned int partition, bool versionsKnown,
+                                                  const VeskUi::VersionInfoPacket& versions) {
+    const std::string number = std::to_string(partition);
+    auto row = std::make_unique<HTMLItem>(ROW_SKELETON);
+    auto box = std::make_unique<CheckBox>("", "", FORM_NAME, displayMode);
+    box->add("pid" + number, number, "", "", false, false);
+    addToRow(*row, "check_box", std::move(box));
+    addToRow(*row, "pid", std::make_unique<TextString>(number));
+    addToRow(
+        *row, "part_name",
+        std::make_unique<TextString>(partitionInfo.getPartitionName(static_cast<int>(partition))));
+    bool found = false;
+    unsigned int board = NO_BOARD;
+    getHomeSBNum(partition, found, board);
+    addToRow(*row, "version",
+             std::make_unique<TextString>(versionsKnown && found
+                                              ? versions.getBIOSVersion(static_cast<int>(board), 0)
+                                              : UNKNOWN_VERSION));
+    return row;
+}
+
+void EFIRestorePage::getHomeSBNum(unsigned int partition, bool& found, unsigned int& sbNumber) {
+    found = false;
+    sbNumber = NO_BOARD;
+    std::vector<unsigned char> nodeIds;
+    partitionInfo.getNodeIds(static_cast<int>(partition), nodeIds);
+    for (const unsigned char node : nodeIds) {
+        if ((node & OTHER_KIND_MASK) != 0) {
+            continue;
+        }
+        // Bit 4 is not part of the number, on purpose: 0x03 and 0x13 are the same board.
+        const int board = node & BOARD_NUMBER_MASK;
+        if (hardInstallInfo.isInstalled(SYSTEM_BOARD, board) &&
+            hardInstallInfo.isHome(SYSTEM_BOARD, board, 0)) {
+            found = true;
+            sbNumber = static_cast<unsigned int>(board);
+            return;
+        }
+    }
+    traceText(20020, ("Home SB absent:PID" + std::to_string(partition)).c_str());
+}
+
+void EFIRestorePage::restore() {
+    VeskUi::PrimitiveTypeArray<unsigned char> targets;
+    std::string ignored;
+    if (formInfo.getFormData("check_box", ignored)) {
+        // All means every partition that is installed now, so the table is asked for anew.
+        if (!requester.getInfo(VeskUi::GET_PARTITION_INFO, partitionInfo)) {
+            reportUnreadable("the partition status");
+            return;
+        }
+        addInstalledPartitions(targets);
+    } else {
+        addTickedPartitions(targets);
+    }
+    // An empty list is sent as well: the verdict is the back-end's.
+    restoreUploadedFile(targets, restoreFinished, RESTORE_FUNCTION);
+}
+
+void EFIRestorePage::addInstalledPartitions(
+    VeskUi::PrimitiveTypeArray<unsigned char>& targets) const {
+    for (int partition = 0; partition < static_cast<int>(CommonUtil::getMaxPartitionNum());
+         ++partition) {
+        if (partitionInfo.isInstalled(partition)) {
+            targets.records.push_back(static_cast<unsigned char>(partition));
+        }
+    }
+}
+
+void EFIRestorePage::addTickedPartitions(VeskUi::PrimitiveTypeArray<unsigned char>& targets) const {
+    for (int partition = 0; partition < static_cast<int>(CommonUtil::getMaxPartitionNum());
+         ++partition) {
+        std::string target;
+        if (formInfo.getFormData("pid" + std::to_string(partition), target)) {
+            // The posted value counts, not the number in the field's name.
+            targets.records.push_back(static_cast<unsigned char>(std::atoi(target.c_str())));
+        }
+    }
+}
+
+void EFIRestorePage::discard() {
+    discardUploadedFile(stagingFilePath, stagingLockPath);
+}
+
+bool EFIRestorePage::isAllowed(const char* refusal) {
+    if (*displayMode == ALLOWED) {
+        return true;
+    }
+    traceText(20020, refusal);
+    reportError(messageMgr.getMessage(12, 1033));
+    return false;
+}
+
+}  // namespace VeskLib::Gui

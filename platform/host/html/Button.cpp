@@ -1,0 +1,54 @@
+#include <VeskLib/Gui/Button.h>
+
+#include "platform/host/html/attributes.h"
+#include "platform/host/html/escape.h"
+
+#include <iostream>
+#include <string_view>
+
+namespace VeskLib::Gui {
+
+using Host::printAttribute;
+
+namespace {
+
+// The call without the double quotes that the program writes around it.
+std::string_view unquote(std::string_view call) {
+    const bool quoted = call.size() >= 2 && call.front() == '"' && call.back() == '"';
+    return quoted ? call.substr(1, call.size() - 2) : call;
+}
+
+}  // namespace
+
+Button::Button(const std::string& name, const std::string& label, const std::string& form,
+               int width, const std::string& clickHandler, bool disabled)
+    : name(name),
+      label(label),
+      form(form),
+      width(width),
+      clickHandler(clickHandler),
+      disabled(disabled) {
+}
+
+Button::~Button() = default;
+
+void Button::printHTML() const {
+    std::cout << "<button type=\"button\"";
+    printAttribute("id", name);
+    printAttribute("name", name);
+    printAttribute("form", form);
+    printAttribute("onclick", unquote(clickHandler));
+    if (width > 0) {
+        printAttribute("style", "min-width:" + std::to_string(width) + "ch");
+    }
+    if (disabled) {
+        std::cout << " disabled";
+    }
+    std::cout << '>' << Host::escapeHTML(label) << "</button>";
+}
+
+bool Button::isError() const {
+    return false;
+}
+
+}  // namespace VeskLib::Gui

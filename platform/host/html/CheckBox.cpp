@@ -1,0 +1,64 @@
+#include <VeskLib/Gui/CheckBox.h>
+
+#include "platform/host/html/attributes.h"
+#include "platform/host/html/escape.h"
+
+#include <iostream>
+
+namespace VeskLib::Gui {
+
+using Host::escapeHTML;
+using Host::printAttribute;
+
+CheckBox::CheckBox(const std::string& title, const std::string& describedBy,
+                   const std::string& form, const int* displayMode)
+    : title(title), describedBy(describedBy), form(form), displayMode(displayMode) {
+}
+
+CheckBox::~CheckBox() = default;
+
+void CheckBox::add(const std::string& name, const std::string& value, const std::string& label,
+                   const std::string& hint, bool ticked, bool disabled) {
+    boxes.push_back({name, value, label, hint, ticked, disabled});
+}
+
+void CheckBox::setClickHandler(const std::string& call) {
+    clickHandler = call;
+}
+
+void CheckBox::printHTML() const {
+    for (const Box& box : boxes) {
+        std::cout << "<input type=\"checkbox\"";
+        printAttribute("id", box.name);
+        printAttribute("name", box.name);
+        printAttribute("value", box.value);
+        printAttribute("form", form);
+        if (!box.hint.empty() || !title.empty()) {
+            printAttribute("title", box.hint.empty() ? title : box.hint);
+        }
+        if (!describedBy.empty()) {
+            printAttribute("aria-describedby", describedBy);
+        }
+        if (!clickHandler.empty()) {
+            printAttribute("onclick", clickHandler);
+        }
+        if (box.ticked) {
+            std::cout << " checked";
+        }
+        if (box.disabled || *displayMode != 2) {
+            std::cout << " disabled";
+        }
+        std::cout << '>';
+        if (!box.label.empty()) {
+            std::cout << "<label";
+            printAttribute("for", box.name);
+            std::cout << '>' << escapeHTML(box.label) << "</label>";
+        }
+    }
+}
+
+bool CheckBox::isError() const {
+    return false;
+}
+
+}  // namespace VeskLib::Gui

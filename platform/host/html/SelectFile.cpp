@@ -1,0 +1,39 @@
+#include <VeskLib/Gui/SelectFile.h>
+
+#include "platform/host/html/attributes.h"
+
+#include <iostream>
+
+namespace VeskLib::Gui {
+
+using Host::printAttribute;
+
+SelectFile::SelectFile(const std::string& name, const std::string& accept, const std::string& form,
+                       int width, int longestName)
+    : name(name), accept(accept), form(form), width(width), longestName(longestName) {
+}
+
+SelectFile::~SelectFile() = default;
+
+void SelectFile::printHTML() const {
+    std::cout << "<input type=\"file\"";
+    printAttribute("id", name);
+    printAttribute("name", name);
+    printAttribute("form", form);
+    if (!accept.empty()) {
+        printAttribute("accept", accept);
+    }
+    if (width > 0) {
+        printAttribute("size", std::to_string(width));
+    }
+    if (longestName > 0) {
+        printAttribute("maxlength", std::to_string(longestName));
+    }
+    std::cout << '>';
+}
+
+bool SelectFile::isError() const {
+    return false;
+}
+
+}  // namespace VeskLib::Gui

@@ -1,0 +1,95 @@
+#include "platform/host/web/UploadFile.h"
+
+#include "platform/host/base/SystemPath.h"
+#include "platform/host/base/platformException.h"
+#include "platform/host/web/FormLimits.h"
+#include "platform/host/web/randomText.h"
+
+#include <VeskLib/getCGIPath.h>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <limits>
+
+namespace VeskLib::Host {
+
+namespace {
+
+const char* const FOLDER = "/var/tmp";
+const mode_t FILE_MODE = 0600;
+const std::size_t NAME_BYTES = 8;
+
+bool writeWhole(int descriptor, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t count = ::write(descriptor, bytes.data(), bytes.size());
+        if (count < 0 && errno != EINTR) {
+            return false;
+        }
+        bytes.remove_prefix(count > 0 ? static_cast<std::size_t>(count) : 0);
+    }
+    return true;
+}
+
+}  // namespace
+
+UploadFile::~UploadFile() {
+    remove();
+}
+
+bool UploadFile::open() {
+    if (descriptor < 0) {
+        descriptor =
+            ::open(getCGIPath(FOLDER).c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, FILE_MODE);
+    }
+    return descriptor >= 0;
+}
+
+void UploadFile::write(std::string_view bytes) {
+    const std::size_t room =
+        FormLimits::FILE_LENGTH - std::min<std::uint64_t>(received, FormLimits::FILE_LENGTH);
+    received += bytes.size();
+    if (room != 0 && !bytes.empty() && !failed) {
+        failed = !open() || !writeWhole(descriptor, bytes.substr(0, room));
+    }
+}
+
+std::uint32_t UploadFile::size() const {
+    return static_cast<std::uint32_t>(
+        std::min<std::uint64_t>(received, std::numeric_limits<std::uint32_t>::max()));
+}
+
+std::string UploadFile::path() {
+    if (failed) {
+        throw makePlatformException(UPLOAD_NOT_STORED, "The uploaded file cannot be stored");
+    }
+    if (descriptor < 0 || received > FormLimits::FILE_LENGTH) {
+        return {};
+    }
+    if (name.empty()) {
+        const std::string chosen = getCGIPath(UPLOAD_FILE) + makeRandomText(NAME_BYTES);
+        const std::string unnamed = "/proc/self/fd/" + std::to_string(descriptor);
+        if (linkat(AT_FDCWD, unnamed.c_str(), AT_FDCWD, chosen.c_str(), AT_SYMLINK_FOLLOW) != 0) {
+            throw makePlatformException(UPLOAD_NOT_STORED, "The uploaded file cannot be named");
+        }
+        name = chosen;
+    }
+    return name;
+}
+
+void UploadFile::remove() {
+    if (!name.empty()) {
+        ::unlink(name.c_str());
+        name.clear();
+    }
+    if (descriptor >= 0) {
+        ::close(descriptor);
+        descriptor = -1;
+    }
+    failed = false;
+    received = 0;
+}
+
+}  // namespace VeskLib::Host

@@ -1,0 +1,76 @@
+// What the screen's pages have in common.
+
+"use strict";
+
+// Largest file that the board takes, in bytes.
+const LARGEST_FILE = 393216;
+
+// Why the board would refuse `file`, in the board's own words; empty when it would not. `texts` has
+// a text for each reason: none, empty, large, name.
+function refusalOf(file, texts) {
+    if (!file) {
+        return texts.none;
+    }
+    if (file.size === 0) {
+        return texts.empty;
+    }
+    if (file.size > LARGEST_FILE) {
+        return texts.large;
+    }
+    return file.name.lastIndexOf(".dat") === file.name.length - 4 ? "" : texts.name;
+}
+
+// From now on Refresh and Back show the function's first page. They never send a step again.
+function forgetPost(functionNumber) {
+    history.replaceState(null, "", `?functionID=${functionNumber}`);
+}
+
+// Says on a button what it does, or that its work is under way.
+function labelButton(button, text, busy) {
+    button.textContent = text;
+    button.setAttribute("aria-disabled", String(busy));
+}
+
+// Shows an alert and brings the operator to the place where it can be mended.
+function alertAt(element, text) {
+    alert(text);
+    element.focus();
+}
+
+// Keeps in the browser what a restore was asked to do, for the page that tells how it went.
+function rememberPlan(plan) {
+    sessionStorage.setItem("restorePlan", plan);
+}
+
+// Shows below the notice of a restore what it was asked to do, once.
+function showPlan(heading) {
+    const plan = sessionStorage.getItem("restorePlan");
+    const notice = document.querySelector(".notice");
+    sessionStorage.removeItem("restorePlan");
+    if (plan && notice) {
+        const text = document.createElement("p");
+        text.className = "plan";
+        text.textContent = `${heading}\n${plan}`;
+        notice.append(text);
+    }
+}
+
+// Starts the download of a backup. The file's name stands in `path` as it is, so it is made safe
+// for a link here.
+function startDownload(link, path) {
+    const [address, name] = path.split("filename=");
+    link.textContent = name;
+    link.href = `${address}filename=${encodeURIComponent(name)}`;
+    window.location.href = link.href;
+}
+
+// Runs the page's load function, and its preparations again when the browser shows the page from
+// its memory.
+function runWhenShown(load, prepare) {
+    window.addEventListener("load", load);
+    window.addEventListener("pageshow", (event) => {
+        if (event.persisted) {
+            prepare();
+        }
+    });
+}

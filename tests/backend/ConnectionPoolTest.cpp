@@ -1,0 +1,141 @@
+#include "board/backend/ConnectionPool.h"
+
+#include "platform/host/channel/Channel.h"
+#include "platform/host/channel/FrameStream.h"
+#include "tests/backend/support/ScriptedServer.h"
+
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <memory>
+#include <optional>
+#include <thread>
+
+namespace VeskLib::Test {
+
+using namespace Board;
+using namespace Host;
+
+namespace {
+
+// Replies of which so many bytes leave; all of them without a number. The client stands at the
+// other end of a pair of sockets.
+class ConnectionPoolTest : public testing::Test {
+protected:
+    ConnectionPoolTest() {
+        limits.requestMilliseconds = 60000;
+        limits.endMilliseconds = 60000;
+    }
+
+    ~ConnectionPoolTest() override {
+        pool.reset();
+        ::close(client);
+    }
+
+    void start(std::optional<std::size_t> sentBytes) {
+        sent = sentBytes;
+        int ends[2] = {};
+        ASSERT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends), 0);
+        client = ends[0];
+        pool = std::make_unique<ConnectionPool>(
+            [this](const RequestFrame& request) {
+                ++asked;
+                Answer answer(ReplyFrame{0, request.payload});
+                answer.sentBytes = sent;
+                return answer;
+            },
+            limits);
+        pool->serve(ends[1]);
+    }
+
+    void ask() const { sendBytes(client, framed(encode(REQUEST))); }
+
+    bool isSilent(int milliseconds) const {
+        return !waitUntilReady(client, POLLIN, Deadline(milliseconds));
+    }
+
+    const RequestFrame REQUEST = {RequestKind::GET, 7, "", {1, 2, 3}};
+    const Bytes REPLY = framed(encode(ReplyFrame{0, {1, 2, 3}}));
+    ConnectionLimits limits;
+    std::unique_ptr<ConnectionPool> pool;
+    int client = -1;
+    std::atomic<int> asked = 0;
+
+private:
+    std::optional<std::size_t> sent;
+};
+
+}  // namespace
+
+TEST_F(ConnectionPoolTest, anAnswerLeavesAsAWholeAndTheConnectionStays) {
+    start(std::nullopt);
+    for (int round = 0; round < 3; ++round) {
+        ask();
+        EXPECT_EQ(receiveBytes(client, REPLY.size()), REPLY);
+    }
+    EXPECT_EQ(asked, 3);
+}
+
+TEST_F(ConnectionPoolTest, aTornAnswerIsCutAtEveryLengthAndTheConnectionEnds) {
+    for (std::size_t size = 1; size <= REPLY.size(); ++size) {
+        start(size);
+        ask();
+        EXPECT_EQ(receiveBytes(client, REPLY.size() + 1), cut(REPLY, size)) << size;
+        pool.reset();
+        ::close(client);
+    }
+    client = -1;
+}
+
+TEST_F(ConnectionPoolTest, anAnswerThatWouldBeTornBehindItsEndIsWhole) {
+    start(REPLY.size() + 1000);
+    ask();
+    EXPECT_EQ(receiveBytes(client, REPLY.size() + 1), REPLY);
+}
+
+TEST_F(ConnectionPoolTest, theClientOfATornAnswerSeesABrokenFrame) {
+    start(6);
+    ask();
+    Bytes bytes = {9};
+    EXPECT_EQ(receiveFrame(client, bytes, Deadline(60000)), StreamResult::BROKEN);
+    EXPECT_EQ(bytes, Bytes{9});
+}
+
+TEST_F(ConnectionPoolTest, aSilentAnswerSendsNothingAndKeepsTheConnection) {
+    start(0);
+    ask();
+    EXPECT_TRUE(isSilent(100));
+    EXPECT_EQ(asked, 1);
+    ::shutdown(client, SHUT_WR);
+    EXPECT_TRUE(receiveBytes(client, 1).empty());
+}
+
+TEST_F(ConnectionPoolTest, aSilentConnectionEndsWhenItsClientIsQuietForTooLong) {
+    limits.requestMilliseconds = 50;
+    start(0);
+    ask();
+    EXPECT_TRUE(receiveBytes(client, 1).empty());
+    EXPECT_EQ(asked, 1);
+}
+
+TEST_F(ConnectionPoolTest, aSilentConnectionDoesNotHoldUpTheEnd) {
+    start(0);
+    ask();
+    while (asked == 0) {
+        std::this_thread::yield();
+    }
+    pool.reset();
+    EXPECT_TRUE(receiveBytes(client, 1).empty());
+}
+
+TEST_F(ConnectionPoolTest, aRequestThatMakesNoSenseIsNotAskedAndAnsweredAsAWhole) {
+    start(2);
+    sendBytes(client, framed({9}));
+    EXPECT_EQ(receiveBytes(client, 9).size(), 8U);
+    EXPECT_EQ(asked, 0);
+}
+
+}  // namespace VeskLib::Test

@@ -1,0 +1,326 @@
+#include "data/requestNumbers.h"
+#include "platform/host/base/SystemPath.h"
+#include "platform/host/channel/BackendError.h"
+#include "platform/host/channel/Channel.h"
+#include "platform/host/channel/Login.h"
+#include "platform/host/storage/ConfigurationFile.h"
+#include "tests/backend/support/BackendProcess.h"
+#include "tests/backend/support/RootTest.h"
+#include "tests/support/BoardTest.h"
+#include "tests/support/ChildProcess.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <thread>
+
+namespace VeskLib::Test {
+
+using namespace Host;
+using Clock = std::chrono::steady_clock;
+
+namespace {
+
+const char* const SESSION = "0123456789abcdef";
+const int LONG = 60000;
+
+enum Status { DONE = 0, FAILED = 1, USAGE = 2 };
+
+// The daemon on the demo board, and boardctl, both as processes of their own.
+class BoardctlTest : public RootTest {
+protected:
+    void start() { ASSERT_TRUE(backend.waitUntilReady()); }
+
+    static ChildResult boardctl(std::vector<std::string> words, const std::string& root) {
+        words.insert(words.begin(), {BOARDCTL, "--root", root});
+        return runProgram(words, {});
+    }
+
+    static ChildResult boardctl(const std::vector<std::string>& words) {
+        return boardctl(words, boardFile(""));
+    }
+
+    // Gives an order that is carried out; what boardctl shows.
+    static std::string order(const std::vector<std::string>& words) {
+        const ChildResult result = boardctl(words);
+        EXPECT_EQ(result.exitStatus, DONE) << result.errors;
+        EXPECT_EQ(result.errors, "");
+        return result.output;
+    }
+
+    static int ask(const RequestFrame& request, int milliseconds = LONG) {
+        ReplyFrame reply;
+        return Channel(milliseconds).exchange(request, reply);
+    }
+
+    static int getPartitions(int milliseconds = LONG) {
+        return ask({RequestKind::GET, VeskUi::GET_PARTITION_INFO, SESSION, {}}, milliseconds);
+    }
+
+    static int backup(unsigned char partition, int milliseconds = LONG) {
+        return ask({RequestKind::SET, VeskUi::SET_BACKUP, SESSION, {0, 0, 0, partition}},
+                   milliseconds);
+    }
+
+    static int restore(unsigned char target, int milliseconds = LONG) {
+        return ask({RequestKind::SET, VeskUi::SET_RESTORE, SESSION, {0, 1, target}}, milliseconds);
+    }
+
+    // What the partition holds, as a backup of it has it.
+    static Bytes held(unsigned char partition) {
+        ConfigurationFile file;
+        EXPECT_EQ(backup(partition), 0);
+        EXPECT_TRUE(decode(readBytes(at(std::string("efi_backup") + SESSION)), file));
+        return file.payload;
+    }
+
+    static void stage(const Bytes& payload) {
+        ConfigurationFile file;
+        file.version = "1";
+        file.payload = payload;
+        writeBytes(at(std::string("restored_eficonf") + SESSION), encode(file));
+    }
+
+    BackendProcess backend{boardFile(""), DEMO_BOARD};
+};
+
+}  // namespace
+
+TEST_F(BoardctlTest, nothingIsOnAtTheStart) {
+    start();
+    EXPECT_EQ(order({"status"}), "");
+}
+
+TEST_F(BoardctlTest, theNextRequestsOfANumberAreRefusedAndNotCarriedOut) {
+    start();
+    const Bytes before = held(3);
+    stage({1, 2, 3});
+    EXPECT_EQ(order({"refuse", "0x020100A4", "1047", "--times", "2"}),
+              "request 33620132 is refused with code 1047, 2 times\n");
+    EXPECT_EQ(restore(3), 1047);
+    EXPECT_EQ(held(3), before);
+    EXPECT_EQ(order({"status"}), "request 33620132 is refused with code 1047, 1 times\n");
+    EXPECT_EQ(restore(3), 1047);
+    EXPECT_EQ(order({"status"}), "");
+    EXPECT_EQ(restore(3), 0);
+    EXPECT_EQ(held(3), (Bytes{1, 2, 3}));
+}
+
+TEST_F(BoardctlTest, withoutTimesAnOrderIsForOneRequest) {
+    start();
+    EXPECT_EQ(order({"refuse", "33620132", "1549"}),
+              "request 33620132 is refused with code 1549, 1 times\n");
+    order({"slow", "1"});
+    order({"silent"});
+    EXPECT_EQ(order({"torn", "6"}),
+              "request 33620132 is refused with code 1549, 1 times\n"
+              "requests wait 1 ms, 1 times\n"
+              "requests are not answered, 1 times\n"
+              "replies break off after 6 bytes, 1 times\n");
+}
+
+TEST_F(BoardctlTest, aSlowRequestIsCarriedOutLate) {
+    start();
+    order({"slow", "300"});
+    const Clock::time_point before = Clock::now();
+    EXPECT_EQ(getPartitions(), 0);
+    EXPECT_GE(Clock::now() - before, std::chrono::milliseconds(300));
+    EXPECT_EQ(order({"status"}), "");
+}
+
+TEST_F(BoardctlTest, aRequestThatWaitsHoldsUpNobody) {
+    start();
+    order({"slow", "600000"});
+    EXPECT_EQ(getPartitions(50), CHANNEL_TIMEOUT);
+    EXPECT_EQ(getPartitions(), 0);
+    EXPECT_EQ(order({"status"}), "");
+    EXPECT_EQ(backend.stop(), 0);
+}
+
+TEST_F(BoardctlTest, aSilentRequestIsCarriedOutAndNotAnswered) {
+    start();
+    stage({7});
+    order({"silent"});
+    EXPECT_EQ(restore(3, 300), CHANNEL_TIMEOUT);
+    EXPECT_EQ(held(3), Bytes{7});
+}
+
+TEST_F(BoardctlTest, aTornReplyIsABrokenConnection) {
+    start();
+    order({"torn", "6", "--times", "2"});
+    EXPECT_EQ(getPartitions(), CHANNEL_BROKEN);
+    EXPECT_EQ(backup(3), CHANNEL_BROKEN);
+    EXPECT_EQ(getPartitions(), 0);
+}
+
+TEST_F(BoardctlTest, aLoginMeetsFaultsAsWell) {
+    start();
+    const RequestFrame login = {RequestKind::LOGIN, 0, "", encode(LoginRequest{"admin", "admin"})};
+    order({"refuse", "0", "1609"});
+    EXPECT_EQ(ask(login), static_cast<int>(BACKEND_FAILED));
+    EXPECT_EQ(ask(login), 0);
+}
+
+TEST_F(BoardctlTest, anOrderMeetsNoFault) {
+    start();
+    order({"silent", "--times", "3"});
+    order({"torn", "1", "--times", "3"});
+    order({"refuse", "0", "1609", "--times", "3"});
+    order({"slow", "600000"});
+    EXPECT_EQ(order({"reset"}), "");
+    EXPECT_EQ(getPartitions(), 0);
+}
+
+TEST_F(BoardctlTest, aPartitionIsSwitchedOnAndOff) {
+    start();
+    stage({5});
+    EXPECT_EQ(restore(3), 0);
+    EXPECT_EQ(order({"partition", "3", "on"}), "partition 3 is on\n");
+    EXPECT_EQ(restore(3), static_cast<int>(BACKEND_PARTITION_RUNNING));
+    EXPECT_EQ(restore(7), static_cast<int>(BACKEND_PARTITION_RUNNING));
+    EXPECT_EQ(order({"partition", "7", "off"}), "partition 3 is on\npartition 7 is off\n");
+    EXPECT_EQ(restore(7), 0);
+    EXPECT_EQ(order({"partition", "3", "off"}), "partition 3 is off\npartition 7 is off\n");
+    EXPECT_EQ(restore(3), 0);
+    EXPECT_EQ(order({"reset"}), "");
+    EXPECT_EQ(restore(7), static_cast<int>(BACKEND_PARTITION_RUNNING));
+    EXPECT_EQ(restore(3), 0);
+}
+
+TEST_F(BoardctlTest, aDeadBackendComesBackWithItsStateAndNothingSwitchedOn) {
+    start();
+    stage({9, 9});
+    EXPECT_EQ(restore(3), 0);
+    order({"silent", "--times", "5"});
+    order({"partition", "5", "on"});
+    EXPECT_EQ(order({"die"}), "");
+    ASSERT_TRUE(backend.waitUntilReady());
+    EXPECT_EQ(order({"status"}), "");
+    EXPECT_EQ(held(3), (Bytes{9, 9}));
+    EXPECT_EQ(restore(5), 0);
+    // It dies as often as it is told to, and ends as ever.
+    EXPECT_EQ(order({"die", "--back-in", "1"}), "");
+    ASSERT_TRUE(backend.waitUntilReady());
+    EXPECT_EQ(held(5), (Bytes{9, 9}));
+    EXPECT_EQ(backend.stop(), 0);
+    EXPECT_FALSE(exists(boardFile(BACKEND_SOCKET)));
+}
+
+TEST_F(BoardctlTest, aDeadBackendIsAwayUntilItsTimeHasCome) {
+    start();
+    const Clock::time_point before = Clock::now();
+    EXPECT_EQ(order({"die", "--back-in", "500"}), "");
+    // The socket closes a moment behind the connection that brought the order.
+    int code = getPartitions();
+    while (code == CHANNEL_BROKEN) {
+        code = getPartitions();
+    }
+    EXPECT_EQ(code, CHANNEL_UNREACHABLE);
+    ASSERT_TRUE(backend.waitUntilReady());
+    EXPECT_GE(Clock::now() - before, std::chrono::milliseconds(500));
+    EXPECT_EQ(getPartitions(), 0);
+}
+
+TEST_F(BoardctlTest, aClientOfADyingBackendIsCutOff) {
+    start();
+    order({"slow", "600000"});
+    std::thread asking([] { EXPECT_EQ(getPartitions(), CHANNEL_BROKEN); });
+    while (!order({"status"}).empty()) {
+        std::this_thread::yield();
+    }
+    order({"die"});
+    asking.join();
+    ASSERT_TRUE(backend.waitUntilReady());
+}
+
+TEST_F(BoardctlTest, aBackendThatIsAwayIsEndedByTheUsualSignals) {
+    start();
+    order({"die", "--back-in", "600000"});
+    EXPECT_EQ(backend.stop(SIGTERM), -SIGTERM);
+    BackendProcess next(boardFile(""), DEMO_BOARD);
+    ASSERT_TRUE(next.waitUntilReady());
+    order({"die", "--back-in", "600000"});
+    EXPECT_EQ(next.stop(SIGINT), -SIGINT);
+}
+
+TEST_F(BoardctlTest, anOrderThatTheBackendDoesNotTakeIsAFailure) {
+    start();
+    const ChildResult result = boardctl({"slow", "600001"});
+    EXPECT_EQ(result.exitStatus, FAILED);
+    EXPECT_EQ(result.output, "");
+    EXPECT_EQ(result.errors, "boardctl: the back-end does not carry this out (code 1605)\n");
+    EXPECT_EQ(boardctl({"die", "--back-in", "600001"}).exitStatus, FAILED);
+    EXPECT_EQ(order({"status"}), "");
+}
+
+TEST_F(BoardctlTest, withoutABackendEveryOrderIsAFailure) {
+    start();
+    EXPECT_EQ(backend.stop(), 0);
+    for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{
+             {"status"}, {"reset"}, {"silent"}, {"die"}, {"partition", "3", "on"}}) {
+        const ChildResult result = boardctl(words);
+        EXPECT_EQ(result.exitStatus, FAILED) << words[0];
+        EXPECT_EQ(result.errors, "boardctl: the back-end does not carry this out (code 2001)\n");
+    }
+    EXPECT_EQ(boardctl({"status"}, at("missing")).exitStatus, FAILED);
+}
+
+TEST_F(BoardctlTest, theRootMayComeFromTheEnvironment) {
+    start();
+    EXPECT_EQ(runProgram({BOARDCTL, "status"}).exitStatus, DONE);
+    const ChildSetup elsewhere = {.environment = {{"BOARD_ROOT", at("missing")}}, .input = {}};
+    EXPECT_EQ(runProgram({BOARDCTL, "status"}, elsewhere).exitStatus, FAILED);
+    EXPECT_EQ(runProgram({BOARDCTL, "--root", boardFile(""), "status"}, elsewhere).exitStatus,
+              DONE);
+    const ChildSetup nowhere = {.environment = {{"BOARD_ROOT", ""}}, .input = {}};
+    EXPECT_EQ(runProgram({BOARDCTL, "status"}, nowhere).exitStatus, USAGE);
+}
+
+TEST_F(BoardctlTest, wrongUsageIsSaidAndChangesNothing) {
+    start();
+    for (const std::vector<std::string>& words :
+         std::vector<std::vector<std::string>>{{},
+                                               {"unknown"},
+                                               {"status", "now"},
+                                               {"reset", "reset"},
+                                               {"refuse"},
+                                               {"refuse", "1"},
+                                               {"refuse", "one", "1"},
+                                               {"refuse", "1", "one"},
+                                               {"refuse", "-1", "1"},
+                                               {"refuse", "4294967296", "1"},
+                                               {"refuse", "1", "1", "1"},
+                                               {"refuse", "1", "1", "--times"},
+                                               {"refuse", "1", "1", "--times", "x"},
+                                               {"slow"},
+                                               {"slow", "x"},
+                                               {"silent", "1"},
+                                               {"silent", "--times", "-1"},
+                                               {"torn"},
+                                               {"torn", "x"},
+                                               {"partition"},
+                                               {"partition", "3"},
+                                               {"partition", "3", "out"},
+                                               {"partition", "x", "on"},
+                                               {"die", "1"},
+                                               {"die", "--back-in", "x"},
+                                               {"status", "--times", "1"},
+                                               {"--unknown"}}) {
+        const ChildResult result = boardctl(words);
+        EXPECT_EQ(result.exitStatus, USAGE) << testing::PrintToString(words);
+        EXPECT_EQ(result.output, "");
+        EXPECT_NE(result.errors, "");
+    }
+    EXPECT_EQ(order({"status"}), "");
+}
+
+TEST_F(BoardctlTest, helpIsNoError) {
+    const ChildResult result = runProgram({BOARDCTL, "--help"});
+    EXPECT_EQ(result.exitStatus, DONE);
+    for (const char* word :
+         {"status", "refuse", "slow", "silent", "torn", "die", "partition", "reset"}) {
+        EXPECT_NE(result.output.find(word), std::string::npos) << word;
+    }
+}
+
+}  // namespace VeskLib::Test

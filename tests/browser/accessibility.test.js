@@ -1,0 +1,83 @@
+// Everybody can use every page: axe-core finds nothing to mend, in both themes, on a phone and on a
+// wide screen.
+
+import assert from "node:assert/strict";
+import { readFile } from "node:fs/promises";
+import { createRequire } from "node:module";
+import { after, before, describe, test } from "node:test";
+import { Board } from "./support/board.js";
+import { BACKUP_PAGE, Browser, RESTORE_PAGE, chooseAndBackUp, logIn } from "./support/browser.js";
+import { makeConfigurationFile } from "./support/configurationFile.js";
+import { restoreTo, upload } from "./support/restorePage.js";
+
+const AXE = createRequire(import.meta.url).resolve("axe-core/axe.min.js");
+
+const FILE = makeConfigurationFile({
+    saveTime: 1772884800,
+    partition: 3,
+    version: "1.23 B",
+    name: "A name without a blank ".replaceAll(" ", "_").repeat(20),
+    payload: Buffer.from("x"),
+});
+
+// Each page, and the way to it for somebody who is logged in.
+const PAGES = {
+    login: (page, board) => page.goto(board.url("/login.cgi")),
+    menu: (page, board) => page.goto(board.url("/")),
+    backup: (page, board) => page.goto(board.url(BACKUP_PAGE)),
+    "finished backup": async (page, board) => {
+        await page.goto(board.url(BACKUP_PAGE));
+        await chooseAndBackUp(page, 3);
+    },
+    upload: (page, board) => page.goto(board.url(RESTORE_PAGE)),
+    selection: (page, board) => upload(page, board, "a.dat", FILE),
+    "finished restore": async (page, board) => {
+        await upload(page, board, "a.dat", FILE);
+        await restoreTo(page, [3]);
+    },
+    error: (page, board) => page.goto(board.url(`${BACKUP_PAGE}9`)),
+    "not found": (page, board) => page.goto(board.url("/nothing")),
+};
+
+describe("accessibility", () => {
+    let board;
+    let browser;
+    let axe;
+
+    before(async () => {
+        axe = await readFile(AXE, "utf8");
+        board = await Board.start();
+        browser = await Browser.start();
+    });
+    after(async () => {
+        await browser?.stop();
+        await board?.remove();
+    });
+
+    for (const theme of ["light", "dark"]) {
+        for (const width of [360, 1440]) {
+            for (const [name, open] of Object.entries(PAGES)) {
+                test(`${name}, ${theme}, ${width} pixels`, async () => {
+                    const page = await browser.newPage();
+                    await page.setViewport({ width, height: 900 });
+                    await page.emulateMediaFeatures([
+                        { name: "prefers-color-scheme", value: theme },
+                    ]);
+                    await logIn(page, board);
+                    await open(page, board);
+                    await page.evaluate(axe);
+                    const { violations } = await page.evaluate(() => window.axe.run());
+                    assert.deepEqual(
+                        violations.map(({ id, nodes }) => [id, nodes.map((node) => node.html)]),
+                        [],
+                    );
+                    const overflow = await page.evaluate(
+                        () => document.documentElement.scrollWidth - window.innerWidth,
+                    );
+                    assert.ok(overflow <= 0, `the page is ${overflow} pixels too wide`);
+                    await page.close();
+                });
+            }
+        }
+    }
+});

@@ -1,0 +1,127 @@
+// The combined page, which no board builds, in a real browser: it shares its skeleton with the
+// backup page.
+
+import assert from "node:assert/strict";
+import { readdir } from "node:fs/promises";
+import { after, before, beforeEach, describe, test } from "node:test";
+import { setTimeout as sleep } from "node:timers/promises";
+import { Board } from "./support/board.js";
+import { Browser, logIn, textOf } from "./support/browser.js";
+import { makeConfigurationFile, parseConfigurationFile } from "./support/configurationFile.js";
+import { chooseFile } from "./support/restorePage.js";
+
+const PAGE = "/maintenance/efi_backup_restore.cgi";
+
+function makeFile(payload, more = {}) {
+    return makeConfigurationFile({
+        saveTime: Date.UTC(2026, 2, 7, 12) / 1000,
+        partition: 3,
+        version: "10.20.30",
+        name: "R&D",
+        payload: Buffer.from(payload),
+        ...more,
+    });
+}
+
+describe("the combined page", () => {
+    let board;
+    let browser;
+    let page;
+
+    before(async () => {
+        board = await Board.start();
+        await board.replaceScreen("tests/combined/combined_page");
+        browser = await Browser.start();
+    });
+    after(async () => {
+        await browser?.stop();
+        await board?.remove();
+    });
+    beforeEach(async () => {
+        page = await browser.newPage();
+        await logIn(page, board);
+        await page.goto(board.url(PAGE));
+    });
+
+    async function backUp() {
+        await Promise.all([page.waitForNavigation(), page.click("#download")]);
+        return browser.nextDownload();
+    }
+
+    // Uploads a file; the page asks about it and goes on by itself.
+    async function uploadAndAnswer(bytes, accept) {
+        page.accept = accept;
+        await chooseFile(page, "a.dat", bytes);
+        const answered = new Promise((resolve) => {
+            let loads = 0;
+            page.on("load", () => ++loads === 2 && resolve());
+        });
+        // Later, because the page goes on by itself while the click is still under way.
+        await page.$eval("#install", (button) => setTimeout(() => button.click()));
+        await answered;
+        await waitForNoStagedFile();
+    }
+
+    async function stagedFiles() {
+        const names = await readdir(board.path("var/tmp"));
+        return names.filter((name) => /^restored_eficonf[0-9a-f]+$/.test(name));
+    }
+
+    async function waitForNoStagedFile() {
+        const deadline = Date.now() + 30000;
+        while ((await stagedFiles()).length !== 0) {
+            assert.ok(Date.now() < deadline, "the uploaded file is still there");
+            await sleep(20);
+        }
+    }
+
+    test("backs up partition 0 under a name without its number", async () => {
+        const { name, bytes } = await backUp();
+        assert.match(name, /^BIOS_\d{8}_102030\.dat$/);
+        assert.equal(parseConfigurationFile(bytes).partition, 0);
+    });
+
+    test("asks about an uploaded file, restores it to partition 0 and removes it", async () => {
+        await uploadAndAnswer(makeFile("Boot=0\n"), true);
+        const question = page.alerts.find((text) => text.includes("Restore this file"));
+        assert.match(question, /:\t\n\tSaved on2026-03-07\n\tBIOS version10\.20\.30/);
+        await page.waitForAlert(/was restored/);
+        await page.goto(board.url(PAGE));
+        const { bytes } = await backUp();
+        assert.equal(parseConfigurationFile(bytes).payload.toString(), "Boot=0\n");
+    });
+
+    test("throws the file away when the answer is no", async () => {
+        await uploadAndAnswer(makeFile("never"), false);
+        await page.goto(board.url(PAGE));
+        const { bytes } = await backUp();
+        assert.notEqual(parseConfigurationFile(bytes).payload.toString(), "never");
+    });
+
+    test("a hostile version stays text in the question", async () => {
+        const version = "9.\"</script><script>alert('in')</script>\\";
+        await uploadAndAnswer(makeFile("x", { version }), false);
+        assert.ok(page.alerts.some((text) => text.includes(version)), page.alerts.join("|"));
+        assert.ok(!page.alerts.includes("in"));
+    });
+
+    test("refuses what is no configuration file, and keeps nothing", async () => {
+        await chooseFile(page, "a.dat", Buffer.from("no configuration"));
+        await Promise.all([page.waitForNavigation(), page.click("#install")]);
+        await page.waitForAlert(/not a usable BIOS configuration file.*\[64-1026\]/);
+        assert.deepEqual(await stagedFiles(), []);
+        assert.equal((await page.$$("#install")).length, 1);
+    });
+
+    test("refuses a missing file before anything is sent", async () => {
+        await page.click("#install");
+        await page.waitForAlert(/No file is chosen/);
+    });
+
+    test("shows nothing of the backup page's own, and leaves no placeholder", async () => {
+        assert.equal((await page.$$("table")).length, 0);
+        assert.equal((await page.$$("#backup")).length, 0);
+        assert.match(await textOf(page, "h1"), /Backup\/Restore BIOS Configuration/);
+        assert.ok(!(await page.content()).includes("{{"));
+    });
+});

@@ -1,0 +1,205 @@
+// The back-end goes wrong in every way it can: the operator always gets a page that says so, with
+// its message, its trace line and the staged file's fate.
+
+import assert from "node:assert/strict";
+import { readFile } from "node:fs/promises";
+import { after, before, beforeEach, describe, test } from "node:test";
+import { Board } from "./support/board.js";
+import { Client, assertErrorPage, downloadLink } from "./support/client.js";
+import { makeConfigurationFile, parseConfigurationFile } from "./support/configurationFile.js";
+import { MULTIPART, uploadBody } from "./support/multipart.js";
+
+const SCREEN = "/maintenance/efi_backup_restore.cgi";
+const PARTITIONS = "0x0201002F";
+const HARDWARE = "0x02010021";
+const VERSIONS = "0x02010201";
+const BACKUP = "0x020100A3";
+const RESTORE = "0x020100A4";
+
+const FILE = makeConfigurationFile({
+    saveTime: 1772884800,
+    partition: 3,
+    version: "1.23 B",
+    name: "R&D",
+    payload: Buffer.from("Boot=1\n"),
+});
+
+describe("a back-end that goes wrong", () => {
+    let board;
+    let client;
+    let staged;
+
+    before(async () => {
+        board = await Board.start();
+    });
+    after(() => board?.remove());
+    beforeEach(async () => {
+        await board.control("reset");
+        client = await Client.loggedIn(board);
+        const identifier = client.cookie.slice("session=".length).split("-")[0];
+        staged = board.path("var/tmp", `restored_eficonf${identifier}`);
+    });
+
+    function upload() {
+        return client.request(SCREEN, {
+            method: "POST",
+            body: uploadBody(FILE),
+            headers: { "content-type": MULTIPART },
+        });
+    }
+
+    function restore(more = { pid3: "3" }) {
+        return client.post(SCREEN, { functionID: "106", hidden_status: "2", ...more });
+    }
+
+    async function isStaged() {
+        return (await readFile(staged).catch(() => null))?.equals(FILE) ?? false;
+    }
+
+    async function payloadOf(partition) {
+        const link = downloadLink(await client.backUp(partition));
+        return parseConfigurationFile((await client.get(link)).bytes).payload.toString();
+    }
+
+    for (const [code, words] of [
+        [1047, /busy with another request.*\[250-1047\]/],
+        [1539, /not a usable BIOS configuration file.*\[64-1539\]/],
+        [1549, /A partition is running.*\[73-1549\]/],
+        [1551, /does not fit.*\[353-1551\]/],
+        [1540, /did not confirm the restore.*\[71-1540\]/],
+    ]) {
+        test(`a restore refused with ${code} says why and keeps the file`, async () => {
+            await upload();
+            await board.control("refuse", RESTORE, code);
+            const page = await restore();
+            assert.equal(page.status, 200);
+            assert.match(page.text, words);
+            assert.match(page.text, /name="hidden_status" value="2"/);
+            assert.ok(await isStaged());
+        });
+    }
+
+    for (const [code, words] of [
+        [1047, /\[250-1047\]/],
+        [1540, /could not be backed up.*\[72-1540\]/],
+    ]) {
+        test(`a backup refused with ${code} says why, and offers no download`, async () => {
+            await board.control("refuse", BACKUP, code);
+            const page = await client.backUp(3);
+            assert.match(page.text, words);
+            assert.match(page.text, /<table/);
+            assert.doesNotMatch(page.text, /download_link/);
+        });
+    }
+
+    test("a backup that was accepted and not written is an error page, never a link", async () => {
+        // The back-end's reply to the backup is forged by refusing with code 0: accepted, nothing
+        // written, so the file that the program made is empty.
+        await board.control("refuse", BACKUP, 0);
+        assertErrorPage(await client.backUp(3), 500, /not certain/);
+        assert.match(await board.trace(), /\[1104\]/);
+    });
+
+    test("without the partition table the selection is not shown, and the file stays", async () => {
+        await board.control("refuse", PARTITIONS, 1609);
+        assertErrorPage(await upload(), 503, /Failed to obtain the partition status/);
+        assert.ok(await isStaged());
+        assert.match(await board.trace(), /Failed to obtain the partition status/);
+    });
+
+    test("without the hardware the selection is not shown, and the file stays", async () => {
+        await board.control("refuse", HARDWARE, 1609);
+        assertErrorPage(await upload(), 503, /Failed to obtain the system status/);
+        assert.ok(await isStaged());
+        assert.match(await board.trace(), /Failed to obtain the system status/);
+    });
+
+    test("without the versions every row shows none, and no message", async () => {
+        await board.control("refuse", VERSIONS, 1609);
+        const page = await upload();
+        assert.doesNotMatch(page.text, /role="alert"/);
+        const versions = [...page.text.matchAll(/class="version"[^>]*>([^<]*)</g)];
+        assert.deepEqual(versions.map(([, version]) => version), ["-", "-", "-", "-", "-"]);
+    });
+
+    test("a partition without a home board shows no version, and is traced", async () => {
+        const page = await upload();
+        assert.match(page.text, /class="version"[^>]*>10\.20\.30</);
+        assert.match(await board.trace(), /Home SB absent:PID5\n/);
+    });
+
+    test("select-all without the partition table sends nothing", async () => {
+        await upload();
+        const before = await payloadOf(3);
+        await board.control("refuse", PARTITIONS, 1609);
+        const page = await restore({ check_box: "" });
+        assertErrorPage(page, 503, /Failed to obtain the partition status/);
+        assert.equal(await payloadOf(3), before);
+        assert.ok(await isStaged());
+    });
+
+    test("a slow back-end is waited for", async () => {
+        await board.control("slow", 1500);
+        assert.equal((await client.get(`${SCREEN}?functionID=105`)).status, 200);
+    });
+
+    test("a silent back-end is given up in time", async () => {
+        await board.control("silent");
+        assertErrorPage(
+            await client.get(`${SCREEN}?functionID=105`),
+            503,
+            /Failed to obtain the partition status/,
+        );
+    });
+
+    test("a reply torn at any byte is an error page", async () => {
+        for (let bytes = 1; bytes <= 40; ++bytes) {
+            await board.control("torn", bytes);
+            assertErrorPage(
+                await client.get(`${SCREEN}?functionID=105`),
+                503,
+                /Failed to obtain the partition status/,
+            );
+        }
+    });
+
+    test("a restore whose reply is torn happened all the same, and is not called done", async () => {
+        await upload();
+        await board.control("torn", 3);
+        const page = await restore();
+        assert.match(page.text, /did not confirm the restore.*\[71-2003\]/);
+        assert.equal(await payloadOf(3), "Boot=1\n");
+    });
+
+    test("a back-end that dies and comes back has lost nothing", async () => {
+        await upload();
+        assert.match((await restore()).text, /was restored/);
+        await board.control("die", "--back-in", "300");
+        const deadline = Date.now() + 20000;
+        let page = await client.get(`${SCREEN}?functionID=105`);
+        assert.ok([200, 503].includes(page.status));
+        while (page.status !== 200 && Date.now() < deadline) {
+            page = await client.get(`${SCREEN}?functionID=105`);
+        }
+        assert.equal(page.status, 200);
+        assert.equal(await payloadOf(3), "Boot=1\n");
+        assert.ok(await isStaged());
+    });
+
+    test("a partition that is switched on takes no restore until it is off again", async () => {
+        await upload();
+        await board.control("partition", 3, "on");
+        assert.match((await restore()).text, /\[73-1549\]/);
+        await board.control("partition", 3, "off");
+        assert.match((await restore()).text, /was restored/);
+    });
+
+    test("boardctl tells what it can do, and refuses what makes no sense", async () => {
+        assert.match(await board.control("--help"), /refuse[\s\S]*partition[\s\S]*Exit status/);
+        await board.control("slow", 5, "--times", 2);
+        assert.match(await board.control("status"), /wait 5 ms, 2 times/);
+        await assert.rejects(board.control("partition", 3, "maybe"), { code: 2 });
+        await assert.rejects(board.control("nonsense"), { code: 2 });
+        await assert.rejects(board.control("slow", 99999999), { code: 1 });
+    });
+});

@@ -1,0 +1,156 @@
+// Text from a file, a partition's name or a version is text on every page, whatever is in it.
+
+import assert from "node:assert/strict";
+import { after, before, describe, test } from "node:test";
+import { Board } from "./support/board.js";
+import {
+    BACKUP_PAGE,
+    Browser,
+    RESTORE_PAGE,
+    chooseAndBackUp,
+    logIn,
+} from "./support/browser.js";
+import { makeConfigurationFile, parseConfigurationFile } from "./support/configurationFile.js";
+import { demoUsers } from "./support/demoBoard.js";
+import { chooseFile, upload } from "./support/restorePage.js";
+
+const HOSTILE = [
+    "<script>alert('in')</script>",
+    "\"><img src=x onerror=alert('in')>",
+    "'-alert('in')-'",
+    "</script><script>alert('in')</script>",
+    "</title></dl></td></table><h1>in</h1>",
+    "\\\"; alert('in'); //",
+    "`${alert('in')}`",
+    "{{message}} {{table_pid}} {{if filepath}}",
+    "line\nbreak\r\nand\ttab",
+    "\u2028\u2029\u202Egnp.exe\u2066\u200F",
+    "&lt;b&gt; &amp; &#60;",
+    "é ü 日本語 𝄞",
+];
+
+// A board description takes no control characters.
+function onBoard(text) {
+    return text.replaceAll(/[\x00-\x1f]/g, " ");
+}
+
+// A board each of whose partitions has a hostile name and runs a hostile version.
+function describeBoard() {
+    const quote = (text) => JSON.stringify(text).replaceAll("\u007f", "");
+    const parts = HOSTILE.map(
+        (text, number) =>
+            `[[partition]]\nnumber = ${number}\nname = ${quote(onBoard(text))}\nnode_ids = [${number}]\n` +
+            `[[system_board]]\nnumber = ${number}\nhome = true\nbios_version = ${quote(onBoard(text))}\n`,
+    );
+    return `max_partitions = ${HOSTILE.length}\n${parts.join("\n")}\n${demoUsers()}`;
+}
+
+function makeFile(text) {
+    return makeConfigurationFile({
+        saveTime: 1772884800,
+        partition: 0,
+        version: text,
+        name: text,
+        payload: Buffer.from(text),
+    });
+}
+
+// A textContent as HTML keeps it: line ends are normalized when a page is read.
+function asRead(text) {
+    return text.replaceAll("\r\n", "\n");
+}
+
+describe("hostile text", () => {
+    let board;
+    let browser;
+    let page;
+
+    before(async () => {
+        board = await Board.start(describeBoard());
+        browser = await Browser.start();
+        page = await browser.newPage();
+        page.on("pageerror", (error) => page.alerts.push(`error: ${error.message}`));
+        await logIn(page, board);
+    });
+    after(async () => {
+        await browser?.stop();
+        await board?.remove();
+    });
+
+    function cells(column) {
+        return page.$$eval(
+            "tbody tr",
+            (rows, index) => rows.map((row) => row.cells[index].textContent),
+            column,
+        );
+    }
+
+    test("in partition names stays text on the backup page", async () => {
+        await page.goto(board.url(BACKUP_PAGE));
+        assert.deepEqual(await cells(2), HOSTILE.map(onBoard));
+        assert.deepEqual(page.alerts, []);
+    });
+
+    for (const [number, text] of HOSTILE.entries()) {
+        test(`in a version does no harm in a backup: ${JSON.stringify(text)}`, async () => {
+            page.alerts.length = 0;
+            await page.goto(board.url(BACKUP_PAGE));
+            await chooseAndBackUp(page, number);
+            if (/[/\\"']/.test(onBoard(text))) {
+                // No name for a file: the download is refused on a page of its own.
+                await page.waitForSelector("[role=alert], .error");
+                assert.deepEqual(await browser.downloadNames(), []);
+            } else {
+                const { bytes } = await browser.nextDownload();
+                assert.equal(parseConfigurationFile(bytes).version, onBoard(text));
+            }
+            assert.deepEqual(page.alerts, []);
+        });
+
+        test(`in a file stays text on the selection page: ${JSON.stringify(text)}`, async () => {
+            page.alerts.length = 0;
+            await upload(page, board, "a.dat", makeFile(text));
+            const facts = await page.$$eval("dl.facts dd", (all) =>
+                all.map((each) => each.textContent),
+            );
+            assert.equal(facts[1], asRead(text));
+            assert.equal(facts[3], asRead(text));
+            assert.deepEqual(await cells(2), HOSTILE.map(onBoard));
+            assert.deepEqual(page.alerts, []);
+            await page.click(`#pid${number}`);
+            page.accept = false;
+            await page.click("#restore");
+            const question = await page.waitForAlert(/will be overwritten/);
+            page.accept = true;
+            assert.ok(question.includes(asRead(text).trim()), question);
+            assert.equal(page.alerts.length, 1);
+        });
+    }
+
+    test("in the name of an uploaded file does no harm", async () => {
+        for (const name of ["<script>alert('in')<.dat", "a'b\"c&d.dat", "日本語 {{message}}.dat"]) {
+            page.alerts.length = 0;
+            await page.goto(board.url(RESTORE_PAGE));
+            await chooseFile(page, name.replaceAll("/", ""), makeFile("9.9"));
+            await Promise.all([page.waitForNavigation(), page.click("#upload")]);
+            assert.equal((await page.$$("#file_pid")).length, 1, name);
+            assert.deepEqual(page.alerts, []);
+        }
+    });
+
+    test("that is no UTF-8 does no harm", async () => {
+        page.alerts.length = 0;
+        const bytes = makeFile("x".repeat(4));
+        const broken = makeConfigurationFile({
+            saveTime: 1772884800,
+            partition: 0,
+            version: Buffer.from([0xff, 0xfe, 0x80, 0x3c]),
+            name: Buffer.from([0xc3, 0x28, 0xe2, 0x82]),
+            payload: bytes,
+        });
+        await upload(page, board, "a.dat", broken);
+        assert.equal((await page.$$("#file_pid")).length, 1);
+        assert.equal((await page.$$("tbody tr")).length, HOSTILE.length);
+        assert.deepEqual(page.alerts, []);
+    });
+});

@@ -1,0 +1,330 @@
+// An operator restores configurations in real browsers.
+
+import assert from "node:assert/strict";
+import { createHash } from "node:crypto";
+import { readdir } from "node:fs/promises";
+import { after, before, beforeEach, describe, test } from "node:test";
+import { Board } from "./support/board.js";
+import { BROWSERS, Browser, RESTORE_PAGE, logIn, textOf } from "./support/browser.js";
+import { Client, downloadLink } from "./support/client.js";
+import { makeConfigurationFile, parseConfigurationFile } from "./support/configurationFile.js";
+import { demoPartitions } from "./support/demoBoard.js";
+import { chooseFile, restoreTo, upload, withFile } from "./support/restorePage.js";
+
+const SAVED = Date.UTC(2026, 2, 7, 12) / 1000;
+
+function sha256(bytes) {
+    return createHash("sha256").update(bytes).digest("hex");
+}
+
+for (const kind of BROWSERS) {
+    describe(`restore in ${kind}`, () => {
+        let board;
+        let browser;
+        let page;
+        let observer;
+
+        before(async () => {
+            board = await Board.start();
+            browser = await Browser.start("en", kind);
+            observer = await Client.loggedIn(board);
+        });
+        after(async () => {
+            await browser?.stop();
+            await board?.remove();
+        });
+        beforeEach(async () => {
+            page = await browser.newPage();
+            await logIn(page, board);
+        });
+
+        // What the board holds for a partition now.
+        async function payloadOf(partition) {
+            const file = await observer.get(downloadLink(await observer.backUp(partition)));
+            return parseConfigurationFile(file.bytes).payload;
+        }
+
+        function stagedFiles() {
+            return readdir(board.path("var/tmp")).then((names) =>
+                names.filter((name) => /^restored_eficonf[0-9a-f]+$/.test(name)),
+            );
+        }
+
+        function makeFile(payload, more = {}) {
+            return makeConfigurationFile({
+                saveTime: SAVED,
+                partition: 3,
+                version: "1.23 B",
+                name: "R&D",
+                payload: Buffer.from(payload),
+                ...more,
+            });
+        }
+
+        test("a file goes onto the two partitions that were ticked, and onto no other", async () => {
+            const before = await payloadOf(0);
+            await upload(page, board, "Partition3.dat", makeFile("Boot=1\n", { version: "-" }));
+            assert.deepEqual(
+                await page.$$eval("dl.facts dd", (all) => all.map((each) => each.textContent)),
+                ["3", "R&D", "2026-03-07 (local time of the board)", "-"],
+            );
+            await restoreTo(page, [3, 5]);
+            await page.waitForAlert(/The BIOS configuration was restored\./);
+            assert.match(await textOf(page, "[role=alert]"), /was restored/);
+            assert.equal((await payloadOf(3)).toString(), "Boot=1\n");
+            assert.equal((await payloadOf(5)).toString(), "Boot=1\n");
+            assert.deepEqual(await payloadOf(0), before);
+            assert.equal((await stagedFiles()).length, 1);
+        });
+
+        test("the question before a restore names the file and every target", async () => {
+            await upload(page, board, "a.dat", makeFile("x"));
+            await page.click("#pid3");
+            await page.click("#pid5");
+            page.accept = false;
+            await page.click("#restore");
+            const question = await page.waitForAlert(/will be overwritten/);
+            const partitions = demoPartitions();
+            for (const words of [
+                "2026-03-07",
+                "1.23 B",
+                "R&D",
+                `3: ${partitions.get(3).name}`,
+                `5: ${partitions.get(5).name}`,
+            ]) {
+                assert.ok(question.includes(words), `${words} in ${question}`);
+            }
+            assert.ok(!question.includes(partitions.get(0).name));
+            assert.equal((await page.$$("#restore")).length, 1);
+        });
+
+        test("nothing is ticked at the start, and nothing ticked is said so", async () => {
+            await upload(page, board, "a.dat", makeFile("x"));
+            assert.equal((await page.$$("input:checked")).length, 0);
+            await page.click("#restore");
+            await page.waitForAlert(/No partition is chosen/);
+            assert.equal((await page.$$("#restore")).length, 1);
+        });
+
+        test("select-all follows the rows, and the rows follow it", async () => {
+            await upload(page, board, "a.dat", makeFile("x"));
+            const state = () =>
+                page.evaluate(() => ({
+                    all: selectAll.checked,
+                    mixed: selectAll.indeterminate,
+                    rows: tickedBoxes().length,
+                }));
+            await page.click("#pid3");
+            assert.deepEqual(await state(), { all: false, mixed: true, rows: 1 });
+            await page.click("#check_box");
+            assert.deepEqual(await state(), { all: true, mixed: false, rows: 5 });
+            assert.match(await textOf(page, "#ticked"), /5 \/ 5/);
+            await page.click("#pid0");
+            assert.deepEqual(await state(), { all: false, mixed: true, rows: 4 });
+            await page.click("#check_box");
+            await page.click("#check_box");
+            assert.deepEqual(await state(), { all: false, mixed: false, rows: 0 });
+        });
+
+        test("rows say where the file came from and which versions differ", async () => {
+            await upload(page, board, "a.dat", makeFile("x"));
+            const remarks = await page.$$eval("tbody tr", (rows) =>
+                rows.map((row) => [row.cells[1].textContent, row.cells[4].textContent]),
+            );
+            for (const [number, text] of remarks) {
+                assert.equal(/saved from this partition/.test(text), number === "3", text);
+                const version = demoPartitions().get(Number(number)).shownVersion;
+                assert.equal(/version differs/.test(text), version !== "1.23 B", number);
+            }
+        });
+
+        test("a discarded file is gone", async () => {
+            const before = (await stagedFiles()).length;
+            await upload(page, board, "a.dat", makeFile("x"));
+            assert.equal((await stagedFiles()).length, before + 1);
+            await Promise.all([page.waitForNavigation(), page.click("#discard")]);
+            assert.equal((await stagedFiles()).length, before);
+            assert.equal((await page.$$("#upload")).length, 1);
+            assert.deepEqual(page.alerts, []);
+        });
+
+        test("another file can be uploaded from the selection page", async () => {
+            await upload(page, board, "a.dat", makeFile("first"));
+            await chooseFile(page, "b.dat", makeFile("second", { partition: 7 }));
+            await Promise.all([page.waitForNavigation(), page.click("#install")]);
+            assert.equal(await textOf(page, "#file_pid"), "7");
+            await restoreTo(page, [3]);
+            assert.equal((await payloadOf(3)).toString(), "second");
+        });
+
+        test("what was backed up comes back the same elsewhere", async () => {
+            const original = await observer.get(downloadLink(await observer.backUp(2)));
+            await upload(page, board, "x.dat", original.bytes);
+            await restoreTo(page, [3]);
+            await page.waitForAlert(/was restored/);
+            assert.equal(
+                sha256(await payloadOf(3)),
+                sha256(parseConfigurationFile(original.bytes).payload),
+            );
+        });
+
+        for (const [what, name, bytes, words] of [
+            ["an empty file", "a.dat", Buffer.alloc(0), /The file is empty.*\[33-1028\]/],
+            ["a large file", "a.dat", Buffer.alloc(393217), /at most 393216.*\[63-1028\]/],
+            ["a wrong name", "a.DAT", Buffer.from("x"), /must end in \.dat.*\[63-1026\]/],
+        ]) {
+            test(`${what} is refused before it is sent, and by the board in the same words`, async () => {
+                await page.goto(board.url(RESTORE_PAGE));
+                let posts = 0;
+                page.on("request", (request) => (posts += request.method() === "POST" ? 1 : 0));
+                await chooseFile(page, name, bytes);
+                await page.click("#upload");
+                const own = await page.waitForAlert(words);
+                assert.equal(posts, 0);
+                page.alerts.length = 0;
+                await Promise.all([
+                    page.waitForNavigation(),
+                    page.evaluate(() => {
+                        document.querySelector("input[name=hidden_status]").value = "1";
+                        document.getElementById("form_name").submit();
+                    }),
+                ]);
+                assert.equal(await page.waitForAlert(words), own);
+            });
+        }
+
+        test("no file chosen is said so", async () => {
+            await page.goto(board.url(RESTORE_PAGE));
+            await page.click("#upload");
+            await page.waitForAlert(/No file is chosen/);
+        });
+
+        test("something that is no configuration file is refused and not kept", async () => {
+            const before = (await stagedFiles()).length;
+            await upload(page, board, "a.dat", Buffer.from("no configuration"));
+            await page.waitForAlert(/not a usable BIOS configuration file.*\[64-1026\]/);
+            assert.equal((await stagedFiles()).length, before);
+            assert.equal((await page.$$("#upload")).length, 1);
+        });
+
+        test("a refused restore changes nothing and says why", async () => {
+            const running = [...demoPartitions()].find(([, each]) => each.running)[0];
+            const before = [await payloadOf(running), await payloadOf(3)];
+            await upload(page, board, "a.dat", makeFile("never", { version: "-" }));
+            await restoreTo(page, [3, running]);
+            await page.waitForAlert(/A partition is running.*\[73-1549\]/);
+            assert.deepEqual([await payloadOf(running), await payloadOf(3)], before);
+
+            await upload(page, board, "a.dat", makeFile("never", { version: "77.1" }));
+            await restoreTo(page, [3]);
+            await page.waitForAlert(/does not fit.*\[353-1551\]/);
+            assert.deepEqual(await payloadOf(3), before[1]);
+        });
+
+        test("Refresh after a restore restores nothing", async () => {
+            await upload(page, board, "a.dat", makeFile("once"));
+            await restoreTo(page, [3]);
+            let posts = 0;
+            page.on("request", (request) => (posts += request.method() === "POST" ? 1 : 0));
+            await page.reload();
+            assert.equal(posts, 0);
+            assert.equal((await page.$$("#upload")).length, 1);
+            assert.equal(page.alerts.filter((text) => /was restored/.test(text)).length, 1);
+        });
+    });
+}
+
+describe("restore without a mouse, and without scripts", () => {
+    let board;
+    let browser;
+    let page;
+
+    before(async () => {
+        board = await Board.start();
+        browser = await Browser.start();
+    });
+    after(async () => {
+        await browser?.stop();
+        await board?.remove();
+    });
+    beforeEach(async () => {
+        page = await browser.newPage();
+        await logIn(page, board);
+    });
+
+    const file = makeConfigurationFile({
+        saveTime: SAVED,
+        partition: 3,
+        version: "1.23 B",
+        name: "R&D",
+        payload: Buffer.from("x"),
+    });
+
+    test("the keyboard alone does it all", async () => {
+        await page.goto(board.url(RESTORE_PAGE));
+        await chooseFile(page, "a.dat", file);
+        await page.focus("#filename");
+        await page.keyboard.press("Tab");
+        await Promise.all([page.waitForNavigation(), page.keyboard.press("Enter")]);
+        await page.focus("#check_box");
+        // To the row of partition 3, past 0 and 2.
+        for (let i = 0; i < 3; ++i) {
+            await page.keyboard.press("Tab");
+        }
+        await page.keyboard.press("Space");
+        assert.equal(await page.$eval("#pid3", (box) => box.checked), true);
+        await Promise.all([page.waitForNavigation(), page.keyboard.press("Enter")]);
+        await page.waitForAlert(/was restored/);
+    });
+
+    test("forms post their steps without JavaScript", async () => {
+        await page.setJavaScriptEnabled(false);
+        await page.goto(board.url(RESTORE_PAGE));
+        const post = async (selector) =>
+            Promise.all([page.waitForNavigation(), page.click(selector)]);
+        await withFile("a.dat", file, async (path) => {
+            await (await page.$("#filename")).uploadFile(path);
+            await post("#upload");
+        });
+        assert.equal(await textOf(page, "#file_pid"), "3");
+        await page.click("#pid3");
+        await post("#restore");
+        assert.match(await textOf(page, "[role=alert]"), /was restored/);
+
+        await withFile("a.dat", file, async (path) => {
+            await (await page.$("#filename")).uploadFile(path);
+            await post("#upload");
+        });
+        await post("#discard");
+        assert.equal((await page.$$("#upload")).length, 1);
+        assert.equal((await page.$$("[role=alert]")).length, 0);
+    });
+
+    test("a second press while a restore is under way sends nothing", async () => {
+        await upload(page, board, "a.dat", file);
+        await page.click("#pid3");
+        let posts = 0;
+        page.on("request", (request) => (posts += request.method() === "POST" ? 1 : 0));
+        await Promise.all([
+            page.waitForNavigation(),
+            page.evaluate(() => {
+                const button = document.getElementById("restore");
+                button.click();
+                window.setTimeout(() => button.click());
+                button.click();
+            }),
+        ]);
+        await page.waitForAlert(/was restored/);
+        assert.equal(posts, 1);
+        assert.match(await textOf(page, ".plan"), /3: R&D/);
+    });
+
+    test("the language can be chosen on the menu, and every page speaks it", async () => {
+        await page.goto(board.url("/"));
+        await Promise.all([page.waitForNavigation(), page.click("button[value=ja]")]);
+        await upload(page, board, "a.dat", file);
+        assert.equal(await page.$eval("html", (element) => element.lang), "ja");
+        await restoreTo(page, [3]);
+        await page.waitForAlert(/復元しました/);
+    });
+});

@@ -1,0 +1,61 @@
+// A board on which something is missing or in the way says so.
+
+import assert from "node:assert/strict";
+import { mkdir } from "node:fs/promises";
+import { test } from "node:test";
+import { Board } from "./support/board.js";
+import { Client, assertErrorPage } from "./support/client.js";
+import { makeConfigurationFile } from "./support/configurationFile.js";
+import { demoUsers } from "./support/demoBoard.js";
+import { MULTIPART, uploadBody } from "./support/multipart.js";
+
+const SCREEN = "/maintenance/efi_backup_restore.cgi";
+
+const FILE = makeConfigurationFile({
+    saveTime: 1772884800,
+    partition: 0,
+    version: "1",
+    name: "x",
+    payload: Buffer.from("x"),
+});
+
+// Runs `use` with a board and somebody who is logged in.
+async function withBoard(description, use) {
+    const board = await Board.start(description);
+    try {
+        await use(board, await Client.loggedIn(board));
+    } finally {
+        await board.remove();
+    }
+}
+
+function upload(client) {
+    return client.request(SCREEN, {
+        method: "POST",
+        body: uploadBody(FILE),
+        headers: { "content-type": MULTIPART },
+    });
+}
+
+test("without an installed partition there is nothing to back up or to restore", () =>
+    withBoard(`max_partitions = 4\n${demoUsers()}`, async (board, client) => {
+        const words = /No partition is installed.*\[46-1026\]/;
+        assertErrorPage(await client.get(`${SCREEN}?functionID=105`), 400, words);
+        assertErrorPage(await upload(client), 400, words);
+    }));
+
+test("an upload that cannot be locked or moved is refused", () =>
+    withBoard(undefined, async (board, client) => {
+        const identifier = client.cookie.slice("session=".length).split("-")[0];
+        await mkdir(board.path("var/tmp", `restored_eficonf${identifier}`));
+        const moved = await upload(client);
+        assert.match(moved.text, /could not be stored.*\[45-1043\]/);
+        assert.match(await board.trace(), /Renaming \(errno:21\) .*upload_[0-9a-f]+ failed/);
+
+        await withBoard(undefined, async (other, stranger) => {
+            await mkdir(other.path("var/tmp/restored_eficonf.lock"));
+            const locked = await upload(stranger);
+            assert.match(locked.text, /could not be stored.*\[45-1102\]/);
+            assert.match(await other.trace(), /AbstractBackupRestorePage::upload failed/);
+        });
+    }));

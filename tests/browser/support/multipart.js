@@ -1,0 +1,38 @@
+// Multipart bodies by hand, for requests that no browser sends.
+
+export const BOUNDARY = "----board-test-boundary";
+export const MULTIPART = `multipart/form-data; boundary=${BOUNDARY}`;
+
+// A part: its header lines and its bytes.
+export function part(header, bytes) {
+    return Buffer.concat([
+        Buffer.from(`--${BOUNDARY}\r\n${header}\r\n\r\n`),
+        Buffer.from(bytes),
+        Buffer.from("\r\n"),
+    ]);
+}
+
+export function field(name, value) {
+    return part(`Content-Disposition: form-data; name="${name}"`, value);
+}
+
+export function file(name, bytes, fileName = "a.dat") {
+    return part(
+        `Content-Disposition: form-data; name="${name}"; filename="${fileName}"\r\n` +
+            "Content-Type: application/octet-stream",
+        bytes,
+    );
+}
+
+export const END = Buffer.from(`--${BOUNDARY}--\r\n`);
+
+// The upload form, as a browser posts it.
+export function uploadBody(bytes, fileName = "a.dat") {
+    return Buffer.concat([
+        file("filename", bytes, fileName),
+        field("hidden_status", "1"),
+        field("functionID", "106"),
+        field("hidden_procname", ""),
+        END,
+    ]);
+}

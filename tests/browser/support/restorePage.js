@@ -1,0 +1,47 @@
+// What tests do with the pages of a restore.
+
+import { mkdtemp, rm, writeFile } from "node:fs/promises";
+import { tmpdir } from "node:os";
+import path from "node:path";
+import { RESTORE_PAGE } from "./browser.js";
+
+// Runs `use` with the path of a file of that name and content.
+export async function withFile(name, bytes, use) {
+    const folder = await mkdtemp(path.join(tmpdir(), "upload-"));
+    try {
+        const file = path.join(folder, name);
+        await writeFile(file, bytes);
+        return await use(file);
+    } finally {
+        await rm(folder, { recursive: true });
+    }
+}
+
+// Opens the upload form and uploads a file; ends on the page that follows.
+export async function upload(page, board, name, bytes) {
+    await page.goto(board.url(RESTORE_PAGE));
+    await chooseFile(page, name, bytes);
+    await Promise.all([page.waitForNavigation(), page.click("#upload")]);
+}
+
+export async function chooseFile(page, name, bytes) {
+    await withFile(name, bytes, async (file) => {
+        const chooser = await page.$("#filename");
+        await chooser.uploadFile(file);
+        // The browser reads the file when it sends the form, so it has to stand until then.
+        await page.evaluate(async () => {
+            const input = document.getElementById("filename");
+            const kept = new File([await input.files[0].arrayBuffer()], input.files[0].name);
+            const transfer = new DataTransfer();
+            transfer.items.add(kept);
+            input.files = transfer.files;
+        });
+    });
+}
+
+export async function restoreTo(page, partitions) {
+    for (const partition of partitions) {
+        await page.click(`#pid${partition}`);
+    }
+    await Promise.all([page.waitForNavigation(), page.click("#restore")]);
+}

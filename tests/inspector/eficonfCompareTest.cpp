@@ -1,0 +1,174 @@
+#include "tests/inspector/inspector.h"
+
+#include "tests/support/files.h"
+
+#include <gmock/gmock.h>
+
+namespace VeskLib::Test {
+
+using nlohmann::json;
+using testing::ElementsAre;
+
+namespace {
+
+class EficonfCompareTest : public InspectorTest {
+protected:
+    // The lines that tell how the files differ; the JSON must tell the same.
+    std::vector<std::string> differences(const Host::ConfigurationFile& first,
+                                         const Host::ConfigurationFile& second) const {
+        const std::vector<std::string> command = {"compare", write("first.dat", first),
+                                                  write("second.dat", second)};
+        const ChildResult result = runInspector(command);
+        EXPECT_EQ(result.exitStatus, DIFFERENT) << result.errors;
+        std::vector<std::string> told;
+        const json report = runForJSON(command, DIFFERENT);
+        for (const json& difference : report.at("differences")) {
+            EXPECT_EQ(difference.size(), 3U);
+            told.push_back(difference.at("what").get<std::string>() + ": " +
+                           difference.at("first").get<std::string>() + " -> " +
+                           difference.at("second").get<std::string>());
+        }
+        EXPECT_EQ(linesOf(result.output), told);
+        return told;
+    }
+
+    std::vector<std::string> payloadDifferences(const std::string& first,
+                                                const std::string& second) const {
+        return differences(makeSample(first), makeSample(second));
+    }
+};
+
+}  // namespace
+
+TEST_F(EficonfCompareTest, filesThatHoldTheSameAreTheSame) {
+    const std::string first = write("a.dat", makeSample("Boot mode=UEFI\n"));
+    const std::string second = write("b.dat", makeSample("Boot mode=UEFI\n"));
+    const ChildResult result = runInspector({"compare", first, second});
+    EXPECT_EQ(result.exitStatus, SAME);
+    EXPECT_EQ(result.output, "The files hold the same.\n");
+    const json report = runForJSON({"compare", first, second}, SAME);
+    EXPECT_EQ(report.size(), 3U);
+    EXPECT_EQ(report.at("differences"), json::array());
+    EXPECT_EQ(report.at("first"), runForJSON({"show", first}, SAME));
+    EXPECT_EQ(report.at("second"), runForJSON({"show", second}, SAME));
+    EXPECT_EQ(runInspector({"compare", first, first}).exitStatus, SAME);
+}
+
+TEST_F(EficonfCompareTest, everyFieldOfTheHeaderIsCompared) {
+    const Host::ConfigurationFile sample = makeSample("abc");
+    Host::ConfigurationFile other = sample;
+    other.saveTime += 1;
+    EXPECT_THAT(differences(sample, other),
+                ElementsAre("saved on: 2026-03-07T12:00:00Z -> 2026-03-07T12:00:01Z"));
+    other = sample;
+    other.partition = 7;
+    EXPECT_THAT(differences(sample, other), ElementsAre("partition: 3 -> 7"));
+    other = sample;
+    other.partitionName = "";
+    EXPECT_THAT(differences(sample, other), ElementsAre("partition name: Alpha -> "));
+    other = sample;
+    other.version = "1.24 B";
+    EXPECT_THAT(differences(sample, other), ElementsAre("BIOS version: 1.23 B -> 1.24 B"));
+}
+
+TEST_F(EficonfCompareTest, everyDifferenceIsToldInOrder) {
+    Host::ConfigurationFile other = makeSample("b=2\n");
+    other.saveTime = 0;
+    other.partition = 0;
+    other.partitionName = "Beta";
+    other.version = "-";
+    EXPECT_THAT(
+        differences(makeSample("a=1\nb=10\n"), other),
+        ElementsAre("saved on: 2026-03-07T12:00:00Z -> 1970-01-01T00:00:00Z", "partition: 3 -> 0",
+                    "partition name: Alpha -> Beta", "BIOS version: 1.23 B -> -",
+                    "payload size: 9 -> 4", "setting a: 1 -> (none)", "setting b: 10 -> 2"));
+}
+
+TEST_F(EficonfCompareTest, settingsAreComparedOneByOne) {
+    EXPECT_THAT(payloadDifferences("Boot mode=UEFI\nBoot timeout=5\nSecure boot=\n",
+                                   "Secure boot=\nBoot mode=UEFI\nBoot timeout=7\n"),
+                ElementsAre("setting Boot timeout: 5 -> 7"));
+    EXPECT_THAT(payloadDifferences("a=1\n", "a=1\nb=\n"),
+                ElementsAre("payload size: 4 -> 7", "setting b: (none) -> "));
+    EXPECT_THAT(payloadDifferences("a=x=1\n", "a=x=2\n"), ElementsAre("setting a: x=1 -> x=2"));
+    EXPECT_THAT(payloadDifferences("", "a=1\n"),
+                ElementsAre("payload size: 0 -> 4", "setting a: (none) -> 1"));
+    EXPECT_THAT(payloadDifferences("A=1\na=1\n", "A=1\na=2\n"), ElementsAre("setting a: 1 -> 2"));
+}
+
+TEST_F(EficonfCompareTest, settingsThatDifferInTheirOrderAloneAreTold) {
+    EXPECT_THAT(payloadDifferences("a=1\nb=2\n", "b=2\na=1\n"),
+                ElementsAre("payload byte 0: 97 -> 98"));
+    EXPECT_THAT(payloadDifferences("a=1\na=2\n", "a=1\na=3\n"),
+                ElementsAre("payload byte 6: 50 -> 51"));
+}
+
+TEST_F(EficonfCompareTest, otherPayloadsDifferFromAByteOn) {
+    EXPECT_THAT(payloadDifferences("abc", "abd"), ElementsAre("payload byte 2: 99 -> 100"));
+    EXPECT_THAT(payloadDifferences("abc", "ab"),
+                ElementsAre("payload size: 3 -> 2", "payload byte 2: 99 -> (none)"));
+    EXPECT_THAT(payloadDifferences("", "abc"),
+                ElementsAre("payload size: 0 -> 3", "payload byte 0: (none) -> 97"));
+    EXPECT_THAT(payloadDifferences("\xFF", std::string(1, '\0')),
+                ElementsAre("payload byte 0: 255 -> 0"));
+}
+
+TEST_F(EficonfCompareTest, payloadsAreSettingsOnlyWhenAllOfBothAre) {
+    // No end of the last line; a line without "="; a control character; one file of settings only.
+    EXPECT_THAT(payloadDifferences("a=1\nb=2", "a=1\nb=3"),
+                ElementsAre("payload byte 6: 50 -> 51"));
+    EXPECT_THAT(payloadDifferences("a=1\nb:2\n", "a=1\nb:3\n"),
+                ElementsAre("payload byte 6: 50 -> 51"));
+    EXPECT_THAT(payloadDifferences("a=\t1\n", "a=\t2\n"), ElementsAre("payload byte 3: 49 -> 50"));
+    EXPECT_THAT(payloadDifferences("a=1\x7F\n", "a=2\x7F\n"),
+                ElementsAre("payload byte 2: 49 -> 50"));
+    EXPECT_THAT(payloadDifferences("a=1\n", "a+1\n"), ElementsAre("payload byte 1: 61 -> 43"));
+}
+
+TEST_F(EficonfCompareTest, aFileThatIsNotUsableIsShownAndNotCompared) {
+    const std::string sound = write("a.dat", makeSample("abc"));
+    const std::string other = write("other", "abc");
+    const std::string missing = at("missing");
+    for (const std::vector<std::string>& files : std::vector<std::vector<std::string>>{
+             {sound, other}, {other, sound}, {sound, missing}, {other, missing}, {other, other}}) {
+        const std::vector<std::string> command = {"compare", files[0], files[1]};
+        const ChildResult result = runInspector(command);
+        EXPECT_EQ(result.exitStatus, NOT_USABLE);
+        EXPECT_EQ(result.output, runInspector({"show", files[0]}).output +
+                                     runInspector({"show", files[1]}).output);
+        const json report = runForJSON(command, NOT_USABLE);
+        EXPECT_EQ(report.at("first").at("file"), files[0]);
+        EXPECT_EQ(report.at("second").at("file"), files[1]);
+        EXPECT_EQ(report.at("differences"), json::array());
+    }
+}
+
+TEST_F(EficonfCompareTest, controlCharactersDoNotReachTheTerminal) {
+    Host::ConfigurationFile first = makeSample("a\xC2\x9B=1\n");
+    Host::ConfigurationFile second = makeSample("a\xC2\x9B=2\n");
+    second.partitionName = "Al\x1B[2Jpha\n";
+    const std::vector<std::string> command = {"compare", write("a.dat", first),
+                                              write("b.dat", second)};
+    EXPECT_EQ(runInspector(command).output,
+              "partition name: Alpha -> Al?[2Jpha?\nsetting a?: 1 -> 2\n");
+    const json report = runForJSON(command, DIFFERENT);
+    EXPECT_EQ(report.at("differences").at(0).at("second"), "Al\x1B[2Jpha\n");
+    EXPECT_EQ(report.at("differences").at(1).at("what"), "setting a\xC2\x9B");
+}
+
+TEST_F(EficonfCompareTest, textsThatAreNotUTF8AreToldAsWell) {
+    Host::ConfigurationFile other = makeSample("abc");
+    other.partitionName = "Al\xFFpha";
+    const std::vector<std::string> command = {"compare", write("a.dat", makeSample("abc")),
+                                              write("b.dat", other)};
+    EXPECT_EQ(runForJSON(command, DIFFERENT).at("differences").at(0).at("second"),
+              "Al\xEF\xBF\xBDpha");
+}
+
+TEST_F(EficonfCompareTest, theVerdictDoesNotDependOnTheOrderOfTheFiles) {
+    EXPECT_THAT(payloadDifferences("abd", "abc"), ElementsAre("payload byte 2: 100 -> 99"));
+    EXPECT_THAT(payloadDifferences("a=1\n", ""),
+                ElementsAre("payload size: 4 -> 0", "setting a: 1 -> (none)"));
+}
+
+}  // namespace VeskLib::Test

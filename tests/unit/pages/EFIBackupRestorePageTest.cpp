@@ -1,0 +1,166 @@
+#include "pages/EFIBackupRestorePage.h"
+
+#include "tests/unit/support/CombinedPageTest.h"
+
+#include <algorithm>
+#include <array>
+#include <new>
+
+namespace VeskLib::Test {
+
+using Gui::EFIBackupRestorePage;
+
+class EFIBackupRestorePageTest : public CombinedPageTest {};
+
+TEST_F(EFIBackupRestorePageTest, hasItsConstants) {
+    EXPECT_EQ(EFIBackupRestorePage::skeletonFileName,
+              "/usr/local/www/skel/skeleton_efi_backup.txt");
+    EXPECT_STREQ(EFIBackupRestorePage::FILE_EXTENSION, ".dat");
+}
+
+TEST_F(EFIBackupRestorePageTest, isBuiltStepByStep) {
+    const auto page = makePage();
+    const Calls& all = calls();
+    const auto first =
+        std::find(all.begin(), all.end(), "new TextString(onLoadFunction(), false, false, 6)");
+    EXPECT_THAT(Calls(all.begin(), first),
+                testing::UnorderedElementsAre(
+                    "new HTMLCodeGenerator(/usr/local/www/skel/skeleton_efi_backup.txt)",
+                    "new VeskTrace(1, 2, 29697)", "getCGIPath /var/tmp/restored_eficonf",
+                    "getSessionId", "getCGIPath /var/tmp/restored_eficonf.lock",
+                    "getCGIPath /var/tmp/efi_backup", "getSessionId"));
+    EXPECT_THAT(Calls(first, all.end()),
+                testing::ElementsAre(
+                    "new TextString(onLoadFunction(), false, false, 6)",
+                    "insertIntoMap onload_function", "makePage", "getFormData message",
+                    "new TextString(/maintenance/efi_backup_restore.cgi, false, false, 6)",
+                    "insertIntoMap form_action", "new HiddenField(hidden_status, 0, form_name)",
+                    "insertIntoMap hidden_status", "new HiddenField(functionID, 105, form_name)",
+                    "insertIntoMap hidden_functionID", "getString caption 971",
+                    "new Button(download, caption 971, form_name, 0, \"backupFunction()\", false)",
+                    "insertIntoMap download", "getString caption 1356",
+                    "new TextString(caption 1356, false, true, 6)", "insertIntoMap item_download",
+                    "getString caption 986", "new TextString(caption 986, false, false, 6)",
+                    "insertIntoMap item_title", "getString caption 1357",
+                    "new TextString(caption 1357, false, true, 6)", "insertIntoMap message",
+                    "new SelectFile(filename, , form_name, 70, 0)", "insertIntoMap filename",
+                    "getString caption 499",
+                    "new Button(install, caption 499, form_name, 0, \"uploadFunction()\", false)",
+                    "insertIntoMap install", "new HiddenField(hidden_procname, , form_name)",
+                    "insertIntoMap hidden_procname", "getMessage message 354/0",
+                    "new TextString(message 354/0, false, true, 6)", "insertIntoMap message0",
+                    "terminate"));
+}
+
+// It reads no partition table.
+TEST_F(EFIBackupRestorePageTest, isTheFormOnAFirstVisit) {
+    script.formFields["hidden_status"] = "3";
+    const auto page = makePage();
+    EXPECT_EQ(print(*page), form("0"));
+    EXPECT_EQ(page->getMessage(), "");
+    EXPECT_FALSE(page->isAlert());
+    EXPECT_FALSE(page->isError());
+    EXPECT_THAT(calls({"getFormData", "getInfo", "setInfo", "putLog"}),
+                testing::ElementsAre("getFormData message"));
+}
+
+// On memory that is not zero, so that a field nobody sets shows.
+TEST_F(EFIBackupRestorePageTest, everyFieldIsSetWhenMade) {
+    alignas(EFIBackupRestorePage) std::array<unsigned char, sizeof(EFIBackupRestorePage)> memory;
+    memory.fill(0xA5);
+    auto* page =
+        new (memory.data()) EFIBackupRestorePage(requester, formInfo, messageMgr, &displayMode);
+    EXPECT_EQ(print(*page), form("0"));
+    page->~EFIBackupRestorePage();
+}
+
+class CombinedMessageFieldTest : public EFIBackupRestorePageTest,
+                                 public testing::WithParamInterface<const char*> {};
+
+// Unlike on the restore screen the file goes, and the text is no alert.
+TEST_P(CombinedMessageFieldTest, discardsTheFileAndSaysThatItWasRestored) {
+    script.formFields["message"] = GetParam();
+    const auto page = makePage();
+    EXPECT_EQ(page->getMessage(), "message 70/0");
+    EXPECT_FALSE(page->isAlert());
+    EXPECT_FALSE(page->isError());
+    EXPECT_EQ(print(*page), form("0"));
+    EXPECT_THAT(calls({"getFormData", "new LockedFile", "remove", "delete LockedFile", "getMessage",
+                       "putLog", "insertIntoMap form_action"}),
+                testing::ElementsAre("getFormData message",
+                                     "new LockedFile(/board/var/tmp/restored_eficonf.lock)",
+                                     "remove /board/var/tmp/restored_eficonfS1",
+                                     "delete LockedFile(/board/var/tmp/restored_eficonf.lock)",
+                                     "getMessage message 70/0", "insertIntoMap form_action",
+                                     "getMessage message 354/0"));
+}
+
+INSTANTIATE_TEST_SUITE_P(WithAnyValue, CombinedMessageFieldTest,
+                         testing::Values("", "0", "anything"));
+
+TEST_F(EFIBackupRestorePageTest, aMessageFieldStandsBelowAnEarlierNotice) {
+    post("1");
+    script.uploadSize = 0;
+    script.formFields["message"] = "";
+    const auto page = makePage();
+    EXPECT_EQ(page->getMessage(), "message 33/1028<br>message 70/0");
+    EXPECT_TRUE(page->isAlert());
+}
+
+class UnauthorizedCombinedPageTest : public EFIBackupRestorePageTest,
+                                     public testing::WithParamInterface<int> {};
+
+// No trace line, unlike the other screens, and nothing is built.
+TEST_P(UnauthorizedCombinedPageTest, saysOnlyThat) {
+    displayMode = GetParam();
+    script.formFields["message"] = "";
+    const auto page = makePage();
+    EXPECT_EQ(page->getMessage(), "message 12/1033");
+    EXPECT_TRUE(page->isError());
+    EXPECT_FALSE(page->isAlert());
+    EXPECT_EQ(print(*page), emptyPage);
+    EXPECT_THAT(calls({"makePage", "getFormData", "lmsg_getmsg", "putLog", "getMessage",
+                       "insertIntoMap", "new LockedFile", "delete", "terminate"}),
+                testing::ElementsAre(
+                    "insertIntoMap onload_function", "makePage", "getMessage message 12/1033",
+                    "delete TextString(onLoadFunction(), false, false, 6)", "terminate"));
+}
+
+INSTANTIATE_TEST_SUITE_P(AnyDisplayModeButTwo, UnauthorizedCombinedPageTest,
+                         testing::Values(0, 1, 3, -2));
+
+TEST_F(EFIBackupRestorePageTest, deletesEverythingWithIt) {
+    auto page = makePage();
+    Scripted::forgetCalls();
+    page.reset();
+    EXPECT_THAT(
+        calls(),
+        testing::ElementsAre(
+            "delete Button(download, caption 971, form_name, 0, \"backupFunction()\", false)",
+            "delete SelectFile(filename, , form_name, 70, 0)",
+            "delete TextString(/maintenance/efi_backup_restore.cgi, false, false, 6)",
+            "delete HiddenField(functionID, 105, form_name)",
+            "delete HiddenField(hidden_procname, , form_name)",
+            "delete HiddenField(hidden_status, 0, form_name)",
+            "delete Button(install, caption 499, form_name, 0, \"uploadFunction()\", false)",
+            "delete TextString(caption 1356, false, true, 6)",
+            "delete TextString(caption 986, false, false, 6)",
+            "delete TextString(caption 1357, false, true, 6)",
+            "delete TextString(message 354/0, false, true, 6)",
+            "delete TextString(onLoadFunction(), false, false, 6)",
+            "delete HTMLCodeGenerator(/usr/local/www/skel/skeleton_efi_backup.txt)",
+            "delete VeskTrace(1, 2, 29697)"));
+}
+
+// Wherever the building breaks off, nothing of the page stays behind.
+TEST_F(EFIBackupRestorePageTest, anExceptionWhileBuildingFreesThePage) {
+    const Calls held = Scripted::livingObjects();
+    for (const char* place : {"onload_function", "form_action", "hidden_status", "download",
+                              "item_title", "filename", "install", "message0"}) {
+        script.insertErrors = {{place, 7}};
+        EXPECT_EQ(thrownDetail([&] { makePage(); }), 7) << place;
+        EXPECT_EQ(Scripted::livingObjects(), held) << place;
+    }
+}
+
+}  // namespace VeskLib::Test

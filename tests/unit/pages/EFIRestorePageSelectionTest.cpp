@@ -1,0 +1,361 @@
+// EFIRestorePage after an upload: the target selection.
+
+#include "tests/unit/support/SelectionTest.h"
+
+#include <algorithm>
+#include <limits>
+#include <stdexcept>
+
+namespace VeskLib::Test {
+
+class EFIRestorePageSelectionTest : public SelectionTest {};
+
+TEST_F(EFIRestorePageSelectionTest, isBuiltStepByStep) {
+    script.setPartitions({{false, "", {}}, {true, "name", {0x03}}});
+    script.setBoards({3}, {3});
+    script.setVersions({"", "", "", "4.5"});
+    const auto page = makePage();
+    const Calls& all = calls();
+    const auto first = std::find(all.begin(), all.end(), "getInfo 0x0201002F");
+    EXPECT_THAT(Calls(first, all.end()),
+                testing::ElementsAreArray({
+                    "getInfo 0x0201002F",
+                    "getInfo 0x02010021",
+                    "setSkeletonFile /usr/local/www/skel/skeleton_efi_rstr_slct.txt",
+                    "new TextString(/maintenance/efi_backup_restore.cgi, false, false, 6)",
+                    "insertIntoMap form_action",
+                    "new HiddenField(hidden_status, 2, form_name)",
+                    "insertIntoMap hidden_status",
+                    "new TextString(3, false, false, 6)",
+                    "insertIntoMap status",
+                    "getString caption 1003",
+                    "new TextString(caption 1003, false, false, 6)",
+                    "insertIntoMap message",
+                    "getString caption 1004",
+                    "new TextString(caption 1004, false, false, 6)",
+                    "insertIntoMap information",
+                    "new EFIConfFile(/board/var/tmp/restored_eficonfS1)",
+                    "getFileHeader",
+                    "delete EFIConfFile(/board/var/tmp/restored_eficonfS1)",
+                    "getString caption 131",
+                    "getString caption 132",
+                    "new TextString(caption 131caption 132, false, false, 6)",
+                    "insertIntoMap tablepid",
+                    "new TextString(4, false, false, 6)",
+                    "insertIntoMap pid",
+                    "new TextString(the file's, false, false, 6)",
+                    "insertIntoMap part_name",
+                    "getString caption 973",
+                    "new TextString(caption 973, false, false, 6)",
+                    "insertIntoMap item_date",
+                    "new TextString(2009-03-07, false, false, 6)",
+                    "insertIntoMap date",
+                    "getString caption 1359",
+                    "new TextString(caption 1359, false, false, 6)",
+                    "insertIntoMap item_version",
+                    "new TextString(1.23 B, false, false, 6)",
+                    "insertIntoMap version",
+                    "new SelectFile(filename, , form_name, 70, 0)",
+                    "insertIntoMap filename",
+                    "getString caption 499",
+                    "new Button(install, caption 499, form_name, 0, \"uploadFunction()\", false)",
+                    "insertIntoMap install",
+                    "new HiddenField(functionID, 106, form_name)",
+                    "insertIntoMap hidden_functionID",
+                    "new HiddenField(hidden_procname, , form_name)",
+                    "insertIntoMap hidden_procname",
+                    "new TextString(restore, false, false, 6)",
+                    "insertIntoMap restore",
+                    "getMessage message 303/0",
+                    "new TextString(message 303/0, false, true, 6)",
+                    "insertIntoMap message0",
+                    "getMessage message 293/0",
+                    "new TextString(message 293/0, false, true, 6)",
+                    "insertIntoMap message1",
+                    "getString caption 132",
+                    "new TextString(caption 132, false, false, 6)",
+                    "insertIntoMap item_pid",
+                    "getString caption 394",
+                    "new TextString(caption 394, false, false, 6)",
+                    "insertIntoMap item_part_name",
+                    "new CheckBox(, , form_name)",
+                    "getString caption 1005",
+                    "CheckBox::add(check_box, , caption 1005, , false, false)",
+                    "setClickHandler switchField()",
+                    "insertIntoMap check_box",
+                    "new VersionInfoPacket()",
+                    "getInfo 0x02010201",
+                    "getMaxPartitionNum",
+                    "PartitionInfoPacket::isInstalled(0)",
+                    "getMaxPartitionNum",
+                    "PartitionInfoPacket::isInstalled(1)",
+                    "new HTMLCodeGenerator(/usr/local/www/skel/skeleton_efi_rstr_slct_tbl.txt)",
+                    "new CheckBox(, , form_name)",
+                    "CheckBox::add(pid1, 1, , , false, false)",
+                    "insertIntoMap check_box",
+                    "new TextString(1, false, false, 6)",
+                    "insertIntoMap pid",
+                    "getPartitionName(1)",
+                    "new TextString(name, false, false, 6)",
+                    "insertIntoMap part_name",
+                    "getNodeIds(1)",
+                    "HardInstallInfoPacket::isInstalled(0, 3)",
+                    "HardInstallInfoPacket::isHome(0, 3, 0)",
+                    "getBIOSVersion(3, 0)",
+                    "new TextString(4.5, false, false, 6)",
+                    "insertIntoMap version",
+                    "getMaxPartitionNum",
+                    "insertIntoMap table_pid",
+                    "delete VersionInfoPacket()",
+                    "terminate",
+                }));
+}
+
+TEST_F(EFIRestorePageSelectionTest, hasARowForEachInstalledPartition) {
+    script.setPartitions({{true, "first", {0x05}}, {false, "gap", {0x01}}, {true, "third", {}}});
+    script.setBoards({1, 5}, {1, 5});
+    script.setVersions({"", "wrong", "", "", "", "10.20.30"});
+    const auto page = makePage();
+    EXPECT_EQ(print(*page), selectionWith(row("0", "first", "10.20.30") + row("2", "third", "-")));
+    EXPECT_EQ(page->getMessage(), "");
+    EXPECT_FALSE(page->isError());
+    EXPECT_FALSE(page->isAlert());
+    EXPECT_EQ(calls(stagedFileCalls), onlyMoved);
+    EXPECT_THAT(calls({"putLog"}), testing::ElementsAre(absent("2")));
+}
+
+// Nothing decides for the operator: not the version, not where the file came from.
+TEST_F(EFIRestorePageSelectionTest, makesEveryRowAlike) {
+    script.setPartitions({{true, "same version", {0x00}},
+                          {true, "other version", {0x01}},
+                          {true, "no home board", {}},
+                          {true, "", {}},
+                          {true, "the file's", {0x00}}});
+    script.setBoards({0, 1}, {0, 1});
+    script.setVersions({"1.23 B", "-"});
+    EXPECT_EQ(print(*makePage()),
+              selectionWith(row("0", "same version", "1.23 B") + row("1", "other version", "-") +
+                            row("2", "no home board", "-") + row("3", "", "-") +
+                            row("4", "the file's", "1.23 B")));
+}
+
+TEST_F(EFIRestorePageSelectionTest, givesNamesNumbersAndVersionsAsTheyAre) {
+    std::vector<Partition> partitions(11);
+    partitions[10] = {true, "<&\"'> %s ü", {0x00}};
+    script.setPartitions(partitions);
+    script.setBoards({0}, {0});
+    script.setVersions({"<1>"});
+    EXPECT_EQ(print(*makePage()), selectionWith(row("10", "<&\"'> %s ü", "<1>")));
+}
+
+TEST_F(EFIRestorePageSelectionTest, saysWhatTheFileHolds) {
+    script.filePartition = std::numeric_limits<unsigned int>::max();
+    script.filePartitionName = "<file>";
+    script.fileVersion = "-";
+    script.fileHeader.saveTime = 1796083199;  // 30 November 2026, the last second
+    EXPECT_THAT(print(*makePage()),
+                testing::AllOf(testing::HasSubstr("|pid=" + text("4294967295") + "|"),
+                               testing::HasSubstr("|part_name=" + text("<file>") + "|"),
+                               testing::HasSubstr("|version=" + text("-") + "]"),
+                               testing::HasSubstr("|date=" + text("2026-11-30") + "|")));
+}
+
+// The header's first field is no date.
+TEST_F(EFIRestorePageSelectionTest, datesTheFileInLocalTime) {
+    const ScopedEnvironment east("TZ", "JST-9");
+    script.fileHeader.revision = 1794657600;
+    script.fileHeader.saveTime = 1236384000 - 1;
+    EXPECT_THAT(print(*makePage()), testing::HasSubstr("|date=" + text("2009-03-07") + "|"));
+}
+
+TEST_F(EFIRestorePageSelectionTest, datesTheFileInTheYearBeforeWhereThatIsLocalTime) {
+    const ScopedEnvironment west("TZ", "EST5");
+    script.fileHeader.saveTime = 1798761600;  // 1 January 2027, midnight in Greenwich
+    EXPECT_THAT(print(*makePage()), testing::HasSubstr("|date=" + text("2026-12-31") + "|"));
+}
+
+TEST_F(EFIRestorePageSelectionTest, showsWhatTheDisplayModeIsWhenPrinted) {
+    const auto page = makePage();
+    displayMode = 0;
+    const std::string printed = print(*page);
+    EXPECT_THAT(printed, testing::HasSubstr("CheckBox(, , form_name, 0){box(check_box"));
+    EXPECT_THAT(printed, testing::HasSubstr("CheckBox(, , form_name, 0){box(pid0"));
+}
+
+// The number of partitions is asked again before every pass.
+TEST_F(EFIRestorePageSelectionTest, endsWhereTheBoardSaysAtThatMoment) {
+    script.setPartitions(std::vector<Partition>(5, {true, "name", {}}));
+    script.maxPartitionNumbers = {1, 3, 3, 2};
+    EXPECT_EQ(print(*makePage()),
+              selectionWith(row("0", "name", "-") + row("1", "name", "-") + row("2", "name", "-")));
+    EXPECT_THAT(calls({"getMaxPartitionNum"}), testing::SizeIs(4));
+}
+
+// Unlike on the backup screen: a number beyond the largest int is a negative one.
+TEST_F(EFIRestorePageSelectionTest, comparesPartitionNumbersSigned) {
+    script.maxPartitionNumbers = {std::numeric_limits<unsigned int>::max(), 1};
+    EXPECT_EQ(makePage()->getMessage(), "message 46/1026");
+    EXPECT_THAT(calls({"getMaxPartitionNum"}), testing::SizeIs(1));
+}
+
+TEST_F(EFIRestorePageSelectionTest, withoutVersionsEveryRowReadsUnknown) {
+    script.setPartitions({{true, "first", {0x00}}, {true, "second", {0x01}}});
+    script.setBoards({0, 1}, {0, 1});
+    script.setVersions({"1.0", "2.0"});
+    script.replies[0x02010201].errorCode = 1047;
+    const auto page = makePage();
+    EXPECT_EQ(print(*page), selectionWith(row("0", "first", "-") + row("1", "second", "-")));
+    EXPECT_EQ(page->getMessage(), "");
+    EXPECT_FALSE(page->isAlert());
+    EXPECT_FALSE(page->isError());
+    EXPECT_THAT(calls({"putLog", "getBIOSVersion", "getErrorCode"}), testing::IsEmpty());
+    EXPECT_THAT(calls({"HardInstallInfoPacket::isHome"}), testing::SizeIs(2));
+    EXPECT_EQ(calls(stagedFileCalls), onlyMoved);
+}
+
+// What cannot be had is traced and shown in the same words, and the upload form is not built.
+TEST_F(EFIRestorePageSelectionTest, aFailedPartitionTableIsAllThatIsShown) {
+    script.replies[0x0201002F].errorCode = 1047;
+    const auto page = makePage();
+    EXPECT_EQ(page->getMessage(), "lmsg 107 [the partition status]");
+    EXPECT_TRUE(page->isError());
+    EXPECT_FALSE(page->isAlert());
+    EXPECT_EQ(print(*page), emptyUploadForm);
+    EXPECT_EQ(calls(stagedFileCalls), onlyMoved);
+    EXPECT_THAT(calls({"getInfo", "lmsg_getmsg", "putLog", "setSkeletonFile", "getMessage",
+                       "new EFIConf", "insertIntoMap", "delete TextString", "terminate"}),
+                testing::ElementsAre(
+                    "insertIntoMap onload_function", "getInfo 0x0201002F", "lmsg_getmsg 107",
+                    "putLog 0 lmsg 107 [the partition status]", "lmsg_getmsg 107",
+                    "delete TextString(onLoadFunction(), false, false, 6)", "terminate"));
+}
+
+TEST_F(EFIRestorePageSelectionTest, failedInstalledHardwareIsAllThatIsShown) {
+    script.replies[0x02010021].errorCode = 1047;
+    const auto page = makePage();
+    EXPECT_EQ(page->getMessage(), "lmsg 107 [the system status]");
+    EXPECT_TRUE(page->isError());
+    EXPECT_FALSE(page->isAlert());
+    EXPECT_EQ(print(*page), emptyUploadForm);
+    EXPECT_EQ(calls(stagedFileCalls), onlyMoved);
+    EXPECT_THAT(calls({"getInfo", "lmsg_getmsg", "putLog", "setSkeletonFile", "getMessage",
+                       "new EFIConf", "insertIntoMap", "delete TextString", "terminate"}),
+                testing::ElementsAre(
+                    "insertIntoMap onload_function", "getInfo 0x0201002F", "getInfo 0x02010021",
+                    "lmsg_getmsg 107", "putLog 0 lmsg 107 [the system status]", "lmsg_getmsg 107",
+                    "delete TextString(onLoadFunction(), false, false, 6)", "terminate"));
+}
+
+class UnreadableFileTest : public EFIRestorePageSelectionTest,
+                           public testing::WithParamInterface<bool> {
+protected:
+    UnreadableFileTest() { (GetParam() ? script.openError : script.headerError) = 1104; }
+};
+
+// The exception's own code is not shown.
+TEST_P(UnreadableFileTest, isRemovedAndTheUploadFormShownAgain) {
+    const auto page = makePage();
+    EXPECT_EQ(page->getMessage(), "message 64/1026");
+    EXPECT_TRUE(page->isAlert());
+    EXPECT_FALSE(page->isError());
+    EXPECT_EQ(print(*page), uploadForm("2", true));
+    EXPECT_EQ(calls(stagedFileCalls), movedAndRemoved);
+    EXPECT_THAT(calls({"putLog", "new VersionInfo", "getMaxPartitionNum"}), testing::IsEmpty());
+    EXPECT_THAT(calls({"setSkeletonFile", "getMessage", "remove", "insertIntoMap form_action",
+                       "insertIntoMap hidden_status", "insertIntoMap message", "delete HiddenField",
+                       "delete TextString", "terminate"}),
+                testing::ElementsAre(
+                    "setSkeletonFile /usr/local/www/skel/skeleton_efi_rstr_slct.txt",
+                    "insertIntoMap form_action", "insertIntoMap hidden_status",
+                    "insertIntoMap message", "getMessage message 64/1026",
+                    "setSkeletonFile /usr/local/www/skel/skeleton_efi_rstr.txt",
+                    "remove /board/var/tmp/restored_eficonfS1",
+                    "insertIntoMap form_action, which displaces",
+                    "delete TextString(/maintenance/efi_backup_restore.cgi, false, false, 6)",
+                    "insertIntoMap hidden_status, which displaces",
+                    "delete HiddenField(hidden_status, 2, form_name)",
+                    "insertIntoMap message, which displaces",
+                    "delete TextString(caption 1003, false, false, 6)", "getMessage message 354/0",
+                    "insertIntoMap message0", "terminate"));
+}
+
+TEST_P(UnreadableFileTest, thatCannotBeRemovedIsTracedAndShownTheSame) {
+    script.removeError = 13;
+    const auto page = makePage();
+    EXPECT_EQ(page->getMessage(), "message 64/1026");
+    EXPECT_EQ(print(*page), uploadForm("2", true));
+    EXPECT_THAT(calls({"putLog"}),
+                testing::ElementsAre(
+                    "putLog 0 lmsg 20011 [remove(/board/var/tmp/restored_eficonfS1)] [13]"));
+}
+
+INSTANTIATE_TEST_SUITE_P(WhenOpenedOrRead, UnreadableFileTest, testing::Bool());
+
+// The lock is free while the file is read and is asked for once more to remove it; without it the
+// exception leaves the page, and nothing of the page is left.
+TEST_F(EFIRestorePageSelectionTest, anUnreadableFileThatCannotBeLockedEndsThePage) {
+    script.headerError = 1104;
+    const Calls held = Scripted::livingObjects();
+    script.replies[0x02010021].fill = [this](VeskUi::SerializableObject&) {
+        script.lockError = 1101;
+    };
+    EXPECT_EQ(thrownDetail([&] { makePage(); }), 1101);
+    EXPECT_EQ(Scripted::livingObjects(), held);
+    EXPECT_EQ(calls(stagedFileCalls), onlyMoved);
+    EXPECT_THAT(calls({"terminate"}), testing::IsEmpty());
+}
+
+TEST_F(EFIRestorePageSelectionTest, anExceptionOfAnotherTypePassesThroughAndKeepsTheFile) {
+    const Calls held = Scripted::livingObjects();
+    for (const char* place : {"new EFIConfFile", "getFileHeader"}) {
+        Scripted::forgetCalls();
+        Scripted::throwAt(place, std::make_exception_ptr(std::runtime_error("other")));
+        EXPECT_THROW(makePage(), std::runtime_error) << place;
+        EXPECT_EQ(Scripted::livingObjects(), held) << place;
+        EXPECT_EQ(calls(stagedFileCalls), onlyMoved) << place;
+        EXPECT_THAT(calls({"getMessage", "putLog", "terminate"}), testing::IsEmpty()) << place;
+        // The next one is to be reached.
+        Scripted::throwAt(place, nullptr);
+    }
+}
+
+TEST_F(EFIRestorePageSelectionTest, withoutPartitionNumbersNoneIsInstalled) {
+    script.maxPartitionNumbers = {0};
+    const auto page = makePage();
+    EXPECT_EQ(page->getMessage(), "message 46/1026");
+    EXPECT_TRUE(page->isError());
+    EXPECT_EQ(print(*page), emptySelection);
+    EXPECT_THAT(calls({"PartitionInfoPacket::isInstalled", "putLog"}), testing::IsEmpty());
+}
+
+TEST_F(EFIRestorePageSelectionTest, whenNoPartitionIsInstalledOnlyThatIsShownAndTheFileKept) {
+    script.setPartitions({{false, "name", {0x00}}, {false, "", {}}});
+    const auto page = makePage();
+    EXPECT_EQ(page->getMessage(), "message 46/1026");
+    EXPECT_TRUE(page->isError());
+    EXPECT_FALSE(page->isAlert());
+    EXPECT_EQ(print(*page), emptySelection);
+    EXPECT_EQ(calls(stagedFileCalls), onlyMoved);
+    EXPECT_THAT(calls({"putLog", "getNodeIds"}), testing::IsEmpty());
+    // Twenty-three components with a record of their own, the row container aside.
+    EXPECT_THAT(calls({"delete TextString", "delete HiddenField", "delete SelectFile",
+                       "delete Button", "delete CheckBox"}),
+                testing::SizeIs(23));
+    EXPECT_THAT(
+        calls({"insertIntoMap table_pid", "getMessage message 46", "terminate"}),
+        testing::ElementsAre("insertIntoMap table_pid", "getMessage message 46/1026", "terminate"));
+}
+
+// Wherever the building breaks off, nothing of the page stays behind.
+TEST_F(EFIRestorePageSelectionTest, anExceptionWhileBuildingFreesThePage) {
+    script.setPartitions({{true, "first", {}}, {true, "second", {}}});
+    const Calls held = Scripted::livingObjects();
+    for (const char* place : {"form_action", "information", "tablepid", "part_name", "filename",
+                              "install", "check_box", "pid", "version", "table_pid"}) {
+        script.insertErrors = {{place, 7}};
+        EXPECT_EQ(thrownDetail([&] { makePage(); }), 7) << place;
+        EXPECT_EQ(Scripted::livingObjects(), held) << place;
+    }
+}
+
+}  // namespace VeskLib::Test

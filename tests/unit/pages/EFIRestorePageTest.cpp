@@ -1,0 +1,184 @@
+#include "pages/EFIRestorePage.h"
+
+#include "tests/unit/support/RestorePageTest.h"
+
+#include <array>
+#include <new>
+
+namespace VeskLib::Test {
+
+using Gui::EFIRestorePage;
+
+class EFIRestorePageTest : public RestorePageTest {};
+
+TEST_F(EFIRestorePageTest, hasItsConstants) {
+    EXPECT_EQ(EFIRestorePage::skeletonFileName, "/usr/local/www/skel/skeleton_efi_rstr.txt");
+    EXPECT_EQ(EFIRestorePage::skeletonFileNameSel,
+              "/usr/local/www/skel/skeleton_efi_rstr_slct.txt");
+    EXPECT_STREQ(EFIRestorePage::FILE_EXTENSION, ".dat");
+}
+
+TEST_F(EFIRestorePageTest, isBuiltStepByStep) {
+    const auto page = makePage();
+    EXPECT_THAT(
+        calls(),
+        testing::ElementsAre(
+            "new HTMLCodeGenerator(/usr/local/www/skel/skeleton_efi_rstr.txt)",
+            "new VeskTrace(1, 2, 29697)", "new PartitionInfoPacket()",
+            "getCGIPath /var/tmp/restored_eficonf", "getCGIPath /var/tmp/restored_eficonf.lock",
+            "getSessionId", "new TextString(onLoadFunction(), false, false, 6)",
+            "insertIntoMap onload_function", "makePage", "getFormData message",
+            "new TextString(/maintenance/efi_backup_restore.cgi, false, false, 6)",
+            "insertIntoMap form_action", "new HiddenField(hidden_status, 0, form_name)",
+            "insertIntoMap hidden_status", "getString caption 1002",
+            "new TextString(caption 1002, false, true, 6)", "insertIntoMap message",
+            "new SelectFile(filename, , form_name, 70, 0)", "insertIntoMap filename",
+            "new HiddenField(functionID, 106, form_name)", "insertIntoMap hidden_functionID",
+            "new HiddenField(hidden_procname, , form_name)", "insertIntoMap hidden_procname",
+            "getMessage message 354/0", "new TextString(message 354/0, false, true, 6)",
+            "insertIntoMap message0", "terminate"));
+}
+
+TEST_F(EFIRestorePageTest, isTheUploadFormOnAFirstVisit) {
+    const auto page = makePage();
+    EXPECT_EQ(print(*page), uploadForm("0"));
+    EXPECT_EQ(page->getMessage(), "");
+    EXPECT_FALSE(page->isError());
+    EXPECT_FALSE(page->isAlert());
+}
+
+// "hidden_status" belongs to posted steps.
+TEST_F(EFIRestorePageTest, aPlainDisplayReadsNoStatus) {
+    script.formFields["hidden_status"] = "3";
+    EXPECT_EQ(print(*makePage()), uploadForm("0"));
+    EXPECT_THAT(calls({"getFormData", "remove"}), testing::ElementsAre("getFormData message"));
+}
+
+// On memory that is not zero, so that a field nobody sets shows.
+TEST_F(EFIRestorePageTest, everyFieldIsSetWhenMade) {
+    alignas(EFIRestorePage) std::array<unsigned char, sizeof(EFIRestorePage)> memory;
+    memory.fill(0xA5);
+    auto* page = new (memory.data()) EFIRestorePage(requester, formInfo, messageMgr, &displayMode);
+    EXPECT_EQ(print(*page), uploadForm("0"));
+    page->~EFIRestorePage();
+}
+
+// Whether the restore is finished decides about the form; it is not.
+TEST_F(EFIRestorePageTest, theFormIsBuiltAfterARestoreWhateverWasInTheMemory) {
+    post("2");
+    alignas(EFIRestorePage) std::array<unsigned char, sizeof(EFIRestorePage)> memory;
+    memory.fill(1);
+    auto* page = new (memory.data()) EFIRestorePage(requester, formInfo, messageMgr, &displayMode);
+    EXPECT_EQ(print(*page), uploadForm("2"));
+    page->~EFIRestorePage();
+}
+
+class MessageFieldTest : public EFIRestorePageTest,
+                         public testing::WithParamInterface<const char*> {};
+
+TEST_P(MessageFieldTest, raisesTheNoticeOfARestoreAgain) {
+    script.formFields["message"] = GetParam();
+    const auto page = makePage();
+    EXPECT_EQ(page->getMessage(), "message 70/0");
+    EXPECT_TRUE(page->isAlert());
+    EXPECT_FALSE(page->isError());
+    EXPECT_EQ(print(*page), uploadForm("0"));
+    EXPECT_THAT(calls({"getFormData", "getMessage", "putLog", "new LockedFile", "remove",
+                       "insertIntoMap form_action"}),
+                testing::ElementsAre("getFormData message", "getMessage message 70/0",
+                                     "insertIntoMap form_action", "getMessage message 354/0"));
+}
+
+INSTANTIATE_TEST_SUITE_P(WithAnyValue, MessageFieldTest, testing::Values("", "0", "anything"));
+
+TEST_F(EFIRestorePageTest, aNoticeStandsBelowAnEarlierOne) {
+    post("1");
+    script.uploadSize = 0;
+    script.formFields["message"] = "";
+    const auto page = makePage();
+    EXPECT_EQ(page->getMessage(), "message 33/1028<br>message 70/0");
+    EXPECT_TRUE(page->isAlert());
+    EXPECT_EQ(print(*page), uploadForm("1"));
+}
+
+class UnauthorizedRestorePageTest : public EFIRestorePageTest,
+                                    public testing::WithParamInterface<int> {};
+
+// The form is built all the same and dropped at the end of the construction.
+TEST_P(UnauthorizedRestorePageTest, buildsTheFormButSaysOnlyThat) {
+    displayMode = GetParam();
+    script.formFields["message"] = "";
+    const auto page = makePage();
+    EXPECT_EQ(page->getMessage(), "message 12/1033");
+    EXPECT_TRUE(page->isError());
+    EXPECT_FALSE(page->isAlert());
+    EXPECT_EQ(print(*page), emptyUploadForm);
+    EXPECT_THAT(
+        calls({"makePage", "getFormData", "lmsg_getmsg", "putLog", "getMessage", "insertIntoMap",
+               "delete", "terminate"}),
+        testing::ElementsAre(
+            "insertIntoMap onload_function", "makePage", "lmsg_getmsg 20020",
+            "putLog 0 lmsg 20020 [EFIRestorePage::makeDispPage(): Authorization required.]",
+            "getMessage message 12/1033", "delete TextString(onLoadFunction(), false, false, 6)",
+            "insertIntoMap form_action", "insertIntoMap hidden_status", "insertIntoMap message",
+            "insertIntoMap filename", "insertIntoMap hidden_functionID",
+            "insertIntoMap hidden_procname", "getMessage message 354/0", "insertIntoMap message0",
+            "terminate", "delete SelectFile(filename, , form_name, 70, 0)",
+            "delete TextString(/maintenance/efi_backup_restore.cgi, false, false, 6)",
+            "delete HiddenField(functionID, 106, form_name)",
+            "delete HiddenField(hidden_procname, , form_name)",
+            "delete HiddenField(hidden_status, 0, form_name)",
+            "delete TextString(caption 1002, false, true, 6)",
+            "delete TextString(message 354/0, false, true, 6)"));
+}
+
+INSTANTIATE_TEST_SUITE_P(AnyDisplayModeButTwo, UnauthorizedRestorePageTest,
+                         testing::Values(0, 1, 3, -2));
+
+TEST_F(EFIRestorePageTest, deletesEverythingWithIt) {
+    auto page = makePage();
+    Scripted::forgetCalls();
+    page.reset();
+    EXPECT_THAT(
+        calls(),
+        testing::ElementsAre(
+            "delete PartitionInfoPacket()", "delete SelectFile(filename, , form_name, 70, 0)",
+            "delete TextString(/maintenance/efi_backup_restore.cgi, false, false, 6)",
+            "delete HiddenField(functionID, 106, form_name)",
+            "delete HiddenField(hidden_procname, , form_name)",
+            "delete HiddenField(hidden_status, 0, form_name)",
+            "delete TextString(caption 1002, false, true, 6)",
+            "delete TextString(message 354/0, false, true, 6)",
+            "delete TextString(onLoadFunction(), false, false, 6)",
+            "delete HTMLCodeGenerator(/usr/local/www/skel/skeleton_efi_rstr.txt)",
+            "delete VeskTrace(1, 2, 29697)"));
+}
+
+// Wherever the building breaks off, nothing of the page stays behind.
+TEST_F(EFIRestorePageTest, anExceptionWhileBuildingFreesThePage) {
+    const Calls held = Scripted::livingObjects();
+    for (const char* place : {"onload_function", "form_action", "hidden_status", "filename",
+                              "hidden_procname", "message0"}) {
+        script.insertErrors = {{place, 7}};
+        EXPECT_EQ(thrownDetail([&] { makePage(); }), 7) << place;
+        EXPECT_EQ(Scripted::livingObjects(), held) << place;
+    }
+}
+
+// Two sessions have a staged file each, and one lock.
+TEST_F(EFIRestorePageTest, theStagedFileIsTheSessionsAndTheLockEverybodys) {
+    post("3");
+    makePage();
+    script.sessionId = "S2";
+    Gui::FormInfo secondForm;
+    const EFIRestorePage second(requester, secondForm, messageMgr, &displayMode);
+    EXPECT_THAT(calls({"new LockedFile", "remove", "delete LockedFile"}),
+                testing::ElementsAre("new LockedFile(/board/var/tmp/restored_eficonf.lock)",
+                                     "remove /board/var/tmp/restored_eficonfS1",
+                                     "delete LockedFile(/board/var/tmp/restored_eficonf.lock)",
+                                     "new LockedFile(/board/var/tmp/restored_eficonf.lock)",
+                                     "remove /board/var/tmp/restored_eficonfS2",
+                                     "delete LockedFile(/board/var/tmp/restored_eficonf.lock)"));
+}
+
+}  // namespace VeskLib::Test

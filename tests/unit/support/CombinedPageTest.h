@@ -1,0 +1,78 @@
+#pragma once
+
+#include "pages/EFIBackupRestorePage.h"
+#include "tests/support/ScopedEnvironment.h"
+#include "tests/unit/support/PageTest.h"
+
+#include <memory>
+#include <string>
+
+namespace VeskLib::Test {
+
+// A test of EFIBackupRestorePage. The script holds a usable upload and a board that backs up and
+// restores; which step is posted is up to the test.
+class CombinedPageTest : public PageTest {
+protected:
+    CombinedPageTest() {
+        script.uploadName = "x.dat";
+        script.uploadPath = "/uploaded";
+        script.uploadSize = 1;
+        script.fileHeader.saveTime = 1236384000;  // 7 March 2009
+        script.fileVersion = "1.23 B";
+        script.filePartition = 4;
+        script.filePartitionName = "the file's";
+        script.replies[0x020100A3].errorCode = 0;
+        script.replies[0x020100A4].errorCode = 0;
+    }
+
+    void post(const std::string& status) {
+        script.posted = true;
+        script.formFields["hidden_status"] = status;
+    }
+
+    std::unique_ptr<Gui::EFIBackupRestorePage> makePage() {
+        return std::make_unique<Gui::EFIBackupRestorePage>(requester, formInfo, messageMgr,
+                                                           &displayMode);
+    }
+
+    std::string print(const Gui::EFIBackupRestorePage& page) {
+        const std::size_t before = output().size();
+        page.printHTML();
+        return output().substr(before);
+    }
+
+    // The form whose "hidden_status" is `status`; `link` and `question` are what a backup and an
+    // upload put into it.
+    static std::string form(const std::string& status,
+                            const std::string& onLoad = "onLoadFunction()",
+                            const std::string& link = "", const std::string& question = "") {
+        return "[/usr/local/www/skel/skeleton_efi_backup.txt"
+               "|download=Button(download, caption 971, form_name, 0, \"backupFunction()\", false)"
+               "|filename=SelectFile(filename, , form_name, 70, 0)" +
+               (link.empty() ? "" : "|filepath=TextString(" + link + ", false, true, 6)") +
+               "|form_action=TextString(/maintenance/efi_backup_restore.cgi, false, false, 6)"
+               "|hidden_functionID=HiddenField(functionID, 105, form_name)"
+               "|hidden_procname=HiddenField(hidden_procname, , form_name)"
+               "|hidden_status=HiddenField(hidden_status, " +
+               status + ", form_name)" +
+               (question.empty() ? ""
+                                 : "|information=TextString(" + question + ", false, true, 6)") +
+               "|install=Button(install, caption 499, form_name, 0, \"uploadFunction()\", false)"
+               "|item_download=TextString(caption 1356, false, true, 6)"
+               "|item_title=TextString(caption 986, false, false, 6)"
+               "|message=TextString(caption 1357, false, true, 6)"
+               "|message0=TextString(message 354/0, false, true, 6)"
+               "|onload_function=TextString(" +
+               onLoad + ", false, false, 6)]";
+    }
+
+    const std::string emptyPage = "[/usr/local/www/skel/skeleton_efi_backup.txt]";
+    const Calls removal = {"new LockedFile(/board/var/tmp/restored_eficonf.lock)",
+                           "remove /board/var/tmp/restored_eficonfS1",
+                           "delete LockedFile(/board/var/tmp/restored_eficonf.lock)"};
+    const Calls stagedFileCalls = {"new LockedFile", "rename", "remove", "delete LockedFile"};
+
+    ScopedEnvironment timeZone{"TZ", "UTC0"};
+};
+
+}  // namespace VeskLib::Test

@@ -1,0 +1,80 @@
+#pragma once
+
+#include "pages/EFIRestorePage.h"
+#include "tests/support/ScopedEnvironment.h"
+#include "tests/unit/support/PageTest.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace VeskLib::Test {
+
+// A test of EFIRestorePage. The script holds a usable upload and a board that restores; which step
+// is posted is up to the test.
+class RestorePageTest : public PageTest {
+protected:
+    using Partition = VeskUi::PartitionInfoPacket::Partition;
+
+    RestorePageTest() {
+        script.uploadName = "x.dat";
+        script.uploadPath = "/uploaded";
+        script.uploadSize = 1;
+        script.fileHeader.saveTime = 1236384000;  // 7 March 2009
+        script.fileVersion = "1.23 B";
+        script.filePartition = 4;
+        script.filePartitionName = "the file's";
+        script.setPartitions({{true, "name", {}}});
+        script.setBoards({}, {});
+        script.setVersions({});
+        script.replies[0x020100A4].errorCode = 0;
+    }
+
+    void post(const std::string& status) {
+        script.posted = true;
+        script.formFields["hidden_status"] = status;
+    }
+
+    std::unique_ptr<Gui::EFIRestorePage> makePage() {
+        return std::make_unique<Gui::EFIRestorePage>(requester, formInfo, messageMgr, &displayMode);
+    }
+
+    std::string print(const Gui::EFIRestorePage& page) {
+        const std::size_t before = output().size();
+        page.printHTML();
+        return output().substr(before);
+    }
+
+    static std::string text(const std::string& value) {
+        return "TextString(" + value + ", false, false, 6)";
+    }
+
+    static std::string hidden(const std::string& name, const std::string& value) {
+        return "HiddenField(" + name + ", " + value + ", form_name)";
+    }
+
+    // The upload form whose "hidden_status" is `status`. `leftovers` are what an abandoned target
+    // selection leaves: "information" and "status" have no place in the upload form's skeleton.
+    static std::string uploadForm(const std::string& status, bool leftovers = false) {
+        return "[/usr/local/www/skel/skeleton_efi_rstr.txt"
+               "|filename=SelectFile(filename, , form_name, 70, 0)"
+               "|form_action=" +
+               text("/maintenance/efi_backup_restore.cgi") +
+               "|hidden_functionID=" + hidden("functionID", "106") +
+               "|hidden_procname=" + hidden("hidden_procname", "") +
+               "|hidden_status=" + hidden("hidden_status", status) +
+               (leftovers ? "|information=" + text("caption 1004") : "") +
+               "|message=TextString(caption 1002, false, true, 6)"
+               "|message0=TextString(message 354/0, false, true, 6)"
+               "|onload_function=" +
+               text("onLoadFunction()") + (leftovers ? "|status=" + text("3") : "") + "]";
+    }
+
+    // What a page with an error prints, by the skeleton that it came to.
+    const std::string emptyUploadForm = "[/usr/local/www/skel/skeleton_efi_rstr.txt]";
+    const std::string emptySelection = "[/usr/local/www/skel/skeleton_efi_rstr_slct.txt]";
+
+    ScopedEnvironment timeZone{"TZ", "UTC0"};
+};
+
+}  // namespace VeskLib::Test
