@@ -13,7 +13,7 @@ using namespace VeskLib::Board;
 using nlohmann::ordered_json;
 
 // The exit statuses. Scripts depend on them.
-enum Status { SAME = 0, DIFFERENT = 1, NOT_USABLE = 2, USAGE = 3 };
+enum Status { SAME = 0, DIFFERENT = 1, NOT_USABLE = 2, USAGE = 3, NOT_PRINTED = 4 };
 
 bool isUsable(const FileReport& report) {
     return report.verdict == FileReport::Verdict::USABLE;
@@ -39,6 +39,9 @@ std::string forTerminal(const std::string& text) {
 
 ordered_json toJSON(const FileReport& report) {
     ordered_json json = {{"file", report.path}, {"verdict", nameOf(report.verdict)}};
+    if (!report.reason.empty()) {
+        json["reason"] = report.reason;
+    }
     if (!report.sha256.empty()) {
         json["size"] = report.size;
         json["sha256"] = report.sha256;
@@ -130,7 +133,7 @@ int run(int argumentCount, char** arguments) {
     application.footer(
         "Exit status: 0 usable, or both hold the same; 1 the files differ; 2 a file is not a "
         "usable\n"
-        "configuration file; 3 wrong usage.");
+        "configuration file; 3 wrong usage; 4 the answer could not be printed.");
     bool asJSON = false;
     std::string first;
     std::string second;
@@ -149,7 +152,13 @@ int run(int argumentCount, char** arguments) {
     } catch (const CLI::ParseError& error) {
         return application.exit(error) == 0 ? SAME : USAGE;
     }
-    return showCommand->parsed() ? show(first, asJSON) : compareFiles(first, second, asJSON);
+    const int status =
+        showCommand->parsed() ? show(first, asJSON) : compareFiles(first, second, asJSON);
+    if (!std::cout.flush()) {
+        std::cerr << "eficonf: the answer could not be printed\n";
+        return NOT_PRINTED;
+    }
+    return status;
 }
 
 }  // namespace

@@ -36,8 +36,14 @@ std::string takeDigits(std::string_view& text) {
     return digits;
 }
 
-bool isPlainVersion(std::string_view version) {
-    return isPrintableUTF8(version) && version.find_first_of("/\\\"'") == std::string_view::npos;
+// `name` with path separators and quotes, which a version may hold and a file's name may not,
+// written as "_".
+std::string makeSafe(std::string name) {
+    const std::string_view unsafe = "/\\\"'";
+    std::replace_if(
+        name.begin(), name.end(),
+        [unsafe](char character) { return unsafe.find(character) != std::string_view::npos; }, '_');
+    return name;
 }
 
 std::string twoDigits(int number) {
@@ -83,7 +89,7 @@ std::optional<DownloadName> DownloadName::parse(const std::string& text) {
         return std::nullopt;
     }
     name.date = takeDigits(rest);
-    if (name.date.size() != DATE_LENGTH || !takePrefix(rest, "_") || !isPlainVersion(rest)) {
+    if (name.date.size() != DATE_LENGTH || !takePrefix(rest, "_") || !isPrintableUTF8(rest)) {
         return std::nullopt;
     }
     name.version = rest;
@@ -96,9 +102,10 @@ bool DownloadName::fits(const Host::ConfigurationFile& file) const {
 }
 
 std::string DownloadName::contentDisposition() const {
-    std::string value = "attachment; filename=\"" + replaceNonASCII(text, '_') + "\"";
-    if (!isASCII(text)) {
-        value += "; filename*=UTF-8''" + percentEncode(text);
+    const std::string name = makeSafe(text);
+    std::string value = "attachment; filename=\"" + replaceNonASCII(name, '_') + "\"";
+    if (!isASCII(name)) {
+        value += "; filename*=UTF-8''" + percentEncode(name);
     }
     return value;
 }

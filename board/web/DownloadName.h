@@ -17,14 +17,14 @@ namespace VeskLib::Board {
 class DownloadName {
 public:
     // Reads `text`; nothing when it has not exactly that shape, or when its version part holds
-    // what has no place in a file's name: control characters, path separators, quotes, a
-    // backslash, or bytes that are not UTF-8.
+    // control characters or bytes that are not UTF-8.
     static std::optional<DownloadName> parse(const std::string& text);
 
     // Whether a backup with the header of `file` is saved under this name.
     bool fits(const Host::ConfigurationFile& file) const;
 
-    // The Content-Disposition header's value that makes a browser save under this name.
+    // The Content-Disposition header's value that makes a browser save under this name; path
+    // separators, quotes and backslashes of a version are written as "_" there.
     std::string contentDisposition() const;
 
 private:

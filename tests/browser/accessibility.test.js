@@ -1,16 +1,12 @@
 // Everybody can use every page: axe-core finds nothing to mend, in both themes, on a phone and on a
 // wide screen.
 
-import assert from "node:assert/strict";
-import { readFile } from "node:fs/promises";
-import { createRequire } from "node:module";
 import { after, before, describe, test } from "node:test";
+import { THEMES, WIDTHS, assertAccessible, show } from "./support/accessibility.js";
 import { Board } from "./support/board.js";
 import { BACKUP_PAGE, Browser, RESTORE_PAGE, chooseAndBackUp, logIn } from "./support/browser.js";
 import { makeConfigurationFile } from "./support/configurationFile.js";
 import { restoreTo, upload } from "./support/restorePage.js";
-
-const AXE = createRequire(import.meta.url).resolve("axe-core/axe.min.js");
 
 const FILE = makeConfigurationFile({
     saveTime: 1772884800,
@@ -42,10 +38,8 @@ const PAGES = {
 describe("accessibility", () => {
     let board;
     let browser;
-    let axe;
 
     before(async () => {
-        axe = await readFile(AXE, "utf8");
         board = await Board.start();
         browser = await Browser.start();
     });
@@ -54,27 +48,15 @@ describe("accessibility", () => {
         await board?.remove();
     });
 
-    for (const theme of ["light", "dark"]) {
-        for (const width of [360, 1440]) {
+    for (const theme of THEMES) {
+        for (const width of WIDTHS) {
             for (const [name, open] of Object.entries(PAGES)) {
                 test(`${name}, ${theme}, ${width} pixels`, async () => {
                     const page = await browser.newPage();
-                    await page.setViewport({ width, height: 900 });
-                    await page.emulateMediaFeatures([
-                        { name: "prefers-color-scheme", value: theme },
-                    ]);
+                    await show(page, theme, width);
                     await logIn(page, board);
                     await open(page, board);
-                    await page.evaluate(axe);
-                    const { violations } = await page.evaluate(() => window.axe.run());
-                    assert.deepEqual(
-                        violations.map(({ id, nodes }) => [id, nodes.map((node) => node.html)]),
-                        [],
-                    );
-                    const overflow = await page.evaluate(
-                        () => document.documentElement.scrollWidth - window.innerWidth,
-                    );
-                    assert.ok(overflow <= 0, `the page is ${overflow} pixels too wide`);
+                    await assertAccessible(page);
                     await page.close();
                 });
             }

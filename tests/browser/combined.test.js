@@ -5,6 +5,7 @@ import assert from "node:assert/strict";
 import { readdir } from "node:fs/promises";
 import { after, before, beforeEach, describe, test } from "node:test";
 import { setTimeout as sleep } from "node:timers/promises";
+import { THEMES, WIDTHS, assertAccessible, show } from "./support/accessibility.js";
 import { Board } from "./support/board.js";
 import { Browser, logIn, textOf } from "./support/browser.js";
 import { makeConfigurationFile, parseConfigurationFile } from "./support/configurationFile.js";
@@ -124,4 +125,15 @@ describe("the combined page", () => {
         assert.match(await textOf(page, "h1"), /Backup\/Restore BIOS Configuration/);
         assert.ok(!(await page.content()).includes("{{"));
     });
+
+    for (const theme of THEMES) {
+        for (const width of WIDTHS) {
+            test(`everybody can use it: ${theme}, ${width} pixels`, async () => {
+                await show(page, theme, width);
+                await assertAccessible(page);
+                await backUp();
+                await assertAccessible(page);
+            });
+        }
+    }
 });

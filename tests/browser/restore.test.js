@@ -231,6 +231,25 @@ for (const kind of BROWSERS) {
             assert.equal((await page.$$("#upload")).length, 1);
             assert.equal(page.alerts.filter((text) => /was restored/.test(text)).length, 1);
         });
+
+        test("Back and Forward after a restore restore nothing", async () => {
+            await upload(page, board, "a.dat", makeFile("once"));
+            await restoreTo(page, [3]);
+            await page.waitForAlert(/was restored/);
+            await upload(page, board, "b.dat", makeFile("twice"));
+            await restoreTo(page, [3]);
+            let posts = 0;
+            page.on("request", (request) => (posts += request.method() === "POST" ? 1 : 0));
+            const steps = await page.evaluate(() => history.length - 1);
+            for (const go of ["goBack", "goForward"]) {
+                for (let step = 0; step < steps; ++step) {
+                    await page[go]().catch(() => {});
+                }
+            }
+            assert.equal(posts, 0);
+            assert.equal((await payloadOf(3)).toString(), "twice");
+            assert.equal(page.alerts.filter((text) => /was restored/.test(text)).length, 2);
+        });
     });
 }
 

@@ -1,5 +1,6 @@
 #include <VeskLib/Gui/Button.h>
 
+#include "tests/contract/platformSpecifics.h"
 #include "tests/support/hostileTexts.h"
 #include "tests/support/markup.h"
 #include "tests/support/printedBy.h"
@@ -29,7 +30,7 @@ TEST(ButtonTest, aButtonRunsItsScriptAndSubmitsNothing) {
     EXPECT_EQ(tag.attributes.at("type"), "button");
     EXPECT_EQ(tag.attributes.at("name"), "install");
     EXPECT_EQ(tag.attributes.at("form"), "form_name");
-    EXPECT_EQ(tag.attributes.at("onclick"), "uploadFunction()");
+    EXPECT_EQ(tag.attributes.at(clickAttribute()), "uploadFunction()");
     EXPECT_FALSE(tag.attributes.contains("disabled"));
 }
 
@@ -41,7 +42,7 @@ TEST(ButtonTest, aButtonMayBeDisabled) {
 TEST(ButtonTest, aWidthChangesNothingElse) {
     const Button button("install", "Upload", "form_name", 20, "\"uploadFunction()\"", false);
     EXPECT_EQ(textOf(printedHTML(button)), "Upload");
-    EXPECT_EQ(buttonOf(button).attributes.at("onclick"), "uploadFunction()");
+    EXPECT_EQ(buttonOf(button).attributes.at(clickAttribute()), "uploadFunction()");
     EXPECT_FALSE(buttonOf(button).attributes.contains("disabled"));
 }
 
@@ -59,7 +60,7 @@ TEST(ButtonTest, hostileTextsStayInTheirPlaces) {
         EXPECT_EQ(tag.attributes.size(), attributeCount);
         EXPECT_EQ(tag.attributes.at("name"), text);
         EXPECT_EQ(tag.attributes.at("form"), text);
-        EXPECT_EQ(tag.attributes.at("onclick"), text);
+        EXPECT_EQ(tag.attributes.at(clickAttribute()), text);
     }
 }
 

@@ -1,5 +1,6 @@
 #include <VeskLib/Gui/CheckBox.h>
 
+#include "tests/contract/platformSpecifics.h"
 #include "tests/support/hostileTexts.h"
 #include "tests/support/markup.h"
 #include "tests/support/printedBy.h"
@@ -37,7 +38,7 @@ TEST(CheckBoxTest, aBoxIsOneFieldOfItsForm) {
     EXPECT_EQ(inputs[0].attributes.at("form"), "form_name");
     EXPECT_FALSE(inputs[0].attributes.contains("checked"));
     EXPECT_FALSE(inputs[0].attributes.contains("disabled"));
-    EXPECT_FALSE(inputs[0].attributes.contains("onclick"));
+    EXPECT_FALSE(inputs[0].attributes.contains(clickAttribute()));
 }
 
 // The box that ticks all the others.
@@ -50,7 +51,7 @@ TEST(CheckBoxTest, aBoxMayHaveALabelAnEmptyValueAndAClickHandler) {
     ASSERT_THAT(inputs, SizeIs(1));
     EXPECT_EQ(inputs[0].attributes.at("name"), "check_box");
     EXPECT_EQ(inputs[0].attributes.at("value"), "");
-    EXPECT_EQ(inputs[0].attributes.at("onclick"), "switchField()");
+    EXPECT_EQ(inputs[0].attributes.at(clickAttribute()), "switchField()");
     EXPECT_FALSE(inputs[0].attributes.contains("checked"));
 }
 
@@ -124,7 +125,7 @@ TEST(CheckBoxTest, hostileTextsStayInTheirPlaces) {
         EXPECT_EQ(attributes.at("name"), text);
         EXPECT_EQ(attributes.at("value"), text);
         EXPECT_EQ(attributes.at("form"), text);
-        EXPECT_EQ(attributes.at("onclick"), text);
+        EXPECT_EQ(attributes.at(clickAttribute()), text);
     }
 }
 

@@ -6,6 +6,10 @@ std::string skeletonMark(const std::string& name) {
     return "{{" + name + "}}";
 }
 
+std::string clickAttribute() {
+    return "data-click";
+}
+
 std::string traceFile() {
     return "/var/log/trace.log";
 }

@@ -10,6 +10,9 @@ namespace VeskLib::Test {
 // How a skeleton marks the place of the component `name`.
 std::string skeletonMark(const std::string& name);
 
+// The attribute in which a component prints the script call of a click.
+std::string clickAttribute();
+
 // The board's path of the trace log.
 std::string traceFile();
 

@@ -1,5 +1,6 @@
 #include "platform/host/web/Response.h"
 
+#include "platform/host/base/scriptNonce.h"
 #include "tests/support/BoardTest.h"
 #include "tests/support/CGIResponse.h"
 #include "tests/support/ChildProcess.h"
@@ -90,6 +91,16 @@ TEST_F(ResponseTest, everyResponseKeepsThePageToItself) {
                                   "form-action 'self'", "base-uri 'none'", "style-src 'self'"}) {
         EXPECT_THAT(policy, HasSubstr(directive));
     }
+    EXPECT_TRUE(policy.ends_with("script-src 'self'")) << policy;
+}
+
+TEST_F(ResponseTest, onlyTheScriptsOfThePageItselfRun) {
+    const CGIResponse response = responseOf([](Response&) { std::cout << Host::scriptNonce(); });
+    EXPECT_EQ(response.body.size(), 32U);
+    const std::string policy = response.header("Content-Security-Policy");
+    EXPECT_TRUE(policy.ends_with("script-src 'self' 'nonce-" + response.body + "'")) << policy;
+    const CGIResponse other = responseOf([](Response&) { std::cout << Host::scriptNonce(); });
+    EXPECT_NE(other.body, response.body);
 }
 
 TEST_F(ResponseTest, everyStatusHasItsReason) {

@@ -1,5 +1,6 @@
 #include "platform/host/html/Skeleton.h"
 
+#include "platform/host/base/scriptNonce.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/hostileTexts.h"
 #include "tests/support/markup.h"
@@ -81,6 +82,12 @@ TEST(SkeletonTest, anAttributePlaceMakesTheTextAnAttributesValue) {
         EXPECT_EQ(tagsOf(printed).at(0).attributes,
                   (std::map<std::string, std::string>{{"href", text}}));
     }
+}
+
+TEST(SkeletonTest, everyScriptOfAPageHasTheSameNonce) {
+    const std::string printed = print("{{nonce}} {{nonce}}");
+    EXPECT_EQ(printed, Host::scriptNonce() + " " + Host::scriptNonce());
+    EXPECT_EQ(printed.size(), 65U);
 }
 
 TEST(SkeletonTest, aConditionLooksOnlyAtTheComponentsBeingThere) {

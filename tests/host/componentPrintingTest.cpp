@@ -33,13 +33,14 @@ TEST(ComponentPrintingTest, aCheckBoxHasItsMarkup) {
     boxes.add("all", "", "Select all", "", true, false);
     boxes.add("pid3", "3", "", "hint", false, true);
     boxes.setClickHandler("switchField()");
-    EXPECT_EQ(printedHTML(boxes),
-              "<input type=\"checkbox\" id=\"all\" name=\"all\" value=\"\" form=\"form\""
-              " title=\"title\" aria-describedby=\"description\" onclick=\"switchField()\" checked>"
-              "<label for=\"all\">Select all</label>"
-              "<input type=\"checkbox\" id=\"pid3\" name=\"pid3\" value=\"3\" form=\"form\""
-              " title=\"hint\" aria-describedby=\"description\" onclick=\"switchField()\""
-              " disabled>");
+    EXPECT_EQ(
+        printedHTML(boxes),
+        "<input type=\"checkbox\" id=\"all\" name=\"all\" value=\"\" form=\"form\""
+        " title=\"title\" aria-describedby=\"description\" data-click=\"switchField()\" checked>"
+        "<label for=\"all\">Select all</label>"
+        "<input type=\"checkbox\" id=\"pid3\" name=\"pid3\" value=\"3\" form=\"form\""
+        " title=\"hint\" aria-describedby=\"description\" data-click=\"switchField()\""
+        " disabled>");
 }
 
 TEST(ComponentPrintingTest, aCheckBoxHasNoEmptyAttributes) {
@@ -52,9 +53,9 @@ TEST(ComponentPrintingTest, aCheckBoxHasNoEmptyAttributes) {
 TEST(ComponentPrintingTest, aButtonHasItsMarkup) {
     EXPECT_EQ(printedHTML(Button("install", "Upload", "form", 12, "\"uploadFunction()\"", false)),
               "<button type=\"button\" id=\"install\" name=\"install\" form=\"form\""
-              " onclick=\"uploadFunction()\" style=\"min-width:12ch\">Upload</button>");
+              " data-click=\"uploadFunction()\" data-width=\"12\">Upload</button>");
     EXPECT_EQ(printedHTML(Button("b", "B", "f", 0, "call()", true)),
-              "<button type=\"button\" id=\"b\" name=\"b\" form=\"f\" onclick=\"call()\""
+              "<button type=\"button\" id=\"b\" name=\"b\" form=\"f\" data-click=\"call()\""
               " disabled>B</button>");
 }
 
@@ -73,14 +74,14 @@ TEST(ComponentPrintingTest, aButtonsCallLosesThePairOfQuotesAroundIt) {
     };
     for (const auto& [call, expected] : calls) {
         const std::string printed = printedHTML(Button("b", "B", "f", 0, call, false));
-        EXPECT_EQ(attributesOf(printed, "button").at("onclick"), expected) << call;
+        EXPECT_EQ(attributesOf(printed, "button").at("data-click"), expected) << call;
     }
 }
 
 TEST(ComponentPrintingTest, aWidthBelowOneIsThatOfTheLabel) {
     for (const int width : {0, -1}) {
         const std::string printed = printedHTML(Button("b", "B", "f", width, "a()", false));
-        EXPECT_FALSE(attributesOf(printed, "button").contains("style"));
+        EXPECT_FALSE(attributesOf(printed, "button").contains("data-width"));
     }
 }
 
@@ -110,7 +111,7 @@ TEST(ComponentPrintingTest, aHostileTextStaysInItsCheckBox) {
                                                               {"form", text},
                                                               {"title", text},
                                                               {"aria-describedby", text},
-                                                              {"onclick", text},
+                                                              {"data-click", text},
                                                               {"checked", ""},
                                                               {"disabled", ""}}));
         EXPECT_EQ(attributesOf(printed, "label"), (Attributes{{"for", text}}));
@@ -138,8 +139,8 @@ TEST(ComponentPrintingTest, aHostileTextStaysInItsButton) {
                                                                {"id", text},
                                                                {"name", text},
                                                                {"form", text},
-                                                               {"onclick", text},
-                                                               {"style", "min-width:1ch"},
+                                                               {"data-click", text},
+                                                               {"data-width", "1"},
                                                                {"disabled", ""}}));
     }
 }

@@ -177,7 +177,11 @@ TEST_F(EficonfShowTest, aFileThatCannotBeReadIsCalledSoWithTheReason) {
     EXPECT_EQ(verdictOn(at("pipe")), "not readable");
     ASSERT_EQ(::symlink(write("a.dat", makeSample("")).c_str(), at("link").c_str()), 0);
     EXPECT_EQ(verdictOn(at("link")), "not readable");
-    EXPECT_FALSE(runForJSON({"show", at("missing")}, NOT_USABLE).contains("size"));
+    const json missing = runForJSON({"show", at("missing")}, NOT_USABLE);
+    EXPECT_FALSE(missing.contains("size"));
+    EXPECT_EQ(missing.at("reason"), "No such file or directory");
+    const json usable = runForJSON({"show", write("b.dat", makeSample(""))}, SAME);
+    EXPECT_FALSE(usable.contains("reason"));
 }
 
 TEST_F(EficonfShowTest, controlCharactersDoNotReachTheTerminal) {
@@ -238,6 +242,16 @@ TEST_F(EficonfShowTest, helpTellsTheExitStatuses) {
     EXPECT_THAT(result.output, HasSubstr("compare"));
     EXPECT_THAT(result.output, HasSubstr("3 wrong usage"));
     EXPECT_EQ(runInspector({"compare", "--help"}).exitStatus, SAME);
+}
+
+TEST_F(EficonfShowTest, anAnswerThatIsLostIsNoSuccess) {
+    const std::string path = write("a.dat", makeSample("x"));
+    for (const char* option : {"", " --json"}) {
+        const std::string command = std::string(EFICONF) + " show " + path + option + " >/dev/full";
+        const ChildResult result = runProgram({"/bin/sh", "-c", command});
+        EXPECT_EQ(result.exitStatus, NOT_PRINTED);
+        EXPECT_THAT(result.errors, HasSubstr("could not be printed"));
+    }
 }
 
 }  // namespace VeskLib::Test

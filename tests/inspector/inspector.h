@@ -13,7 +13,7 @@
 namespace VeskLib::Test {
 
 // The exit statuses of eficonf.
-enum InspectorStatus { SAME = 0, DIFFERENT = 1, NOT_USABLE = 2, USAGE = 3 };
+enum InspectorStatus { SAME = 0, DIFFERENT = 1, NOT_USABLE = 2, USAGE = 3, NOT_PRINTED = 4 };
 
 // Runs eficonf; it must have written to one of its outputs only.
 ChildResult runInspector(std::vector<std::string> words);

@@ -103,6 +103,19 @@ TEST_F(DownloadTest, nameBeyondASCIIIsSentInBothWays) {
     EXPECT_EQ(response.body, toText(file));
 }
 
+TEST_F(DownloadTest, versionThatHasNoPlaceInANameIsDownloadedAllTheSame) {
+    file.version = "../1\"2";
+    storeBackup(toText(file));
+    const CGIResponse response = download("Partition3_20261114_%2F1%222.dat");
+    EXPECT_EQ(response.header("Content-Disposition"),
+              "attachment; filename=\"Partition3_20261114__1_2.dat\"");
+    EXPECT_EQ(response.body, toText(file));
+    for (const char* name : {"Partition3_20261114_..%2F1%222.dat", "Partition3_20261114_x%222.dat",
+                             "Partition3_20261114_%2F..%2F..%2Fetc%2Fpasswd.dat"}) {
+        expectPage(download(name), "404 Not Found", caption(NO_SUCH_BACKUP));
+    }
+}
+
 TEST_F(DownloadTest, dateIsThatOfTheBoardsTimeZone) {
     const auto downloadAs = [this](const std::string& name) {
         return run({.query = "functionID=5&filename=" + name,
@@ -114,26 +127,13 @@ TEST_F(DownloadTest, dateIsThatOfTheBoardsTimeZone) {
 }
 
 TEST_F(DownloadTest, otherNamesAreNoDownload) {
-    for (const char* name : {"",
-                             "x",
-                             "../../etc/passwd",
-                             "/etc/passwd",
-                             "%2Fetc%2Fpasswd",
-                             "..%5C..%5Cx.dat",
-                             "../Partition3_20261114_123B.dat",
-                             "Partition3_20261114_../x.dat",
-                             "Partition3_20261114_123B.dat%0D%0ASet-Cookie:%20x=y",
-                             "Partition3_20261114_a%0D%0AX:%20y.dat",
-                             "Partition3_20261114_a%0Ab.dat",
-                             "Partition3_20261114_a%22b.dat",
-                             "Partition3_20261114_a'b.dat",
-                             "Partition3_20261114_a%5Cb.dat",
-                             "Partition3_20261114_a%00b.dat",
-                             "Partition3_20261114_123B.dat%00.txt",
-                             "Partition3_20261114_%FF.dat",
-                             "Partition3_20261114_123B.txt",
-                             "Partition_20261114_123B.dat",
-                             "efi_backup"}) {
+    for (const char* name :
+         {"", "x", "../../etc/passwd", "/etc/passwd", "%2Fetc%2Fpasswd", "..%5C..%5Cx.dat",
+          "../Partition3_20261114_123B.dat", "Partition3_20261114_123B.dat%0D%0ASet-Cookie:%20x=y",
+          "Partition3_20261114_a%0D%0AX:%20y.dat", "Partition3_20261114_a%0Ab.dat",
+          "Partition3_20261114_a%00b.dat", "Partition3_20261114_123B.dat%00.txt",
+          "Partition3_20261114_%FF.dat", "Partition3_20261114_123B.txt",
+          "Partition_20261114_123B.dat", "efi_backup"}) {
         expectPage(download(name), "400 Bad Request", caption(NOT_A_DOWNLOAD));
     }
 }

@@ -37,9 +37,9 @@ void Button::printHTML() const {
     printAttribute("id", name);
     printAttribute("name", name);
     printAttribute("form", form);
-    printAttribute("onclick", unquote(clickHandler));
+    printAttribute(Host::CLICK_ATTRIBUTE, unquote(clickHandler));
     if (width > 0) {
-        printAttribute("style", "min-width:" + std::to_string(width) + "ch");
+        printAttribute("data-width", std::to_string(width));
     }
     if (disabled) {
         std::cout << " disabled";

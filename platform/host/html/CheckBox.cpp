@@ -40,7 +40,7 @@ void CheckBox::printHTML() const {
             printAttribute("aria-describedby", describedBy);
         }
         if (!clickHandler.empty()) {
-            printAttribute("onclick", clickHandler);
+            printAttribute(Host::CLICK_ATTRIBUTE, clickHandler);
         }
         if (box.ticked) {
             std::cout << " checked";

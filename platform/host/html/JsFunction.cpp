@@ -1,5 +1,6 @@
 #include <VeskLib/Gui/JsFunction.h>
 
+#include "platform/host/base/scriptNonce.h"
 #include "platform/host/html/escape.h"
 #include "platform/host/html/messageLines.h"
 
@@ -22,7 +23,7 @@ void JsFunction::addAlertFunction(std::string text) {
 }
 
 void JsFunction::printHTML() const {
-    std::cout << "<script>\nfunction " << name << " {\n";
+    std::cout << "<script nonce=\"" << Host::scriptNonce() << "\">\nfunction " << name << " {\n";
     for (const Call& call : calls) {
         if (!call.alert) {
             std::cout << "    " << call.text << ";\n";

@@ -1,5 +1,6 @@
 #include "platform/host/html/Skeleton.h"
 
+#include "platform/host/base/scriptNonce.h"
 #include "platform/host/html/escape.h"
 #include "platform/host/text/Catalogue.h"
 
@@ -131,6 +132,10 @@ bool Skeleton::parseMark(std::string_view mark, std::vector<std::size_t>& openCo
         pieces.emplace_back().kind = Kind::LANGUAGE;
         return true;
     }
+    if (mark == "nonce") {
+        pieces.emplace_back().kind = Kind::NONCE;
+        return true;
+    }
     if (mark == "end") {
         if (openConditions.empty()) {
             return false;
@@ -206,6 +211,9 @@ void Skeleton::print(const Components& components) const {
                 break;
             case Kind::LANGUAGE:
                 std::cout << languageTag(requestLanguage());
+                break;
+            case Kind::NONCE:
+                std::cout << scriptNonce();
                 break;
             case Kind::IF:
             case Kind::UNLESS:

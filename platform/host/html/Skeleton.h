@@ -22,6 +22,7 @@ struct SkeletonError {
 //   {{message 33-1028}}    message 33 of the catalogue with its code 1028 ("-0" for no code)
 //   {{text 9001}}          a caption of the catalogue, in the request's language
 //   {{language}}           the request's language tag, such as "en"
+//   {{nonce}}              what a <script> needs as its attribute "nonce" to be run
 //   {{if name}}...{{end}}  printed only when there is a component of that name; may be nested
 //   {{unless name}}...{{end}}  printed only when there is none
 //
@@ -32,7 +33,7 @@ struct SkeletonError {
 // Anything else between {{ and }} is malformed.
 class Skeleton {
 public:
-    enum class Kind { PLAIN, COMPONENT, MESSAGE, CAPTION, LANGUAGE, IF, UNLESS };
+    enum class Kind { PLAIN, COMPONENT, MESSAGE, CAPTION, LANGUAGE, NONCE, IF, UNLESS };
     enum class Place { MARKUP, SCRIPT, ATTRIBUTE };
 
     struct Piece {

@@ -1,6 +1,7 @@
 #include "platform/host/web/Response.h"
 
 #include "platform/host/base/Environment.h"
+#include "platform/host/base/scriptNonce.h"
 
 #include <unistd.h>
 
@@ -18,8 +19,12 @@ const char* const FIXED_HEADERS =
     "X-Content-Type-Options: nosniff\r\n"
     "Referrer-Policy: same-origin\r\n"
     "Content-Security-Policy: default-src 'none'; style-src 'self'; img-src 'self'; "
-    "script-src 'self' 'unsafe-inline'; form-action 'self'; base-uri 'none'; "
-    "frame-ancestors 'none'\r\n";
+    "form-action 'self'; base-uri 'none'; frame-ancestors 'none'; script-src 'self'";
+
+// What the policy's last directive, on scripts, goes on with.
+std::string scriptSource() {
+    return hasScriptNonce() ? " 'nonce-" + scriptNonce() + "'" : "";
+}
 
 const char* reasonPhrase(int status) {
     switch (status) {
@@ -98,7 +103,8 @@ void Response::discard() {
 bool Response::send() {
     const std::string_view page = body.view();
     std::string bytes = "Status: " + std::to_string(status) + " " + reasonPhrase(status) +
-                        "\r\nContent-Type: " + contentType + "\r\n" + FIXED_HEADERS + headers +
+                        "\r\nContent-Type: " + contentType + "\r\n" + FIXED_HEADERS +
+                        scriptSource() + "\r\n" + headers +
                         "Content-Length: " + std::to_string(page.size()) + "\r\n\r\n";
     if (readEnvironment("REQUEST_METHOD") != "HEAD") {
         bytes += page;

@@ -2,8 +2,8 @@
 
 #include "platform/host/base/SystemPath.h"
 #include "platform/host/base/platformException.h"
+#include "platform/host/base/randomText.h"
 #include "platform/host/web/FormLimits.h"
-#include "platform/host/web/randomText.h"
 
 #include <VeskLib/getCGIPath.h>
 

@@ -1,4 +1,4 @@
-#include "platform/host/web/randomText.h"
+#include "platform/host/base/randomText.h"
 
 #include "platform/host/base/platformException.h"
 
