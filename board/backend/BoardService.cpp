@@ -14,6 +14,7 @@
 
 #include <VeskLib/PException.h>
 
+#include <chrono>
 #include <ctime>
 #include <exception>
 #include <stdexcept>
@@ -140,11 +141,15 @@ BoardService::Bytes BoardService::login(const Host::RequestFrame& request) {
     if (!decode(request.payload, login)) {
         throw Refusal{Host::BACKEND_MALFORMED_REQUEST, "the payload is malformed"};
     }
+    if (!throttle.mayTry(login.origin, std::chrono::steady_clock::now())) {
+        throw Refusal{Host::BACKEND_LOGIN_TOO_SOON, "too many attempts failed"};
+    }
     const User* user = authenticator.authenticate(login.user, login.password);
     if (user == nullptr) {
         // Not even the name is logged: people type their password into the wrong field.
         throw Refusal{Host::BACKEND_LOGIN_REFUSED, "wrong name or password"};
     }
+    throttle.succeeded(login.origin);
     return encode(Host::LoginAnswer{user->everyFunction, user->functions});
 }
 

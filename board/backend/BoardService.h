@@ -4,6 +4,7 @@
 #include "board/backend/BoardDescription.h"
 #include "board/backend/ConfigurationStore.h"
 #include "board/backend/FaultSwitches.h"
+#include "board/backend/LoginThrottle.h"
 #include "platform/host/channel/Frame.h"
 
 #include <string>
@@ -38,6 +39,7 @@ private:
     FaultSwitches& switches;
     const std::string restoreLockPath;
     Authenticator authenticator;
+    LoginThrottle throttle;
 };
 
 }  // namespace VeskLib::Board

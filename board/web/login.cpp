@@ -73,7 +73,7 @@ void handleLogin(const Gui::FormInfo& form, Host::Response& response) {
     form.getFormData("password", password);
 
     Host::LoginAnswer rights;
-    const int code = askRights({user, password}, rights);
+    const int code = askRights({user, password, Host::readEnvironment("REMOTE_ADDR")}, rights);
     if (code == 0) {
         startNewSession(user, rights, response);
         return;
@@ -82,6 +82,9 @@ void handleLogin(const Gui::FormInfo& form, Host::Response& response) {
     if (code == Host::BACKEND_LOGIN_REFUSED) {
         response.setStatus(403);
         printRefusedForm(user, LOGIN_REFUSED, 0);
+    } else if (code == Host::BACKEND_LOGIN_TOO_SOON) {
+        response.setStatus(429);
+        printRefusedForm(user, LOGIN_TOO_SOON, 0);
     } else {
         response.setStatus(503);
         printRefusedForm(user, BACKEND_SILENT, code);

@@ -156,7 +156,7 @@ TEST_F(BackendTest, demoUsersLogIn) {
     ASSERT_TRUE(backend.waitUntilReady());
     const auto login = [](const char* user, const char* password, LoginAnswer& answer) {
         ReplyFrame reply;
-        const Bytes payload = encode(LoginRequest{user, password});
+        const Bytes payload = encode(LoginRequest{user, password, ""});
         const int code = ask({RequestKind::LOGIN, 0, "", payload}, reply);
         EXPECT_TRUE(code != 0 || decode(reply.payload, answer));
         return code;

@@ -64,7 +64,7 @@ protected:
     }
 
     ReplyFrame login(const std::string& user, const std::string& password) const {
-        return ask({RequestKind::LOGIN, 0, "", encode(LoginRequest{user, password})});
+        return ask({RequestKind::LOGIN, 0, "", encode(LoginRequest{user, password, "192.0.2.1"})});
     }
 
     // What the partition holds now.
@@ -385,6 +385,24 @@ TEST_F(BoardServiceTest, loginTellsTheUsersRights) {
 TEST_F(BoardServiceTest, wrongNameAndWrongPasswordHaveOneCode) {
     EXPECT_EQ(login("admin", "wrong").errorCode, BACKEND_LOGIN_REFUSED);
     EXPECT_EQ(login("nobody", "secret").errorCode, BACKEND_LOGIN_REFUSED);
+}
+
+TEST_F(BoardServiceTest, whoGuessesPasswordsMustWait) {
+    ConfigurationStore store(at("state/configurations"), board);
+    FaultSwitches switches;
+    BoardService service(board, store, switches, lockPath);
+    const auto loginFrom = [&](const char* origin, const char* password) {
+        const Bytes payload = encode(LoginRequest{"admin", password, origin});
+        return service.answer({RequestKind::LOGIN, 0, "", payload}).errorCode;
+    };
+    for (unsigned int i = 0; i < Board::LoginThrottle::FREE_ATTEMPTS; ++i) {
+        EXPECT_EQ(loginFrom("192.0.2.1", "wrong"), BACKEND_LOGIN_REFUSED);
+    }
+    EXPECT_EQ(loginFrom("192.0.2.1", "secret"), BACKEND_LOGIN_TOO_SOON);
+    EXPECT_EQ(loginFrom("192.0.2.2", "secret"), 0U);
+    for (unsigned int i = 0; i <= Board::LoginThrottle::FREE_ATTEMPTS; ++i) {
+        EXPECT_EQ(loginFrom("192.0.2.3", "secret"), 0U);
+    }
 }
 
 TEST_F(BoardServiceTest, logHoldsTheReasonOfARefusalButNothingOfALogin) {

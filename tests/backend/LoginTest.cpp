@@ -8,11 +8,9 @@ namespace VeskLib::Test {
 
 using namespace Host;
 
-namespace {}  // namespace
-
 TEST(Login, requestHasItsBytes) {
-    EXPECT_EQ(toHexadecimal(encode(LoginRequest{"admin", "pass"})),
-              "00 05 61 64 6D 69 6E 00 04 70 61 73 73");
+    EXPECT_EQ(toHexadecimal(encode(LoginRequest{"admin", "pass", "::1"})),
+              "00 05 61 64 6D 69 6E 00 04 70 61 73 73 00 03 3A 3A 31");
 }
 
 TEST(Login, answerHasItsBytes) {
@@ -23,9 +21,10 @@ TEST(Login, answerHasItsBytes) {
 
 TEST(Login, requestIsReadBack) {
     LoginRequest read;
-    ASSERT_TRUE(decode(encode(LoginRequest{"admin", ""}), read));
+    ASSERT_TRUE(decode(encode(LoginRequest{"admin", "", "::1"}), read));
     EXPECT_EQ(read.user, "admin");
     EXPECT_EQ(read.password, "");
+    EXPECT_EQ(read.origin, "::1");
 }
 
 TEST(Login, answerIsReadBack) {
@@ -36,11 +35,11 @@ TEST(Login, answerIsReadBack) {
 }
 
 TEST(Login, truncatedRequestIsRefused) {
-    const Bytes whole = encode(LoginRequest{"admin", "pass"});
+    const Bytes whole = encode(LoginRequest{"admin", "pass", "::1"});
     for (std::size_t size = 0; size < whole.size(); ++size) {
-        LoginRequest read = {"before", "kept"};
+        LoginRequest read = {"before", "kept", "all"};
         EXPECT_FALSE(decode(cut(whole, size), read)) << size;
-        EXPECT_EQ(read.user + read.password, "beforekept");
+        EXPECT_EQ(read.user + read.password + read.origin, "beforekeptall");
     }
 }
 
@@ -56,7 +55,7 @@ TEST(Login, truncatedAnswerIsRefused) {
 
 TEST(Login, trailingByteIsRefused) {
     LoginRequest request;
-    EXPECT_FALSE(decode(fromHexadecimal("00 01 61 00 01 62 00"), request));
+    EXPECT_FALSE(decode(fromHexadecimal("00 01 61 00 01 62 00 00 00"), request));
     LoginAnswer answer;
     EXPECT_FALSE(decode(fromHexadecimal("01 00 00 00"), answer));
 }

@@ -155,7 +155,8 @@ TEST_F(BoardctlTest, aTornReplyIsABrokenConnection) {
 
 TEST_F(BoardctlTest, aLoginMeetsFaultsAsWell) {
     start();
-    const RequestFrame login = {RequestKind::LOGIN, 0, "", encode(LoginRequest{"admin", "admin"})};
+    const RequestFrame login = {RequestKind::LOGIN, 0, "",
+                                encode(LoginRequest{"admin", "admin", ""})};
     order({"refuse", "0", "1609"});
     EXPECT_EQ(ask(login), static_cast<int>(BACKEND_FAILED));
     EXPECT_EQ(ask(login), 0);

@@ -67,7 +67,7 @@ TEST(documents, showEveryRequest) {
     expectRequest(RequestKind::GET, VeskUi::GET_VERSION_INFO, {});
     expectRequest(RequestKind::SET, VeskUi::SET_BACKUP, {0, 0, 0, 3});
     expectRequest(RequestKind::SET, VeskUi::SET_RESTORE, {0, 2, 1, 3});
-    expectRequest(RequestKind::LOGIN, 0, encode(LoginRequest{"admin", "pass"}));
+    expectRequest(RequestKind::LOGIN, 0, encode(LoginRequest{"admin", "pass", "::1"}));
 }
 
 TEST(documents, showAReplyWithoutPayload) {

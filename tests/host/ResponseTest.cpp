@@ -112,6 +112,7 @@ TEST_F(ResponseTest, everyStatusHasItsReason) {
         {404, "404 Not Found"},
         {405, "405 Method Not Allowed"},
         {413, "413 Content Too Large"},
+        {429, "429 Too Many Requests"},
         {500, "500 Internal Server Error"},
         {503, "503 Service Unavailable"},
     };

@@ -24,6 +24,7 @@ using testing::SizeIs;
 
 const int LOGIN_REFUSED = 9104;
 const int BACKEND_SILENT = 9105;
+const int LOGIN_TOO_SOON = 9107;
 
 Host::ReplyFrame accept(const Host::LoginAnswer& rights) {
     return {.errorCode = 0, .payload = Host::encode(rights)};
@@ -125,6 +126,19 @@ TEST_F(LoginTest, refusedUserSeesTheFormAgainWithTheNameAndWithoutThePassword) {
     EXPECT_EQ(valueOf(response, "password"), "");
     EXPECT_THAT(response.body, Not(HasSubstr("topsecret")));
     EXPECT_THAT(sessionFiles(), IsEmpty());
+}
+
+TEST_F(LoginTest, backEndLearnsWhereTheAttemptComesFrom) {
+    FakeBackend backend(refuse(Host::BACKEND_LOGIN_TOO_SOON));
+    const CGIResponse response = run({.method = "POST",
+                                      .form = "user=admin&password=x",
+                                      .more = {{"REMOTE_ADDR", "192.0.2.1"}}});
+    expectPage(response, "429 Too Many Requests", caption(LOGIN_TOO_SOON));
+    EXPECT_EQ(valueOf(response, "user"), "admin");
+    EXPECT_THAT(sessionFiles(), IsEmpty());
+    Host::LoginRequest login;
+    ASSERT_TRUE(Host::decode(backend.takeRequest()->payload, login));
+    EXPECT_EQ(login.origin, "192.0.2.1");
 }
 
 TEST_F(LoginTest, refusedLoginIsTracedWithoutWhatWasTyped) {

@@ -13,10 +13,12 @@ const std::size_t FLAG_SIZE = 1;
 }  // namespace
 
 std::vector<unsigned char> encode(const LoginRequest& login) {
-    std::vector<unsigned char> bytes(wireTextSize(login.user) + wireTextSize(login.password));
+    std::vector<unsigned char> bytes(wireTextSize(login.user) + wireTextSize(login.password) +
+                                     wireTextSize(login.origin));
     VeskUi::WireWriter writer(bytes.data(), bytes.size());
     writeWireText(writer, login.user);
     writeWireText(writer, login.password);
+    writeWireText(writer, login.origin);
     return bytes;
 }
 
@@ -33,6 +35,7 @@ bool decode(const std::vector<unsigned char>& bytes, LoginRequest& login) {
     LoginRequest read;
     read.user = readWireText(reader);
     read.password = readWireText(reader);
+    read.origin = readWireText(reader);
     if (reader.failed() || reader.remaining() != 0) {
         return false;
     }

@@ -10,6 +10,7 @@ namespace VeskLib::Host {
 struct LoginRequest {
     std::string user;
     std::string password;
+    std::string origin;  // the address that asks, for slowing down who guesses; may be empty
 };
 
 struct LoginAnswer {

@@ -42,6 +42,8 @@ const char* reasonPhrase(int status) {
             return "Method Not Allowed";
         case 413:
             return "Content Too Large";
+        case 429:
+            return "Too Many Requests";
         case 503:
             return "Service Unavailable";
         default:
