@@ -1,13 +1,10 @@
 // The program runs by hand, without a web server, and leaves nothing behind.
 
 import assert from "node:assert/strict";
-import { spawn } from "node:child_process";
-import { once } from "node:events";
 import { readdir } from "node:fs/promises";
 import { after, before, describe, test } from "node:test";
-import { text } from "node:stream/consumers";
 import { Board } from "./support/board.js";
-import { Client } from "./support/client.js";
+import { DirectClient } from "./support/directClient.js";
 
 describe("the program by hand", () => {
     let board;
@@ -15,25 +12,19 @@ describe("the program by hand", () => {
 
     before(async () => {
         board = await Board.start();
-        client = await Client.loggedIn(board);
+        client = await DirectClient.loggedIn(board);
     });
     after(() => board?.remove());
 
-    // Runs `command`, which ends in the program, as a shell would.
+    // Runs the screen's program, or `command`, which ends in it, as a shell would.
     async function run(command, environment, body = "") {
         const program = board.path("usr/local/www/htdocs/maintenance/efi_backup_restore.cgi");
-        const [first, ...rest] = [...command, program];
-        const child = spawn(first, rest, {
-            env: { BOARD_ROOT: board.root, HTTP_COOKIE: client.cookie, ...environment },
-        });
-        // A program that has answered without its body may be gone before it is written.
-        child.stdin.on("error", () => {});
-        child.stdin.end(body);
-        const [output, errors] = await Promise.all([text(child.stdout), text(child.stderr)]);
-        if (child.exitCode === null) {
-            await once(child, "exit");
-        }
-        return { status: child.exitCode, output, errors };
+        const { status, output, errors } = await client.run(
+            [...command, program],
+            { BOARD_ROOT: board.root, HTTP_COOKIE: client.cookie, ...environment },
+            Buffer.from(body),
+        );
+        return { status, output: output.toString(), errors };
     }
 
     const backup = "functionID=105&hidden_status=BACKUP&radio_button=3";
@@ -74,7 +65,7 @@ describe("the program by hand", () => {
         ["a backup", { REQUEST_METHOD: "POST" }, backup, 1],
     ]) {
         test(`${what} leaves no child, no descriptor, no memory error and no temporary file`, async () => {
-            client = await Client.loggedIn(board);
+            client = await DirectClient.loggedIn(board);
             const before = await readdir(board.path("var/tmp"));
             const { status, errors } = await run(
                 ["valgrind", "--trace-children=yes", "--track-fds=yes", "--error-exitcode=9"],

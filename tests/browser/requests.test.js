@@ -4,213 +4,233 @@ import assert from "node:assert/strict";
 import { readdir, unlink, writeFile } from "node:fs/promises";
 import { after, before, describe, test } from "node:test";
 import { Board } from "./support/board.js";
-import { Client, assertErrorPage, downloadLink } from "./support/client.js";
+import { Client as WebClient, assertErrorPage, downloadLink } from "./support/client.js";
 import { parseConfigurationFile } from "./support/configurationFile.js";
+import { DirectClient } from "./support/directClient.js";
 
 const SCREEN = "/maintenance/efi_backup_restore.cgi";
 
-describe("requests", () => {
+const WAYS = {
+    "behind the web server": WebClient,
+    "by hand, through a pipe": DirectClient.from("pipe"),
+    "by hand, from a file": DirectClient.from("file"),
+};
+
+for (const [way, Client] of Object.entries(WAYS)) {
+    describe(`requests ${way}`, () => {
+        let board;
+        let client;
+
+        before(async () => {
+            board = await Board.start();
+            client = await Client.loggedIn(board);
+        });
+        after(() => board?.remove());
+
+        for (const [query, traced] of [
+            ["functionID=107", /Illegal query string \(107\)/],
+            ["functionID=-105", /Illegal query string \(-105\)/],
+            ["functionID=", /Illegal query string \(0\)/],
+            ["functionID=abc", /Illegal query string \(0\)/],
+        ]) {
+            test(`an unknown function number is refused and traced: ${query}`, async () => {
+                assertErrorPage(await client.get(`${SCREEN}?${query}`), 400, /screen information/);
+                assert.match(await board.trace(), traced);
+            });
+        }
+
+        test("a missing function number is refused", async () => {
+            assertErrorPage(await client.get(SCREEN), 400, /screen information/);
+        });
+
+        for (const number of ["0105", "105abc", "105"]) {
+            test(`${number} reads as function 105`, async () => {
+                const page = await client.get(`${SCREEN}?functionID=${number}`);
+                assert.equal(page.status, 200);
+                assert.ok(page.text.includes('<meta name="FRAME-ID" content="M-BACKUP_EFI_CONF-C-00">'));
+            });
+        }
+
+        test("function 106 has its own frame", async () => {
+            const page = await client.get(`${SCREEN}?functionID=106`);
+            assert.equal(page.status, 200);
+            assert.ok(page.text.includes('<meta name="FRAME-ID" content="M-RESTOR_EFI_CONF-C-00">'));
+        });
+
+        describe("a session that is none", () => {
+            const token = "0123456789abcdef0123456789abcdef";
+            for (const [what, cookie] of [
+                ["no cookie", ""],
+                ["a forged one", `session=0123456789abcdef-${token}`],
+                ["a path", `session=../../../../etc/passwd-${token}`],
+                ["an empty one", "session="],
+                ["a long one", `session=${"a".repeat(4000)}`],
+            ]) {
+                test(`${what} is asked to log in`, async () => {
+                    const stranger = new Client(board);
+                    stranger.cookie = cookie;
+                    for (const target of [
+                        `${SCREEN}?functionID=105`,
+                        "/common/download.cgi?functionID=5&filename=Partition3_20261114_123B.dat",
+                    ]) {
+                        assertErrorPage(await stranger.get(target), 403, /[Ll]og in/);
+                    }
+                });
+            }
+
+            test("the identifier without its secret is asked to log in", async () => {
+                const [identifier] = client.cookie.slice("session=".length).split("-");
+                for (const value of [identifier, `${identifier}-`, `${identifier}-${token}`]) {
+                    const stranger = new Client(board);
+                    stranger.cookie = `session=${value}`;
+                    assertErrorPage(await stranger.get(`${SCREEN}?functionID=105`), 403, /[Ll]og in/);
+                }
+            });
+
+            test("an expired one is asked to log in, and its files are gone", async () => {
+                const own = await Board.start();
+                try {
+                    const idle = await Client.loggedIn(own);
+                    assert.equal((await idle.backUp(3)).status, 200);
+                    const staged = (await readdir(own.path("var/tmp"))).length;
+                    await own.ageSessions(24 * 60 * 60);
+                    assertErrorPage(await idle.get(`${SCREEN}?functionID=105`), 403, /[Ll]og in/);
+                    assert.equal((await readdir(own.path("var/tmp"))).length, staged - 1);
+                    assert.deepEqual(await own.sessions(), []);
+                } finally {
+                    await own.remove();
+                }
+            });
+        });
+
+        describe("a posted backup", () => {
+            test("without a chosen partition shows only the reason", async () => {
+                const answer = await client.post(SCREEN, {
+                    functionID: "105",
+                    hidden_status: "BACKUP",
+                });
+                assertErrorPage(answer, 400, /Failed to obtain the screen information/);
+                assert.doesNotMatch(answer.text, /<table/);
+                assert.match(await board.trace(), /getFormData KEY_RADIO_BUTTON error!!/);
+            });
+
+            test("in lower case shows the list and backs nothing up", async () => {
+                const other = await Client.loggedIn(board);
+                const page = await other.backUp(3, { hidden_status: "backup" });
+                assert.equal(page.status, 200);
+                assert.match(page.text, /<table/);
+                assert.doesNotMatch(page.text, /id="download_link"/);
+            });
+
+            test("of a text takes partition 0", async () => {
+                const page = await client.backUp("abc");
+                assert.match(downloadLink(page), /filename=Partition0_\d{8}_/);
+            });
+
+            for (const number of ["1", "8", "300", "-1", "4294967295"]) {
+                test(`of partition ${number}, which is not installed, is refused`, async () => {
+                    const page = await client.backUp(number);
+                    assert.equal(page.status, 200);
+                    assert.match(page.text, /could not be backed up.*\[72-\d+\]/);
+                    assert.match(page.text, /<table/);
+                    assert.doesNotMatch(page.text, /id="download_link"/);
+                });
+            }
+
+            test("from another site is refused", async () => {
+                for (const headers of [
+                    { origin: "http://elsewhere.example" },
+                    { origin: "null" },
+                    { "sec-fetch-site": "cross-site" },
+                ]) {
+                    const answer = await client.post(
+                        SCREEN,
+                        { functionID: "105", hidden_status: "BACKUP", radio_button: "3" },
+                        headers,
+                    );
+                    assertErrorPage(answer, 403, /another site/);
+                }
+            });
+        });
+
+        describe("a download", () => {
+            test("is the backup of its own session, byte for byte", async () => {
+                const [one, other] = [await Client.loggedIn(board), await Client.loggedIn(board)];
+                const oneLink = downloadLink(await one.backUp(0));
+                const otherLink = downloadLink(await other.backUp(5));
+                const file = await one.get(oneLink);
+                assert.equal(file.status, 200);
+                assert.equal(file.headers.get("content-type"), "application/octet-stream");
+                assert.equal(file.headers.get("x-content-type-options"), "nosniff");
+                assert.equal(file.headers.get("cache-control"), "no-store");
+                assert.equal(Number(file.headers.get("content-length")), file.bytes.length);
+                assert.equal(parseConfigurationFile(file.bytes).partition, 0);
+                assertErrorPage(await one.get(otherLink), 404, /no backup of this name/);
+                assert.equal(parseConfigurationFile((await other.get(otherLink)).bytes).partition, 5);
+            });
+
+            for (const query of [
+                "",
+                "functionID=5",
+                "functionID=105&filename=Partition3_20261114_123B.dat",
+                "functionID=5&filename=",
+                "functionID=5&filename=../../etc/passwd",
+                "functionID=5&filename=/etc/passwd",
+                "functionID=5&filename=Partition3_20261114_..%2f..%2fx.dat",
+                "functionID=5&filename=Partition3_20261114_123B.dat%0d%0aSet-Cookie:%20a=b",
+                "functionID=5&filename=Partition3_20261114_%22.dat",
+                "functionID=5&filename=efi_backup",
+                "functionID=5&filename=passwd",
+            ]) {
+                test(`of something else is refused: ${query || "no query"}`, async () => {
+                    await client.backUp(3);
+                    const answer = await client.get(`/common/download.cgi?${query}`);
+                    assert.ok([400, 404].includes(answer.status));
+                    assertErrorPage(answer, answer.status, /[Nn]othing was changed/);
+                    assert.equal(answer.headers.get("set-cookie"), null);
+                });
+            }
+
+            test("whose file is gone, empty or damaged is an error page", async () => {
+                const own = await Client.loggedIn(board);
+                const link = downloadLink(await own.backUp(3));
+                const identifier = own.cookie.slice("session=".length).split("-")[0];
+                const file = board.path("var/tmp", `efi_backup${identifier}`);
+                const { bytes } = await own.get(link);
+                for (const damaged of [Buffer.alloc(0), bytes.subarray(1), Buffer.from("text")]) {
+                    await writeFile(file, damaged);
+                    assertErrorPage(await own.get(link), 404, /backup/);
+                }
+                await unlink(file);
+                assertErrorPage(await own.get(link), 404, /backup/);
+            });
+        });
+
+        for (const method of ["PUT", "DELETE", "OPTIONS", "PATCH"]) {
+            test(`${method} is not allowed`, async () => {
+                const answer = await client.request(`${SCREEN}?functionID=105`, { method });
+                assert.equal(answer.status, 405);
+            });
+        }
+
+        test("HEAD answers with the header alone", async () => {
+            const answer = await client.request(`${SCREEN}?functionID=105`, { method: "HEAD" });
+            assert.equal(answer.status, 200);
+            assert.equal(answer.bytes.length, 0);
+            assert.ok(Number(answer.headers.get("content-length")) > 1000);
+        });
+    });
+}
+
+describe("the board", () => {
     let board;
     let client;
 
     before(async () => {
         board = await Board.start();
-        client = await Client.loggedIn(board);
+        client = await WebClient.loggedIn(board);
     });
     after(() => board?.remove());
-
-    for (const [query, traced] of [
-        ["functionID=107", /Illegal query string \(107\)/],
-        ["functionID=-105", /Illegal query string \(-105\)/],
-        ["functionID=", /Illegal query string \(0\)/],
-        ["functionID=abc", /Illegal query string \(0\)/],
-    ]) {
-        test(`an unknown function number is refused and traced: ${query}`, async () => {
-            assertErrorPage(await client.get(`${SCREEN}?${query}`), 400, /screen information/);
-            assert.match(await board.trace(), traced);
-        });
-    }
-
-    test("a missing function number is refused", async () => {
-        assertErrorPage(await client.get(SCREEN), 400, /screen information/);
-    });
-
-    for (const number of ["0105", "105abc", "105"]) {
-        test(`${number} reads as function 105`, async () => {
-            const page = await client.get(`${SCREEN}?functionID=${number}`);
-            assert.equal(page.status, 200);
-            assert.ok(page.text.includes('<meta name="FRAME-ID" content="M-BACKUP_EFI_CONF-C-00">'));
-        });
-    }
-
-    test("function 106 has its own frame", async () => {
-        const page = await client.get(`${SCREEN}?functionID=106`);
-        assert.equal(page.status, 200);
-        assert.ok(page.text.includes('<meta name="FRAME-ID" content="M-RESTOR_EFI_CONF-C-00">'));
-    });
-
-    describe("a session that is none", () => {
-        const token = "0123456789abcdef0123456789abcdef";
-        for (const [what, cookie] of [
-            ["no cookie", ""],
-            ["a forged one", `session=0123456789abcdef-${token}`],
-            ["a path", `session=../../../../etc/passwd-${token}`],
-            ["an empty one", "session="],
-            ["a long one", `session=${"a".repeat(4000)}`],
-        ]) {
-            test(`${what} is asked to log in`, async () => {
-                const stranger = new Client(board);
-                stranger.cookie = cookie;
-                for (const target of [
-                    `${SCREEN}?functionID=105`,
-                    "/common/download.cgi?functionID=5&filename=Partition3_20261114_123B.dat",
-                ]) {
-                    assertErrorPage(await stranger.get(target), 403, /[Ll]og in/);
-                }
-            });
-        }
-
-        test("the identifier without its secret is asked to log in", async () => {
-            const [identifier] = client.cookie.slice("session=".length).split("-");
-            for (const value of [identifier, `${identifier}-`, `${identifier}-${token}`]) {
-                const stranger = new Client(board);
-                stranger.cookie = `session=${value}`;
-                assertErrorPage(await stranger.get(`${SCREEN}?functionID=105`), 403, /[Ll]og in/);
-            }
-        });
-
-        test("an expired one is asked to log in, and its files are gone", async () => {
-            const own = await Board.start();
-            try {
-                const idle = await Client.loggedIn(own);
-                assert.equal((await idle.backUp(3)).status, 200);
-                const staged = (await readdir(own.path("var/tmp"))).length;
-                await own.ageSessions(24 * 60 * 60);
-                assertErrorPage(await idle.get(`${SCREEN}?functionID=105`), 403, /[Ll]og in/);
-                assert.equal((await readdir(own.path("var/tmp"))).length, staged - 1);
-                assert.deepEqual(await own.sessions(), []);
-            } finally {
-                await own.remove();
-            }
-        });
-    });
-
-    describe("a posted backup", () => {
-        test("without a chosen partition shows only the reason", async () => {
-            const answer = await client.post(SCREEN, {
-                functionID: "105",
-                hidden_status: "BACKUP",
-            });
-            assertErrorPage(answer, 400, /Failed to obtain the screen information/);
-            assert.doesNotMatch(answer.text, /<table/);
-            assert.match(await board.trace(), /getFormData KEY_RADIO_BUTTON error!!/);
-        });
-
-        test("in lower case shows the list and backs nothing up", async () => {
-            const other = await Client.loggedIn(board);
-            const page = await other.backUp(3, { hidden_status: "backup" });
-            assert.equal(page.status, 200);
-            assert.match(page.text, /<table/);
-            assert.doesNotMatch(page.text, /id="download_link"/);
-        });
-
-        test("of a text takes partition 0", async () => {
-            const page = await client.backUp("abc");
-            assert.match(downloadLink(page), /filename=Partition0_\d{8}_/);
-        });
-
-        for (const number of ["1", "8", "300", "-1", "4294967295"]) {
-            test(`of partition ${number}, which is not installed, is refused`, async () => {
-                const page = await client.backUp(number);
-                assert.equal(page.status, 200);
-                assert.match(page.text, /could not be backed up.*\[72-\d+\]/);
-                assert.match(page.text, /<table/);
-                assert.doesNotMatch(page.text, /id="download_link"/);
-            });
-        }
-
-        test("from another site is refused", async () => {
-            for (const headers of [
-                { origin: "http://elsewhere.example" },
-                { origin: "null" },
-                { "sec-fetch-site": "cross-site" },
-            ]) {
-                const answer = await client.post(
-                    SCREEN,
-                    { functionID: "105", hidden_status: "BACKUP", radio_button: "3" },
-                    headers,
-                );
-                assertErrorPage(answer, 403, /another site/);
-            }
-        });
-    });
-
-    describe("a download", () => {
-        test("is the backup of its own session, byte for byte", async () => {
-            const [one, other] = [await Client.loggedIn(board), await Client.loggedIn(board)];
-            const oneLink = downloadLink(await one.backUp(0));
-            const otherLink = downloadLink(await other.backUp(5));
-            const file = await one.get(oneLink);
-            assert.equal(file.status, 200);
-            assert.equal(file.headers.get("content-type"), "application/octet-stream");
-            assert.equal(file.headers.get("x-content-type-options"), "nosniff");
-            assert.equal(file.headers.get("cache-control"), "no-store");
-            assert.equal(Number(file.headers.get("content-length")), file.bytes.length);
-            assert.equal(parseConfigurationFile(file.bytes).partition, 0);
-            assertErrorPage(await one.get(otherLink), 404, /no backup of this name/);
-            assert.equal(parseConfigurationFile((await other.get(otherLink)).bytes).partition, 5);
-        });
-
-        for (const query of [
-            "",
-            "functionID=5",
-            "functionID=105&filename=Partition3_20261114_123B.dat",
-            "functionID=5&filename=",
-            "functionID=5&filename=../../etc/passwd",
-            "functionID=5&filename=/etc/passwd",
-            "functionID=5&filename=Partition3_20261114_..%2f..%2fx.dat",
-            "functionID=5&filename=Partition3_20261114_123B.dat%0d%0aSet-Cookie:%20a=b",
-            "functionID=5&filename=Partition3_20261114_%22.dat",
-            "functionID=5&filename=efi_backup",
-            "functionID=5&filename=passwd",
-        ]) {
-            test(`of something else is refused: ${query || "no query"}`, async () => {
-                await client.backUp(3);
-                const answer = await client.get(`/common/download.cgi?${query}`);
-                assert.ok([400, 404].includes(answer.status));
-                assertErrorPage(answer, answer.status, /[Nn]othing was changed/);
-                assert.equal(answer.headers.get("set-cookie"), null);
-            });
-        }
-
-        test("whose file is gone, empty or damaged is an error page", async () => {
-            const own = await Client.loggedIn(board);
-            const link = downloadLink(await own.backUp(3));
-            const identifier = own.cookie.slice("session=".length).split("-")[0];
-            const file = board.path("var/tmp", `efi_backup${identifier}`);
-            const { bytes } = await own.get(link);
-            for (const damaged of [Buffer.alloc(0), bytes.subarray(1), Buffer.from("text")]) {
-                await writeFile(file, damaged);
-                assertErrorPage(await own.get(link), 404, /backup/);
-            }
-            await unlink(file);
-            assertErrorPage(await own.get(link), 404, /backup/);
-        });
-    });
-
-    for (const method of ["PUT", "DELETE", "OPTIONS", "PATCH"]) {
-        test(`${method} is not allowed`, async () => {
-            const answer = await client.request(`${SCREEN}?functionID=105`, { method });
-            assert.equal(answer.status, 405);
-        });
-    }
-
-    test("HEAD answers with the header alone", async () => {
-        const answer = await client.request(`${SCREEN}?functionID=105`, { method: "HEAD" });
-        assert.equal(answer.status, 200);
-        assert.equal(answer.bytes.length, 0);
-        assert.ok(Number(answer.headers.get("content-length")) > 1000);
-    });
 
     for (const target of [
         "/usr/local/www/skel/skeleton_efi_backup.txt",
@@ -229,7 +249,7 @@ describe("requests", () => {
     test("a back-end that is gone is said so at login and on the page", async () => {
         const own = await Board.start();
         try {
-            const user = await Client.loggedIn(own);
+            const user = await WebClient.loggedIn(own);
             await unlink(own.path("var/run/backend.sock"));
             assertErrorPage(
                 await user.get(`${SCREEN}?functionID=105`),
@@ -249,7 +269,7 @@ describe("requests", () => {
     test("a board keeps its sessions and its partitions over a restart", async () => {
         const own = await Board.start();
         try {
-            const user = await Client.loggedIn(own);
+            const user = await WebClient.loggedIn(own);
             const payloadOf = async () => {
                 const file = await user.get(downloadLink(await user.backUp(7)));
                 return parseConfigurationFile(file.bytes).payload;

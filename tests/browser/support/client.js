@@ -9,7 +9,7 @@ export class Client {
     }
 
     static async loggedIn(board, user = "admin") {
-        const client = new Client(board);
+        const client = new this(board);
         const answer = await client.post("/login.cgi", { user, password: user });
         assert.equal(answer.status, 303);
         client.cookie = answer.headers.get("set-cookie").split(";")[0];
