@@ -1,0 +1,11 @@
+#!/usr/bin/perl
+# Answers a fixed page with Perl's CGI library.
+use strict;
+use warnings;
+use CGI;
+
+my $cgi = CGI->new;
+print $cgi->header( -type => 'text/html', -charset => 'UTF-8' );
+print <<'END_OF_PAGE';
+@PAGE@
+END_OF_PAGE

@@ -1,0 +1,10 @@
+#!/usr/bin/python3
+# Answers a fixed page with Python's CGI library.
+import warnings
+
+warnings.simplefilter("ignore", DeprecationWarning)
+import cgi
+
+form = cgi.FieldStorage()
+print("Content-Type: text/html; charset=UTF-8\r\n\r")
+print(r"""@PAGE@""")

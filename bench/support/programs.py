@@ -1,0 +1,37 @@
+"""The programs that ours is compared with. Those that answer a page answer the backup page's."""
+
+import subprocess
+from pathlib import Path
+
+SOURCES = Path(__file__).resolve().parents[1] / "programs"
+
+# Name: the command that compiles it; "OUT" is where to.
+EMPTY = {
+    "empty C, static": ["gcc", "-O2", "-static", "empty.c", "-o", "OUT"],
+    "empty C++, static": ["g++", "-O2", "-static", "empty.cpp", "-o", "OUT"],
+    "empty C++, dynamic": ["g++", "-O2", "empty.cpp", "-o", "OUT"],
+}
+PAGES = {
+    "page, C++, static": ["g++", "-O2", "-static", "-IPAGE", "page.cpp", "-o", "OUT"],
+    "page, C++, dynamic": ["g++", "-O2", "-IPAGE", "page.cpp", "-o", "OUT"],
+    "page, libcgicc": ["g++", "-O2", "-IPAGE", "cgicc_page.cpp", "-lcgicc", "-o", "OUT"],
+    "page, Perl CGI.pm": "page.pl",
+    "page, Python cgi": "page.py",
+}
+
+
+def build(names, folder, page):
+    """Makes the programs in `folder` and gives their paths by their names."""
+    (folder / "page.h").write_bytes(b'static const char PAGE[] = R"page(' + page + b')page";\n')
+    programs = {}
+    for number, name in enumerate(names):
+        path = folder / ("compared%d.cgi" % number)
+        how = {**EMPTY, **PAGES}[name]
+        if isinstance(how, str):
+            path.write_bytes((SOURCES / how).read_bytes().replace(b"@PAGE@", page))
+            path.chmod(0o755)
+        else:
+            words = [word.replace("PAGE", str(folder)).replace("OUT", str(path)) for word in how]
+            subprocess.run(words, cwd=SOURCES, check=True)
+        programs[name] = path
+    return programs
