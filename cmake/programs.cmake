@@ -1,0 +1,31 @@
+# How the programs are linked that the web server starts for each request. A process that lives for
+# less than a millisecond spends most of it on being loaded, so they are linked statically and as a
+# whole: nothing is looked up at run time, and what is not used is left out.
+if(CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT SANITIZE AND NOT COVERAGE)
+    set(static_by_default ON)
+else()
+    set(static_by_default OFF)
+endif()
+option(STATIC_PROGRAM "Link the CGI programs statically; OFF for a board of shared libraries"
+    ${static_by_default})
+
+# What the libraries are built with that such a program consists of.
+add_library(program_options INTERFACE)
+target_link_libraries(program_options INTERFACE build_options)
+target_compile_options(program_options INTERFACE -ffunction-sections -fdata-sections)
+if(STATIC_PROGRAM)
+    # With machine code beside what the linker optimises, so that tests link as ever.
+    target_compile_options(program_options INTERFACE -flto=auto -ffat-lto-objects)
+endif()
+
+# Links an executable of program_options so that it starts quickly.
+function(link_as_program target)
+    target_link_libraries(${target} PRIVATE program_options)
+    target_link_options(${target} PRIVATE LINKER:--gc-sections)
+    if(STATIC_PROGRAM)
+        # g++ 12 sees overflows across the whole program where there are none.
+        target_link_options(${target} PRIVATE -flto=auto -Wno-stringop-overflow)
+        # Among the libraries, because CMake writes its own -pie behind all options.
+        target_link_libraries(${target} PRIVATE -static-pie)
+    endif()
+endfunction()
