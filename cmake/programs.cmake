@@ -9,6 +9,9 @@ endif()
 option(STATIC_PROGRAM "Link the CGI programs statically; OFF for a board of shared libraries"
     ${static_by_default})
 
+include(CheckLinkerFlag)
+check_linker_flag(CXX LINKER:-z,pack-relative-relocs CAN_PACK_RELOCATIONS)
+
 # What the libraries are built with that such a program consists of.
 add_library(program_options INTERFACE)
 target_link_libraries(program_options INTERFACE build_options)
@@ -25,6 +28,9 @@ function(link_as_program target)
     if(STATIC_PROGRAM)
         # g++ 12 sees overflows across the whole program where there are none.
         target_link_options(${target} PRIVATE -flto=auto -Wno-stringop-overflow)
+        if(CAN_PACK_RELOCATIONS)
+            target_link_options(${target} PRIVATE LINKER:-z,pack-relative-relocs)
+        endif()
         # Among the libraries, because CMake writes its own -pie behind all options.
         target_link_libraries(${target} PRIVATE -static-pie)
     endif()

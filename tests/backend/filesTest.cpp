@@ -63,6 +63,12 @@ TEST_F(Files, doesNotReadAboveTheLimit) {
     EXPECT_EQ(readError(at("file"), 4), EFBIG);
 }
 
+TEST_F(Files, aSizeThatExceedsThirtyTwoBitsIsAboveTheLimit) {
+    writeText(at("file"), "");
+    ASSERT_EQ(::truncate(at("file").c_str(), (1LL << 32) + 3), 0);
+    EXPECT_EQ(readError(at("file"), 4), EFBIG);
+}
+
 TEST_F(Files, doesNotReadWhatIsNoRegularFile) {
     writeText(at("file"), "secret");
     ASSERT_EQ(::symlink("file", at("link").c_str()), 0);

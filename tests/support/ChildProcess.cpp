@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
+#include <sstream>
 #include <stdexcept>
 #include <string_view>
 
@@ -59,6 +60,18 @@ void setEnvironment(const Environment& environment) {
     for (const auto& [name, value] : environment) {
         ::setenv(name.c_str(), value.c_str(), 1);
     }
+}
+
+// What starts a program that was built for another processor; nothing for one of our own.
+std::vector<std::string> emulator() {
+    std::vector<std::string> words;
+#ifdef EMULATOR
+    std::istringstream text(EMULATOR);
+    for (std::string word; text >> word;) {
+        words.push_back(word);
+    }
+#endif
+    return words;
 }
 
 // Appends what there is to read; closes the descriptor at the end of the file.
@@ -237,14 +250,15 @@ ChildResult runInChild(const std::function<int()>& work, const ChildSetup& setup
 ChildResult runProgram(const std::vector<std::string>& command, const ChildSetup& setup) {
     return runInChild(
         [&command] {
-            std::vector<std::string> words = command;
+            std::vector<std::string> words = emulator();
+            words.insert(words.end(), command.begin(), command.end());
             std::vector<char*> arguments;
             arguments.reserve(words.size() + 1);
             for (std::string& word : words) {
                 arguments.push_back(word.data());
             }
             arguments.push_back(nullptr);
-            ::execv(arguments.front(), arguments.data());
+            ::execvp(arguments.front(), arguments.data());
             std::cerr << command.front() << " cannot be started\n";
             return PROGRAM_NOT_STARTED;
         },

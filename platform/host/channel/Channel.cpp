@@ -96,6 +96,10 @@ int Channel::sendAndReceive(const std::vector<unsigned char>& request, ReplyFram
     if (sent != 0) {
         return sent;
     }
+    // An answer is hardly ever there at once; to look for it first would be in vain.
+    if (!waitUntilReady(descriptor, POLLIN, deadline)) {
+        return CHANNEL_TIMEOUT;
+    }
     std::vector<unsigned char> bytes;
     const int received = codeOf(receiveFrame(descriptor, bytes, deadline));
     if (received != 0) {

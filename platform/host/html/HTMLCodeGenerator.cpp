@@ -27,7 +27,8 @@ std::unique_ptr<Host::Skeleton> load(const std::string& skeletonFile) {
         refuse("The skeleton " + skeletonFile + " cannot be read.");
     }
     try {
-        return std::make_unique<Host::Skeleton>(std::string(bytes.begin(), bytes.end()));
+        return std::make_unique<Host::Skeleton>(
+            std::string(reinterpret_cast<const char*>(bytes.data()), bytes.size()));
     } catch (const Host::SkeletonError& error) {
         refuse(skeletonFile + ":" + std::to_string(error.line) + ":" +
                std::to_string(error.column) + ": " + error.problem);

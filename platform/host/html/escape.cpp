@@ -2,31 +2,40 @@
 
 namespace VeskLib::Host {
 
+namespace {
+
+// What stands in a page for a character that would leave its place; empty for every other one.
+std::string_view entityOf(char character) {
+    switch (character) {
+        case '&':
+            return "&amp;";
+        case '<':
+            return "&lt;";
+        case '>':
+            return "&gt;";
+        case '"':
+            return "&quot;";
+        case '\'':
+            return "&#39;";
+        default:
+            return {};
+    }
+}
+
+}  // namespace
+
 std::string escapeHTML(std::string_view text) {
     std::string escaped;
     escaped.reserve(text.size());
-    for (const char character : text) {
-        switch (character) {
-            case '&':
-                escaped += "&amp;";
-                break;
-            case '<':
-                escaped += "&lt;";
-                break;
-            case '>':
-                escaped += "&gt;";
-                break;
-            case '"':
-                escaped += "&quot;";
-                break;
-            case '\'':
-                escaped += "&#39;";
-                break;
-            default:
-                escaped += character;
+    std::size_t copied = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const std::string_view entity = entityOf(text[i]);
+        if (!entity.empty()) {
+            escaped.append(text, copied, i - copied).append(entity);
+            copied = i + 1;
         }
     }
-    return escaped;
+    return escaped.append(text, copied);
 }
 
 std::string escapeScript(std::string_view text) {

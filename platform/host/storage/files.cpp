@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -91,7 +92,8 @@ bool readOpenFile(int descriptor, std::size_t limit, std::vector<unsigned char>&
         errno = EINVAL;
         return false;
     }
-    if (static_cast<std::size_t>(status.st_size) > limit) {
+    // Compared before it is cut to the width of std::size_t.
+    if (static_cast<std::uint64_t>(status.st_size) > limit) {
         errno = EFBIG;
         return false;
     }

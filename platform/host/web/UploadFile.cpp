@@ -48,8 +48,9 @@ bool UploadFile::open() {
 }
 
 void UploadFile::write(std::string_view bytes) {
-    const std::size_t room =
-        FormLimits::FILE_LENGTH - std::min<std::uint64_t>(received, FormLimits::FILE_LENGTH);
+    const auto stored =
+        static_cast<std::size_t>(std::min<std::uint64_t>(received, FormLimits::FILE_LENGTH));
+    const std::size_t room = FormLimits::FILE_LENGTH - stored;
     received += bytes.size();
     if (room != 0 && !bytes.empty() && !failed) {
         failed = !open() || !writeWhole(descriptor, bytes.substr(0, room));

@@ -1,0 +1,26 @@
+# `cmake --install BUILD --component NAME` installs `program` (what goes to a board), `demo` (the
+# board that ./serve serves) or `sdk` (the host platform as a board's SDK); without a component all
+# but the SDK. `cpack` packs the program as a tarball and as a Debian package.
+if(CMAKE_CROSSCOMPILING)
+    set(architecture_powerpc powerpc)
+    set(architecture_aarch64 arm64)
+    set(architecture_arm armhf)
+    set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE ${architecture_${CMAKE_SYSTEM_PROCESSOR}})
+endif()
+
+set(CPACK_GENERATOR TGZ DEB)
+set(CPACK_PACKAGE_NAME efi-backup-restore)
+set(CPACK_PACKAGE_CONTACT "The maintainers of the board's software <root@localhost>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Web screen for backup and restore of BIOS configurations")
+set(CPACK_PACKAGE_FILE_NAME ${CPACK_PACKAGE_NAME}-${PROJECT_VERSION}-${CMAKE_SYSTEM_PROCESSOR})
+set(CPACK_COMPONENTS_ALL program)
+set(CPACK_COMPONENTS_GROUPING ALL_COMPONENTS_IN_ONE)
+set(CPACK_ARCHIVE_COMPONENT_INSTALL ON)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_PACKAGING_INSTALL_PREFIX /)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_VERBATIM_VARIABLES ON)
+if(NOT STATIC_PROGRAM)
+    set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+endif()
+include(CPack)

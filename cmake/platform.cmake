@@ -1,0 +1,20 @@
+# The board's software: `platform_headers` is what the program is compiled against, and
+# `board_platform` what it is linked with. Both are platform/ unless BOARD_SDK names another.
+set(BOARD_SDK "" CACHE PATH "A board's headers (include/) and libraries (lib/) instead of platform/")
+
+add_library(platform_headers INTERFACE)
+add_library(board_platform INTERFACE)
+if(BOARD_SDK)
+    file(GLOB board_libraries ${BOARD_SDK}/lib/*.a ${BOARD_SDK}/lib/*.so)
+    if(NOT board_libraries)
+        message(FATAL_ERROR "There is no library in ${BOARD_SDK}/lib.")
+    endif()
+    target_include_directories(platform_headers INTERFACE ${BOARD_SDK}/include)
+    # The board's libraries and the program's need each other, in no order.
+    list(JOIN board_libraries "," libraries)
+    target_link_libraries(board_platform INTERFACE
+        $<LINK_GROUP:RESCAN,efi_program,efi_data,${libraries}>)
+else()
+    target_include_directories(platform_headers INTERFACE ${PROJECT_SOURCE_DIR}/platform/include)
+    target_link_libraries(board_platform INTERFACE platform_host)
+endif()

@@ -1,0 +1,57 @@
+// The program as it is built for a board, run as a web server runs it, prints the same bytes on
+// every processor.
+
+#include "platform/host/web/Session.h"
+#include "tests/processors/expectedBytes.h"
+#include "tests/support/BoardTest.h"
+#include "tests/support/files.h"
+#include "tests/web/FakeBackend.h"
+
+#include <VeskLib/VeskUi/PartitionInfoPacket.h>
+
+namespace VeskLib::Test {
+
+namespace {
+
+std::vector<unsigned char> fourPartitions() {
+    VeskUi::PartitionInfoPacket packet;
+    packet.addPartition({.installed = true, .name = "Order processing", .nodeIds = {0x10, 0x21}});
+    packet.addPartition({});
+    packet.addPartition({.installed = true, .name = "\xE8\xA3\xBD\xE9\x80\xA0", .nodeIds = {}});
+    packet.addPartition({.installed = true, .name = "<\"R&D\">", .nodeIds = {0x12}});
+    std::vector<unsigned char> bytes(packet.getSerializedSize());
+    packet.getSerialized(bytes.data(), static_cast<unsigned int>(bytes.size()));
+    return bytes;
+}
+
+class BackupPageTest : public BoardTest {
+protected:
+    BackupPageTest() { writeText(boardFile("/var/run/board_properties"), "max_partitions=4\n"); }
+
+    // What the program answers to a logged-in operator of this language.
+    static std::string answer(const std::string& language) {
+        const Host::Session session = Host::startSession("admin", true, "");
+        const FakeBackend backend(Host::ReplyFrame{0, fourPartitions()});
+        ChildSetup setup;
+        setup.environment = {{"REQUEST_METHOD", "GET"},
+                             {"QUERY_STRING", "functionID=105"},
+                             {"HTTP_ACCEPT_LANGUAGE", language},
+                             {"HTTP_COOKIE", "session=" + session.cookieValue()}};
+        const ChildResult result = runProgram({EFI_BACKUP_RESTORE}, setup);
+        EXPECT_EQ(result.exitStatus, 0);
+        EXPECT_EQ(result.errors, "");
+        return result.output;
+    }
+};
+
+}  // namespace
+
+TEST_F(BackupPageTest, englishPageHasItsBytes) {
+    expectBytes(answer("en"), "backup_page_en.txt");
+}
+
+TEST_F(BackupPageTest, japanesePageHasItsBytes) {
+    expectBytes(answer("ja"), "backup_page_ja.txt");
+}
+
+}  // namespace VeskLib::Test
