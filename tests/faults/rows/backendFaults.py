@@ -1,0 +1,109 @@
+"""Faults in the system calls of the back-end, from its start to the answers that it gives."""
+
+import os
+import tempfile
+
+from support import tracing
+from support.caseRuns import Outcome
+from support.judge import Fault, Judge
+from support.program import runProgram
+from support.requestTypes import REQUEST_TYPES
+from support.scene import Scene
+
+# The requests that need the back-end.
+REQUESTS = ("backup page", "backup", "upload", "restore", "login")
+
+STARTED_AND_FAILED = 1
+
+
+class BackendFaultWorker:
+    """Starts the back-end with one of its calls going wrong, makes a request, and goes on with a
+    healthy one. strace counts the calls of each thread for itself, and a thread serves each
+    connection, so that a fault "once" meets each connection of the request once."""
+
+    def __init__(self, installation):
+        self.scene = Scene(installation)
+        self.judge = Judge(self.scene)
+        self.board = self.scene.board
+        self.log = tempfile.mktemp(prefix="faults-log-")
+
+    def run(self, case):
+        if os.path.exists(self.log):
+            os.remove(self.log)
+        kind = REQUEST_TYPES[case["request"]]()
+        request = kind.prepare(self.scene)
+        before = self.judge.snapshot()
+        self.board.stop()
+        problems = []
+        ready = self.board.start(prefix=tracing.injecting(case["inject"], self.log),
+                                 mustStart=False)
+        run = runProgram(self.board, request)
+        fault = Fault(killed=False, mute=False)
+        if ready and not self.board.waitUntilQuiet():
+            problems.append("the back-end still works for the request")
+        met = tracing.wasInjected(self.log) or case.get("killed", False)
+        if ready and not case.get("killed") and self.board.backendProcess() is None:
+            problems.append("the back-end died")
+        if not ready and not case.get("killed") and case["inMain"] and not self.board.errors():
+            problems.append("the back-end did not start and does not say why")
+        errors = self.board.errors()
+        self.board.kill()
+        # What a killed back-end leaves behind goes when the next one starts.
+        self.board.start()
+        problems += self.judge.judge(kind, before, run, fault)
+        problems += self.judge.settle()
+        return Outcome(problems, met, {"output": run.output, "backendErrors": errors,
+                                       "exitStatus": run.exitStatus} if problems else {})
+
+    def close(self):
+        self.scene.remove()
+        if os.path.exists(self.log):
+            os.remove(self.log)
+
+
+def listBackendCalls(installation):
+    """{request type: calls}, of all threads: the highest occurrence of each name counts."""
+    scene = Scene(installation)
+    log = tempfile.mktemp(prefix="faults-log-")
+    found = {}
+    try:
+        for name in REQUESTS:
+            request = REQUEST_TYPES[name]().prepare(scene)
+            scene.board.stop()
+            scene.board.start(prefix=["strace", "-f", "-ff", "-qqq", "-o", log])
+            runProgram(scene.board, request)
+            scene.board.waitUntilQuiet()
+            scene.board.stop()
+            found[name] = mergeThreads(log)
+            scene.board.start()
+            Judge(scene).settle()
+    finally:
+        scene.remove()
+    return found
+
+
+def mergeThreads(log):
+    calls = {}
+    folder, start = os.path.split(log)
+    for file in sorted(os.listdir(folder)):
+        if file.startswith(start + "."):
+            for call in tracing.readCalls(os.path.join(folder, file)):
+                # Only the main thread's start comes before the program's own code.
+                known = calls.get((call.name, call.occurrence))
+                if known is None:
+                    calls[(call.name, call.occurrence)] = call
+            os.remove(os.path.join(folder, file))
+    return list(calls.values())
+
+
+def backendFailureCases(found):
+    return [{"request": request, "inject": tracing.failing(call.name, call.occurrence, error, lasting),
+             "inMain": call.inMain, "call": call.line[:160]}
+            for request, calls in found.items() for call in calls
+            for error in tracing.errorsOf(call.name) for lasting in (False, True)]
+
+
+def backendKillCases(found):
+    return [{"request": request, "inject": f"{call.name}:signal=KILL:when={call.occurrence}",
+             "killed": True, "inMain": call.inMain, "call": call.line[:160]}
+            for request, calls in found.items() for call in calls if call.name != "execve"]

@@ -1,0 +1,18 @@
+"""Killed before and behind every system call: the programs, and the back-end."""
+
+from rows import backendFaults, programFaults
+from rows.syscalls import makeWorker, runBoth
+
+__all__ = ["HELP", "makeWorker", "run"]
+
+HELP = "killed before and behind each system call"
+SHORT_PROGRAM_RUNS = 60
+SHORT_BACKEND_RUNS = 25
+
+
+def run(context):
+    programs = programFaults.killCases(programFaults.listCalls(context.installation))
+    backend = backendFaults.backendKillCases(
+        backendFaults.listBackendCalls(context.installation))
+    return runBoth(context, "kills", context.sample(programs, SHORT_PROGRAM_RUNS),
+                   context.sample(backend, SHORT_BACKEND_RUNS))

@@ -1,0 +1,93 @@
+"""Faults in the system calls of the programs: the run of one case, and the list of cases."""
+
+import os
+import tempfile
+
+from support import tracing
+from support.caseRuns import Outcome
+from support.judge import Fault, Judge
+from support.program import runProgram
+from support.requestTypes import REQUEST_TYPES
+from support.scene import Scene
+
+# A back-end or a lock that only says "try again" is asked until the deadline of 10 s or 5 s.
+SLOW_ERRORS = {("connect", "EAGAIN"), ("recvfrom", "EAGAIN"), ("sendto", "EAGAIN"),
+               ("flock", "EAGAIN")}
+
+
+class CallFaultWorker:
+    """Runs requests with one system call going wrong. The case holds `request`, the name of a
+    request type, and `inject`, strace's expression."""
+
+    def __init__(self, installation):
+        self.scene = Scene(installation)
+        self.judge = Judge(self.scene)
+        self.log = tempfile.mktemp(prefix="faults-log-")
+
+    def run(self, case):
+        if os.path.exists(self.log):
+            os.remove(self.log)
+        kind = REQUEST_TYPES[case["request"]]()
+        request = kind.prepare(self.scene)
+        before = self.judge.snapshot()
+        run = runProgram(self.scene.board, request,
+                         prefix=tracing.injecting(case["inject"], self.log))
+        met = tracing.wasInjected(self.log) or run.signal is not None
+        fault = Fault(killed=case.get("killed", False), mute=case.get("mute", False))
+        problems = self.judge.judge(kind, before, run, fault) if met else []
+        problems += self.judge.settle()
+        return Outcome(problems, met, {
+            "environment": {key: value for key, value in request.items() if key != "body"},
+            "output": run.output, "errors": run.errors, "exitStatus": run.exitStatus,
+            "signal": run.signal} if problems else {})
+
+    def close(self):
+        self.scene.remove()
+        if os.path.exists(self.log):
+            os.remove(self.log)
+
+
+def listCalls(installation):
+    """{request type: the calls that its program makes}."""
+    scene = Scene(installation)
+    log = tempfile.mktemp(prefix="faults-log-")
+    calls = {}
+    try:
+        for name, make in REQUEST_TYPES.items():
+            request = make().prepare(scene)
+            runProgram(scene.board, request, prefix=tracing.listing(log))
+            calls[name] = tracing.readCalls(log)
+            os.remove(log)
+            Judge(scene).settle()
+    finally:
+        scene.remove()
+    return calls
+
+
+def failureCases(calls):
+    """A case for each call, each error that fits it, once and lasting."""
+    cases = []
+    for request, made in calls.items():
+        for call in made:
+            for error in tracing.errorsOf(call.name):
+                for lasting in (False, True):
+                    if lasting and (call.name, error) in SLOW_ERRORS and call.occurrence > 2:
+                        continue
+                    cases.append({
+                        "request": request,
+                        "inject": tracing.failing(call.name, call.occurrence, error, lasting),
+                        "mute": not call.inMain or call.name == "write",
+                        "call": call.line[:160]})
+    return cases
+
+
+def killCases(calls):
+    """A case for each call: killed when it is about to be made.
+
+    Killed behind a call is the same as killed before the next one: what lies between two calls
+    changes only the process's own memory, which ends with it. Behind the last call, the end of
+    the process, there is nothing to be killed.
+    """
+    return [{"request": request, "inject": f"{call.name}:signal=KILL:when={call.occurrence}",
+             "killed": True, "call": call.line[:160]}
+            for request, made in calls.items() for call in made if call.name != "execve"]

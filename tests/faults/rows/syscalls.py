@@ -1,0 +1,34 @@
+"""Every system call of every request type failing, once and from then on; the back-end's, too."""
+
+from rows import backendFaults, programFaults
+from support.caseRuns import Result, runCases
+
+HELP = "each system call failing with each error that fits it, once and from then on"
+SHORT_PROGRAM_RUNS = 150
+SHORT_BACKEND_RUNS = 40
+
+
+def makeWorker(installation, case):
+    """The worker that a kept violation needs."""
+    worker = (backendFaults.BackendFaultWorker if "inMain" in case
+              else programFaults.CallFaultWorker)
+    return worker(installation)
+
+
+def run(context):
+    programs = programFaults.failureCases(programFaults.listCalls(context.installation))
+    backend = backendFaults.backendFailureCases(
+        backendFaults.listBackendCalls(context.installation))
+    return runBoth(context, "syscalls", context.sample(programs, SHORT_PROGRAM_RUNS),
+                   context.sample(backend, SHORT_BACKEND_RUNS))
+
+
+def runBoth(context, row, programs, backend):
+    installation = context.installation
+    one = runCases(context, row, programs,
+                   lambda: programFaults.CallFaultWorker(installation))
+    other = runCases(context, row, backend,
+                     lambda: backendFaults.BackendFaultWorker(installation))
+    return Result(one.runs + other.runs, one.violations + other.violations,
+                  {"program runs": one.runs, "back-end runs": other.runs,
+                   "cases": len(programs) + len(backend)})

@@ -1,0 +1,189 @@
+"""A board's root with a back-end of its own and the sessions that the tests use."""
+
+import os
+import shutil
+import signal
+import subprocess
+import tempfile
+import threading
+import time
+
+from support.configurationFile import ConfigurationFile
+from support.program import runProgram
+
+START_SECONDS = 60
+KEPT_FOLDERS = ("var/tmp", "var/lib/session", "var/lib/board", "var/run", "var/log")
+
+# The demo board's administrator and the user who may do nothing.
+OPERATOR, VIEWER = "admin", "viewer"
+
+
+def fastFolder():
+    """Where roots are made: in memory when there is such a place, for speed alone."""
+    return "/dev/shm" if os.access("/dev/shm", os.W_OK) else None
+
+
+class Installation:
+    """What `cmake --install` puts under a board's root, made once for all boards of a run."""
+
+    def __init__(self, project, preset):
+        self.build = os.path.join(project, "build", preset)
+        self.folder = tempfile.mkdtemp(prefix="faults-")
+        os.environ["LC_ALL"] = "C.UTF-8"
+        subprocess.run(["cmake", "--install", self.build, "--prefix", self.folder], check=True,
+                       stdout=subprocess.DEVNULL)
+
+    def remove(self):
+        shutil.rmtree(self.folder, ignore_errors=True)
+
+
+class Board:
+    """One root. Its back-end runs from start() to stop()."""
+
+    def __init__(self, installation, folder=None):
+        self.installed = installation.folder if hasattr(installation, "folder") else installation
+        self.programs = os.path.join(self.installed, "usr/local/www/htdocs")
+        self.root = tempfile.mkdtemp(prefix="faults-root-", dir=folder or fastFolder())
+        os.symlink(os.path.join(self.installed, "usr"), self.path("usr"))
+        for folder_ in KEPT_FOLDERS:
+            os.makedirs(self.path(folder_), mode=0o700)
+        self.backend = None
+        self.backendErrors = b""
+
+    def path(self, *parts):
+        return os.path.join(self.root, *parts)
+
+    def description(self):
+        return os.path.join(self.installed, "usr/local/etc/board.toml")
+
+    def start(self, prefix=(), more=None, limits=None, mustStart=True):
+        """Starts the back-end. False, with nothing running, when it ends instead of being ready."""
+        environment = {"PATH": "/usr/bin:/bin", **(more or {})}
+        self.errorFile = open(self.path("backend.errors"), "wb")
+        self.backend = subprocess.Popen(
+            [*prefix, os.path.join(self.installed, "usr/local/sbin/efi_backend"), "--root",
+             self.root, "--board", self.description()],
+            env=environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+            stderr=self.errorFile, start_new_session=True, preexec_fn=limits)
+        watch = threading.Timer(START_SECONDS, self.kill)
+        watch.start()
+        ready = self.backend.stdout.readline() == b"ready\n"
+        watch.cancel()
+        if not ready:
+            self.kill()
+            if mustStart:
+                raise RuntimeError("The back-end did not start: " + self.errors())
+        return ready
+
+    def errors(self):
+        with open(self.path("backend.errors"), encoding="utf-8", errors="replace") as text:
+            return text.read()
+
+    def stop(self, deadline=30):
+        """Ends the back-end as ./serve does; its exit status, None when it had to be killed."""
+        if self.backend is None:
+            return 0
+        pid = self.backendProcess()
+        if pid:
+            os.kill(pid, signal.SIGTERM)
+        try:
+            status = self.backend.wait(deadline)
+        except subprocess.TimeoutExpired:
+            status = None
+        self.kill()
+        return status
+
+    def kill(self):
+        backend, self.backend = self.backend, None
+        if backend is not None:
+            try:
+                os.killpg(backend.pid, signal.SIGKILL)
+            except ProcessLookupError:
+                pass
+            backend.wait()
+            backend.stdout.close()
+            self.errorFile.close()
+
+    def backendProcess(self):
+        """The back-end's own process number, also behind a command that started it."""
+        children = f"/proc/{self.backend.pid}/task/{self.backend.pid}/children"
+        try:
+            with open(f"/proc/{self.backend.pid}/comm", encoding="ascii") as name:
+                if name.read().strip() == "efi_backend":
+                    return self.backend.pid
+            with open(children, encoding="ascii") as pids:
+                for pid in pids.read().split():
+                    with open(f"/proc/{pid}/comm", encoding="ascii") as name:
+                        if name.read().strip() == "efi_backend":
+                            return int(pid)
+        except FileNotFoundError:
+            pass
+        return None
+
+    def waitUntilQuiet(self, seconds=20):
+        """Waits until the back-end works for nobody: a thread serves each connection."""
+        end = time.monotonic() + seconds
+        while self.backend is not None and time.monotonic() < end:
+            pid = self.backendProcess()
+            try:
+                if pid is None or len(os.listdir(f"/proc/{pid}/task")) == 1:
+                    return True
+            except FileNotFoundError:
+                return True
+            time.sleep(0.001)
+        return False
+
+    def logIn(self, user):
+        run = runProgram(self, {"program": "login.cgi", "method": "POST",
+                                "body": f"user={user}&password={user}".encode()})
+        for line in run.output.decode().split("\r\n"):
+            if line.startswith("Set-Cookie: session="):
+                return line.split("=", 1)[1].split(";")[0]
+        raise RuntimeError(f"{user} cannot log in: {run.output!r} {run.errors!r}")
+
+    def read(self, *parts):
+        """The bytes of a file below the root; None when there is none."""
+        try:
+            with open(self.path(*parts), "rb") as file:
+                return file.read()
+        except FileNotFoundError:
+            return None
+
+    def write(self, data, *parts):
+        """Puts a file below the root; with None, takes it away."""
+        if data is None:
+            try:
+                os.remove(self.path(*parts))
+            except FileNotFoundError:
+                pass
+            return
+        with open(self.path(*parts), "wb", opener=lambda p, f: os.open(p, f, 0o600)) as file:
+            file.write(data)
+
+    def files(self, *folders):
+        """{path below the root: bytes} of every regular file in the folders."""
+        found = {}
+        for folder in folders:
+            for entry in os.scandir(self.path(folder)):
+                if entry.is_file(follow_symlinks=False):
+                    data = self.read(folder, entry.name)
+                    if data is not None:
+                        found[f"{folder}/{entry.name}"] = data
+        return found
+
+    def remove(self):
+        self.kill()
+        shutil.rmtree(self.root, ignore_errors=True)
+
+
+def identifierOf(cookie):
+    return cookie.split("-")[0]
+
+
+def samplePayload(letter, size=120000):
+    """A payload that says everywhere whose it is."""
+    return (letter.encode() * 61 + b"\n") * (size // (61 * len(letter) + 1))
+
+
+def sampleFile(letter, size=120000):
+    return ConfigurationFile(3, "1.23 B", "Sample", samplePayload(letter, size)).encode()

@@ -1,0 +1,64 @@
+"""Reads and writes configuration files and the back-end's state file, apart from the program.
+
+docs/configuration-file.md gives the bytes.
+"""
+
+import struct
+import zlib
+
+LARGEST_FILE = 393216
+MAGIC = b"EFICONF\x1a"
+STATE_MAGIC = b"EFISTOR\x1a"
+
+
+class ConfigurationFile:
+    def __init__(self, partition, version, name, payload, saveTime=1700000000):
+        self.partition = partition
+        self.version = version
+        self.name = name
+        self.payload = payload
+        self.saveTime = saveTime
+
+    def encode(self):
+        version, name = self.version.encode(), self.name.encode()
+        covered = (MAGIC + struct.pack(">IIIHHI", 1, self.saveTime, self.partition, len(version),
+                                       len(name), len(self.payload)) + version + name + self.payload)
+        return covered + struct.pack(">I", zlib.crc32(covered))
+
+
+def decodeConfigurationFile(data):
+    """The file that the bytes are; None when they are none."""
+    if len(data) < 32 or data[:8] != MAGIC or zlib.crc32(data[:-4]) != unpackWord(data[-4:]):
+        return None
+    revision, saveTime, partition, versionSize, nameSize, payloadSize = struct.unpack(
+        ">IIIHHI", data[8:28])
+    texts = 28 + versionSize
+    payload = texts + nameSize
+    if revision != 1 or len(data) != payload + payloadSize + 4:
+        return None
+    return ConfigurationFile(partition, data[28:texts].decode(), data[texts:payload].decode(),
+                             data[payload:-4], saveTime)
+
+
+def encodeState(payloads):
+    covered = STATE_MAGIC + struct.pack(">II", 1, len(payloads))
+    for number in sorted(payloads):
+        covered += struct.pack(">II", number, len(payloads[number])) + payloads[number]
+    return covered + struct.pack(">I", zlib.crc32(covered))
+
+
+def decodeState(data):
+    """The payload of each partition; None when the bytes are no state file."""
+    if len(data) < 20 or data[:8] != STATE_MAGIC or zlib.crc32(data[:-4]) != unpackWord(data[-4:]):
+        return None
+    payloads = {}
+    position = 16
+    for _ in range(unpackWord(data[12:16])):
+        number, size = struct.unpack(">II", data[position:position + 8])
+        payloads[number] = data[position + 8:position + 8 + size]
+        position += 8 + size
+    return payloads if position == len(data) - 4 else None
+
+
+def unpackWord(data):
+    return struct.unpack(">I", data)[0]

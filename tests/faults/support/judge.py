@@ -1,0 +1,194 @@
+"""The questions that every run of a program is judged by, whatever went wrong in it.
+
+1. Did it end within its deadline, and by itself?
+2. Is what it printed one valid response, or nothing where nothing could be printed?
+3. Is each file the old or the new one, byte for byte, and are other sessions' files untouched?
+4. Does a page that tells a success mean that it happened, and one that tells that nothing was
+   changed mean that nothing was?
+5. Are the locks free, and is nothing left behind after the next normal requests?
+"""
+
+import fcntl
+import os
+import re
+import time
+
+from support.board import sampleFile
+from support.configurationFile import decodeState
+from support.program import runProgram
+from support.requestTypes import get, multipart, noticesOf, post, postParts
+from support.response import MalformedResponse, parseResponse
+from support.scene import SESSIONS, STATE, TEMPORARY, backupFile, stagedFile
+
+# An exchange with the back-end ends after 10 s, a wait for a lock after 5 s; the web server gives
+# a request 60 s.
+DEADLINE_SECONDS = 50
+
+LOCKS = ("var/tmp/restored_eficonf.lock", "var/lib/board/restore.lock")
+KEPT = (TEMPORARY, SESSIONS, "var/lib/board")
+NOT_JUDGED = set(LOCKS) | {"var/lib/board/backend.lock"}
+WHOLE_SESSION = re.compile(rb"token=[0-9a-f]{32}\n(\w+=.*\n)*created=\d+\n")
+
+# What the pages say when they are sure that nothing was changed.
+UNCHANGED = re.compile(r"Nothing was (changed|restored|uploaded|done)|No partition was changed")
+# The back-end's answer was lost on its way, and the page says that it does not know.
+UNSURE = re.compile(r"71-200[234]\b|it is not certain how far")
+
+
+class Fault:
+    """What was done to a run, as far as it changes the answers.
+
+    `killed`: the program was; it may have printed nothing. `mute`: it could not print, or had not
+    begun to run. `told`: what it was asked for could not be done, so that the page has to say it.
+    """
+
+    def __init__(self, killed=False, mute=False, told=False):
+        self.killed = killed
+        self.mute = mute
+        self.told = told
+
+
+class Judge:
+    def __init__(self, scene):
+        self.scene = scene
+        self.board = scene.board
+
+    def snapshot(self):
+        files = self.board.files(*KEPT)
+        return {path: data for path, data in files.items() if path not in NOT_JUDGED}
+
+    def judge(self, kind, before, run, fault, withoutBackend=False):
+        """Everything that is wrong with the run, a line each."""
+        problems = []
+        if not withoutBackend and not self.board.waitUntilQuiet():
+            problems.append("the back-end still works for the request")
+        self.checkEnd(run, fault, problems)
+        response = self.checkResponse(run, fault, problems)
+        after = self.snapshot()
+        self.checkFiles(kind, before, after, response, fault, problems)
+        if response is not None:
+            self.checkClaims(kind, before, after, response, fault, problems)
+        return problems
+
+    @staticmethod
+    def checkEnd(run, fault, problems):
+        if run.timedOut or run.seconds > DEADLINE_SECONDS:
+            problems.append(f"it did not end within {DEADLINE_SECONDS} s")
+        elif run.signal is not None and not fault.killed:
+            problems.append(f"it died of signal {run.signal}: {run.errors[-300:]!r}")
+
+    @staticmethod
+    def checkResponse(run, fault, problems):
+        if not run.output:
+            silent = fault.killed or (fault.mute and run.exitStatus != 0)
+            if not silent and not run.timedOut:
+                problems.append(f"no response (exit status {run.exitStatus}, {run.errors[-300:]!r})")
+            return None
+        try:
+            return parseResponse(run.output)
+        except MalformedResponse as reason:
+            problems.append(f"not a valid response: {reason}")
+            return None
+
+    @staticmethod
+    def checkFiles(kind, before, after, response, fault, problems):
+        for path in sorted(before.keys() | after.keys()):
+            old, new = before.get(path), after.get(path)
+            if old == new or any(value(new) if callable(value) else value == new
+                                 for value in kind.allowed.get(path, ())
+                                 if not (callable(value) and new is None)):
+                continue
+            if path not in before and isPassing(path, new, kind, response, fault):
+                continue
+            problems.append(f"{path} is neither the old nor the new file: "
+                            f"{None if new is None else len(new)} bytes")
+
+    def checkClaims(self, kind, before, after, response, fault, problems):
+        if kind.claimsSuccess(response, self.scene):
+            if not kind.happened(self.scene, response, after):
+                problems.append("the page tells a success that did not happen")
+            return
+        notice = noticesOf(response)
+        if fault.told and not notice:
+            problems.append("the page does not tell that it failed")
+        if UNCHANGED.search(notice) and not UNSURE.search(notice):
+            for path, values in kind.allowed.items():
+                news = [value for value in values if value not in (None, b"")]
+                if before.get(path) != after.get(path) and any(
+                        value(after[path]) if callable(value) else value == after[path]
+                        for value in news if path in after):
+                    problems.append(f"the page tells that nothing was changed, but {path} is new")
+
+    def settle(self):
+        """The next normal requests: an upload, its discarding, a backup page and, for what only a
+        login clears away, a login. All must succeed, and nothing may be left behind by then."""
+        problems = []
+        scene, board = self.scene, self.board
+        for lock in LOCKS:
+            if not isFree(board.path(lock)):
+                problems.append(f"the lock {lock} is held")
+        scene.stage({path: data for path, data in self.leftovers().items()})
+        upload = multipart({"functionID": 106, "hidden_status": 1}, "next.dat", sampleFile("next"))
+        steps = (
+            ("upload", postParts(scene.operator, upload), 'class="facts"'),
+            ("discard", post(scene.operator, b"functionID=106&hidden_status=3"), 'type="file"'),
+            ("backup page", get(scene.operator, "functionID=105"), 'name="radio_button"'),
+        )
+        for name, request, mark in steps:
+            run = runProgram(board, request)
+            if run.timedOut or run.exitStatus != 0 or mark.encode() not in run.output:
+                problems.append(f"the {name} that followed failed: {run.output[-600:]!r}")
+        self.checkConfigurations(problems)
+        for path in sorted(self.leftovers()):
+            problems.append(f"{path} is left behind")
+        for path in os.listdir(board.path("var/run")):
+            if path not in ("backend.sock", "board_properties"):
+                problems.append(f"var/run/{path} is left behind")
+        return problems
+
+    def leftovers(self):
+        """Files that belong to no session and to nobody else."""
+        own = {stagedFile(self.scene.operator), backupFile(self.scene.operator), STATE}
+        return {path: data for path, data in self.snapshot().items()
+                if path not in self.scene.standing and path not in own
+                and not WHOLE_SESSION.fullmatch(data)
+                and not re.search(r"(0123456789abcdef|fedcba9876543210)$", path)}
+
+    def checkConfigurations(self, problems):
+        """Whether the back-end believes what its file says."""
+        scene = self.scene
+        run = runProgram(self.board, post(
+            scene.operator, b"functionID=105&hidden_status=BACKUP&radio_button=3"))
+        saved = self.board.read(backupFile(scene.operator)) or b""
+        payloads = decodeState(self.board.read(STATE) or b"")
+        if b'id="download_link"' not in run.output:
+            problems.append(f"the backup that followed failed: {run.output[-600:]!r}")
+        elif payloads is None or payloads[3] not in saved:
+            problems.append("the back-end and its file hold different configurations")
+
+
+def isPassing(path, data, kind, response, fault):
+    """Whether a new file may stand until the next requests have come."""
+    folder, name = path.rsplit("/", 1)
+    if folder == SESSIONS and kind.name == "login":
+        # A session that nobody was told of ends by being idle.
+        told = response is not None and response.status < 400
+        return (".aside-" in name and fault.killed) or (
+            WHOLE_SESSION.fullmatch(data) is not None and (told or fault.killed or fault.mute))
+    return fault.killed and (name.startswith("upload_") or ".aside-" in name)
+
+
+def isFree(path, seconds=5):
+    """Whether nobody holds the lock; waits for a holder that is about to end."""
+    if not os.path.exists(path):
+        return True
+    end = time.monotonic() + seconds
+    with open(path, "rb") as file:
+        while True:
+            try:
+                fcntl.flock(file, fcntl.LOCK_EX | fcntl.LOCK_NB)
+                return True
+            except BlockingIOError:
+                if time.monotonic() > end:
+                    return False
+                time.sleep(0.01)

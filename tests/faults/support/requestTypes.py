@@ -1,0 +1,345 @@
+"""Every kind of request that the board's programs answer, with what it may change."""
+
+import re
+
+from support.board import sampleFile
+from support.configurationFile import LARGEST_FILE, decodeConfigurationFile, decodeState
+from support.scene import STATE, TARGETS, backupFile, sessionFile, stagedFile
+
+SCREEN = "maintenance/efi_backup_restore.cgi"
+INSTALLED_PARTITIONS = 5
+BOUNDARY = "----faults"
+
+# Values of a file that a request may leave behind besides the old one.
+ABSENT = None
+EMPTY = b""
+
+NOTICE = re.compile(r'role="alert"[^>]*>(.*?)</div>', re.S)
+
+
+def multipart(fields, fileName=None, data=b""):
+    """The body of a form that is sent in parts."""
+    parts = [f'--{BOUNDARY}\r\nContent-Disposition: form-data; name="{name}"\r\n\r\n{value}\r\n'
+             .encode() for name, value in fields.items()]
+    if fileName is not None:
+        parts.append((f'--{BOUNDARY}\r\nContent-Disposition: form-data; name="filename"; '
+                      f'filename="{fileName}"\r\nContent-Type: application/octet-stream\r\n\r\n')
+                     .encode() + data + b"\r\n")
+    return b"".join(parts) + f"--{BOUNDARY}--\r\n".encode()
+
+
+def noticesOf(response):
+    """What the page tells the operator about how the request went."""
+    return " ".join(NOTICE.findall(response.text))
+
+
+def post(cookie, body, kind="application/x-www-form-urlencoded", program=SCREEN):
+    return {"program": program, "method": "POST", "cookie": cookie, "body": body, "type": kind}
+
+
+def postParts(cookie, body):
+    return post(cookie, body, f"multipart/form-data; boundary={BOUNDARY}")
+
+
+def get(cookie, query="", program=SCREEN):
+    return {"program": program, "method": "GET", "cookie": cookie, "query": query}
+
+
+class RequestType:
+    """A kind of request. `prepare()` returns the request; `files` then holds the operator's own
+    files before it, `allowed` the further contents that each file may have after it."""
+
+    name = ""
+    writes = False  # whether a disk that takes nothing keeps it from being carried out
+
+    def prepare(self, scene):
+        self.files = {}
+        self.allowed = {}
+        request = self.make(scene)
+        scene.stage(self.files)
+        return request
+
+    def make(self, scene):
+        raise NotImplementedError
+
+    def claimsSuccess(self, response, scene):
+        """Whether the page says that what was asked for has happened."""
+        return response.status == 200 and not noticesOf(response)
+
+    def happened(self, scene, response, after):
+        """Whether it has; `after` are the files."""
+        return True
+
+
+class BackupPage(RequestType):
+    name = "backup page"
+
+    def make(self, scene):
+        return get(scene.operator, "functionID=105")
+
+    def happened(self, scene, response, after):
+        return response.text.count('name="radio_button"') == INSTALLED_PARTITIONS
+
+
+class RestorePage(RequestType):
+    name = "restore page"
+
+    def make(self, scene):
+        return get(scene.operator, "functionID=106")
+
+    def happened(self, scene, response, after):
+        return 'type="file"' in response.text and 'name="hidden_status"' in response.text
+
+
+class Backup(RequestType):
+    name = "backup"
+    writes = True
+
+    def make(self, scene):
+        path = backupFile(scene.operator)
+        self.files[path] = sampleFile("an earlier backup", 5000)
+        payload = decodeState(scene.board.read(STATE))[3]
+
+        def isNew(data):
+            file = decodeConfigurationFile(data)
+            return file is not None and file.partition == 3 and file.payload == payload
+
+        # The program empties the file before it asks for the backup. An empty file is no backup
+        # for anybody: the download refuses it.
+        self.allowed[path] = [EMPTY, isNew]
+        return post(scene.operator, b"functionID=105&hidden_status=BACKUP&radio_button=3")
+
+    def claimsSuccess(self, response, scene):
+        return 'id="download_link"' in response.text
+
+    def happened(self, scene, response, after):
+        path = backupFile(scene.operator)
+        return after.get(path) not in (None, EMPTY, self.files[path])
+
+
+class Upload(RequestType):
+    name = "upload"
+    writes = True
+
+    def make(self, scene):
+        path = stagedFile(scene.operator)
+        self.files[path] = sampleFile("an earlier file", 5000)
+        self.data = sampleFile("a new file", 350000)
+        # A file that cannot be read back is taken away again, and the page says so.
+        self.allowed[path] = [self.data, ABSENT]
+        body = multipart({"functionID": 106, "hidden_status": 1}, "conf.dat", self.data)
+        return postParts(scene.operator, body)
+
+    def claimsSuccess(self, response, scene):
+        return 'class="facts"' in response.text
+
+    def happened(self, scene, response, after):
+        return after.get(stagedFile(scene.operator)) == self.data and "Sample" in response.text
+
+
+class UnusableUpload(Upload):
+    """A file that is no configuration file: it is taken away again."""
+
+    name = "unusable upload"
+
+    def make(self, scene):
+        path = stagedFile(scene.operator)
+        self.files[path] = sampleFile("an earlier file", 5000)
+        self.data = b"no configuration file " * 1000
+        self.allowed[path] = [ABSENT, self.data]
+        body = multipart({"functionID": 106, "hidden_status": 1}, "conf.dat", self.data)
+        return postParts(scene.operator, body)
+
+    def happened(self, scene, response, after):
+        return False
+
+
+class RefusedUpload(RequestType):
+    """An upload that must leave the staged file as it was."""
+
+    writes = True
+
+    def make(self, scene):
+        self.files[stagedFile(scene.operator)] = sampleFile("an earlier file", 5000)
+        return self.makeUpload(scene)
+
+    def makeUpload(self, scene):
+        raise NotImplementedError
+
+    def claimsSuccess(self, response, scene):
+        return 'class="facts"' in response.text
+
+    def happened(self, scene, response, after):
+        return False
+
+
+class LargeUpload(RefusedUpload):
+    name = "too large upload"
+
+    def makeUpload(self, scene):
+        data = sampleFile("large", LARGEST_FILE + 1)
+        return postParts(scene.operator, multipart({"functionID": 106, "hidden_status": 1},
+                                                   "conf.dat", data))
+
+
+class BrokenUpload(RefusedUpload):
+    name = "broken upload"
+
+    def makeUpload(self, scene):
+        body = multipart({"functionID": 106, "hidden_status": 1}, "conf.dat",
+                         sampleFile("broken", 200000))
+        return {**postParts(scene.operator, body[:100000]), "announced": len(body)}
+
+
+class Restore(RequestType):
+    name = "restore"
+    writes = True
+
+    def make(self, scene):
+        self.payload = scene.nextPayload()
+        self.files[stagedFile(scene.operator)] = sampleFile(scene.letter)
+        self.newState = scene.expectedState(self.payload)
+        self.allowed[STATE] = [self.newState]
+        fields = {"functionID": 106, "hidden_status": 2}
+        fields.update({f"pid{target}": target for target in TARGETS})
+        return postParts(scene.operator, multipart(fields, "", b""))
+
+    def claimsSuccess(self, response, scene):
+        notice = noticesOf(response)
+        return "was restored." in notice or "Text 70 " in notice
+
+    def happened(self, scene, response, after):
+        return after.get(STATE) == self.newState
+
+
+class Discard(RequestType):
+    name = "discard"
+
+    def make(self, scene):
+        path = stagedFile(scene.operator)
+        self.files[path] = sampleFile("to be discarded")
+        self.allowed[path] = [ABSENT]
+        return post(scene.operator, b"functionID=106&hidden_status=3")
+
+    # The page that follows says nothing about the file.
+    def claimsSuccess(self, response, scene):
+        return False
+
+
+class NoSession(RequestType):
+    name = "no session"
+
+    def make(self, scene):
+        self.files[stagedFile(scene.operator)] = sampleFile("staged")
+        token = "0" * 32
+        forged = scene.operator.split("-")[0] + "-" + token
+        return post(forged, b"functionID=106&hidden_status=2&pid2=2&pid3=3")
+
+    def happened(self, scene, response, after):
+        return False
+
+
+class NoAuthority(RequestType):
+    name = "no authority"
+
+    def make(self, scene):
+        return post(scene.viewer, b"functionID=106&hidden_status=2&pid2=2&pid3=3")
+
+    def claimsSuccess(self, response, scene):
+        return Restore.claimsSuccess(self, response, scene) or not noticesOf(response)
+
+    def happened(self, scene, response, after):
+        return False
+
+
+class Menu(RequestType):
+    name = "menu"
+
+    def make(self, scene):
+        return get(scene.operator, program="index.cgi")
+
+    def claimsSuccess(self, response, scene):
+        return response.status == 200
+
+    def happened(self, scene, response, after):
+        return "<strong>admin</strong>" in response.text
+
+
+class Download(RequestType):
+    name = "download"
+
+    def make(self, scene):
+        self.data = sampleFile("downloaded")
+        self.files[backupFile(scene.operator)] = self.data
+        query = "functionID=5&filename=Partition3_20231114_123B.dat"
+        return get(scene.operator, query, "common/download.cgi")
+
+    def claimsSuccess(self, response, scene):
+        return (response.status == 200 or "content-disposition" in response.headers
+                or response.headers["content-type"] == "application/octet-stream")
+
+    def happened(self, scene, response, after):
+        return response.status == 200 and response.body == self.data
+
+
+class LoginPage(RequestType):
+    name = "login page"
+
+    def make(self, scene):
+        return get(None, program="login.cgi")
+
+    def happened(self, scene, response, after):
+        return 'type="password"' in response.text
+
+
+class Login(RequestType):
+    """A login; the session of an expired login and its files may go at the same time."""
+
+    name = "login"
+    writes = True
+
+    def make(self, scene):
+        identifier = "0123456789abcdef"
+        expired = scene.sessions[sessionFile(scene.operator)]
+        expired = re.sub(rb"created=\d+", b"created=1", expired)
+        for path, data in ((f"var/lib/session/{identifier}", expired),
+                           (f"var/tmp/restored_eficonf{identifier}", b"staged"),
+                           (f"var/tmp/efi_backup{identifier}", b"backup")):
+            self.files[path] = data
+            self.allowed[path] = [ABSENT]
+        return post(None, b"user=admin&password=admin", program="login.cgi")
+
+    def claimsSuccess(self, response, scene):
+        return response.status < 400
+
+    def happened(self, scene, response, after):
+        match = re.match(r"session=(([0-9a-f]{16})-([0-9a-f]{32}));",
+                         response.headers.get("set-cookie", ""))
+        return (match is not None and response.status == 303
+                and b"token=" + match[3].encode() in after.get(f"var/lib/session/{match[2]}", b""))
+
+
+class Logout(RequestType):
+    name = "logout"
+
+    def make(self, scene):
+        # A session of its own, so that the operator's stays for the next request.
+        cookie = "fedcba9876543210-" + scene.operator.split("-")[1]
+        self.session = sessionFile(cookie)
+        self.files[self.session] = scene.sessions[sessionFile(scene.operator)]
+        self.files[stagedFile(cookie)] = sampleFile("staged", 5000)
+        self.files[backupFile(cookie)] = sampleFile("backup", 5000)
+        for path in self.files:
+            self.allowed[path] = [ABSENT]
+        return post(cookie, b"", program="logout.cgi")
+
+    def claimsSuccess(self, response, scene):
+        return response.status < 400
+
+    def happened(self, scene, response, after):
+        return self.session not in after
+
+
+REQUEST_TYPES = {kind.name: kind for kind in (
+    BackupPage, RestorePage, Backup, Upload, UnusableUpload, LargeUpload, BrokenUpload, Restore,
+    Discard, NoSession, NoAuthority, Menu, Download, LoginPage, Login, Logout)}

@@ -1,0 +1,46 @@
+"""What a CGI program printed, taken apart as strictly as a web server could."""
+
+import html
+import re
+
+
+class MalformedResponse(Exception):
+    pass
+
+
+class Response:
+    def __init__(self, status, headers, body):
+        self.status = status
+        self.headers = headers
+        self.body = body
+
+    @property
+    def text(self):
+        return html.unescape(self.body.decode("utf-8", "replace"))
+
+
+def parseResponse(output, withoutBody=False):
+    """The one response that `output` is; raises MalformedResponse when it is anything else."""
+    head, separator, body = output.partition(b"\r\n\r\n")
+    if not separator:
+        raise MalformedResponse("the headers have no end")
+    headers = {}
+    for line in head.split(b"\r\n"):
+        match = re.fullmatch(rb"([A-Za-z-]+): ([^\r\n\0]*)", line)
+        if not match:
+            raise MalformedResponse(f"not a header: {line[:80]!r}")
+        name = match[1].decode().lower()
+        if name in headers:
+            raise MalformedResponse(f"the header {name} is there twice")
+        headers[name] = match[2].decode("utf-8", "replace")
+    status = re.fullmatch(r"([1-5]\d\d) .+", headers.get("status", ""))
+    if not status:
+        raise MalformedResponse(f"the status is {headers.get('status')!r}")
+    length = headers.get("content-length", "")
+    if not length.isdigit() or (int(length) != len(body) and not (withoutBody and not body)):
+        raise MalformedResponse(f"Content-Length is {length!r}, the body has {len(body)} bytes")
+    kind = headers.get("content-type", "")
+    if kind.startswith("text/html") and body and not (
+            body.startswith(b"<!DOCTYPE html>") and body.endswith(b"</html>\n")):
+        raise MalformedResponse("the page is not whole")
+    return Response(int(status[1]), headers, body)
