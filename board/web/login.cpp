@@ -3,6 +3,7 @@
 #include "board/web/webCaptions.h"
 
 #include "platform/host/base/Environment.h"
+#include "platform/host/base/platformException.h"
 #include "platform/host/channel/BackendError.h"
 #include "platform/host/channel/Channel.h"
 #include "platform/host/channel/Login.h"
@@ -52,8 +53,9 @@ void startNewSession(const std::string& user, const Host::LoginAnswer& rights,
     Host::Session former;
     const bool replaces = findRequestSession(former);
     const Host::Session session = Host::startSession(user, rights.everyFunction, rights.functions);
-    if (replaces) {
-        Host::endSession(former.identifier);
+    if (replaces && !Host::endSession(former.identifier)) {
+        Host::endSession(session.identifier);
+        throw Host::makePlatformException(Host::SESSION_NOT_ENDED, "The session cannot be ended");
     }
     Host::endExpiredSessions();
     response.addHeader("Set-Cookie", std::string(Host::SESSION_COOKIE) + "=" +

@@ -1,5 +1,6 @@
 #include "board/web/WebProgram.h"
 #include "board/web/webCaptions.h"
+#include "platform/host/base/platformException.h"
 
 namespace VeskLib::Board {
 
@@ -11,8 +12,9 @@ Host::ErrorPage makeMethodPage() {
 
 void handleLogout(const Gui::FormInfo& /*form*/, Host::Response& response) {
     Host::Session session;
-    if (findRequestSession(session)) {
-        Host::endSession(session.identifier);
+    // Nobody is told to be logged out whose session lives on.
+    if (findRequestSession(session) && !Host::endSession(session.identifier)) {
+        throw Host::makePlatformException(Host::SESSION_NOT_ENDED, "The session cannot be ended");
     }
     response.addHeader("Set-Cookie", std::string(Host::SESSION_COOKIE) +
                                          "=; Path=/; Max-Age=0; HttpOnly; SameSite=Strict");

@@ -150,6 +150,15 @@ TEST_F(Files, fullDiskLeavesTheOldFile) {
     EXPECT_EQ(names(), std::vector<std::string>{"file"});
 }
 
+TEST_F(Files, aFileIsCreatedOnlyWhereThereIsNone) {
+    EXPECT_TRUE(createFile(at("file"), {'o', 'n', 'e'}, 0640));
+    EXPECT_EQ(modeOf(at("file")) & 07777U, 0640U);
+    EXPECT_FALSE(createFile(at("file"), {'t', 'w', 'o'}, 0640));
+    EXPECT_EQ(errno, EEXIST);
+    EXPECT_EQ(readText(at("file")), "one");
+    EXPECT_FALSE(createFile(at("missing/file"), {'x'}, 0600));
+}
+
 TEST_F(Files, removesOnlyWhatAKilledReplacementLeft) {
     for (const char* name :
          {"file", "file.aside-Ab12Yz", "filebcd.aside-Ab12Yz", "other.aside-Ab12Yz",

@@ -1,14 +1,18 @@
 #include "platform/host/web/Session.h"
 
+#include "platform/host/base/platformException.h"
 #include "tests/host/sessionFiles.h"
 #include "tests/support/BoardTest.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/files.h"
 
 #include <VeskLib/LockedFile.h>
+#include <VeskLib/PException.h>
 
 #include <gmock/gmock.h>
 
+#include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <iostream>
@@ -129,6 +133,41 @@ TEST_F(SessionFilesTest, aSessionEndsAlsoWhileTheStagingLockCannotBeHad) {
     ASSERT_EQ(::unlink(lockPath.c_str()), 0);
     endExpiredSessions();
     EXPECT_TRUE(hasNothing(session.identifier));
+}
+
+// A limit of open files is what makes every file unreadable for a while.
+TEST_F(SessionFilesTest, aSessionThatCannotBeReadNowIsLeftAlone) {
+    const Session session = startWithFiles();
+    ChildProcess process([&session] {
+        const rlimit none = {.rlim_cur = 0, .rlim_max = 0};
+        if (::setrlimit(RLIMIT_NOFILE, &none) != 0) {
+            return 2;
+        }
+        endExpiredSessions();
+        try {
+            Session found;
+            Host::findSession(session.cookieValue(), found);
+        } catch (const PException& exception) {
+            return exception.getExceptionDetail() == Host::SESSION_NOT_READABLE ? 0 : 1;
+        }
+        return 1;
+    });
+    EXPECT_EQ(process.wait().exitStatus, 0);
+    EXPECT_TRUE(hasEverything(session));
+    EXPECT_TRUE(isLetIn(session.cookieValue()));
+}
+
+TEST_F(SessionFilesTest, theEndOfASessionThatStaysIsToldAsFailed) {
+    const Session session = startWithFiles();
+    const std::string path = sessionFile(session.identifier);
+    ASSERT_EQ(::unlink(path.c_str()), 0);
+    EXPECT_TRUE(endSession(session.identifier));
+    // Only an empty folder could be removed.
+    ASSERT_EQ(::mkdir(path.c_str(), 0700), 0);
+    writeText(path + "/file", "");
+    EXPECT_FALSE(endSession(session.identifier));
+    ASSERT_EQ(::unlink((path + "/file").c_str()), 0);
+    EXPECT_TRUE(endSession(session.identifier));
 }
 
 TEST_F(SessionFilesTest, allExpiredSessionsEndTogether) {

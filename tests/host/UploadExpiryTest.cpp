@@ -1,5 +1,6 @@
 #include "platform/host/web/Session.h"
 #include "platform/host/web/UploadFile.h"
+#include "platform/host/web/abandonedUploads.h"
 #include "tests/host/sessionFiles.h"
 #include "tests/support/BoardTest.h"
 #include "tests/support/ChildProcess.h"
@@ -15,32 +16,24 @@
 namespace VeskLib::Test {
 
 using Host::endExpiredSessions;
+using Host::removeAbandonedUploads;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::SizeIs;
 
 namespace {
 
 const std::time_t HOUR = 60 * 60;
-
-// Far more than a test takes between setting a time and asking.
-const std::time_t MARGIN = 30;
 
 class UploadExpiryTest : public BoardTest {
 protected:
     static std::string at(const std::string& name) { return boardFile("/var/tmp/" + name); }
 
     static std::vector<std::string> names() { return namesIn(boardFile("/var/tmp")); }
-
-    static void writeOld(const std::string& name, std::time_t age) {
-        writeText(at(name), "text");
-        setAge(at(name), age);
-    }
 };
 
 }  // namespace
 
-TEST_F(UploadExpiryTest, whatAKilledProcessLeftIsRemovedAfterAnHour) {
+TEST_F(UploadExpiryTest, whatAKilledProcessLeftIsRemovedAndALivingUploadStays) {
     ChildProcess process([] {
         Host::UploadFile file;
         file.write("content");
@@ -51,35 +44,37 @@ TEST_F(UploadExpiryTest, whatAKilledProcessLeftIsRemovedAfterAnHour) {
         return 0;
     });
     const std::string path = process.readLine();
+    setAge(path, 10 * HOUR);
+    endExpiredSessions();
+    EXPECT_TRUE(exists(path));
     process.kill();
     process.wait();
-    ASSERT_THAT(names(), SizeIs(1));
-    endExpiredSessions();
-    EXPECT_TRUE(exists(path));
-    setAge(path, HOUR - MARGIN);
-    endExpiredSessions();
-    EXPECT_TRUE(exists(path));
-    setAge(path, HOUR + 1);
     endExpiredSessions();
     EXPECT_THAT(names(), IsEmpty());
 }
 
-TEST_F(UploadExpiryTest, everyOldUploadIsRemovedAndNothingElse) {
+TEST_F(UploadExpiryTest, theNextUploadRemovesWhatAKilledOneLeft) {
+    writeText(at("upload_0123456789abcdef"), "text");
+    Host::UploadFile file;
+    file.write("content");
+    const std::string path = file.path();
+    EXPECT_THAT(names(), ElementsAre(path.substr(path.rfind('/') + 1)));
+    removeAbandonedUploads();
+    EXPECT_TRUE(exists(path));
+}
+
+TEST_F(UploadExpiryTest, everyAbandonedUploadIsRemovedAndNothingElse) {
     for (const char* name : {"upload_0123456789abcdef", "upload_x", "upload_", "upload",
                              "my_upload_0123456789abcdef", "Upload_x", "other"}) {
-        writeOld(name, 10 * HOUR);
+        writeText(at(name), "text");
     }
-    writeOld("upload_young", 0);
-    writeOld("upload_from_the_future", -HOUR);
     endExpiredSessions();
-    EXPECT_THAT(names(), ElementsAre("Upload_x", "my_upload_0123456789abcdef", "other", "upload",
-                                     "upload_from_the_future", "upload_young"));
+    EXPECT_THAT(names(), ElementsAre("Upload_x", "my_upload_0123456789abcdef", "other", "upload"));
 }
 
 TEST_F(UploadExpiryTest, uploadsElsewhereStay) {
     const std::string elsewhere = boardFile("/var/run/upload_x");
     writeText(elsewhere, "text");
-    setAge(elsewhere, 2 * HOUR);
     endExpiredSessions();
     EXPECT_TRUE(exists(elsewhere));
 }
@@ -87,18 +82,14 @@ TEST_F(UploadExpiryTest, uploadsElsewhereStay) {
 TEST_F(UploadExpiryTest, aLinkIsRemovedAndNotFollowed) {
     const std::string elsewhere = boardFile("/var/run/precious");
     writeText(elsewhere, "precious");
-    setAge(elsewhere, 2 * HOUR);
-    ASSERT_EQ(::symlink(elsewhere.c_str(), at("upload_new").c_str()), 0);
-    ASSERT_EQ(::symlink(elsewhere.c_str(), at("upload_old").c_str()), 0);
-    setAge(at("upload_old"), 2 * HOUR);
+    ASSERT_EQ(::symlink(elsewhere.c_str(), at("upload_link").c_str()), 0);
     endExpiredSessions();
-    EXPECT_THAT(names(), ElementsAre("upload_new"));
+    EXPECT_THAT(names(), IsEmpty());
     EXPECT_EQ(readText(elsewhere), "precious");
 }
 
 TEST_F(UploadExpiryTest, aFolderStays) {
     ASSERT_EQ(::mkdir(at("upload_folder").c_str(), 0700), 0);
-    setAge(at("upload_folder"), 2 * HOUR);
     endExpiredSessions();
     EXPECT_THAT(names(), ElementsAre("upload_folder"));
 }

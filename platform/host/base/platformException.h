@@ -17,6 +17,8 @@ enum PlatformError : unsigned short {
     REQUEST_TOO_LARGE = 1108,         // more or longer fields than the limits allow
     UPLOAD_NOT_STORED = 1109,         // the disk did not take an uploaded file
     NO_RANDOM_NUMBERS = 1110,         // the kernel gives none
+    SESSION_NOT_READABLE = 1111,      // there is a session, but it cannot be read
+    SESSION_NOT_ENDED = 1112,         // the session cannot be removed
 };
 
 // `text` says what failed and must be constant text.

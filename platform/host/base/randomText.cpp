@@ -4,13 +4,19 @@
 
 #include <sys/random.h>
 
+#include <algorithm>
+#include <cerrno>
+
 namespace VeskLib::Host {
 
 std::string makeRandomText(std::size_t byteCount) {
     static const char DIGITS[] = "0123456789abcdef";
     unsigned char bytes[32];
-    if (byteCount > sizeof bytes ||
-        getrandom(bytes, byteCount, 0) != static_cast<ssize_t>(byteCount)) {
+    ssize_t count = -1;
+    do {
+        count = getrandom(bytes, std::min(byteCount, sizeof bytes), 0);
+    } while (count < 0 && errno == EINTR);
+    if (count != static_cast<ssize_t>(byteCount)) {
         throw makePlatformException(NO_RANDOM_NUMBERS, "The kernel gives no random numbers");
     }
     std::string text;

@@ -19,6 +19,11 @@ bool mustWait() {
     return errno == EAGAIN || errno == EWOULDBLOCK;
 }
 
+// A descriptor that is always ready and never takes or gives a byte must not outlast a deadline.
+bool hasPassed(const Deadline& deadline) {
+    return deadline.remainingMilliseconds() == 0;
+}
+
 // Fills `size` bytes; CLOSED when the connection ended before the first.
 StreamResult receiveBytes(int descriptor, unsigned char* bytes, std::size_t size,
                           const Deadline& deadline) {
@@ -30,7 +35,7 @@ StreamResult receiveBytes(int descriptor, unsigned char* bytes, std::size_t size
         } else if (count == 0) {
             return received == 0 ? StreamResult::CLOSED : StreamResult::BROKEN;
         } else if (mustWait()) {
-            if (!waitUntilReady(descriptor, POLLIN, deadline)) {
+            if (hasPassed(deadline) || !waitUntilReady(descriptor, POLLIN, deadline)) {
                 return StreamResult::TIMEOUT;
             }
         } else if (errno != EINTR) {
@@ -60,7 +65,7 @@ bool waitUntilReady(int descriptor, short events, const Deadline& deadline) {
         if (ready > 0) {
             return true;
         }
-        if (ready == 0 || errno != EINTR) {
+        if (ready == 0 || errno != EINTR || hasPassed(deadline)) {
             return false;
         }
     }
@@ -83,7 +88,7 @@ StreamResult sendBytes(int descriptor, const std::vector<unsigned char>& bytes,
         if (count >= 0) {
             sent += static_cast<std::size_t>(count);
         } else if (mustWait()) {
-            if (!waitUntilReady(descriptor, POLLOUT, deadline)) {
+            if (hasPassed(deadline) || !waitUntilReady(descriptor, POLLOUT, deadline)) {
                 return StreamResult::TIMEOUT;
             }
         } else if (errno != EINTR) {

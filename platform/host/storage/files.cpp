@@ -52,17 +52,33 @@ void closeKeepingErrno(int descriptor) {
     errno = reason;
 }
 
+// Gives an empty file these bytes and this mode, and syncs it.
+bool fill(int descriptor, const std::vector<unsigned char>& bytes, int mode) {
+    return writeWhole(descriptor, bytes) && ::fchmod(descriptor, static_cast<mode_t>(mode)) == 0 &&
+           ::fsync(descriptor) == 0;
+}
+
 // Makes `aside` a synced file with these bytes.
 bool writeAside(std::string& aside, const std::vector<unsigned char>& bytes, int mode) {
     const int descriptor = ::mkostemp(aside.data(), O_CLOEXEC);
     if (descriptor < 0) {
         return false;
     }
-    const bool written = writeWhole(descriptor, bytes) &&
-                         ::fchmod(descriptor, static_cast<mode_t>(mode)) == 0 &&
-                         ::fsync(descriptor) == 0;
+    const bool written = fill(descriptor, bytes, mode);
     closeKeepingErrno(descriptor);
     return written;
+}
+
+void unlinkKeepingErrno(const std::string& path) {
+    const int reason = errno;
+    ::unlink(path.c_str());
+    errno = reason;
+}
+
+// Gives an open file without a name this one.
+bool nameFile(int descriptor, const std::string& path) {
+    const std::string unnamed = "/proc/self/fd/" + std::to_string(descriptor);
+    return ::linkat(AT_FDCWD, unnamed.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) == 0;
 }
 
 bool syncFolder(int folder) {
@@ -137,24 +153,47 @@ bool replaceFile(const std::string& path, const std::vector<unsigned char>& byte
     if (done) {
         done = syncFolder(folder);
     } else {
-        const int reason = errno;
-        ::unlink(aside.c_str());
-        errno = reason;
+        unlinkKeepingErrno(aside);
     }
     closeKeepingErrno(folder);
     return done;
 }
 
+bool createFile(const std::string& path, const std::vector<unsigned char>& bytes, int mode) {
+    const int folder = ::open(folderOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (folder < 0) {
+        return false;
+    }
+    const int file = ::openat(folder, ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
+    bool done = file >= 0 && fill(file, bytes, mode) && nameFile(file, path);
+    if (done && !syncFolder(folder)) {
+        unlinkKeepingErrno(path);
+        done = false;
+    }
+    if (file >= 0) {
+        closeKeepingErrno(file);
+    }
+    closeKeepingErrno(folder);
+    return done;
+}
+
+std::vector<std::string> listNames(const std::string& folder) {
+    std::vector<std::string> names;
+    const std::unique_ptr<DIR, int (*)(DIR*)> opened(::opendir(folder.c_str()), ::closedir);
+    if (opened != nullptr) {
+        while (const dirent* entry = ::readdir(opened.get())) {
+            names.emplace_back(static_cast<const char*>(entry->d_name));
+        }
+    }
+    return names;
+}
+
 void removeFilesAside(const std::string& pathStart) {
     const std::string folder = folderOf(pathStart);
     const std::string start = nameOf(pathStart);
-    const std::unique_ptr<DIR, int (*)(DIR*)> listing(::opendir(folder.c_str()), ::closedir);
-    if (listing == nullptr) {
-        return;
-    }
-    while (const dirent* entry = ::readdir(listing.get())) {
-        if (isAsideName(static_cast<const char*>(entry->d_name), start)) {
-            ::unlinkat(::dirfd(listing.get()), static_cast<const char*>(entry->d_name), 0);
+    for (const std::string& name : listNames(folder)) {
+        if (isAsideName(name, start)) {
+            ::unlink((folder + "/" + name).c_str());
         }
     }
 }

@@ -4,21 +4,20 @@
 #include "platform/host/base/platformException.h"
 #include "platform/host/base/randomText.h"
 #include "platform/host/storage/files.h"
+#include "platform/host/web/abandonedUploads.h"
 
 #include <VeskLib/LockedFile.h>
 #include <VeskLib/getCGIPath.h>
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <cstdio>
-#include <functional>
 #include <map>
-#include <memory>
 #include <string_view>
 #include <vector>
 
@@ -30,8 +29,6 @@ const std::size_t LARGEST_SESSION_FILE = 16 * 1024;
 const int SESSION_FILE_MODE = 0600;
 // The last use is kept to this precision, so that not every request writes.
 const std::time_t USE_PRECISION_SECONDS = 60;
-// An upload has a name for a moment only, before it is moved or removed.
-const std::time_t UPLOAD_LIFE_SECONDS = 60 * 60;
 const std::size_t IDENTIFIER_BYTES = 8;
 const std::size_t TOKEN_BYTES = 16;
 
@@ -94,14 +91,27 @@ bool isExpired(const Session& session, std::time_t lastUse, std::time_t now) {
     return now - lastUse > SESSION_IDLE_SECONDS || now - session.created > SESSION_LIFE_SECONDS;
 }
 
-// Reads a session that has not expired, with the time of its last use.
-bool readLivingSession(const std::string& identifier, Session& session, std::time_t& lastUse) {
+enum class SessionState {
+    LIVING,
+    GONE,        // absent, expired, or no session at all
+    UNREADABLE,  // whether it lives cannot be told now; it must be left alone
+};
+
+// What `errno` says of a session's file that cannot be read: only these reasons last.
+SessionState stateAfterFailure() {
+    const bool lasting = errno == ENOENT || errno == ELOOP || errno == EINVAL || errno == EFBIG;
+    return lasting ? SessionState::GONE : SessionState::UNREADABLE;
+}
+
+// Reads a session; when it lives, with the time of its last use.
+SessionState readState(const std::string& identifier, Session& session, std::time_t& lastUse) {
     struct stat status = {};
     if (lstat(sessionPath(identifier).c_str(), &status) != 0 || !readSession(identifier, session)) {
-        return false;
+        return stateAfterFailure();
     }
     lastUse = status.st_mtime;
-    return !isExpired(session, lastUse, std::time(nullptr));
+    return isExpired(session, lastUse, std::time(nullptr)) ? SessionState::GONE
+                                                           : SessionState::LIVING;
 }
 
 void removeStagedFile(const std::string& identifier) {
@@ -118,17 +128,6 @@ void removeStagedFile(const std::string& identifier) {
     }
 }
 
-void forEachName(const std::string& folder, const std::function<void(const std::string&)>& visit) {
-    const std::unique_ptr<DIR, int (*)(DIR*)> opened(opendir(folder.c_str()), closedir);
-    if (!opened) {
-        return;
-    }
-    for (const dirent* entry = readdir(opened.get()); entry != nullptr;
-         entry = readdir(opened.get())) {
-        visit(entry->d_name);
-    }
-}
-
 // The identifier that ends the name of a session's file under /var/tmp; empty for other files.
 std::string identifierOfFile(const std::string& name) {
     for (const std::string_view path : {BACKUP_FILE, STAGING_FILE}) {
@@ -140,15 +139,12 @@ std::string identifierOfFile(const std::string& name) {
     return {};
 }
 
-// Removes an upload whose process died between giving it its name and moving it.
-void removeIfOldUpload(const std::string& name) {
-    const std::string_view upload = UPLOAD_FILE;
-    const std::string path = getCGIPath("/var/tmp/") + name;
-    struct stat status = {};
-    if (name.starts_with(upload.substr(upload.rfind('/') + 1)) &&
-        lstat(path.c_str(), &status) == 0 &&
-        std::time(nullptr) - status.st_mtime > UPLOAD_LIFE_SECONDS) {
-        unlink(path.c_str());
+void endIfGone(const std::string& identifier) {
+    Session session;
+    std::time_t lastUse = 0;
+    if (isSessionIdentifier(identifier) &&
+        readState(identifier, session, lastUse) == SessionState::GONE) {
+        endSession(identifier);
     }
 }
 
@@ -167,7 +163,7 @@ Session startSession(const std::string& user, bool everyFunction, const std::str
                        .created = std::time(nullptr)};
     const bool oneLineEach = (user + functions).find('\n') == std::string::npos;
     if (!oneLineEach ||
-        !replaceFile(sessionPath(session.identifier), toLines(session), SESSION_FILE_MODE)) {
+        !createFile(sessionPath(session.identifier), toLines(session), SESSION_FILE_MODE)) {
         throw makePlatformException(SESSION_NOT_STORED, "The session cannot be stored");
     }
     return session;
@@ -180,10 +176,15 @@ bool findSession(const std::string& cookieValue, Session& session) {
     if (identifier.empty()) {
         return false;
     }
-    if (!readLivingSession(identifier, found, lastUse)) {
-        // An identifier without a living session holds nothing worth keeping.
-        endSession(identifier);
-        return false;
+    switch (readState(identifier, found, lastUse)) {
+        case SessionState::LIVING:
+            break;
+        case SessionState::GONE:
+            // An identifier without a living session holds nothing worth keeping.
+            endSession(identifier);
+            return false;
+        case SessionState::UNREADABLE:
+            throw makePlatformException(SESSION_NOT_READABLE, "The session cannot be read");
     }
     if (!sameToken(found.cookieValue(), cookieValue)) {
         return false;
@@ -195,28 +196,24 @@ bool findSession(const std::string& cookieValue, Session& session) {
     return true;
 }
 
-void endSession(const std::string& identifier) {
+bool endSession(const std::string& identifier) {
     if (!isSessionIdentifier(identifier)) {
-        return;
+        return true;
     }
-    static_cast<void>(std::remove(sessionPath(identifier).c_str()));
+    const bool gone = std::remove(sessionPath(identifier).c_str()) == 0 || errno == ENOENT;
     static_cast<void>(std::remove((getCGIPath(BACKUP_FILE) + identifier).c_str()));
     removeStagedFile(identifier);
+    return gone;
 }
 
 void endExpiredSessions() {
-    const auto endIfDead = [](const std::string& identifier) {
-        Session session;
-        std::time_t lastUse = 0;
-        if (isSessionIdentifier(identifier) && !readLivingSession(identifier, session, lastUse)) {
-            endSession(identifier);
-        }
-    };
-    forEachName(getCGIPath(SESSION_FOLDER), endIfDead);
-    forEachName(getCGIPath("/var/tmp"), [&](const std::string& name) {
-        endIfDead(identifierOfFile(name));
-        removeIfOldUpload(name);
-    });
+    for (const std::string& name : listNames(getCGIPath(SESSION_FOLDER))) {
+        endIfGone(name);
+    }
+    for (const std::string& name : listNames(getCGIPath("/var/tmp"))) {
+        endIfGone(identifierOfFile(name));
+    }
+    removeAbandonedUploads();
 }
 
 }  // namespace VeskLib::Host

@@ -33,11 +33,14 @@ struct Session {
 Session startSession(const std::string& user, bool everyFunction, const std::string& functions);
 
 // Finds the session of a cookie value and marks it as used. False, with `session` unchanged, when
-// the value is malformed, forged or expired; an expired session is ended.
+// the value is malformed, forged or expired; an expired session is ended. Throws PException when
+// the session cannot be read now, which says nothing about whether it lives.
 bool findSession(const std::string& cookieValue, Session& session);
 
-// Ends the session: removes it and its files under /var/tmp. Every other session's stay.
-void endSession(const std::string& identifier);
+// Ends the session: removes it and its files under /var/tmp. Every other session's stay. False when
+// the session could not be removed and lives on; a file that stays goes with the next
+// endExpiredSessions().
+bool endSession(const std::string& identifier);
 
 // Ends all sessions that have expired, and removes uploads whose request has died.
 void endExpiredSessions();

@@ -4,10 +4,12 @@
 #include "platform/host/base/platformException.h"
 #include "platform/host/base/randomText.h"
 #include "platform/host/web/FormLimits.h"
+#include "platform/host/web/abandonedUploads.h"
 
 #include <VeskLib/getCGIPath.h>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -70,6 +72,11 @@ std::string UploadFile::path() {
         return {};
     }
     if (name.empty()) {
+        removeAbandonedUploads();
+        // The lock tells from now on that this upload is not abandoned; nobody else can have it.
+        if (flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
+            throw makePlatformException(UPLOAD_NOT_STORED, "The uploaded file cannot be locked");
+        }
         const std::string chosen = getCGIPath(UPLOAD_FILE) + makeRandomText(NAME_BYTES);
         const std::string unnamed = "/proc/self/fd/" + std::to_string(descriptor);
         if (linkat(AT_FDCWD, unnamed.c_str(), AT_FDCWD, chosen.c_str(), AT_SYMLINK_FOLLOW) != 0) {

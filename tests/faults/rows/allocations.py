@@ -1,1 +1,145 @@
-HELP=""
+"""Every allocation of memory failing, once and from then on: the programs and the back-end."""
+
+import os
+import tempfile
+
+from support.caseRuns import Outcome, Result, runCases
+from support.judge import Fault, Judge
+from support.program import runProgram
+from support.requestTypes import REQUEST_TYPES
+from support.scene import Scene
+
+HELP = "each allocation of memory failing, once and from then on"
+SHORT_PROGRAM_RUNS = 120
+SHORT_BACKEND_RUNS = 40
+
+# For the programs that the back-end's requests come from.
+BACKEND_REQUESTS = ("backup page", "backup", "upload", "restore", "login")
+
+LIBRARY = "tests/faults/libfailing_allocations.so"
+
+
+def failure(library, number, lasting):
+    """The environment in which the allocation of this number fails."""
+    variables = {"LD_PRELOAD": library, "FAIL_ALLOCATION": str(number)}
+    if lasting:
+        variables["FAIL_FROM_THEN_ON"] = "1"
+    return variables
+
+
+class Worker:
+    def __init__(self, installation):
+        self.scene = Scene(installation)
+        self.judge = Judge(self.scene)
+        self.library = os.path.join(installation.build, LIBRARY)
+
+    def run(self, case):
+        return self.runBackend(case) if case["backend"] else self.runRequest(case)
+
+    def runRequest(self, case):
+        kind, request, before = self.begin(case)
+        run = runProgram(self.scene.board, request,
+                         more=failure(self.library, case["number"], case["lasting"]))
+        # The libraries' own start allocates, too, and a program that could not begin ends.
+        problems = self.judge.judge(kind, before, run, Fault(unbegun=case["unbegun"]))
+        problems += self.judge.settle()
+        return self.outcome(problems, run)
+
+    def runBackend(self, case):
+        kind, request, before = self.begin(case)
+        board = self.scene.board
+        board.stop()
+        problems = []
+        ready = board.start(more=failure(self.library, case["number"], case["lasting"]),
+                            mustStart=False)
+        run = runProgram(board, request)
+        if ready:
+            if not board.waitUntilQuiet():
+                problems.append("the back-end still works for the request")
+            if board.backendProcess() is None:
+                problems.append("the back-end died: " + board.errors())
+        elif board.endedBySignal is not None:
+            problems.append(f"the back-end died of signal {board.endedBySignal}")
+        board.kill()
+        board.start()
+        problems += self.judge.judge(kind, before, run, Fault())
+        problems += self.judge.settle()
+        return self.outcome(problems, run)
+
+    def begin(self, case):
+        kind = REQUEST_TYPES[case["request"]]()
+        request = kind.prepare(self.scene)
+        return kind, request, self.judge.snapshot()
+
+    @staticmethod
+    def outcome(problems, run):
+        return Outcome(problems, True, {"output": run.output, "errors": run.errors,
+                                        "exitStatus": run.exitStatus, "signal": run.signal}
+                       if problems else {})
+
+    def close(self):
+        self.scene.remove()
+
+
+def countAllocations(context):
+    """How many allocations each program makes, and the back-end from its start to the answer."""
+    library = os.path.join(context.installation.build, LIBRARY)
+    path = tempfile.mktemp(prefix="faults-count-")
+    count = {"LD_PRELOAD": library, "ALLOCATION_COUNT": path}
+    scene = Scene(context.installation)
+    judge = Judge(scene)
+    programs, backend = {}, {}
+
+    def counted():
+        with open(path, encoding="ascii") as file:
+            number = int(file.read())
+        os.remove(path)
+        return number
+
+    try:
+        for name, make in REQUEST_TYPES.items():
+            runProgram(scene.board, make().prepare(scene), more=count)
+            programs[name] = counted()
+            judge.settle()
+        for name in BACKEND_REQUESTS:
+            request = REQUEST_TYPES[name]().prepare(scene)
+            scene.board.stop()
+            scene.board.start(more=count)
+            runProgram(scene.board, request)
+            scene.board.waitUntilQuiet()
+            scene.board.stop()
+            backend[name] = counted()
+            scene.board.start()
+            judge.settle()
+    finally:
+        scene.remove()
+    return programs, backend
+
+
+# The C++ library takes one piece of memory before main() begins.
+STARTING = 1
+
+
+def makeCases(counts, backend):
+    return [{"request": request, "number": number, "lasting": lasting, "backend": backend,
+             "unbegun": number <= STARTING}
+            for request, count in counts.items() for number in range(1, count + 1)
+            for lasting in (False, True)]
+
+
+def makeWorker(installation, case):
+    return Worker(installation)
+
+
+def run(context):
+    library = os.path.join(context.installation.build, LIBRARY)
+    if not os.path.exists(library):
+        return Result(violations=[{"file": library, "case": None,
+                                   "problems": ["the library is not built"]}])
+    programs, backend = countAllocations(context)
+    if min(programs.values()) <= STARTING or min(backend.values()) <= STARTING:
+        return Result(violations=[{"file": library, "case": None, "problems": [
+            "the library has no hold of the programs; are they linked statically?"]}])
+    cases = (context.sample(makeCases(programs, False), SHORT_PROGRAM_RUNS)
+             + context.sample(makeCases(backend, True), SHORT_BACKEND_RUNS))
+    return runCases(context, "allocations", cases, lambda: Worker(context.installation))

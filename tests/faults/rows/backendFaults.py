@@ -13,8 +13,6 @@ from support.scene import Scene
 # The requests that need the back-end.
 REQUESTS = ("backup page", "backup", "upload", "restore", "login")
 
-STARTED_AND_FAILED = 1
-
 
 class BackendFaultWorker:
     """Starts the back-end with one of its calls going wrong, makes a request, and goes on with a
@@ -38,13 +36,14 @@ class BackendFaultWorker:
         ready = self.board.start(prefix=tracing.injecting(case["inject"], self.log),
                                  mustStart=False)
         run = runProgram(self.board, request)
-        fault = Fault(killed=False, mute=False)
+        fault = Fault()
         if ready and not self.board.waitUntilQuiet():
             problems.append("the back-end still works for the request")
-        met = tracing.wasInjected(self.log) or case.get("killed", False)
+        met = tracing.wasInjected(self.log)
         if ready and not case.get("killed") and self.board.backendProcess() is None:
             problems.append("the back-end died")
-        if not ready and not case.get("killed") and case["inMain"] and not self.board.errors():
+        silenced = case.get("killed") or case["inject"].startswith("write:")
+        if not ready and not silenced and case["inMain"] and not self.board.errors():
             problems.append("the back-end did not start and does not say why")
         errors = self.board.errors()
         self.board.kill()
@@ -100,7 +99,7 @@ def backendFailureCases(found):
     return [{"request": request, "inject": tracing.failing(call.name, call.occurrence, error, lasting),
              "inMain": call.inMain, "call": call.line[:160]}
             for request, calls in found.items() for call in calls
-            for error in tracing.errorsOf(call.name) for lasting in (False, True)]
+            for error in tracing.errorsOf(call) for lasting in (False, True)]
 
 
 def backendKillCases(found):

@@ -32,8 +32,8 @@ class CallFaultWorker:
         before = self.judge.snapshot()
         run = runProgram(self.scene.board, request,
                          prefix=tracing.injecting(case["inject"], self.log))
-        met = tracing.wasInjected(self.log) or run.signal is not None
-        fault = Fault(killed=case.get("killed", False), mute=case.get("mute", False))
+        met = tracing.wasInjected(self.log)
+        fault = Fault(**{name: case.get(name, False) for name in ("killed", "mute", "unbegun")})
         problems = self.judge.judge(kind, before, run, fault) if met else []
         problems += self.judge.settle()
         return Outcome(problems, met, {
@@ -68,15 +68,17 @@ def failureCases(calls):
     """A case for each call, each error that fits it, once and lasting."""
     cases = []
     for request, made in calls.items():
-        for call in made:
-            for error in tracing.errorsOf(call.name):
-                for lasting in (False, True):
+        for index, call in enumerate(made):
+            later = [other for other in made[index:] if other.name == call.name]
+            for lasting in (False, True):
+                for error in tracing.errorsOf(call, later if lasting else ()):
                     if lasting and (call.name, error) in SLOW_ERRORS and call.occurrence > 2:
                         continue
                     cases.append({
                         "request": request,
                         "inject": tracing.failing(call.name, call.occurrence, error, lasting),
-                        "mute": not call.inMain or call.name == "write",
+                        "mute": call.name == "write",
+                        "unbegun": not call.inMain,
                         "call": call.line[:160]})
     return cases
 

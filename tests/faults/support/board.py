@@ -48,7 +48,7 @@ class Board:
         for folder_ in KEPT_FOLDERS:
             os.makedirs(self.path(folder_), mode=0o700)
         self.backend = None
-        self.backendErrors = b""
+        self.endedBySignal = None
 
     def path(self, *parts):
         return os.path.join(self.root, *parts)
@@ -94,15 +94,21 @@ class Board:
         return status
 
     def kill(self):
+        if self.backend is None:
+            return
+        pid = self.backendProcess()
         backend, self.backend = self.backend, None
-        if backend is not None:
-            try:
-                os.killpg(backend.pid, signal.SIGKILL)
-            except ProcessLookupError:
-                pass
-            backend.wait()
-            backend.stdout.close()
-            self.errorFile.close()
+        try:
+            os.killpg(backend.pid, signal.SIGKILL)
+        except ProcessLookupError:
+            pass
+        status = backend.wait()
+        self.endedBySignal = -status if status < 0 and status != -signal.SIGKILL else None
+        # Behind a command that started it, it may end a moment later.
+        while pid and isAlive(pid):
+            time.sleep(0.001)
+        backend.stdout.close()
+        self.errorFile.close()
 
     def backendProcess(self):
         """The back-end's own process number, also behind a command that started it."""
@@ -178,6 +184,14 @@ class Board:
 
 def identifierOf(cookie):
     return cookie.split("-")[0]
+
+
+def isAlive(pid):
+    try:
+        with open(f"/proc/{pid}/stat", encoding="ascii", errors="replace") as status:
+            return status.read().rpartition(")")[2].split()[0] != "Z"
+    except FileNotFoundError:
+        return False
 
 
 def samplePayload(letter, size=120000):

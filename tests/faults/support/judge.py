@@ -31,6 +31,7 @@ WHOLE_SESSION = re.compile(rb"token=[0-9a-f]{32}\n(\w+=.*\n)*created=\d+\n")
 
 # What the pages say when they are sure that nothing was changed.
 UNCHANGED = re.compile(r"Nothing was (changed|restored|uploaded|done)|No partition was changed")
+ALL_UNCHANGED = re.compile(r"Nothing was (changed|uploaded|done)")
 # The back-end's answer was lost on its way, and the page says that it does not know.
 UNSURE = re.compile(r"71-200[234]\b|it is not certain how far")
 
@@ -38,13 +39,14 @@ UNSURE = re.compile(r"71-200[234]\b|it is not certain how far")
 class Fault:
     """What was done to a run, as far as it changes the answers.
 
-    `killed`: the program was; it may have printed nothing. `mute`: it could not print, or had not
-    begun to run. `told`: what it was asked for could not be done, so that the page has to say it.
+    `killed`: the program was; it may have printed nothing. `mute`: it could not print. `unbegun`:
+    the fault met the dynamic loader, before the program's own code. `told`: what it was asked for could not be done, so that the page has to say it.
     """
 
-    def __init__(self, killed=False, mute=False, told=False):
+    def __init__(self, killed=False, mute=False, unbegun=False, told=False):
         self.killed = killed
-        self.mute = mute
+        self.mute = mute or unbegun
+        self.unbegun = unbegun
         self.told = told
 
 
@@ -74,13 +76,13 @@ class Judge:
     def checkEnd(run, fault, problems):
         if run.timedOut or run.seconds > DEADLINE_SECONDS:
             problems.append(f"it did not end within {DEADLINE_SECONDS} s")
-        elif run.signal is not None and not fault.killed:
+        elif run.signal is not None and not fault.killed and not (fault.unbegun and not run.output):
             problems.append(f"it died of signal {run.signal}: {run.errors[-300:]!r}")
 
     @staticmethod
     def checkResponse(run, fault, problems):
         if not run.output:
-            silent = fault.killed or (fault.mute and run.exitStatus != 0)
+            silent = fault.killed or fault.unbegun or (fault.mute and run.exitStatus != 0)
             if not silent and not run.timedOut:
                 problems.append(f"no response (exit status {run.exitStatus}, {run.errors[-300:]!r})")
             return None
@@ -109,10 +111,12 @@ class Judge:
                 problems.append("the page tells a success that did not happen")
             return
         notice = noticesOf(response)
-        if fault.told and not notice:
+        if fault.told and not notice and response.status < 400:
             problems.append("the page does not tell that it failed")
         if UNCHANGED.search(notice) and not UNSURE.search(notice):
             for path, values in kind.allowed.items():
+                if path != STATE and not ALL_UNCHANGED.search(notice):
+                    continue
                 news = [value for value in values if value not in (None, b"")]
                 if before.get(path) != after.get(path) and any(
                         value(after[path]) if callable(value) else value == after[path]

@@ -206,7 +206,7 @@ class Restore(RequestType):
 
     def claimsSuccess(self, response, scene):
         notice = noticesOf(response)
-        return "was restored." in notice or "Text 70 " in notice
+        return "configuration was restored." in notice or "Text 70 " in notice
 
     def happened(self, scene, response, after):
         return after.get(STATE) == self.newState
@@ -246,7 +246,7 @@ class NoAuthority(RequestType):
         return post(scene.viewer, b"functionID=106&hidden_status=2&pid2=2&pid3=3")
 
     def claimsSuccess(self, response, scene):
-        return Restore.claimsSuccess(self, response, scene) or not noticesOf(response)
+        return Restore.claimsSuccess(self, response, scene) or super().claimsSuccess(response, scene)
 
     def happened(self, scene, response, after):
         return False

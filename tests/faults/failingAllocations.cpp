@@ -1,0 +1,96 @@
+// A library that is loaded before a program's others and lets its allocations fail.
+//
+// FAIL_ALLOCATION=N     the N-th allocation fails (from 1)
+// FAIL_FROM_THEN_ON=1   every further one fails as well
+// ALLOCATION_COUNT=FILE the number of allocations is written into this file at the end
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+
+extern "C" {
+
+// The C library's own, under the names that it keeps for libraries such as this one.
+void* __libc_malloc(std::size_t size);
+void* __libc_calloc(std::size_t count, std::size_t size);
+void* __libc_realloc(void* memory, std::size_t size);
+void* __libc_memalign(std::size_t alignment, std::size_t size);
+
+}  // extern "C"
+
+namespace {
+
+std::atomic<unsigned long> allocations = 0;
+
+// Read with the first allocation, which comes before any constructor of the program.
+unsigned long failing = 0;
+bool lasting = false;
+std::atomic<bool> prepared = false;
+
+void prepare() {
+    const char* number = std::getenv("FAIL_ALLOCATION");
+    failing = number == nullptr ? 0 : std::strtoul(number, nullptr, 10);
+    lasting = std::getenv("FAIL_FROM_THEN_ON") != nullptr;
+    prepared = true;
+}
+
+bool fails() {
+    if (!prepared) {
+        prepare();
+    }
+    const unsigned long number = ++allocations;
+    const bool failed = failing != 0 && (number == failing || (lasting && number > failing));
+    if (failed) {
+        errno = ENOMEM;
+    }
+    return failed;
+}
+
+__attribute__((destructor)) void writeCount() {
+    const char* path = std::getenv("ALLOCATION_COUNT");
+    const int file = path == nullptr ? -1 : ::open(path, O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    if (file < 0) {
+        return;
+    }
+    char text[32];
+    const int size = std::snprintf(text, sizeof text, "%lu\n", allocations.load());
+    static_cast<void>(!::write(file, text, static_cast<std::size_t>(size)));
+    ::close(file);
+}
+
+}  // namespace
+
+extern "C" {
+
+__attribute__((visibility("default"))) void* malloc(std::size_t size) {
+    return fails() ? nullptr : __libc_malloc(size);
+}
+
+__attribute__((visibility("default"))) void* calloc(std::size_t count, std::size_t size) {
+    return fails() ? nullptr : __libc_calloc(count, size);
+}
+
+__attribute__((visibility("default"))) void* realloc(void* memory, std::size_t size) {
+    return fails() ? nullptr : __libc_realloc(memory, size);
+}
+
+__attribute__((visibility("default"))) void* aligned_alloc(std::size_t alignment,
+                                                           std::size_t size) {
+    return fails() ? nullptr : __libc_memalign(alignment, size);
+}
+
+__attribute__((visibility("default"))) int posix_memalign(void** memory, std::size_t alignment,
+                                                          std::size_t size) {
+    void* const made = fails() ? nullptr : __libc_memalign(alignment, size);
+    if (made == nullptr) {
+        return ENOMEM;
+    }
+    *memory = made;
+    return 0;
+}
+
+}  // extern "C"
