@@ -81,13 +81,14 @@ std::shared_ptr<const Payloads> ConfigurationStore::snapshot() const {
 }
 
 bool ConfigurationStore::store(Payloads changed) {
-    const std::vector<unsigned char> bytes = encode(changed);
+    // All memory is taken before the file is touched: file and memory must not come apart.
+    auto next = std::make_shared<const Payloads>(std::move(changed));
+    const std::vector<unsigned char> bytes = encode(*next);
     // A folder that cannot be synced leaves the new file in place all the same, and what lies in
     // the file is what the partitions hold.
     if (!Host::replaceFile(path, bytes, STATE_FILE_MODE) && !holds(path, bytes)) {
         return false;
     }
-    auto next = std::make_shared<const Payloads>(std::move(changed));
     const std::scoped_lock lock(guard);
     current.swap(next);
     return true;

@@ -9,7 +9,7 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <system_error>
+#include <exception>
 #include <utility>
 
 namespace VeskLib::Board {
@@ -43,23 +43,27 @@ bool ConnectionPool::hasRoom() {
 
 void ConnectionPool::serve(int descriptor) {
     const std::scoped_lock lock(guard);
-    connections.emplace_back();
-    Connection& connection = connections.back();
-    connection.descriptor = descriptor;
-    connection.since = Clock::now();
+    const std::size_t before = connections.size();
     try {
+        Connection& connection = connections.emplace_back();
+        connection.descriptor = descriptor;
+        connection.since = Clock::now();
         connection.thread = std::thread([this, &connection] { work(connection); });
-    } catch (const std::system_error& failure) {
-        logLine(std::string("a client is turned away: ") + failure.what());
+    } catch (const std::exception& failure) {
+        // No thread, or no memory for one.
+        logFailure("a client is turned away: ", failure);
         ::close(descriptor);
-        connections.pop_back();
+        connections.resize(before);
     }
 }
 
 void ConnectionPool::work(Connection& connection) {
-    bool more = true;
-    while (more) {
-        more = answerOne(connection);
+    try {
+        while (answerOne(connection)) {
+        }
+    } catch (const std::exception& failure) {
+        // Most likely out of memory. The client sees its connection end; others are served on.
+        logFailure("a connection is given up: ", failure);
     }
     const std::scoped_lock lock(guard);
     ::close(connection.descriptor);

@@ -6,6 +6,15 @@
 
 namespace VeskLib::Board {
 
+namespace {
+
+// A log that nobody takes any more is no reason to stop serving.
+void write(const char* text, std::size_t size) {
+    static_cast<void>(!::write(STDERR_FILENO, text, size));
+}
+
+}  // namespace
+
 void logLine(const std::string& text) {
     std::string line = "efi_backend: ";
     for (const char c : text) {
@@ -13,8 +22,16 @@ void logLine(const std::string& text) {
         line += byte < 0x20 || byte == 0x7F ? '?' : c;
     }
     line += '\n';
-    // A log that nobody takes any more is no reason to stop serving.
-    static_cast<void>(!::write(STDERR_FILENO, line.data(), line.size()));
+    write(line.data(), line.size());
+}
+
+void logFailure(const char* what, const std::exception& failure) noexcept {
+    try {
+        logLine(std::string(what) + failure.what());
+    } catch (const std::exception&) {
+        static const char LINE[] = "efi_backend: out of memory\n";
+        write(LINE, sizeof LINE - 1);
+    }
 }
 
 std::string hexadecimal(unsigned int number) {

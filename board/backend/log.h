@@ -1,5 +1,6 @@
 #pragma once
 
+#include <exception>
 #include <string>
 
 namespace VeskLib::Board {
@@ -7,6 +8,9 @@ namespace VeskLib::Board {
 // Writes one line to standard error, in one piece, with the program's name in front. Control
 // characters become "?". Callers keep passwords and user names out of it.
 void logLine(const std::string& text);
+
+// The same for `what` and the failure's own words. Never throws: without memory it says only that.
+void logFailure(const char* what, const std::exception& failure) noexcept;
 
 // `number` as the documents write request numbers: "0x020100A4".
 std::string hexadecimal(unsigned int number);

@@ -60,23 +60,23 @@ void serve(const BackendOptions& options) {
 }  // namespace
 
 int runBackend(int argc, char** argv) {
-    BackendOptions options;
-    std::string error;
-    if (!readOptions(argc, argv, options, error)) {
-        logLine(error + " (--help tells more)");
-        return MISUSED;
-    }
-    if (options.help) {
-        say(USAGE);
-        return DONE;
-    }
-    rememberArguments(argv);
-    waitForReturn();
     try {
+        BackendOptions options;
+        std::string error;
+        if (!readOptions(argc, argv, options, error)) {
+            logLine(error + " (--help tells more)");
+            return MISUSED;
+        }
+        if (options.help) {
+            say(USAGE);
+            return DONE;
+        }
+        rememberArguments(argv);
+        waitForReturn();
         serve(options);
         return DONE;
     } catch (const std::exception& failure) {
-        logLine(failure.what());
+        logFailure("", failure);
         return FAILED;
     }
 }

@@ -8,9 +8,7 @@
 #include <VeskLib/Gui/CGIRequester.h>
 #include <VeskLib/Gui/JudgeAuthority.h>
 #include <VeskLib/Gui/MessageMgr.h>
-#include <VeskLib/trace/VeskTrace.h>
 
-#include <exception>
 #include <string_view>
 
 namespace VeskLib::Board {
@@ -42,13 +40,8 @@ int runWebProgram(const WebProgram& program) {
     Host::Response response;
     try {
         respond(program, response);
-    } catch (const Host::ErrorPage& page) {
-        Host::printErrorPage(page, response);
-    } catch (const PException& exception) {
-        Host::printExceptionPage(exception, response);
-    } catch (const std::exception& exception) {
-        trace::VeskTrace(1, 3, 1).putLog(0, exception.what());
-        Host::printErrorPage(Host::makeInternalErrorPage(), response);
+    } catch (...) {
+        Host::printHandledException(response);
     }
     return response.send() ? 0 : 1;
 }

@@ -53,15 +53,21 @@ void startNewSession(const std::string& user, const Host::LoginAnswer& rights,
     Host::Session former;
     const bool replaces = findRequestSession(former);
     const Host::Session session = Host::startSession(user, rights.everyFunction, rights.functions);
-    if (replaces && !Host::endSession(former.identifier)) {
+    try {
+        if (replaces && !Host::endSession(former.identifier)) {
+            throw Host::makePlatformException(Host::SESSION_NOT_ENDED,
+                                              "The former session cannot be ended");
+        }
+        Host::endExpiredSessions();
+        response.addHeader("Set-Cookie", std::string(Host::SESSION_COOKIE) + "=" +
+                                             session.cookieValue() +
+                                             "; Path=/; HttpOnly; SameSite=Strict");
+        redirect(response, "/");
+    } catch (...) {
+        // The browser never learns of the session.
         Host::endSession(session.identifier);
-        throw Host::makePlatformException(Host::SESSION_NOT_ENDED, "The session cannot be ended");
+        throw;
     }
-    Host::endExpiredSessions();
-    response.addHeader("Set-Cookie", std::string(Host::SESSION_COOKIE) + "=" +
-                                         session.cookieValue() +
-                                         "; Path=/; HttpOnly; SameSite=Strict");
-    redirect(response, "/");
 }
 
 void handleLogin(const Gui::FormInfo& form, Host::Response& response) {

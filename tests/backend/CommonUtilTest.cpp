@@ -1,11 +1,15 @@
 #include <VeskLib/CommonUtil.h>
 
+#include "platform/host/base/platformException.h"
 #include "platform/host/channel/BoardProperties.h"
 #include "tests/backend/support/RootTest.h"
 #include "tests/support/BoardTest.h"
 #include "tests/support/ChildProcess.h"
 
+#include <VeskLib/PException.h>
+
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 namespace VeskLib::Test {
 
@@ -45,6 +49,18 @@ TEST_F(CommonUtilTest, numberIsZeroWhenTheBoardDoesNotTell) {
                              "max_partitions=-1\n", "max_partitions=99999999999\n", "8\n"}) {
         EXPECT_EQ(numberFor(text), 0U) << text;
     }
+}
+
+TEST_F(CommonUtilTest, propertiesThatCannotBeReadAreAnErrorAndNoEmptyBoard) {
+    ASSERT_EQ(::mkdir(boardFile(BOARD_PROPERTIES).c_str(), 0700), 0);
+    const ChildResult result = runInChild([] {
+        try {
+            return static_cast<int>(CommonUtil::getMaxPartitionNum());
+        } catch (const PException& exception) {
+            return exception.getExceptionDetail() == Host::FILE_NOT_READABLE ? 100 : 101;
+        }
+    });
+    EXPECT_EQ(result.exitStatus, 100) << result.errors;
 }
 
 TEST_F(CommonUtilTest, numberDoesNotChangeWithinAProcess) {

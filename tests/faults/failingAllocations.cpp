@@ -2,8 +2,10 @@
 //
 // FAIL_ALLOCATION=N     the N-th allocation fails (from 1)
 // FAIL_FROM_THEN_ON=1   every further one fails as well
-// ALLOCATION_COUNT=FILE the number of allocations is written into this file at the end
+// ALLOCATION_COUNT=FILE at the end, the number of allocations before main() and the number of all
+//                       are written into this file
 
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -25,6 +27,10 @@ void* __libc_memalign(std::size_t alignment, std::size_t size);
 namespace {
 
 std::atomic<unsigned long> allocations = 0;
+unsigned long beforeMain = 0;
+
+using Main = int (*)(int, char**, char**);
+Main programsMain = nullptr;
 
 // Read with the first allocation, which comes before any constructor of the program.
 unsigned long failing = 0;
@@ -56,15 +62,30 @@ __attribute__((destructor)) void writeCount() {
     if (file < 0) {
         return;
     }
-    char text[32];
-    const int size = std::snprintf(text, sizeof text, "%lu\n", allocations.load());
+    char text[64];
+    const int size = std::snprintf(text, sizeof text, "%lu %lu\n", beforeMain, allocations.load());
     static_cast<void>(!::write(file, text, static_cast<std::size_t>(size)));
     ::close(file);
+}
+
+int enterMain(int argc, char** argv, char** environment) {
+    beforeMain = allocations;
+    return programsMain(argc, argv, environment);
 }
 
 }  // namespace
 
 extern "C" {
+
+// What a program's first instructions call; it runs the constructors and then `main`.
+__attribute__((visibility("default"))) int __libc_start_main(Main main, int argc, char** argv,
+                                                             void (*init)(), void (*fini)(),
+                                                             void (*loaderFini)(), void* stackEnd) {
+    using Start = int (*)(Main, int, char**, void (*)(), void (*)(), void (*)(), void*);
+    programsMain = main;
+    const auto start = reinterpret_cast<Start>(::dlsym(RTLD_NEXT, "__libc_start_main"));
+    return start(enterMain, argc, argv, init, fini, loaderFini, stackEnd);
+}
 
 __attribute__((visibility("default"))) void* malloc(std::size_t size) {
     return fails() ? nullptr : __libc_malloc(size);

@@ -1,10 +1,13 @@
 #include <VeskLib/CommonUtil.h>
 
 #include "platform/host/base/SystemPath.h"
+#include "platform/host/base/platformException.h"
 #include "platform/host/channel/BoardProperties.h"
 #include "platform/host/storage/files.h"
 
 #include <VeskLib/getCGIPath.h>
+
+#include <cerrno>
 
 namespace VeskLib {
 
@@ -18,6 +21,9 @@ unsigned int readMaxPartitions() {
     std::vector<unsigned char> bytes;
     if (Host::readFile(getCGIPath(Host::BOARD_PROPERTIES), LARGEST_PROPERTIES, bytes)) {
         decode(bytes, properties);
+    } else if (errno != ENOENT) {
+        // Not the same as a board without partitions, which is what 0 would read as.
+        throw Host::makePlatformException(Host::FILE_NOT_READABLE, "CommonUtil: board properties");
     }
     return properties.maxPartitions;
 }

@@ -45,12 +45,27 @@ bool writeWhole(int descriptor, const std::vector<unsigned char>& bytes) {
     return true;
 }
 
-// Closes without losing the reason of an earlier failure.
-void closeKeepingErrno(int descriptor) {
-    const int reason = errno;
-    ::close(descriptor);
-    errno = reason;
-}
+// An open descriptor; its end keeps errno, so that the reason of a failure is not lost.
+class Descriptor {
+public:
+    explicit Descriptor(int number) : number(number) {}
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    ~Descriptor() {
+        const int reason = errno;
+        if (number >= 0) {
+            ::close(number);
+        }
+        errno = reason;
+    }
+
+    int get() const { return number; }
+    bool isOpen() const { return number >= 0; }
+
+private:
+    int number;
+};
 
 // Gives an empty file these bytes and this mode, and syncs it.
 bool fill(int descriptor, const std::vector<unsigned char>& bytes, int mode) {
@@ -60,13 +75,8 @@ bool fill(int descriptor, const std::vector<unsigned char>& bytes, int mode) {
 
 // Makes `aside` a synced file with these bytes.
 bool writeAside(std::string& aside, const std::vector<unsigned char>& bytes, int mode) {
-    const int descriptor = ::mkostemp(aside.data(), O_CLOEXEC);
-    if (descriptor < 0) {
-        return false;
-    }
-    const bool written = fill(descriptor, bytes, mode);
-    closeKeepingErrno(descriptor);
-    return written;
+    const Descriptor file(::mkostemp(aside.data(), O_CLOEXEC));
+    return file.isOpen() && fill(file.get(), bytes, mode);
 }
 
 void unlinkKeepingErrno(const std::string& path) {
@@ -79,6 +89,10 @@ void unlinkKeepingErrno(const std::string& path) {
 bool nameFile(int descriptor, const std::string& path) {
     const std::string unnamed = "/proc/self/fd/" + std::to_string(descriptor);
     return ::linkat(AT_FDCWD, unnamed.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) == 0;
+}
+
+int openFolderOf(const std::string& path) {
+    return ::open(folderOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
 }
 
 bool syncFolder(int folder) {
@@ -132,49 +146,39 @@ bool readOpenFile(int descriptor, std::size_t limit, std::vector<unsigned char>&
 }
 
 bool readFile(const std::string& path, std::size_t limit, std::vector<unsigned char>& bytes) {
-    const int descriptor = openForReading(path);
-    if (descriptor < 0) {
-        return false;
-    }
-    const bool done = readOpenFile(descriptor, limit, bytes);
-    closeKeepingErrno(descriptor);
-    return done;
+    const Descriptor file(openForReading(path));
+    return file.isOpen() && readOpenFile(file.get(), limit, bytes);
 }
 
 bool replaceFile(const std::string& path, const std::vector<unsigned char>& bytes, int mode) {
-    const int folder = ::open(folderOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (folder < 0) {
-        return false;
-    }
     std::string aside = path;
     aside += ASIDE_MARK;
     aside += ASIDE_RANDOM;
-    bool done = writeAside(aside, bytes, mode) && ::rename(aside.c_str(), path.c_str()) == 0;
-    if (done) {
-        done = syncFolder(folder);
-    } else {
-        unlinkKeepingErrno(aside);
+    const Descriptor folder(openFolderOf(path));
+    if (!folder.isOpen()) {
+        return false;
     }
-    closeKeepingErrno(folder);
-    return done;
+    if (!writeAside(aside, bytes, mode) || ::rename(aside.c_str(), path.c_str()) != 0) {
+        unlinkKeepingErrno(aside);
+        return false;
+    }
+    return syncFolder(folder.get());
 }
 
 bool createFile(const std::string& path, const std::vector<unsigned char>& bytes, int mode) {
-    const int folder = ::open(folderOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (folder < 0) {
+    const Descriptor folder(openFolderOf(path));
+    if (!folder.isOpen()) {
         return false;
     }
-    const int file = ::openat(folder, ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
-    bool done = file >= 0 && fill(file, bytes, mode) && nameFile(file, path);
-    if (done && !syncFolder(folder)) {
+    const Descriptor file(::openat(folder.get(), ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600));
+    if (!file.isOpen() || !fill(file.get(), bytes, mode) || !nameFile(file.get(), path)) {
+        return false;
+    }
+    if (!syncFolder(folder.get())) {
         unlinkKeepingErrno(path);
-        done = false;
+        return false;
     }
-    if (file >= 0) {
-        closeKeepingErrno(file);
-    }
-    closeKeepingErrno(folder);
-    return done;
+    return true;
 }
 
 std::vector<std::string> listNames(const std::string& folder) {

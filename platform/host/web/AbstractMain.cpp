@@ -7,7 +7,6 @@
 #include "platform/host/web/errorPage.h"
 #include "platform/host/web/requestChecks.h"
 
-#include <exception>
 #include <utility>
 
 namespace VeskLib::Gui {
@@ -17,11 +16,6 @@ using Host::ErrorPage;
 namespace {
 
 const int FAILED = 1;  // the exit status of a request that ended with an error page
-
-// Thrown by errorExit(), so that everything the request holds is let go of on the way to exec().
-struct RequestEnded {
-    ErrorPage page;
-};
 
 }  // namespace
 
@@ -41,13 +35,8 @@ int AbstractMain::exec() {
                 printErrorPage(Host::makeCrossSitePage(), response);
                 break;
         }
-    } catch (const RequestEnded& ended) {
-        printErrorPage(ended.page, response);
-    } catch (const PException& exception) {
-        printExceptionPage(exception, response);
-    } catch (const std::exception& exception) {
-        trace.putLog(0, exception.what());
-        printErrorPage(Host::makeInternalErrorPage(), response);
+    } catch (...) {
+        Host::printHandledException(response);
     }
     return response.send() ? result : FAILED;
 }
@@ -67,7 +56,7 @@ void AbstractMain::guiCheckSession(bool showError) {
         authority.functions = &functions;
     } else if (showError) {
         requestEnded = true;
-        throw RequestEnded{Host::makeLoginPage()};
+        throw Host::makeLoginPage();
     }
 }
 
@@ -76,8 +65,9 @@ void AbstractMain::errorExit(std::string title, std::string message) {
     // A request that the back-end failed is the server's trouble, every other one the client's.
     const bool backendFailed = requester != nullptr && requester->getErrorCode() != 0;
     responseStatus = backendFailed ? 503 : 400;
-    throw RequestEnded{
-        {.status = responseStatus, .title = std::move(title), .message = std::move(message)}};
+    // Thrown, so that everything the request holds is let go of on the way to exec().
+    throw ErrorPage{
+        .status = responseStatus, .title = std::move(title), .message = std::move(message)};
 }
 
 void AbstractMain::errorExit(std::string message, int code) {

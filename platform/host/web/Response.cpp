@@ -7,6 +7,9 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <exception>
 #include <iostream>
 #include <string_view>
 
@@ -67,6 +70,29 @@ bool writeWhole(std::string_view bytes) {
     return true;
 }
 
+// In plain words of one language: a catalogue and a skeleton would have to be read.
+const char LAST_RESORT[] =
+    "Status: 500 Internal Server Error\r\n"
+    "Content-Type: text/html; charset=UTF-8\r\n"
+    "Cache-Control: no-store\r\n"
+    "X-Content-Type-Options: nosniff\r\n"
+    "Content-Security-Policy: default-src 'none'; frame-ancestors 'none'\r\n"
+    "Content-Length: 305\r\n"
+    "\r\n";
+const char LAST_RESORT_PAGE[] =
+    "<!DOCTYPE html><html lang=\"en\"><head><title>Internal error</title></head><body>"
+    "<h1>Internal error</h1><p role=\"alert\">The board has no memory left, and it is not certain "
+    "how "
+    "far the request went. Look at the state of the partitions before you try again; if it fails "
+    "again, call support.</p></body></html>\n";
+static_assert(sizeof LAST_RESORT_PAGE - 1 == 305, "Content-Length of the last resort");
+
+bool sendLastResort() {
+    const char* const method = std::getenv("REQUEST_METHOD");
+    const bool withBody = method == nullptr || std::strcmp(method, "HEAD") != 0;
+    return writeWhole(LAST_RESORT) && (!withBody || writeWhole(LAST_RESORT_PAGE));
+}
+
 }  // namespace
 
 Response::Response() : body(std::ios::out), original(std::cout.rdbuf(&body)) {
@@ -98,15 +124,28 @@ void Response::addHeader(const std::string& name, const std::string& value) {
 void Response::discard() {
     body.str({});
     headers.clear();
-    contentType = HTML_CONTENT;
+    contentType.clear();
     std::cout.clear();
 }
 
-bool Response::send() {
+void Response::useLastResort() noexcept {
+    lastResort = true;
+}
+
+bool Response::send() noexcept {
+    try {
+        return lastResort ? sendLastResort() : sendPage();
+    } catch (const std::exception&) {
+        // Before a byte was written: writing is the last step and takes no memory.
+        return sendLastResort();
+    }
+}
+
+bool Response::sendPage() const {
     const std::string_view page = body.view();
     std::string bytes = "Status: " + std::to_string(status) + " " + reasonPhrase(status) +
-                        "\r\nContent-Type: " + contentType + "\r\n" + FIXED_HEADERS +
-                        scriptSource() + "\r\n" + headers +
+                        "\r\nContent-Type: " + (contentType.empty() ? HTML_CONTENT : contentType) +
+                        "\r\n" + FIXED_HEADERS + scriptSource() + "\r\n" + headers +
                         "Content-Length: " + std::to_string(page.size()) + "\r\n\r\n";
     if (readEnvironment("REQUEST_METHOD") != "HEAD") {
         bytes += page;

@@ -33,13 +33,21 @@ public:
     // Forgets what was printed and the headers added.
     void discard();
 
+    // From now on the response is a fixed page of an internal error, whatever was or will be
+    // printed: for a process that has no memory left even for an error page. Takes none itself.
+    void useLastResort() noexcept;
+
     // Writes the response to standard output; without the body when the request's method is
-    // HEAD. False when it could not be written whole. Called once.
-    bool send();
+    // HEAD. False when it could not be written whole. Called once. A response that cannot be put
+    // together becomes the one of useLastResort().
+    bool send() noexcept;
 
 private:
+    bool sendPage() const;
+
+    bool lastResort = false;
     int status = 200;
-    std::string contentType = HTML_CONTENT;
+    std::string contentType;  // empty for HTML_CONTENT, so that construction takes no memory
     std::string headers;
     std::stringbuf body;
     std::streambuf* original;

@@ -12,6 +12,7 @@
 #include <VeskLib/lmsg_getmsg.h>
 #include <VeskLib/trace/VeskTrace.h>
 
+#include <exception>
 #include <iostream>
 #include <map>
 
@@ -99,6 +100,23 @@ void printExceptionPage(const PException& exception, Response& response) {
                            : caption(9023) + code;
     }
     printErrorPage(page, response);
+}
+
+void printHandledException(Response& response) noexcept {
+    try {
+        try {
+            throw;
+        } catch (const ErrorPage& page) {
+            printErrorPage(page, response);
+        } catch (const PException& exception) {
+            printExceptionPage(exception, response);
+        } catch (const std::exception& exception) {
+            trace::VeskTrace(1, 1, 1).putLog(0, exception.what());
+            printErrorPage(makeInternalErrorPage(), response);
+        }
+    } catch (...) {
+        response.useLastResort();
+    }
 }
 
 ErrorPage makeMethodPage() {

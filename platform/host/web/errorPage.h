@@ -22,6 +22,10 @@ void printErrorPage(const ErrorPage& page, Response& response);
 // The error page for an exception that nobody caught, with a trace line.
 void printExceptionPage(const PException& exception, Response& response);
 
+// Called while an exception is handled: makes the response the error page that it stands for, with
+// a trace line where it tells of a failure. An ErrorPage that was thrown is printed as it is.
+void printHandledException(Response& response) noexcept;
+
 // The error pages of the checks that every program makes; requestLanguage() is their language.
 ErrorPage makeMethodPage();
 ErrorPage makeCrossSitePage();

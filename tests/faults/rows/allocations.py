@@ -40,8 +40,9 @@ class Worker:
         kind, request, before = self.begin(case)
         run = runProgram(self.scene.board, request,
                          more=failure(self.library, case["number"], case["lasting"]))
-        # The libraries' own start allocates, too, and a program that could not begin ends.
-        problems = self.judge.judge(kind, before, run, Fault(unbegun=case["unbegun"]))
+        # Before main() nobody is there to be told; and a program that has not even the memory for
+        # its main object may leave the answer to the web server.
+        problems = self.judge.judge(kind, before, run, Fault(mute=True, unbegun=case["unbegun"]))
         problems += self.judge.settle()
         return self.outcome(problems, run)
 
@@ -58,9 +59,9 @@ class Worker:
                 problems.append("the back-end still works for the request")
             if board.backendProcess() is None:
                 problems.append("the back-end died: " + board.errors())
-        elif board.endedBySignal is not None:
-            problems.append(f"the back-end died of signal {board.endedBySignal}")
         board.kill()
+        if not ready and board.endedBySignal is not None and not case["unbegun"]:
+            problems.append(f"the back-end died of signal {board.endedBySignal}")
         board.start()
         problems += self.judge.judge(kind, before, run, Fault())
         problems += self.judge.settle()
@@ -82,7 +83,8 @@ class Worker:
 
 
 def countAllocations(context):
-    """How many allocations each program makes, and the back-end from its start to the answer."""
+    """How many allocations each program makes before main() and in all, and so the back-end from
+    its start to its end behind one request."""
     library = os.path.join(context.installation.build, LIBRARY)
     path = tempfile.mktemp(prefix="faults-count-")
     count = {"LD_PRELOAD": library, "ALLOCATION_COUNT": path}
@@ -92,9 +94,9 @@ def countAllocations(context):
 
     def counted():
         with open(path, encoding="ascii") as file:
-            number = int(file.read())
+            numbers = tuple(int(number) for number in file.read().split())
         os.remove(path)
-        return number
+        return numbers
 
     try:
         for name, make in REQUEST_TYPES.items():
@@ -116,14 +118,10 @@ def countAllocations(context):
     return programs, backend
 
 
-# The C++ library takes one piece of memory before main() begins.
-STARTING = 1
-
-
 def makeCases(counts, backend):
     return [{"request": request, "number": number, "lasting": lasting, "backend": backend,
-             "unbegun": number <= STARTING}
-            for request, count in counts.items() for number in range(1, count + 1)
+             "unbegun": number <= beforeMain}
+            for request, (beforeMain, count) in counts.items() for number in range(1, count + 1)
             for lasting in (False, True)]
 
 
@@ -137,7 +135,7 @@ def run(context):
         return Result(violations=[{"file": library, "case": None,
                                    "problems": ["the library is not built"]}])
     programs, backend = countAllocations(context)
-    if min(programs.values()) <= STARTING or min(backend.values()) <= STARTING:
+    if not all(0 < before < count for before, count in (*programs.values(), *backend.values())):
         return Result(violations=[{"file": library, "case": None, "problems": [
             "the library has no hold of the programs; are they linked statically?"]}])
     cases = (context.sample(makeCases(programs, False), SHORT_PROGRAM_RUNS)

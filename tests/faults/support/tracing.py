@@ -51,7 +51,8 @@ ERRORS = {
     "clone3": ("EAGAIN", "ENOMEM"),
     "mmap": ("ENOMEM", "EAGAIN"),
     "mprotect": ("ENOMEM",),
-    "brk": ("ENOMEM",),
+    # The kernel reports this failure by another value than an error number.
+    "brk": ("UNMOVED",),
     "execve": (),
     "exit_group": (),
     "exit": (),
@@ -99,8 +100,9 @@ def readCalls(path):
     return calls
 
 
-# A session that is not there is one that has ended, and its files go: that is no fault.
-SESSION = "/var/lib/session/"
+# That these are not there is no fault: a session is then one that has ended, and its files go; a
+# board without properties has no partitions.
+MAY_BE_ABSENT = ("/var/lib/session/", "/var/run/board_properties")
 
 
 def errorsOf(call, later=()):
@@ -108,7 +110,7 @@ def errorsOf(call, later=()):
     errors = ERRORS.get(call.name, OTHER_ERRORS)
     if "AT_EMPTY_PATH" in call.line:
         errors = ERRORS["fstat"]
-    if any(SESSION in met.line for met in (call, *later)):
+    if any(path in met.line for met in (call, *later) for path in MAY_BE_ABSENT):
         errors = tuple(error for error in errors if error != "ENOENT")
     return errors
 
@@ -118,7 +120,8 @@ def failing(name, occurrence, error, lasting):
     when = str(occurrence)
     if lasting:
         when += f"..{occurrence + BURST - 1}" if error == "EINTR" else "+"
-    return f"{name}:error={error}:when={when}"
+    how = "retval=0" if error == "UNMOVED" else f"error={error}"
+    return f"{name}:{how}:when={when}"
 
 
 def injecting(expression, log):
