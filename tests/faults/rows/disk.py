@@ -1,1 +1,141 @@
-HELP=""
+"""A disk that is full at every 4 KiB, without inodes, and limits of file size and descriptors."""
+
+import resource
+
+from support.caseRuns import Outcome, Result, runCases
+from support.judge import Fault, Judge
+from support.program import runProgram
+from support.requestTypes import REQUEST_TYPES
+from support.response import parseResponse
+from support.scene import Scene
+from support.smallDisk import PAGE, SmallDisk, whyImpossible
+
+HELP = "a disk that is full at every 4 KiB, no inodes, limits of file size and of descriptors"
+SHORT_DISK_RUNS = 90
+SHORT_LIMIT_RUNS = 110
+
+# How far each request's writing reaches, in pages, and some more.
+REACH = {"upload": 96, "unusable upload": 14, "too large upload": 106, "broken upload": 58,
+         "backup": 36, "restore": 180, "login": 8}
+OTHER_REACH = 4
+MOST_INODES = 6
+MOST_DESCRIPTORS = 24
+STANDARD_DESCRIPTORS = 3
+
+LOADER_FAILED = 127
+
+
+class Worker:
+    """Runs a request while the disk, or a limit of the program or the back-end, is short."""
+
+    def __init__(self, installation, onSmallDisk):
+        self.disk = SmallDisk() if onSmallDisk else None
+        self.scene = Scene(installation, self.disk.folder if onSmallDisk else None)
+        self.judge = Judge(self.scene)
+
+    def run(self, case):
+        kind = REQUEST_TYPES[case["request"]]()
+        request = kind.prepare(self.scene)
+        before = self.judge.snapshot()
+        run = self.runShort(case, request)
+        fault = Fault(unbegun=run.exitStatus == LOADER_FAILED, told=kind.writes)
+        problems = self.judge.judge(kind, before, run, fault)
+        if self.disk:
+            self.disk.empty()
+        problems += self.judge.settle()
+        return Outcome(problems, True, {"output": run.output, "errors": run.errors,
+                                        "exitStatus": run.exitStatus, "signal": run.signal,
+                                        "backendErrors": self.scene.board.errors()[-2000:]}
+                       if problems else {}, self.tally(kind, run))
+
+    def tally(self, kind, run):
+        """Whether the shortage was felt."""
+        if not run.output:
+            return "no answer"
+        done = kind.claimsSuccess(parseResponse(run.output), self.scene)
+        return "carried out" if done else "not carried out"
+
+    def runShort(self, case, request):
+        board = self.scene.board
+        amount = case["amount"]
+        if case["short"] == "pages":
+            self.disk.leavePages(amount)
+        elif case["short"] == "inodes":
+            self.disk.leaveInodes(amount)
+        number, value = limitOf(case)
+        if number is None:
+            return runProgram(board, request)
+        if not case["backend"]:
+            return runProgram(board, request, limits={number: value})
+        pid = board.backendProcess()
+        usual = resource.prlimit(pid, number, (value, resource.prlimit(pid, number)[1]))
+        try:
+            run = runProgram(board, request)
+            board.waitUntilQuiet()
+        finally:
+            resource.prlimit(pid, number, usual)
+        return run
+
+    def close(self):
+        self.scene.remove()
+        if self.disk:
+            self.disk.remove()
+
+
+def limitOf(case):
+    if case["short"] == "file size":
+        return resource.RLIMIT_FSIZE, case["amount"] * PAGE
+    if case["short"] == "descriptors":
+        return resource.RLIMIT_NOFILE, case["amount"]
+    return None, None
+
+
+def diskCases():
+    cases = []
+    for request in REQUEST_TYPES:
+        for amount in range(REACH.get(request, OTHER_REACH) + 1):
+            cases.append({"request": request, "short": "pages", "amount": amount, "backend": False})
+        for amount in range(MOST_INODES + 1):
+            cases.append({"request": request, "short": "inodes", "amount": amount,
+                          "backend": False})
+    return cases
+
+
+def limitCases():
+    cases = []
+    for request in REQUEST_TYPES:
+        for backend in (False, True):
+            if backend and request not in ("backup page", "backup", "upload", "restore", "login"):
+                continue
+            for amount in range(REACH.get(request, OTHER_REACH) + 1):
+                cases.append({"request": request, "short": "file size", "amount": amount,
+                              "backend": backend})
+            for amount in range(STANDARD_DESCRIPTORS, MOST_DESCRIPTORS):
+                cases.append({"request": request, "short": "descriptors", "amount": amount,
+                              "backend": backend})
+    return cases
+
+
+def tallies(name, result):
+    return {f"{name} {tally}": result.figures[tally]
+            for tally in ("carried out", "not carried out", "no answer") if tally in result.figures}
+
+
+def makeWorker(installation, case):
+    return Worker(installation, case["short"] in ("pages", "inodes"))
+
+
+def run(context):
+    installation = context.installation
+    limits = runCases(context, "disk", context.sample(limitCases(), SHORT_LIMIT_RUNS),
+                      lambda: Worker(installation, False))
+    figures = {"limits": limits.runs, **tallies("limits", limits)}
+    reason = whyImpossible()
+    if reason is not None:
+        # Said aloud: half of the row has not been run.
+        figures["full disk and inodes"] = f"NOT RUN, {reason}"
+        return Result(limits.runs, limits.violations, figures)
+    disk = runCases(context, "disk", context.sample(diskCases(), SHORT_DISK_RUNS),
+                    lambda: Worker(installation, True))
+    figures.update({"full disk and inodes": disk.runs, **tallies("disk", disk)})
+    return Result(limits.runs + disk.runs, limits.violations + disk.violations, figures)

@@ -39,9 +39,10 @@ class Context:
 
 class Outcome:
     """What became of one case. A fault that was not met, because the program took another way,
-    does not count as a run."""
+    does not count as a run. `tally` names what the row counts this run as."""
 
-    def __init__(self, problems, met=True, details=None):
+    def __init__(self, problems, met=True, details=None, tally=None):
+        self.tally = tally
         self.problems = problems
         self.met = met
         self.details = details or {}
@@ -67,6 +68,8 @@ def runCases(context, row, cases, makeWorker, workers=None):
             continue
         case, outcome = message
         result.runs += 1 if outcome.met else 0
+        if outcome.tally is not None:
+            result.figures[outcome.tally] = result.figures.get(outcome.tally, 0) + 1
         if outcome.problems:
             result.violations.append(keep(context, row, case, outcome))
     for process in processes:
