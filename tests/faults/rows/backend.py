@@ -1,1 +1,159 @@
-HELP=""
+"""A back-end that is dead, silent, slow, torn off at every byte, or answers what makes no sense."""
+
+from support.caseRuns import Outcome, runCases
+from support.fakeBackend import Player, Recorder, SocketSwitch, isBackupRequest
+from support.judge import Fault, Judge
+from support.program import runProgram
+from support.requestTypes import REQUEST_TYPES
+from support.scene import Scene, backupFile
+from support.board import sampleFile
+
+HELP = "a back-end that is dead, silent, slow, torn at each byte, or sends wrong lengths and counts"
+SHORT_RUNS = 400
+REQUESTS = ("backup page", "backup", "upload", "restore", "login")
+
+# Of the length in front of a reply; a frame holds at most 1048576 bytes.
+LENGTHS = (0, 1, 2, 3, 4, 1048575, 1048576, 1048577, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF)
+LARGEST_DIFFERENCE = 5
+EXTRA_BYTES = (1, 2, 4, 100, 60000)
+SLOW_SECONDS = 0.002
+TRICKLE_SECONDS = 2
+
+# Each of them takes the 10 s that an exchange may last.
+LONG_WAITS = ("silent", "trickle")
+# The reply arrives whole and unaltered.
+HARMLESS = ("slow", "early")
+WAITING_WORKERS = 8
+
+
+class Worker:
+    def __init__(self, installation):
+        self.scene = Scene(installation)
+        self.judge = Judge(self.scene)
+        self.switch = SocketSwitch(self.scene.board)
+        self.recorded = {}
+
+    def record(self, name):
+        """What the real back-end answers to a request of this type."""
+        if name not in self.recorded:
+            request = REQUEST_TYPES[name]().prepare(self.scene)
+            recorder = Recorder(self.switch)
+            self.switch.toFake()
+            recorder.start()
+            runProgram(self.scene.board, request)
+            recorder.end()
+            self.switch.toReal()
+            self.recorded[name] = recorder.exchanges
+            self.judge.settle()
+        return self.recorded[name]
+
+    def run(self, case):
+        exchanges = self.record(case["request"])
+        kind = REQUEST_TYPES[case["request"]]()
+        request = kind.prepare(self.scene)
+        before = self.judge.snapshot()
+        run = self.runDead(request) if case["how"] == "dead" else self.runAltered(
+            case, kind, request, exchanges)
+        self.forgive(case, kind, exchanges)
+        problems = self.judge.judge(kind, before, run, Fault())
+        problems += self.judge.settle()
+        return Outcome(problems, True, {"output": run.output, "errors": run.errors,
+                                        "exitStatus": run.exitStatus, "signal": run.signal}
+                       if problems else {})
+
+    def runDead(self, request):
+        self.switch.toNothing()
+        try:
+            return runProgram(self.scene.board, request)
+        finally:
+            self.switch.fromNothing()
+
+    def runAltered(self, case, kind, request, exchanges):
+        path = backupFile(self.scene.operator)
+
+        def onRequest(frame):
+            if isBackupRequest(frame):
+                self.scene.board.write(sampleFile("played back", 5000), path)
+
+        if kind.name == "backup":
+            kind.allowed[path].append(sampleFile("played back", 5000))
+        player = Player(self.switch, exchanges, case["reply"],
+                        (case["how"], case.get("at"), case.get("value")), onRequest)
+        self.switch.toFake()
+        player.start()
+        try:
+            return runProgram(self.scene.board, request)
+        finally:
+            player.end()
+            self.switch.toReal()
+
+    @staticmethod
+    def forgive(case, kind, exchanges):
+        """Nothing is really restored here: the program can only believe a whole answer. And a
+        page of an altered table is whatever that says."""
+        if case["how"] == "dead" or kind.name in ("upload", "login"):
+            return
+        isSet = exchanges[case["reply"]][0][4] == 2
+        believable = case["how"] in HARMLESS or not isSet
+        kind.happened = lambda scene, response, after: believable
+
+    def close(self):
+        self.switch.close()
+        self.scene.remove()
+
+
+def makeCases(recorded):
+    cases = [{"request": request, "how": "dead"} for request in REQUESTS]
+    for request, exchanges in recorded.items():
+        for number, (_, reply) in enumerate(exchanges):
+            case = {"request": request, "reply": number}
+            cases += [{**case, "how": "cut", "at": at} for at in range(len(reply))]
+            for at, byte in enumerate(reply):
+                for value in sorted({0, 0xFF, byte ^ 1, byte ^ 0x80, (byte + 1) & 0xFF} - {byte}):
+                    cases.append({**case, "how": "byte", "at": at, "value": value})
+            size = len(reply) - 4
+            near = {max(0, size + difference)
+                    for difference in range(-LARGEST_DIFFERENCE, LARGEST_DIFFERENCE + 1)}
+            cases += [{**case, "how": "length", "value": length}
+                      for length in sorted(near.union(LENGTHS) - {size})]
+            cases += [{**case, "how": "extra", "value": extra} for extra in EXTRA_BYTES]
+            cases += [{**case, "how": how} for how in ("unread", "early")]
+            cases.append({**case, "how": "slow", "value": SLOW_SECONDS})
+    return cases
+
+
+def makeLongCases(recorded):
+    cases = []
+    for request, exchanges in recorded.items():
+        for number in range(len(exchanges)):
+            cases.append({"request": request, "reply": number, "how": "silent"})
+            cases.append({"request": request, "reply": number, "how": "trickle",
+                          "value": TRICKLE_SECONDS})
+    return cases
+
+
+def recordAll(installation):
+    worker = Worker(installation)
+    try:
+        return {name: worker.record(name) for name in REQUESTS}
+    finally:
+        worker.close()
+
+
+def makeWorker(installation, case):
+    return Worker(installation)
+
+
+def run(context):
+    installation = context.installation
+    recorded = recordAll(installation)
+    cases = context.sample(makeCases(recorded), SHORT_RUNS)
+    result = runCases(context, "backend", cases, lambda: Worker(installation))
+    waiting = makeLongCases(recorded)
+    waiting = waiting if context.long else waiting[:2]
+    other = runCases(context, "backend", waiting, lambda: Worker(installation),
+                     workers=WAITING_WORKERS)
+    result.figures["of them until the deadline"] = other.runs
+    result.runs += other.runs
+    result.violations += other.violations
+    return result

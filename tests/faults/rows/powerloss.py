@@ -1,1 +1,141 @@
-HELP=""
+"""Power loss: the order of writing, syncing and naming of everything that is kept."""
+
+import os
+import re
+import tempfile
+
+from support import durability
+from support.board import sampleFile
+from support.caseRuns import Outcome, runCases
+from support.configurationFile import decodeState, encodeState
+from support.program import runProgram
+from support.requestTypes import REQUEST_TYPES, multipart, postParts
+from support.scene import STATE, Scene, stagedFile
+
+HELP = "the order of write, sync, rename and folder sync of everything that is kept"
+
+KEPT = re.compile(r"/var/(lib/board/configurations|run/board_properties|tmp/efi_backup[0-9a-f]{16}"
+                  r"|lib/session/[0-9a-f]{16})$")
+
+
+def isKept(path):
+    return KEPT.search(path) is not None
+
+
+def startsFirst(board, scene):
+    """No state yet."""
+    board.write(None, STATE)
+
+
+def startsWithNewPartition(board, scene):
+    """A partition that the state file does not know."""
+    payloads = decodeState(board.read(STATE))
+    del payloads[2]
+    board.write(encodeState(payloads), STATE)
+
+
+def startsAgain(board, scene):
+    """Everything is there."""
+
+
+def startsAfterDeath(board, scene):
+    """What a killed back-end has left aside."""
+    board.write(b"half", STATE + ".aside-abcdef")
+
+
+def asksFor(name):
+    """A request of the given type; the back-end is traced."""
+
+    def prepare(board, scene):
+        return REQUEST_TYPES[name]().prepare(scene)
+
+    return prepare
+
+
+def restores(*targets, everything=False):
+    def prepare(board, scene):
+        scene.stage({stagedFile(scene.operator): sampleFile(scene.letter)})
+        fields = {"functionID": 106, "hidden_status": 2}
+        fields.update({"check_box": "on"} if everything else {f"pid{n}": n for n in targets})
+        return postParts(scene.operator, multipart(fields))
+
+    return prepare
+
+
+# What is done, how often it replaces a kept file, and whether the back-end's calls or the
+# program's are looked at.
+PATHS = {
+    "first start": (startsFirst, 2, "backend"),
+    "start with a new partition": (startsWithNewPartition, 2, "backend"),
+    "start": (startsAgain, 1, "backend"),
+    "start after a death": (startsAfterDeath, 1, "backend"),
+    "backup": (asksFor("backup"), 2, "backend"),
+    "restore to one partition": (restores(3), 2, "backend"),
+    "restore to two partitions": (restores(2, 3), 2, "backend"),
+    # A running partition and one of another BIOS are among them: nothing is written.
+    "restore to all, refused": (restores(everything=True), 1, "backend"),
+    "login": (asksFor("login"), 1, "program"),
+}
+
+
+class Worker:
+    def __init__(self, installation):
+        self.scene = Scene(installation)
+        self.log = tempfile.mktemp(prefix="faults-log-")
+
+    def run(self, case):
+        prepare, expected, watched = PATHS[case["path"]]
+        board = self.scene.board
+        board.stop()
+        prefix = durability.tracing(self.log)
+        if watched == "program":
+            board.start()
+        request = prepare(board, self.scene)
+        if watched == "backend":
+            board.start(prefix=prefix)
+        if request is not None:
+            run = runProgram(board, request, prefix=prefix if watched == "program" else ())
+            if run.exitStatus != 0:
+                return Outcome([f"the request failed: {run.output[-300:]!r}"])
+            board.waitUntilQuiet()
+        if watched == "backend":
+            board.stop()
+            board.start()
+        steps = durability.nameSources(durability.readSteps(self.log))
+        problems, replaced = durability.check(steps, isKept)
+        if replaced != expected:
+            problems.append(f"{replaced} kept files were replaced, not {expected}")
+        problems += self.missedMistakes(steps)
+        return Outcome(problems, True, {"steps": [str(step) for step in steps]})
+
+    @staticmethod
+    def missedMistakes(steps):
+        """Whether the check would have seen each sync that is left out."""
+        missed = []
+        for index, step in enumerate(steps):
+            if step.kind == "named" and isKept(step.path):
+                folder = os.path.dirname(step.path)
+                own = max((i for i, other in enumerate(steps[:index])
+                           if other.kind == "synced" and other.path == step.source), default=None)
+                behind = min((i for i, other in enumerate(steps)
+                              if i > index and other.kind == "synced" and other.path == folder),
+                             default=None)
+                for left in (own, behind):
+                    less = [other for i, other in enumerate(steps) if i != left]
+                    if left is None or not durability.check(less, isKept)[0]:
+                        missed.append(f"a sync of {step.path} could be left out unnoticed")
+        return missed
+
+    def close(self):
+        self.scene.remove()
+        if os.path.exists(self.log):
+            os.remove(self.log)
+
+
+def makeWorker(installation, case):
+    return Worker(installation)
+
+
+def run(context):
+    return runCases(context, "powerloss", [{"path": path} for path in PATHS],
+                    lambda: Worker(context.installation))

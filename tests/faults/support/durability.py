@@ -1,0 +1,116 @@
+"""Whether what a log of system calls shows would outlive a power cut at any moment.
+
+A file that is kept is replaced as a whole: written under another name or none, synced, given its
+name, and the folder synced, all before anybody is told. Then a power cut leaves the old or the new
+file, and the new one once it was told of.
+"""
+
+import os
+import re
+
+CALLS = ("openat,open,creat,write,pwrite64,writev,ftruncate,truncate,fsync,fdatasync,rename,renameat,"
+         "renameat2,linkat,sendto,exit_group")
+
+LINE = re.compile(r"^(\d+)\s+(\w+)\((.*)\)\s+= (-?\d+)")
+UNFINISHED = re.compile(r"^(\d+)\s+(.*) <unfinished \.\.\.>$")
+RESUMED = re.compile(r"^(\d+)\s+<\.\.\. \w+ resumed>(.*)$")
+DESCRIPTOR = re.compile(r"^\d+<([^>]*)>")
+TEXT = re.compile(r'"((?:[^"\\]|\\.)*)"')
+FOR_WRITING = re.compile(r"O_WRONLY|O_RDWR|O_TRUNC")
+
+
+class Step:
+    """One thing that a process did to a file, or "told" for what others learn of."""
+
+    def __init__(self, kind, path, source=None):
+        self.kind = kind
+        self.path = path
+        self.source = source
+
+    def __repr__(self):
+        return f"{self.kind} {self.path}" + (f" from {self.source}" if self.source else "")
+
+
+def tracing(log):
+    return ["strace", "-f", "-y", "-qqq", "-s", "300", "-o", log, "-e", "trace=" + CALLS]
+
+
+def readSteps(path):
+    steps = []
+    begun = {}
+    with open(path, encoding="utf-8", errors="replace") as log:
+        for line in log:
+            line = line.rstrip("\n")
+            unfinished, resumed = UNFINISHED.match(line), RESUMED.match(line)
+            if unfinished:
+                begun[unfinished[1]] = line.removesuffix(" <unfinished ...>")
+                continue
+            if resumed:
+                line = begun.pop(resumed[1], "") + resumed[2]
+            match = LINE.match(line)
+            if match and int(match[4]) >= 0:
+                steps += readStep(match[2], match[3])
+    return steps
+
+
+def readStep(call, arguments):
+    descriptor = DESCRIPTOR.match(arguments)
+    texts = TEXT.findall(arguments)
+    if call in ("openat", "open", "creat") and (call == "creat" or FOR_WRITING.search(arguments)):
+        return [] if "O_TMPFILE" in arguments else [Step("opened", texts[0])]
+    if call in ("write", "pwrite64", "writev", "ftruncate") and descriptor:
+        told = arguments.startswith("1<")
+        return [Step("told" if told else "written", descriptor[1])]
+    if call == "truncate":
+        return [Step("written", texts[0])]
+    if call in ("fsync", "fdatasync"):
+        return [Step("synced", descriptor[1])]
+    if call.startswith("rename"):
+        return [Step("named", texts[1], texts[0])]
+    if call == "linkat":
+        unnamed = DESCRIPTOR.match(arguments.split("fd/")[-1])
+        return [Step("named", texts[1], unnamed[1] if unnamed else texts[0])]
+    if call in ("sendto", "exit_group"):
+        return [Step("told", call)]
+    return []
+
+
+def nameSources(steps):
+    """Puts the open file's own name into the steps that name it as /proc/self/fd/N: it is the file
+    without a name that was synced last."""
+    unnamed = None
+    for step in steps:
+        if step.kind == "synced" and "/#" in step.path:
+            unnamed = step.path
+        if step.kind == "named" and step.source.startswith("/proc/self/fd/"):
+            step.source = unnamed or step.source
+    return steps
+
+
+def check(steps, isKept):
+    """What is wrong with the steps, a line each; and how often a kept file was replaced."""
+    problems = []
+    replaced = 0
+    dirty = set()
+    unsynced = {}
+    for step in steps:
+        if step.kind == "opened" and isKept(step.path):
+            problems.append(f"{step.path} is opened for writing in place")
+        elif step.kind == "written":
+            dirty.add(step.path)
+            if isKept(step.path):
+                problems.append(f"{step.path} is written in place")
+        elif step.kind == "synced":
+            dirty.discard(step.path)
+            for path in [path for path in unsynced if os.path.dirname(path) == step.path]:
+                del unsynced[path]
+        elif step.kind == "named" and isKept(step.path):
+            replaced += 1
+            if step.source in dirty:
+                problems.append(f"{step.path} gets its name before its bytes are synced")
+            unsynced[step.path] = True
+        elif step.kind == "told":
+            problems += [f"{path} is told of before its folder is synced" for path in unsynced]
+            unsynced.clear()
+    problems += [f"the folder of {path} is never synced" for path in unsynced]
+    return problems, replaced
