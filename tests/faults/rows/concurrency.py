@@ -1,1 +1,279 @@
-HELP=""
+"""Many sessions at once, and races inside one session: no file is mixed or lost."""
+
+import bisect
+import hashlib
+import multiprocessing
+import random
+import threading
+import time
+
+from support.board import Board, OPERATOR
+from support.caseRuns import Outcome, Result, keep
+from support.configurationFile import ConfigurationFile, decodeConfigurationFile, decodeState
+from support.program import runProgram
+from support.requestTypes import get, multipart, noticesOf, post, postParts
+from support.response import MalformedResponse, parseResponse
+from support.scene import STATE, TARGETS, backupFile, stagedFile
+
+HELP = "many sessions at once and races inside one session, by SHA-256"
+
+# (sessions, rounds of each, races)
+SHORT = (8, 5, 60)
+LONG = (64, 500, 10000)
+
+DEADLINE_SECONDS = 120  # all programs share the processors
+DOWNLOAD_EVERY = 10
+UPLOAD_SIZES = (300, 5000, 70000)
+
+
+def digest(data):
+    return hashlib.sha256(data).hexdigest()
+
+
+def payloadOf(session, number):
+    """A payload that nobody else has, and that says everywhere whose it is."""
+    mark = f"session {session} upload {number} ".encode()
+    return mark * (UPLOAD_SIZES[number % len(UPLOAD_SIZES)] // len(mark) + 1)
+
+
+def fileOf(payload):
+    return ConfigurationFile(3, "1.23 B", "Sample", payload).encode()
+
+
+class Session:
+    """One operator. Keeps what was asked for and what was answered."""
+
+    def __init__(self, board, number, cookie):
+        self.board = board
+        self.number = number
+        self.cookie = cookie
+        self.problems = []
+        self.requests = 0
+        self.restores = []  # (begin, end, digest of the payload, whether it was confirmed)
+        self.backups = []  # (begin, end, digest of the payload)
+
+    def ask(self, request):
+        """The answer, None when there is no valid one."""
+        run = runProgram(self.board, request, deadline=DEADLINE_SECONDS)
+        self.requests += 1
+        try:
+            if run.timedOut or run.signal is not None:
+                raise MalformedResponse(f"signal {run.signal}, timed out: {run.timedOut}")
+            return parseResponse(run.output)
+        except MalformedResponse as reason:
+            self.problems.append(f"session {self.number}: {reason}")
+            return None
+
+    def expect(self, true, problem):
+        if not true:
+            self.problems.append(f"session {self.number}: {problem}")
+
+    def round(self, number):
+        payload = payloadOf(self.number, number)
+        self.upload(fileOf(payload))
+        self.restore(payload)
+        self.backup(number)
+        self.discard()
+
+    def upload(self, data):
+        answer = self.ask(postParts(self.cookie, multipart(
+            {"functionID": 106, "hidden_status": 1}, "conf.dat", data)))
+        self.expect(answer and 'class="facts"' in answer.text, "an upload failed")
+        staged = self.board.read(stagedFile(self.cookie))
+        self.expect(staged is not None and digest(staged) == digest(data),
+                    "the staged file is not the one that was uploaded")
+
+    def restore(self, payload):
+        begin = time.monotonic()
+        fields = {"functionID": 106, "hidden_status": 2, **{f"pid{n}": n for n in TARGETS}}
+        answer = self.ask(postParts(self.cookie, multipart(fields)))
+        notice = noticesOf(answer) if answer else ""
+        confirmed = "configuration was restored." in notice
+        # Another session's restore is under way.
+        self.expect(confirmed or "[250-1047]" in notice, f"a restore failed: {notice}")
+        if confirmed:
+            self.restores.append((begin, time.monotonic(), digest(payload)))
+
+    def backup(self, number):
+        begin = time.monotonic()
+        body = f"functionID=105&hidden_status=BACKUP&radio_button={TARGETS[number % 2]}".encode()
+        answer = self.ask(post(self.cookie, body))
+        self.expect(answer and 'id="download_link"' in answer.text, "a backup failed")
+        saved = self.board.read(backupFile(self.cookie)) or b""
+        file = decodeConfigurationFile(saved)
+        self.expect(file and file.partition == TARGETS[number % 2], "a backup is not whole")
+        if file:
+            self.backups.append((begin, time.monotonic(), digest(file.payload)))
+        if answer and number % DOWNLOAD_EVERY == 0:
+            name = answer.text.split('id="download_link" href="')[1].split('"')[0].split("=")[-1]
+            download = self.ask(get(self.cookie, f"functionID=5&filename={name}",
+                                    "common/download.cgi"))
+            self.expect(download and digest(download.body) == digest(saved),
+                        "a download is not the backup")
+
+    def discard(self):
+        self.ask(post(self.cookie, b"functionID=106&hidden_status=3"))
+        self.expect(self.board.read(stagedFile(self.cookie)) is None, "a discarded file is there")
+
+
+def findLost(restores, backups, initial):
+    """Backups that hold what no restore has put there, or what another had surely replaced."""
+    problems = []
+    made = {restore[2]: restore for restore in restores}
+    byEnd = sorted(restores, key=lambda restore: restore[1])
+    ends = [restore[1] for restore in byEnd]
+    latestBegin = []
+    for restore in byEnd:
+        latestBegin.append(max(restore[0], latestBegin[-1] if latestBegin else 0))
+    for begin, end, payload in backups:
+        known = made.get(payload)
+        if known is None and payload not in initial:
+            problems.append("a backup holds what no confirmed restore has put there")
+            continue
+        before = bisect.bisect_left(ends, begin)
+        replaced = before > 0 and (known[1] if known else 0) < latestBegin[before - 1]
+        if replaced or (known and known[0] > end):
+            problems.append("a backup holds what was not the configuration then")
+    return problems
+
+
+def runSessions(root, programs, numbers, cookies, rounds, queue):
+    """The sessions of one process, each in a thread."""
+    board = RunningBoard(root, programs)
+    sessions = [Session(board, number, cookie) for number, cookie in zip(numbers, cookies)]
+
+    def work(session):
+        for number in range(rounds):
+            session.round(number)
+
+    threads = [threading.Thread(target=work, args=(session,)) for session in sessions]
+    for thread in threads:
+        thread.start()
+    for thread in threads:
+        thread.join()
+    for session in sessions:
+        queue.put((session.requests, session.restores, session.backups, session.problems))
+
+
+class RunningBoard:
+    """A board that another process looks after."""
+
+    def __init__(self, root, programs):
+        self.root = root
+        self.programs = programs
+
+    path = Board.path
+    read = Board.read
+
+
+def runManySessions(context, board, count, rounds):
+    initial = {digest(decodeState(board.read(STATE))[target]) for target in TARGETS}
+    cookies = [board.logIn(OPERATOR) for _ in range(count)]
+    queue = multiprocessing.Queue()
+    processes = []
+    for index in range(context.jobs):
+        numbers = list(range(count))[index::context.jobs]
+        processes.append(multiprocessing.Process(target=runSessions, args=(
+            board.root, board.programs, numbers, [cookies[n] for n in numbers], rounds, queue)))
+    for process in processes:
+        process.start()
+    requests, restores, backups, problems = 0, [], [], []
+    for _ in range(count):
+        asked, restored, saved, wrong = queue.get()
+        requests += asked
+        restores += restored
+        backups += saved
+        problems += wrong
+    for process in processes:
+        process.join()
+    board.waitUntilQuiet()
+    state = decodeState(board.read(STATE))
+    now = time.monotonic()
+    backups += [(now, now, digest(state[target])) for target in TARGETS]
+    if state[TARGETS[0]] != state[TARGETS[1]]:
+        problems.append("the targets of a restore hold different configurations")
+    problems += findLost(restores, backups, initial)
+    problems += leftovers(board)
+    return requests, len(restores), problems
+
+
+def leftovers(board):
+    return [f"{path} is left behind" for path in board.files("var/tmp", "var/lib/board")
+            if "upload_" in path or ".aside-" in path]
+
+
+def race(board, session, one, other):
+    """Two requests of one session at the same time; afterwards every file is one that belongs."""
+    before = {path: board.read(path) for path in (stagedFile(session.cookie),
+                                                  backupFile(session.cookie))}
+    staged = {None, before[stagedFile(session.cookie)]}
+    state = decodeState(board.read(STATE))
+    payloads = {digest(state[target]) for target in TARGETS}
+    answers = {}
+
+    def work(name, step):
+        answers[name] = session.ask(step(session.cookie))
+
+    threads = []
+    for name, (step, data) in (("one", one), ("other", other)):
+        if data is not None:
+            staged.add(data)
+        threads.append(threading.Thread(target=work, args=(name, step)))
+    for thread in threads:
+        thread.start()
+    for thread in threads:
+        thread.join()
+    board.waitUntilQuiet()
+    now = board.read(stagedFile(session.cookie))
+    session.expect(now in staged, "a race has left a mixed staged file")
+    state = decodeState(board.read(STATE))
+    session.expect(state is not None, "a race has left a damaged state")
+    payloads |= {digest(state[target]) for target in TARGETS}
+    saved = board.read(backupFile(session.cookie))
+    if saved and saved != before[backupFile(session.cookie)]:
+        file = decodeConfigurationFile(saved)
+        session.expect(file is not None and digest(file.payload) in payloads,
+                       "a race has left a mixed backup")
+
+
+def steps(number):
+    """What may race: (a function from the cookie to the request, what it may stage)."""
+
+    def upload(data):
+        return (lambda cookie: postParts(cookie, multipart(
+            {"functionID": 106, "hidden_status": 1}, "conf.dat", data)), data)
+
+    def backup(partition):
+        body = f"functionID=105&hidden_status=BACKUP&radio_button={partition}".encode()
+        return (lambda cookie: post(cookie, body), None)
+
+    restore = (lambda cookie: postParts(cookie, multipart(
+        {"functionID": 106, "hidden_status": 2, **{f"pid{n}": n for n in TARGETS}})), None)
+    discard = (lambda cookie: post(cookie, b"functionID=106&hidden_status=3"), None)
+    return [upload(fileOf(payloadOf("one", number))), upload(fileOf(payloadOf("other", number))),
+            backup(TARGETS[0]), backup(TARGETS[1]), restore, restore, discard]
+
+
+def runRaces(context, board, count):
+    session = Session(board, "of the races", board.logIn(OPERATOR))
+    choice = random.Random(context.seed)
+    for number in range(count):
+        one, other = choice.sample(steps(number), 2)
+        race(board, session, one, other)
+    return session.requests, session.problems + leftovers(board)
+
+
+def run(context):
+    count, rounds, races = LONG if context.long else SHORT
+    board = Board(context.installation)
+    board.start()
+    try:
+        requests, restored, problems = runManySessions(context, board, count, rounds)
+        raced, more = runRaces(context, board, races)
+    finally:
+        board.remove()
+    result = Result(requests + raced, figures={"sessions": count, "rounds each": rounds,
+                                               "confirmed restores": restored, "races": races})
+    for problem in problems + more:
+        result.violations.append(keep(context, "concurrency", None, Outcome([problem])))
+    return result
