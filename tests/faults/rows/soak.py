@@ -1,1 +1,206 @@
-HELP=""
+"""Many requests in a row: nothing grows."""
+
+import html
+import multiprocessing
+import os
+import re
+import threading
+import time
+
+from support.board import sampleFile
+from support.caseRuns import Outcome, Result, keep
+from support.requestTypes import BOUNDARY, multipart
+from support.webBoard import Browser, WebBoard
+
+HELP = "200,000 requests in a row: no growth of files, memory, descriptors, zombies, logs"
+
+SHORT_REQUESTS = 1500
+LONG_REQUESTS = 200000
+
+SCREEN = "/maintenance/efi_backup_restore.cgi"
+PARTS = f"multipart/form-data; boundary={BOUNDARY}"
+
+# The memory of a process comes to rest after its first requests: it is compared from the middle on.
+MEMORY_GROWTH = 1024  # KiB
+LARGEST_LOG = 1024 * 1024
+LOGS = re.compile(r"^(trace\.log|web\.log)(\.1)?$")
+SLACK = 8192
+
+
+class Client:
+    """One user. Every request is checked for the status that it must have."""
+
+    def __init__(self, port):
+        self.browser = Browser(port)
+        self.browser.logIn("admin")
+        self.small = multipart({"functionID": 106, "hidden_status": 1}, "conf.dat",
+                               sampleFile("soak", 5000))
+        self.broken = multipart({"functionID": 106, "hidden_status": 1}, "conf.dat", b"no file")
+        self.restore = multipart({"functionID": 106, "hidden_status": 2, "pid3": 3})
+        self.download = ""
+        self.problems = []
+
+    def expect(self, wanted, answer):
+        if answer[0] != wanted and len(self.problems) < 20:
+            self.problems.append(f"status {answer[0]} and not {wanted}: {answer[2][:200]!r}")
+        return answer
+
+    def backup(self):
+        body = self.expect(200, self.browser.ask(
+            "POST", SCREEN, b"functionID=105&hidden_status=BACKUP&radio_button=3"))[2]
+        match = re.search(rb'id="download_link" href="([^"]*)"', body)
+        self.download = html.unescape(match[1].decode()) if match else ""
+
+    def logInAnew(self):
+        self.expect(303, self.browser.ask("POST", "/logout.cgi", b""))
+        self.browser.logIn("admin")
+
+    def step(self, number):
+        ask, expect = self.browser.ask, self.expect
+        turn = number % 20
+        if turn == 0:
+            self.backup()
+        elif turn == 1 and self.download:
+            expect(200, ask("GET", self.download))
+        elif turn in (2, 3):
+            expect(200, ask("POST", SCREEN, self.small, PARTS))
+        elif turn == 4:
+            # Another client's restore may be under way; the page then says so.
+            answer = ask("POST", SCREEN, self.restore, PARTS)
+            if answer[0] != 200:
+                expect(200, answer)
+        elif turn == 5:
+            expect(200, ask("POST", SCREEN, b"functionID=106&hidden_status=3"))
+        elif turn == 6:
+            expect(200, ask("POST", SCREEN, self.broken, PARTS))
+        elif turn == 7:
+            expect(400, ask("GET", SCREEN + "?functionID=999"))
+        elif turn == 8:
+            expect(404, ask("GET", f"/nothing{number}"))
+        elif turn == 9:
+            expect(405, ask("PUT", SCREEN, b"x"))
+        elif turn == 10 and number % 200 == 10:
+            self.logInAnew()
+        elif turn < 14:
+            expect(200, ask("GET", SCREEN + "?functionID=105"))
+        elif turn < 17:
+            expect(200, ask("GET", SCREEN + "?functionID=106"))
+        else:
+            expect(200, ask("GET", "/"))
+
+
+def runClient(port, count, done, queue):
+    client = Client(port)
+    try:
+        for number in range(count):
+            client.step(number)
+            done.value += 1
+        client.expect(303, client.browser.ask("POST", "/logout.cgi", b""))
+    except Exception as failure:
+        client.problems.append(f"{type(failure).__name__}: {failure}")
+    client.browser.close()
+    queue.put(client.problems)
+
+
+def status(pid, field):
+    with open(f"/proc/{pid}/status", encoding="ascii", errors="replace") as lines:
+        for line in lines:
+            if line.startswith(field + ":"):
+                return int(line.split()[1])
+    return 0
+
+
+def zombies(parents):
+    count = 0
+    for name in os.listdir("/proc"):
+        if name.isdigit():
+            try:
+                with open(f"/proc/{name}/stat", encoding="ascii", errors="replace") as text:
+                    state, parent = text.read().rpartition(")")[2].split()[:2]
+            except OSError:
+                continue
+            count += state == "Z" and int(parent) in parents
+    return count
+
+
+def measure(board):
+    """What could grow."""
+    figures = {}
+    for name, pid in (("back-end", board.backend), ("web server", board.webServer)):
+        figures[f"{name} memory"] = status(pid, "VmRSS")
+        figures[f"{name} descriptors"] = len(os.listdir(f"/proc/{pid}/fd"))
+        figures[f"{name} threads"] = status(pid, "Threads")
+    figures["zombies"] = zombies({board.backend, board.webServer, board.process.pid})
+    figures["files"] = sum(len(names) for _, _, names in os.walk(board.path("var")))
+    figures["logs"] = max(os.path.getsize(board.path("var/log", name))
+                          for name in os.listdir(board.path("var/log")) if LOGS.match(name))
+    return figures
+
+
+def compare(early, late):
+    problems = []
+    for name, value in late.items():
+        if name == "logs":
+            limit = LARGEST_LOG + SLACK
+        elif name == "zombies":
+            limit = 0
+        else:
+            limit = early[name] + (MEMORY_GROWTH if name.endswith("memory") else 0)
+        if value > limit:
+            problems.append(f"{name} grew from {early[name]} to {value}")
+    return problems
+
+
+def atRest(board, seconds=20):
+    """What is measured when every program and every connection has ended."""
+    end = time.monotonic() + seconds
+    while status(board.backend, "Threads") > 1 and time.monotonic() < end:
+        time.sleep(0.05)
+    time.sleep(0.2)
+    return measure(board)
+
+
+def runHalf(board, count, jobs, samples):
+    """So many requests by several clients, which are gone at the end."""
+    queue = multiprocessing.Queue()
+    done = [multiprocessing.Value("L", 0) for _ in range(jobs)]
+    clients = [multiprocessing.Process(target=runClient,
+                                       args=(board.port, count // jobs, value, queue))
+               for value in done]
+    for client in clients:
+        client.start()
+    ended = threading.Event()
+
+    def watch():
+        while not ended.wait(max(0.5, count / 20000)):
+            samples.append((sum(value.value for value in done), measure(board)))
+
+    watcher = threading.Thread(target=watch)
+    watcher.start()
+    problems = [problem for _ in clients for problem in queue.get()]
+    for client in clients:
+        client.join()
+    ended.set()
+    watcher.join()
+    return sum(value.value for value in done), problems
+
+
+def run(context):
+    count = LONG_REQUESTS if context.long else SHORT_REQUESTS
+    board = WebBoard(context.project, os.path.basename(context.installation.build))
+    samples = []
+    try:
+        before, problems = runHalf(board, count // 2, context.jobs, samples)
+        early = atRest(board)
+        after, more = runHalf(board, count - count // 2, context.jobs, samples)
+        late = atRest(board)
+    finally:
+        board.remove()
+    problems += more + compare(early, late)
+    worst = max(sample["zombies"] for _, sample in samples) if samples else 0
+    result = Result(before + after, figures={
+        **{name: f"{early[name]} -> {value}" for name, value in late.items()},
+        "most programs at once that nobody had waited for": worst})
+    for problem in problems:
+        result.violations.append(keep(context, "soak", None, Outcome([problem])))
+    return result

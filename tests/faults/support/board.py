@@ -122,7 +122,7 @@ class Board:
                     with open(f"/proc/{pid}/comm", encoding="ascii") as name:
                         if name.read().strip() == "efi_backend":
                             return int(pid)
-        except FileNotFoundError:
+        except (FileNotFoundError, ProcessLookupError):
             pass
         return None
 
@@ -134,7 +134,7 @@ class Board:
             try:
                 if pid is None or len(os.listdir(f"/proc/{pid}/task")) == 1:
                     return True
-            except FileNotFoundError:
+            except (FileNotFoundError, ProcessLookupError):
                 return True
             time.sleep(0.001)
         return False
@@ -190,7 +190,7 @@ def isAlive(pid):
     try:
         with open(f"/proc/{pid}/stat", encoding="ascii", errors="replace") as status:
             return status.read().rpartition(")")[2].split()[0] != "Z"
-    except FileNotFoundError:
+    except (FileNotFoundError, ProcessLookupError):
         return False
 
 

@@ -1,0 +1,90 @@
+"""A whole board behind its web server, started as anybody starts it."""
+
+import http.client
+import os
+import re
+import resource
+import shutil
+import signal
+import subprocess
+import tempfile
+
+
+class WebBoard:
+    """Runs ./serve on a free port and a root of its own, from construction to remove()."""
+
+    def __init__(self, project, preset, openFiles=None):
+        self.root = tempfile.mkdtemp(prefix="faults-web-")
+
+        def limit():
+            if openFiles is not None:
+                resource.setrlimit(resource.RLIMIT_NOFILE, openFiles)
+
+        self.process = subprocess.Popen(
+            [os.path.join(project, "serve"), "--no-build", "--preset", preset, "--port", "0",
+             "--root", self.root],
+            stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True,
+            preexec_fn=limit)
+        line = self.process.stdout.readline()
+        match = re.fullmatch(r"Serving http://127\.0\.0\.1:(\d+)/\n", line)
+        if not match:
+            self.remove()
+            raise RuntimeError(f"./serve did not start: {line!r}")
+        self.port = int(match[1])
+        self.backend = self.child("efi_backend")
+        self.webServer = self.child("lighttpd")
+
+    def child(self, name):
+        """The number of the process that ./serve has started under this name."""
+        with open(f"/proc/{self.process.pid}/task/{self.process.pid}/children",
+                  encoding="ascii") as children:
+            for pid in children.read().split():
+                with open(f"/proc/{pid}/comm", encoding="ascii") as comm:
+                    if comm.read().strip() == name:
+                        return int(pid)
+        raise RuntimeError(f"{name} does not run")
+
+    def path(self, *parts):
+        return os.path.join(self.root, *parts)
+
+    def remove(self):
+        if self.process.poll() is None:
+            self.process.send_signal(signal.SIGTERM)
+            self.process.wait(60)
+        self.process.stdout.close()
+        shutil.rmtree(self.root, ignore_errors=True)
+
+
+class Browser:
+    """One user's connection, kept open."""
+
+    def __init__(self, port, timeout=60):
+        self.connection = http.client.HTTPConnection("127.0.0.1", port, timeout=timeout)
+        self.port = port
+        self.cookie = None
+
+    def ask(self, method, target, body=None, kind="application/x-www-form-urlencoded"):
+        """(status, headers, body)"""
+        headers = {"Content-Type": kind} if body is not None else {}
+        if self.cookie:
+            headers["Cookie"] = "session=" + self.cookie
+        try:
+            self.connection.request(method, target, body, headers)
+            response = self.connection.getresponse()
+        except (http.client.RemoteDisconnected, BrokenPipeError, ConnectionResetError):
+            # The server has ended a connection that was kept open for long.
+            self.connection.close()
+            self.connection.request(method, target, body, headers)
+            response = self.connection.getresponse()
+        return response.status, response.headers, response.read()
+
+    def logIn(self, user):
+        self.cookie = None
+        _, headers, _ = self.ask("POST", "/login.cgi", f"user={user}&password={user}")
+        match = re.match(r"session=([^;]+)", headers.get("Set-Cookie", ""))
+        if not match:
+            raise RuntimeError(f"{user} cannot log in")
+        self.cookie = match[1]
+
+    def close(self):
+        self.connection.close()
