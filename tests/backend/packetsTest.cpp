@@ -219,6 +219,25 @@ TEST(HardInstallInfoPacket, memberThatIsNotAsLongAsItsLengthIsRefused) {
     EXPECT_FALSE(deserialize(packet, bytes));
 }
 
+TEST(HardInstallInfoPacket, lengthsThatEvenOutDoNotHideWhatWasNotUnderstood) {
+    // A collection of two: an element of no bytes, which has not even a count, and an empty one
+    // with two bytes behind it. What they become would be as long as what came.
+    const std::string empty = "000000020000";
+    std::string text = empty +
+                       "0000000A"
+                       "0002"
+                       "0000"
+                       "0004"
+                       "00007A7A";
+    for (int member = 2; member < 11; ++member) {
+        text += empty;
+    }
+    HardInstallInfoPacket packet;
+    fill(packet);
+    EXPECT_FALSE(deserialize(packet, fromHexadecimal(text)));
+    EXPECT_EQ(toHexadecimal(serialize(packet)), HARDWARE_BYTES);
+}
+
 TEST(HardInstallInfoPacket, faultWithinACollectionThrowsAndChangesNothing) {
     Bytes bytes = fromHexadecimal(HARDWARE_BYTES);
     bytes[21] = 0x04;  // the collection's element runs past the end of the collection

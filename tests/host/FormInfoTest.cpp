@@ -145,8 +145,12 @@ TEST(FormInfoHostTest, onlyAFormIsReadAsAForm) {
     EXPECT_EQ(askTyped("application/x-www-form-urlencoded; charset=UTF-8"), "[1]");
     EXPECT_EQ(askTyped("application/x-www-form-urlencoded;charset=UTF-8"), "[1]");
     EXPECT_EQ(askTyped(""), "[1]");
+    EXPECT_EQ(askTyped("Application/X-WWW-Form-URLencoded"), "[1]");
+    EXPECT_EQ(askTyped("application/x-www-form-urlencoded ; charset=UTF-8"), "[1]");
+    EXPECT_EQ(askTyped(" application/x-www-form-urlencoded\t"), "[1]");
     for (const char* type : {"text/plain", "application/json", "application/x-www-form-urlencodedx",
-                             "application/x-www-form", ";"}) {
+                             "application/x-www-form", "application/x-www-form urlencoded",
+                             "x; application/x-www-form-urlencoded", ";"}) {
         EXPECT_EQ(askTyped(type), "absent") << type;
     }
 }

@@ -4,8 +4,10 @@
 #include "data/containerExceptions.h"
 #include "platform/host/channel/boardRecords.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
+#include <vector>
 
 namespace VeskLib::VeskUi {
 
@@ -32,6 +34,18 @@ void exchangeContents(HardInstallInfoPacket& one, HardInstallInfoPacket& other) 
     for (std::size_t i = 0; i < std::size(one.byteArrays); ++i) {
         one.byteArrays[i].records.swap(other.byteArrays[i].records);
     }
+}
+
+// Whether the packet's own wire form is exactly these bytes. The containers pass over what they do
+// not understand; a packet that was not understood as a whole is none.
+bool isWrittenAs(const HardInstallInfoPacket& packet, const unsigned char* buffer,
+                 unsigned int size) {
+    if (packet.getSerializedSize() != size) {
+        return false;
+    }
+    std::vector<unsigned char> bytes(size);
+    packet.getSerialized(bytes.data(), size);
+    return std::equal(bytes.begin(), bytes.end(), buffer);
 }
 
 // The word of the board's record; 0 when there is no such board.
@@ -92,12 +106,11 @@ bool HardInstallInfoPacket::setSerialized(const unsigned char* buffer, unsigned 
     for (SerializableObject* member : membersOf<SerializableObject>(read)) {
         const unsigned int length = reader.readU32();
         const unsigned char* bytes = reader.readBytes(length);
-        if (reader.failed() || !member->setSerialized(bytes, length) ||
-            member->getSerializedSize() != length) {
+        if (reader.failed() || !member->setSerialized(bytes, length)) {
             return false;
         }
     }
-    if (reader.remaining() != 0) {
+    if (reader.remaining() != 0 || !isWrittenAs(read, buffer, size)) {
         return false;
     }
     exchangeContents(*this, read);

@@ -8,7 +8,6 @@
 #include <nl_types.h>
 
 #include <string>
-#include <string_view>
 
 namespace VeskLib::Host {
 
@@ -62,11 +61,14 @@ const char* languageTag(int language) {
     return TAGS[language >= 0 && language < LANGUAGE_COUNT ? language : ENGLISH];
 }
 
+int chooseLanguage(std::string_view cookie, std::string_view accepted) {
+    const int chosen = findLanguage(cookie);
+    return chosen >= 0 ? chosen : findAccepted(accepted);
+}
+
 int requestLanguage() {
-    static const int LANGUAGE = [] {
-        const int chosen = findLanguage(readCookie(LANGUAGE_COOKIE));
-        return chosen >= 0 ? chosen : findAccepted(readEnvironment("HTTP_ACCEPT_LANGUAGE"));
-    }();
+    static const int LANGUAGE =
+        chooseLanguage(readCookie(LANGUAGE_COOKIE), readEnvironment("HTTP_ACCEPT_LANGUAGE"));
     return LANGUAGE;
 }
 

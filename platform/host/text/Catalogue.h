@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string_view>
+
 namespace VeskLib::Host {
 
 // The message catalogues, one file per language made by gencat and read with catgets. In each,
@@ -17,8 +19,11 @@ inline constexpr const char* LANGUAGE_COOKIE = "language";
 // The language tag, "en" or "ja"; English for an unknown number.
 const char* languageTag(int language);
 
-// The language of the request: the language cookie when it names one of ours, else the first of
-// ours in Accept-Language, else English. Found once per process.
+// The language cookie's when that names one of ours, else the first of ours in Accept-Language,
+// else English.
+int chooseLanguage(std::string_view cookie, std::string_view accepted);
+
+// The language of the request. Chosen once per process.
 int requestLanguage();
 
 // The text, or null when the catalogue has none. It stays valid for the life of the process.

@@ -7,6 +7,7 @@
 #include "platform/host/web/RequestBody.h"
 #include "platform/host/web/UploadFile.h"
 #include "platform/host/web/UrlencodedReader.h"
+#include "platform/host/web/headerValue.h"
 #include "platform/host/web/requestChecks.h"
 
 #include <map>
@@ -28,10 +29,8 @@ using Fields = std::map<std::string, std::string>;
 const std::string_view URLENCODED = "application/x-www-form-urlencoded";
 const std::string_view MULTIPART = "multipart/form-data";
 
-// Whether the body is of `type`, whatever parameters follow it.
 bool isBodyType(const std::string& contentType, std::string_view type) {
-    return contentType == type ||
-           (contentType.starts_with(type) && contentType[type.size()] == ';');
+    return Host::equalsIgnoringCase(Host::mainValue(contentType), type);
 }
 
 [[noreturn]] void refuseSize(const char* problem) {

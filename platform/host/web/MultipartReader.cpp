@@ -2,6 +2,7 @@
 
 #include "platform/host/base/platformException.h"
 #include "platform/host/web/FormLimits.h"
+#include "platform/host/web/headerValue.h"
 #include "platform/host/web/partHeader.h"
 
 #include <algorithm>
@@ -39,8 +40,11 @@ void MultipartReader::feed(std::string_view piece) {
         return;
     }
     pending += piece;
+    rest = pending;
     while (step()) {
     }
+    // Once for the whole piece: each erasure moves all that is left.
+    pending.erase(0, pending.size() - rest.size());
 }
 
 void MultipartReader::finish() {
@@ -49,7 +53,7 @@ void MultipartReader::finish() {
     }
 }
 
-// Understands as much of `pending` as it can; false when it needs more.
+// Understands as much of `rest` as it can; false when it needs more.
 bool MultipartReader::step() {
     switch (state) {
         case State::PREAMBLE:
@@ -61,36 +65,36 @@ bool MultipartReader::step() {
         case State::BODY:
             return readBody();
         case State::EPILOGUE:
-            pending.clear();
+            rest = {};
             return false;
     }
     return false;
 }
 
-// How much of `pending` cannot be the beginning of a delimiter.
+// How much of `rest` cannot be the beginning of a delimiter.
 std::size_t MultipartReader::safeLength() const {
-    return pending.size() < delimiter.size() ? 0 : pending.size() - delimiter.size() + 1;
+    return rest.size() < delimiter.size() ? 0 : rest.size() - delimiter.size() + 1;
 }
 
 bool MultipartReader::skipPreamble() {
-    const std::size_t position = pending.find(delimiter);
-    if (position == std::string::npos) {
-        pending.erase(0, safeLength());
+    const std::size_t position = rest.find(delimiter);
+    if (position == std::string_view::npos) {
+        rest.remove_prefix(safeLength());
         return false;
     }
-    pending.erase(0, position + delimiter.size());
+    rest.remove_prefix(position + delimiter.size());
     state = State::DELIMITER_END;
     return true;
 }
 
 // A delimiter ends its line, or is the last one and ends in "--".
 bool MultipartReader::endDelimiter() {
-    if (pending.size() < 2) {
+    if (rest.size() < 2) {
         return false;
     }
-    if (pending.starts_with("--")) {
+    if (rest.starts_with("--")) {
         state = State::EPILOGUE;
-    } else if (pending.starts_with(LINE_BREAK)) {
+    } else if (rest.starts_with(LINE_BREAK)) {
         // The line break stays: it may be the first half of the header's end.
         state = State::HEADER;
     } else {
@@ -100,38 +104,38 @@ bool MultipartReader::endDelimiter() {
 }
 
 bool MultipartReader::readHeader() {
-    const std::size_t end = pending.find(HEADER_END);
+    const std::size_t end = rest.find(HEADER_END, searched);
     // Up to three bytes of the header's end may be there already; they are no part of it.
-    const std::size_t length =
-        end == std::string::npos ? pending.size() - std::min(pending.size(), HEADER_END.size() - 1)
-                                 : end;
+    searched = rest.size() - std::min(rest.size(), HEADER_END.size() - 1);
+    const std::size_t length = std::min(end, searched);
     if (length > FormLimits::PART_HEADER_LENGTH + LINE_BREAK.size()) {
         throw makePlatformException(REQUEST_TOO_LARGE, "A part's header is too long");
     }
-    if (end == std::string::npos) {
+    if (end == std::string_view::npos) {
         return false;
     }
     if (++partCount > FormLimits::FIELDS) {
         throw makePlatformException(REQUEST_TOO_LARGE, "There are too many parts");
     }
-    const PartHeader header = parsePartHeader(std::string_view(pending).substr(0, end));
-    pending.erase(0, end + HEADER_END.size());
+    searched = 0;
+    const PartHeader header = parsePartHeader(rest.substr(0, end));
+    rest.remove_prefix(end + HEADER_END.size());
     handler.beginPart(header.name, header.isFile ? &header.fileName : nullptr);
     state = State::BODY;
     return true;
 }
 
 bool MultipartReader::readBody() {
-    const std::size_t position = pending.find(delimiter);
-    const std::size_t length = position == std::string::npos ? safeLength() : position;
+    const std::size_t position = rest.find(delimiter);
+    const std::size_t length = position == std::string_view::npos ? safeLength() : position;
     if (length != 0) {
-        handler.takeBytes(std::string_view(pending).substr(0, length));
-        pending.erase(0, length);
+        handler.takeBytes(rest.substr(0, length));
+        rest.remove_prefix(length);
     }
-    if (position == std::string::npos) {
+    if (position == std::string_view::npos) {
         return false;
     }
-    pending.erase(0, delimiter.size());
+    rest.remove_prefix(delimiter.size());
     handler.endPart();
     state = State::DELIMITER_END;
     return true;

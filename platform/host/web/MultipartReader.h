@@ -48,8 +48,10 @@ private:
     std::size_t safeLength() const;
 
     MultipartHandler& handler;
-    std::string delimiter;  // with the line break in front
-    std::string pending;    // read, and not yet understood
+    std::string delimiter;     // with the line break in front
+    std::string pending;       // read, and not yet understood
+    std::string_view rest;     // of `pending`, within feed()
+    std::size_t searched = 0;  // of `rest`: the header does not end there
     State state = State::PREAMBLE;
     std::size_t partCount = 0;
 };

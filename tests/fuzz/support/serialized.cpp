@@ -1,0 +1,22 @@
+#include "tests/fuzz/support/serialized.h"
+
+#include "tests/fuzz/support/require.h"
+
+namespace VeskLib::Fuzz {
+
+std::vector<unsigned char> serialized(const VeskUi::SerializableObject& object) {
+    std::vector<unsigned char> bytes(object.getSerializedSize());
+    const unsigned int written =
+        object.getSerialized(bytes.data(), static_cast<unsigned int>(bytes.size()));
+    require(written == bytes.size(), "an object writes as many bytes as it says");
+    return bytes;
+}
+
+void requireRoundTrip(const VeskUi::SerializableObject& object, VeskUi::SerializableObject& empty) {
+    const std::vector<unsigned char> bytes = serialized(object);
+    require(empty.setSerialized(bytes.data(), static_cast<unsigned int>(bytes.size())),
+            "an object takes what another has written");
+    require(serialized(empty) == bytes, "what was taken is written as it was");
+}
+
+}  // namespace VeskLib::Fuzz

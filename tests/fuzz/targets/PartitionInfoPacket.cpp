@@ -1,0 +1,36 @@
+// The packet of the partitions. It is either taken exactly as it came, or not at all.
+
+#include "tests/fuzz/support/input.h"
+#include "tests/fuzz/support/require.h"
+#include "tests/fuzz/support/serialized.h"
+
+#include <VeskLib/VeskUi/PartitionInfoPacket.h>
+
+using namespace VeskLib;
+using VeskUi::PartitionInfoPacket;
+
+namespace {
+
+// No number is out of a query's reach.
+void query(const PartitionInfoPacket& packet) {
+    for (const int number : {-1, 0, 1, 255, 65536, 0x7FFFFFFF}) {
+        std::vector<unsigned char> ids = {1, 2, 3};
+        packet.getNodeIds(number, ids);
+        const bool nothing =
+            !packet.isInstalled(number) && packet.getPartitionName(number).empty() && ids.empty();
+        Fuzz::require(number != -1 || nothing, "there is no partition -1");
+    }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::vector<unsigned char> bytes = Fuzz::bytesOf(data, size);
+    PartitionInfoPacket packet;
+    const std::vector<unsigned char> former = Fuzz::serialized(packet);
+    const bool taken = packet.setSerialized(bytes.data(), static_cast<unsigned int>(size));
+    Fuzz::require(Fuzz::serialized(packet) == (taken ? bytes : former),
+                  "a packet holds what came, or what it held");
+    query(packet);
+    return 0;
+}

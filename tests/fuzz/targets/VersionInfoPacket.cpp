@@ -1,0 +1,36 @@
+// The packet of the firmware versions. It is either taken exactly as it came, or not at all.
+
+#include "tests/fuzz/support/input.h"
+#include "tests/fuzz/support/require.h"
+#include "tests/fuzz/support/serialized.h"
+
+#include <VeskLib/VeskUi/VersionInfoPacket.h>
+
+using namespace VeskLib;
+using VeskUi::VersionInfoPacket;
+
+namespace {
+
+// No number is out of a query's reach.
+void query(const VersionInfoPacket& packet) {
+    for (const int number : {-1, 0, 1, 15, 65536, 0x7FFFFFFF}) {
+        for (const int bank : {-1, 0, 1}) {
+            const std::string version = packet.getBIOSVersion(number, bank);
+            Fuzz::require((number >= 0 && bank == 0) || version == "-",
+                          "an unknown version is called so");
+        }
+    }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::vector<unsigned char> bytes = Fuzz::bytesOf(data, size);
+    VersionInfoPacket packet;
+    const std::vector<unsigned char> former = Fuzz::serialized(packet);
+    const bool taken = packet.setSerialized(bytes.data(), static_cast<unsigned int>(size));
+    Fuzz::require(Fuzz::serialized(packet) == (taken ? bytes : former),
+                  "a packet holds what came, or what it held");
+    query(packet);
+    return 0;
+}

@@ -1,0 +1,102 @@
+// A request frame as the back-end answers it, on a small board with one user. An input is the
+// frame without the length in front.
+
+#include "board/backend/BoardService.h"
+#include "data/HardInstallInfoPacket.h"
+#include "data/requestNumbers.h"
+#include "platform/host/channel/Login.h"
+#include "tests/backend/support/sampleBoard.h"
+#include "tests/fuzz/support/environment.h"
+#include "tests/fuzz/support/input.h"
+#include "tests/fuzz/support/require.h"
+
+#include <VeskLib/VeskUi/PartitionInfoPacket.h>
+#include <VeskLib/VeskUi/VersionInfoPacket.h>
+#include <VeskLib/getCGIPath.h>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+using namespace VeskLib;
+using Host::RequestKind;
+using Bytes = std::vector<unsigned char>;
+
+namespace {
+
+// The back-end, with everything that it needs. It logs each refusal, which nobody wants to see
+// here.
+struct Backend {
+    Backend() {
+        // Of the password "secret", by a method that takes little time.
+        description.users.push_back({"admin", "$1$saltsalt$9xy1btjgzLYfb7hivXtC//", true, ""});
+    }
+
+    Host::ReplyFrame answer(const Host::RequestFrame& request) {
+        const int shown = ::dup(STDERR_FILENO);
+        ::dup2(hidden, STDERR_FILENO);
+        Host::ReplyFrame reply = service.answer(request);
+        ::dup2(shown, STDERR_FILENO);
+        ::close(shown);
+        return reply;
+    }
+
+    Board::BoardDescription description = Test::makeSampleBoard();
+    Board::ConfigurationStore store{getCGIPath("/var/tmp/configurations"), description};
+    Board::FaultSwitches switches;
+    Board::BoardService service{description, store, switches, getCGIPath("/var/run/restore.lock")};
+    int hidden = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
+};
+
+// Whether the order would end the process.
+bool isDeadly(const Host::RequestFrame& request) {
+    const std::string order(request.payload.begin(), request.payload.end());
+    return request.kind == RequestKind::CONTROL && order.find("die") != std::string::npos;
+}
+
+template <typename Packet>
+bool isExactly(const Bytes& payload) {
+    Packet packet;
+    return packet.setSerialized(payload.data(), static_cast<unsigned int>(payload.size()));
+}
+
+// Whether the client understands what it is answered.
+bool isUsable(const Host::RequestFrame& request, const Bytes& payload) {
+    Host::LoginAnswer rights;
+    switch (request.kind) {
+        case RequestKind::LOGIN:
+            return decode(payload, rights) && rights.everyFunction;
+        case RequestKind::SET:
+            return payload.empty();
+        case RequestKind::CONTROL:
+            return true;
+        case RequestKind::GET:
+            break;
+    }
+    return request.number == VeskUi::GET_PARTITION_INFO
+               ? isExactly<VeskUi::PartitionInfoPacket>(payload)
+           : request.number == VeskUi::GET_HARD_INSTALL_INFO
+               ? isExactly<VeskUi::HardInstallInfoPacket>(payload)
+               : request.number == VeskUi::GET_VERSION_INFO &&
+                     isExactly<VeskUi::VersionInfoPacket>(payload);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    Fuzz::useTemporaryRoot();
+    static Backend backend;
+    Host::RequestFrame request;
+    if (!decode(Fuzz::bytesOf(data, size), request) || isDeadly(request)) {
+        return 0;
+    }
+    const Host::ReplyFrame reply = backend.answer(request);
+    if (reply.errorCode != 0) {
+        Fuzz::require(reply.errorCode >= 1000 && reply.errorCode < 2000, "a refusal has its code");
+        Fuzz::require(reply.payload.empty(), "a refusal carries nothing");
+    } else {
+        Fuzz::require(isUsable(request, reply.payload), "the client understands the answer");
+    }
+    Fuzz::require(encode(reply).size() <= Host::LARGEST_FRAME, "an answer fits into a frame");
+    backend.switches.reset();
+    return 0;
+}

@@ -1,0 +1,62 @@
+// The description of a board, as the back-end reads it when it starts.
+
+#include "board/backend/BoardDescription.h"
+#include "tests/fuzz/support/input.h"
+#include "tests/fuzz/support/require.h"
+
+#include "platform/host/storage/ConfigurationFile.h"
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <stdexcept>
+
+using namespace VeskLib;
+
+namespace {
+
+// The path of a file that holds these bytes.
+const std::string& pathOf(const std::string& content) {
+    static const int MEMORY = ::memfd_create("board", 0);
+    static const std::string PATH = "/proc/self/fd/" + std::to_string(MEMORY);
+    Fuzz::require(
+        ::ftruncate(MEMORY, 0) == 0 && ::pwrite(MEMORY, content.data(), content.size(), 0) ==
+                                           static_cast<ssize_t>(content.size()),
+        "the description can be given");
+    return PATH;
+}
+
+void requireLimits(const Board::PartitionDescription& partition) {
+    Fuzz::require(partition.name.size() <= Host::LARGEST_PARTITION_NAME, "a name keeps its limit");
+    Fuzz::require(partition.initialPayload.size() < Host::LARGEST_CONFIGURATION_FILE,
+                  "a configuration fits into a file");
+    Fuzz::require(partition.installed || partition.initialPayload.empty(),
+                  "only an installed partition has a configuration");
+}
+
+void requireLimits(const Board::BoardDescription& description) {
+    Fuzz::require(description.partitions.size() <= 256, "a restore can name every partition");
+    for (const Board::PartitionDescription& partition : description.partitions) {
+        requireLimits(partition);
+        Fuzz::require(description.biosVersionOf(partition).size() <= Host::LARGEST_VERSION,
+                      "a version keeps its limit");
+    }
+    for (const Board::User& user : description.users) {
+        Fuzz::require(!user.name.empty() && user.passwordHash.starts_with('$'),
+                      "a user has a name and the hash of a password");
+        Fuzz::require(user.functions.find('\n') == std::string::npos, "functions are one line");
+    }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string& path = pathOf(Fuzz::textOf(data, size));
+    try {
+        requireLimits(Board::loadBoardDescription(path));
+    } catch (const std::runtime_error& problem) {
+        Fuzz::require(std::string(problem.what()).starts_with(path + ":"),
+                      "a mistake is reported with its file");
+    }
+    return 0;
+}

@@ -1,0 +1,20 @@
+// The file in which the back-end tells every process of the board its properties.
+
+#include "platform/host/channel/BoardProperties.h"
+#include "tests/fuzz/support/input.h"
+#include "tests/fuzz/support/require.h"
+
+using namespace VeskLib;
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const unsigned int former = 77;
+    Host::BoardProperties properties = {former};
+    if (!decode(Fuzz::bytesOf(data, size), properties)) {
+        Fuzz::require(properties.maxPartitions == former, "refused properties change nothing");
+        return 0;
+    }
+    Host::BoardProperties again;
+    Fuzz::require(decode(encode(properties), again), "properties that were written are taken");
+    Fuzz::require(again.maxPartitions == properties.maxPartitions, "they are the same");
+    return 0;
+}

@@ -1,0 +1,89 @@
+// What comes over a connection of the back-end channel, seen from both of its ends. An input is
+// everything that the other end sends before it goes away.
+
+#include "platform/host/channel/Frame.h"
+#include "platform/host/channel/FrameStream.h"
+#include "tests/fuzz/support/input.h"
+#include "tests/fuzz/support/require.h"
+
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <span>
+
+using namespace VeskLib;
+using Bytes = std::vector<unsigned char>;
+
+namespace {
+
+// What a connection's buffer takes without anybody reading.
+const std::size_t LARGEST_INPUT = 100000;
+const std::size_t LENGTH_SIZE = 4;
+const int NO_DEADLINE = 60000;
+
+// The other end of a connection over which `bytes` came.
+int openConnection(const Bytes& bytes) {
+    int ends[2] = {};
+    Fuzz::require(::socketpair(AF_UNIX, SOCK_STREAM, 0, ends) == 0, "there is a connection");
+    Fuzz::require(::send(ends[0], bytes.data(), bytes.size(), MSG_NOSIGNAL) ==
+                      static_cast<ssize_t>(bytes.size()),
+                  "the connection takes the input");
+    ::close(ends[0]);
+    return ends[1];
+}
+
+template <typename Frame>
+void checkFrame(const Bytes& bytes) {
+    Frame frame;
+    if (decode(bytes, frame)) {
+        Fuzz::require(encode(frame) == bytes, "a frame that was taken is written as it came");
+    } else {
+        Fuzz::require(frame.payload.empty(), "a refused frame changes nothing");
+    }
+}
+
+// The result and, when it is DONE, the frame that stands at the start of `rest`, which is taken.
+Host::StreamResult takeFrame(std::span<const unsigned char>& rest, Bytes& frame) {
+    if (rest.size() < LENGTH_SIZE) {
+        return rest.empty() ? Host::StreamResult::CLOSED : Host::StreamResult::BROKEN;
+    }
+    const std::uint64_t size = std::uint64_t{rest[0]} << 24 | std::uint64_t{rest[1]} << 16 |
+                               std::uint64_t{rest[2]} << 8 | rest[3];
+    if (size > Host::LARGEST_FRAME) {
+        return Host::StreamResult::OVERSIZED;
+    }
+    rest = rest.subspan(LENGTH_SIZE);
+    if (size > rest.size()) {
+        return Host::StreamResult::BROKEN;
+    }
+    frame.assign(rest.begin(), rest.begin() + static_cast<std::ptrdiff_t>(size));
+    rest = rest.subspan(size);
+    return Host::StreamResult::DONE;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    if (size > LARGEST_INPUT) {
+        return 0;
+    }
+    const Bytes input = Fuzz::bytesOf(data, size);
+    std::span<const unsigned char> rest = input;
+    const int connection = openConnection(input);
+    Host::StreamResult result = Host::StreamResult::DONE;
+    while (result == Host::StreamResult::DONE) {
+        Bytes expected;
+        Bytes received;
+        result = Host::receiveFrame(connection, received, Host::Deadline(NO_DEADLINE));
+        Fuzz::require(result == takeFrame(rest, expected), "a connection ends as it should");
+        Fuzz::require(received == expected, "a frame is what was sent, or none");
+        if (result == Host::StreamResult::DONE) {
+            checkFrame<Host::RequestFrame>(received);
+            checkFrame<Host::ReplyFrame>(received);
+            Fuzz::require(Host::withLength(received).size() == LENGTH_SIZE + received.size(),
+                          "a frame has its length in front");
+        }
+    }
+    ::close(connection);
+    return 0;
+}

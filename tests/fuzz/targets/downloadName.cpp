@@ -1,0 +1,31 @@
+// The name under which a backup is saved, and the header that carries it.
+
+#include "board/web/DownloadName.h"
+#include "board/web/utf8.h"
+#include "tests/fuzz/support/input.h"
+#include "tests/fuzz/support/require.h"
+
+#include <algorithm>
+
+using namespace VeskLib;
+using Board::DownloadName;
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string text = Fuzz::textOf(data, size);
+    const std::optional<DownloadName> name = DownloadName::parse(text);
+    if (!name) {
+        return 0;
+    }
+    Fuzz::require(text.ends_with(".dat") && Board::isPrintableUTF8(text), "a name is a name");
+    Fuzz::require(text.find_first_of("/\\\"'\r\n") == std::string::npos,
+                  "a name is neither a path nor leaves its header");
+    name->fits(Host::ConfigurationFile());
+
+    const std::string header = name->contentDisposition();
+    Fuzz::require(header.size() <= 100 + 4 * size, "a header is not much longer than its name");
+    Fuzz::require(std::all_of(header.begin(), header.end(),
+                              [](char character) { return character >= 0x20 && character < 0x7F; }),
+                  "a header is one line of ASCII");
+    Fuzz::require(std::count(header.begin(), header.end(), '"') == 2, "a name is quoted once");
+    return 0;
+}

@@ -1,0 +1,23 @@
+// The choice of a language. The first line of an input is the language cookie, the second one
+// Accept-Language.
+
+#include "platform/host/text/Catalogue.h"
+#include "tests/fuzz/support/input.h"
+#include "tests/fuzz/support/require.h"
+
+using namespace VeskLib;
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string input = Fuzz::textOf(data, size);
+    std::string_view accepted = input;
+    const std::string cookie = Fuzz::takeLine(accepted);
+    const int language = Host::chooseLanguage(cookie, accepted);
+    Fuzz::require(language >= 0 && language < Host::LANGUAGE_COUNT, "there is always a language");
+    for (int ours = 0; ours < Host::LANGUAGE_COUNT; ++ours) {
+        const std::string tag = Host::languageTag(ours);
+        Fuzz::require(Host::chooseLanguage(tag, input) == ours, "the cookie counts before all");
+        Fuzz::require(Host::chooseLanguage("", tag + "," + input) == ours,
+                      "the first accepted language counts before the others");
+    }
+    return 0;
+}

@@ -1,0 +1,45 @@
+// What is looked at before a request: the lines of an input are the method, Sec-Fetch-Site,
+// Origin and Host.
+
+#include "platform/host/web/requestChecks.h"
+#include "tests/fuzz/support/environment.h"
+#include "tests/fuzz/support/input.h"
+#include "tests/fuzz/support/require.h"
+
+using namespace VeskLib;
+using Host::RequestVerdict;
+
+namespace {
+
+// The part of a line that an environment variable holds.
+std::string takeVariable(std::string_view& rest) {
+    const std::string line = Fuzz::takeLine(rest);
+    return line.substr(0, line.find('\0'));
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string input = Fuzz::textOf(data, size);
+    std::string_view rest = input;
+    const std::string method = takeVariable(rest);
+    const std::string site = takeVariable(rest);
+    const std::string origin = takeVariable(rest);
+    const std::string host = takeVariable(rest);
+    Fuzz::setVariable("REQUEST_METHOD", method);
+    Fuzz::setVariable("HTTP_SEC_FETCH_SITE", site);
+    Fuzz::setVariable("HTTP_ORIGIN", origin);
+    Fuzz::setVariable("HTTP_HOST", host);
+
+    const RequestVerdict verdict = Host::checkRequest();
+    const bool known = method == "GET" || method == "HEAD" || method == "POST";
+    Fuzz::require(known == (verdict != RequestVerdict::METHOD_NOT_ALLOWED),
+                  "there are three methods");
+    Fuzz::require(Host::isPost() == (method == "POST"), "a post is called so");
+    if (verdict == RequestVerdict::ACCEPTED && method == "POST") {
+        Fuzz::require(site != "cross-site" && site != "same-site", "no other site posts");
+        Fuzz::require(origin.empty() || (!host.empty() && origin.ends_with("://" + host)),
+                      "a post comes from the host that it is sent to");
+    }
+    return 0;
+}

@@ -1,0 +1,48 @@
+// The file of a session, whatever it holds. "NOW" in an input stands for the present time.
+
+#include "platform/host/base/SystemPath.h"
+#include "platform/host/web/Session.h"
+#include "tests/fuzz/support/environment.h"
+#include "tests/fuzz/support/input.h"
+#include "tests/fuzz/support/require.h"
+#include "tests/support/files.h"
+
+#include <VeskLib/getCGIPath.h>
+
+#include <unistd.h>
+
+using namespace VeskLib;
+
+namespace {
+
+const std::string IDENTIFIER = "0123456789abcdef";
+const std::string TOKEN = "00112233445566778899aabbccddeeff";
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    Fuzz::useTemporaryRoot();
+    const std::time_t now = std::time(nullptr);
+    const std::string content =
+        Fuzz::replaceAll(Fuzz::textOf(data, size), "NOW", std::to_string(now));
+    const std::string path = getCGIPath(Host::SESSION_FOLDER) + "/" + IDENTIFIER;
+    Test::writeText(path, content);
+
+    Host::Session session;
+    if (Host::findSession(IDENTIFIER + "-" + TOKEN, session)) {
+        Fuzz::require(content.find("token=" + TOKEN) != std::string::npos,
+                      "a login needs the token of the file");
+        Fuzz::require(session.identifier == IDENTIFIER && session.token == TOKEN,
+                      "a session is the one that was asked for");
+        Fuzz::require(session.created >= now - Host::SESSION_LIFE_SECONDS,
+                      "a session does not outlive its time");
+        Fuzz::require((session.user + session.functions).find('\n') == std::string::npos,
+                      "a value is one line");
+        Fuzz::require(::access(path.c_str(), F_OK) == 0, "a living session is kept");
+    } else {
+        Fuzz::require(session.user.empty() && session.identifier.empty(),
+                      "a session that is not found changes nothing");
+    }
+    ::unlink(path.c_str());
+    return 0;
+}

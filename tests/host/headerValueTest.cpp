@@ -1,0 +1,137 @@
+#include "platform/host/web/headerValue.h"
+
+#include "platform/host/base/platformException.h"
+#include "tests/support/hostileTexts.h"
+
+#include <gtest/gtest.h>
+
+namespace VeskLib::Test {
+
+using Host::equalsIgnoringCase;
+using Host::findParameter;
+using Host::mainValue;
+using Host::trim;
+
+namespace {
+
+// "[value]", or "absent" with `value` as it was; the error code of a refused header.
+std::string find(const std::string& header, const std::string& name) {
+    std::string value = "unchanged";
+    try {
+        const bool found = findParameter(header, name, value);
+        return found ? "[" + value + "]" : "absent, " + value;
+    } catch (const PException& exception) {
+        return std::to_string(exception.getExceptionDetail()) + ", " + value;
+    }
+}
+
+// `text` as a quoted parameter holds it.
+std::string quoted(const std::string& text) {
+    std::string result = "\"";
+    for (const char character : text) {
+        if (character == '"' || character == '\\') {
+            result += '\\';
+        }
+        result += character;
+    }
+    return result + '"';
+}
+
+}  // namespace
+
+TEST(HeaderValueTest, aParameterStandsWithOrWithoutQuotes) {
+    EXPECT_EQ(find("v; a=b", "a"), "[b]");
+    EXPECT_EQ(find("v;a=b;c=d", "c"), "[d]");
+    EXPECT_EQ(find("v; a=\"b c\"; c=d", "a"), "[b c]");
+    EXPECT_EQ(find("v; a=\"b\"; c=d", "c"), "[d]");
+    EXPECT_EQ(find("v; a=b c ; d=e", "a"), "[b c]");
+    EXPECT_EQ(find("v;\ta=b\t", "a"), "[b]");
+    EXPECT_EQ(find("v; a =b", "a"), "[b]");
+    EXPECT_EQ(find("v; A=B", "a"), "[B]");
+    EXPECT_EQ(find("v; a=b=c", "a"), "[b=c]");
+    EXPECT_EQ(find("; a=b", "a"), "[b]");
+}
+
+TEST(HeaderValueTest, aParameterMayBeEmpty) {
+    EXPECT_EQ(find("v; a=", "a"), "[]");
+    EXPECT_EQ(find("v; a=; b=c", "a"), "[]");
+    EXPECT_EQ(find("v; a=\"\"", "a"), "[]");
+    EXPECT_EQ(find("v; a", "a"), "[]");
+    EXPECT_EQ(find("v; a; b=c", "a"), "[]");
+}
+
+TEST(HeaderValueTest, theFirstParameterOfANameCounts) {
+    EXPECT_EQ(find("v; a=1; a=2", "a"), "[1]");
+    EXPECT_EQ(find("v; b; b=2; a=3", "a"), "[3]");
+}
+
+TEST(HeaderValueTest, anAbsentParameterLeavesTheValueAsItIs) {
+    for (const char* header : {"", "v", "a=b", "v; ab=c", "v; b=a", "v;", ";;", "v; b=\"; a=c\"",
+                               "v; b=\"\\\"; a=c\"", "v; =a"}) {
+        EXPECT_EQ(find(header, "a"), "absent, unchanged") << header;
+    }
+}
+
+TEST(HeaderValueTest, aQuotedTextMayHoldWhatSeparates) {
+    EXPECT_EQ(find("v; a=\"x;y=z\"; b=c", "a"), "[x;y=z]");
+    EXPECT_EQ(find("v; a=\"x;y=z\"; b=c", "b"), "[c]");
+    EXPECT_EQ(find("v; a=\"x;b=z\"; b=c", "b"), "[c]");
+}
+
+TEST(HeaderValueTest, aBackslashProtectsAQuoteAndABackslashOnly) {
+    EXPECT_EQ(find(R"(v; a="x\"y"; b=c)", "a"), R"([x"y])");
+    EXPECT_EQ(find(R"(v; a="x\"y"; b=c)", "b"), "[c]");
+    EXPECT_EQ(find(R"(v; a="x\\y")", "a"), R"([x\y])");
+    EXPECT_EQ(find(R"(v; a="x\\"; b=c)", "b"), "[c]");
+    EXPECT_EQ(find(R"(v; a="C:\path\name.dat")", "a"), R"([C:\path\name.dat])");
+    EXPECT_EQ(find(R"(v; a=x\y)", "a"), R"([x\y])");
+}
+
+TEST(HeaderValueTest, everyTextSurvivesItsQuotes) {
+    for (const std::string& text : hostileTexts()) {
+        EXPECT_EQ(find("v; x=1; a=" + quoted(text) + "; y=2", "a"), "[" + text + "]");
+        EXPECT_EQ(find("v; x=1; a=" + quoted(text) + "; y=2", "y"), "[2]");
+    }
+}
+
+TEST(HeaderValueTest, brokenQuotesAreRefusedAlsoInOtherParameters) {
+    const std::string malformed = std::to_string(Host::REQUEST_MALFORMED);
+    for (const char* header :
+         {"v; a=\"", "v; a=\"b", "v; a=\"b\\\"", "v; a=\"b\\\\\"x", "v; a=\"b\"c", "v; a=\"b\" c",
+          "v; a=\"b\"\"c\"", "v; a=b\"", "v; a= \"b\"", "v; b=\"; a=c", "v; b=\"x\"y; a=c"}) {
+        EXPECT_EQ(find(header, "a"), malformed + ", unchanged") << header;
+    }
+    EXPECT_EQ(find("v; a=c; b=\"x", "a"), malformed + ", unchanged");
+    EXPECT_EQ(find("v; a=\"b\" \t; c=d", "a"), "[b]");
+}
+
+TEST(HeaderValueTest, theMainValueStandsBeforeTheParameters) {
+    EXPECT_EQ(mainValue("text/plain"), "text/plain");
+    EXPECT_EQ(mainValue(" \ttext/plain \t; a=b; c=d"), "text/plain");
+    EXPECT_EQ(mainValue("a;"), "a");
+    EXPECT_EQ(mainValue("; a"), "");
+    EXPECT_EQ(mainValue(""), "");
+}
+
+TEST(HeaderValueTest, blanksAreTrimmedAtTheEndsOnly) {
+    EXPECT_EQ(trim(" \t a \t b\t "), "a \t b");
+    EXPECT_EQ(trim("a"), "a");
+    EXPECT_EQ(trim(" \t "), "");
+    EXPECT_EQ(trim(""), "");
+    EXPECT_EQ(trim("\ra\n"), "\ra\n");
+}
+
+TEST(HeaderValueTest, onlyLettersAreTheSameInCapitals) {
+    EXPECT_TRUE(equalsIgnoringCase("Form-DATA", "fORM-data"));
+    EXPECT_TRUE(equalsIgnoringCase("AZaz", "azAZ"));
+    EXPECT_TRUE(equalsIgnoringCase("", ""));
+    EXPECT_FALSE(equalsIgnoringCase("a", "b"));
+    EXPECT_FALSE(equalsIgnoringCase("a", "ab"));
+    EXPECT_FALSE(equalsIgnoringCase("ab", "a"));
+    // The characters beside the capitals, with the bit set that makes small letters.
+    EXPECT_FALSE(equalsIgnoringCase("@", "`"));
+    EXPECT_FALSE(equalsIgnoringCase("[", "{"));
+    EXPECT_FALSE(equalsIgnoringCase("\r", "-"));
+}
+
+}  // namespace VeskLib::Test
