@@ -73,10 +73,19 @@ TEST_F(ErrorPageUploadTest, aBrokenUploadIsCalledOneInBothLanguages) {
 
 TEST_F(ErrorPageUploadTest, aFormInPartsWithoutABoundaryIsABrokenUpload) {
     ChildSetup request = postParts(fieldPart("a", "1"));
-    request.environment["CONTENT_TYPE"] = "multipart/form-data";
+    request.environment["CONTENT_TYPE"] = "Multipart/Form-Data ; x=y";
     const CGIResponse response = respond(request);
     EXPECT_EQ(response.status, "400 Bad Request");
     EXPECT_THAT(textOf(response.body), HasSubstr(uploadFailed(Host::ENGLISH)));
+}
+
+TEST_F(ErrorPageUploadTest, aPartWithBrokenQuotesIsABrokenUpload) {
+    for (const char* name : {"\"a", "\"a\"b", "\"a\"; filename=\"f.dat"}) {
+        const std::string header = std::string("Content-Disposition: form-data; name=") + name;
+        const CGIResponse response = respond(postParts(partOf(header + "\r\n", "1")));
+        EXPECT_EQ(response.status, "400 Bad Request") << name;
+        EXPECT_THAT(textOf(response.body), HasSubstr(uploadFailed(Host::ENGLISH)));
+    }
 }
 
 TEST_F(ErrorPageUploadTest, anotherBrokenFormIsNoUpload) {

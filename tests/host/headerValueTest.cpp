@@ -113,6 +113,19 @@ TEST(HeaderValueTest, theMainValueStandsBeforeTheParameters) {
     EXPECT_EQ(mainValue(""), "");
 }
 
+TEST(HeaderValueTest, aMediaTypeIsTheSameInCapitalsAndWhateverFollowsIt) {
+    for (const char* type :
+         {"multipart/form-data", "Multipart/FORM-data", " multipart/form-data",
+          "multipart/form-data;boundary=x", "multipart/form-data ; boundary=x"}) {
+        EXPECT_TRUE(Host::isMediaType(type, Host::MULTIPART_FORM)) << type;
+        EXPECT_FALSE(Host::isMediaType(type, Host::URLENCODED_FORM)) << type;
+    }
+    for (const char* type : {"", ";", "multipart/form-datax", "multipart/form-data x", "multipart/",
+                             "multipart/form data", "x; multipart/form-data"}) {
+        EXPECT_FALSE(Host::isMediaType(type, Host::MULTIPART_FORM)) << type;
+    }
+}
+
 TEST(HeaderValueTest, blanksAreTrimmedAtTheEndsOnly) {
     EXPECT_EQ(trim(" \t a \t b\t "), "a \t b");
     EXPECT_EQ(trim("a"), "a");

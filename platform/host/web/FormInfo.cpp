@@ -26,13 +26,6 @@ namespace {
 
 using Fields = std::map<std::string, std::string>;
 
-const std::string_view URLENCODED = "application/x-www-form-urlencoded";
-const std::string_view MULTIPART = "multipart/form-data";
-
-bool isBodyType(const std::string& contentType, std::string_view type) {
-    return Host::equalsIgnoringCase(Host::mainValue(contentType), type);
-}
-
 [[noreturn]] void refuseSize(const char* problem) {
     throw makePlatformException(Host::REQUEST_TOO_LARGE, problem);
 }
@@ -159,10 +152,10 @@ private:
             return;
         }
         const std::string contentType = readEnvironment("CONTENT_TYPE");
-        if (isBodyType(contentType, MULTIPART)) {
+        if (Host::isMediaType(contentType, Host::MULTIPART_FORM)) {
             FormParts parts(fields, fileName, file);
             readMultipartBody(contentType, parts);
-        } else if (contentType.empty() || isBodyType(contentType, URLENCODED)) {
+        } else if (contentType.empty() || Host::isMediaType(contentType, Host::URLENCODED_FORM)) {
             readUrlencodedBody(fields);
         }
     }

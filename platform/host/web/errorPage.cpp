@@ -5,6 +5,7 @@
 #include "platform/host/html/escape.h"
 #include "platform/host/html/messageLines.h"
 #include "platform/host/text/Catalogue.h"
+#include "platform/host/web/headerValue.h"
 
 #include <VeskLib/Gui/HTMLCodeGenerator.h>
 #include <VeskLib/Gui/MessageMgr.h>
@@ -95,7 +96,7 @@ void printExceptionPage(const PException& exception, Response& response) {
     } else if (detail == REQUEST_MALFORMED) {
         page.status = 400;
         // Only a form with a file is sent in parts.
-        page.message = readEnvironment("CONTENT_TYPE").starts_with("multipart/")
+        page.message = isMediaType(readEnvironment("CONTENT_TYPE"), MULTIPART_FORM)
                            ? Gui::MessageMgr(requestLanguage()).getMessage(30, detail)
                            : caption(9023) + code;
     }

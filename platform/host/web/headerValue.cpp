@@ -90,6 +90,10 @@ std::string_view mainValue(std::string_view header) {
     return trim(header.substr(0, header.find(';')));
 }
 
+bool isMediaType(std::string_view contentType, std::string_view type) {
+    return equalsIgnoringCase(mainValue(contentType), type);
+}
+
 bool findParameter(std::string_view header, std::string_view name, std::string& value) {
     std::optional<std::string> found;
     std::string_view rest = header.substr(std::min(header.find(';'), header.size()));
