@@ -1,6 +1,8 @@
 # How the programs are linked that the web server starts for each request. A process that lives for
 # less than a millisecond spends most of it on being loaded, so they are linked statically and as a
 # whole: nothing is looked up at run time, and what is not used is left out.
+include(CheckCXXSourceCompiles)
+
 if(CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT SANITIZE AND NOT COVERAGE)
     set(static_by_default ON)
 else()
@@ -9,8 +11,15 @@ endif()
 option(STATIC_PROGRAM "Link the CGI programs statically; OFF for a board of shared libraries"
     ${static_by_default})
 
-include(CheckLinkerFlag)
-check_linker_flag(CXX LINKER:-z,pack-relative-relocs CAN_PACK_RELOCATIONS)
+# Whether programs can be linked with `option`; one that the linker passes over does not count.
+function(check_link_option option variable)
+    set(CMAKE_REQUIRED_LINK_OPTIONS ${option})
+    check_cxx_source_compiles("int main() {}" ${variable} FAIL_REGEX "ignored")
+endfunction()
+
+# A static program that can be loaded at any address: not every C library has the start-up code.
+check_link_option(-static-pie HAS_STATIC_PIE)
+check_link_option(LINKER:-z,pack-relative-relocs CAN_PACK_RELOCATIONS)
 
 # What the libraries are built with that such a program consists of.
 add_library(program_options INTERFACE)
@@ -25,13 +34,19 @@ endif()
 function(link_as_program target)
     target_link_libraries(${target} PRIVATE program_options)
     target_link_options(${target} PRIVATE LINKER:--gc-sections)
-    if(STATIC_PROGRAM)
-        # g++ 12 sees overflows across the whole program where there are none.
-        target_link_options(${target} PRIVATE -flto=auto -Wno-stringop-overflow)
-        if(CAN_PACK_RELOCATIONS)
-            target_link_options(${target} PRIVATE LINKER:-z,pack-relative-relocs)
-        endif()
+    if(NOT STATIC_PROGRAM)
+        return()
+    endif()
+    # g++ 12 sees overflows across the whole program where there are none.
+    target_link_options(${target} PRIVATE -flto=auto -Wno-stringop-overflow)
+    if(HAS_STATIC_PIE)
         # Among the libraries, because CMake writes its own -pie behind all options.
         target_link_libraries(${target} PRIVATE -static-pie)
+    else()
+        set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE OFF)
+        target_link_options(${target} PRIVATE -static)
+    endif()
+    if(HAS_STATIC_PIE AND CAN_PACK_RELOCATIONS)
+        target_link_options(${target} PRIVATE LINKER:-z,pack-relative-relocs)
     endif()
 endfunction()
