@@ -17,6 +17,7 @@ int __real_close(int descriptor);
 int __real_rename(const char* from, const char* to);
 int __real_remove(const char* path);
 int __wrap_creat(const char* path, mode_t mode);
+int __wrap_creat64(const char* path, mode_t mode);
 int __wrap_close(int descriptor);
 int __wrap_rename(const char* from, const char* to);
 int __wrap_remove(const char* path);
@@ -55,6 +56,11 @@ int __wrap_creat(const char* path, mode_t mode) {
         return fail(script().creatError);
     }
     return script().realFiles ? __real_creat(path, mode) : SCRIPTED_DESCRIPTOR;
+}
+
+// What the C library's headers make of creat() where files are wider than a pointer.
+int __wrap_creat64(const char* path, mode_t mode) {
+    return __wrap_creat(path, mode);
 }
 
 int __wrap_close(int descriptor) {
