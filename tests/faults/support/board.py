@@ -126,7 +126,7 @@ class Board:
             pass
         return None
 
-    def waitUntilQuiet(self, seconds=20):
+    def waitUntilQuiet(self, seconds=45):
         """Waits until the back-end works for nobody: a thread serves each connection."""
         end = time.monotonic() + seconds
         while self.backend is not None and time.monotonic() < end:

@@ -212,6 +212,23 @@ class Restore(RequestType):
         return after.get(STATE) == self.newState
 
 
+class RefusedRestore(RequestType):
+    """A restore to two partitions of which one is running: it happens to neither."""
+
+    name = "refused restore"
+
+    def make(self, scene):
+        self.files[stagedFile(scene.operator)] = sampleFile("refused")
+        fields = {"functionID": 106, "hidden_status": 2, "pid3": 3, "pid7": 7}
+        return postParts(scene.operator, multipart(fields))
+
+    def claimsSuccess(self, response, scene):
+        return Restore.claimsSuccess(self, response, scene)
+
+    def happened(self, scene, response, after):
+        return False
+
+
 class Discard(RequestType):
     name = "discard"
 
@@ -319,6 +336,32 @@ class Login(RequestType):
                 and b"token=" + match[3].encode() in after.get(f"var/lib/session/{match[2]}", b""))
 
 
+class WrongPassword(RequestType):
+    name = "wrong password"
+
+    def make(self, scene):
+        return post(None, b"user=admin&password=guess", program="login.cgi")
+
+    def claimsSuccess(self, response, scene):
+        return response.status < 400 or "set-cookie" in response.headers
+
+    def happened(self, scene, response, after):
+        return False
+
+
+class Language(RequestType):
+    name = "language"
+
+    def make(self, scene):
+        return post(None, b"language=ja", program="index.cgi")
+
+    def claimsSuccess(self, response, scene):
+        return response.status < 400
+
+    def happened(self, scene, response, after):
+        return "language=ja" in response.headers.get("set-cookie", "")
+
+
 class Logout(RequestType):
     name = "logout"
 
@@ -342,4 +385,5 @@ class Logout(RequestType):
 
 REQUEST_TYPES = {kind.name: kind for kind in (
     BackupPage, RestorePage, Backup, Upload, UnusableUpload, LargeUpload, BrokenUpload, Restore,
-    Discard, NoSession, NoAuthority, Menu, Download, LoginPage, Login, Logout)}
+    RefusedRestore, Discard, NoSession, NoAuthority, Menu, Language, Download, LoginPage, Login,
+    WrongPassword, Logout)}
