@@ -60,6 +60,29 @@ bool replaceOutput(int descriptor) {
 
 }  // namespace
 
+TEST_F(ResponseTest, theLastResortIsAWholePageWhateverWasPrinted) {
+    const CGIResponse response = responseOf([](Response& own) {
+        own.setStatus(200);
+        own.addHeader("Set-Cookie", "secret");
+        std::cout << "half a page";
+        own.useLastResort();
+        std::cout << "and more";
+    });
+    EXPECT_EQ(response.status, "500 Internal Server Error");
+    EXPECT_EQ(response.header("Set-Cookie"), "");
+    EXPECT_EQ(response.header("Cache-Control"), "no-store");
+    EXPECT_EQ(response.header("X-Content-Type-Options"), "nosniff");
+    EXPECT_TRUE(response.body.starts_with("<!DOCTYPE html>")) << response.body;
+    EXPECT_TRUE(response.body.ends_with("</html>\n")) << response.body;
+    EXPECT_THAT(response.body, testing::Not(HasSubstr("half a page")));
+}
+
+TEST_F(ResponseTest, theLastResortHasNoBodyForHEAD) {
+    const ChildResult result = respond([](Response& own) { own.useLastResort(); }, HEAD);
+    EXPECT_EQ(result.exitStatus, 0) << result.errors;
+    EXPECT_TRUE(result.output.ends_with("\r\n\r\n")) << result.output;
+}
+
 class ResponseTest : public BoardTest {};
 
 TEST_F(ResponseTest, whatIsPrintedIsTheBody) {
