@@ -16,6 +16,7 @@
 
 #include <functional>
 #include <iostream>
+#include <new>
 
 namespace VeskLib::Test {
 
@@ -60,6 +61,8 @@ bool replaceOutput(int descriptor) {
 
 }  // namespace
 
+class ResponseTest : public BoardTest {};
+
 TEST_F(ResponseTest, theLastResortIsAWholePageWhateverWasPrinted) {
     const CGIResponse response = responseOf([](Response& own) {
         own.setStatus(200);
@@ -83,7 +86,27 @@ TEST_F(ResponseTest, theLastResortHasNoBodyForHEAD) {
     EXPECT_TRUE(result.output.ends_with("\r\n\r\n")) << result.output;
 }
 
-class ResponseTest : public BoardTest {};
+TEST_F(ResponseTest, whatCannotBePrintedIsAnExceptionAndNoGap) {
+    const ChildResult result = respond([](Response&) {
+        class Broken : public std::streambuf {
+        protected:
+            std::streamsize xsputn(const char*, std::streamsize) override {
+                throw std::bad_alloc();
+            }
+        };
+        Broken broken;
+        std::streambuf* const page = std::cout.rdbuf(&broken);
+        bool thrown = false;
+        try {
+            std::cout << "text";
+        } catch (const std::bad_alloc&) {
+            thrown = true;
+        }
+        std::cout.rdbuf(page);
+        std::cout << (thrown ? "thrown" : "lost");
+    });
+    EXPECT_TRUE(result.output.ends_with("thrown")) << result.output;
+}
 
 TEST_F(ResponseTest, whatIsPrintedIsTheBody) {
     const CGIResponse response = responseOf([](Response&) { std::cout << "<p>" << 42 << "</p>"; });

@@ -37,6 +37,10 @@ int AbstractMain::exec() {
         }
     } catch (...) {
         Host::printHandledException(response);
+        // The form data outlives the request; an upload that it holds must not.
+        if (formInfo != nullptr) {
+            formInfo->terminate();
+        }
     }
     return response.send() ? result : FAILED;
 }

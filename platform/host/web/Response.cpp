@@ -95,14 +95,20 @@ bool sendLastResort() {
 
 }  // namespace
 
-Response::Response() : body(std::ios::out), original(std::cout.rdbuf(&body)) {
+Response::Response()
+    : body(std::ios::out),
+      original(std::cout.rdbuf(&body)),
+      originalExceptions(std::cout.exceptions()) {
+    std::cout.exceptions(std::ios::badbit);
     // A browser that is gone and a full disk are errors that are reported, not deaths.
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
 }
 
 Response::~Response() {
+    // Also clears the state, so that what the original mask holds is not thrown here.
     std::cout.rdbuf(original);
+    std::cout.exceptions(originalExceptions);
 }
 
 void Response::setStatus(int newStatus) {

@@ -11,7 +11,8 @@ namespace VeskLib::Host {
 // body in one piece.
 //
 // Every response carries Content-Length, no-store and nosniff, and the headers that keep the page
-// out of foreign frames. The process ignores SIGPIPE and SIGXFSZ from then on.
+// out of foreign frames. While it lives, what cannot be printed for lack of memory is an exception
+// and no gap in the page. The process ignores SIGPIPE and SIGXFSZ from then on.
 class Response {
 public:
     static constexpr const char* HTML_CONTENT = "text/html; charset=UTF-8";
@@ -51,6 +52,7 @@ private:
     std::string headers;
     std::stringbuf body;
     std::streambuf* original;
+    std::ios::iostate originalExceptions;
 };
 
 }  // namespace VeskLib::Host

@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <limits>
+#include <utility>
 
 namespace VeskLib::Host {
 
@@ -77,12 +78,12 @@ std::string UploadFile::path() {
         if (flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
             throw makePlatformException(UPLOAD_NOT_STORED, "The uploaded file cannot be locked");
         }
-        const std::string chosen = getCGIPath(UPLOAD_FILE) + makeRandomText(NAME_BYTES);
+        std::string chosen = getCGIPath(UPLOAD_FILE) + makeRandomText(NAME_BYTES);
         const std::string unnamed = "/proc/self/fd/" + std::to_string(descriptor);
         if (linkat(AT_FDCWD, unnamed.c_str(), AT_FDCWD, chosen.c_str(), AT_SYMLINK_FOLLOW) != 0) {
             throw makePlatformException(UPLOAD_NOT_STORED, "The uploaded file cannot be named");
         }
-        name = chosen;
+        name = std::move(chosen);  // takes no memory: a named file must never be forgotten
     }
     return name;
 }
