@@ -49,6 +49,7 @@ class Session:
         self.cookie = cookie
         self.problems = []
         self.requests = 0
+        self.rounds = 0
         self.restores = []  # (begin, end, digest of the payload, whether it was confirmed)
         self.backups = []  # (begin, end, digest of the payload)
 
@@ -137,14 +138,17 @@ def findLost(restores, backups, initial):
     return problems
 
 
-def runSessions(root, programs, numbers, cookies, rounds, queue):
+def runSessions(context, root, programs, numbers, cookies, rounds, queue):
     """The sessions of one process, each in a thread."""
     board = RunningBoard(root, programs)
     sessions = [Session(board, number, cookie) for number, cookie in zip(numbers, cookies)]
 
     def work(session):
         for number in range(rounds):
+            if context.isOver():
+                break
             session.round(number)
+            session.rounds += 1
 
     threads = [threading.Thread(target=work, args=(session,)) for session in sessions]
     for thread in threads:
@@ -152,7 +156,7 @@ def runSessions(root, programs, numbers, cookies, rounds, queue):
     for thread in threads:
         thread.join()
     for session in sessions:
-        queue.put((session.requests, session.restores, session.backups, session.problems))
+        queue.put((session.requests, session.rounds, session.restores, session.backups, session.problems))
 
 
 class RunningBoard:
@@ -174,13 +178,14 @@ def runManySessions(context, board, count, rounds):
     for index in range(context.jobs):
         numbers = list(range(count))[index::context.jobs]
         processes.append(multiprocessing.Process(target=runSessions, args=(
-            board.root, board.programs, numbers, [cookies[n] for n in numbers], rounds, queue)))
+            context, board.root, board.programs, numbers, [cookies[n] for n in numbers], rounds, queue)))
     for process in processes:
         process.start()
-    requests, restores, backups, problems = 0, [], [], []
+    requests, allRounds, restores, backups, problems = 0, [], [], [], []
     for _ in range(count):
-        asked, restored, saved, wrong = queue.get()
+        asked, done, restored, saved, wrong = queue.get()
         requests += asked
+        allRounds.append(done)
         restores += restored
         backups += saved
         problems += wrong
@@ -194,7 +199,7 @@ def runManySessions(context, board, count, rounds):
         problems.append("the targets of a restore hold different configurations")
     problems += findLost(restores, backups, initial)
     problems += leftovers(board)
-    return requests, len(restores), problems
+    return requests, min(allRounds), len(restores), problems
 
 
 def leftovers(board):
@@ -258,9 +263,12 @@ def runRaces(context, board, count):
     session = Session(board, "of the races", board.logIn(OPERATOR))
     choice = random.Random(context.seed)
     for number in range(count):
+        if context.isOver():
+            count = number
+            break
         one, other = choice.sample(steps(number), 2)
         race(board, session, one, other)
-    return session.requests, session.problems + leftovers(board)
+    return session.requests, count, session.problems + leftovers(board)
 
 
 def run(context):
@@ -268,8 +276,8 @@ def run(context):
     board = Board(context.installation)
     board.start()
     try:
-        requests, restored, problems = runManySessions(context, board, count, rounds)
-        raced, more = runRaces(context, board, races)
+        raced, races, more = runRaces(context, board, races)
+        requests, rounds, restored, problems = runManySessions(context, board, count, rounds)
     finally:
         board.remove()
     result = Result(requests + raced, figures={"sessions": count, "rounds each": rounds,

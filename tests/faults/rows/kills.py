@@ -6,8 +6,8 @@ from rows.syscalls import makeWorker, runBoth
 __all__ = ["HELP", "makeWorker", "run"]
 
 HELP = "killed before and behind each system call"
-SHORT_PROGRAM_RUNS = 60
-SHORT_BACKEND_RUNS = 25
+SHORT_PROGRAM_RUNS = 80
+SHORT_BACKEND_RUNS = 120
 
 
 def run(context):

@@ -91,10 +91,12 @@ class Client:
             expect(200, ask("GET", "/"))
 
 
-def runClient(port, count, done, queue):
+def runClient(context, port, count, done, queue):
     client = Client(port)
     try:
         for number in range(count):
+            if context.isOver():
+                break
             client.step(number)
             done.value += 1
         client.expect(303, client.browser.ask("POST", "/logout.cgi", b""))
@@ -162,12 +164,13 @@ def atRest(board, seconds=20):
     return measure(board)
 
 
-def runHalf(board, count, jobs, samples):
+def runHalf(context, board, count, samples):
     """So many requests by several clients, which are gone at the end."""
+    jobs = context.jobs
     queue = multiprocessing.Queue()
     done = [multiprocessing.Value("L", 0) for _ in range(jobs)]
     clients = [multiprocessing.Process(target=runClient,
-                                       args=(board.port, count // jobs, value, queue))
+                                       args=(context, board.port, count // jobs, value, queue))
                for value in done]
     for client in clients:
         client.start()
@@ -193,9 +196,9 @@ def run(context):
     board = WebBoard(context.project, os.path.basename(context.installation.build))
     samples = []
     try:
-        before, problems = runHalf(board, count // 2, context.jobs, samples)
+        before, problems = runHalf(context, board, count // 2, samples)
         early = atRest(board)
-        after, more = runHalf(board, count - count // 2, context.jobs, samples)
+        after, more = runHalf(context, board, count - count // 2, samples)
         late = atRest(board)
     finally:
         board.remove()

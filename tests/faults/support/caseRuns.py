@@ -20,13 +20,22 @@ class Result:
 class Context:
     """What every row is given. `folder` takes the results."""
 
-    def __init__(self, project, installation, long, seed, jobs, folder):
+    def __init__(self, project, installation, long, seed, jobs, folder, minutes=None):
         self.project = project
         self.installation = installation
         self.long = long
         self.seed = seed
         self.jobs = jobs
         self.folder = folder
+        self.minutes = minutes
+        self.end = None
+
+    def beginRow(self):
+        self.end = None if self.minutes is None else time.monotonic() + 60 * self.minutes
+
+    def isOver(self):
+        """Whether the row's time is up."""
+        return self.end is not None and time.monotonic() > self.end
 
     def sample(self, cases, shortCount):
         """All cases in the long form; in the short form about so many, in equal steps from a
@@ -54,7 +63,8 @@ def runCases(context, row, cases, makeWorker, workers=None):
     count = max(1, min(workers or context.jobs, len(cases)))
     queue = multiprocessing.Queue()
     # Dealt out in turns, so that slow neighbours are shared.
-    processes = [multiprocessing.Process(target=work, args=(queue, cases[index::count], makeWorker))
+    processes = [multiprocessing.Process(target=work, args=(queue, cases[index::count], makeWorker,
+                                                      context))
                  for index in range(count)]
     for process in processes:
         process.start()
@@ -78,10 +88,12 @@ def runCases(context, row, cases, makeWorker, workers=None):
     return result
 
 
-def work(queue, cases, makeWorker):
+def work(queue, cases, makeWorker, context):
     worker = None
     try:
         for case in cases:
+            if context.isOver():
+                break
             try:
                 if worker is None:
                     worker = makeWorker()
