@@ -5,7 +5,6 @@
 
 #include <crypt.h>
 
-#include <algorithm>
 #include <stdexcept>
 #include <utility>
 
@@ -114,9 +113,7 @@ void DescriptionReader::readPayload(DescriptionTable& table, unsigned int number
 void DescriptionReader::readUser(DescriptionTable& table) {
     User user;
     user.name = table.readText("name", LONGEST_USER_NAME);
-    const auto sameName = [&user](const User& other) { return other.name == user.name; };
-    if (user.name.empty() ||
-        std::any_of(description.users.begin(), description.users.end(), sameName)) {
+    if (user.name.empty() || !userNames.insert(user.name).second) {
         table.fail("name", "a user needs a name of his own");
     }
     user.passwordHash = table.readText("password_hash", CRYPT_OUTPUT_SIZE);

@@ -3,6 +3,9 @@
 #include "board/backend/BoardDescription.h"
 #include "board/backend/DescriptionTable.h"
 
+#include <set>
+#include <string>
+
 namespace VeskLib::Board {
 
 // Turns a parsed board description into a BoardDescription. Used once.
@@ -19,6 +22,7 @@ private:
     void readUser(DescriptionTable& table);
 
     BoardDescription description;
+    std::set<std::string> userNames;
 };
 
 }  // namespace VeskLib::Board
