@@ -53,9 +53,6 @@ void orderRefusal(Words& words, FaultSwitches& switches) {
     const unsigned int code = words.number();
     const unsigned int times = words.number();
     words.end();
-    if (code == 0) {
-        throw std::invalid_argument("0 is no error code");
-    }
     switches.refuse(request, code, times);
 }
 

@@ -64,7 +64,10 @@ private:
             "refuse", "Refuses the next requests of a number with an error code");
         command->add_option("REQUEST", request, "the request number, such as 0x020100A3")
             ->required();
-        command->add_option("CODE", code, "the error code, such as 1047")->required();
+        command
+            ->add_option("CODE", code,
+                         "the error code, such as 1047; 0 tells a success that did not happen")
+            ->required();
         addTimes(command);
         command->callback([this] {
             order = "refuse " + std::to_string(request) + " " + std::to_string(code) + " " +

@@ -100,7 +100,6 @@ TEST(ControlOrderTest, anOrderThatMakesNoSenseChangesNothing) {
                               "refuse 5",
                               "refuse 5 1",
                               "refuse 5 1 1 1",
-                              "refuse 5 0 1",
                               "refuse x 1 1",
                               "refuse 5 x 1",
                               "refuse 5 1 x",

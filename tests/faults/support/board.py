@@ -1,5 +1,6 @@
 """A board's root with a back-end of its own and the sessions that the tests use."""
 
+import copy
 import os
 import shutil
 import signal
@@ -29,12 +30,26 @@ class Installation:
     def __init__(self, project, preset):
         self.build = os.path.join(project, "build", preset)
         self.folder = tempfile.mkdtemp(prefix="faults-")
+        self.dynamic = None
         os.environ["LC_ALL"] = "C.UTF-8"
         subprocess.run(["cmake", "--install", self.build, "--prefix", self.folder], check=True,
                        stdout=subprocess.DEVNULL)
 
+    def linkedDynamically(self):
+        """The same with programs that a library can be loaded in front of; made once."""
+        if self.dynamic is None:
+            self.dynamic = copy.copy(self)
+            self.dynamic.folder = tempfile.mkdtemp(prefix="faults-")
+            shutil.copytree(self.folder, self.dynamic.folder, symlinks=True, dirs_exist_ok=True)
+            shutil.copytree(os.path.join(self.build, "tests/faults/programs"),
+                            os.path.join(self.dynamic.folder, "usr/local/www/htdocs"),
+                            dirs_exist_ok=True)
+        return self.dynamic
+
     def remove(self):
         shutil.rmtree(self.folder, ignore_errors=True)
+        if self.dynamic is not None:
+            shutil.rmtree(self.dynamic.folder, ignore_errors=True)
 
 
 class Board:
