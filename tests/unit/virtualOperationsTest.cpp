@@ -29,7 +29,9 @@ std::size_t placeOf(Operation operation) {
     std::size_t words[2];
     static_assert(sizeof operation == sizeof words);
     std::memcpy(words, &operation, sizeof words);
-    return (words[0] - 1) / sizeof(void*);
+    // The offset in the table; one more on processors that mark virtual operations here, and not,
+    // as ARM does, in the other word.
+    return words[0] / sizeof(void*);
 }
 
 template <typename Class>
