@@ -9,7 +9,7 @@ from support.scene import Scene, backupFile
 from support.board import sampleFile
 
 HELP = "a back-end that is dead, silent, slow, torn at each byte, or sends wrong lengths and counts"
-SHORT_RUNS = 400
+SHORT_RUNS = 250
 REQUESTS = ("backup page", "backup", "upload", "restore", "login")
 
 # Of the length in front of a reply; a frame holds at most 1048576 bytes.

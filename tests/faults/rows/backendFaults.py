@@ -3,6 +3,7 @@
 import os
 import tempfile
 
+from rows.programFaults import withoutMostLongOnes
 from support import tracing
 from support.caseRuns import Outcome
 from support.judge import Fault, Judge
@@ -96,10 +97,12 @@ def mergeThreads(log):
 
 
 def backendFailureCases(found):
-    return [{"request": request, "inject": tracing.failing(call.name, call.occurrence, error, lasting),
-             "inMain": call.inMain, "call": call.line[:160]}
-            for request, calls in found.items() for call in calls
-            for error in tracing.errorsOf(call) for lasting in (False, True)]
+    return withoutMostLongOnes([
+        {"request": request,
+         "inject": tracing.failing(call.name, call.occurrence, error, lasting),
+         "inMain": call.inMain, "call": call.line[:160]}
+        for request, calls in found.items() for call in calls
+        for error in tracing.errorsOf(call) for lasting in (False, True)])
 
 
 def backendKillCases(found):

@@ -19,6 +19,9 @@ def run(context):
     programs = programFaults.failureCases(programFaults.listCalls(context.installation))
     backend = backendFaults.backendFailureCases(
         backendFaults.listBackendCalls(context.installation))
+    if not context.long:
+        programs = [case for case in programs if not programFaults.takesLong(case)]
+        backend = [case for case in backend if not programFaults.takesLong(case)]
     return runBoth(context, "syscalls", context.sample(programs, SHORT_PROGRAM_RUNS),
                    context.sample(backend, SHORT_BACKEND_RUNS))
 

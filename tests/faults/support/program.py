@@ -55,7 +55,7 @@ def limited(limits):
     return setLimits
 
 
-def runProgram(board, request, prefix=(), limits=None, more=None, deadline=60):
+def runProgram(board, request, prefix=(), limits=None, more=None, deadline=150):
     """Runs the program of `request` to its end, behind the command `prefix` when there is one."""
     environment = environmentFor(board.root, request)
     environment.update(more or {})
