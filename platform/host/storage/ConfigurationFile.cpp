@@ -1,19 +1,14 @@
 #include "platform/host/storage/ConfigurationFile.h"
 
 #include "data/WireCursor.h"
+#include "platform/host/storage/ConfigurationFileReader.h"
 
 #include <array>
-#include <cstring>
 #include <utility>
 
 namespace VeskLib::Host {
 
 namespace {
-
-const unsigned char MAGIC[8] = {'E', 'F', 'I', 'C', 'O', 'N', 'F', 0x1A};
-const std::uint32_t REVISION = 1;
-const std::size_t HEADER_SIZE = 28;
-const std::size_t CHECKSUM_SIZE = 4;
 
 constexpr std::array<std::uint32_t, 256> makeChecksumTable() {
     std::array<std::uint32_t, 256> table = {};
@@ -28,16 +23,6 @@ constexpr std::array<std::uint32_t, 256> makeChecksumTable() {
 }
 
 constexpr std::array<std::uint32_t, 256> CHECKSUM_TABLE = makeChecksumTable();
-
-// The checksum first: whatever else a damaged file says is not worth looking at.
-bool isUndamaged(const std::vector<unsigned char>& bytes) {
-    if (bytes.size() < HEADER_SIZE + CHECKSUM_SIZE || bytes.size() > LARGEST_CONFIGURATION_FILE) {
-        return false;
-    }
-    const std::size_t covered = bytes.size() - CHECKSUM_SIZE;
-    VeskUi::WireReader checksum(bytes.data() + covered, CHECKSUM_SIZE);
-    return checksum.readU32() == crc32(bytes.data(), covered);
-}
 
 }  // namespace
 
@@ -65,33 +50,21 @@ std::vector<unsigned char> encode(const ConfigurationFile& file) {
 }
 
 bool decode(const std::vector<unsigned char>& bytes, ConfigurationFile& file) {
-    if (!isUndamaged(bytes)) {
-        return false;
-    }
-    VeskUi::WireReader reader(bytes.data(), bytes.size() - CHECKSUM_SIZE);
+    ConfigurationFileReader reader;
+    reader.take(bytes.data(), bytes.size());
     ConfigurationFile read;
-    const unsigned char* magic = reader.readBytes(sizeof MAGIC);
-    read.revision = reader.readU32();
-    read.saveTime = reader.readU32();
-    read.partition = reader.readU32();
-    const std::size_t versionSize = reader.readU16();
-    const std::size_t nameSize = reader.readU16();
-    const std::size_t payloadSize = reader.readU32();
-    read.version = reader.readText(versionSize);
-    read.partitionName = reader.readText(nameSize);
-    const unsigned char* payload = reader.readBytes(payloadSize);
-    if (reader.failed() || reader.remaining() != 0 ||
-        std::memcmp(magic, MAGIC, sizeof MAGIC) != 0 || read.revision != REVISION ||
-        versionSize > LARGEST_VERSION || nameSize > LARGEST_PARTITION_NAME) {
+    if (!reader.finish(read)) {
         return false;
     }
-    read.payload.assign(payload, payload + payloadSize);
+    const unsigned char* end = bytes.data() + bytes.size() - CHECKSUM_SIZE;
+    const std::size_t texts = read.version.size() + read.partitionName.size();
+    read.payload.assign(bytes.data() + HEADER_SIZE + texts, end);
     file = std::move(read);
     return true;
 }
 
-std::uint32_t crc32(const unsigned char* bytes, std::size_t size) {
-    std::uint32_t value = 0xFFFFFFFFU;
+std::uint32_t crc32(const unsigned char* bytes, std::size_t size, std::uint32_t before) {
+    std::uint32_t value = ~before;
     for (std::size_t i = 0; i < size; ++i) {
         value = value >> 8 ^ CHECKSUM_TABLE[(value ^ bytes[i]) & 0xFF];
     }

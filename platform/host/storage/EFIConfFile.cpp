@@ -1,7 +1,7 @@
 #include <VeskLib/VeskUi/EFIConfFile.h>
 
 #include "platform/host/base/platformException.h"
-#include "platform/host/storage/ConfigurationFile.h"
+#include "platform/host/storage/ConfigurationFileReader.h"
 #include "platform/host/storage/files.h"
 
 #include <unistd.h>
@@ -15,13 +15,15 @@ namespace {
 // The whole file is read and checked also when only its header is asked for: a header in front of
 // damaged content must not pass for a good file.
 Host::ConfigurationFile readChecked(int descriptor) {
-    std::vector<unsigned char> bytes;
-    if (!Host::readOpenFile(descriptor, Host::LARGEST_CONFIGURATION_FILE, bytes) &&
-        errno != EFBIG) {
+    Host::ConfigurationFileReader reader;
+    const auto take = [&reader](const unsigned char* bytes, std::size_t size) {
+        reader.take(bytes, size);
+    };
+    if (!Host::readPieces(descriptor, Host::LARGEST_CONFIGURATION_FILE, take) && errno != EFBIG) {
         throw Host::makePlatformException(Host::FILE_NOT_READABLE, "EFIConfFile: read");
     }
     Host::ConfigurationFile file;
-    if (!decode(bytes, file)) {
+    if (!reader.finish(file)) {
         throw Host::makePlatformException(Host::NOT_A_CONFIGURATION_FILE, "EFIConfFile: content");
     }
     return file;

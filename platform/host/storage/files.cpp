@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdint>
 #include <cstdio>
@@ -19,6 +20,7 @@ namespace {
 // A file written aside is named after the path it will replace, this, and six random characters.
 const std::string_view ASIDE_MARK = ".aside-";
 const std::string_view ASIDE_RANDOM = "XXXXXX";
+const std::size_t PIECE_SIZE = 16 * 1024;
 
 std::string folderOf(const std::string& path) {
     const std::size_t slash = path.rfind('/');
@@ -100,6 +102,34 @@ bool syncFolder(int folder) {
     return ::fsync(folder) == 0 || errno == EINVAL;
 }
 
+// The size of an open regular file of at most `limit` bytes.
+bool findSize(int descriptor, std::size_t limit, std::size_t& size) {
+    struct stat status = {};
+    if (::fstat(descriptor, &status) != 0) {
+        return false;
+    }
+    if (!S_ISREG(status.st_mode)) {
+        errno = EINVAL;
+        return false;
+    }
+    // Compared before it is cut to the width of std::size_t.
+    if (static_cast<std::uint64_t>(status.st_size) > limit) {
+        errno = EFBIG;
+        return false;
+    }
+    size = static_cast<std::size_t>(status.st_size);
+    return true;
+}
+
+// pread(), begun again when a signal interrupts it.
+ssize_t readAt(int descriptor, unsigned char* bytes, std::size_t size, std::size_t position) {
+    ssize_t count = 0;
+    do {
+        count = ::pread(descriptor, bytes, size, static_cast<off_t>(position));
+    } while (count < 0 && errno == EINTR);
+    return count;
+}
+
 bool isAsideName(std::string_view name, std::string_view start) {
     return name.size() >= start.size() + ASIDE_MARK.size() + ASIDE_RANDOM.size() &&
            name.starts_with(start) &&
@@ -114,35 +144,42 @@ int openForReading(const std::string& path) {
 }
 
 bool readOpenFile(int descriptor, std::size_t limit, std::vector<unsigned char>& bytes) {
-    struct stat status = {};
-    if (::fstat(descriptor, &status) != 0) {
+    std::size_t size = 0;
+    if (!findSize(descriptor, limit, size)) {
         return false;
     }
-    if (!S_ISREG(status.st_mode)) {
-        errno = EINVAL;
-        return false;
-    }
-    // Compared before it is cut to the width of std::size_t.
-    if (static_cast<std::uint64_t>(status.st_size) > limit) {
-        errno = EFBIG;
-        return false;
-    }
-    std::vector<unsigned char> content(static_cast<std::size_t>(status.st_size));
+    std::vector<unsigned char> content(size);
     std::size_t position = 0;
-    while (position < content.size()) {
-        const ssize_t count = ::pread(descriptor, content.data() + position,
-                                      content.size() - position, static_cast<off_t>(position));
-        if (count < 0 && errno != EINTR) {
-            return false;
-        }
-        if (count == 0) {
-            break;  // cut while we read
-        }
+    ssize_t count = 1;
+    while (position < size && count > 0) {  // a file may be cut while it is read
+        count = readAt(descriptor, content.data() + position, size - position, position);
         position += count > 0 ? static_cast<std::size_t>(count) : 0;
+    }
+    if (count < 0) {
+        return false;
     }
     content.resize(position);
     bytes.swap(content);
     return true;
+}
+
+bool readPieces(int descriptor, std::size_t limit,
+                const std::function<void(const unsigned char*, std::size_t)>& take) {
+    std::size_t size = 0;
+    if (!findSize(descriptor, limit, size)) {
+        return false;
+    }
+    unsigned char piece[PIECE_SIZE];
+    std::size_t position = 0;
+    ssize_t count = 1;
+    while (position < size && count > 0) {
+        count = readAt(descriptor, piece, std::min(sizeof piece, size - position), position);
+        if (count > 0) {
+            take(piece, static_cast<std::size_t>(count));
+            position += static_cast<std::size_t>(count);
+        }
+    }
+    return count >= 0;
 }
 
 bool readFile(const std::string& path, std::size_t limit, std::vector<unsigned char>& bytes) {

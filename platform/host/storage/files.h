@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -12,6 +13,11 @@ bool readFile(const std::string& path, std::size_t limit, std::vector<unsigned c
 
 // The same for a file that is open, from its start whatever its offset.
 bool readOpenFile(int descriptor, std::size_t limit, std::vector<unsigned char>& bytes);
+
+// The same, handing the bytes on piece by piece in place of keeping them; `take` must not throw.
+// When it returns false, some may have been handed on.
+bool readPieces(int descriptor, std::size_t limit,
+                const std::function<void(const unsigned char*, std::size_t)>& take);
 
 // Opens `path` for reading without following a link and without waiting for a pipe's writer. -1,
 // with errno set, when it cannot be opened.
