@@ -2,6 +2,7 @@
 
 #include "tests/support/hostileTexts.h"
 #include "tests/support/markup.h"
+#include "tests/support/printedBy.h"
 #include "tests/support/scriptStrings.h"
 
 #include <gmock/gmock.h>
@@ -23,6 +24,12 @@ TEST(EscapeTest, everyByteOfAnHTMLTextIsEitherItselfOrItsReference) {
         const auto reference = references.find(byte);
         EXPECT_EQ(escapeHTML({&byte, 1}),
                   reference == references.end() ? std::string(1, byte) : reference->second);
+    }
+}
+
+TEST(EscapeTest, anHTMLTextIsPrintedAsItIsEscaped) {
+    for (const std::string& text : hostileTexts()) {
+        EXPECT_EQ(printedBy([&text] { Host::printEscaped(text); }), escapeHTML(text));
     }
 }
 

@@ -2,13 +2,15 @@
 
 #include "platform/host/html/attributes.h"
 #include "platform/host/html/escape.h"
+#include "platform/host/html/printText.h"
 
-#include <iostream>
 #include <string_view>
 
 namespace VeskLib::Gui {
 
 using Host::printAttribute;
+using Host::printEscaped;
+using Host::printText;
 
 namespace {
 
@@ -33,7 +35,7 @@ Button::Button(const std::string& name, const std::string& label, const std::str
 Button::~Button() = default;
 
 void Button::printHTML() const {
-    std::cout << "<button type=\"button\"";
+    printText("<button type=\"button\"");
     printAttribute("id", name);
     printAttribute("name", name);
     printAttribute("form", form);
@@ -42,9 +44,11 @@ void Button::printHTML() const {
         printAttribute("data-width", std::to_string(width));
     }
     if (disabled) {
-        std::cout << " disabled";
+        printText(" disabled");
     }
-    std::cout << '>' << Host::escapeHTML(label) << "</button>";
+    printText(">");
+    printEscaped(label);
+    printText("</button>");
 }
 
 bool Button::isError() const {

@@ -2,13 +2,13 @@
 
 #include "platform/host/html/attributes.h"
 #include "platform/host/html/escape.h"
-
-#include <iostream>
+#include "platform/host/html/printText.h"
 
 namespace VeskLib::Gui {
 
-using Host::escapeHTML;
 using Host::printAttribute;
+using Host::printEscaped;
+using Host::printText;
 
 CheckBox::CheckBox(const std::string& title, const std::string& describedBy,
                    const std::string& form, const int* displayMode)
@@ -28,7 +28,7 @@ void CheckBox::setClickHandler(const std::string& call) {
 
 void CheckBox::printHTML() const {
     for (const Box& box : boxes) {
-        std::cout << "<input type=\"checkbox\"";
+        printText("<input type=\"checkbox\"");
         printAttribute("id", box.name);
         printAttribute("name", box.name);
         printAttribute("value", box.value);
@@ -43,16 +43,18 @@ void CheckBox::printHTML() const {
             printAttribute(Host::CLICK_ATTRIBUTE, clickHandler);
         }
         if (box.ticked) {
-            std::cout << " checked";
+            printText(" checked");
         }
         if (box.disabled || *displayMode != 2) {
-            std::cout << " disabled";
+            printText(" disabled");
         }
-        std::cout << '>';
+        printText(">");
         if (!box.label.empty()) {
-            std::cout << "<label";
+            printText("<label");
             printAttribute("for", box.name);
-            std::cout << '>' << escapeHTML(box.label) << "</label>";
+            printText(">");
+            printEscaped(box.label);
+            printText("</label>");
         }
     }
 }

@@ -2,13 +2,13 @@
 
 #include "platform/host/html/attributes.h"
 #include "platform/host/html/escape.h"
-
-#include <iostream>
+#include "platform/host/html/printText.h"
 
 namespace VeskLib::Gui {
 
-using Host::escapeHTML;
 using Host::printAttribute;
+using Host::printEscaped;
+using Host::printText;
 
 RadioButton::RadioButton(const std::string& name, const std::string& title, const std::string& form,
                          const int* displayMode)
@@ -25,7 +25,7 @@ void RadioButton::add(const std::string& value, const std::string& label, bool c
 void RadioButton::printHTML() const {
     for (const Choice& choice : choices) {
         const std::string identifier = name + "_" + choice.value;
-        std::cout << "<input type=\"radio\"";
+        printText("<input type=\"radio\"");
         printAttribute("id", identifier);
         printAttribute("name", name);
         printAttribute("value", choice.value);
@@ -34,16 +34,18 @@ void RadioButton::printHTML() const {
             printAttribute("title", title);
         }
         if (choice.chosen) {
-            std::cout << " checked";
+            printText(" checked");
         }
         if (choice.disabled || *displayMode != 2) {
-            std::cout << " disabled";
+            printText(" disabled");
         }
-        std::cout << '>';
+        printText(">");
         if (!choice.label.empty()) {
-            std::cout << "<label";
+            printText("<label");
             printAttribute("for", identifier);
-            std::cout << '>' << escapeHTML(choice.label) << "</label>";
+            printText(">");
+            printEscaped(choice.label);
+            printText("</label>");
         }
     }
 }

@@ -2,6 +2,7 @@
 
 #include "platform/host/base/scriptNonce.h"
 #include "platform/host/html/escape.h"
+#include "platform/host/html/printText.h"
 #include "platform/host/text/Catalogue.h"
 
 #include <VeskLib/Gui/MessageMgr.h>
@@ -78,19 +79,19 @@ void printComponent(const Skeleton::Piece& piece, const Components& components) 
     if (piece.place == Skeleton::Place::MARKUP) {
         component->printHTML();
     } else {
-        std::cout << escapeFor(piece.place, capture(*component));
+        printText(escapeFor(piece.place, capture(*component)));
     }
 }
 
 void printMessage(const Skeleton::Piece& piece) {
     const Gui::MessageMgr messages(requestLanguage());
-    std::cout << escapeFor(piece.place, messages.getMessage(piece.number, piece.code));
+    printText(escapeFor(piece.place, messages.getMessage(piece.number, piece.code)));
 }
 
 void printCaption(const Skeleton::Piece& piece) {
     const char* text = findText(requestLanguage(), TextSet::CAPTIONS, piece.number);
     if (text != nullptr) {
-        std::cout << escapeFor(piece.place, text);
+        printText(escapeFor(piece.place, text));
     }
 }
 
@@ -198,7 +199,7 @@ void Skeleton::print(const Components& components) const {
         const Piece& piece = pieces[i];
         switch (piece.kind) {
             case Kind::PLAIN:
-                std::cout << piece.text;
+                printText(piece.text);
                 break;
             case Kind::COMPONENT:
                 printComponent(piece, components);
@@ -210,10 +211,10 @@ void Skeleton::print(const Components& components) const {
                 printMessage(piece);
                 break;
             case Kind::LANGUAGE:
-                std::cout << languageTag(requestLanguage());
+                printText(languageTag(requestLanguage()));
                 break;
             case Kind::NONCE:
-                std::cout << scriptNonce();
+                printText(scriptNonce());
                 break;
             case Kind::IF:
             case Kind::UNLESS:

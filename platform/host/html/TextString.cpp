@@ -1,8 +1,7 @@
 #include <VeskLib/Gui/TextString.h>
 
 #include "platform/host/html/escape.h"
-
-#include <iostream>
+#include "platform/host/html/printText.h"
 
 namespace VeskLib::Gui {
 
@@ -14,11 +13,15 @@ TextString::~TextString() = default;
 
 void TextString::printHTML() const {
     if (emphasized) {
-        std::cout << "<strong>";
+        Host::printText("<strong>");
     }
-    std::cout << (readyToPrint ? text : Host::escapeHTML(text));
+    if (readyToPrint) {
+        Host::printText(text);
+    } else {
+        Host::printEscaped(text);
+    }
     if (emphasized) {
-        std::cout << "</strong>";
+        Host::printText("</strong>");
     }
 }
 

@@ -1,13 +1,16 @@
 #include "platform/host/html/attributes.h"
 
 #include "platform/host/html/escape.h"
-
-#include <iostream>
+#include "platform/host/html/printText.h"
 
 namespace VeskLib::Host {
 
 void printAttribute(const char* name, std::string_view value) {
-    std::cout << ' ' << name << "=\"" << escapeHTML(value) << '"';
+    printText(" ");
+    printText(name);
+    printText("=\"");
+    printEscaped(value);
+    printText("\"");
 }
 
 }  // namespace VeskLib::Host

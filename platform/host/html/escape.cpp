@@ -1,25 +1,47 @@
 #include "platform/host/html/escape.h"
 
+#include "platform/host/html/printText.h"
+
+#include <array>
+
 namespace VeskLib::Host {
 
 namespace {
 
-// What stands in a page for a character that would leave its place; empty for every other one.
-std::string_view entityOf(char character) {
-    switch (character) {
-        case '&':
-            return "&amp;";
-        case '<':
-            return "&lt;";
-        case '>':
-            return "&gt;";
-        case '"':
-            return "&quot;";
-        case '\'':
-            return "&#39;";
-        default:
-            return {};
+struct Reference {
+    char character;
+    std::string_view text;
+};
+
+// What stands in a page for the characters that would leave their place.
+constexpr Reference REFERENCES[] = {
+    {'&', "&amp;"}, {'<', "&lt;"}, {'>', "&gt;"}, {'"', "&quot;"}, {'\'', "&#39;"}};
+
+// For each byte the number of its reference, counted from 1; 0 for what stands for itself.
+constexpr std::array<unsigned char, 256> makeReferenceTable() {
+    std::array<unsigned char, 256> table = {};
+    unsigned char number = 0;
+    for (const Reference& reference : REFERENCES) {
+        table[static_cast<unsigned char>(reference.character)] = ++number;
     }
+    return table;
+}
+
+constexpr std::array<unsigned char, 256> REFERENCE_TABLE = makeReferenceTable();
+
+// Hands on what stands in a page for `text`, in pieces.
+template <typename Consumer>
+void forEachPiece(std::string_view text, Consumer consume) {
+    std::size_t handedOn = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const unsigned char number = REFERENCE_TABLE[static_cast<unsigned char>(text[i])];
+        if (number != 0) {
+            consume(text.substr(handedOn, i - handedOn));
+            consume(REFERENCES[number - 1].text);
+            handedOn = i + 1;
+        }
+    }
+    consume(text.substr(handedOn));
 }
 
 }  // namespace
@@ -27,15 +49,12 @@ std::string_view entityOf(char character) {
 std::string escapeHTML(std::string_view text) {
     std::string escaped;
     escaped.reserve(text.size());
-    std::size_t copied = 0;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const std::string_view entity = entityOf(text[i]);
-        if (!entity.empty()) {
-            escaped.append(text, copied, i - copied).append(entity);
-            copied = i + 1;
-        }
-    }
-    return escaped.append(text, copied);
+    forEachPiece(text, [&escaped](std::string_view piece) { escaped += piece; });
+    return escaped;
+}
+
+void printEscaped(std::string_view text) {
+    forEachPiece(text, printText);
 }
 
 std::string escapeScript(std::string_view text) {

@@ -1,8 +1,8 @@
 #include "platform/host/html/messageLines.h"
 
 #include "platform/host/html/escape.h"
+#include "platform/host/html/printText.h"
 
-#include <iostream>
 #include <string_view>
 
 namespace VeskLib::Host {
@@ -22,7 +22,9 @@ std::vector<std::string> splitMessage(const std::string& message) {
 
 void printMessage(const std::string& message) {
     for (const std::string& line : splitMessage(message)) {
-        std::cout << "<p>" << escapeHTML(line) << "</p>";
+        printText("<p>");
+        printEscaped(line);
+        printText("</p>");
     }
 }
 
