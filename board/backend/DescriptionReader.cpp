@@ -2,10 +2,16 @@
 
 #include "board/backend/initialPayload.h"
 #include "platform/host/storage/ConfigurationFile.h"
+#include "platform/host/storage/files.h"
 
 #include <crypt.h>
+#include <fcntl.h>
+#include <unistd.h>
 
+#include <cerrno>
+#include <cstring>
 #include <stdexcept>
+#include <string_view>
 #include <utility>
 
 namespace VeskLib::Board {
@@ -14,6 +20,7 @@ namespace {
 
 // A restore names each target in one byte.
 const unsigned int MOST_PARTITIONS = 256;
+const std::size_t LARGEST_DESCRIPTION = 16 * 1024 * 1024;
 const unsigned int LARGEST_NODE_ID = 255;
 const unsigned int LARGEST_FUNCTION = 99999;
 const std::size_t LONGEST_USER_NAME = 255;
@@ -33,6 +40,20 @@ bool isPasswordHash(const std::string& hash) {
     const int verdict = ::crypt_checksalt(hash.c_str());
     return hash.starts_with('$') &&
            (verdict == CRYPT_SALT_OK || verdict == CRYPT_SALT_METHOD_LEGACY);
+}
+
+std::string readText(const std::string& path) {
+    const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    std::vector<unsigned char> bytes;
+    const bool read = descriptor >= 0 && Host::readOpenFile(descriptor, LARGEST_DESCRIPTION, bytes);
+    const int reason = errno;
+    if (descriptor >= 0) {
+        ::close(descriptor);
+    }
+    if (!read) {
+        throw std::runtime_error(path + ": cannot be read: " + std::strerror(reason));
+    }
+    return {bytes.begin(), bytes.end()};
 }
 
 void readInstalled(DescriptionTable& table, const char* key, BoardDescription::Boards& boards) {
@@ -127,7 +148,9 @@ void DescriptionReader::readUser(DescriptionTable& table) {
 
 BoardDescription loadBoardDescription(const std::string& path) {
     try {
-        const toml::table parsed = toml::parse_file(path);
+        const std::string text = readText(path);
+        // Without the path, which the library copies where it cannot report a lack of memory.
+        const toml::table parsed = toml::parse(std::string_view(text));
         DescriptionTable table(path, parsed);
         return DescriptionReader().read(table);
     } catch (const toml::parse_error& error) {
