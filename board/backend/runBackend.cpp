@@ -10,6 +10,7 @@
 #include "board/backend/StopSignal.h"
 #include "board/backend/log.h"
 #include "board/backend/restartBackend.h"
+#include "platform/host/base/standardDescriptors.h"
 
 #include <unistd.h>
 
@@ -60,6 +61,7 @@ void serve(const BackendOptions& options) {
 }  // namespace
 
 int runBackend(int argc, char** argv) {
+    Host::occupyStandardDescriptors();
     try {
         BackendOptions options;
         std::string error;

@@ -1,7 +1,7 @@
 // The program runs by hand, without a web server, and leaves nothing behind.
 
 import assert from "node:assert/strict";
-import { readdir } from "node:fs/promises";
+import { readFile, readdir } from "node:fs/promises";
 import { after, before, describe, test } from "node:test";
 import { Board } from "./support/board.js";
 import { DirectClient } from "./support/directClient.js";
@@ -59,6 +59,56 @@ describe("the program by hand", () => {
         assert.notEqual(status, 0);
         assert.match(output, /^Status: 400 /);
     });
+
+    // What is opened first would get the number of what is closed, and be taken for it.
+    for (const closed of ["<&-", ">&-", "2>&-", "<&- >&-", "<&- >&- 2>&-"]) {
+        test(`started with ${closed} it harms nothing`, async () => {
+            client = await DirectClient.loggedIn(board);
+            const traced = (await board.trace()).length;
+            const { status, output } = await run(
+                ["/bin/sh", "-c", `exec "$0" ${closed}`],
+                { REQUEST_METHOD: "POST", CONTENT_LENGTH: String(backup.length) },
+                backup,
+            );
+            assert.equal(output.length > 0, !closed.split(" ").includes(">&-"));
+            assert.equal(status === 0, closed === "2>&-");
+            for (const name of await readdir(board.path("var/tmp"))) {
+                const bytes = await readFile(board.path("var/tmp", name));
+                assert.ok(!bytes.includes("Status:"), name);
+            }
+            assert.doesNotMatch((await board.trace()).slice(traced), /Status:/);
+            // The back-end is there as ever, and so is the session.
+            assert.match((await client.backUp(3)).text, /download_link/);
+        });
+    }
+
+    const display = { REQUEST_METHOD: "GET", QUERY_STRING: "functionID=105" };
+    for (const [what, environment] of [
+        ["nothing at all", {}],
+        ["no method", { REQUEST_METHOD: "" }],
+        ["a length that is none", { REQUEST_METHOD: "POST", CONTENT_LENGTH: "abc" }],
+        ["a negative length", { REQUEST_METHOD: "POST", CONTENT_LENGTH: "-1" }],
+        ["an endless length", { REQUEST_METHOD: "POST", CONTENT_LENGTH: "9".repeat(40) }],
+        ["an endless query", { ...display, QUERY_STRING: "a=".repeat(50000) }],
+        ["an endless cookie", { ...display, HTTP_COOKIE: "session=".repeat(10000) }],
+        ["a query of control characters", { ...display, QUERY_STRING: "functionID=105\n\r\u001b[2J" }],
+        ["a language that is a path", { ...display, HTTP_ACCEPT_LANGUAGE: "../../../etc/passwd" }],
+        ["a locale of somebody else", { ...display, LANG: "../x", LC_ALL: "%s%n", NLSPATH: "/tmp/%N" }],
+        ["a time zone that is a file", { ...display, TZ: ":/etc/passwd" }],
+        ["a host that is markup", { REQUEST_METHOD: "POST", HTTP_ORIGIN: "http://<i>", HTTP_HOST: "<i>" }],
+        ["a root that is not there", { ...display, BOARD_ROOT: "/nowhere" }],
+        ["an endless root", { ...display, BOARD_ROOT: `/${"x".repeat(20000)}` }],
+    ]) {
+        test(`an environment with ${what} is answered`, async () => {
+            const { output, errors } = await run([], environment);
+            assert.match(output, /^Status: \d{3} [^\r]*\r\n/);
+            const end = output.indexOf("\r\n\r\n");
+            const length = Number(output.slice(0, end).match(/\r\nContent-Length: (\d+)/)[1]);
+            assert.equal(Buffer.byteLength(output.slice(end + 4)), length);
+            assert.doesNotMatch(output, /<i>/);
+            assert.equal(errors, "");
+        });
+    }
 
     for (const [what, environment, body, made] of [
         ["a display", { REQUEST_METHOD: "GET", QUERY_STRING: "functionID=105" }, "", 0],

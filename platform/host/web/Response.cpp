@@ -2,6 +2,7 @@
 
 #include "platform/host/base/Environment.h"
 #include "platform/host/base/scriptNonce.h"
+#include "platform/host/base/standardDescriptors.h"
 
 #include <unistd.h>
 
@@ -103,6 +104,7 @@ Response::Response()
     // A browser that is gone and a full disk are errors that are reported, not deaths.
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
+    occupyStandardDescriptors();
 }
 
 Response::~Response() {
