@@ -43,14 +43,15 @@ def text_of(results):
                 for load in [loads[clients]]
             ],
         )
-    text += table(
-        "Backup page against the number of partitions",
-        ["partitions", "us", "CPU us"],
-        [
-            [count, "%.0f" % each["microseconds"], "%.0f" % each["processor"]]
-            for count, each in results["rows"].items()
-        ],
-    )
+    for heading, key in [("partitions", "rows"), ("sessions", "sessions")]:
+        text += table(
+            "Backup page against the number of " + heading,
+            [heading, "us", "CPU us"],
+            [
+                [count, "%.0f" % each["microseconds"], "%.0f" % each["processor"]]
+                for count, each in results[key].items()
+            ],
+        )
     return text + table(
         "Ratios",
         ["what", "measured", "wanted", "reached"],
