@@ -28,8 +28,10 @@ def run(context):
 
 def runBoth(context, row, programs, backend):
     installation = context.installation
+    context.beginPart(0.7)
     one = runCases(context, row, programs,
                    lambda: programFaults.CallFaultWorker(installation))
+    context.beginPart(1)
     other = runCases(context, row, backend,
                      lambda: backendFaults.BackendFaultWorker(installation))
     return Result(one.runs + other.runs, one.violations + other.violations,

@@ -29,13 +29,21 @@ class Context:
         self.folder = folder
         self.minutes = minutes
         self.end = None
+        self.partEnd = None
 
     def beginRow(self):
         self.end = None if self.minutes is None else time.monotonic() + 60 * self.minutes
+        self.partEnd = self.end
+
+    def beginPart(self, share):
+        """The next part of the row gets this share of the time that is left."""
+        if self.end is not None:
+            now = time.monotonic()
+            self.partEnd = now + max(0, self.end - now) * share
 
     def isOver(self):
-        """Whether the row's time is up."""
-        return self.end is not None and time.monotonic() > self.end
+        """Whether the time of the row, or of its part, is up."""
+        return self.partEnd is not None and time.monotonic() > self.partEnd
 
     def sample(self, cases, shortCount):
         """All cases in the long form; in the short form about so many, in equal steps from a
