@@ -1,14 +1,15 @@
 #include "board/backend/ConnectionPool.h"
 
+#include "board/backend/Conversation.h"
 #include "board/backend/log.h"
-#include "platform/host/channel/BackendError.h"
-#include "platform/host/channel/FrameStream.h"
 
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <exception>
 #include <utility>
 
@@ -16,149 +17,236 @@ namespace VeskLib::Board {
 
 using Clock = std::chrono::steady_clock;
 
-ConnectionPool::ConnectionPool(RequestHandler handler, const ConnectionLimits& limits)
-    : handler(std::move(handler)), limits(limits) {
+namespace {
+
+// How long to look away from new clients when there is no room for one.
+const int FULL_MILLISECONDS = 20;
+const int NO_LIMIT = -1;
+
+// Whether a client has not been taken yet.
+bool someoneWaits(int listener, int milliseconds) {
+    pollfd waited = {listener, POLLIN, 0};
+    return ::poll(&waited, 1, milliseconds) > 0;
+}
+
+}  // namespace
+
+ConnectionPool::ConnectionPool(int listener, RequestHandler handler, const ConnectionLimits& limits)
+    : listener(listener), handler(std::move(handler)), limits(limits) {
 }
 
 ConnectionPool::~ConnectionPool() {
     std::unique_lock<std::mutex> lock(guard);
+    ending = true;
+    ::shutdown(listener, SHUT_RDWR);  // sends the idle workers home
     // No more requests; the replies of those under way still go out.
-    shutDownAll(SHUT_RD);
+    shutDownClients(SHUT_RD);
     finished.wait_for(lock, std::chrono::milliseconds(limits.endMilliseconds),
                       [this] { return allFinished(); });
-    shutDownAll(SHUT_RDWR);
+    shutDownClients(SHUT_RDWR);
     finished.wait(lock, [this] { return allFinished(); });
     joinFinished();
 }
 
-bool ConnectionPool::hasRoom() {
+void ConnectionPool::run(int stopDescriptor) {
+    while (true) {
+        const bool ready = keepIdleWorkers();
+        pollfd waited[] = {{stopDescriptor, POLLIN, 0},
+                           {wake.descriptor(), POLLIN, 0},
+                           {ready ? -1 : listener, POLLIN, 0}};
+        ::poll(waited, 3, NO_LIMIT);
+        if (waited[0].revents != 0) {
+            return;
+        }
+        wake.clear();
+        if (waited[2].revents != 0 && !keepIdleWorkers()) {
+            makeRoom();
+            ::poll(waited, 2, FULL_MILLISECONDS);
+        }
+    }
+}
+
+// False when there is no idle worker: all connections are taken, or no thread can be started.
+bool ConnectionPool::keepIdleWorkers() {
     const std::scoped_lock lock(guard);
     joinFinished();
-    if (connections.size() < limits.connections) {
+    while (needsWorker() && startWorker()) {
+    }
+    return idle > 0;
+}
+
+bool ConnectionPool::needsWorker() const {
+    return workers.size() < limits.connections &&
+           (idle == 0 || workers.size() < limits.idleWorkers);
+}
+
+bool ConnectionPool::startWorker() {
+    const std::size_t before = workers.size();
+    try {
+        Worker& worker = workers.emplace_back();
+        worker.thread = std::thread([this, &worker] { work(worker); });
+        ++idle;
+        threadsFail = false;
         return true;
-    }
-    endQuietest();
-    return false;
-}
-
-void ConnectionPool::serve(int descriptor) {
-    const std::scoped_lock lock(guard);
-    const std::size_t before = connections.size();
-    try {
-        Connection& connection = connections.emplace_back();
-        connection.descriptor = descriptor;
-        connection.since = Clock::now();
-        connection.thread = std::thread([this, &connection] { work(connection); });
     } catch (const std::exception& failure) {
-        // No thread, or no memory for one.
-        logFailure("a client is turned away: ", failure);
-        ::close(descriptor);
-        connections.resize(before);
-    }
-}
-
-void ConnectionPool::work(Connection& connection) {
-    try {
-        while (answerOne(connection)) {
+        // No thread, or no memory for one. It is tried again and again; one line is enough.
+        if (!threadsFail) {
+            logFailure("cannot start a thread for clients: ", failure);
         }
-    } catch (const std::exception& failure) {
-        // Most likely out of memory. The client sees its connection end; others are served on.
-        logFailure("a connection is given up: ", failure);
+        threadsFail = true;
+        workers.resize(before);
+        return false;
     }
+}
+
+// For a client that waits where no worker is idle.
+void ConnectionPool::makeRoom() {
     const std::scoped_lock lock(guard);
-    ::close(connection.descriptor);
-    connection.state = State::FINISHED;
-    finished.notify_all();
-}
-
-bool ConnectionPool::answerOne(Connection& connection) {
-    if (!enter(connection, State::WAITING)) {
-        return false;
+    if (idle > 0 || !someoneWaits(listener, 0)) {
+        return;
     }
-    std::vector<unsigned char> bytes;
-    const Host::StreamResult received = Host::receiveFrame(
-        connection.descriptor, bytes, Host::Deadline(limits.requestMilliseconds));
-    const bool whole = received == Host::StreamResult::DONE;
-    if ((!whole && received != Host::StreamResult::OVERSIZED) ||
-        !enter(connection, State::WORKING)) {
-        return false;
-    }
-    Host::RequestFrame request;
-    const bool understood = whole && decode(bytes, request);
-    const Answer answer = understood
-                              ? handler(request)
-                              : Answer(Host::ReplyFrame{Host::BACKEND_MALFORMED_REQUEST, {}});
-    if (answer.sentBytes) {
-        sendTorn(connection.descriptor, answer);
-        return false;
-    }
-    // Behind a frame that makes no sense nobody knows where the next one begins.
-    return Host::sendFrame(connection.descriptor, encode(answer.reply),
-                           Host::Deadline(limits.replyMilliseconds)) == Host::StreamResult::DONE &&
-           understood;
-}
-
-void ConnectionPool::sendTorn(int descriptor, const Answer& answer) const {
-    std::vector<unsigned char> framed = Host::withLength(encode(answer.reply));
-    framed.resize(std::min(framed.size(), *answer.sentBytes));
-    Host::sendBytes(descriptor, framed, Host::Deadline(limits.replyMilliseconds));
-    if (framed.empty()) {
-        Host::waitUntilReady(descriptor, POLLIN, Host::Deadline(limits.requestMilliseconds));
+    if (workers.empty()) {
+        turnAway();
+    } else {
+        endQuietest();
     }
 }
 
-// False when the connection has been asked to make room, which nothing takes back.
-bool ConnectionPool::enter(Connection& connection, State state) {
-    const std::scoped_lock lock(guard);
-    if (connection.state == State::ENDING) {
-        return false;
+// Where there is no worker at all, nobody else takes the client, and nobody would for long.
+void ConnectionPool::turnAway() const {
+    const int client = ::accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
+    if (client >= 0) {
+        logFailure("a client is turned away: ", "there is no thread to serve it");
+        ::close(client);
     }
-    connection.state = state;
-    connection.since = Clock::now();
-    return true;
 }
 
 void ConnectionPool::endQuietest() {
-    Connection* quietest = nullptr;
-    for (Connection& connection : connections) {
-        if (connection.state == State::ENDING) {
+    Worker* quietest = nullptr;
+    for (Worker& worker : workers) {
+        if (worker.state == State::ENDING) {
             return;  // one is enough
         }
-        if (connection.state == State::WAITING &&
-            (quietest == nullptr || connection.since < quietest->since)) {
-            quietest = &connection;
+        if (worker.state == State::WAITING &&
+            (quietest == nullptr || worker.since < quietest->since)) {
+            quietest = &worker;
         }
     }
     const auto latest = Clock::now() - std::chrono::milliseconds(limits.quietMilliseconds);
     if (quietest != nullptr && quietest->since <= latest) {
         quietest->state = State::ENDING;
-        ::shutdown(quietest->descriptor, SHUT_RDWR);
+        ::shutdown(quietest->client, SHUT_RDWR);
     }
 }
 
-void ConnectionPool::shutDownAll(int how) {
-    for (const Connection& connection : connections) {
-        if (connection.state != State::FINISHED) {
-            ::shutdown(connection.descriptor, how);
+// The life of a worker's thread.
+void ConnectionPool::work(Worker& worker) {
+    do {
+        const int client = nextClient();
+        if (take(worker, client)) {
+            serve(worker);
+        }
+    } while (release(worker));
+}
+
+// -1 when the pool ends.
+int ConnectionPool::nextClient() {
+    bool logged = false;
+    while (true) {
+        const int client = ::accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
+        const int reason = errno;
+        if (client >= 0 || isEnding()) {
+            return client;
+        }
+        if (!logged) {
+            logFailure("cannot take a client: ", std::strerror(reason));
+            logged = true;
+        }
+        // Most likely out of descriptors, which the kernel says even when there is no client.
+        // Asking again at once would only burn the processor.
+        ::poll(nullptr, 0, FULL_MILLISECONDS);
+        someoneWaits(listener, NO_LIMIT);
+    }
+}
+
+// The worker is idle no more. False when it has nobody to serve.
+bool ConnectionPool::take(Worker& worker, int client) {
+    const std::scoped_lock lock(guard);
+    worker.client = client;
+    if (--idle == 0) {
+        wake.signal();
+    }
+    return client >= 0 && !ending;
+}
+
+void ConnectionPool::serve(Worker& worker) {
+    try {
+        Conversation conversation(worker.client, handler, limits);
+        while (enter(worker, State::WAITING) && conversation.receive() &&
+               enter(worker, State::WORKING) && conversation.answer()) {
+        }
+    } catch (const std::exception& failure) {
+        // Most likely out of memory. The client sees its connection end; others are served on.
+        logFailure("a connection is given up: ", failure);
+    }
+}
+
+// False when the connection has been asked to make room, which nothing takes back.
+bool ConnectionPool::enter(Worker& worker, State state) {
+    const std::scoped_lock lock(guard);
+    if (worker.state == State::ENDING) {
+        return false;
+    }
+    worker.state = state;
+    worker.since = Clock::now();
+    return true;
+}
+
+// Lets the client go. False when the worker is needed no more.
+bool ConnectionPool::release(Worker& worker) {
+    const std::scoped_lock lock(guard);
+    if (worker.client >= 0) {
+        ::close(worker.client);
+        worker.client = -1;
+    }
+    if (!ending && idle < limits.idleWorkers) {
+        worker.state = State::IDLE;
+        ++idle;
+        return true;
+    }
+    worker.state = State::FINISHED;
+    finished.notify_all();
+    wake.signal();
+    return false;
+}
+
+bool ConnectionPool::isEnding() {
+    const std::scoped_lock lock(guard);
+    return ending;
+}
+
+void ConnectionPool::shutDownClients(int how) const {
+    for (const Worker& worker : workers) {
+        if (worker.client >= 0) {
+            ::shutdown(worker.client, how);
         }
     }
 }
 
 void ConnectionPool::joinFinished() {
-    connections.remove_if([](Connection& connection) {
-        if (connection.state != State::FINISHED) {
+    workers.remove_if([](Worker& worker) {
+        if (worker.state != State::FINISHED) {
             return false;
         }
         // It has let go of the lock at the latest when it ends, and needs it no more.
-        connection.thread.join();
+        worker.thread.join();
         return true;
     });
 }
 
 bool ConnectionPool::allFinished() const {
-    return std::all_of(connections.begin(), connections.end(), [](const Connection& connection) {
-        return connection.state == State::FINISHED;
-    });
+    return std::all_of(workers.begin(), workers.end(),
+                       [](const Worker& worker) { return worker.state == State::FINISHED; });
 }
 
 }  // namespace VeskLib::Board

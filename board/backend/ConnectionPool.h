@@ -1,89 +1,81 @@
 #pragma once
 
-#include "platform/host/channel/Frame.h"
+#include "board/backend/Answer.h"
+#include "board/backend/ConnectionLimits.h"
+#include "board/backend/WakeEvent.h"
 
 #include <chrono>
 #include <condition_variable>
-#include <functional>
+#include <cstddef>
 #include <list>
 #include <mutex>
-#include <optional>
 #include <thread>
-#include <utility>
 
 namespace VeskLib::Board {
 
-// What a client gets: a reply, and how much of it when it is to go wrong.
-struct Answer {
-    Answer(Host::ReplyFrame reply) : reply(std::move(reply)) {}  // NOLINT: a reply is an answer
-
-    Host::ReplyFrame reply;
-    // When set, so many bytes of the frame leave, and then the connection ends. Nothing at all
-    // leaves for 0, and the connection stays until the client ends it.
-    std::optional<std::size_t> sentBytes;
-};
-
-using RequestHandler = std::function<Answer(const Host::RequestFrame&)>;
-
-struct ConnectionLimits {
-    std::size_t connections = 64;
-    // A connection that sends no whole request for so long is ended.
-    int requestMilliseconds = 30000;
-    // For a client that does not take its reply.
-    int replyMilliseconds = 10000;
-    // When all connections are taken, the one that has sent nothing for the longest time makes
-    // room, if it is that long.
-    int quietMilliseconds = 500;
-    // At the end, for requests under way.
-    int endMilliseconds = 2000;
-};
-
-// The connections of the back-end's clients. Each has a thread of its own, so that a slow or silent
-// client holds up nobody else.
+// The connections of the back-end's clients. Each is taken and served by one worker, a thread of
+// its own, so that a slow or silent client holds up nobody else. A few idle workers wait for the
+// next clients, and the kernel wakes one of them for each.
 class ConnectionPool {
 public:
-    ConnectionPool(RequestHandler handler, const ConnectionLimits& limits);
+    // Takes clients from `listener`, a listening socket that blocks. It stays the caller's and must
+    // outlive the pool; the pool shuts it down at its end. Throws std::system_error without a
+    // descriptor of its own.
+    ConnectionPool(int listener, RequestHandler handler, const ConnectionLimits& limits);
     ConnectionPool(const ConnectionPool&) = delete;
     ConnectionPool& operator=(const ConnectionPool&) = delete;
 
-    // Ends every connection; requests under way are still answered.
+    // Takes no more clients and ends every connection; requests under way are still answered.
     ~ConnectionPool();
 
-    // Whether serve() may be called. When all connections are taken, a quiet one is asked to end;
-    // there is room a moment later.
-    bool hasRoom();
-
-    // Serves the client behind `descriptor`, which the pool then owns. Does not wait.
-    void serve(int descriptor);
+    // Keeps workers there for the clients until `stopDescriptor` becomes readable; sleeps while
+    // there is nothing to do for that. For one thread. A failure is logged and tried again.
+    void run(int stopDescriptor);
 
 private:
     enum class State {
-        WAITING,   // for a request
+        IDLE,      // waits for a client
+        WAITING,   // for a request of its client
         WORKING,   // on one
         ENDING,    // asked to make room; a request that comes in the same moment is not begun
         FINISHED,  // its thread has nothing left to do
     };
-    struct Connection {
-        int descriptor = -1;
-        State state = State::WAITING;
+    struct Worker {
+        State state = State::IDLE;
+        int client = -1;                              // its descriptor; none while IDLE or FINISHED
         std::chrono::steady_clock::time_point since;  // when the state began
         std::thread thread;
     };
 
-    void work(Connection& connection);
-    bool answerOne(Connection& connection);
-    void sendTorn(int descriptor, const Answer& answer) const;
-    bool enter(Connection& connection, State state);
+    bool keepIdleWorkers();
+    bool needsWorker() const;
+    bool startWorker();
+    void makeRoom();
+    void turnAway() const;
     void endQuietest();
-    void shutDownAll(int how);
+
+    void work(Worker& worker);
+    int nextClient();
+    bool take(Worker& worker, int client);
+    void serve(Worker& worker);
+    bool enter(Worker& worker, State state);
+    bool release(Worker& worker);
+
+    bool isEnding();
+    void shutDownClients(int how) const;
     void joinFinished();
     bool allFinished() const;
 
+    const int listener;
     const RequestHandler handler;
     const ConnectionLimits limits;
-    std::mutex guard;  // of `connections` and of all that is in them
+    const WakeEvent wake;  // for run(): the last idle worker is taken, or one has finished
+    bool threadsFail = false;
+    std::mutex guard;  // of all below
     std::condition_variable finished;
-    std::list<Connection> connections;
+    std::list<Worker> workers;
+    std::size_t idle = 0;
+    bool ending = false;
 };
 
 }  // namespace VeskLib::Board

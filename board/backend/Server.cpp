@@ -1,9 +1,7 @@
 #include "board/backend/Server.h"
 
-#include "board/backend/log.h"
 #include "platform/host/channel/SocketAddress.h"
 
-#include <poll.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -21,10 +19,6 @@ const int PENDING_CLIENTS = 128;
 
 // Only the board's own user may talk to the back-end.
 const mode_t SOCKET_UMASK = 0177;
-
-// How long to look away from new clients when there is no room for one.
-const int FULL_MILLISECONDS = 20;
-const int NO_LIMIT = -1;
 
 [[noreturn]] void fail(const std::string& what) {
     throw std::runtime_error(what + ": " + std::strerror(errno));
@@ -62,7 +56,7 @@ int openListener(const std::string& path) {
                                  std::to_string(sizeof sockaddr_un::sun_path - 1) + " bytes");
     }
     removeStaleSocket(path);
-    const int listener = ::socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
+    const int listener = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
     if (listener < 0) {
         fail("cannot make a socket");
     }
@@ -72,38 +66,21 @@ int openListener(const std::string& path) {
 
 }  // namespace
 
-Server::Server(std::string path, RequestHandler handler, const ConnectionLimits& limits)
-    : path(std::move(path)), listener(openListener(this->path)), pool(std::move(handler), limits) {
+Server::Listener::Listener(std::string path)
+    : path(std::move(path)), descriptor(openListener(this->path)) {
 }
 
-Server::~Server() {
-    ::close(listener);
+Server::Listener::~Listener() {
+    ::close(descriptor);
     ::unlink(path.c_str());
 }
 
-void Server::run(int stopDescriptor) {
-    while (true) {
-        const bool room = pool.hasRoom();
-        pollfd waited[2] = {{stopDescriptor, POLLIN, 0}, {room ? listener : -1, POLLIN, 0}};
-        const int ready = ::poll(waited, 2, room ? NO_LIMIT : FULL_MILLISECONDS);
-        if (ready > 0 && waited[0].revents != 0) {
-            return;
-        }
-        if (ready > 0 && waited[1].revents != 0) {
-            acceptOne();
-        }
-    }
+Server::Server(std::string path, RequestHandler handler, const ConnectionLimits& limits)
+    : listener(std::move(path)), pool(listener.descriptor, std::move(handler), limits) {
 }
 
-void Server::acceptOne() {
-    const int client = ::accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
-    if (client >= 0) {
-        pool.serve(client);
-    } else if (errno != EAGAIN && errno != EINTR && errno != ECONNABORTED) {
-        // Most likely out of descriptors; asking again at once would only burn the processor.
-        logLine(std::string("cannot take a client: ") + std::strerror(errno));
-        ::poll(nullptr, 0, FULL_MILLISECONDS);
-    }
+void Server::run(int stopDescriptor) {
+    pool.run(stopDescriptor);
 }
 
 }  // namespace VeskLib::Board

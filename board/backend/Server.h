@@ -6,26 +6,29 @@
 
 namespace VeskLib::Board {
 
-// Listens on a Unix-domain socket and hands every client to a ConnectionPool.
+// Listens on a Unix-domain socket, behind which a ConnectionPool serves the clients.
 class Server {
 public:
     // Listens on `path`; a socket that a killed back-end left there is taken over, so the caller
     // must know that no other lives. Throws std::runtime_error when that is not possible.
     Server(std::string path, RequestHandler handler, const ConnectionLimits& limits = {});
-    Server(const Server&) = delete;
-    Server& operator=(const Server&) = delete;
 
-    // Removes the socket.
-    ~Server();
-
-    // Serves until `stopDescriptor` becomes readable.
+    // Serves until `stopDescriptor` becomes readable. Requests that are under way then are answered
+    // by the time the server is gone, and with it the socket.
     void run(int stopDescriptor);
 
 private:
-    void acceptOne();
+    struct Listener {
+        explicit Listener(std::string path);
+        Listener(const Listener&) = delete;
+        Listener& operator=(const Listener&) = delete;
+        ~Listener();
 
-    const std::string path;
-    int listener;
+        const std::string path;
+        const int descriptor;
+    };
+
+    Listener listener;  // outlives the pool
     ConnectionPool pool;
 };
 

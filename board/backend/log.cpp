@@ -25,13 +25,17 @@ void logLine(const std::string& text) {
     write(line.data(), line.size());
 }
 
-void logFailure(const char* what, const std::exception& failure) noexcept {
+void logFailure(const char* what, const char* reason) noexcept {
     try {
-        logLine(std::string(what) + failure.what());
+        logLine(std::string(what) + reason);
     } catch (const std::exception&) {
         static const char LINE[] = "efi_backend: out of memory\n";
         write(LINE, sizeof LINE - 1);
     }
+}
+
+void logFailure(const char* what, const std::exception& failure) noexcept {
+    logFailure(what, failure.what());
 }
 
 std::string hexadecimal(unsigned int number) {

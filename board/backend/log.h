@@ -9,7 +9,8 @@ namespace VeskLib::Board {
 // characters become "?". Callers keep passwords and user names out of it.
 void logLine(const std::string& text);
 
-// The same for `what` and the failure's own words. Never throws: without memory it says only that.
+// The same for `what` and the reason. Never throws: without memory it says only that.
+void logFailure(const char* what, const char* reason) noexcept;
 void logFailure(const char* what, const std::exception& failure) noexcept;
 
 // `number` as the documents write request numbers: "0x020100A4".
