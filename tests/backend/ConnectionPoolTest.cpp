@@ -2,6 +2,7 @@
 
 #include "platform/host/channel/Channel.h"
 #include "platform/host/channel/FrameStream.h"
+#include "tests/backend/support/PoolRunner.h"
 #include "tests/backend/support/ScriptedServer.h"
 
 #include <gtest/gtest.h>
@@ -21,8 +22,7 @@ using namespace Host;
 
 namespace {
 
-// Replies of which so many bytes leave; all of them without a number. The client stands at the
-// other end of a pair of sockets.
+// Replies of which so many bytes leave; all of them without a number.
 class ConnectionPoolTest : public testing::Test {
 protected:
     ConnectionPoolTest() {
@@ -37,10 +37,7 @@ protected:
 
     void start(std::optional<std::size_t> sentBytes) {
         sent = sentBytes;
-        int ends[2] = {};
-        ASSERT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends), 0);
-        client = ends[0];
-        pool = std::make_unique<ConnectionPool>(
+        pool = std::make_unique<PoolRunner>(
             [this](const RequestFrame& request) {
                 ++asked;
                 Answer answer(ReplyFrame{0, request.payload});
@@ -48,7 +45,7 @@ protected:
                 return answer;
             },
             limits);
-        pool->serve(ends[1]);
+        client = pool->connect();
     }
 
     void ask() const { sendBytes(client, framed(encode(REQUEST))); }
@@ -60,7 +57,7 @@ protected:
     const RequestFrame REQUEST = {RequestKind::GET, 7, "", {1, 2, 3}};
     const Bytes REPLY = framed(encode(ReplyFrame{0, {1, 2, 3}}));
     ConnectionLimits limits;
-    std::unique_ptr<ConnectionPool> pool;
+    std::unique_ptr<PoolRunner> pool;
     int client = -1;
     std::atomic<int> asked = 0;
 

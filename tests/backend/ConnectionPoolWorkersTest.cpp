@@ -1,0 +1,311 @@
+#include "platform/host/channel/FrameStream.h"
+#include "tests/backend/support/PoolRunner.h"
+#include "tests/backend/support/ScriptedServer.h"
+#include "tests/backend/support/failures.h"
+#include "tests/support/files.h"
+
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <chrono>
+#include <fstream>
+#include <functional>
+#include <future>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <set>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace VeskLib::Test {
+
+using namespace Board;
+using namespace Host;
+
+namespace {
+
+const std::string TASKS = "/proc/self/task/";
+
+// A request with this number is answered only when the test lets it.
+const std::uint32_t HELD_REQUEST = 1;
+
+bool happensInTime(const std::function<bool()>& condition) {
+    const Deadline deadline(60000);
+    while (!condition()) {
+        if (deadline.remainingMilliseconds() == 0) {
+            return false;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return true;
+}
+
+// Which threads serve which clients, and when there is one more or one less.
+class ConnectionPoolWorkersTest : public testing::Test {
+protected:
+    ConnectionPoolWorkersTest() {
+        limits.requestMilliseconds = 60000;
+        limits.endMilliseconds = 60000;
+        // A sanitizer has a thread of its own, which comes with the first one of the program.
+        std::thread first([this] { countedBefore = ::gettid(); });
+        first.join();
+        EXPECT_TRUE(happensInTime([&] { return !exists(TASKS + std::to_string(countedBefore)); }));
+        countedBefore = static_cast<int>(namesIn(TASKS).size());
+    }
+
+    ~ConnectionPoolWorkersTest() override {
+        release();
+        pool.reset();
+        for (const int client : clients) {
+            ::close(client);
+        }
+    }
+
+    void start() {
+        pool = std::make_unique<PoolRunner>(
+            [this](const RequestFrame& request) { return answer(request); }, limits);
+    }
+
+    // One more client of the pool.
+    int join() {
+        clients.push_back(pool->connect());
+        return clients.back();
+    }
+
+    // The client goes.
+    void leave(int client) {
+        ::close(client);
+        std::erase(clients, client);
+    }
+
+    static void ask(int client, std::uint32_t number = 0) {
+        sendBytes(client, framed(encode(RequestFrame{RequestKind::GET, number, "", {7}})));
+    }
+
+    // False when the connection has ended instead.
+    bool isAnswered(int client) const { return receiveBytes(client, REPLY.size()) == REPLY; }
+
+    bool exchange(int client) const {
+        ask(client);
+        return isAnswered(client);
+    }
+
+    // Lets the held requests go on.
+    void release() {
+        if (!released) {
+            released = true;
+            gate.set_value();
+        }
+    }
+
+    // Besides the thread that runs the pool.
+    bool hasWorkers(int count) const {
+        return happensInTime(
+            [&] { return static_cast<int>(namesIn(TASKS).size()) == countedBefore + 1 + count; });
+    }
+
+    // How often the thread that runs the pool has gone to sleep or was made to.
+    std::string sleeps() const {
+        std::ifstream status(TASKS + std::to_string(pool->supervisor()) + "/status");
+        std::string found;
+        for (std::string line; std::getline(status, line);) {
+            found += line.find("ctxt_switches") == std::string::npos ? "" : line;
+        }
+        return found;
+    }
+
+    // Whether that thread comes to rest.
+    bool sleepsOn() const {
+        return happensInTime([this] {
+            const std::string before = sleeps();
+            std::this_thread::sleep_for(std::chrono::milliseconds(200));
+            return !before.empty() && sleeps() == before;
+        });
+    }
+
+    const Bytes REPLY = framed(encode(ReplyFrame{0, {7}}));
+    ConnectionLimits limits;
+    std::unique_ptr<PoolRunner> pool;
+    std::vector<int> clients;
+    std::atomic<int> held = 0;
+    std::mutex guard;
+    std::set<pid_t> threads;  // that have answered
+
+private:
+    ReplyFrame answer(const RequestFrame& request) {
+        {
+            const std::scoped_lock lock(guard);
+            threads.insert(::gettid());
+        }
+        if (request.number == HELD_REQUEST) {
+            ++held;
+            opened.wait();
+        }
+        return {0, request.payload};
+    }
+
+    std::promise<void> gate;
+    std::shared_future<void> opened = gate.get_future().share();
+    bool released = false;
+    int countedBefore = 0;
+};
+
+}  // namespace
+
+TEST_F(ConnectionPoolWorkersTest, oneThreadServesOneClientAfterTheOther) {
+    limits.connections = 1;
+    start();
+    for (int round = 0; round < 5; ++round) {
+        const int client = join();
+        EXPECT_TRUE(exchange(client));
+        leave(client);
+    }
+    EXPECT_EQ(threads.size(), 1U);
+    EXPECT_NE(*threads.begin(), pool->supervisor());
+}
+
+TEST_F(ConnectionPoolWorkersTest, idleThreadsWaitBeforeTheFirstClient) {
+    limits.idleWorkers = 3;
+    start();
+    EXPECT_TRUE(hasWorkers(3));
+}
+
+TEST_F(ConnectionPoolWorkersTest, noMoreThreadsWaitThanThereMayBeConnections) {
+    limits.connections = 2;
+    limits.idleWorkers = 3;
+    start();
+    EXPECT_TRUE(hasWorkers(2));
+    EXPECT_TRUE(exchange(join()));
+    EXPECT_TRUE(hasWorkers(2));
+}
+
+TEST_F(ConnectionPoolWorkersTest, threadsComeForManyClientsAtOnceAndGoBehindThem) {
+    limits.idleWorkers = 2;
+    start();
+    for (int count = 0; count < 6; ++count) {
+        ask(join(), HELD_REQUEST);
+    }
+    EXPECT_TRUE(happensInTime([this] { return held == 6; }));
+    EXPECT_TRUE(hasWorkers(7));  // one of them is idle
+    release();
+    while (!clients.empty()) {
+        EXPECT_TRUE(isAnswered(clients.back()));
+        leave(clients.back());
+    }
+    EXPECT_TRUE(hasWorkers(2));
+    EXPECT_TRUE(exchange(join()));
+}
+
+TEST_F(ConnectionPoolWorkersTest, withoutIdleThreadsEachClientGetsAThread) {
+    limits.idleWorkers = 0;
+    start();
+    for (int round = 0; round < 5; ++round) {
+        const int client = join();
+        EXPECT_TRUE(exchange(client));
+        leave(client);
+    }
+    EXPECT_TRUE(hasWorkers(1));
+}
+
+TEST_F(ConnectionPoolWorkersTest, nothingWakesUpWhileNothingHappens) {
+    start();
+    EXPECT_TRUE(sleepsOn());
+    EXPECT_TRUE(exchange(join()));
+    EXPECT_TRUE(sleepsOn());
+}
+
+TEST_F(ConnectionPoolWorkersTest, nothingWakesUpWhileAllConnectionsAreTakenAndNobodyWaits) {
+    limits.connections = 2;
+    start();
+    EXPECT_TRUE(exchange(join()));
+    EXPECT_TRUE(exchange(join()));
+    EXPECT_TRUE(sleepsOn());
+}
+
+TEST_F(ConnectionPoolWorkersTest, aQuietClientMakesRoomOnlyWhenAnotherOneWaits) {
+    limits.connections = 1;
+    limits.quietMilliseconds = 1;
+    start();
+    const int quiet = join();
+    EXPECT_TRUE(exchange(quiet));
+    EXPECT_TRUE(sleepsOn());
+    EXPECT_TRUE(exchange(quiet));
+    EXPECT_TRUE(exchange(join()));
+    EXPECT_FALSE(exchange(quiet));
+}
+
+TEST_F(ConnectionPoolWorkersTest, aClientThatWaitsAtTheEndSeesItsConnectionEnd) {
+    limits.connections = 1;
+    start();
+    const int served = join();
+    ask(served, HELD_REQUEST);
+    EXPECT_TRUE(happensInTime([this] { return held == 1; }));
+    const int waiting = join();
+    std::thread ending([this] { pool.reset(); });
+    release();
+    EXPECT_TRUE(isAnswered(served));
+    EXPECT_FALSE(exchange(waiting));
+    ending.join();
+}
+
+TEST_F(ConnectionPoolWorkersTest, aClientIsServedWhenThereAreDescriptorsAgain) {
+    limits.connections = 1;
+    start();
+    const int before = join();
+    EXPECT_TRUE(exchange(before));
+    const int client = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    clients.push_back(client);
+    std::optional<NoDescriptors> failure(std::in_place);
+    leave(before);
+    pool->connect(client);
+    ask(client);
+    EXPECT_FALSE(waitUntilReady(client, POLLIN, Deadline(100)));
+    failure.reset();
+    EXPECT_TRUE(isAnswered(client));
+}
+
+TEST_F(ConnectionPoolWorkersTest, theEndComesWhenThereAreNoDescriptors) {
+    limits.connections = 1;
+    start();
+    const int client = join();
+    EXPECT_TRUE(exchange(client));
+    const NoDescriptors failure;
+    leave(client);
+    pool.reset();
+}
+
+TEST_F(ConnectionPoolWorkersTest, withoutAnyThreadClientsAreTurnedAwayUntilThereIsOne) {
+    std::optional<NoThreads> failure;
+    limits.idleWorkers = 0;
+    start();
+    ASSERT_TRUE(hasWorkers(1));
+    failure.emplace();
+    const int last = join();
+    EXPECT_TRUE(exchange(last));
+    leave(last);
+    ASSERT_TRUE(hasWorkers(0));
+    EXPECT_FALSE(exchange(join()));
+    EXPECT_FALSE(exchange(join()));
+    EXPECT_TRUE(sleepsOn());
+    failure.reset();
+    EXPECT_TRUE(exchange(join()));
+}
+
+TEST_F(ConnectionPoolWorkersTest, whereNoThreadCanBeStartedAQuietClientMakesRoom) {
+    limits.idleWorkers = 1;
+    limits.quietMilliseconds = 1;
+    start();
+    ASSERT_TRUE(hasWorkers(1));
+    const NoThreads failure;
+    const int quiet = join();
+    EXPECT_TRUE(exchange(quiet));
+    EXPECT_TRUE(exchange(join()));
+    EXPECT_FALSE(exchange(quiet));
+}
+
+}  // namespace VeskLib::Test

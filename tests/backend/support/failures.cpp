@@ -1,0 +1,42 @@
+#include "tests/backend/support/failures.h"
+
+#include <cstddef>
+#include <limits>
+
+namespace VeskLib::Test {
+
+namespace {
+
+// Fewer than there are, and enough for every poll().
+const rlim_t STANDARD_STREAMS = 3;
+
+const std::size_t PAGE = 0x10000;
+const std::size_t ENORMOUS = std::numeric_limits<std::size_t>::max() / 2 / PAGE * PAGE;
+
+}  // namespace
+
+NoThreads::NoThreads() {
+    pthread_attr_t enormous;
+    ::pthread_getattr_default_np(&original);
+    ::pthread_getattr_default_np(&enormous);
+    ::pthread_attr_setstacksize(&enormous, ENORMOUS);
+    ::pthread_setattr_default_np(&enormous);
+    ::pthread_attr_destroy(&enormous);
+}
+
+NoThreads::~NoThreads() {
+    ::pthread_setattr_default_np(&original);
+    ::pthread_attr_destroy(&original);
+}
+
+NoDescriptors::NoDescriptors() {
+    ::getrlimit(RLIMIT_NOFILE, &original);
+    const rlimit none = {STANDARD_STREAMS, original.rlim_max};
+    ::setrlimit(RLIMIT_NOFILE, &none);
+}
+
+NoDescriptors::~NoDescriptors() {
+    ::setrlimit(RLIMIT_NOFILE, &original);
+}
+
+}  // namespace VeskLib::Test
