@@ -17,8 +17,8 @@ REQUESTS = ("backup page", "backup", "upload", "restore", "login")
 
 class BackendFaultWorker:
     """Starts the back-end with one of its calls going wrong, makes a request, and goes on with a
-    healthy one. strace counts the calls of each thread for itself, and a thread serves each
-    connection, so that a fault "once" meets each connection of the request once."""
+    healthy one. strace counts the calls of each thread for itself, and the threads that wait
+    for clients take turns, so that a fault "once" meets several connections of the request."""
 
     def __init__(self, installation):
         self.scene = Scene(installation)

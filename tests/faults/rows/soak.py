@@ -9,6 +9,7 @@ import time
 
 from support.board import sampleFile
 from support.caseRuns import Outcome, Result, keep
+from support.idleThreads import servesNobody
 from support.requestTypes import BOUNDARY, multipart
 from support.webBoard import Browser, WebBoard
 
@@ -158,7 +159,7 @@ def compare(early, late, memoryGrowth):
 def atRest(board, seconds=20):
     """What is measured when every program and every connection has ended."""
     end = time.monotonic() + seconds
-    while status(board.backend, "Threads") > 1 and time.monotonic() < end:
+    while not servesNobody(board.backend) and time.monotonic() < end:
         time.sleep(0.05)
     time.sleep(0.2)
     return measure(board)

@@ -10,6 +10,7 @@ import threading
 import time
 
 from support.configurationFile import ConfigurationFile
+from support.idleThreads import servesNobody
 from support.program import runProgram
 
 START_SECONDS = 60
@@ -142,14 +143,11 @@ class Board:
         return None
 
     def waitUntilQuiet(self, seconds=45):
-        """Waits until the back-end works for nobody: a thread serves each connection."""
+        """Waits until the back-end works for nobody."""
         end = time.monotonic() + seconds
         while self.backend is not None and time.monotonic() < end:
             pid = self.backendProcess()
-            try:
-                if pid is None or len(os.listdir(f"/proc/{pid}/task")) == 1:
-                    return True
-            except (FileNotFoundError, ProcessLookupError):
+            if pid is None or servesNobody(pid):
                 return True
             time.sleep(0.001)
         return False
