@@ -281,7 +281,7 @@ TEST_F(ConnectionPoolWorkersTest, aClientIsServedWhenThereAreDescriptorsAgain) {
     pool->connect(client);
     ask(client);
     const auto before = processorTime();
-    EXPECT_FALSE(waitUntilReady(client, POLLIN, Deadline(200)));
+    EXPECT_FALSE(waitUntilReady(client, POLLIN, Deadline(500)));
     EXPECT_LT(processorTime() - before, std::chrono::milliseconds(100));  // it looks away
     failure.reset();
     EXPECT_TRUE(isAnswered(client));
