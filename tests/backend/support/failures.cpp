@@ -11,7 +11,7 @@ namespace {
 const rlim_t STANDARD_STREAMS = 3;
 
 const std::size_t PAGE = 0x10000;
-const std::size_t ENORMOUS = std::numeric_limits<std::size_t>::max() / 2 / PAGE * PAGE;
+const std::size_t ENORMOUS = std::numeric_limits<std::size_t>::max() / 8 * 7 / PAGE * PAGE;
 
 }  // namespace
 
