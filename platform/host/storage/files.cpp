@@ -234,7 +234,10 @@ void removeFilesAside(const std::string& pathStart) {
     const std::string start = nameOf(pathStart);
     for (const std::string& name : listNames(folder)) {
         if (isAsideName(name, start)) {
-            ::unlink((folder + "/" + name).c_str());
+            std::string path = folder;
+            path += '/';
+            path += name;
+            ::unlink(path.c_str());
         }
     }
 }

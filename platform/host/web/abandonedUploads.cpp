@@ -43,7 +43,9 @@ void removeAbandonedUploads() {
     const std::string folder = start.substr(0, slash);
     const std::string_view prefix = std::string_view(start).substr(slash + 1);
     for (const std::string& name : listNames(folder)) {
-        const std::string path = folder + "/" + name;
+        std::string path = folder;
+        path += '/';
+        path += name;
         if (name.starts_with(prefix) && isAbandoned(path)) {
             unlink(path.c_str());
         }
