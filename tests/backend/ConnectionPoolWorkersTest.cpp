@@ -3,6 +3,7 @@
 #include "tests/backend/support/ScriptedServer.h"
 #include "tests/backend/support/failures.h"
 #include "tests/support/files.h"
+#include "tests/support/sanitizers.h"
 
 #include <gtest/gtest.h>
 #include <poll.h>
@@ -270,6 +271,9 @@ TEST_F(ConnectionPoolWorkersTest, aClientThatWaitsAtTheEndSeesItsConnectionEnd) 
 }
 
 TEST_F(ConnectionPoolWorkersTest, aClientIsServedWhenThereAreDescriptorsAgain) {
+    if (SANITIZED) {
+        GTEST_SKIP() << "the sanitizers need descriptors";
+    }
     limits.connections = 1;
     start();
     const int first = join();
@@ -288,6 +292,9 @@ TEST_F(ConnectionPoolWorkersTest, aClientIsServedWhenThereAreDescriptorsAgain) {
 }
 
 TEST_F(ConnectionPoolWorkersTest, theEndComesWhenThereAreNoDescriptors) {
+    if (SANITIZED) {
+        GTEST_SKIP() << "the sanitizers need descriptors";
+    }
     limits.connections = 1;
     start();
     const int client = join();

@@ -5,6 +5,7 @@
 #include "tests/support/BoardTest.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/files.h"
+#include "tests/support/sanitizers.h"
 
 #include <VeskLib/LockedFile.h>
 #include <VeskLib/PException.h>
@@ -137,6 +138,9 @@ TEST_F(SessionFilesTest, aSessionEndsAlsoWhileTheStagingLockCannotBeHad) {
 
 // A limit of open files is what makes every file unreadable for a while.
 TEST_F(SessionFilesTest, aSessionThatCannotBeReadNowIsLeftAlone) {
+    if (SANITIZED) {
+        GTEST_SKIP() << "the sanitizers need descriptors";
+    }
     const Session session = startWithFiles();
     ChildProcess process([&session] {
         const rlimit none = {.rlim_cur = 0, .rlim_max = 0};

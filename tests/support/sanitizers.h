@@ -1,0 +1,13 @@
+#pragma once
+
+namespace VeskLib::Test {
+
+// Whether the sanitizers watch this build. Their check of an object's type opens a pipe, so that it
+// takes every object for none while there are no descriptors.
+#ifdef __SANITIZE_ADDRESS__
+inline constexpr bool SANITIZED = true;
+#else
+inline constexpr bool SANITIZED = false;
+#endif
+
+}  // namespace VeskLib::Test
