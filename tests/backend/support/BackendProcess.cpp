@@ -77,6 +77,8 @@ void BackendProcess::start(std::vector<std::string> arguments) {
     if (process == 0) {
         ::dup2(out[1], STDOUT_FILENO);
         ::dup2(err[1], STDERR_FILENO);
+        // Whoever starts the tests in the background has their children ignore it.
+        ::signal(SIGINT, SIG_DFL);
         ::execv(pointers[0], pointers.data());
         ::_exit(127);
     }
