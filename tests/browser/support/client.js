@@ -16,12 +16,18 @@ export class Client {
         return client;
     }
 
-    // The answer with its body as `text` and `bytes`; redirections are not followed.
+    // The answer with its body as `text` and `bytes`; redirections are not followed. Each request
+    // has a connection of its own: the server may close one that was left open just when the next
+    // request is sent on it.
     async request(target, options = {}) {
         const response = await fetch(this.board.url(target), {
             redirect: "manual",
             ...options,
-            headers: { ...(this.cookie && { cookie: this.cookie }), ...options.headers },
+            headers: {
+                connection: "close",
+                ...(this.cookie && { cookie: this.cookie }),
+                ...options.headers,
+            },
         });
         const bytes = Buffer.from(await response.arrayBuffer());
         return { status: response.status, headers: response.headers, bytes, text: bytes.toString() };
