@@ -1,12 +1,12 @@
 #include "board/backend/DescriptionReader.h"
 
 #include "board/backend/initialPayload.h"
+#include "platform/host/base/Descriptor.h"
 #include "platform/host/storage/ConfigurationFile.h"
 #include "platform/host/storage/files.h"
 
 #include <crypt.h>
 #include <fcntl.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
@@ -43,15 +43,10 @@ bool isPasswordHash(const std::string& hash) {
 }
 
 std::string readText(const std::string& path) {
-    const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    const Host::Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     std::vector<unsigned char> bytes;
-    const bool read = descriptor >= 0 && Host::readOpenFile(descriptor, LARGEST_DESCRIPTION, bytes);
-    const int reason = errno;
-    if (descriptor >= 0) {
-        ::close(descriptor);
-    }
-    if (!read) {
-        throw std::runtime_error(path + ": cannot be read: " + std::strerror(reason));
+    if (!file.isOpen() || !Host::readOpenFile(file.get(), LARGEST_DESCRIPTION, bytes)) {
+        throw std::runtime_error(path + ": cannot be read: " + std::strerror(errno));
     }
     return {bytes.begin(), bytes.end()};
 }

@@ -3,7 +3,6 @@
 #include "board/backend/FaultSwitches.h"
 
 #include <string>
-#include <vector>
 
 namespace VeskLib::Board {
 

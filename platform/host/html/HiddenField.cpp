@@ -1,12 +1,12 @@
 #include <VeskLib/Gui/HiddenField.h>
 
 #include "platform/host/html/attributes.h"
-
-#include <iostream>
+#include "platform/host/html/printText.h"
 
 namespace VeskLib::Gui {
 
 using Host::printAttribute;
+using Host::printText;
 
 HiddenField::HiddenField(const std::string& name, const std::string& value, const std::string& form)
     : name(name), value(value), form(form) {
@@ -15,11 +15,11 @@ HiddenField::HiddenField(const std::string& name, const std::string& value, cons
 HiddenField::~HiddenField() = default;
 
 void HiddenField::printHTML() const {
-    std::cout << "<input type=\"hidden\"";
+    printText("<input type=\"hidden\"");
     printAttribute("name", name);
     printAttribute("value", value);
     printAttribute("form", form);
-    std::cout << '>';
+    printText(">");
 }
 
 bool HiddenField::isError() const {

@@ -1,12 +1,12 @@
 #include <VeskLib/Gui/SelectFile.h>
 
 #include "platform/host/html/attributes.h"
-
-#include <iostream>
+#include "platform/host/html/printText.h"
 
 namespace VeskLib::Gui {
 
 using Host::printAttribute;
+using Host::printText;
 
 SelectFile::SelectFile(const std::string& name, const std::string& accept, const std::string& form,
                        int width, int longestName)
@@ -16,7 +16,7 @@ SelectFile::SelectFile(const std::string& name, const std::string& accept, const
 SelectFile::~SelectFile() = default;
 
 void SelectFile::printHTML() const {
-    std::cout << "<input type=\"file\"";
+    printText("<input type=\"file\"");
     printAttribute("id", name);
     printAttribute("name", name);
     printAttribute("form", form);
@@ -29,7 +29,7 @@ void SelectFile::printHTML() const {
     if (longestName > 0) {
         printAttribute("maxlength", std::to_string(longestName));
     }
-    std::cout << '>';
+    printText(">");
 }
 
 bool SelectFile::isError() const {

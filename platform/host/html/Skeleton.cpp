@@ -145,8 +145,11 @@ bool Skeleton::parseMark(std::string_view mark, std::vector<std::size_t>& openCo
         openConditions.pop_back();
         return true;
     }
-    if (mark.starts_with("if ") || mark.starts_with("unless ")) {
-        return parseCondition(mark, openConditions);
+    if (takePrefix(mark, "if ")) {
+        return parseCondition(Kind::IF, mark, openConditions);
+    }
+    if (takePrefix(mark, "unless ")) {
+        return parseCondition(Kind::UNLESS, mark, openConditions);
     }
     Piece piece;
     if (takeSuffix(mark, "|script")) {
@@ -174,16 +177,11 @@ bool Skeleton::parseMark(std::string_view mark, std::vector<std::size_t>& openCo
     return isName(mark);
 }
 
-bool Skeleton::parseCondition(std::string_view mark, std::vector<std::size_t>& openConditions) {
-    Piece piece;
-    piece.kind = takePrefix(mark, "if ") ? Kind::IF : Kind::UNLESS;
-    if (piece.kind == Kind::UNLESS) {
-        takePrefix(mark, "unless ");
-    }
-    piece.text = mark;
+bool Skeleton::parseCondition(Kind kind, std::string_view name,
+                              std::vector<std::size_t>& openConditions) {
     openConditions.push_back(pieces.size());
-    pieces.push_back(piece);
-    return isName(mark);
+    pieces.push_back({.kind = kind, .text = name});
+    return isName(name);
 }
 
 void Skeleton::fail(std::size_t offset, const char* problem) const {

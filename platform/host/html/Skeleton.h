@@ -57,7 +57,7 @@ public:
 
 private:
     void parse();
-    bool parseCondition(std::string_view mark, std::vector<std::size_t>& openConditions);
+    bool parseCondition(Kind kind, std::string_view name, std::vector<std::size_t>& openConditions);
     bool parseMark(std::string_view mark, std::vector<std::size_t>& openConditions);
     [[noreturn]] void fail(std::size_t offset, const char* problem) const;
 

@@ -4,9 +4,8 @@
 
 namespace VeskLib::Host {
 
-// Prints to std::cout as it stands. Without the stream's own formatting, which takes longer than
-// the short texts of a page; and a lack of memory is an exception, not a state of the stream that
-// nobody asks for.
+// Prints to std::cout as it stands, past the stream's own formatting, which takes longer than the
+// short texts of a page. A lack of memory is an exception.
 void printText(std::string_view text);
 
 }  // namespace VeskLib::Host

@@ -1,5 +1,8 @@
 #include "platform/host/storage/files.h"
 
+#include "platform/host/base/Descriptor.h"
+#include "platform/host/base/writeWhole.h"
+
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -35,43 +38,10 @@ std::string nameOf(const std::string& path) {
     return slash == std::string::npos ? path : path.substr(slash + 1);
 }
 
-bool writeWhole(int descriptor, const std::vector<unsigned char>& bytes) {
-    std::size_t written = 0;
-    while (written < bytes.size()) {
-        const ssize_t count = ::write(descriptor, bytes.data() + written, bytes.size() - written);
-        if (count < 0 && errno != EINTR) {
-            return false;
-        }
-        written += count > 0 ? static_cast<std::size_t>(count) : 0;
-    }
-    return true;
-}
-
-// An open descriptor; its end keeps errno, so that the reason of a failure is not lost.
-class Descriptor {
-public:
-    explicit Descriptor(int number) : number(number) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-
-    ~Descriptor() {
-        const int reason = errno;
-        if (number >= 0) {
-            ::close(number);
-        }
-        errno = reason;
-    }
-
-    int get() const { return number; }
-    bool isOpen() const { return number >= 0; }
-
-private:
-    int number;
-};
-
 // Gives an empty file these bytes and this mode, and syncs it.
 bool fill(int descriptor, const std::vector<unsigned char>& bytes, int mode) {
-    return writeWhole(descriptor, bytes) && ::fchmod(descriptor, static_cast<mode_t>(mode)) == 0 &&
+    const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    return writeWhole(descriptor, text) && ::fchmod(descriptor, static_cast<mode_t>(mode)) == 0 &&
            ::fsync(descriptor) == 0;
 }
 
@@ -85,12 +55,6 @@ void unlinkKeepingErrno(const std::string& path) {
     const int reason = errno;
     ::unlink(path.c_str());
     errno = reason;
-}
-
-// Gives an open file without a name this one.
-bool nameFile(int descriptor, const std::string& path) {
-    const std::string unnamed = "/proc/self/fd/" + std::to_string(descriptor);
-    return ::linkat(AT_FDCWD, unnamed.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) == 0;
 }
 
 int openFolderOf(const std::string& path) {
@@ -202,6 +166,11 @@ bool replaceFile(const std::string& path, const std::vector<unsigned char>& byte
     return syncFolder(folder.get());
 }
 
+bool nameFile(int descriptor, const std::string& path) {
+    const std::string unnamed = "/proc/self/fd/" + std::to_string(descriptor);
+    return ::linkat(AT_FDCWD, unnamed.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) == 0;
+}
+
 bool createFile(const std::string& path, const std::vector<unsigned char>& bytes, int mode) {
     const Descriptor folder(openFolderOf(path));
     if (!folder.isOpen()) {
@@ -229,15 +198,19 @@ std::vector<std::string> listNames(const std::string& folder) {
     return names;
 }
 
+std::string pathIn(const std::string& folder, const std::string& name) {
+    std::string path = folder;
+    path += '/';
+    path += name;
+    return path;
+}
+
 void removeFilesAside(const std::string& pathStart) {
     const std::string folder = folderOf(pathStart);
     const std::string start = nameOf(pathStart);
     for (const std::string& name : listNames(folder)) {
         if (isAsideName(name, start)) {
-            std::string path = folder;
-            path += '/';
-            path += name;
-            ::unlink(path.c_str());
+            ::unlink(pathIn(folder, name).c_str());
         }
     }
 }

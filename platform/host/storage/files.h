@@ -29,6 +29,10 @@ int openForReading(const std::string& path);
 // new bytes all the same: they are stored, but may not outlive a power cut.
 bool replaceFile(const std::string& path, const std::vector<unsigned char>& bytes, int mode);
 
+// Gives an open file that was made without a name this one, where there is nothing yet. False when
+// that fails; errno then tells why.
+bool nameFile(int descriptor, const std::string& path);
+
 // Makes `path`, where there is nothing yet, a file with these bytes, synced as replaceFile() does.
 // The file has no name until it is whole, so that a process that is killed leaves nothing behind.
 // False when any step failed; errno then tells why, and nothing was made.
@@ -36,6 +40,9 @@ bool createFile(const std::string& path, const std::vector<unsigned char>& bytes
 
 // The names in a folder, "." and ".." too, in no order; none when it cannot be read.
 std::vector<std::string> listNames(const std::string& folder);
+
+// The path of `name` in a folder.
+std::string pathIn(const std::string& folder, const std::string& name);
 
 // Removes what a replaceFile() left aside when its process was killed, for every path that begins
 // with `pathStart`. Only for paths that no other process is replacing at the same time.

@@ -3,10 +3,10 @@
 #include "platform/host/base/Environment.h"
 #include "platform/host/base/scriptNonce.h"
 #include "platform/host/base/standardDescriptors.h"
+#include "platform/host/base/writeWhole.h"
 
 #include <unistd.h>
 
-#include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
@@ -59,18 +59,6 @@ bool hasLineBreak(const std::string& text) {
     return text.find_first_of("\r\n") != std::string::npos;
 }
 
-bool writeWhole(std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t count = write(STDOUT_FILENO, bytes.data(), bytes.size());
-        if (count > 0) {
-            bytes.remove_prefix(static_cast<std::size_t>(count));
-        } else if (count == 0 || errno != EINTR) {
-            return false;
-        }
-    }
-    return true;
-}
-
 // In plain words of one language: a catalogue and a skeleton would have to be read.
 const char LAST_RESORT[] =
     "Status: 500 Internal Server Error\r\n"
@@ -83,15 +71,15 @@ const char LAST_RESORT[] =
 const char LAST_RESORT_PAGE[] =
     "<!DOCTYPE html><html lang=\"en\"><head><title>Internal error</title></head><body>"
     "<h1>Internal error</h1><p role=\"alert\">The board has no memory left, and it is not certain "
-    "how "
-    "far the request went. Look at the state of the partitions before you try again; if it fails "
-    "again, call support.</p></body></html>\n";
+    "how far the request went. Look at the state of the partitions before you try again; if it "
+    "fails again, call support.</p></body></html>\n";
 static_assert(sizeof LAST_RESORT_PAGE - 1 == 305, "Content-Length of the last resort");
 
 bool sendLastResort() {
     const char* const method = std::getenv("REQUEST_METHOD");
     const bool withBody = method == nullptr || std::strcmp(method, "HEAD") != 0;
-    return writeWhole(LAST_RESORT) && (!withBody || writeWhole(LAST_RESORT_PAGE));
+    return writeWhole(STDOUT_FILENO, LAST_RESORT) &&
+           (!withBody || writeWhole(STDOUT_FILENO, LAST_RESORT_PAGE));
 }
 
 }  // namespace
@@ -158,7 +146,7 @@ bool Response::sendPage() const {
     if (readEnvironment("REQUEST_METHOD") != "HEAD") {
         bytes += page;
     }
-    return writeWhole(bytes);
+    return writeWhole(STDOUT_FILENO, bytes);
 }
 
 }  // namespace VeskLib::Host

@@ -3,6 +3,8 @@
 #include "platform/host/base/SystemPath.h"
 #include "platform/host/base/platformException.h"
 #include "platform/host/base/randomText.h"
+#include "platform/host/base/writeWhole.h"
+#include "platform/host/storage/files.h"
 #include "platform/host/web/FormLimits.h"
 #include "platform/host/web/abandonedUploads.h"
 
@@ -13,7 +15,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <limits>
 #include <utility>
 
@@ -24,17 +25,6 @@ namespace {
 const char* const FOLDER = "/var/tmp";
 const mode_t FILE_MODE = 0600;
 const std::size_t NAME_BYTES = 8;
-
-bool writeWhole(int descriptor, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t count = ::write(descriptor, bytes.data(), bytes.size());
-        if (count < 0 && errno != EINTR) {
-            return false;
-        }
-        bytes.remove_prefix(count > 0 ? static_cast<std::size_t>(count) : 0);
-    }
-    return true;
-}
 
 }  // namespace
 
@@ -79,8 +69,7 @@ std::string UploadFile::path() {
             throw makePlatformException(UPLOAD_NOT_STORED, "The uploaded file cannot be locked");
         }
         std::string chosen = getCGIPath(UPLOAD_FILE) + makeRandomText(NAME_BYTES);
-        const std::string unnamed = "/proc/self/fd/" + std::to_string(descriptor);
-        if (linkat(AT_FDCWD, unnamed.c_str(), AT_FDCWD, chosen.c_str(), AT_SYMLINK_FOLLOW) != 0) {
+        if (!nameFile(descriptor, chosen)) {
             throw makePlatformException(UPLOAD_NOT_STORED, "The uploaded file cannot be named");
         }
         name = std::move(chosen);  // takes no memory: a named file must never be forgotten

@@ -1,5 +1,6 @@
 #include "platform/host/web/abandonedUploads.h"
 
+#include "platform/host/base/Descriptor.h"
 #include "platform/host/base/SystemPath.h"
 #include "platform/host/storage/files.h"
 
@@ -26,13 +27,8 @@ bool isAbandoned(const std::string& path) {
     if (!S_ISREG(status.st_mode)) {
         return true;
     }
-    const int descriptor = openForReading(path);
-    if (descriptor < 0) {
-        return false;
-    }
-    const bool free = flock(descriptor, LOCK_EX | LOCK_NB) == 0;
-    close(descriptor);
-    return free;
+    const Descriptor upload(openForReading(path));
+    return upload.isOpen() && flock(upload.get(), LOCK_EX | LOCK_NB) == 0;
 }
 
 }  // namespace
@@ -43,9 +39,7 @@ void removeAbandonedUploads() {
     const std::string folder = start.substr(0, slash);
     const std::string_view prefix = std::string_view(start).substr(slash + 1);
     for (const std::string& name : listNames(folder)) {
-        std::string path = folder;
-        path += '/';
-        path += name;
+        const std::string path = pathIn(folder, name);
         if (name.starts_with(prefix) && isAbandoned(path)) {
             unlink(path.c_str());
         }

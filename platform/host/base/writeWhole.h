@@ -1,0 +1,11 @@
+#pragma once
+
+#include <string_view>
+
+namespace VeskLib::Host {
+
+// Writes all the bytes, in as many pieces as the system takes. False when it takes no more; errno
+// then tells why. Takes no memory.
+bool writeWhole(int descriptor, std::string_view bytes);
+
+}  // namespace VeskLib::Host
