@@ -1,6 +1,8 @@
 #include <VeskLib/Gui/HTMLCodeGenerator.h>
 
+#include "platform/host/base/idleWork.h"
 #include "platform/host/base/platformException.h"
+#include "platform/host/html/skeletons.h"
 #include "tests/support/BoardTest.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/files.h"
@@ -94,6 +96,50 @@ TEST_F(HTMLCodeGeneratorHostTest, aSkeletonThatWasMissingIsLookedForAgain) {
         return 0;
     });
     EXPECT_EQ(result.output, "here now");
+}
+
+// The shell is read first; without one, nothing else would be.
+class SkeletonAheadTest : public HTMLCodeGeneratorHostTest {
+protected:
+    SkeletonAheadTest() { writeText(boardFile(Host::SHELL_SKELETON), "shell"); }
+};
+
+TEST_F(SkeletonAheadTest, thePageIsReadWhileThereIsNothingElseToDo) {
+    writeText(boardFile(SKELETON), "row;");
+    const ChildResult result = runInChild([] {
+        const HTMLCodeGenerator generator(SKELETON, &NO_COMPONENTS);
+        Host::doIdleWork();
+        writeText(boardFile(SKELETON), "changed;");
+        generator.printHTML();
+        return 0;
+    });
+    EXPECT_EQ(result.output, "row;");
+}
+
+TEST_F(SkeletonAheadTest, onlyTheFirstIsReadAhead) {
+    writeText(boardFile(SKELETON), "page;");
+    const ChildResult result = runInChild([] {
+        const HTMLCodeGenerator page(SKELETON, &NO_COMPONENTS);
+        const HTMLCodeGenerator row("/var/tmp/row.txt", &NO_COMPONENTS);
+        Host::doIdleWork();
+        writeText(boardFile(SKELETON), "changed;");
+        page.printHTML();
+        return 0;
+    });
+    EXPECT_EQ(result.output, "page;");
+}
+
+TEST_F(SkeletonAheadTest, whatIsWrongWithASkeletonIsTracedWhenItIsPrinted) {
+    writeText(boardFile(SKELETON), "{{no mark}}");
+    const ChildResult result = runInChild([] {
+        const HTMLCodeGenerator generator(SKELETON, &NO_COMPONENTS);
+        Host::doIdleWork();
+        std::cout << traceLines().size();
+        EXPECT_THROW(generator.printHTML(), PException);
+        std::cout << traceLines().size();
+        return 0;
+    });
+    EXPECT_EQ(result.output, "01");
 }
 
 }  // namespace VeskLib::Test

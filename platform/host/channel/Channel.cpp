@@ -1,6 +1,7 @@
 #include "platform/host/channel/Channel.h"
 
 #include "platform/host/base/SystemPath.h"
+#include "platform/host/base/idleWork.h"
 #include "platform/host/channel/FrameStream.h"
 #include "platform/host/channel/SocketAddress.h"
 
@@ -96,6 +97,7 @@ int Channel::sendAndReceive(const std::vector<unsigned char>& request, ReplyFram
     if (sent != 0) {
         return sent;
     }
+    doIdleWork();
     // An answer is hardly ever there at once; to look for it first would be in vain.
     if (!waitUntilReady(descriptor, POLLIN, deadline)) {
         return CHANNEL_TIMEOUT;

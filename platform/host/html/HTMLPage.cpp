@@ -1,10 +1,12 @@
 #include <VeskLib/Gui/HTMLPage.h>
 
+#include "platform/host/html/skeletons.h"
+
 namespace VeskLib::Gui {
 
 // There is one shell; every number stands for it.
 HTMLPage::HTMLPage(int /*shell*/)
-    : generator(new HTMLCodeGenerator("/usr/local/www/skel/skeleton_shell.txt", &componentMap)) {
+    : generator(new HTMLCodeGenerator(Host::SHELL_SKELETON, &componentMap)) {
 }
 
 }  // namespace VeskLib::Gui

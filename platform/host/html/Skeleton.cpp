@@ -19,19 +19,14 @@ namespace {
 
 using Components = std::map<std::string, Gui::HTMLComponent*>;
 
+// Bytes of a skeleton for each of its pieces; most have fewer pieces.
+const std::size_t USUAL_PIECE = 32;
+
 bool isName(std::string_view text) {
     return !text.empty() && std::all_of(text.begin(), text.end(), [](char character) {
         return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z') ||
                (character >= '0' && character <= '9') || character == '_';
     });
-}
-
-bool takePrefix(std::string_view& text, std::string_view prefix) {
-    if (!text.starts_with(prefix)) {
-        return false;
-    }
-    text.remove_prefix(prefix.size());
-    return true;
 }
 
 bool takeSuffix(std::string_view& text, std::string_view suffix) {
@@ -42,6 +37,13 @@ bool takeSuffix(std::string_view& text, std::string_view suffix) {
     return true;
 }
 
+Skeleton::Place takePlace(std::string_view& mark) {
+    if (takeSuffix(mark, "|script")) {
+        return Skeleton::Place::SCRIPT;
+    }
+    return takeSuffix(mark, "|attribute") ? Skeleton::Place::ATTRIBUTE : Skeleton::Place::MARKUP;
+}
+
 bool parseNumber(std::string_view text, int& number) {
     const std::from_chars_result result =
         std::from_chars(text.data(), text.data() + text.size(), number);
@@ -49,7 +51,9 @@ bool parseNumber(std::string_view text, int& number) {
 }
 
 const Gui::HTMLComponent* find(const Components& components, std::string_view name) {
-    const auto entry = components.find(std::string(name));
+    static std::string key;  // keeps its memory from one name to the next
+    key.assign(name);
+    const auto entry = components.find(key);
     return entry == components.end() ? nullptr : entry->second;
 }
 
@@ -103,6 +107,7 @@ Skeleton::Skeleton(std::string source) : source(std::move(source)) {
 
 void Skeleton::parse() {
     const std::string_view text = source;
+    pieces.reserve(text.size() / USUAL_PIECE);
     std::vector<std::size_t> openConditions;
     std::size_t position = 0;
     while (position < text.size()) {
@@ -129,15 +134,34 @@ void Skeleton::parse() {
 }
 
 bool Skeleton::parseMark(std::string_view mark, std::vector<std::size_t>& openConditions) {
-    if (mark == "language") {
-        pieces.emplace_back().kind = Kind::LANGUAGE;
-        return true;
+    const std::size_t blank = mark.find(' ');
+    if (blank == std::string_view::npos) {
+        return parseWord(mark, openConditions);
     }
-    if (mark == "nonce") {
-        pieces.emplace_back().kind = Kind::NONCE;
-        return true;
+    const std::string_view kind = mark.substr(0, blank);
+    mark.remove_prefix(blank + 1);
+    if (kind == "if") {
+        return parseCondition(Kind::IF, mark, openConditions);
     }
-    if (mark == "end") {
+    if (kind == "unless") {
+        return parseCondition(Kind::UNLESS, mark, openConditions);
+    }
+    Piece& piece = pieces.emplace_back();
+    piece.place = takePlace(mark);
+    if (kind == "text") {
+        piece.kind = Kind::CAPTION;
+        return parseNumber(mark, piece.number);
+    }
+    piece.kind = Kind::MESSAGE;
+    const std::size_t dash = mark.find('-');
+    return kind == "message" && dash != std::string_view::npos &&
+           parseNumber(mark.substr(0, dash), piece.number) &&
+           (mark.substr(dash) == "-0" || parseNumber(mark.substr(dash + 1), piece.code));
+}
+
+// A mark of one word: a component, unless it is one of three that have a meaning.
+bool Skeleton::parseWord(std::string_view word, std::vector<std::size_t>& openConditions) {
+    if (word == "end") {
         if (openConditions.empty()) {
             return false;
         }
@@ -145,36 +169,19 @@ bool Skeleton::parseMark(std::string_view mark, std::vector<std::size_t>& openCo
         openConditions.pop_back();
         return true;
     }
-    if (takePrefix(mark, "if ")) {
-        return parseCondition(Kind::IF, mark, openConditions);
+    Piece& piece = pieces.emplace_back();
+    if (word == "language") {
+        piece.kind = Kind::LANGUAGE;
+        return true;
     }
-    if (takePrefix(mark, "unless ")) {
-        return parseCondition(Kind::UNLESS, mark, openConditions);
-    }
-    Piece piece;
-    if (takeSuffix(mark, "|script")) {
-        piece.place = Place::SCRIPT;
-    } else if (takeSuffix(mark, "|attribute")) {
-        piece.place = Place::ATTRIBUTE;
-    }
-    if (takePrefix(mark, "text ")) {
-        piece.kind = Kind::CAPTION;
-        pieces.push_back(piece);
-        return parseNumber(mark, pieces.back().number);
-    }
-    if (takePrefix(mark, "message ")) {
-        const std::size_t dash = mark.find('-');
-        piece.kind = Kind::MESSAGE;
-        const bool sound =
-            dash != std::string_view::npos && parseNumber(mark.substr(0, dash), piece.number) &&
-            (mark.substr(dash) == "-0" || parseNumber(mark.substr(dash + 1), piece.code));
-        pieces.push_back(piece);
-        return sound;
+    if (word == "nonce") {
+        piece.kind = Kind::NONCE;
+        return true;
     }
     piece.kind = Kind::COMPONENT;
-    piece.text = mark;
-    pieces.push_back(piece);
-    return isName(mark);
+    piece.place = takePlace(word);
+    piece.text = word;
+    return isName(word);
 }
 
 bool Skeleton::parseCondition(Kind kind, std::string_view name,

@@ -66,9 +66,8 @@ bool syncFolder(int folder) {
     return ::fsync(folder) == 0 || errno == EINVAL;
 }
 
-// The size of an open regular file of at most `limit` bytes.
-bool findSize(int descriptor, std::size_t limit, std::size_t& size) {
-    struct stat status = {};
+// The status of an open regular file of at most `limit` bytes.
+bool findStatus(int descriptor, std::size_t limit, struct stat& status) {
     if (::fstat(descriptor, &status) != 0) {
         return false;
     }
@@ -81,7 +80,6 @@ bool findSize(int descriptor, std::size_t limit, std::size_t& size) {
         errno = EFBIG;
         return false;
     }
-    size = static_cast<std::size_t>(status.st_size);
     return true;
 }
 
@@ -92,6 +90,23 @@ ssize_t readAt(int descriptor, unsigned char* bytes, std::size_t size, std::size
         count = ::pread(descriptor, bytes, size, static_cast<off_t>(position));
     } while (count < 0 && errno == EINTR);
     return count;
+}
+
+// Reads an open regular file of this status, from its start.
+bool readContent(int descriptor, const struct stat& status, std::vector<unsigned char>& bytes) {
+    std::vector<unsigned char> content(static_cast<std::size_t>(status.st_size));
+    std::size_t position = 0;
+    ssize_t count = 1;
+    while (position < content.size() && count > 0) {  // a file may be cut while it is read
+        count = readAt(descriptor, content.data() + position, content.size() - position, position);
+        position += count > 0 ? static_cast<std::size_t>(count) : 0;
+    }
+    if (count < 0) {
+        return false;
+    }
+    content.resize(position);
+    bytes.swap(content);
+    return true;
 }
 
 bool isAsideName(std::string_view name, std::string_view start) {
@@ -108,31 +123,17 @@ int openForReading(const std::string& path) {
 }
 
 bool readOpenFile(int descriptor, std::size_t limit, std::vector<unsigned char>& bytes) {
-    std::size_t size = 0;
-    if (!findSize(descriptor, limit, size)) {
-        return false;
-    }
-    std::vector<unsigned char> content(size);
-    std::size_t position = 0;
-    ssize_t count = 1;
-    while (position < size && count > 0) {  // a file may be cut while it is read
-        count = readAt(descriptor, content.data() + position, size - position, position);
-        position += count > 0 ? static_cast<std::size_t>(count) : 0;
-    }
-    if (count < 0) {
-        return false;
-    }
-    content.resize(position);
-    bytes.swap(content);
-    return true;
+    struct stat status = {};
+    return findStatus(descriptor, limit, status) && readContent(descriptor, status, bytes);
 }
 
 bool readPieces(int descriptor, std::size_t limit,
                 const std::function<void(const unsigned char*, std::size_t)>& take) {
-    std::size_t size = 0;
-    if (!findSize(descriptor, limit, size)) {
+    struct stat status = {};
+    if (!findStatus(descriptor, limit, status)) {
         return false;
     }
+    const auto size = static_cast<std::size_t>(status.st_size);
     unsigned char piece[PIECE_SIZE];
     std::size_t position = 0;
     ssize_t count = 1;
@@ -147,8 +148,20 @@ bool readPieces(int descriptor, std::size_t limit,
 }
 
 bool readFile(const std::string& path, std::size_t limit, std::vector<unsigned char>& bytes) {
+    std::time_t changed = 0;
+    return readFile(path, limit, bytes, changed);
+}
+
+bool readFile(const std::string& path, std::size_t limit, std::vector<unsigned char>& bytes,
+              std::time_t& changed) {
     const Descriptor file(openForReading(path));
-    return file.isOpen() && readOpenFile(file.get(), limit, bytes);
+    struct stat status = {};
+    if (!file.isOpen() || !findStatus(file.get(), limit, status) ||
+        !readContent(file.get(), status, bytes)) {
+        return false;
+    }
+    changed = status.st_mtime;
+    return true;
 }
 
 bool replaceFile(const std::string& path, const std::vector<unsigned char>& bytes, int mode) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <ctime>
 #include <functional>
 #include <string>
 #include <vector>
@@ -10,6 +11,10 @@ namespace VeskLib::Host {
 // `bytes` unchanged, when it cannot be read, is no regular file or is larger; errno then tells
 // why (EINVAL: no regular file; EFBIG: larger).
 bool readFile(const std::string& path, std::size_t limit, std::vector<unsigned char>& bytes);
+
+// The same, and when the file was last changed; `changed` is as before when it cannot be read.
+bool readFile(const std::string& path, std::size_t limit, std::vector<unsigned char>& bytes,
+              std::time_t& changed);
 
 // The same for a file that is open, from its start whatever its offset.
 bool readOpenFile(int descriptor, std::size_t limit, std::vector<unsigned char>& bytes);

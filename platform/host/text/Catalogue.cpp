@@ -72,6 +72,10 @@ int requestLanguage() {
     return LANGUAGE;
 }
 
+void openTexts() {
+    static_cast<void>(openCatalogue(requestLanguage()));
+}
+
 const char* findText(int language, TextSet set, int number) {
     const bool known = language >= 0 && language < LANGUAGE_COUNT;
     nl_catd catalogue = openCatalogue(known ? language : ENGLISH);

@@ -26,6 +26,9 @@ int chooseLanguage(std::string_view cookie, std::string_view accepted);
 // The language of the request. Chosen once per process.
 int requestLanguage();
 
+// Opens the catalogue of the request's language, which the first text would do otherwise.
+void openTexts();
+
 // The text, or null when the catalogue has none. It stays valid for the life of the process.
 const char* findText(int language, TextSet set, int number);
 

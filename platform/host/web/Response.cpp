@@ -12,11 +12,16 @@
 #include <cstring>
 #include <exception>
 #include <iostream>
+#include <new>
 #include <string_view>
+#include <utility>
 
 namespace VeskLib::Host {
 
 namespace {
+
+// Most pages are no larger, and need not be moved while they are printed.
+const std::size_t USUAL_PAGE = 8 * 1024;
 
 const char* const FIXED_HEADERS =
     "Cache-Control: no-store\r\n"
@@ -78,8 +83,7 @@ static_assert(sizeof LAST_RESORT_PAGE - 1 == 305, "Content-Length of the last re
 bool sendLastResort() {
     const char* const method = std::getenv("REQUEST_METHOD");
     const bool withBody = method == nullptr || std::strcmp(method, "HEAD") != 0;
-    return writeWhole(STDOUT_FILENO, LAST_RESORT) &&
-           (!withBody || writeWhole(STDOUT_FILENO, LAST_RESORT_PAGE));
+    return writeWhole(STDOUT_FILENO, LAST_RESORT, withBody ? LAST_RESORT_PAGE : "");
 }
 
 }  // namespace
@@ -93,6 +97,13 @@ Response::Response()
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
     occupyStandardDescriptors();
+    try {
+        std::string room;
+        room.reserve(USUAL_PAGE);
+        body.str(std::move(room));
+    } catch (const std::bad_alloc&) {
+        // It grows when it is printed to, or tells then that it cannot.
+    }
 }
 
 Response::~Response() {
@@ -139,14 +150,13 @@ bool Response::send() noexcept {
 
 bool Response::sendPage() const {
     const std::string_view page = body.view();
-    std::string bytes = "Status: " + std::to_string(status) + " " + reasonPhrase(status) +
-                        "\r\nContent-Type: " + (contentType.empty() ? HTML_CONTENT : contentType) +
-                        "\r\n" + FIXED_HEADERS + scriptSource() + "\r\n" + headers +
-                        "Content-Length: " + std::to_string(page.size()) + "\r\n\r\n";
-    if (readEnvironment("REQUEST_METHOD") != "HEAD") {
-        bytes += page;
-    }
-    return writeWhole(STDOUT_FILENO, bytes);
+    const std::string header =
+        "Status: " + std::to_string(status) + " " + reasonPhrase(status) +
+        "\r\nContent-Type: " + (contentType.empty() ? HTML_CONTENT : contentType) + "\r\n" +
+        FIXED_HEADERS + scriptSource() + "\r\n" + headers +
+        "Content-Length: " + std::to_string(page.size()) + "\r\n\r\n";
+    const bool withBody = readEnvironment("REQUEST_METHOD") != "HEAD";
+    return writeWhole(STDOUT_FILENO, header, withBody ? page : "");
 }
 
 }  // namespace VeskLib::Host

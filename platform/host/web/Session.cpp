@@ -69,9 +69,9 @@ std::vector<unsigned char> toLines(const Session& session) {
     return {text.begin(), text.end()};
 }
 
-bool readSession(const std::string& identifier, Session& session) {
+bool readSession(const std::string& identifier, Session& session, std::time_t& lastUse) {
     std::vector<unsigned char> bytes;
-    if (!readFile(sessionPath(identifier), LARGEST_SESSION_FILE, bytes)) {
+    if (!readFile(sessionPath(identifier), LARGEST_SESSION_FILE, bytes, lastUse)) {
         return false;
     }
     std::map<std::string, std::string> values = parseLines(bytes);
@@ -105,11 +105,9 @@ SessionState stateAfterFailure() {
 
 // Reads a session; when it lives, with the time of its last use.
 SessionState readState(const std::string& identifier, Session& session, std::time_t& lastUse) {
-    struct stat status = {};
-    if (lstat(sessionPath(identifier).c_str(), &status) != 0 || !readSession(identifier, session)) {
+    if (!readSession(identifier, session, lastUse)) {
         return stateAfterFailure();
     }
-    lastUse = status.st_mtime;
     return isExpired(session, lastUse, std::time(nullptr)) ? SessionState::GONE
                                                            : SessionState::LIVING;
 }
