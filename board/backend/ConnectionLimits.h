@@ -13,8 +13,10 @@ struct ConnectionLimits {
     // For a client that does not take its reply.
     int replyMilliseconds = 10000;
     // When all connections are taken and another client waits, the one that has sent nothing for
-    // the longest time makes room, if it is that long.
-    int quietMilliseconds = 500;
+    // the longest time makes room, if it is that long: long enough for a program that a busy
+    // machine keeps from going on between two requests, and well within the time that the other one
+    // waits.
+    int quietMilliseconds = 3000;
     // At the end, for requests under way.
     int endMilliseconds = 2000;
 };
