@@ -21,8 +21,8 @@ TRICKLE_SECONDS = 2
 
 # Each of them takes the 10 s that an exchange may last.
 LONG_WAITS = ("silent", "trickle")
-# The reply arrives whole and unaltered.
-HARMLESS = ("slow", "early")
+# The reply arrives whole and unaltered; what may stand behind it answers nothing.
+HARMLESS = ("slow", "early", "extra")
 WAITING_WORKERS = 8
 
 

@@ -42,6 +42,12 @@ def fileOf(payload):
     return ConfigurationFile(3, "1.23 B", "Sample", payload).encode()
 
 
+def saidIn(answer):
+    """What a page tells, in its notices or as an error."""
+    return "no answer" if answer is None else " ".join(
+        re.sub(r"<[^>]*>", " ", answer.text.split("<main>")[-1]).split())[:300]
+
+
 class Session:
     """One operator. Keeps what was asked for and what was answered."""
 
@@ -95,7 +101,8 @@ class Session:
             self.expect(self.board.read(stagedFile(self.cookie)) == before,
                         "a refused upload has changed the staged file")
             return False
-        self.expect(answer and 'class="facts"' in answer.text, "an upload failed")
+        self.expect(answer and 'class="facts"' in answer.text,
+                    f"an upload failed: {saidIn(answer)}")
         staged = self.board.read(stagedFile(self.cookie))
         self.expect(staged is not None and digest(staged) == digest(data),
                     "the staged file is not the one that was uploaded")
@@ -116,13 +123,15 @@ class Session:
         begin = time.monotonic()
         body = f"functionID=105&hidden_status=BACKUP&radio_button={TARGETS[number % 2]}".encode()
         answer = self.ask(post(self.cookie, body))
-        self.expect(answer and 'id="download_link"' in answer.text, "a backup failed")
+        if not (answer and 'id="download_link"' in answer.text):
+            self.expect(False, f"a backup failed: {saidIn(answer)}")
+            return
         saved = self.board.read(backupFile(self.cookie)) or b""
         file = decodeConfigurationFile(saved)
         self.expect(file and file.partition == TARGETS[number % 2], "a backup is not whole")
         if file:
             self.backups.append((begin, time.monotonic(), digest(file.payload)))
-        if answer and number % DOWNLOAD_EVERY == 0:
+        if number % DOWNLOAD_EVERY == 0:
             name = answer.text.split('id="download_link" href="')[1].split('"')[0].split("=")[-1]
             download = self.ask(get(self.cookie, f"functionID=5&filename={name}",
                                     "common/download.cgi"))
@@ -131,7 +140,8 @@ class Session:
 
     def discard(self):
         answer = self.ask(post(self.cookie, b"functionID=106&hidden_status=3"))
-        self.expect(self.isBusy(answer) or self.board.read(stagedFile(self.cookie)) is None, "a discarded file is there")
+        self.expect(self.isBusy(answer) or self.board.read(stagedFile(self.cookie)) is None,
+                    "a discarded file is there")
 
 
 def findLost(restores, backups, initial):
@@ -173,7 +183,8 @@ def runSessions(context, root, programs, numbers, cookies, rounds, queue):
     for thread in threads:
         thread.join()
     for session in sessions:
-        queue.put((session.requests, session.rounds, session.restores, session.backups, session.problems))
+        queue.put((session.requests, session.rounds, session.restores, session.backups,
+                   session.problems))
 
 
 class RunningBoard:
@@ -195,7 +206,8 @@ def runManySessions(context, board, count, rounds):
     for index in range(context.jobs):
         numbers = list(range(count))[index::context.jobs]
         processes.append(multiprocessing.Process(target=runSessions, args=(
-            context, board.root, board.programs, numbers, [cookies[n] for n in numbers], rounds, queue)))
+            context, board.root, board.programs, numbers, [cookies[n] for n in numbers], rounds,
+            queue)))
     for process in processes:
         process.start()
     requests, allRounds, restores, backups, problems = 0, [], [], [], []

@@ -79,7 +79,7 @@ def failureCases(calls):
                     cases.append({
                         "request": request,
                         "inject": tracing.failing(call.name, call.occurrence, error, lasting),
-                        "mute": call.name == "write",
+                        "mute": call.name in ("write", "writev"),
                         "unbegun": not call.inMain,
                         "call": call.line[:160]})
     return withoutMostLongOnes(cases)
