@@ -3,11 +3,12 @@
 import os
 import tempfile
 
-from support.caseRuns import Outcome, Result, runCases
+from support.caseRuns import Result, runCases
 from support.judge import Fault, Judge
 from support.program import runProgram
 from support.requestTypes import REQUEST_TYPES
 from support.scene import Scene
+from support.worker import RequestWorker
 
 HELP = "each allocation of memory failing, once and from then on"
 SHORT_PROGRAM_RUNS = 120
@@ -27,19 +28,18 @@ def failure(library, number, lasting):
     return variables
 
 
-class Worker:
+class Worker(RequestWorker):
     def __init__(self, installation):
-        self.scene = Scene(installation.linkedDynamically())
-        self.judge = Judge(self.scene)
-        self.library = os.path.join(installation.build, LIBRARY)
+        super().__init__(installation.linkedDynamically())
+        self.failingAllocations = os.path.join(installation.build, LIBRARY)
 
     def run(self, case):
         return self.runBackend(case) if case["backend"] else self.runRequest(case)
 
     def runRequest(self, case):
         kind, request, before = self.begin(case)
-        run = runProgram(self.scene.board, request,
-                         more=failure(self.library, case["number"], case["lasting"]))
+        run = runProgram(self.board, request,
+                         more=failure(self.failingAllocations, case["number"], case["lasting"]))
         # Before main() nobody is there to be told; and a program that has not even the memory for
         # its main object may leave the answer to the web server.
         problems = self.judge.judge(kind, before, run, Fault(mute=True, unbegun=case["unbegun"]))
@@ -48,10 +48,10 @@ class Worker:
 
     def runBackend(self, case):
         kind, request, before = self.begin(case)
-        board = self.scene.board
+        board = self.board
         board.stop()
         problems = []
-        ready = board.start(more=failure(self.library, case["number"], case["lasting"]),
+        ready = board.start(more=failure(self.failingAllocations, case["number"], case["lasting"]),
                             mustStart=False)
         run = runProgram(board, request)
         if ready:
@@ -66,20 +66,6 @@ class Worker:
         problems += self.judge.judge(kind, before, run, Fault())
         problems += self.judge.settle()
         return self.outcome(problems, run)
-
-    def begin(self, case):
-        kind = REQUEST_TYPES[case["request"]]()
-        request = kind.prepare(self.scene)
-        return kind, request, self.judge.snapshot()
-
-    @staticmethod
-    def outcome(problems, run):
-        return Outcome(problems, True, {"output": run.output, "errors": run.errors,
-                                        "exitStatus": run.exitStatus, "signal": run.signal}
-                       if problems else {})
-
-    def close(self):
-        self.scene.remove()
 
 
 def countAllocations(context):

@@ -1,12 +1,13 @@
 """A back-end that is dead, silent, slow, torn off at every byte, or answers what makes no sense."""
 
-from support.caseRuns import Outcome, runCases
+from support.board import sampleFile
+from support.caseRuns import runCases
 from support.fakeBackend import Player, Recorder, SocketSwitch, isBackupRequest
-from support.judge import Fault, Judge
+from support.judge import Fault
 from support.program import runProgram
 from support.requestTypes import REQUEST_TYPES
-from support.scene import Scene, backupFile
-from support.board import sampleFile
+from support.scene import backupFile
+from support.worker import RequestWorker
 
 HELP = "a back-end that is dead, silent, slow, torn at each byte, or sends wrong lengths and counts"
 SHORT_RUNS = 250
@@ -26,11 +27,10 @@ HARMLESS = ("slow", "early", "extra")
 WAITING_WORKERS = 8
 
 
-class Worker:
+class Worker(RequestWorker):
     def __init__(self, installation):
-        self.scene = Scene(installation)
-        self.judge = Judge(self.scene)
-        self.switch = SocketSwitch(self.scene.board)
+        super().__init__(installation)
+        self.switch = SocketSwitch(self.board)
         self.recorded = {}
 
     def record(self, name):
@@ -40,7 +40,7 @@ class Worker:
             recorder = Recorder(self.switch)
             self.switch.toFake()
             recorder.start()
-            runProgram(self.scene.board, request)
+            runProgram(self.board, request)
             recorder.end()
             self.switch.toReal()
             self.recorded[name] = recorder.exchanges
@@ -49,22 +49,18 @@ class Worker:
 
     def run(self, case):
         exchanges = self.record(case["request"])
-        kind = REQUEST_TYPES[case["request"]]()
-        request = kind.prepare(self.scene)
-        before = self.judge.snapshot()
+        kind, request, before = self.begin(case)
         run = self.runDead(request) if case["how"] == "dead" else self.runAltered(
             case, kind, request, exchanges)
         self.forgive(case, kind, exchanges)
         problems = self.judge.judge(kind, before, run, Fault())
         problems += self.judge.settle()
-        return Outcome(problems, True, {"output": run.output, "errors": run.errors,
-                                        "exitStatus": run.exitStatus, "signal": run.signal}
-                       if problems else {})
+        return self.outcome(problems, run)
 
     def runDead(self, request):
         self.switch.toNothing()
         try:
-            return runProgram(self.scene.board, request)
+            return runProgram(self.board, request)
         finally:
             self.switch.fromNothing()
 
@@ -73,7 +69,7 @@ class Worker:
 
         def onRequest(frame):
             if isBackupRequest(frame):
-                self.scene.board.write(sampleFile("played back", 5000), path)
+                self.board.write(sampleFile("played back", 5000), path)
 
         if kind.name == "backup":
             kind.allowed[path].append(sampleFile("played back", 5000))
@@ -82,7 +78,7 @@ class Worker:
         self.switch.toFake()
         player.start()
         try:
-            return runProgram(self.scene.board, request)
+            return runProgram(self.board, request)
         finally:
             player.end()
             self.switch.toReal()
@@ -99,7 +95,7 @@ class Worker:
 
     def close(self):
         self.switch.close()
-        self.scene.remove()
+        super().close()
 
 
 def makeCases(recorded):

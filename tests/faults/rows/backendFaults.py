@@ -5,33 +5,24 @@ import tempfile
 
 from rows.programFaults import withoutMostLongOnes
 from support import tracing
-from support.caseRuns import Outcome
 from support.judge import Fault, Judge
 from support.program import runProgram
 from support.requestTypes import REQUEST_TYPES
 from support.scene import Scene
+from support.worker import RequestWorker
 
 # The requests that need the back-end.
 REQUESTS = ("backup page", "backup", "upload", "restore", "login")
 
 
-class BackendFaultWorker:
+class BackendFaultWorker(RequestWorker):
     """Starts the back-end with one of its calls going wrong, makes a request, and goes on with a
     healthy one. strace counts the calls of each thread for itself, and the threads that wait
     for clients take turns, so that a fault "once" meets several connections of the request."""
 
-    def __init__(self, installation):
-        self.scene = Scene(installation)
-        self.judge = Judge(self.scene)
-        self.board = self.scene.board
-        self.log = tempfile.mktemp(prefix="faults-log-")
-
     def run(self, case):
-        if os.path.exists(self.log):
-            os.remove(self.log)
-        kind = REQUEST_TYPES[case["request"]]()
-        request = kind.prepare(self.scene)
-        before = self.judge.snapshot()
+        self.removeLog()
+        kind, request, before = self.begin(case)
         self.board.stop()
         problems = []
         ready = self.board.start(prefix=tracing.injecting(case["inject"], self.log),
@@ -52,13 +43,7 @@ class BackendFaultWorker:
         self.board.start()
         problems += self.judge.judge(kind, before, run, fault)
         problems += self.judge.settle()
-        return Outcome(problems, met, {"output": run.output, "backendErrors": errors,
-                                       "exitStatus": run.exitStatus} if problems else {})
-
-    def close(self):
-        self.scene.remove()
-        if os.path.exists(self.log):
-            os.remove(self.log)
+        return self.outcome(problems, run, met, backendErrors=errors)
 
 
 def listBackendCalls(installation):

@@ -2,13 +2,13 @@
 
 import resource
 
-from support.caseRuns import Outcome, Result, runCases
-from support.judge import Fault, Judge
+from support.caseRuns import Result, runCases
+from support.judge import Fault
 from support.program import runProgram
 from support.requestTypes import REQUEST_TYPES
 from support.response import parseResponse
-from support.scene import Scene
 from support.smallDisk import PAGE, SmallDisk, whyImpossible
+from support.worker import RequestWorker
 
 HELP = "a disk that is full at every 4 KiB, no inodes, limits of file size and of descriptors"
 SHORT_DISK_RUNS = 90
@@ -25,28 +25,23 @@ STANDARD_DESCRIPTORS = 3
 LOADER_FAILED = 127
 
 
-class Worker:
+class Worker(RequestWorker):
     """Runs a request while the disk, or a limit of the program or the back-end, is short."""
 
     def __init__(self, installation, onSmallDisk):
         self.disk = SmallDisk() if onSmallDisk else None
-        self.scene = Scene(installation, self.disk.folder if onSmallDisk else None)
-        self.judge = Judge(self.scene)
+        super().__init__(installation, self.disk.folder if onSmallDisk else None)
 
     def run(self, case):
-        kind = REQUEST_TYPES[case["request"]]()
-        request = kind.prepare(self.scene)
-        before = self.judge.snapshot()
+        kind, request, before = self.begin(case)
         run = self.runShort(case, request)
         fault = Fault(unbegun=run.exitStatus == LOADER_FAILED, told=kind.writes)
         problems = self.judge.judge(kind, before, run, fault)
         if self.disk:
             self.disk.empty()
         problems += self.judge.settle()
-        return Outcome(problems, True, {"output": run.output, "errors": run.errors,
-                                        "exitStatus": run.exitStatus, "signal": run.signal,
-                                        "backendErrors": self.scene.board.errors()[-2000:]}
-                       if problems else {}, self.tally(kind, run))
+        return self.outcome(problems, run, tally=self.tally(kind, run),
+                            backendErrors=self.board.errors()[-2000:])
 
     def tally(self, kind, run):
         """Whether the shortage was felt."""
@@ -56,7 +51,7 @@ class Worker:
         return "carried out" if done else "not carried out"
 
     def runShort(self, case, request):
-        board = self.scene.board
+        board = self.board
         amount = case["amount"]
         if case["short"] == "pages":
             self.disk.leavePages(amount)
@@ -77,7 +72,7 @@ class Worker:
         return run
 
     def close(self):
-        self.scene.remove()
+        super().close()
         if self.disk:
             self.disk.remove()
 

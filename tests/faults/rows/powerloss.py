@@ -2,7 +2,6 @@
 
 import os
 import re
-import tempfile
 
 from support import durability
 from support.board import sampleFile
@@ -10,7 +9,8 @@ from support.caseRuns import Outcome, runCases
 from support.configurationFile import decodeState, encodeState
 from support.program import runProgram
 from support.requestTypes import REQUEST_TYPES, multipart, postParts
-from support.scene import STATE, Scene, stagedFile
+from support.scene import STATE, stagedFile
+from support.worker import RequestWorker
 
 HELP = "the order of write, sync, rename and folder sync of everything that is kept"
 
@@ -78,14 +78,10 @@ PATHS = {
 }
 
 
-class Worker:
-    def __init__(self, installation):
-        self.scene = Scene(installation)
-        self.log = tempfile.mktemp(prefix="faults-log-")
-
+class Worker(RequestWorker):
     def run(self, case):
         prepare, expected, watched = PATHS[case["path"]]
-        board = self.scene.board
+        board = self.board
         board.stop()
         prefix = durability.tracing(self.log)
         if watched == "program":
@@ -125,11 +121,6 @@ class Worker:
                     if left is None or not durability.check(less, isKept)[0]:
                         missed.append(f"a sync of {step.path} could be left out unnoticed")
         return missed
-
-    def close(self):
-        self.scene.remove()
-        if os.path.exists(self.log):
-            os.remove(self.log)
 
 
 def makeWorker(installation, case):

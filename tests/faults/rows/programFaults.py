@@ -4,11 +4,11 @@ import os
 import tempfile
 
 from support import tracing
-from support.caseRuns import Outcome
 from support.judge import Fault, Judge
 from support.program import runProgram
 from support.requestTypes import REQUEST_TYPES
 from support.scene import Scene
+from support.worker import RequestWorker
 
 # What only says "try again" is asked until the deadline of 10 s or 5 s, or 30 s in the back-end.
 SLOW_CALLS = ("connect", "recvfrom", "sendto", "flock", "accept4")
@@ -19,36 +19,21 @@ def takesLong(case):
     return name in SLOW_CALLS and error == "error=EAGAIN" and when.endswith("+")
 
 
-class CallFaultWorker:
+class CallFaultWorker(RequestWorker):
     """Runs requests with one system call going wrong. The case holds `request`, the name of a
     request type, and `inject`, strace's expression."""
 
-    def __init__(self, installation):
-        self.scene = Scene(installation)
-        self.judge = Judge(self.scene)
-        self.log = tempfile.mktemp(prefix="faults-log-")
-
     def run(self, case):
-        if os.path.exists(self.log):
-            os.remove(self.log)
-        kind = REQUEST_TYPES[case["request"]]()
-        request = kind.prepare(self.scene)
-        before = self.judge.snapshot()
-        run = runProgram(self.scene.board, request,
-                         prefix=tracing.injecting(case["inject"], self.log))
+        self.removeLog()
+        kind, request, before = self.begin(case)
+        run = runProgram(self.board, request, prefix=tracing.injecting(case["inject"], self.log))
         met = tracing.wasInjected(self.log)
         fault = Fault(**{name: case.get(name, False) for name in ("killed", "mute", "unbegun")})
         problems = self.judge.judge(kind, before, run, fault) if met else []
         problems += self.judge.settle()
-        return Outcome(problems, met, {
-            "environment": {key: value for key, value in request.items() if key != "body"},
-            "output": run.output, "errors": run.errors, "exitStatus": run.exitStatus,
-            "signal": run.signal} if problems else {})
-
-    def close(self):
-        self.scene.remove()
-        if os.path.exists(self.log):
-            os.remove(self.log)
+        return self.outcome(
+            problems, run, met,
+            environment={key: value for key, value in request.items() if key != "body"})
 
 
 def listCalls(installation):

@@ -1,0 +1,40 @@
+"""What the workers of the rows have in common: a scene, its judge, and a log of system calls."""
+
+import os
+import tempfile
+
+from support.caseRuns import Outcome
+from support.judge import Judge
+from support.requestTypes import REQUEST_TYPES
+from support.scene import Scene
+
+
+class RequestWorker:
+    """Runs cases of one request each; `request` in a case names its type."""
+
+    def __init__(self, installation, folder=None):
+        self.scene = Scene(installation, folder)
+        self.board = self.scene.board
+        self.judge = Judge(self.scene)
+        self.log = tempfile.mktemp(prefix="faults-log-")
+
+    def begin(self, case):
+        """(the type, the request, what stood on the board before it)"""
+        kind = REQUEST_TYPES[case["request"]]()
+        request = kind.prepare(self.scene)
+        return kind, request, self.judge.snapshot()
+
+    @staticmethod
+    def outcome(problems, run, met=True, tally=None, **more):
+        """Problems go with what is needed to understand them."""
+        return Outcome(problems, met, {"output": run.output, "errors": run.errors,
+                                       "exitStatus": run.exitStatus, "signal": run.signal, **more}
+                       if problems else {}, tally)
+
+    def removeLog(self):
+        if os.path.exists(self.log):
+            os.remove(self.log)
+
+    def close(self):
+        self.scene.remove()
+        self.removeLog()
