@@ -1,26 +1,8 @@
-#include "platform/host/html/Skeleton.h"
+#include "tests/host/printSkeleton.h"
 
 #include <gtest/gtest.h>
 
 namespace VeskLib::Test {
-
-using Host::Skeleton;
-using Host::SkeletonError;
-
-namespace {
-
-// "line:column problem", or "" for a sound skeleton.
-std::string problemOf(const std::string& source) {
-    try {
-        const Skeleton skeleton(source);
-    } catch (const SkeletonError& error) {
-        return std::to_string(error.line) + ":" + std::to_string(error.column) + " " +
-               error.problem;
-    }
-    return "";
-}
-
-}  // namespace
 
 TEST(SkeletonErrorTest, everyMalformedMarkIsRefused) {
     for (const char* mark : {"{{}}",

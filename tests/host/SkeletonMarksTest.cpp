@@ -1,7 +1,5 @@
-#include "platform/host/html/Skeleton.h"
-#include "tests/support/ChildProcess.h"
+#include "tests/host/printSkeleton.h"
 #include "tests/support/markup.h"
-#include "tests/support/printedBy.h"
 #include "tests/support/scriptStrings.h"
 
 #include <VeskLib/Gui/MessageMgr.h>
@@ -13,43 +11,7 @@ namespace VeskLib::Test {
 
 using Gui::MessageMgr;
 using Gui::TextString;
-using Host::Skeleton;
-using Host::SkeletonError;
 using testing::ElementsAre;
-
-namespace {
-
-using Components = std::map<std::string, Gui::HTMLComponent*>;
-
-std::string print(const std::string& source, const Components& components = {}) {
-    const Skeleton skeleton(source);
-    return printedBy([&] { skeleton.print(components); });
-}
-
-// Prints the skeleton in a process of its own, whose request asks for `language`.
-std::string printIn(const std::string& language, const std::string& source) {
-    const ChildResult result = runInChild(
-        [&source] {
-            Skeleton(source).print({});
-            return 0;
-        },
-        {.environment = {{"HTTP_ACCEPT_LANGUAGE", language}}, .input = {}});
-    EXPECT_EQ(result.exitStatus, 0) << result.errors;
-    return result.output;
-}
-
-// "line:column problem", or "" for a sound skeleton.
-std::string problemOf(const std::string& source) {
-    try {
-        const Skeleton skeleton(source);
-    } catch (const SkeletonError& error) {
-        return std::to_string(error.line) + ":" + std::to_string(error.column) + " " +
-               error.problem;
-    }
-    return "";
-}
-
-}  // namespace
 
 TEST(SkeletonMarksTest, aMessageIsPrintedWithItsCodeInTheRequestsLanguage) {
     const MessageMgr english(0);

@@ -1,7 +1,7 @@
 #include "platform/host/html/Skeleton.h"
 
 #include "platform/host/base/scriptNonce.h"
-#include "tests/support/ChildProcess.h"
+#include "tests/host/printSkeleton.h"
 #include "tests/support/hostileTexts.h"
 #include "tests/support/markup.h"
 #include "tests/support/printedBy.h"
@@ -19,29 +19,6 @@ namespace VeskLib::Test {
 using Gui::TextString;
 using Host::Skeleton;
 using testing::ElementsAre;
-
-namespace {
-
-using Components = std::map<std::string, Gui::HTMLComponent*>;
-
-std::string print(const std::string& source, const Components& components = {}) {
-    const Skeleton skeleton(source);
-    return printedBy([&] { skeleton.print(components); });
-}
-
-// Prints the skeleton in a process of its own, whose request asks for `language`.
-std::string printIn(const std::string& language, const std::string& source) {
-    const ChildResult result = runInChild(
-        [&source] {
-            Skeleton(source).print({});
-            return 0;
-        },
-        {.environment = {{"HTTP_ACCEPT_LANGUAGE", language}}, .input = {}});
-    EXPECT_EQ(result.exitStatus, 0) << result.errors;
-    return result.output;
-}
-
-}  // namespace
 
 TEST(SkeletonTest, aComponentIsPrintedAsItPrintsItself) {
     TextString markup("<b>&</b>", false, true);

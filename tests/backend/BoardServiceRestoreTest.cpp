@@ -1,0 +1,149 @@
+#include "tests/backend/support/BoardServiceTest.h"
+
+#include "platform/host/storage/obtainLock.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+
+namespace VeskLib::Test {
+
+TEST_F(BoardServiceTest, restoreGivesEveryTargetThePayloadAndNothingElse) {
+    stage(makeFile("1.0", "new"));
+    ASSERT_EQ(restore({0, 1, 3}), 0U);
+    EXPECT_EQ(everythingHeld(), "new;new;two;new;four;;");
+    EXPECT_TRUE(exists(stagingPath));
+
+    // Number, name and version stay the target's own.
+    ASSERT_EQ(backup(1), 0U);
+    ConfigurationFile file;
+    ASSERT_TRUE(decode(readBytes(backupPath), file));
+    EXPECT_EQ(file.partition, 1U);
+    EXPECT_EQ(file.partitionName, "Partition 1");
+    EXPECT_EQ(file.version, "1.9");
+    EXPECT_EQ(file.payload, (Bytes{'n', 'e', 'w'}));
+}
+
+TEST_F(BoardServiceTest, backupCanBeRestored) {
+    ASSERT_EQ(backup(0), 0U);
+    std::filesystem::rename(backupPath, stagingPath);
+    ASSERT_EQ(restore({1}), 0U);
+    EXPECT_EQ(everythingHeld(), "zero;zero;two;three;four;;");
+}
+
+TEST_F(BoardServiceTest, targetNamedTwiceCountsOnce) {
+    stage(makeFile("1.0", "new"));
+    EXPECT_EQ(restore({1, 1, 1}), 0U);
+    EXPECT_EQ(everythingHeld(), "zero;new;two;three;four;;");
+}
+
+TEST_F(BoardServiceTest, unfitTargetKeepsAllOthersFromBeingChanged) {
+    stage(makeFile("1.0", "new"));
+    EXPECT_EQ(restore({0, 1, 4}), BACKEND_PARTITION_RUNNING);
+    EXPECT_EQ(restore({0, 1, 2}), BACKEND_VERSION_DIFFERS);
+    EXPECT_EQ(restore({0, 1, 5}), BACKEND_NO_PARTITION);
+    EXPECT_EQ(restore({255, 1}), BACKEND_NO_PARTITION);
+    EXPECT_EQ(everythingHeld(), initial);
+}
+
+TEST_F(BoardServiceTest, onlyTheMajorNumberOfTheVersionCounts) {
+    const struct {
+        const char* fileVersion;
+        unsigned int code;  // against "1.23 B"
+    } cases[] = {
+        {"1", 0},
+        {"1.", 0},
+        {"1.99", 0},
+        {"-", 0},
+        {"-1.0", 0},
+        {"", BACKEND_VERSION_DIFFERS},
+        {"10.23", BACKEND_VERSION_DIFFERS},
+        {"01.23", BACKEND_VERSION_DIFFERS},
+        {"1 .23", BACKEND_VERSION_DIFFERS},
+        {"2.0", BACKEND_VERSION_DIFFERS},
+    };
+    for (const auto& [fileVersion, expected] : cases) {
+        stage(makeFile(fileVersion, "new"));
+        EXPECT_EQ(restore({0}), expected) << fileVersion;
+    }
+    // A target whose version is not known takes any.
+    stage(makeFile("99.0", "any"));
+    EXPECT_EQ(restore({3}), 0U);
+}
+
+TEST_F(BoardServiceTest, emptyListIsRefused) {
+    stage(makeFile("1.0", "new"));
+    EXPECT_EQ(restore({}), BACKEND_NO_TARGETS);
+    EXPECT_EQ(everythingHeld(), initial);
+}
+
+TEST_F(BoardServiceTest, stagedFileThatCannotBeUsedIsRefused) {
+    EXPECT_EQ(restore({0}), BACKEND_FILE_UNUSABLE);
+
+    Bytes bytes = encode(makeFile("1.0", "new"));
+    bytes.back() ^= 1;
+    writeBytes(stagingPath, bytes);
+    EXPECT_EQ(restore({0}), BACKEND_FILE_UNUSABLE);
+
+    writeText(stagingPath, "");
+    EXPECT_EQ(restore({0}), BACKEND_FILE_UNUSABLE);
+
+    std::filesystem::remove(stagingPath);
+    writeBytes(at("elsewhere"), encode(makeFile("1.0", "new")));
+    ASSERT_EQ(::symlink("elsewhere", stagingPath.c_str()), 0);
+    EXPECT_EQ(restore({0}), BACKEND_FILE_UNUSABLE);
+
+    std::filesystem::remove(stagingPath);
+    ASSERT_EQ(::mkfifo(stagingPath.c_str(), 0600), 0);
+    EXPECT_EQ(restore({0}), BACKEND_FILE_UNUSABLE);
+    EXPECT_EQ(everythingHeld(), initial);
+}
+
+TEST_F(BoardServiceTest, anotherSessionsFileIsNotUsed) {
+    writeBytes(at("restored_eficonfffffffffffffffff"), encode(makeFile("1.0", "new")));
+    EXPECT_EQ(restore({0}), BACKEND_FILE_UNUSABLE);
+}
+
+// A configuration from a partition with a short name may be too large for one with a long name.
+TEST_F(BoardServiceTest, configurationThatATargetCouldNotGiveBackIsRefused) {
+    ConfigurationFile file;
+    file.version = "1";
+    file.payload.assign(LARGEST_CONFIGURATION_FILE - 32 - file.version.size(), 'x');
+    stage(file);
+    EXPECT_EQ(restore({0}), BACKEND_CONFIGURATION_SIZE);
+    EXPECT_EQ(everythingHeld(), initial);
+}
+
+TEST_F(BoardServiceTest, restoreWhileAnotherIsUnderWayIsRefused) {
+    stage(makeFile("1.0", "new"));
+    const int lock = obtainLock(lockPath, 0);
+    EXPECT_EQ(restore({0}), BACKEND_RESTORE_BUSY);
+    EXPECT_EQ(backup(0), 0U);
+    EXPECT_EQ(everythingHeld(), initial);
+    ::close(lock);
+    EXPECT_EQ(restore({0}), 0U);
+}
+
+TEST_F(BoardServiceTest, lockThatCannotBeUsedRefusesARestore) {
+    stage(makeFile("1.0", "new"));
+    std::filesystem::create_directory(lockPath);
+    EXPECT_EQ(restore({0}), BACKEND_NOT_STORED);
+    EXPECT_EQ(everythingHeld(), initial);
+}
+
+TEST_F(BoardServiceTest, restoreThatCannotBeStoredIsRefused) {
+    stage(makeFile("1.0", "new"));
+    ConfigurationStore store(at("state/configurations"), board);
+    FaultSwitches switches;
+    BoardService service(board, store, switches, lockPath);
+    std::filesystem::rename(at("state"), at("away"));
+    const ReplyFrame reply =
+        service.answer({RequestKind::SET, VeskUi::SET_RESTORE, SESSION, {0, 2, 0, 1}});
+    std::filesystem::rename(at("away"), at("state"));
+    EXPECT_EQ(reply.errorCode, BACKEND_NOT_STORED);
+    EXPECT_EQ(store.read(0), (Bytes{'z', 'e', 'r', 'o'}));
+    EXPECT_EQ(everythingHeld(), initial);
+}
+
+}  // namespace VeskLib::Test
