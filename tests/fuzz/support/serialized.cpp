@@ -19,4 +19,11 @@ void requireRoundTrip(const VeskUi::SerializableObject& object, VeskUi::Serializ
     require(serialized(empty) == bytes, "what was taken is written as it was");
 }
 
+void take(VeskUi::SerializableObject& object, const std::vector<unsigned char>& bytes) {
+    const std::vector<unsigned char> former = serialized(object);
+    const bool taken = object.setSerialized(bytes.data(), static_cast<unsigned int>(bytes.size()));
+    require(serialized(object) == (taken ? bytes : former),
+            "an object holds what came, or what it held");
+}
+
 }  // namespace VeskLib::Fuzz

@@ -1,44 +1,21 @@
 #pragma once
 
 #include "pages/EFIBackupRestorePage.h"
-#include "tests/support/ScopedEnvironment.h"
-#include "tests/unit/support/PageTest.h"
+#include "tests/unit/support/UploadPageTest.h"
 
 #include <memory>
 #include <string>
 
 namespace VeskLib::Test {
 
-// A test of EFIBackupRestorePage. The script holds a usable upload and a board that backs up and
-// restores; which step is posted is up to the test.
-class CombinedPageTest : public PageTest {
+// A test of EFIBackupRestorePage. The board of the script backs up as well.
+class CombinedPageTest : public UploadPageTest {
 protected:
-    CombinedPageTest() {
-        script.uploadName = "x.dat";
-        script.uploadPath = "/uploaded";
-        script.uploadSize = 1;
-        script.fileHeader.saveTime = 1236384000;  // 7 March 2009
-        script.fileVersion = "1.23 B";
-        script.filePartition = 4;
-        script.filePartitionName = "the file's";
-        script.replies[0x020100A3].errorCode = 0;
-        script.replies[0x020100A4].errorCode = 0;
-    }
-
-    void post(const std::string& status) {
-        script.posted = true;
-        script.formFields["hidden_status"] = status;
-    }
+    CombinedPageTest() { script.replies[0x020100A3].errorCode = 0; }
 
     std::unique_ptr<Gui::EFIBackupRestorePage> makePage() {
         return std::make_unique<Gui::EFIBackupRestorePage>(requester, formInfo, messageMgr,
                                                            &displayMode);
-    }
-
-    std::string print(const Gui::EFIBackupRestorePage& page) {
-        const std::size_t before = output().size();
-        page.printHTML();
-        return output().substr(before);
     }
 
     // The form whose "hidden_status" is `status`; `link` and `question` are what a backup and an
@@ -71,8 +48,6 @@ protected:
                            "remove /board/var/tmp/restored_eficonfS1",
                            "delete LockedFile(/board/var/tmp/restored_eficonf.lock)"};
     const Calls stagedFileCalls = {"new LockedFile", "rename", "remove", "delete LockedFile"};
-
-    ScopedEnvironment timeZone{"TZ", "UTC0"};
 };
 
 }  // namespace VeskLib::Test

@@ -1,8 +1,7 @@
 #pragma once
 
 #include "pages/EFIRestorePage.h"
-#include "tests/support/ScopedEnvironment.h"
-#include "tests/unit/support/PageTest.h"
+#include "tests/unit/support/UploadPageTest.h"
 
 #include <memory>
 #include <string>
@@ -10,39 +9,19 @@
 
 namespace VeskLib::Test {
 
-// A test of EFIRestorePage. The script holds a usable upload and a board that restores; which step
-// is posted is up to the test.
-class RestorePageTest : public PageTest {
+// A test of EFIRestorePage, on a board of one partition.
+class RestorePageTest : public UploadPageTest {
 protected:
     using Partition = VeskUi::PartitionInfoPacket::Partition;
 
     RestorePageTest() {
-        script.uploadName = "x.dat";
-        script.uploadPath = "/uploaded";
-        script.uploadSize = 1;
-        script.fileHeader.saveTime = 1236384000;  // 7 March 2009
-        script.fileVersion = "1.23 B";
-        script.filePartition = 4;
-        script.filePartitionName = "the file's";
         script.setPartitions({{true, "name", {}}});
         script.setBoards({}, {});
         script.setVersions({});
-        script.replies[0x020100A4].errorCode = 0;
-    }
-
-    void post(const std::string& status) {
-        script.posted = true;
-        script.formFields["hidden_status"] = status;
     }
 
     std::unique_ptr<Gui::EFIRestorePage> makePage() {
         return std::make_unique<Gui::EFIRestorePage>(requester, formInfo, messageMgr, &displayMode);
-    }
-
-    std::string print(const Gui::EFIRestorePage& page) {
-        const std::size_t before = output().size();
-        page.printHTML();
-        return output().substr(before);
     }
 
     static std::string text(const std::string& value) {
@@ -73,8 +52,6 @@ protected:
     // What a page with an error prints, by the skeleton that it came to.
     const std::string emptyUploadForm = "[/usr/local/www/skel/skeleton_efi_rstr.txt]";
     const std::string emptySelection = "[/usr/local/www/skel/skeleton_efi_rstr_slct.txt]";
-
-    ScopedEnvironment timeZone{"TZ", "UTC0"};
 };
 
 }  // namespace VeskLib::Test
