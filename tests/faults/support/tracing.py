@@ -107,12 +107,16 @@ MAY_BE_ABSENT = ("/var/lib/session/", "/var/run/board_properties")
 
 def errorsOf(call, later=()):
     """The errors that fit a call; `later` are the calls of its name that a lasting one meets."""
-    errors = ERRORS.get(call.name, OTHER_ERRORS)
-    if "AT_EMPTY_PATH" in call.line:
-        errors = ERRORS["fstat"]
-    if any(path in met.line for met in (call, *later) for path in MAY_BE_ABSENT):
+    errors = ERRORS["fstat"] if ofOpenFile(call) else ERRORS.get(call.name, OTHER_ERRORS)
+    # Nor is a file absent that is open.
+    if any(ofOpenFile(met) or any(path in met.line for path in MAY_BE_ABSENT)
+           for met in (call, *later)):
         errors = tuple(error for error in errors if error != "ENOENT")
     return errors
+
+
+def ofOpenFile(call):
+    return "AT_EMPTY_PATH" in call.line
 
 
 def failing(name, occurrence, error, lasting):
