@@ -121,7 +121,7 @@ class Board:
         status = backend.wait()
         self.endedBySignal = -status if status < 0 and status != -signal.SIGKILL else None
         # Behind a command that started it, it may end a moment later.
-        while pid and isAlive(pid):
+        while anyLives([pid] if pid else membersOf(backend.pid)):
             time.sleep(0.001)
         backend.stdout.close()
         self.errorFile.close()
@@ -197,6 +197,22 @@ class Board:
 
 def identifierOf(cookie):
     return cookie.split("-")[0]
+
+
+def membersOf(group):
+    """The processes of a process group."""
+    members = []
+    for name in os.listdir("/proc"):
+        try:
+            if name.isdigit() and os.getpgid(int(name)) == group:
+                members.append(int(name))
+        except ProcessLookupError:
+            pass
+    return members
+
+
+def anyLives(processes):
+    return any(isAlive(process) for process in processes)
 
 
 def isAlive(pid):
