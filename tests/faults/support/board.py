@@ -216,9 +216,11 @@ def anyLives(processes):
 
 
 def isAlive(pid):
+    """Whether any thread of the process is left: the first may be gone before the others."""
     try:
         with open(f"/proc/{pid}/stat", encoding="ascii", errors="replace") as status:
-            return status.read().rpartition(")")[2].split()[0] != "Z"
+            ended = status.read().rpartition(")")[2].split()[0] == "Z"
+        return not ended or len(os.listdir(f"/proc/{pid}/task")) > 1
     except (FileNotFoundError, ProcessLookupError):
         return False
 
