@@ -91,6 +91,17 @@ TEST_F(FrameStreamTest, aFrameIsItsBytesWithTheirLength) {
     EXPECT_FALSE(waitUntilReady(ends[1], POLLIN, Deadline(0)));
 }
 
+TEST_F(FrameStreamTest, whatIsNoSocketBreaksOff) {
+    int pipe[2] = {-1, -1};
+    ASSERT_EQ(::pipe(pipe), 0);
+    Bytes received = {9};
+    EXPECT_EQ(sendBytes(pipe[1], {1}, farDeadline()), StreamResult::BROKEN);
+    EXPECT_EQ(receiveFrame(pipe[0], received, farDeadline()), StreamResult::BROKEN);
+    EXPECT_EQ(received, Bytes{9});
+    ::close(pipe[0]);
+    ::close(pipe[1]);
+}
+
 // The order "reset" as boardctl sends it.
 TEST_F(FrameStreamTest, aControlFrameHasItsBytes) {
     const RequestFrame order = {RequestKind::CONTROL, 0, "", {'r', 'e', 's', 'e', 't'}};
