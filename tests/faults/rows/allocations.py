@@ -6,16 +6,13 @@ import tempfile
 from support.caseRuns import Result, runCases
 from support.judge import Fault, Judge
 from support.program import runProgram
-from support.requestTypes import REQUEST_TYPES
+from support.requestTypes import BACKEND_REQUESTS, REQUEST_TYPES
 from support.scene import Scene
 from support.worker import RequestWorker
 
 HELP = "each allocation of memory failing, once and from then on"
 SHORT_PROGRAM_RUNS = 120
 SHORT_BACKEND_RUNS = 40
-
-# For the programs that the back-end's requests come from.
-BACKEND_REQUESTS = ("backup page", "backup", "upload", "restore", "login")
 
 LIBRARY = "tests/faults/libfailing_allocations.so"
 

@@ -5,13 +5,12 @@ from support.caseRuns import runCases
 from support.fakeBackend import Player, Recorder, SocketSwitch, isBackupRequest
 from support.judge import Fault
 from support.program import runProgram
-from support.requestTypes import REQUEST_TYPES
+from support.requestTypes import BACKEND_REQUESTS, REQUEST_TYPES
 from support.scene import backupFile
 from support.worker import RequestWorker
 
 HELP = "a back-end that is dead, silent, slow, torn at each byte, or sends wrong lengths and counts"
 SHORT_RUNS = 250
-REQUESTS = ("backup page", "backup", "upload", "restore", "login")
 
 # Of the length in front of a reply; a frame holds at most 1048576 bytes.
 LENGTHS = (0, 1, 2, 3, 4, 1048575, 1048576, 1048577, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF)
@@ -99,7 +98,7 @@ class Worker(RequestWorker):
 
 
 def makeCases(recorded):
-    cases = [{"request": request, "how": "dead"} for request in REQUESTS]
+    cases = [{"request": request, "how": "dead"} for request in BACKEND_REQUESTS]
     for request, exchanges in recorded.items():
         for number, (_, reply) in enumerate(exchanges):
             case = {"request": request, "reply": number}
@@ -131,7 +130,7 @@ def makeLongCases(recorded):
 def recordAll(installation):
     worker = Worker(installation)
     try:
-        return {name: worker.record(name) for name in REQUESTS}
+        return {name: worker.record(name) for name in BACKEND_REQUESTS}
     finally:
         worker.close()
 

@@ -7,12 +7,9 @@ from rows.programFaults import withoutMostLongOnes
 from support import tracing
 from support.judge import Fault, Judge
 from support.program import runProgram
-from support.requestTypes import REQUEST_TYPES
+from support.requestTypes import BACKEND_REQUESTS, REQUEST_TYPES
 from support.scene import Scene
 from support.worker import RequestWorker
-
-# The requests that need the back-end.
-REQUESTS = ("backup page", "backup", "upload", "restore", "login")
 
 
 class BackendFaultWorker(RequestWorker):
@@ -52,7 +49,7 @@ def listBackendCalls(installation):
     log = tempfile.mktemp(prefix="faults-log-")
     found = {}
     try:
-        for name in REQUESTS:
+        for name in BACKEND_REQUESTS:
             request = REQUEST_TYPES[name]().prepare(scene)
             scene.board.stop()
             scene.board.start(prefix=["strace", "-f", "-ff", "-qqq", "-o", log])

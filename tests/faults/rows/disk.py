@@ -5,7 +5,7 @@ import resource
 from support.caseRuns import Result, runCases
 from support.judge import Fault
 from support.program import runProgram
-from support.requestTypes import REQUEST_TYPES
+from support.requestTypes import BACKEND_REQUESTS, REQUEST_TYPES
 from support.response import parseResponse
 from support.smallDisk import PAGE, SmallDisk, whyImpossible
 from support.worker import RequestWorker
@@ -100,7 +100,7 @@ def limitCases():
     cases = []
     for request in REQUEST_TYPES:
         for backend in (False, True):
-            if backend and request not in ("backup page", "backup", "upload", "restore", "login"):
+            if backend and request not in BACKEND_REQUESTS:
                 continue
             for amount in range(REACH.get(request, OTHER_REACH) + 1):
                 cases.append({"request": request, "short": "file size", "amount": amount,

@@ -387,3 +387,6 @@ REQUEST_TYPES = {kind.name: kind for kind in (
     BackupPage, RestorePage, Backup, Upload, UnusableUpload, LargeUpload, BrokenUpload, Restore,
     RefusedRestore, Discard, NoSession, NoAuthority, Menu, Language, Download, LoginPage, Login,
     WrongPassword, Logout)}
+
+# Those that need the back-end, each kind of exchange among them.
+BACKEND_REQUESTS = ("backup page", "backup", "upload", "restore", "login")
