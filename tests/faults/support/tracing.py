@@ -8,19 +8,25 @@ CALL = re.compile(r"^(?:\[pid\s+\d+\] |\d+\s+)?(\w+)\((.*)$")
 # What comes earlier is the dynamic loader's and the C++ library's start.
 MAIN_BEGINS = ("rt_sigaction", "SIGPIPE")
 
-# What a call can fail with on a board, as its manual page has it.
-FILE = ("EIO", "EACCES", "ENOENT", "ENOMEM")
-CHANGE = ("EIO", "ENOSPC", "EDQUOT", "EROFS", "EACCES", "ENOENT", "ENOMEM")
+# What a call can fail with on a board, as its manual page has it; EPERM and EACCES are also what a
+# security module says, EUCLEAN and EBADMSG what a file system of a damaged flash says.
+FILE = ("EIO", "EACCES", "ENOENT", "ENOMEM", "ENOTDIR", "EPERM", "EUCLEAN")
+OPEN = ("EIO", "EACCES", "ENOENT", "EMFILE", "ENFILE", "ENOMEM", "ENOSPC", "EROFS", "EINTR",
+        "ENOTDIR", "EPERM", "EUCLEAN", "EBADMSG")
+CHANGE = ("EIO", "ENOSPC", "EDQUOT", "EROFS", "EACCES", "ENOENT", "ENOMEM", "ENOTDIR", "EPERM",
+          "EUCLEAN")
+READ = ("EIO", "EINTR", "EBADF", "ENOMEM", "EACCES", "EUCLEAN", "EBADMSG")
+WRITE = ("EIO", "ENOSPC", "EDQUOT", "EPIPE", "EFBIG", "EINTR", "EPERM", "ENOMEM", "EUCLEAN")
 ERRORS = {
-    "openat": ("EIO", "EACCES", "ENOENT", "EMFILE", "ENFILE", "ENOMEM", "ENOSPC", "EROFS", "EINTR"),
-    "open": ("EIO", "EACCES", "ENOENT", "EMFILE", "ENFILE", "ENOMEM", "ENOSPC", "EROFS", "EINTR"),
-    "creat": ("EIO", "EACCES", "ENOENT", "EMFILE", "ENFILE", "ENOMEM", "ENOSPC", "EROFS", "EINTR"),
-    "read": ("EIO", "EINTR", "EBADF", "ENOMEM", "ECONNRESET"),
-    "pread64": ("EIO", "EINTR", "EBADF", "ENOMEM"),
-    "write": ("EIO", "ENOSPC", "EDQUOT", "EPIPE", "EFBIG", "EINTR"),
-    "writev": ("EIO", "ENOSPC", "EDQUOT", "EPIPE", "EFBIG", "EINTR"),
-    "close": ("EIO", "EINTR", "ENOSPC"),
-    "fstat": ("EIO", "ENOMEM"),
+    "openat": OPEN,
+    "open": OPEN,
+    "creat": OPEN,
+    "read": (*READ, "ECONNRESET"),
+    "pread64": READ,
+    "write": WRITE,
+    "writev": WRITE,
+    "close": ("EIO", "EINTR", "ENOSPC", "EDQUOT"),
+    "fstat": ("EIO", "ENOMEM", "EACCES", "EOVERFLOW", "EUCLEAN"),
     "newfstatat": FILE,
     "lstat": FILE,
     "stat": FILE,
@@ -29,28 +35,29 @@ ERRORS = {
     "renameat": CHANGE,
     "unlink": CHANGE,
     "unlinkat": CHANGE,
-    "linkat": CHANGE,
-    "mkdir": CHANGE,
+    "linkat": (*CHANGE, "EMLINK"),
+    "mkdir": (*CHANGE, "EMLINK"),
     "utimensat": CHANGE,
-    "fsync": ("EIO", "ENOSPC", "EDQUOT", "EINTR"),
-    "fchmod": ("EIO", "EROFS", "EPERM"),
-    "getdents64": ("EIO", "ENOENT", "ENOMEM"),
+    "fsync": ("EIO", "ENOSPC", "EDQUOT", "EINTR", "EROFS", "EUCLEAN"),
+    "fchmod": ("EIO", "EROFS", "EPERM", "EUCLEAN"),
+    "getdents64": ("EIO", "ENOENT", "ENOMEM", "EACCES", "EUCLEAN", "EBADMSG"),
     "socket": ("EMFILE", "ENFILE", "ENOMEM", "ENOBUFS", "EACCES"),
-    "connect": ("ECONNREFUSED", "ENOENT", "EACCES", "EAGAIN", "EINTR", "ENOMEM"),
+    "connect": ("ECONNREFUSED", "ENOENT", "EACCES", "EAGAIN", "EINTR", "ENOMEM", "EPERM",
+                "EPROTOTYPE"),
     "accept4": ("EMFILE", "ENFILE", "ENOMEM", "ENOBUFS", "ECONNABORTED", "EAGAIN", "EINTR"),
     "bind": ("EADDRINUSE", "EACCES", "EROFS", "ENOSPC", "ENOMEM"),
     "listen": ("EADDRINUSE", "ENOMEM"),
-    "sendto": ("EPIPE", "ECONNRESET", "ENOMEM", "ENOBUFS", "EAGAIN", "EINTR"),
-    "recvfrom": ("ECONNRESET", "ENOMEM", "EAGAIN", "EINTR"),
-    "poll": ("EINTR", "ENOMEM"),
+    "sendto": ("EPIPE", "ECONNRESET", "ENOMEM", "ENOBUFS", "EAGAIN", "EINTR", "EPERM", "ENOTCONN"),
+    "recvfrom": ("ECONNRESET", "ENOMEM", "EAGAIN", "EINTR", "EPERM", "ENOTCONN"),
+    "poll": ("EINTR", "ENOMEM", "EINVAL"),
     "flock": ("EINTR", "ENOLCK", "EAGAIN", "EIO"),
     "clock_nanosleep": ("EINTR",),
     "getrandom": ("EINTR", "ENOSYS", "EIO"),
     "signalfd4": ("EMFILE", "ENFILE", "ENOMEM"),
     "clone": ("EAGAIN", "ENOMEM"),
     "clone3": ("EAGAIN", "ENOMEM"),
-    "mmap": ("ENOMEM", "EAGAIN"),
-    "mprotect": ("ENOMEM",),
+    "mmap": ("ENOMEM", "EAGAIN", "EACCES"),
+    "mprotect": ("ENOMEM", "EACCES"),
     # The kernel reports this failure by another value than an error number.
     "brk": ("UNMOVED",),
     "execve": (),
@@ -65,7 +72,8 @@ ERRORS = {
     "geteuid": (),
     "umask": (),
 }
-OTHER_ERRORS = ("ENOMEM", "EIO")
+# A filter of system calls says EPERM, a kernel without the call ENOSYS.
+OTHER_ERRORS = ("ENOMEM", "EIO", "EPERM", "ENOSYS")
 
 # An interrupted call is made again. One that is interrupted for ever would be made for ever, so
 # the interruptions come in bursts.

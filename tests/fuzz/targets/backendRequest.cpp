@@ -23,14 +23,16 @@ using Bytes = std::vector<unsigned char>;
 
 namespace {
 
+Board::BoardDescription makeBoard() {
+    Board::BoardDescription description = Test::makeSampleBoard();
+    // Of the password "secret", by a method that takes little time.
+    description.users.push_back({"admin", "abNANd1rDfiNc", true, ""});
+    return description;
+}
+
 // The back-end, with everything that it needs. It logs each refusal, which nobody wants to see
 // here.
 struct Backend {
-    Backend() {
-        // Of the password "secret", by a method that takes little time.
-        description.users.push_back({"admin", "$1$saltsalt$9xy1btjgzLYfb7hivXtC//", true, ""});
-    }
-
     Host::ReplyFrame answer(const Host::RequestFrame& request) {
         const int shown = ::dup(STDERR_FILENO);
         ::dup2(hidden, STDERR_FILENO);
@@ -40,7 +42,7 @@ struct Backend {
         return reply;
     }
 
-    Board::BoardDescription description = Test::makeSampleBoard();
+    Board::BoardDescription description = makeBoard();
     Board::ConfigurationStore store{getCGIPath("/var/tmp/configurations"), description};
     Board::FaultSwitches switches;
     Board::BoardService service{description, store, switches, getCGIPath("/var/run/restore.lock")};

@@ -19,16 +19,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string input = Fuzz::textOf(data, size);
     std::string_view rest = input;
     Board::FaultSwitches switches;
+    std::string former;
     for (std::size_t count = 1; !rest.empty() && count <= MOST_ORDERS; ++count) {
         const std::string order = Fuzz::takeLine(rest);
         if (order.find("die") != std::string::npos) {
             continue;  // would end the process
         }
-        const std::string former = switches.describe();
         try {
-            const std::string answer = Board::carryOutOrder(order, switches);
-            Fuzz::require(answer == switches.describe(), "an order answers what is on");
-            Fuzz::require(answer.size() <= count * LONGEST_DESCRIPTION,
+            former = Board::carryOutOrder(order, switches);
+            Fuzz::require(former == switches.describe(), "an order answers what is on");
+            Fuzz::require(former.size() <= count * LONGEST_DESCRIPTION,
                           "what is on is told in a few words");
         } catch (const std::invalid_argument&) {
             Fuzz::require(switches.describe() == former, "a refused order changes nothing");
