@@ -10,7 +10,7 @@ using namespace VeskLib;
 
 namespace {
 
-const std::size_t MOST_ORDERS = 50;
+const std::size_t MOST_ORDERS = 12;
 const std::size_t LONGEST_DESCRIPTION = 100;  // of one order
 
 }  // namespace
