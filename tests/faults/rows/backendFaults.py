@@ -80,11 +80,9 @@ def mergeThreads(log):
 
 def backendFailureCases(found):
     return withoutMostLongOnes([
-        {"request": request,
-         "inject": tracing.failing(call.name, call.occurrence, error, lasting),
-         "inMain": call.inMain, "call": call.line[:160]}
+        {"request": request, "inject": inject, "inMain": call.inMain, "call": call.line[:160]}
         for request, calls in found.items() for call in calls
-        for error in tracing.errorsOf(call) for lasting in (False, True)])
+        for inject in tracing.failures(call, calls)])
 
 
 def backendKillCases(found):

@@ -55,19 +55,11 @@ def listCalls(installation):
 
 def failureCases(calls):
     """A case for each call, each error that fits it, once and lasting."""
-    cases = []
-    for request, made in calls.items():
-        for index, call in enumerate(made):
-            later = [other for other in made[index:] if other.name == call.name]
-            for lasting in (False, True):
-                for error in tracing.errorsOf(call, later if lasting else ()):
-                    cases.append({
-                        "request": request,
-                        "inject": tracing.failing(call.name, call.occurrence, error, lasting),
-                        "mute": call.name in ("write", "writev"),
-                        "unbegun": not call.inMain,
-                        "call": call.line[:160]})
-    return withoutMostLongOnes(cases)
+    return withoutMostLongOnes([
+        {"request": request, "inject": inject, "mute": call.name in ("write", "writev"),
+         "unbegun": not call.inMain, "call": call.line[:160]}
+        for request, made in calls.items() for call in made
+        for inject in tracing.failures(call, made)])
 
 
 def withoutMostLongOnes(cases):

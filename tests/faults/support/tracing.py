@@ -109,16 +109,28 @@ def readCalls(path):
 
 
 # That these are not there is no fault: a session is then one that has ended, and its files go; a
-# board without properties has no partitions.
-MAY_BE_ABSENT = ("/var/lib/session/", "/var/run/board_properties")
+# board without properties has no partitions; one without configurations begins with those of its
+# description.
+MAY_BE_ABSENT = ("/var/lib/session/", "/var/run/board_properties", "/var/lib/board/configurations")
 
 
-def errorsOf(call, later=()):
-    """The errors that fit a call; `later` are the calls of its name that a lasting one meets."""
-    errors = ERRORS["fstat"] if ofOpenFile(call) else ERRORS.get(call.name, OTHER_ERRORS)
+def failures(call, calls):
+    """The strace expressions that make `call`, one of `calls`, fail: with each error that fits it,
+    once and from then on."""
+    later = [other for other in calls
+             if other.name == call.name and other.occurrence > call.occurrence]
+    return [failing(call.name, call.occurrence, error, lasting)
+            for lasting in (False, True)
+            for error in errorsOf([call, *later] if lasting else [call])]
+
+
+def errorsOf(calls):
+    """The errors that fit all of `calls`, which have one name."""
+    errors = (ERRORS["fstat"] if ofOpenFile(calls[0])
+              else ERRORS.get(calls[0].name, OTHER_ERRORS))
     # Nor is a file absent that is open.
-    if any(ofOpenFile(met) or any(path in met.line for path in MAY_BE_ABSENT)
-           for met in (call, *later)):
+    if any(ofOpenFile(call) or any(path in call.line for path in MAY_BE_ABSENT)
+           for call in calls):
         errors = tuple(error for error in errors if error != "ENOENT")
     return errors
 
