@@ -3,11 +3,18 @@
 #include "tests/support/TemporaryRoot.h"
 
 #include <cstdlib>
+#include <map>
 
 namespace VeskLib::Fuzz {
 
 void setVariable(const char* name, const std::string& value) {
-    ::setenv(name, value.c_str(), 1);
+    // setenv() keeps every value that it was ever given, and millions of runs give many. The environment
+    // points into the value here, which therefore leaves it before it changes.
+    static auto& variables = *new std::map<std::string, std::string>;
+    std::string& variable = variables[name];
+    ::unsetenv(name);
+    variable = std::string(name) + "=" + value;
+    ::putenv(variable.data());
 }
 
 void useTemporaryRoot() {
