@@ -7,6 +7,7 @@
 #include "tests/backend/support/BackendProcess.h"
 #include "tests/backend/support/RootTest.h"
 #include "tests/backend/support/ScriptedServer.h"
+#include "tests/backend/support/requests.h"
 #include "tests/support/BoardTest.h"
 
 #include <gtest/gtest.h>
@@ -24,13 +25,11 @@ using namespace Host;
 
 namespace {
 
-const char* const SESSION = "0123456789abcdef";
-
 // The daemon on the demo board; each test has a root of its own.
 class BackendTest : public RootTest {
 protected:
     static int ask(const RequestFrame& request, ReplyFrame& reply) {
-        Channel channel(60000);
+        Channel channel(LONG);
         return channel.exchange(request, reply);
     }
 

@@ -8,6 +8,7 @@
 #include "platform/host/channel/Channel.h"
 #include "tests/backend/support/RootTest.h"
 #include "tests/backend/support/ScriptedServer.h"
+#include "tests/backend/support/requests.h"
 
 #include <gtest/gtest.h>
 
@@ -17,17 +18,15 @@ using namespace Gui;
 
 namespace {
 
-const char* const COOKIE = "0123456789abcdef-00112233445566778899aabbccddeeff";
-
 // Takes an answer the way a test tells it to.
-class Answer : public VeskUi::SerializableObject {
+class ReplyContainer : public VeskUi::SerializableObject {
 public:
     enum class Way { TAKE, REFUSE, THROW };
 
-    explicit Answer(Way way) : way(way) {}
+    explicit ReplyContainer(Way way) : way(way) {}
 
     unsigned int getSerialized(unsigned char* /*buffer*/, unsigned int /*size*/) const override {
-        throw VeskUi::makeDifferentBufferSize("Answer::getSerialized");
+        throw VeskUi::makeDifferentBufferSize("ReplyContainer::getSerialized");
     }
     unsigned int getSerializedSize() const override { return 1; }
 
@@ -36,7 +35,7 @@ public:
         bytes.assign(buffer, buffer + size);
         padding.assign(buffer + size, buffer + size + 4);
         if (way == Way::THROW) {
-            throw VeskUi::makeDifferentBufferSize("Answer::setSerialized");
+            throw VeskUi::makeDifferentBufferSize("ReplyContainer::setSerialized");
         }
         return way == Way::TAKE;
     }
@@ -64,11 +63,11 @@ protected:
 }  // namespace
 
 TEST_F(CGIRequesterTest, sessionIdentifierIsTheFirstPartOfTheCookie) {
-    EXPECT_EQ(CGIRequester(COOKIE).getSessionId(), "0123456789abcdef");
+    EXPECT_EQ(CGIRequester(COOKIE).getSessionId(), SESSION);
     EXPECT_EQ(CGIRequester("").getSessionId(), "");
     EXPECT_EQ(CGIRequester(nullptr).getSessionId(), "");
     EXPECT_EQ(CGIRequester("../../../etc/passwd").getSessionId(), "");
-    EXPECT_EQ(CGIRequester("0123456789abcdef").getSessionId(), "");
+    EXPECT_EQ(CGIRequester(SESSION).getSessionId(), "");
 }
 
 TEST_F(CGIRequesterTest, newRequesterHasNoError) {
@@ -78,14 +77,14 @@ TEST_F(CGIRequesterTest, newRequesterHasNoError) {
 TEST_F(CGIRequesterTest, getInfoSendsItsNumberAndSession) {
     {
         const ScriptedServer server(replyWith({0, {}}));
-        Answer answer(Answer::Way::TAKE);
+        ReplyContainer answer(ReplyContainer::Way::TAKE);
         EXPECT_TRUE(CGIRequester(COOKIE).getInfo(VeskUi::GET_PARTITION_INFO, answer));
     }
     Host::RequestFrame request;
     ASSERT_TRUE(decode(Bytes(received.begin() + 4, received.end()), request));
     EXPECT_EQ(request.kind, Host::RequestKind::GET);
     EXPECT_EQ(request.number, 0x0201002FU);
-    EXPECT_EQ(request.sessionIdentifier, "0123456789abcdef");
+    EXPECT_EQ(request.sessionIdentifier, SESSION);
     EXPECT_TRUE(request.payload.empty());
 }
 
@@ -104,7 +103,7 @@ TEST_F(CGIRequesterTest, setInfoSendsTheObject) {
 
 TEST_F(CGIRequesterTest, answerIsFollowedByFourZeroBytes) {
     const ScriptedServer server(replyWith({0, {1, 2, 3}}));
-    Answer answer(Answer::Way::TAKE);
+    ReplyContainer answer(ReplyContainer::Way::TAKE);
     EXPECT_TRUE(CGIRequester(COOKIE).getInfo(1, answer));
     EXPECT_EQ(answer.bytes, (Bytes{1, 2, 3}));
     EXPECT_EQ(answer.padding, Bytes(4, 0));
@@ -120,9 +119,10 @@ TEST_F(CGIRequesterTest, shortAnswerIsPaddedForTheWrapper) {
 }
 
 TEST_F(CGIRequesterTest, objectThatDoesNotTakeTheAnswerIsAFailedRequest) {
-    for (const Answer::Way way : {Answer::Way::REFUSE, Answer::Way::THROW}) {
+    for (const ReplyContainer::Way way :
+         {ReplyContainer::Way::REFUSE, ReplyContainer::Way::THROW}) {
         const ScriptedServer server(replyWith({0, {1, 2, 3}}));
-        Answer answer(way);
+        ReplyContainer answer(way);
         CGIRequester requester(COOKIE);
         EXPECT_FALSE(requester.getInfo(1, answer));
         EXPECT_EQ(requester.getErrorCode(), Host::CHANNEL_BAD_OBJECT);
@@ -131,7 +131,7 @@ TEST_F(CGIRequesterTest, objectThatDoesNotTakeTheAnswerIsAFailedRequest) {
 
 TEST_F(CGIRequesterTest, objectThatCannotBeWrittenIsAFailedRequest) {
     CGIRequester requester(COOKIE);
-    EXPECT_FALSE(requester.setInfo(1, Answer(Answer::Way::TAKE)));
+    EXPECT_FALSE(requester.setInfo(1, ReplyContainer(ReplyContainer::Way::TAKE)));
     EXPECT_EQ(requester.getErrorCode(), Host::CHANNEL_BAD_OBJECT);
 }
 
@@ -148,7 +148,7 @@ TEST_F(CGIRequesterTest, errorCodeIsThatOfTheLastRequest) {
     EXPECT_EQ(requester.getErrorCode(), 1549);
     EXPECT_TRUE(requester.setInfo(VeskUi::SET_RESTORE, targets));
     EXPECT_EQ(requester.getErrorCode(), 0);
-    Answer answer(Answer::Way::TAKE);
+    ReplyContainer answer(ReplyContainer::Way::TAKE);
     EXPECT_FALSE(requester.getInfo(1, answer));
     EXPECT_EQ(requester.getErrorCode(), 1602);
     EXPECT_TRUE(answer.padding.empty());
@@ -158,7 +158,7 @@ TEST_F(CGIRequesterTest, errorCodeIsThatOfTheLastRequest) {
 
 TEST_F(CGIRequesterTest, backendThatIsDownIsAFailedRequest) {
     CGIRequester requester(COOKIE);
-    Answer answer(Answer::Way::TAKE);
+    ReplyContainer answer(ReplyContainer::Way::TAKE);
     EXPECT_FALSE(requester.getInfo(1, answer));
     EXPECT_EQ(requester.getErrorCode(), Host::CHANNEL_UNREACHABLE);
     EXPECT_FALSE(requester.setInfo(1, VeskUi::PrimitiveTypeWrapper<unsigned int>(0)));

@@ -3,6 +3,7 @@
 #include "platform/host/base/SystemPath.h"
 #include "tests/backend/support/RootTest.h"
 #include "tests/backend/support/ScriptedServer.h"
+#include "tests/backend/support/requests.h"
 
 #include <VeskLib/getCGIPath.h>
 
@@ -22,12 +23,11 @@ using namespace Host;
 
 namespace {
 
-// For what must not time out, however slow the machine; and for what must.
-const int LONG = 60000;
+// Milliseconds for what must time out.
 const int SHORT = 50;
 
 RequestFrame makeRequest() {
-    return {RequestKind::GET, 0x0201002F, "0123456789abcdef", {}};
+    return {RequestKind::GET, 0x0201002F, SESSION, {}};
 }
 
 Bytes makeReply() {

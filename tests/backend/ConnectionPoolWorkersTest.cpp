@@ -2,6 +2,7 @@
 #include "tests/backend/support/PoolRunner.h"
 #include "tests/backend/support/ScriptedServer.h"
 #include "tests/backend/support/failures.h"
+#include "tests/backend/support/requests.h"
 #include "tests/support/files.h"
 #include "tests/support/sanitizers.h"
 
@@ -33,9 +34,6 @@ using namespace Host;
 namespace {
 
 const std::string TASKS = "/proc/self/task/";
-
-// A request with this number is answered only when the test lets it.
-const std::uint32_t HELD_REQUEST = 1;
 
 // Of all threads.
 std::chrono::milliseconds processorTime() {

@@ -1,5 +1,7 @@
 #include "board/backend/FaultSwitches.h"
 
+#include "tests/backend/support/requests.h"
+
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -13,7 +15,6 @@ using Board::FaultSwitches;
 
 namespace {
 
-const int LONG = 60000;
 const std::uint32_t REQUEST = 0x020100A4;
 
 // What happens to a request in words: "refused 1047", "5 bytes", both, or "".

@@ -2,6 +2,7 @@
 
 #include "data/requestNumbers.h"
 #include "tests/backend/support/hexadecimalText.h"
+#include "tests/backend/support/requests.h"
 
 #include <gtest/gtest.h>
 
@@ -11,7 +12,6 @@ using namespace Host;
 
 namespace {
 
-const char* const SESSION = "0123456789abcdef";
 const char* const SESSION_BYTES = "30 31 32 33 34 35 36 37 38 39 61 62 63 64 65 66";
 
 RequestFrame makeBackupRequest() {

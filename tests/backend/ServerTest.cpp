@@ -6,6 +6,7 @@
 #include "platform/host/channel/SocketAddress.h"
 #include "tests/backend/support/RootTest.h"
 #include "tests/backend/support/ScriptedServer.h"
+#include "tests/backend/support/requests.h"
 #include "tests/support/BoardTest.h"
 
 #include <gtest/gtest.h>
@@ -26,11 +27,6 @@ using namespace Board;
 using namespace Host;
 
 namespace {
-
-const int LONG = 60000;
-
-// A request with this number is answered only when the test lets it.
-const std::uint32_t HELD_REQUEST = 1;
 
 class ServerTest : public RootTest {
 public:

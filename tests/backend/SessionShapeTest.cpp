@@ -1,28 +1,23 @@
 #include "platform/host/base/SessionShape.h"
 
+#include "tests/backend/support/requests.h"
+
 #include <gtest/gtest.h>
 
 namespace VeskLib::Test {
 
 using namespace Host;
 
-namespace {
-
-const char* const IDENTIFIER = "0123456789abcdef";
-const char* const COOKIE = "0123456789abcdef-00112233445566778899aabbccddeeff";
-
-}  // namespace
-
 TEST(SessionShape, cookieValueHoldsItsIdentifier) {
     EXPECT_TRUE(isCookieValue(COOKIE));
-    EXPECT_EQ(identifierOf(COOKIE), IDENTIFIER);
-    EXPECT_TRUE(isSessionIdentifier(IDENTIFIER));
+    EXPECT_EQ(identifierOf(COOKIE), SESSION);
+    EXPECT_TRUE(isSessionIdentifier(SESSION));
 }
 
 TEST(SessionShape, malformedCookieValueHasNoIdentifier) {
     const std::string cookie = COOKIE;
     EXPECT_EQ(identifierOf(""), "");
-    EXPECT_EQ(identifierOf(IDENTIFIER), "");
+    EXPECT_EQ(identifierOf(SESSION), "");
     EXPECT_EQ(identifierOf(cookie + "0"), "");
     EXPECT_EQ(identifierOf(cookie + '\0'), "");
     EXPECT_EQ(identifierOf(" " + cookie), "");
@@ -37,13 +32,13 @@ TEST(SessionShape, everyCharacterCounts) {
         }
         EXPECT_FALSE(isCookieValue(std::string(COOKIE).substr(0, position))) << position;
     }
-    for (std::size_t position = 0; position < std::string(IDENTIFIER).size(); ++position) {
-        std::string identifier = IDENTIFIER;
+    for (std::size_t position = 0; position < std::string(SESSION).size(); ++position) {
+        std::string identifier = SESSION;
         identifier[position] = '/';
         EXPECT_FALSE(isSessionIdentifier(identifier)) << position;
-        EXPECT_FALSE(isSessionIdentifier(std::string(IDENTIFIER).substr(0, position))) << position;
+        EXPECT_FALSE(isSessionIdentifier(std::string(SESSION).substr(0, position))) << position;
     }
-    EXPECT_FALSE(isSessionIdentifier(std::string(IDENTIFIER) + "0"));
+    EXPECT_FALSE(isSessionIdentifier(std::string(SESSION) + "0"));
 }
 
 }  // namespace VeskLib::Test

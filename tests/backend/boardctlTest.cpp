@@ -6,6 +6,7 @@
 #include "platform/host/storage/ConfigurationFile.h"
 #include "tests/backend/support/BackendProcess.h"
 #include "tests/backend/support/RootTest.h"
+#include "tests/backend/support/requests.h"
 #include "tests/support/BoardTest.h"
 #include "tests/support/ChildProcess.h"
 
@@ -20,9 +21,6 @@ using namespace Host;
 using Clock = std::chrono::steady_clock;
 
 namespace {
-
-const char* const SESSION = "0123456789abcdef";
-const int LONG = 60000;
 
 enum Status { DONE = 0, FAILED = 1, USAGE = 2 };
 

@@ -12,6 +12,7 @@
 #include "platform/host/storage/ConfigurationFile.h"
 #include "tests/backend/support/ScriptedServer.h"
 #include "tests/backend/support/hexadecimalText.h"
+#include "tests/backend/support/requests.h"
 #include "tests/support/files.h"
 #include "tests/unit/support/wireBytes.h"
 
@@ -28,8 +29,6 @@ namespace VeskLib::Test {
 using namespace Host;
 
 namespace {
-
-const char* const SESSION = "0123456789abcdef";
 
 // A document as one line, its words parted by single blanks.
 std::string wordsOf(const std::string& name) {

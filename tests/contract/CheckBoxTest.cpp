@@ -1,5 +1,6 @@
 #include <VeskLib/Gui/CheckBox.h>
 
+#include "tests/contract/inputs.h"
 #include "tests/contract/platformSpecifics.h"
 #include "tests/support/hostileTexts.h"
 #include "tests/support/markup.h"
@@ -12,16 +13,6 @@ namespace VeskLib::Test {
 using Gui::CheckBox;
 using testing::IsEmpty;
 using testing::SizeIs;
-
-namespace {
-
-const int ALLOWED = 2;
-
-std::vector<Tag> inputsOf(const CheckBox& boxes) {
-    return tagsOf(printedHTML(boxes), "input");
-}
-
-}  // namespace
 
 // The box of a partition, as a row of the selection has it.
 TEST(CheckBoxTest, aBoxIsOneFieldOfItsForm) {

@@ -1,5 +1,6 @@
 #include <VeskLib/Gui/RadioButton.h>
 
+#include "tests/contract/inputs.h"
 #include "tests/support/hostileTexts.h"
 #include "tests/support/markup.h"
 #include "tests/support/printedBy.h"
@@ -11,16 +12,6 @@ namespace VeskLib::Test {
 using Gui::RadioButton;
 using testing::IsEmpty;
 using testing::SizeIs;
-
-namespace {
-
-const int ALLOWED = 2;
-
-std::vector<Tag> inputsOf(const RadioButton& group) {
-    return tagsOf(printedHTML(group), "input");
-}
-
-}  // namespace
 
 TEST(RadioButtonTest, aChoiceIsOneButtonOfItsGroupAndForm) {
     RadioButton group("radio_button", "", "form_name", &ALLOWED);

@@ -1,7 +1,7 @@
 #include <VeskLib/Gui/FormInfo.h>
 
-#include "platform/host/base/platformException.h"
 #include "platform/host/web/FormLimits.h"
+#include "tests/host/refusal.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/interruptOften.h"
 
@@ -19,9 +19,6 @@ using Host::FormLimits::QUERY_LENGTH;
 
 namespace {
 
-const std::string MALFORMED = "refused " + std::to_string(Host::REQUEST_MALFORMED);
-const std::string TOO_LARGE = "refused " + std::to_string(Host::REQUEST_TOO_LARGE);
-
 // The field as the first question of a process finds it.
 std::string ask(const ChildSetup& request, const std::string& name) {
     const ChildResult result = runInChild(
@@ -30,7 +27,7 @@ std::string ask(const ChildSetup& request, const std::string& name) {
             try {
                 std::cout << (FormInfo().getFormData(name, value) ? "[" + value + "]" : "absent");
             } catch (const PException& exception) {
-                std::cout << "refused " << exception.getExceptionDetail();
+                std::cout << refused(exception.getExceptionDetail());
             }
             return 0;
         },

@@ -1,6 +1,6 @@
-#include "platform/host/base/platformException.h"
 #include "platform/host/web/FormLimits.h"
 #include "tests/host/multipartBody.h"
+#include "tests/host/refusal.h"
 #include "tests/support/BoardTest.h"
 #include "tests/support/files.h"
 #include "tests/support/hostileTexts.h"
@@ -26,8 +26,6 @@ using testing::IsEmpty;
 
 namespace {
 
-const std::string MALFORMED = "refused " + std::to_string(Host::REQUEST_MALFORMED);
-const std::string TOO_LARGE = "refused " + std::to_string(Host::REQUEST_TOO_LARGE);
 const std::string NOTHING = "no a, no b, file [] of 0 bytes: []";
 
 std::string fieldOf(const FormInfo& form, const std::string& name) {
@@ -44,7 +42,7 @@ std::string contentOf(const FormInfo& form) {
                std::to_string(form.getUploadFileSize()) + " bytes: [" +
                (path.empty() ? "" : readText(path)) + "]";
     } catch (const PException& exception) {
-        return "refused " + std::to_string(exception.getExceptionDetail());
+        return refused(exception.getExceptionDetail());
     }
 }
 
@@ -273,7 +271,7 @@ TEST_F(FormInfoUploadTest, aFileThatCannotBeStoredLeavesTheFieldsReadable) {
         std::cout << contentOf(form) << std::endl;
     };
     EXPECT_THAT(run(work, postParts(filePart("f", "n", "content") + fieldPart("a", "1"))),
-                ElementsAre("a [1]", "7", "refused " + std::to_string(Host::UPLOAD_NOT_STORED)));
+                ElementsAre("a [1]", "7", refused(Host::UPLOAD_NOT_STORED)));
 }
 
 TEST_F(FormInfoUploadTest, memoryDoesNotGrowWithTheUpload) {

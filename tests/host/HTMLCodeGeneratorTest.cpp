@@ -3,6 +3,7 @@
 #include "platform/host/base/idleWork.h"
 #include "platform/host/base/platformException.h"
 #include "platform/host/html/skeletons.h"
+#include "tests/host/refusal.h"
 #include "tests/support/BoardTest.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/files.h"
@@ -35,7 +36,7 @@ protected:
             try {
                 HTMLCodeGenerator(SKELETON, &NO_COMPONENTS).printHTML();
             } catch (const PException& exception) {
-                std::cout << "refused " << exception.getExceptionDetail();
+                std::cout << refused(exception.getExceptionDetail());
             }
             return 0;
         });
@@ -51,12 +52,12 @@ protected:
 
 TEST_F(HTMLCodeGeneratorHostTest, aMalformedSkeletonIsRefusedAndItsPlaceTraced) {
     writeText(boardFile(SKELETON), "first line\n  {{no mark}}\n");
-    EXPECT_EQ(print(), "refused " + std::to_string(Host::SKELETON_NOT_USABLE));
+    EXPECT_EQ(print(), refused(Host::SKELETON_NOT_USABLE));
     EXPECT_THAT(traceLines(), ElementsAre(HasSubstr(SKELETON + ":2:3: not a mark")));
 }
 
 TEST_F(HTMLCodeGeneratorHostTest, aMissingSkeletonIsTraced) {
-    EXPECT_EQ(print(), "refused " + std::to_string(Host::SKELETON_NOT_USABLE));
+    EXPECT_EQ(print(), refused(Host::SKELETON_NOT_USABLE));
     EXPECT_THAT(traceLines(), ElementsAre(HasSubstr(SKELETON)));
 }
 

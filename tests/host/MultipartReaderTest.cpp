@@ -1,8 +1,8 @@
 #include "platform/host/web/MultipartReader.h"
 
-#include "platform/host/base/platformException.h"
 #include "platform/host/web/FormLimits.h"
 #include "tests/host/multipartBody.h"
+#include "tests/host/refusal.h"
 
 #include <gtest/gtest.h>
 
@@ -19,9 +19,6 @@ using Host::FormLimits::NAME_LENGTH;
 using Host::FormLimits::PART_HEADER_LENGTH;
 
 namespace {
-
-const std::string MALFORMED = "refused " + std::to_string(Host::REQUEST_MALFORMED);
-const std::string TOO_LARGE = "refused " + std::to_string(Host::REQUEST_TOO_LARGE);
 
 // Writes down what it is given: "<name>value</>" for a field, "<name|file name>bytes</>" for a
 // file.
@@ -52,7 +49,7 @@ std::string readPieces(const std::vector<std::string_view>& pieces,
         }
         reader.finish();
     } catch (const PException& exception) {
-        recorder.text += "refused " + std::to_string(exception.getExceptionDetail());
+        recorder.text += refused(exception.getExceptionDetail());
     }
     return recorder.text;
 }

@@ -27,7 +27,7 @@ namespace {
 using Work = std::function<void(Response&)>;
 
 // The response that `work` makes in a process of its own, half a page printed before.
-CGIResponse respond(const Work& work, const std::string& language = "en") {
+CGIResponse respondInstead(const Work& work, const std::string& language = "en") {
     const ChildResult result = runInChild(
         [&work] {
             Response response;
@@ -46,15 +46,16 @@ CGIResponse respond(const Work& work, const std::string& language = "en") {
 }
 
 CGIResponse show(const ErrorPage& page) {
-    return respond([&page](Response& response) { printErrorPage(page, response); });
+    return respondInstead([&page](Response& response) { printErrorPage(page, response); });
 }
 
 CGIResponse showMade(const std::function<ErrorPage()>& make, const std::string& language) {
-    return respond([&make](Response& response) { printErrorPage(make(), response); }, language);
+    return respondInstead([&make](Response& response) { printErrorPage(make(), response); },
+                          language);
 }
 
 CGIResponse showException(int messageNumber, long argument) {
-    return respond([=](Response& response) {
+    return respondInstead([=](Response& response) {
         Host::printExceptionPage(
             PException(1, 2, 3, 4, 4711, messageNumber, argument, 0, 0, 0, 0, 0, 0, 0), response);
     });

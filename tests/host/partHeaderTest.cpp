@@ -1,6 +1,6 @@
 #include "platform/host/web/partHeader.h"
 
-#include "platform/host/base/platformException.h"
+#include "tests/host/refusal.h"
 
 #include <gtest/gtest.h>
 
@@ -11,22 +11,20 @@ using Host::PartHeader;
 
 namespace {
 
-// "name", or "name|file name" of a file; the error code of a refused one.
+// "name", or "name|file name" of a file; or that it was refused.
 std::string parse(const std::string& lines) {
     try {
         const PartHeader header = parsePartHeader(lines);
         EXPECT_TRUE(header.isFile || header.fileName.empty());
         return header.name + (header.isFile ? "|" + header.fileName : "");
     } catch (const PException& exception) {
-        return std::to_string(exception.getExceptionDetail());
+        return refused(exception.getExceptionDetail());
     }
 }
 
 std::string parseDisposition(const std::string& value) {
     return parse("\r\nContent-Disposition:" + value);
 }
-
-const std::string MALFORMED = std::to_string(Host::REQUEST_MALFORMED);
 
 }  // namespace
 

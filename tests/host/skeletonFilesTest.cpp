@@ -38,7 +38,7 @@ std::set<std::string> namesPlacedBy(const std::string& path) {
 }
 
 // The skeleton as printed with these texts, each ready to print.
-std::string print(const std::string& path, const std::map<std::string, std::string>& texts) {
+std::string printFile(const std::string& path, const std::map<std::string, std::string>& texts) {
     const ChildResult result = runInChild([&] {
         std::map<std::string, std::unique_ptr<TextString>> owned;
         std::map<std::string, Gui::HTMLComponent*> components;
@@ -54,8 +54,8 @@ std::string print(const std::string& path, const std::map<std::string, std::stri
 }
 
 std::string printBackupPage(const std::string& filepath) {
-    return print(PROGRAM + "/skeleton_efi_backup.txt",
-                 {{"filepath", filepath}, {"onload_function", "downloadFunction()"}});
+    return printFile(PROGRAM + "/skeleton_efi_backup.txt",
+                     {{"filepath", filepath}, {"onload_function", "downloadFunction()"}});
 }
 
 }  // namespace
@@ -83,7 +83,7 @@ TEST(SkeletonFilesTest, noSkeletonLeavesATraceOfWhatIsNotFilled) {
     for (const char* folder : {PROGRAM_SKELETONS, PLATFORM_SKELETONS, WEB_SKELETONS}) {
         for (const std::string& path : pathsIn(folder)) {
             SCOPED_TRACE(path);
-            const std::string printed = print(path, {});
+            const std::string printed = printFile(path, {});
             EXPECT_EQ(printed.find("{{"), std::string::npos);
             EXPECT_EQ(printed.find("}}"), std::string::npos);
         }

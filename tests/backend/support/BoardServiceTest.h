@@ -6,6 +6,7 @@
 #include "platform/host/channel/Login.h"
 #include "platform/host/storage/ConfigurationFile.h"
 #include "tests/backend/support/RootTest.h"
+#include "tests/backend/support/requests.h"
 #include "tests/backend/support/sampleBoard.h"
 
 #include <crypt.h>
@@ -21,8 +22,6 @@ using namespace Host;
 // A back-end's service on the sample board, with a state, a session and two users of its own.
 class BoardServiceTest : public RootTest {
 protected:
-    static constexpr const char* SESSION = "0123456789abcdef";
-
     BoardServiceTest() {
         std::filesystem::create_directory(at("state"));
         crypt_data work = {};

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "platform/host/base/platformException.h"
+
+#include <string>
+
+namespace VeskLib::Test {
+
+// What tests note in the place of a result when there is none for this reason.
+inline std::string refused(int code) {
+    return "refused " + std::to_string(code);
+}
+
+inline const std::string MALFORMED = refused(Host::REQUEST_MALFORMED);
+inline const std::string TOO_LARGE = refused(Host::REQUEST_TOO_LARGE);
+
+}  // namespace VeskLib::Test
