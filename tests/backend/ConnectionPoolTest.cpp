@@ -4,6 +4,7 @@
 #include "platform/host/channel/FrameStream.h"
 #include "tests/backend/support/PoolRunner.h"
 #include "tests/backend/support/ScriptedServer.h"
+#include "tests/backend/support/requests.h"
 
 #include <gtest/gtest.h>
 #include <poll.h>
@@ -26,8 +27,8 @@ namespace {
 class ConnectionPoolTest : public testing::Test {
 protected:
     ConnectionPoolTest() {
-        limits.requestMilliseconds = 60000;
-        limits.endMilliseconds = 60000;
+        limits.requestMilliseconds = LONG;
+        limits.endMilliseconds = LONG;
     }
 
     ~ConnectionPoolTest() override {
@@ -97,7 +98,7 @@ TEST_F(ConnectionPoolTest, theClientOfATornAnswerSeesABrokenFrame) {
     start(6);
     ask();
     Bytes bytes = {9};
-    EXPECT_EQ(receiveFrame(client, bytes, Deadline(60000)), StreamResult::BROKEN);
+    EXPECT_EQ(receiveFrame(client, bytes, Deadline(LONG)), StreamResult::BROKEN);
     EXPECT_EQ(bytes, Bytes{9});
 }
 

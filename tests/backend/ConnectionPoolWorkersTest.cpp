@@ -41,7 +41,7 @@ std::chrono::milliseconds processorTime() {
 }
 
 bool happensInTime(const std::function<bool()>& condition) {
-    const Deadline deadline(60000);
+    const Deadline deadline(LONG);
     while (!condition()) {
         if (deadline.remainingMilliseconds() == 0) {
             return false;
@@ -55,8 +55,8 @@ bool happensInTime(const std::function<bool()>& condition) {
 class ConnectionPoolWorkersTest : public testing::Test {
 protected:
     ConnectionPoolWorkersTest() {
-        limits.requestMilliseconds = 60000;
-        limits.endMilliseconds = 60000;
+        limits.requestMilliseconds = LONG;
+        limits.endMilliseconds = LONG;
         // A sanitizer has a thread of its own, which comes with the first one of the program.
         std::string first;
         std::thread([&first] { first = std::to_string(::gettid()); }).join();
