@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <utility>
 
 namespace VeskLib::VeskUi {
 
@@ -17,13 +18,6 @@ const unsigned int LENGTH_SIZE = 2;
 }  // namespace
 
 template <typename Element>
-ComponentInfoCollection<Element>::~ComponentInfoCollection() {
-    for (const Element* element : elements) {
-        delete element;
-    }
-}
-
-template <typename Element>
 unsigned int ComponentInfoCollection<Element>::getSerialized(unsigned char* buffer,
                                                              unsigned int size) const {
     if (getSerializedSize() > size) {
@@ -31,7 +25,7 @@ unsigned int ComponentInfoCollection<Element>::getSerialized(unsigned char* buff
     }
     WireWriter(buffer, COUNT_SIZE).writeU16(static_cast<std::uint16_t>(elements.size()));
     unsigned int position = COUNT_SIZE;
-    for (const Element* element : elements) {
+    for (const auto& element : elements) {
         const unsigned int length = element->getSerializedSize();
         WireWriter(buffer + position, LENGTH_SIZE).writeU16(static_cast<std::uint16_t>(length));
         position += LENGTH_SIZE;
@@ -44,7 +38,7 @@ unsigned int ComponentInfoCollection<Element>::getSerialized(unsigned char* buff
 template <typename Element>
 unsigned int ComponentInfoCollection<Element>::getSerializedSize() const {
     unsigned int size = COUNT_SIZE;
-    for (const Element* element : elements) {
+    for (const auto& element : elements) {
         size += LENGTH_SIZE + element->getSerializedSize();
     }
     return size;
@@ -64,8 +58,7 @@ bool ComponentInfoCollection<Element>::setSerialized(const unsigned char* buffer
         auto element = std::make_unique<Element>();
         // An element that does not understand its bytes stays empty; the list keeps its place.
         element->setSerialized(bytes, length);
-        elements.push_back(element.get());
-        static_cast<void>(element.release());
+        elements.push_back(std::move(element));
     }
     const bool trailingBytes = count != 0 && reader.remaining() != 0;
     if (reader.failed() || trailingBytes) {

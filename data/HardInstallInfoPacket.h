@@ -18,13 +18,14 @@ public:
         std::uint32_t word = 0;
     };
 
-    // 6 bytes on the wire: a 32-bit word, then a 16-bit word.
-    struct IOBData {
+    // 6 bytes on the wire: a 32-bit word, then a 16-bit word. Packed, because a board's library may
+    // walk the records in memory, where they are 6 bytes as well.
+    struct [[gnu::packed]] IOBData {
         std::uint32_t word = 0;
         std::uint16_t halfWord = 0;
     };
 
-    struct GSPBData {
+    struct [[gnu::packed]] GSPBData {
         std::uint32_t word = 0;
         std::uint16_t halfWord = 0;
     };
@@ -51,5 +52,9 @@ public:
     PrimitiveTypeArray<GSPBData> gspBoards;
     PrimitiveTypeArray<unsigned char> byteArrays[6];
 };
+
+static_assert(sizeof(HardInstallInfoPacket::SBData) == 4);
+static_assert(sizeof(HardInstallInfoPacket::IOBData) == 6);
+static_assert(sizeof(HardInstallInfoPacket::GSPBData) == 6);
 
 }  // namespace VeskLib::VeskUi

@@ -5,7 +5,6 @@
 #include "data/containerExceptions.h"
 
 #include <cstdint>
-#include <type_traits>
 
 namespace VeskLib::VeskUi {
 
@@ -13,31 +12,62 @@ namespace {
 
 const unsigned int COUNT_SIZE = 2;
 
-// The wire form of each record type.
+// The wire form of a record type. There is none by default.
 template <typename T>
-const unsigned int RECORD_SIZE = 6;
-template <>
-const unsigned int RECORD_SIZE<unsigned char> = 1;
-template <>
-const unsigned int RECORD_SIZE<HardInstallInfoPacket::SBData> = 4;
+struct RecordForm;
 
-template <typename T>
-void writeRecord(WireWriter& writer, const T& record) {
-    writer.writeU32(record.word);
-    if constexpr (RECORD_SIZE<T> == 6) {
-        writer.writeU16(record.halfWord);
-    }
-}
+template <>
+struct RecordForm<unsigned char> {
+    static constexpr unsigned int SIZE = 1;
 
-template <typename T>
-T readRecord(WireReader& reader) {
-    T record;
-    record.word = reader.readU32();
-    if constexpr (RECORD_SIZE<T> == 6) {
-        record.halfWord = reader.readU16();
+    static void write(WireWriter& writer, const std::vector<unsigned char>& records) {
+        writer.writeBytes(records.data(), records.size());
     }
-    return record;
-}
+
+    static void append(WireReader& reader, unsigned int count,
+                       std::vector<unsigned char>& records) {
+        const unsigned char* bytes = reader.readBytes(count);
+        records.insert(records.end(), bytes, bytes + count);
+    }
+};
+
+// The form of records that are a 32-bit word, followed by a 16-bit word when `Size` is 6.
+template <typename T, unsigned int Size>
+struct WordsForm {
+    static constexpr unsigned int SIZE = Size;
+    static_assert(sizeof(T) == SIZE);
+
+    static void write(WireWriter& writer, const std::vector<T>& records) {
+        for (const T& record : records) {
+            writer.writeU32(record.word);
+            if constexpr (SIZE == 6) {
+                writer.writeU16(record.halfWord);
+            }
+        }
+    }
+
+    static void append(WireReader& reader, unsigned int count, std::vector<T>& records) {
+        records.reserve(records.size() + count);
+        for (unsigned int i = 0; i < count; ++i) {
+            T record;
+            record.word = reader.readU32();
+            if constexpr (SIZE == 6) {
+                record.halfWord = reader.readU16();
+            }
+            records.push_back(record);
+        }
+    }
+};
+
+template <>
+struct RecordForm<HardInstallInfoPacket::SBData> : WordsForm<HardInstallInfoPacket::SBData, 4> {};
+
+template <>
+struct RecordForm<HardInstallInfoPacket::IOBData> : WordsForm<HardInstallInfoPacket::IOBData, 6> {};
+
+template <>
+struct RecordForm<HardInstallInfoPacket::GSPBData> : WordsForm<HardInstallInfoPacket::GSPBData, 6> {
+};
 
 }  // namespace
 
@@ -48,22 +78,16 @@ unsigned int PrimitiveTypeArray<T>::getSerialized(unsigned char* buffer, unsigne
         throw makeBufferTooSmall(23296, "Insufficient buffer size");
     }
     WireWriter writer(buffer, size);
-    // The count is cut to 16 bits, the records are not: the size in front of the object on the
+    // The count is cut to 16 bits, the records are not: the size that precedes the object on the
     // channel counts all of them.
     writer.writeU16(static_cast<std::uint16_t>(records.size()));
-    if constexpr (std::is_same_v<T, unsigned char>) {
-        writer.writeBytes(records.data(), records.size());
-    } else {
-        for (const T& record : records) {
-            writeRecord(writer, record);
-        }
-    }
+    RecordForm<T>::write(writer, records);
     return wanted;
 }
 
 template <typename T>
 unsigned int PrimitiveTypeArray<T>::getSerializedSize() const {
-    return COUNT_SIZE + static_cast<unsigned int>(records.size()) * RECORD_SIZE<T>;
+    return COUNT_SIZE + static_cast<unsigned int>(records.size()) * RecordForm<T>::SIZE;
 }
 
 template <typename T>
@@ -73,22 +97,11 @@ bool PrimitiveTypeArray<T>::setSerialized(const unsigned char* buffer, unsigned 
     }
     WireReader reader(buffer, size);
     const unsigned int count = reader.readU16();
-    if (size < COUNT_SIZE + count * RECORD_SIZE<T>) {
+    if (size < COUNT_SIZE + count * RecordForm<T>::SIZE) {
         return false;
     }
-    if (count == 0) {
-        return true;
-    }
     // Appended on purpose: a second call adds to what the array holds.
-    if constexpr (std::is_same_v<T, unsigned char>) {
-        const unsigned char* bytes = reader.readBytes(count);
-        records.insert(records.end(), bytes, bytes + count);
-    } else {
-        records.reserve(records.size() + count);
-        for (unsigned int i = 0; i < count; ++i) {
-            records.push_back(readRecord<T>(reader));
-        }
-    }
+    RecordForm<T>::append(reader, count, records);
     return true;
 }
 

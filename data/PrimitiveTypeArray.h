@@ -14,14 +14,15 @@ namespace VeskLib::VeskUi {
 template <typename T>
 class PrimitiveTypeArray : public SerializableObject {
 public:
-    // Throws PException ("Insufficient buffer size") when `size` is below getSerializedSize().
-    // More than 65535 records write a count cut to 16 bits, and all the records.
+    // Throws PException ("Insufficient buffer size") when `size` is below getSerializedSize();
+    // `buffer` is then unchanged. More than 65535 records write a count cut to 16 bits, and all the
+    // records.
     unsigned int getSerialized(unsigned char* buffer, unsigned int size) const override;
     unsigned int getSerializedSize() const override;
 
-    // Appends the records on the wire to those the array holds; it is not cleared first. Bytes
-    // behind the announced records are ignored. False, and nothing appended, when `size` is too
-    // small for the count or for the announced records.
+    // Appends the records on the wire to those of the array, which is not cleared first. Ignores
+    // bytes after the announced records. Returns false and appends nothing when `size` is too small
+    // for the count or for the announced records.
     bool setSerialized(const unsigned char* buffer, unsigned int size) override;
 
     std::vector<T> records;

@@ -14,11 +14,6 @@ const unsigned char* WireReader::readBytes(std::size_t count) {
     return start;
 }
 
-std::string WireReader::readText(std::size_t count) {
-    const unsigned char* start = readBytes(count);
-    return start == nullptr ? std::string() : std::string(start, start + count);
-}
-
 std::uint32_t WireReader::readBigEndian(std::size_t count) {
     const unsigned char* start = readBytes(count);
     std::uint32_t value = 0;

@@ -2,8 +2,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <string>
-#include <vector>
 
 namespace VeskLib::VeskUi {
 
@@ -15,17 +13,12 @@ class WireReader {
 public:
     WireReader(const unsigned char* bytes, std::size_t size) : bytes(bytes), size(size) {}
 
-    std::uint8_t readU8() { return static_cast<std::uint8_t>(readBigEndian(1)); }
     std::uint16_t readU16() { return static_cast<std::uint16_t>(readBigEndian(2)); }
     std::uint32_t readU32() { return readBigEndian(4); }
 
     // A pointer to the next `count` bytes, which are skipped; null when there are not so many.
     const unsigned char* readBytes(std::size_t count);
 
-    // The next `count` bytes as text; empty when there are not so many.
-    std::string readText(std::size_t count);
-
-    std::size_t position() const { return offset; }
     std::size_t remaining() const { return size - offset; }
     bool failed() const { return failure; }
 
@@ -45,12 +38,10 @@ class WireWriter {
 public:
     WireWriter(unsigned char* bytes, std::size_t size) : bytes(bytes), size(size) {}
 
-    void writeU8(std::uint8_t value) { writeBigEndian(value, 1); }
     void writeU16(std::uint16_t value) { writeBigEndian(value, 2); }
     void writeU32(std::uint32_t value) { writeBigEndian(value, 4); }
     void writeBytes(const void* source, std::size_t count);
 
-    std::size_t position() const { return offset; }
     bool failed() const { return failure; }
 
 private:

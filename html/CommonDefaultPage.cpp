@@ -8,13 +8,24 @@ namespace {
 
 const unsigned short TRACE_MODULE = 29697;
 
+// Makes the page's trace log. When that throws, the page has no destructor yet to free its
+// generator.
+trace::VeskTrace makeTrace(HTMLCodeGenerator* generator) {
+    try {
+        return {1, 2, TRACE_MODULE};
+    } catch (...) {
+        delete generator;
+        throw;
+    }
+}
+
 }  // namespace
 
 CommonDefaultPage::CommonDefaultPage(MessageMgr& messageMgr, int* displayMode,
                                      const std::string& skeletonFile)
     : generator(new HTMLCodeGenerator(skeletonFile, &componentMap)),
       messageMgr(messageMgr),
-      trace(1, 2, TRACE_MODULE),
+      trace(makeTrace(generator)),
       displayMode(displayMode),
       traceModule(TRACE_MODULE),
       errorFlag(false),

@@ -1,22 +1,16 @@
 #include "html/HTMLContainer.h"
 
 #include <iostream>
+#include <utility>
 
 namespace VeskLib::Gui {
 
-HTMLContainer::~HTMLContainer() {
-    for (const HTMLComponent* child : children) {
-        delete child;
-    }
-}
-
 void HTMLContainer::add(std::unique_ptr<HTMLComponent> child) {
-    children.push_back(child.get());
-    static_cast<void>(child.release());
+    children.push_back(std::move(child));
 }
 
 void HTMLContainer::printHTML() const {
-    for (const HTMLComponent* child : children) {
+    for (const auto& child : children) {
         child->printHTML();
         if (breakBetween && child != children.back()) {
             std::cout << "<br>";

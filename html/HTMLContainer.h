@@ -12,20 +12,18 @@ class HTMLContainer : public HTMLComponent {
 public:
     HTMLContainer() = default;
 
-    // Deletes the children in order.
-    ~HTMLContainer() override;
-
-    // Appends `child`, which the container owns from then on.
+    // Appends `child` and takes ownership. The destructor deletes the children in order.
     void add(std::unique_ptr<HTMLComponent> child);
 
     void printHTML() const override;
     bool isError() const override;
 
-    // Whether "<br>" stands between two children.
-    bool breakBetween = false;
-
 private:
-    std::vector<HTMLComponent*> children;
+    std::vector<std::unique_ptr<HTMLComponent>> children;
+
+public:
+    // Whether "<br>" is printed between two children. Declared last, as boards lay the object out.
+    bool breakBetween = false;
 };
 
 }  // namespace VeskLib::Gui

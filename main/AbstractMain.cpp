@@ -23,6 +23,7 @@ AbstractMain::AbstractMain()
       messageMgr(nullptr),
       functionId(NO_FUNCTION_YET),
       messageSet(0),
+      authority(),
       requestEnded(false),
       responseStatus(0) {
     getCookie();

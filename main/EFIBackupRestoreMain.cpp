@@ -4,12 +4,14 @@
 #include "html/componentMaps.h"
 #include "pages/EFIBackupPage.h"
 #include "pages/EFIRestorePage.h"
+#include "pages/catalogueNumbers.h"
+#include "pages/functionNumbers.h"
+#include "pages/libraryText.h"
 
 #include <VeskLib/Gui/HTMLPage.h>
 #include <VeskLib/Gui/JsFunction.h>
 #include <VeskLib/Gui/JudgeAuthority.h>
 #include <VeskLib/Gui/TextString.h>
-#include <VeskLib/lmsg_getmsg.h>
 
 #include <cstdlib>
 #include <utility>
@@ -19,18 +21,15 @@ namespace VeskLib::Gui {
 namespace {
 
 const char* const TITLE = "Backup/Restore BIOS Configuration";
-const int BACKUP_FUNCTION = 105;
-const int RESTORE_FUNCTION = 106;
 const int WHOLE_SERVER = -1;
-const std::size_t MESSAGE_SIZE = 256;
 
 }  // namespace
 
 EFIBackupRestoreMain::EFIBackupRestoreMain() : AbstractConfigMain(TITLE) {
 }
 
-// The order of the steps stands also for a platform whose errorExit() returns: a missing function
-// number then reads as 0 and is refused, and a page with an error is printed.
+// The order of the steps also fits a platform whose errorExit() returns: a missing function number
+// then reads as 0 and is refused, and a page with an error is printed.
 int EFIBackupRestoreMain::individualProc() {
     guiCheckSession(true);
     messageMgr = new MessageMgr(messageSet);
@@ -46,22 +45,22 @@ int EFIBackupRestoreMain::individualProc() {
     std::unique_ptr<CommonDefaultPage> page;
     const char* frameIdentifier = nullptr;
     switch (functionId) {
-        case BACKUP_FUNCTION:
+        case Functions::BACKUP:
             page =
                 std::make_unique<EFIBackupPage>(*requester, *formInfo, *messageMgr, &displayMode);
             frameIdentifier = "M-BACKUP_EFI_CONF";
             break;
-        case RESTORE_FUNCTION:
+        case Functions::RESTORE:
             page =
                 std::make_unique<EFIRestorePage>(*requester, *formInfo, *messageMgr, &displayMode);
             frameIdentifier = "M-RESTOR_EFI_CONF";
             break;
-        default: {
-            char text[MESSAGE_SIZE];
-            trace.putLog(0, lmsg_getmsg(20034, text, "Illegal query string", functionId));
+        default:
+            trace.putLog(
+                0, libraryText(LibraryTexts::UNKNOWN_FUNCTION, "Illegal query string", functionId)
+                       .c_str());
             refuseScreenInformation();
             return -1;
-        }
     }
     if (page->isError()) {
         errorExit(title, page->getMessage());
@@ -78,8 +77,7 @@ int EFIBackupRestoreMain::judgeDisplayMode() {
 }
 
 void EFIBackupRestoreMain::refuseScreenInformation() {
-    char text[MESSAGE_SIZE];
-    errorExit("Error", lmsg_getmsg(107, text, "the screen information"));
+    errorExit("Error", libraryText(LibraryTexts::UNAVAILABLE, "the screen information"));
 }
 
 void EFIBackupRestoreMain::printShell(std::unique_ptr<CommonDefaultPage> page,

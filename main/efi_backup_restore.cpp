@@ -1,13 +1,7 @@
 #include "main/EFIBackupRestoreMain.h"
 
-#include <cstdlib>
-#include <exception>
-
+// Catches nothing, because there is nothing left to answer with: an exception that arrives here
+// ends the process abnormally, and the web server answers the request.
 int main() {
-    try {
-        return VeskLib::Gui::EFIBackupRestoreMain().exec();
-    } catch (const std::exception&) {
-        // Not even the main object could be made. The web server answers in its place.
-        return EXIT_FAILURE;
-    }
+    return VeskLib::Gui::EFIBackupRestoreMain().exec();
 }

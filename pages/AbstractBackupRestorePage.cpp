@@ -3,6 +3,8 @@
 #include "data/PrimitiveTypeWrapper.h"
 #include "data/requestNumbers.h"
 #include "html/componentMaps.h"
+#include "pages/catalogueNumbers.h"
+#include "pages/libraryText.h"
 
 #include <VeskLib/Gui/Button.h>
 #include <VeskLib/Gui/HiddenField.h>
@@ -11,7 +13,6 @@
 #include <VeskLib/LockedFile.h>
 #include <VeskLib/PException.h>
 #include <VeskLib/VeskUi/EFIConfFile.h>
-#include <VeskLib/lmsg_getmsg.h>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -25,7 +26,6 @@ namespace VeskLib::Gui {
 
 namespace {
 
-const std::size_t MESSAGE_SIZE = 256;
 const mode_t BACKUP_FILE_MODE = 0666;  // less the process's umask
 const char* const DOWNLOAD_LINK = "/common/download.cgi?functionID=5&filename=";
 
@@ -54,10 +54,6 @@ std::string formatVersion(const std::string& version) {
 
 }  // namespace
 
-const char* const AbstractBackupRestorePage::FILE_EXTENSION = ".dat";
-const char* const AbstractBackupRestorePage::FORM_TARGET = "/maintenance/efi_backup_restore.cgi";
-const char* const AbstractBackupRestorePage::FORM_NAME = "form_name";
-
 AbstractBackupRestorePage::AbstractBackupRestorePage(CGIRequester& requester, FormInfo& formInfo,
                                                      MessageMgr& messageMgr, int* displayMode,
                                                      const std::string& skeletonFileName,
@@ -74,6 +70,25 @@ void AbstractBackupRestorePage::buildPage() {
     if (errorFlag) {
         deleteComponents(componentMap);
     }
+}
+
+AbstractBackupRestorePage::ConfigurationFacts AbstractBackupRestorePage::readConfigurationFacts(
+    const std::string& path) {
+    VeskUi::EFIConfFile file(path.c_str());
+    VeskUi::EFIConfFile::EFIConfFileHeader header;
+    ConfigurationFacts facts;
+    file.getFileHeader(header, facts.version, facts.partition, facts.partitionName);
+    facts.saveTime = header.saveTime;
+    return facts;
+}
+
+bool AbstractBackupRestorePage::checkAuthority(const std::string& refusal) {
+    if (*displayMode == ALLOWED) {
+        return true;
+    }
+    traceText(LibraryTexts::REFUSAL, refusal);
+    reportError(messageMgr.getMessage(Messages::NO_PERMISSION, Details::NO_AUTHORITY));
+    return false;
 }
 
 void AbstractBackupRestorePage::addMessage(const std::string& text) {
@@ -98,17 +113,17 @@ void AbstractBackupRestorePage::reportError(const std::string& text) {
 void AbstractBackupRestorePage::setErrMsg(int defaultMessageId, int errorCode) {
     int messageId = defaultMessageId;
     switch (errorCode) {
-        case 1047:
-            messageId = 250;
+        case ErrorCodes::BACKEND_BUSY:
+            messageId = Messages::BACKEND_BUSY;
             break;
-        case 1539:
-            messageId = 64;
+        case ErrorCodes::FILE_UNUSABLE:
+            messageId = Messages::FILE_UNUSABLE;
             break;
-        case 1549:
-            messageId = 73;
+        case ErrorCodes::PARTITION_RUNNING:
+            messageId = Messages::PARTITION_RUNNING;
             break;
-        case 1551:
-            messageId = 353;
+        case ErrorCodes::VERSION_MISMATCH:
+            messageId = Messages::VERSION_MISMATCH;
             break;
         default:
             break;
@@ -117,38 +132,28 @@ void AbstractBackupRestorePage::setErrMsg(int defaultMessageId, int errorCode) {
 }
 
 void AbstractBackupRestorePage::upload(std::string& stagingPath, std::string& lockPath) {
-    if (!checkUpload()) {
-        return;
-    }
-    std::unique_ptr<LockedFile> lock;
     try {
-        lock = std::make_unique<LockedFile>(lockPath);
+        if (checkUpload()) {
+            storeUpload(stagingPath, lockPath);
+        }
     } catch (const PException& exception) {
-        traceText(20003, "AbstractBackupRestorePage::upload");
-        addNotice(messageMgr.getMessage(45, exception.getExceptionDetail()));
-        return;
-    }
-    try {
-        moveUpload(stagingPath);
-    } catch (const PException& exception) {
-        lock.reset();
-        traceText(20003, "AbstractBackupRestorePage::installImage");
-        setErrMsg(30, exception.getExceptionDetail());
+        // The platform cannot say what was uploaded: a failure like one while the file is moved.
+        traceText(LibraryTexts::UPLOAD_FAILURE, "AbstractBackupRestorePage::upload");
+        setErrMsg(Messages::UPLOAD_FAILED, exception.getExceptionDetail());
     }
 }
 
 bool AbstractBackupRestorePage::checkUpload() {
     const unsigned int size = formInfo.getUploadFileSize();
     if (size == 0) {
-        traceText(20003, "Uploading BIOS Conf.(File Size=0)");
-        addNotice(messageMgr.getMessage(33, 1028));
+        traceText(LibraryTexts::UPLOAD_FAILURE, "Uploading BIOS Conf.(File Size=0)");
+        addNotice(messageMgr.getMessage(Messages::FILE_EMPTY, Details::INVALID_SIZE));
         return false;
     }
     if (size > LARGEST_UPLOAD) {
-        traceText(20020,
-                  ("AbstractBackupRestorePage::upload: Illegal file size:" + std::to_string(size))
-                      .c_str());
-        addNotice(messageMgr.getMessage(63, 1028));
+        traceText(LibraryTexts::REFUSAL,
+                  "AbstractBackupRestorePage::upload: Illegal file size:" + std::to_string(size));
+        addNotice(messageMgr.getMessage(Messages::FILE_REFUSED, Details::INVALID_SIZE));
         return false;
     }
     const std::string name = formInfo.getUploadFileName();
@@ -156,30 +161,49 @@ bool AbstractBackupRestorePage::checkUpload() {
     // Both sides wrap at 32 bits. A name of three characters therefore passes: "not found" and
     // its length minus 4 are the same number. Boards have always taken such names.
     if (extension != static_cast<std::uint32_t>(name.size()) - 4U) {
-        traceText(20020, "AbstractBackupRestorePage::upload: Illegal file extension");
-        addNotice(messageMgr.getMessage(63, 1026));
+        traceText(LibraryTexts::REFUSAL,
+                  "AbstractBackupRestorePage::upload: Illegal file extension");
+        addNotice(messageMgr.getMessage(Messages::FILE_REFUSED, Details::INVALID));
         return false;
     }
     return true;
+}
+
+void AbstractBackupRestorePage::storeUpload(const std::string& stagingPath,
+                                            const std::string& lockPath) {
+    std::unique_ptr<LockedFile> lock;
+    try {
+        lock = std::make_unique<LockedFile>(lockPath);
+    } catch (const PException& exception) {
+        traceText(LibraryTexts::UPLOAD_FAILURE, "AbstractBackupRestorePage::upload");
+        addNotice(messageMgr.getMessage(Messages::FILE_NOT_STORED, exception.getExceptionDetail()));
+        return;
+    }
+    try {
+        moveUpload(stagingPath);
+    } catch (const PException& exception) {
+        lock.reset();
+        traceText(LibraryTexts::UPLOAD_FAILURE, "AbstractBackupRestorePage::installImage");
+        setErrMsg(Messages::UPLOAD_FAILED, exception.getExceptionDetail());
+    }
 }
 
 void AbstractBackupRestorePage::moveUpload(const std::string& stagingPath) {
     const std::string temporaryPath = formInfo.getUploadFilePath();
     if (std::rename(temporaryPath.c_str(), stagingPath.c_str()) != 0) {
         const int systemError = errno;
-        traceText(
-            20003,
-            ("Renaming (errno:" + std::to_string(systemError) + ") " + temporaryPath).c_str());
-        addNotice(messageMgr.getMessage(45, 1043));
+        traceText(LibraryTexts::UPLOAD_FAILURE,
+                  "Renaming (errno:" + std::to_string(systemError) + ") " + temporaryPath);
+        addNotice(messageMgr.getMessage(Messages::FILE_NOT_STORED, Details::MOVE_FAILED));
     }
 }
 
 void AbstractBackupRestorePage::restoreUploadedFile(
     VeskUi::PrimitiveTypeArray<unsigned char>& request, bool& /*finished*/, int /*function*/) {
     if (requester.setInfo(VeskUi::SET_RESTORE, request)) {
-        addNotice(messageMgr.getMessage(70, 0));
+        addNotice(messageMgr.getMessage(Messages::RESTORED, Details::NONE));
     } else {
-        setErrMsg(71, requester.getErrorCode());
+        setErrMsg(Messages::RESTORE_FAILED, requester.getErrorCode());
     }
 }
 
@@ -188,7 +212,7 @@ void AbstractBackupRestorePage::discardUploadedFile(std::string& stagingPath,
     const LockedFile lock(lockPath);
     if (std::remove(stagingPath.c_str()) != 0) {
         const int systemError = errno;
-        traceSystemError(("remove(" + stagingPath + ")").c_str(), systemError);
+        traceSystemError("remove(" + stagingPath + ")", systemError);
     }
 }
 
@@ -203,7 +227,7 @@ void AbstractBackupRestorePage::backup(unsigned int partition, std::string& back
 
     if (!requester.setInfo(VeskUi::SET_BACKUP,
                            VeskUi::PrimitiveTypeWrapper<unsigned int>(partition))) {
-        setErrMsg(72, requester.getErrorCode());
+        setErrMsg(Messages::BACKUP_FAILED, requester.getErrorCode());
         return;
     }
 
@@ -228,20 +252,18 @@ std::string AbstractBackupRestorePage::formatDate(unsigned int saveTime,
            separator + twoDigits(date.tm_mday);
 }
 
-void AbstractBackupRestorePage::traceText(int number, const char* detail) {
-    char text[MESSAGE_SIZE];
-    trace.putLog(0, lmsg_getmsg(number, text, detail));
+void AbstractBackupRestorePage::traceText(int number, const std::string& detail) {
+    trace.putLog(0, libraryText(number, detail.c_str()).c_str());
 }
 
-void AbstractBackupRestorePage::traceSystemError(const char* detail, int systemError) {
-    char text[MESSAGE_SIZE];
-    trace.putLog(0, lmsg_getmsg(20011, text, detail, systemError));
+void AbstractBackupRestorePage::traceSystemError(const std::string& detail, int systemError) {
+    trace.putLog(
+        0, libraryText(LibraryTexts::SYSTEM_CALL_FAILURE, detail.c_str(), systemError).c_str());
 }
 
-void AbstractBackupRestorePage::reportUnreadable(const char* subject) {
-    traceText(107, subject);
-    char text[MESSAGE_SIZE];
-    reportError(lmsg_getmsg(107, text, subject));
+void AbstractBackupRestorePage::reportUnavailable(const std::string& subject) {
+    traceText(LibraryTexts::UNAVAILABLE, subject);
+    reportError(libraryText(LibraryTexts::UNAVAILABLE, subject.c_str()));
 }
 
 void AbstractBackupRestorePage::putText(const std::string& name, const std::string& text) {
@@ -264,8 +286,8 @@ void AbstractBackupRestorePage::putFileSelector() {
 
 void AbstractBackupRestorePage::putUploadButton() {
     insertComponent(componentMap, "install",
-                    std::make_unique<Button>("install", messageMgr.getString(499), FORM_NAME, 0,
-                                             "\"uploadFunction()\"", false));
+                    std::make_unique<Button>("install", messageMgr.getString(Captions::UPLOAD),
+                                             FORM_NAME, 0, "\"uploadFunction()\"", false));
 }
 
 void AbstractBackupRestorePage::addToRow(HTMLItem& row, const std::string& name,

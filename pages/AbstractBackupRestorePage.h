@@ -15,14 +15,16 @@ namespace VeskLib::Gui {
 // The common base of the screen's pages: the request channel, the form data, the ways to report
 // to the operator, and what the pages do with configuration files.
 //
-// Files, each before getCGIPath(): the staging file is "/var/tmp/restored_eficonf" and the backup
-// file "/var/tmp/efi_backup", both followed directly by the session identifier; the lock file
-// that guards every session's staging file is "/var/tmp/restored_eficonf.lock". The page classes
-// hold the paths and pass them in.
+// The page classes build the paths of the staging file, its lock and the backup file from
+// boardPaths.h and pass them in.
+//
+// A posted action is carried out before the user's authority is examined, because the screen's
+// form, which examines it, is built last. The board is protected elsewhere: once JudgeAuthority has
+// refused the user, the request channel sends no change.
 class AbstractBackupRestorePage : public CommonDefaultPage {
 public:
-    // The ending of a configuration file's name, upper and lower case as it stands.
-    static const char* const FILE_EXTENSION;
+    // The end of a configuration file's name, case-sensitive.
+    static constexpr const char* FILE_EXTENSION = ".dat";
 
     // The references and `displayMode` must outlive the page.
     AbstractBackupRestorePage(CGIRequester& requester, FormInfo& formInfo, MessageMgr& messageMgr,
@@ -37,10 +39,26 @@ protected:
     static const int ALLOWED = 2;
 
     // Where every form is posted to, and the name that all form fields give their form.
-    static const char* const FORM_TARGET;
-    static const char* const FORM_NAME;
+    static constexpr const char* FORM_TARGET = "/maintenance/efi_backup_restore.cgi";
+    static constexpr const char* FORM_NAME = "form_name";
 
-    // Adds `text` to the message, behind "<br>" when there is one already.
+    // What a configuration file says of itself.
+    struct ConfigurationFacts {
+        unsigned int saveTime = 0;  // seconds since 1970-01-01 UTC
+        std::string version;
+        unsigned int partition = 0;
+        std::string partitionName;
+    };
+
+    // Reads the facts of the configuration file `path`. Throws PException when the file cannot be
+    // read or is not a configuration file.
+    static ConfigurationFacts readConfigurationFacts(const std::string& path);
+
+    // Returns true if the user may use the screen. Otherwise traces `refusal` and reports that the
+    // user has no permission.
+    bool checkAuthority(const std::string& refusal);
+
+    // Appends `text` to the message, after "<br>" when the message is not empty.
     void addMessage(const std::string& text);
 
     // Adds `text` to the message, and has it shown as an alert over the page.
@@ -54,7 +72,8 @@ protected:
     void setErrMsg(int defaultMessageId, int errorCode);
 
     // Checks the uploaded file and moves it to `stagingPath`, holding the lock. A refusal or
-    // failure becomes a notice; an earlier staged file then stays as it was.
+    // failure becomes a notice and leaves an earlier staged file unchanged. A PException of the
+    // platform at any step is such a failure; none is thrown.
     void upload(std::string& stagingPath, std::string& lockPath);
 
     // Has the back-end restore the staged file to the partitions of `request`. A notice tells the
@@ -74,11 +93,11 @@ protected:
 
     // Writes text `number` of the message library to the trace, with `detail` as its text and,
     // in the second form, `systemError` (an errno) as its number.
-    void traceText(int number, const char* detail);
-    void traceSystemError(const char* detail, int systemError);
+    void traceText(int number, const std::string& detail);
+    void traceSystemError(const std::string& detail, int systemError);
 
-    // Traces that `subject` cannot be had from the back-end, and reports it in the same words.
-    void reportUnreadable(const char* subject);
+    // Traces that the back-end does not return `subject`, and reports it in the same words.
+    void reportUnavailable(const std::string& subject);
 
     // Puts a component into the page. A text is escaped when printed, unless it is ready to
     // print.
@@ -108,7 +127,10 @@ protected:
     int functionNumber;
 
 private:
+    // Returns true if the upload may be stored; otherwise adds a notice.
     bool checkUpload();
+
+    void storeUpload(const std::string& stagingPath, const std::string& lockPath);
     void moveUpload(const std::string& stagingPath);
 };
 

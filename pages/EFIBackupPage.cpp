@@ -3,46 +3,37 @@
 #include "data/requestNumbers.h"
 #include "html/HTMLContainer.h"
 #include "html/componentMaps.h"
+#include "pages/boardPaths.h"
+#include "pages/catalogueNumbers.h"
+#include "pages/functionNumbers.h"
+#include "pages/libraryText.h"
 
 #include <VeskLib/CommonUtil.h>
 #include <VeskLib/Gui/RadioButton.h>
 #include <VeskLib/Gui/TextString.h>
 #include <VeskLib/getCGIPath.h>
-#include <VeskLib/lmsg_getmsg.h>
 
 #include <cstdlib>
 #include <utility>
 
 namespace VeskLib::Gui {
 
-namespace {
-
-const int BACKUP_FUNCTION = 105;
-const std::size_t MESSAGE_SIZE = 256;
-const char* const ROW_SKELETON = "/usr/local/www/skel/skeleton_efi_backup_tbl.txt";
-
-}  // namespace
-
-const char* const EFIBackupPage::FILE_EXTENSION = AbstractBackupRestorePage::FILE_EXTENSION;
-const std::string EFIBackupPage::skeletonFileName = "/usr/local/www/skel/skeleton_efi_backup.txt";
-const char* const EFIBackupPage::BACKUP_MODE = "BACKUP";
+const std::string EFIBackupPage::skeletonFileName = BoardPaths::BACKUP_SKELETON;
 
 EFIBackupPage::EFIBackupPage(CGIRequester& requester, FormInfo& formInfo, MessageMgr& messageMgr,
                              int* displayMode)
     : AbstractBackupRestorePage(requester, formInfo, messageMgr, displayMode, skeletonFileName,
-                                BACKUP_FUNCTION) {
+                                Functions::BACKUP) {
     putText("onload_function", "onLoadFunction()");
     buildPage();
 }
 
 void EFIBackupPage::makeDispPage() {
-    if (*displayMode != ALLOWED) {
-        traceText(20020, "EFIBackupPage::makeDispPage(): Authorization required.");
-        reportError(messageMgr.getMessage(12, 1033));
+    if (!checkAuthority("EFIBackupPage::makeDispPage(): Authorization required.")) {
         return;
     }
     if (!requester.getInfo(VeskUi::GET_PARTITION_INFO, partitionInfo)) {
-        reportUnreadable("the partition status");
+        reportUnavailable("the partition status");
         return;
     }
     putFixedComponents();
@@ -58,7 +49,7 @@ void EFIBackupPage::makeDispPage() {
     }
     insertComponent(componentMap, "table_pid", std::move(rows));
     if (noRowYet) {
-        reportError(messageMgr.getMessage(46, 1026));
+        reportError(messageMgr.getMessage(Messages::NO_PARTITION, Details::INVALID));
     }
 }
 
@@ -72,13 +63,14 @@ void EFIBackupPage::makeConfigPage() {
     if (!formInfo.getFormData("radio_button", partition)) {
         // The list is not shown again, on purpose: the operator sees only what went wrong.
         trace.putLog(0, "getFormData KEY_RADIO_BUTTON error!!");
-        char text[MESSAGE_SIZE];
-        reportError(lmsg_getmsg(107, text, "the screen information"));
+        reportError(libraryText(LibraryTexts::UNAVAILABLE, "the screen information"));
         return;
     }
-    backupFilePath = getCGIPath("/var/tmp/efi_backup");
+    backupFilePath = getCGIPath(BoardPaths::BACKUP_FILE);
     backupFilePath += requester.getSessionId();
-    // The number is not checked here: the back-end knows which partitions it can back up.
+    // The number is not checked here: the back-end knows which partitions it can back up. Nor is
+    // the authority, which makeDispPage() examines: for a user without the right the request
+    // channel sends nothing.
     backup(static_cast<unsigned int>(std::atoi(partition.c_str())), backupFilePath, true);
     makeDispPage();
 }
@@ -86,16 +78,16 @@ void EFIBackupPage::makeConfigPage() {
 void EFIBackupPage::putFixedComponents() {
     putText("form_action", FORM_TARGET);
     putHiddenField("hidden_status", "hidden_status", BACKUP_MODE);
-    putReadyText("item_download", messageMgr.getString(1006));
+    putReadyText("item_download", messageMgr.getString(Captions::BACK_UP));
     putHiddenField("hidden_functionID", "functionID", std::to_string(functionNumber));
-    putReadyText("message", messageMgr.getMessage(303, 0));
-    putText("item_pid", messageMgr.getString(132));
-    putText("item_part_name", messageMgr.getString(394));
+    putReadyText("message", messageMgr.getMessage(Messages::NOTHING_SELECTED, Details::NONE));
+    putText("item_pid", messageMgr.getString(Captions::NUMBER));
+    putText("item_part_name", messageMgr.getString(Captions::PARTITION_NAME));
 }
 
 std::unique_ptr<HTMLItem> EFIBackupPage::makeRow(unsigned int partition) {
     const std::string number = std::to_string(partition);
-    auto row = std::make_unique<HTMLItem>(ROW_SKELETON);
+    auto row = std::make_unique<HTMLItem>(BoardPaths::BACKUP_ROW_SKELETON);
     // A group for each row, all of one name: the browser takes them for one group.
     auto choice = std::make_unique<RadioButton>("radio_button", "", FORM_NAME, displayMode);
     choice->add(number, "", false, false);

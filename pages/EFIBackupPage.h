@@ -13,11 +13,11 @@ namespace VeskLib::Gui {
 // saves that partition's EFI configuration.
 class EFIBackupPage : public AbstractBackupRestorePage {
 public:
-    static const char* const FILE_EXTENSION;
+    static constexpr const char* FILE_EXTENSION = AbstractBackupRestorePage::FILE_EXTENSION;
     static const std::string skeletonFileName;
 
     // The value of "hidden_status" that asks for a backup.
-    static const char* const BACKUP_MODE;
+    static constexpr const char* BACKUP_MODE = "BACKUP";
 
     // Does all of the page's work, the posted backup included.
     EFIBackupPage(CGIRequester& requester, FormInfo& formInfo, MessageMgr& messageMgr,

@@ -1,10 +1,12 @@
 #include "pages/EFIBackupRestorePage.h"
 
 #include "html/componentMaps.h"
+#include "pages/boardPaths.h"
+#include "pages/catalogueNumbers.h"
+#include "pages/functionNumbers.h"
 
 #include <VeskLib/Gui/Button.h>
 #include <VeskLib/PException.h>
-#include <VeskLib/VeskUi/EFIConfFile.h>
 #include <VeskLib/getCGIPath.h>
 
 #include <cstdlib>
@@ -13,7 +15,6 @@ namespace VeskLib::Gui {
 
 namespace {
 
-const int COMBINED_FUNCTION = 105;
 const unsigned int ONLY_PARTITION = 0;
 
 // What "hidden_status" asks for.
@@ -24,23 +25,23 @@ const char* const SCRIPT_LINE_BREAK = "\\n";
 
 }  // namespace
 
-const char* const EFIBackupRestorePage::FILE_EXTENSION = AbstractBackupRestorePage::FILE_EXTENSION;
-const std::string EFIBackupRestorePage::skeletonFileName =
-    "/usr/local/www/skel/skeleton_efi_backup.txt";
+const std::string EFIBackupRestorePage::skeletonFileName = BoardPaths::BACKUP_SKELETON;
 
 EFIBackupRestorePage::EFIBackupRestorePage(CGIRequester& requester, FormInfo& formInfo,
                                            MessageMgr& messageMgr, int* displayMode)
     : AbstractBackupRestorePage(requester, formInfo, messageMgr, displayMode, skeletonFileName,
-                                COMBINED_FUNCTION),
+                                Functions::BACKUP),
       processMode(DISPLAY),
       restoreFinished(false),
-      stagingFilePath(getCGIPath("/var/tmp/restored_eficonf") + requester.getSessionId()),
-      stagingLockPath(getCGIPath("/var/tmp/restored_eficonf.lock")),
-      backupFilePath(getCGIPath("/var/tmp/efi_backup") + requester.getSessionId()) {
+      stagingFilePath(getCGIPath(BoardPaths::STAGING_FILE) + requester.getSessionId()),
+      stagingLockPath(getCGIPath(BoardPaths::STAGING_LOCK)),
+      backupFilePath(getCGIPath(BoardPaths::BACKUP_FILE) + requester.getSessionId()) {
     putText("onload_function", "onLoadFunction()");
     buildPage();
 }
 
+// The authority is examined by makeDispPage(), after the posted step: for a user without the right
+// the request channel sends nothing.
 void EFIBackupRestorePage::makeConfigPage() {
     std::string status;
     if (formInfo.getFormData("hidden_status", status)) {
@@ -69,22 +70,19 @@ void EFIBackupRestorePage::uploadAndAsk() {
     if (alertFlag) {
         return;
     }
-    VeskUi::EFIConfFile::EFIConfFileHeader header;
-    std::string version;
-    unsigned int partition = 0;
-    std::string partitionName;
+    ConfigurationFacts facts;
     try {
-        VeskUi::EFIConfFile file(stagingFilePath.c_str());
-        file.getFileHeader(header, version, partition, partitionName);
+        facts = readConfigurationFacts(stagingFilePath);
     } catch (const PException&) {
-        addNotice(messageMgr.getMessage(64, 1026));
+        addNotice(messageMgr.getMessage(Messages::FILE_UNUSABLE, Details::INVALID));
         discardUploadedFile(stagingFilePath, stagingLockPath);
         return;
     }
     const std::string lineBreak = SCRIPT_LINE_BREAK;
-    std::string question = messageMgr.getString(1358) + ":\t" + lineBreak + "\t";
-    question += messageMgr.getString(973) + formatDate(header.saveTime, "-");
-    question += lineBreak + "\t" + messageMgr.getString(1359) + version;
+    std::string question =
+        messageMgr.getString(Captions::COMBINED_FILE_QUESTION) + ":\t" + lineBreak + "\t";
+    question += messageMgr.getString(Captions::SAVED_ON) + formatDate(facts.saveTime, "-");
+    question += lineBreak + "\t" + messageMgr.getString(Captions::BIOS_VERSION) + facts.version;
     putReadyText("information", question);
     putText("onload_function", "confirmFunction()");
 }
@@ -95,7 +93,7 @@ void EFIBackupRestorePage::restore() {
     if (step == "install") {
         VeskUi::PrimitiveTypeArray<unsigned char> targets;
         targets.records.push_back(ONLY_PARTITION);
-        restoreUploadedFile(targets, restoreFinished, COMBINED_FUNCTION);
+        restoreUploadedFile(targets, restoreFinished, Functions::BACKUP);
         // Success is an alert as well, so the file goes after every restore, unlike on the restore
         // screen, which keeps it.
         if (alertFlag) {
@@ -108,13 +106,16 @@ void EFIBackupRestorePage::restore() {
 
 void EFIBackupRestorePage::makeDispPage() {
     if (*displayMode != ALLOWED) {
-        reportError(messageMgr.getMessage(12, 1033));
+        reportError(messageMgr.getMessage(Messages::NO_PERMISSION, Details::NO_AUTHORITY));
         return;
     }
     std::string ignored;
     if (formInfo.getFormData("message", ignored)) {
         discardUploadedFile(stagingFilePath, stagingLockPath);
-        addMessage(messageMgr.getMessage(70, 0));
+        // No alert: the form shows the text itself.
+        const std::string restored = messageMgr.getMessage(Messages::RESTORED, Details::NONE);
+        addMessage(restored);
+        putText("notice", restored);
     }
     putFormComponents();
 }
@@ -124,16 +125,17 @@ void EFIBackupRestorePage::putFormComponents() {
     putHiddenField("hidden_status", "hidden_status",
                    std::to_string(static_cast<unsigned int>(processMode)));
     putHiddenField("hidden_functionID", "functionID", std::to_string(functionNumber));
-    insertComponent(componentMap, "download",
-                    std::make_unique<Button>("download", messageMgr.getString(971), FORM_NAME, 0,
-                                             "\"backupFunction()\"", false));
-    putReadyText("item_download", messageMgr.getString(1356));
-    putText("item_title", messageMgr.getString(986));
-    putReadyText("message", messageMgr.getString(1357));
+    insertComponent(
+        componentMap, "download",
+        std::make_unique<Button>("download", messageMgr.getString(Captions::COMBINED_BACKUP_BUTTON),
+                                 FORM_NAME, 0, "\"backupFunction()\"", false));
+    putReadyText("item_download", messageMgr.getString(Captions::COMBINED_BACKUP_INSTRUCTIONS));
+    putText("item_title", messageMgr.getString(Captions::COMBINED_TITLE));
+    putReadyText("message", messageMgr.getString(Captions::COMBINED_RESTORE_INSTRUCTIONS));
     putFileSelector();
     putUploadButton();
     putHiddenField("hidden_procname", "hidden_procname", "");
-    putReadyText("message0", messageMgr.getMessage(354, 0));
+    putReadyText("message0", messageMgr.getMessage(Messages::NO_FILE_CHOSEN, Details::NONE));
 }
 
 }  // namespace VeskLib::Gui

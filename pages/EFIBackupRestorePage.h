@@ -11,7 +11,7 @@ namespace VeskLib::Gui {
 // dispatcher does not build it.
 class EFIBackupRestorePage : public AbstractBackupRestorePage {
 public:
-    static const char* const FILE_EXTENSION;
+    static constexpr const char* FILE_EXTENSION = AbstractBackupRestorePage::FILE_EXTENSION;
     static const std::string skeletonFileName;
 
     // Does all of the page's work, the posted step included.

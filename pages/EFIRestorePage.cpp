@@ -3,12 +3,14 @@
 #include "data/requestNumbers.h"
 #include "html/HTMLContainer.h"
 #include "html/componentMaps.h"
+#include "pages/boardPaths.h"
+#include "pages/catalogueNumbers.h"
+#include "pages/functionNumbers.h"
 
 #include <VeskLib/CommonUtil.h>
 #include <VeskLib/Gui/CheckBox.h>
 #include <VeskLib/Gui/TextString.h>
 #include <VeskLib/PException.h>
-#include <VeskLib/VeskUi/EFIConfFile.h>
 #include <VeskLib/getCGIPath.h>
 
 #include <cstdlib>
@@ -19,8 +21,6 @@ namespace VeskLib::Gui {
 
 namespace {
 
-const int RESTORE_FUNCTION = 106;
-const char* const ROW_SKELETON = "/usr/local/www/skel/skeleton_efi_rstr_slct_tbl.txt";
 const char* const UNKNOWN_VERSION = "-";
 
 // What "hidden_status" asks for.
@@ -33,19 +33,17 @@ const unsigned char BOARD_NUMBER_MASK = 0x0F;
 
 }  // namespace
 
-const char* const EFIRestorePage::FILE_EXTENSION = AbstractBackupRestorePage::FILE_EXTENSION;
-const std::string EFIRestorePage::skeletonFileName = "/usr/local/www/skel/skeleton_efi_rstr.txt";
-const std::string EFIRestorePage::skeletonFileNameSel =
-    "/usr/local/www/skel/skeleton_efi_rstr_slct.txt";
+const std::string EFIRestorePage::skeletonFileName = BoardPaths::UPLOAD_SKELETON;
+const std::string EFIRestorePage::skeletonFileNameSel = BoardPaths::SELECTION_SKELETON;
 
 EFIRestorePage::EFIRestorePage(CGIRequester& requester, FormInfo& form, MessageMgr& messages,
                                int* displayMode)
     : AbstractBackupRestorePage(requester, form, messages, displayMode, skeletonFileName,
-                                RESTORE_FUNCTION),
+                                Functions::RESTORE),
       requestStatus(DISPLAY),
       restoreFinished(false) {
-    stagingFilePath = getCGIPath("/var/tmp/restored_eficonf");
-    stagingLockPath = getCGIPath("/var/tmp/restored_eficonf.lock");
+    stagingFilePath = getCGIPath(BoardPaths::STAGING_FILE);
+    stagingLockPath = getCGIPath(BoardPaths::STAGING_LOCK);
     // A staged file for each session, but one lock for all of them.
     stagingFilePath += requester.getSessionId();
     putText("onload_function", "onLoadFunction()");
@@ -55,17 +53,17 @@ EFIRestorePage::EFIRestorePage(CGIRequester& requester, FormInfo& form, MessageM
 void EFIRestorePage::makeDispPage() {
     std::string ignored;
     // Without authority the form is built all the same; the end of the construction drops it.
-    if (isAllowed("EFIRestorePage::makeDispPage(): Authorization required.") &&
+    if (checkAuthority("EFIRestorePage::makeDispPage(): Authorization required.") &&
         formInfo.getFormData("message", ignored)) {
-        addNotice(messageMgr.getMessage(70, 0));
+        addNotice(messageMgr.getMessage(Messages::RESTORED, Details::NONE));
     }
     putText("form_action", FORM_TARGET);
     putHiddenField("hidden_status", "hidden_status", std::to_string(requestStatus));
-    putReadyText("message", messageMgr.getString(1002));
+    putReadyText("message", messageMgr.getString(Captions::UPLOAD_INSTRUCTIONS));
     putFileSelector();
     putHiddenField("hidden_functionID", "functionID", std::to_string(functionNumber));
     putHiddenField("hidden_procname", "hidden_procname", "");
-    putReadyText("message0", messageMgr.getMessage(354, 0));
+    putReadyText("message0", messageMgr.getMessage(Messages::NO_FILE_CHOSEN, Details::NONE));
 }
 
 void EFIRestorePage::makeConfigPage() {
@@ -74,6 +72,8 @@ void EFIRestorePage::makeConfigPage() {
         // Nothing is built, on purpose: a post that names no step shows the bare skeleton.
         return;
     }
+    // The authority is examined while the following form is built, after the step: for a user
+    // without the right the request channel sends nothing.
     requestStatus = std::atoi(status.c_str());
     switch (requestStatus) {
         case UPLOAD:
@@ -105,24 +105,27 @@ void EFIRestorePage::makeConfigPage() {
 void EFIRestorePage::makeSelectPage() {
     requestStatus = RESTORE;
     // Without authority the work goes on; the end of the construction drops what it builds.
-    isAllowed("EFIRestorePage::makeSelectPage(): Authorization required.");
+    checkAuthority("EFIRestorePage::makeSelectPage(): Authorization required.");
     if (!requester.getInfo(VeskUi::GET_PARTITION_INFO, partitionInfo)) {
-        reportUnreadable("the partition status");
+        reportUnavailable("the partition status");
         return;
     }
     if (!requester.getInfo(VeskUi::GET_HARD_INSTALL_INFO, hardInstallInfo)) {
-        reportUnreadable("the system status");
+        reportUnavailable("the system status");
         return;
     }
     generator->setSkeletonFile(skeletonFileNameSel);
     putText("form_action", FORM_TARGET);
     putHiddenField("hidden_status", "hidden_status", std::to_string(requestStatus));
     putText("status", std::to_string(DISCARD));
-    putText("message", messageMgr.getString(1003));
-    putText("information", messageMgr.getString(1004));
+    putText("message", messageMgr.getString(Captions::SELECTION_INSTRUCTIONS));
+    putText("information", messageMgr.getString(Captions::ABOUT_THE_FILE));
 
-    StagedFile file;
-    if (!readStagedFile(file)) {
+    ConfigurationFacts file;
+    try {
+        file = readConfigurationFacts(stagingFilePath);
+    } catch (const PException&) {
+        rejectStagedFile();
         return;
     }
     putFileComponents(file);
@@ -142,34 +145,25 @@ void EFIRestorePage::makeSelectPage() {
     }
     insertComponent(componentMap, "table_pid", std::move(rows));
     if (noRowYet) {
-        reportError(messageMgr.getMessage(46, 1026));
+        reportError(messageMgr.getMessage(Messages::NO_PARTITION, Details::INVALID));
     }
 }
 
-bool EFIRestorePage::readStagedFile(StagedFile& file) {
-    try {
-        VeskUi::EFIConfFile staged(stagingFilePath.c_str());
-        VeskUi::EFIConfFile::EFIConfFileHeader header;
-        staged.getFileHeader(header, file.version, file.partition, file.partitionName);
-        file.saveTime = header.saveTime;
-        return true;
-    } catch (const PException&) {
-        addNotice(messageMgr.getMessage(64, 1026));
-    }
+void EFIRestorePage::rejectStagedFile() {
+    addNotice(messageMgr.getMessage(Messages::FILE_UNUSABLE, Details::INVALID));
     generator->setSkeletonFile(skeletonFileName);
     discardUploadedFile(stagingFilePath, stagingLockPath);
-    return false;
 }
 
-void EFIRestorePage::putFileComponents(const StagedFile& file) {
-    std::string table = messageMgr.getString(131);
-    table += messageMgr.getString(132);
+void EFIRestorePage::putFileComponents(const ConfigurationFacts& file) {
+    std::string table = messageMgr.getString(Captions::PARTITION);
+    table += messageMgr.getString(Captions::NUMBER);
     putText("tablepid", table);
     putText("pid", std::to_string(file.partition));
     putText("part_name", file.partitionName);
-    putText("item_date", messageMgr.getString(973));
+    putText("item_date", messageMgr.getString(Captions::SAVED_ON));
     putText("date", formatDate(file.saveTime, "-"));
-    putText("item_version", messageMgr.getString(1359));
+    putText("item_version", messageMgr.getString(Captions::BIOS_VERSION));
     putText("version", file.version);
 }
 
@@ -179,12 +173,12 @@ void EFIRestorePage::putFormComponents() {
     putHiddenField("hidden_functionID", "functionID", std::to_string(functionNumber));
     putHiddenField("hidden_procname", "hidden_procname", "");
     putText("restore", "restore");
-    putReadyText("message0", messageMgr.getMessage(303, 0));
-    putReadyText("message1", messageMgr.getMessage(293, 0));
-    putText("item_pid", messageMgr.getString(132));
-    putText("item_part_name", messageMgr.getString(394));
+    putReadyText("message0", messageMgr.getMessage(Messages::NOTHING_SELECTED, Details::NONE));
+    putReadyText("message1", messageMgr.getMessage(Messages::CONFIRM_RESTORE, Details::NONE));
+    putText("item_pid", messageMgr.getString(Captions::NUMBER));
+    putText("item_part_name", messageMgr.getString(Captions::PARTITION_NAME));
     auto selectAll = std::make_unique<CheckBox>("", "", FORM_NAME, displayMode);
-    selectAll->add("check_box", "", messageMgr.getString(1005), "", false, false);
+    selectAll->add("check_box", "", messageMgr.getString(Captions::SELECT_ALL), "", false, false);
     selectAll->setClickHandler("switchField()");
     insertComponent(componentMap, "check_box", std::move(selectAll));
 }
@@ -194,7 +188,7 @@ void EFIRestorePage::putFormComponents() {
 std::unique_ptr<HTMLItem> EFIRestorePage::makeRow(unsigned int partition, bool versionsKnown,
                                                   const VeskUi::VersionInfoPacket& versions) {
     const std::string number = std::to_string(partition);
-    auto row = std::make_unique<HTMLItem>(ROW_SKELETON);
+    auto row = std::make_unique<HTMLItem>(BoardPaths::SELECTION_ROW_SKELETON);
     auto box = std::make_unique<CheckBox>("", "", FORM_NAME, displayMode);
     box->add("pid" + number, number, "", "", false, false);
     addToRow(*row, "check_box", std::move(box));
@@ -230,7 +224,7 @@ void EFIRestorePage::getHomeSBNum(unsigned int partition, bool& found, unsigned 
             return;
         }
     }
-    traceText(20020, ("Home SB absent:PID" + std::to_string(partition)).c_str());
+    traceText(LibraryTexts::REFUSAL, "Home SB absent:PID" + std::to_string(partition));
 }
 
 void EFIRestorePage::restore() {
@@ -239,7 +233,7 @@ void EFIRestorePage::restore() {
     if (formInfo.getFormData("check_box", ignored)) {
         // All means every partition that is installed now, so the table is asked for anew.
         if (!requester.getInfo(VeskUi::GET_PARTITION_INFO, partitionInfo)) {
-            reportUnreadable("the partition status");
+            reportUnavailable("the partition status");
             return;
         }
         addInstalledPartitions(targets);
@@ -247,7 +241,7 @@ void EFIRestorePage::restore() {
         addTickedPartitions(targets);
     }
     // An empty list is sent as well: the verdict is the back-end's.
-    restoreUploadedFile(targets, restoreFinished, RESTORE_FUNCTION);
+    restoreUploadedFile(targets, restoreFinished, Functions::RESTORE);
 }
 
 void EFIRestorePage::addInstalledPartitions(
@@ -273,15 +267,6 @@ void EFIRestorePage::addTickedPartitions(VeskUi::PrimitiveTypeArray<unsigned cha
 
 void EFIRestorePage::discard() {
     discardUploadedFile(stagingFilePath, stagingLockPath);
-}
-
-bool EFIRestorePage::isAllowed(const char* refusal) {
-    if (*displayMode == ALLOWED) {
-        return true;
-    }
-    traceText(20020, refusal);
-    reportError(messageMgr.getMessage(12, 1033));
-    return false;
 }
 
 }  // namespace VeskLib::Gui

@@ -16,7 +16,7 @@ namespace VeskLib::Gui {
 // request of its own; "hidden_status" names it, and the staged file is all that lasts between them.
 class EFIRestorePage : public AbstractBackupRestorePage {
 public:
-    static const char* const FILE_EXTENSION;
+    static constexpr const char* FILE_EXTENSION = AbstractBackupRestorePage::FILE_EXTENSION;
     static const std::string skeletonFileName;     // of the upload form
     static const std::string skeletonFileNameSel;  // of the target selection
 
@@ -30,18 +30,10 @@ public:
     void makeConfigPage() override;
 
 private:
-    // What the staged file tells about itself.
-    struct StagedFile {
-        unsigned int saveTime = 0;
-        std::string version;
-        unsigned int partition = 0;
-        std::string partitionName;
-    };
-
     // Builds the target selection for the staged file, or reports why it cannot.
     void makeSelectPage();
-    bool readStagedFile(StagedFile& file);
-    void putFileComponents(const StagedFile& file);
+    void rejectStagedFile();
+    void putFileComponents(const ConfigurationFacts& file);
     void putFormComponents();
     std::unique_ptr<HTMLItem> makeRow(unsigned int partition, bool versionsKnown,
                                       const VeskUi::VersionInfoPacket& versions);
@@ -57,9 +49,6 @@ private:
 
     // Throws the staged file away.
     void discard();
-
-    // Whether the operator may use the screen; traces and reports `refusal` when not.
-    bool isAllowed(const char* refusal);
 
     int requestStatus;
     bool restoreFinished;

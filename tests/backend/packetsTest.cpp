@@ -152,7 +152,7 @@ void fill(HardInstallInfoPacket& packet) {
     packet.systemBoards.records.push_back({Host::BOARD_INSTALLED | Host::BOARD_IS_HOME});
     auto element = std::make_unique<PrimitiveTypeArray<unsigned char>>();
     element->records.push_back(0x41);
-    packet.firstBoards.elements.push_back(element.release());
+    packet.firstBoards.elements.push_back(std::move(element));
     packet.ioBoards.records.push_back({Host::BOARD_INSTALLED, 0});
     packet.gspBoards.records.push_back({Host::BOARD_INSTALLED, 0});
     packet.byteArrays[0].records.push_back(0x42);

@@ -59,7 +59,7 @@ TEST(JudgeAuthorityTest, aUserWithoutRightsIsNotAllowed) {
 }
 
 TEST(JudgeAuthorityTest, theRightsOfAFreshMainObjectAllowNothing) {
-    const CGIAuthority authority;
+    const CGIAuthority authority = {};
     EXPECT_EQ(authority.everyFunction, 0);
     EXPECT_EQ(authority.functions, nullptr);
 }

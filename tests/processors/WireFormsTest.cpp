@@ -65,8 +65,8 @@ PrimitiveTypeArray<Record> arrayOf(const std::vector<Record>& records) {
 void fill(ComponentInfoCollection<PrimitiveTypeArray<unsigned char>>& collection) {
     auto element = std::make_unique<PrimitiveTypeArray<unsigned char>>();
     element->records = {0xFF, 0x00, 0x7F};
-    collection.elements.push_back(element.release());
-    collection.elements.push_back(std::make_unique<PrimitiveTypeArray<unsigned char>>().release());
+    collection.elements.push_back(std::move(element));
+    collection.elements.push_back(std::make_unique<PrimitiveTypeArray<unsigned char>>());
 }
 
 void addContainers(WireForms& forms) {

@@ -45,7 +45,7 @@ struct Script {
     std::optional<int> messageSet;
 
     // The session's user.
-    Gui::CGIAuthority authority;
+    Gui::CGIAuthority authority = {};
     int preCheckDisplayMode = 0;
     int displayMode = 2;
 

@@ -32,7 +32,7 @@ std::vector<unsigned char> encode(const RequestFrame& frame) {
     std::vector<unsigned char> bytes(KIND_SIZE + NUMBER_SIZE +
                                      wireTextSize(frame.sessionIdentifier) + frame.payload.size());
     VeskUi::WireWriter writer(bytes.data(), bytes.size());
-    writer.writeU8(static_cast<std::uint8_t>(frame.kind));
+    writeU8(writer, static_cast<std::uint8_t>(frame.kind));
     writer.writeU32(frame.number);
     writeWireText(writer, frame.sessionIdentifier);
     writer.writeBytes(frame.payload.data(), frame.payload.size());
@@ -50,7 +50,7 @@ std::vector<unsigned char> encode(const ReplyFrame& frame) {
 bool decode(const std::vector<unsigned char>& bytes, RequestFrame& frame) {
     VeskUi::WireReader reader(bytes.data(), bytes.size());
     RequestFrame read;
-    const std::uint8_t kind = reader.readU8();
+    const std::uint8_t kind = readU8(reader);
     read.number = reader.readU32();
     read.sessionIdentifier = readWireText(reader);
     if (reader.failed() || !isRequestKind(kind)) {

@@ -25,7 +25,7 @@ std::vector<unsigned char> encode(const LoginRequest& login) {
 std::vector<unsigned char> encode(const LoginAnswer& answer) {
     std::vector<unsigned char> bytes(FLAG_SIZE + wireTextSize(answer.functions));
     VeskUi::WireWriter writer(bytes.data(), bytes.size());
-    writer.writeU8(answer.everyFunction ? 1 : 0);
+    writeU8(writer, answer.everyFunction ? 1 : 0);
     writeWireText(writer, answer.functions);
     return bytes;
 }
@@ -46,7 +46,7 @@ bool decode(const std::vector<unsigned char>& bytes, LoginRequest& login) {
 bool decode(const std::vector<unsigned char>& bytes, LoginAnswer& answer) {
     VeskUi::WireReader reader(bytes.data(), bytes.size());
     LoginAnswer read;
-    const std::uint8_t flag = reader.readU8();
+    const std::uint8_t flag = readU8(reader);
     read.everyFunction = flag == 1;
     read.functions = readWireText(reader);
     if (reader.failed() || reader.remaining() != 0 || flag > 1) {

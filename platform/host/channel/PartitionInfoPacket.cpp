@@ -17,7 +17,7 @@ const PartitionInfoPacket::Partition* find(
 }
 
 void writePartition(WireWriter& writer, const PartitionInfoPacket::Partition& partition) {
-    writer.writeU8(partition.installed ? 1 : 0);
+    Host::writeU8(writer, partition.installed ? 1 : 0);
     Host::writeWireText(writer, partition.name);
     writer.writeU16(static_cast<std::uint16_t>(partition.nodeIds.size()));
     writer.writeBytes(partition.nodeIds.data(), partition.nodeIds.size());
@@ -25,7 +25,7 @@ void writePartition(WireWriter& writer, const PartitionInfoPacket::Partition& pa
 
 // False when there is no whole partition, or its flag is none.
 bool readPartition(WireReader& reader, PartitionInfoPacket::Partition& partition) {
-    const std::uint8_t flag = reader.readU8();
+    const std::uint8_t flag = Host::readU8(reader);
     partition.installed = flag == 1;
     partition.name = Host::readWireText(reader);
     const std::size_t count = reader.readU16();

@@ -15,6 +15,20 @@ std::size_t lengthOnWire(const std::string& text) {
 
 }  // namespace
 
+std::uint8_t readU8(VeskUi::WireReader& reader) {
+    const unsigned char* byte = reader.readBytes(1);
+    return byte == nullptr ? std::uint8_t{0} : *byte;
+}
+
+void writeU8(VeskUi::WireWriter& writer, std::uint8_t value) {
+    writer.writeBytes(&value, 1);
+}
+
+std::string readText(VeskUi::WireReader& reader, std::size_t count) {
+    const unsigned char* start = reader.readBytes(count);
+    return start == nullptr ? std::string() : std::string(start, start + count);
+}
+
 std::size_t wireTextSize(const std::string& text) {
     return LENGTH_SIZE + lengthOnWire(text);
 }
@@ -25,7 +39,7 @@ void writeWireText(VeskUi::WireWriter& writer, const std::string& text) {
 }
 
 std::string readWireText(VeskUi::WireReader& reader) {
-    return reader.readText(reader.readU16());
+    return readText(reader, reader.readU16());
 }
 
 }  // namespace VeskLib::Host

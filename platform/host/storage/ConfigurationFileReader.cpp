@@ -43,7 +43,8 @@ bool ConfigurationFileReader::finish(ConfigurationFile& file) const {
     if (!isUndamaged()) {
         return false;
     }
-    VeskUi::WireReader reader(head.data(), std::min(head.size(), fileSize - CHECKSUM_SIZE));
+    const std::size_t headSize = std::min(head.size(), fileSize - CHECKSUM_SIZE);
+    VeskUi::WireReader reader(head.data(), headSize);
     ConfigurationFile read;
     const unsigned char* magic = reader.readBytes(sizeof MAGIC);
     read.revision = reader.readU32();
@@ -52,14 +53,16 @@ bool ConfigurationFileReader::finish(ConfigurationFile& file) const {
     const std::size_t versionSize = reader.readU16();
     const std::size_t nameSize = reader.readU16();
     const std::size_t payloadSize = reader.readU32();
-    read.version = reader.readText(versionSize);
-    read.partitionName = reader.readText(nameSize);
+    const unsigned char* version = reader.readBytes(versionSize);
+    const unsigned char* name = reader.readBytes(nameSize);
     if (reader.failed() || std::memcmp(magic, MAGIC, sizeof MAGIC) != 0 ||
         read.revision != REVISION || versionSize > LARGEST_VERSION ||
         nameSize > LARGEST_PARTITION_NAME || payloadSize > fileSize ||
-        reader.position() + payloadSize + CHECKSUM_SIZE != fileSize) {
+        headSize - reader.remaining() + payloadSize + CHECKSUM_SIZE != fileSize) {
         return false;
     }
+    read.version.assign(version, version + versionSize);
+    read.partitionName.assign(name, name + nameSize);
     file = std::move(read);
     return true;
 }

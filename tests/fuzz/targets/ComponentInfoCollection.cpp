@@ -22,7 +22,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         Fuzz::require(2 * collection.elements.size() <= size, "every element had its length");
     }
     std::size_t held = 0;
-    for (const VeskUi::PrimitiveTypeArray<unsigned char>* element : collection.elements) {
+    for (const auto& element : collection.elements) {
         Fuzz::require(element != nullptr, "there is no element that is none");
         held += element->records.size();
     }

@@ -34,7 +34,7 @@ protected:
     // The bytes that each element holds.
     std::vector<Bytes> held() const {
         std::vector<Bytes> contents;
-        for (const ByteArray* element : collection.elements) {
+        for (const auto& element : collection.elements) {
             contents.push_back(element->records);
         }
         return contents;
@@ -43,7 +43,7 @@ protected:
     void add(const Bytes& bytes) {
         auto element = std::make_unique<ByteArray>();
         element->records = bytes;
-        collection.elements.push_back(element.release());
+        collection.elements.push_back(std::move(element));
     }
 
     Collection collection;
@@ -73,6 +73,25 @@ TEST_F(ComponentInfoCollectionTest, writesCountsAndLengthsOfTwoBytes) {
     EXPECT_EQ(wire.size(), last + 2 + 0x0203);
     EXPECT_EQ(Bytes(wire.begin() + last, wire.begin() + last + 5),
               (Bytes{0x02, 0x03, 0x02, 0x01, 0x55}));
+}
+
+// Like an array of too many records: the number is cut, the bytes are not.
+TEST_F(ComponentInfoCollectionTest, cutsALengthAbove65535AndWritesTheWholeElement) {
+    add(Bytes(0x10001 - 2, 0x55));
+    add({0x41});
+    const Bytes wire = serialize(collection);
+    EXPECT_EQ(wire.size(), 2u + 2 + 0x10001 + 2 + 3);
+    EXPECT_EQ(cut(wire, 7), (Bytes{0x00, 0x02, 0x00, 0x01, 0xFF, 0xFF, 0x55}));
+    EXPECT_EQ(Bytes(wire.end() - 6, wire.end()), (Bytes{0x55, 0x00, 0x03, 0x00, 0x01, 0x41}));
+}
+
+TEST_F(ComponentInfoCollectionTest, cutsACountAbove65535AndWritesEveryElement) {
+    for (int i = 0; i < 0x10001; ++i) {
+        add({});
+    }
+    const Bytes wire = serialize(collection);
+    EXPECT_EQ(wire.size(), 2u + 0x10001 * 4);
+    EXPECT_EQ(cut(wire, 6), (Bytes{0x00, 0x01, 0x00, 0x02, 0x00, 0x00}));
 }
 
 TEST_F(ComponentInfoCollectionTest, refusesEveryBufferThatIsTooShort) {
@@ -109,7 +128,7 @@ TEST_F(ComponentInfoCollectionTest, asksTheObjectForItsSizeAndReturnsWhatItWrote
         unsigned int getSerializedSize() const override { return 40; }
     };
     LargerCollection larger;
-    larger.elements.push_back(std::make_unique<ByteArray>().release());
+    larger.elements.push_back(std::make_unique<ByteArray>());
     ExactBuffer buffer(40);
     EXPECT_THROW(larger.getSerialized(buffer.data(), 39), PException);
     EXPECT_EQ(larger.getSerialized(buffer.data(), 40), 6u);
@@ -133,6 +152,15 @@ TEST_F(ComponentInfoCollectionTest, refusesATrailingByteAndKeepsTheElements) {
                   2),
               READ_FAULT);
     EXPECT_THAT(held(), testing::ElementsAre(Bytes{0x41}));
+}
+
+// No count, not even of 0.
+TEST_F(ComponentInfoCollectionTest, refusesFewerBytesThanACount) {
+    for (const std::size_t size : {0, 1}) {
+        const Bytes wire(size, 0x00);
+        EXPECT_EQ(thrownBy([&] { deserialize(collection, wire); }, 2), READ_FAULT) << size;
+    }
+    EXPECT_THAT(held(), testing::IsEmpty());
 }
 
 // Whether the count, a length or an element is cut: the elements in front of the cut stay.
@@ -203,9 +231,9 @@ TEST_F(ComponentInfoCollectionTest, appendsToWhatItHolds) {
 TEST_F(ComponentInfoCollectionTest, deletesEveryElementOnceAndInOrder) {
     {
         Collection owner;
-        owner.elements.push_back(new CountedArray("first"));
+        owner.elements.push_back(std::make_unique<CountedArray>("first"));
         owner.elements.push_back(nullptr);
-        owner.elements.push_back(new CountedArray("second"));
+        owner.elements.push_back(std::make_unique<CountedArray>("second"));
     }
     EXPECT_THAT(calls({"delete"}), testing::ElementsAre("delete first", "delete second"));
 }

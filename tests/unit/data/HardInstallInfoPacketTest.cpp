@@ -2,8 +2,8 @@
 
 #include "tests/unit/support/CountedArray.h"
 #include "tests/unit/support/ScriptedTest.h"
+#include "tests/unit/support/heapCalls.h"
 
-#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <memory>
@@ -29,25 +29,51 @@ TEST_F(HardInstallInfoPacketTest, holdsElevenEmptyContainersWhenMade) {
     }
 }
 
-TEST_F(HardInstallInfoPacketTest, neverFilledReleasesNothingElse) {
+TEST_F(HardInstallInfoPacketTest, neitherTakesNorReleasesMemoryWhenNeverFilled) {
+    const HeapCalls before = heapCalls();
     { const HardInstallInfoPacket packet; }
-    EXPECT_THAT(calls(), testing::IsEmpty());
+    const HeapCalls after = heapCalls();
+    EXPECT_EQ(after.allocations, before.allocations);
+    EXPECT_EQ(after.releases, before.releases);
 }
 
-TEST_F(HardInstallInfoPacketTest, itsContainersStandInTheOrderOfTheBoard) {
-    const HardInstallInfoPacket packet;
-    const std::vector<const void*> places = {
-        &packet.systemBoards, &packet.firstBoards,   &packet.secondBoards, &packet.ioBoards,
-        &packet.gspBoards,    &packet.byteArrays[0], &packet.byteArrays[5]};
-    EXPECT_TRUE(std::is_sorted(places.begin(), places.end()));
+TEST_F(HardInstallInfoPacketTest, releasesWhatItsContainersTook) {
+    const HeapCalls before = heapCalls();
+    {
+        HardInstallInfoPacket packet;
+        packet.ioBoards.records.resize(1);
+        packet.byteArrays[5].records.resize(1);
+    }
+    const HeapCalls after = heapCalls();
+    EXPECT_EQ(after.allocations - before.allocations, 2u);
+    EXPECT_EQ(after.releases - before.releases, 2u);
+}
+
+// A board's library may walk the records in memory.
+TEST_F(HardInstallInfoPacketTest, itsRecordsArePackedInMemory) {
+    HardInstallInfoPacket packet;
+    packet.ioBoards.records.resize(3);
+    packet.gspBoards.records.resize(3);
+    packet.systemBoards.records.resize(3);
+    const auto distance = [](const auto& records) {
+        return reinterpret_cast<const char*>(&records[2]) -
+               reinterpret_cast<const char*>(&records[0]);
+    };
+    EXPECT_EQ(distance(packet.ioBoards.records), 12);
+    EXPECT_EQ(distance(packet.gspBoards.records), 12);
+    EXPECT_EQ(distance(packet.systemBoards.records), 8);
+    const auto* first = reinterpret_cast<const char*>(packet.ioBoards.records.data());
+    EXPECT_EQ(reinterpret_cast<const char*>(&packet.ioBoards.records[0].halfWord) - first, 4);
 }
 
 TEST_F(HardInstallInfoPacketTest, deletesEveryElementOnceAndTheLastCollectionFirst) {
     {
         HardInstallInfoPacket packet;
-        packet.firstBoards.elements.push_back(new CountedArray("first collection's"));
-        packet.secondBoards.elements.push_back(new CountedArray("second collection's"));
-        packet.secondBoards.elements.push_back(new CountedArray("second collection's other"));
+        packet.firstBoards.elements.push_back(std::make_unique<CountedArray>("first collection's"));
+        packet.secondBoards.elements.push_back(
+            std::make_unique<CountedArray>("second collection's"));
+        packet.secondBoards.elements.push_back(
+            std::make_unique<CountedArray>("second collection's other"));
     }
     EXPECT_THAT(calls({"delete"}), testing::ElementsAre("delete second collection's",
                                                         "delete second collection's other",
@@ -58,7 +84,7 @@ TEST_F(HardInstallInfoPacketTest, isDeletedAsWhatTravelsOverTheChannel) {
     std::unique_ptr<VeskUi::SerializableObject> object;
     {
         auto packet = std::make_unique<HardInstallInfoPacket>();
-        packet->firstBoards.elements.push_back(new CountedArray("board"));
+        packet->firstBoards.elements.push_back(std::make_unique<CountedArray>("board"));
         object = std::move(packet);
     }
     object.reset();

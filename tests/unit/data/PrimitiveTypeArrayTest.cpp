@@ -23,19 +23,19 @@ void give(unsigned char& record, Bytes& wire, unsigned int seed) {
     wire.push_back(record);
 }
 
-void giveWord(std::uint32_t& word, Bytes& wire, unsigned int seed) {
+std::uint32_t makeWord(Bytes& wire, unsigned int seed) {
     const auto last = static_cast<unsigned char>(seed);
-    word = 0xF1020300u + last;
     wire.insert(wire.end(), {0xF1, 0x02, 0x03, last});
+    return 0xF1020300u + last;
 }
 
 void give(HardInstallInfoPacket::SBData& record, Bytes& wire, unsigned int seed) {
-    giveWord(record.word, wire, seed);
+    record.word = makeWord(wire, seed);
 }
 
 template <typename Record>
 void give(Record& record, Bytes& wire, unsigned int seed) {
-    giveWord(record.word, wire, seed);
+    record.word = makeWord(wire, seed);
     record.halfWord = 0x85F6;
     wire.insert(wire.end(), {0x85, 0xF6});
 }

@@ -52,6 +52,15 @@ TEST_F(CommonDefaultPageTest, everyFieldIsSetWhenMade) {
     page->~OpenPage();
 }
 
+TEST_F(CommonDefaultPageTest, freesItsGeneratorWhenTheTraceLogCannotBeMade) {
+    const Calls held = Scripted::livingObjects();
+    Scripted::throwAt("new VeskTrace(1, 2, 29697)",
+                      std::make_exception_ptr(Scripted::makeScriptedException(1101)));
+    EXPECT_EQ(thrownDetail([&] { OpenPage(messageMgr, &displayMode, "/page.txt"); }), 1101);
+    EXPECT_EQ(Scripted::livingObjects(), held);
+    EXPECT_THAT(calls({"delete"}), testing::ElementsAre("delete HTMLCodeGenerator(/page.txt)"));
+}
+
 TEST_F(CommonDefaultPageTest, printsItsSkeletonWithItsComponents) {
     OpenPage page(messageMgr, &displayMode, "/page.txt");
     page.componentMap["name"] = new ProbeComponent("1");

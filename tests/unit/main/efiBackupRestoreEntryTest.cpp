@@ -2,6 +2,8 @@
 
 #include "tests/unit/support/MainTest.h"
 
+#include <stdexcept>
+
 int efiBackupRestoreEntry();
 
 namespace VeskLib::Test {
@@ -32,9 +34,18 @@ TEST_F(EntryTest, makesRunsAndDeletesOneMainObject) {
                                               "delete VeskTrace(1, 2, 29696)"));
 }
 
-TEST_F(EntryTest, anExceptionPassesThrough) {
+// Of the platform or of the language's library, from the request or from the main object: uncaught,
+// it ends the process abnormally.
+TEST_F(EntryTest, catchesNothing) {
     script.formError = 1107;
     EXPECT_EQ(thrownDetail([] { efiBackupRestoreEntry(); }), 1107);
+    for (const char* place : {"exec", "getCookie", "new FormInfo"}) {
+        delete Gui::FormInfo::myInstance;
+        Gui::FormInfo::myInstance = nullptr;
+        Scripted::throwAt(place, std::make_exception_ptr(std::runtime_error("other")));
+        EXPECT_THROW(efiBackupRestoreEntry(), std::runtime_error) << place;
+        Scripted::throwAt(place, nullptr);
+    }
 }
 
 }  // namespace VeskLib::Test

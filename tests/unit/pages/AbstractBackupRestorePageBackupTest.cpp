@@ -190,16 +190,15 @@ TEST_P(BackupVersionTest, becomesPartOfTheName) {
     EXPECT_EQ(printedPage(), pageThatFetches("Partition3_20261114_" + GetParam().part + ".dat"));
 }
 
-INSTANTIATE_TEST_SUITE_P(OfTheFile, BackupVersionTest,
-                         testing::Values(VersionCase{"1.23 B", "123B"},
-                                         VersionCase{"10.20.30", "102030"},
-                                         VersionCase{"-1.0", "Unknown"},
-                                         VersionCase{"-", "Unknown"}, VersionCase{"1-0", "1-0"},
-                                         VersionCase{" -1", "-1"}, VersionCase{".-1", "-1"},
-                                         VersionCase{"", ""}, VersionCase{" . ", ""},
-                                         VersionCase{std::string("1.2\0003.4", 7), "12"},
-                                         VersionCase{std::string("\0001", 2), ""},
-                                         VersionCase{"a&b=c%20/..\"<>", "a&b=c%20/\"<>"}));
+INSTANTIATE_TEST_SUITE_P(
+    OfTheFile, BackupVersionTest,
+    testing::Values(VersionCase{"1.23 B", "123B"}, VersionCase{"10.20.30", "102030"},
+                    VersionCase{"-1.0", "Unknown"}, VersionCase{"-", "Unknown"},
+                    VersionCase{"1-0", "1-0"}, VersionCase{" -1", "-1"}, VersionCase{".-1", "-1"},
+                    VersionCase{"", ""}, VersionCase{" . ", ""}, VersionCase{"1\t2", "1\t2"},
+                    VersionCase{std::string("1.2\0003.4", 7), "12"},
+                    VersionCase{std::string("\0001", 2), ""},
+                    VersionCase{"a&b=c%20/..\"<>", "a&b=c%20/\"<>"}));
 
 struct DateCase {
     const char* timeZone;

@@ -142,7 +142,7 @@ TEST_F(AbstractBackupRestorePageTest, tracesTextsAtLevelZero) {
 
 TEST_F(AbstractBackupRestorePageTest, whatCannotBeReadIsTracedAndReportedInTheSameWords) {
     page.putProbe("name");
-    page.reportUnreadable("the partition status");
+    page.reportUnavailable("the partition status");
     EXPECT_THAT(calls({"lmsg_getmsg", "putLog", "delete"}),
                 testing::ElementsAre("lmsg_getmsg 107", "putLog 0 lmsg 107 [the partition status]",
                                      "lmsg_getmsg 107", "delete name"));

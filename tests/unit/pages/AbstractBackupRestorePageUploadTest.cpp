@@ -187,6 +187,34 @@ TEST_F(UploadTest, anExceptionUnderTheLockUsesTheCodesOwnMessage) {
     expectNotice("message 250/1047");
 }
 
+class UnknownUploadTest : public UploadTest, public testing::WithParamInterface<const char*> {};
+
+// The platform cannot say what was uploaded. Nothing is locked, moved or thrown.
+TEST_P(UnknownUploadTest, isTracedAndBecomesANotice) {
+    Scripted::throwAt(GetParam(), std::make_exception_ptr(Scripted::makeScriptedException(1103)));
+    upload();
+    EXPECT_THAT(calls({"new LockedFile", "rename", "putLog", "getMessage"}),
+                testing::ElementsAre("putLog 0 lmsg 20003 [AbstractBackupRestorePage::upload]",
+                                     "getMessage message 30/1103"));
+    expectNotice("message 30/1103");
+}
+
+// The detail is read as a back-end error's is, as under the lock.
+TEST_P(UnknownUploadTest, usesTheCodesOwnMessage) {
+    Scripted::throwAt(GetParam(), std::make_exception_ptr(Scripted::makeScriptedException(1047)));
+    upload();
+    expectNotice("message 250/1047");
+}
+
+TEST_P(UnknownUploadTest, letsAnExceptionOfAnotherTypePass) {
+    Scripted::throwAt(GetParam(), std::make_exception_ptr(std::runtime_error("other")));
+    EXPECT_THROW(upload(), std::runtime_error);
+    expectNothingSaid();
+}
+
+INSTANTIATE_TEST_SUITE_P(OfThePlatform, UnknownUploadTest,
+                         testing::Values("getUploadFileSize", "getUploadFileName"));
+
 TEST_F(UploadTest, anExceptionOfAnotherTypePassesThroughAndReleasesTheLock) {
     Scripted::throwAt("getUploadFilePath", std::make_exception_ptr(std::runtime_error("other")));
     EXPECT_THROW(upload(), std::runtime_error);

@@ -162,10 +162,15 @@ TEST_F(EFIBackupPageActionTest, anEmptyListTakesTheDownloadWithIt) {
     EXPECT_EQ(print(*page), emptyPage);
 }
 
-// Authority is asked about only when the list is built again.
-TEST_F(EFIBackupPageActionTest, withoutAuthorityOnlyThatIsShown) {
+// The authority is examined only when the list is built again.
+TEST_F(EFIBackupPageActionTest, withoutAuthorityIsSentAndThenOnlyThatIsShown) {
     displayMode = 0;
     const auto page = makePage();
+    EXPECT_THAT(
+        calls({"creat", "setInfo", "getInfo", "putLog"}),
+        testing::ElementsAre(
+            "creat /board/var/tmp/efi_backupS1 0666", "setInfo 0x020100A3 [00 00 00 03]",
+            "putLog 0 lmsg 20020 [EFIBackupPage::makeDispPage(): Authorization required.]"));
     EXPECT_EQ(page->getMessage(), "message 12/1033");
     EXPECT_TRUE(page->isError());
     EXPECT_EQ(print(*page), emptyPage);

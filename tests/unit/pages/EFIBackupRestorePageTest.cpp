@@ -77,14 +77,15 @@ TEST_F(EFIBackupRestorePageTest, everyFieldIsSetWhenMade) {
 class CombinedMessageFieldTest : public EFIBackupRestorePageTest,
                                  public testing::WithParamInterface<const char*> {};
 
-// Unlike on the restore screen the file goes, and the text is no alert.
+// Unlike on the restore screen the file goes, and the form shows the text instead of an alert.
 TEST_P(CombinedMessageFieldTest, discardsTheFileAndSaysThatItWasRestored) {
     script.formFields["message"] = GetParam();
     const auto page = makePage();
     EXPECT_EQ(page->getMessage(), "message 70/0");
     EXPECT_FALSE(page->isAlert());
     EXPECT_FALSE(page->isError());
-    EXPECT_EQ(print(*page), form("0"));
+    EXPECT_EQ(print(*page),
+              form("0", "onLoadFunction()", "", "", "TextString(message 70/0, false, false, 6)"));
     EXPECT_THAT(calls({"getFormData", "new LockedFile", "remove", "delete LockedFile", "getMessage",
                        "putLog", "insertIntoMap form_action"}),
                 testing::ElementsAre("getFormData message",

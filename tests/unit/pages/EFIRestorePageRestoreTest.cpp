@@ -127,6 +127,16 @@ TEST_F(RestoreStepTest, sendsAnEmptyListWithoutPartitionNumbers) {
     EXPECT_THAT(restoreRequests(), testing::ElementsAre(request("00 00")));
 }
 
+// A number beyond the largest int is a negative one.
+TEST_F(RestoreStepTest, comparesPartitionNumbersSigned) {
+    script.maxPartitionNumbers = {0x80000000U, 2};
+    script.formFields["pid0"] = "0";
+    makePage();
+    EXPECT_THAT(restoreRequests(), testing::ElementsAre(request("00 00")));
+    EXPECT_THAT(calls({"getMaxPartitionNum", "getFormData pid"}),
+                testing::ElementsAre("getMaxPartitionNum"));
+}
+
 TEST_F(RestoreStepTest, neitherNeedsNorTouchesAStagedFile) {
     script.formFields["pid0"] = "0";
     makePage();

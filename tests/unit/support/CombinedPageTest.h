@@ -18,11 +18,12 @@ protected:
                                                            &displayMode);
     }
 
-    // The form whose "hidden_status" is `status`; `link` and `question` are what a backup and an
-    // upload put into it.
+    // The form whose "hidden_status" is `status`; `link`, `question` and `notice` are what a
+    // backup, an upload and a field "message" put into it.
     static std::string form(const std::string& status,
                             const std::string& onLoad = "onLoadFunction()",
-                            const std::string& link = "", const std::string& question = "") {
+                            const std::string& link = "", const std::string& question = "",
+                            const std::string& notice = "") {
         return "[/usr/local/www/skel/skeleton_efi_backup.txt"
                "|download=Button(download, caption 971, form_name, 0, \"backupFunction()\", false)"
                "|filename=SelectFile(filename, , form_name, 70, 0)" +
@@ -38,8 +39,8 @@ protected:
                "|item_download=TextString(caption 1356, false, true, 6)"
                "|item_title=TextString(caption 986, false, false, 6)"
                "|message=TextString(caption 1357, false, true, 6)"
-               "|message0=TextString(message 354/0, false, true, 6)"
-               "|onload_function=TextString(" +
+               "|message0=TextString(message 354/0, false, true, 6)" +
+               (notice.empty() ? "" : "|notice=" + notice) + "|onload_function=TextString(" +
                onLoad + ", false, false, 6)]";
     }
 

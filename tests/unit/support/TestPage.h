@@ -34,7 +34,7 @@ public:
     using AbstractBackupRestorePage::putText;
     using AbstractBackupRestorePage::putUploadButton;
     using AbstractBackupRestorePage::reportError;
-    using AbstractBackupRestorePage::reportUnreadable;
+    using AbstractBackupRestorePage::reportUnavailable;
     using AbstractBackupRestorePage::requester;
     using AbstractBackupRestorePage::restoreUploadedFile;
     using AbstractBackupRestorePage::setErrMsg;

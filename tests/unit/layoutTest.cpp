@@ -1,0 +1,262 @@
+// A board's libraries reach the members of the program's classes by their place in the object. The
+// places are read from pointers to the members, which the Itanium C++ ABI lays out as offsets.
+
+#include "data/HardInstallInfoPacket.h"
+#include "data/PrimitiveTypeWrapper.h"
+#include "html/HTMLContainer.h"
+#include "html/HTMLItem.h"
+#include "html/MetaTag.h"
+#include "main/EFIBackupRestoreMain.h"
+#include "pages/EFIBackupPage.h"
+#include "pages/EFIBackupRestorePage.h"
+#include "pages/EFIRestorePage.h"
+#include "tests/unit/support/PageTest.h"
+#include "tests/unit/support/TestPage.h"
+
+#include <VeskLib/Gui/HTMLPage.h>
+
+#include <cstring>
+#include <type_traits>
+#include <typeinfo>
+
+namespace VeskLib::Test {
+
+namespace {
+
+using namespace Gui;
+using namespace VeskUi;
+
+using ComponentMap = std::map<std::string, HTMLComponent*>;
+using ByteArray = PrimitiveTypeArray<unsigned char>;
+
+struct Member {
+    std::size_t offset;
+    const std::type_info* type;
+};
+
+template <typename Class, typename Type>
+Member memberOf(Type Class::*pointer) {
+    std::ptrdiff_t offset = 0;
+    static_assert(sizeof pointer == sizeof offset);
+    std::memcpy(&offset, &pointer, sizeof offset);
+    return {static_cast<std::size_t>(offset), &typeid(Type)};
+}
+
+// Defines membersOf(Tag), which lists members that may be private: an explicit instantiation may
+// name them. References are left out, because there are no pointers to them.
+template <typename Tag, auto... Pointers>
+struct Reveal {
+    friend std::vector<Member> membersOf(Tag) { return {memberOf(Pointers)...}; }
+};
+
+std::size_t roundUp(std::size_t offset, std::size_t alignment) {
+    return (offset + alignment - 1) / alignment * alignment;
+}
+
+// Walks over the members of an object, each directly after the one before.
+class Walk {
+public:
+    Walk(const std::vector<Member>& members, std::size_t begin) : members(members), end(begin) {}
+
+    template <typename Type>
+    void expectNext() {
+        if constexpr (std::is_reference_v<Type>) {
+            end = roundUp(end, alignof(void*)) + sizeof(void*);
+            return;
+        }
+        using Object = std::remove_reference_t<Type>;
+        ASSERT_LT(index, members.size());
+        EXPECT_EQ(*members[index].type, typeid(Object)) << "member " << index;
+        EXPECT_EQ(members[index].offset, roundUp(end, alignof(Object))) << "member " << index;
+        end = roundUp(end, alignof(Object)) + sizeof(Object);
+        ++index;
+    }
+
+    // Returns the size of the object up to here.
+    std::size_t finish() const {
+        EXPECT_EQ(index, members.size());
+        return end;
+    }
+
+private:
+    const std::vector<Member>& members;
+    std::size_t end;
+    std::size_t index = 0;
+};
+
+// Expects members of these types in this order, from `begin` on, and returns where they end.
+template <typename... Types>
+std::size_t expectLayout(const std::vector<Member>& members, std::size_t begin) {
+    Walk walk(members, begin);
+    (walk.expectNext<Types>(), ...);
+    return walk.finish();
+}
+
+template <typename Class>
+void expectEnd(std::size_t end) {
+    EXPECT_EQ(sizeof(Class), roundUp(end, alignof(Class)));
+}
+
+// Objects begin with the pointer to their virtual operations, if they have any.
+const std::size_t VIRTUAL = sizeof(void*);
+
+struct MetaTagTag {
+    friend std::vector<Member> membersOf(MetaTagTag);
+};
+struct ContainerTag {
+    friend std::vector<Member> membersOf(ContainerTag);
+};
+struct ItemTag {
+    friend std::vector<Member> membersOf(ItemTag);
+};
+struct GeneratorTag {
+    friend std::vector<Member> membersOf(GeneratorTag);
+};
+struct ShellTag {
+    friend std::vector<Member> membersOf(ShellTag);
+};
+struct MainTag {
+    friend std::vector<Member> membersOf(MainTag);
+};
+struct ConfigMainTag {
+    friend std::vector<Member> membersOf(ConfigMainTag);
+};
+struct PageTag {
+    friend std::vector<Member> membersOf(PageTag);
+};
+struct AbstractPageTag {
+    friend std::vector<Member> membersOf(AbstractPageTag);
+};
+struct BackupPageTag {
+    friend std::vector<Member> membersOf(BackupPageTag);
+};
+struct RestorePageTag {
+    friend std::vector<Member> membersOf(RestorePageTag);
+};
+struct CombinedPageTag {
+    friend std::vector<Member> membersOf(CombinedPageTag);
+};
+
+}  // namespace
+
+template struct Reveal<MetaTagTag, &MetaTag::name, &MetaTag::content, &MetaTag::contentUrl,
+                       &MetaTag::reserved>;
+template struct Reveal<ContainerTag, &HTMLContainer::children, &HTMLContainer::breakBetween>;
+template struct Reveal<ItemTag, &HTMLItem::componentMap, &HTMLItem::generator>;
+template struct Reveal<GeneratorTag, &HTMLCodeGenerator::skeletonFile,
+                       &HTMLCodeGenerator::components>;
+template struct Reveal<ShellTag, &HTMLPage::componentMap, &HTMLPage::generator>;
+template struct Reveal<MainTag, &AbstractMain::trace, &AbstractMain::formInfo,
+                       &AbstractMain::requester, &AbstractMain::messageMgr,
+                       &AbstractMain::functionId, &AbstractMain::messageSet,
+                       &AbstractMain::authority, &AbstractMain::sessionText,
+                       &AbstractMain::requestEnded, &AbstractMain::responseStatus>;
+template struct Reveal<ConfigMainTag, &AbstractConfigMain::title>;
+template struct Reveal<PageTag, &CommonDefaultPage::generator, &CommonDefaultPage::componentMap,
+                       &CommonDefaultPage::trace, &CommonDefaultPage::displayMode,
+                       &CommonDefaultPage::traceModule, &CommonDefaultPage::errorFlag,
+                       &CommonDefaultPage::alertFlag, &CommonDefaultPage::message>;
+template struct Reveal<AbstractPageTag, &AbstractBackupRestorePage::functionNumber>;
+template struct Reveal<BackupPageTag, &EFIBackupPage::backupFilePath,
+                       &EFIBackupPage::partitionInfo>;
+template struct Reveal<RestorePageTag, &EFIRestorePage::requestStatus,
+                       &EFIRestorePage::restoreFinished, &EFIRestorePage::stagingFilePath,
+                       &EFIRestorePage::stagingLockPath, &EFIRestorePage::partitionInfo,
+                       &EFIRestorePage::hardInstallInfo>;
+template struct Reveal<
+    CombinedPageTag, &EFIBackupRestorePage::processMode, &EFIBackupRestorePage::restoreFinished,
+    &EFIBackupRestorePage::stagingFilePath, &EFIBackupRestorePage::stagingLockPath,
+    &EFIBackupRestorePage::backupFilePath>;
+
+namespace {
+
+std::size_t expectBaseLayout() {
+    return expectLayout<HTMLCodeGenerator*, MessageMgr&, ComponentMap, trace::VeskTrace, int*, int,
+                        bool, bool, std::string>(membersOf(PageTag()), VIRTUAL);
+}
+
+std::size_t expectPageLayout() {
+    return expectLayout<CGIRequester&, FormInfo&, int>(membersOf(AbstractPageTag()),
+                                                       expectBaseLayout());
+}
+
+template <typename Class>
+const void* pointerAt(const Class& object, std::size_t offset) {
+    const void* pointer = nullptr;
+    std::memcpy(&pointer, reinterpret_cast<const char*>(&object) + offset, sizeof pointer);
+    return pointer;
+}
+
+}  // namespace
+
+TEST(LayoutTest, ofComponents) {
+    expectEnd<MetaTag>(expectLayout<std::string, std::string, std::string, std::string>(
+        membersOf(MetaTagTag()), VIRTUAL));
+    expectEnd<HTMLContainer>(expectLayout<std::vector<std::unique_ptr<HTMLComponent>>, bool>(
+        membersOf(ContainerTag()), VIRTUAL));
+    expectEnd<HTMLItem>(
+        expectLayout<ComponentMap, HTMLCodeGenerator>(membersOf(ItemTag()), VIRTUAL));
+    expectEnd<HTMLCodeGenerator>(
+        expectLayout<std::string, const ComponentMap*>(membersOf(GeneratorTag()), VIRTUAL));
+    expectEnd<HTMLPage>(
+        expectLayout<ComponentMap, HTMLCodeGenerator*>(membersOf(ShellTag()), VIRTUAL));
+}
+
+// A pointer in place of each container that a board's library sees as one of pointers.
+TEST(LayoutTest, ofOwnedPointersIsThatOfPointers) {
+    EXPECT_EQ(sizeof(std::unique_ptr<HTMLComponent>), sizeof(HTMLComponent*));
+    EXPECT_EQ(sizeof(std::vector<std::unique_ptr<ByteArray>>), sizeof(std::vector<ByteArray*>));
+    const auto component = std::make_unique<ProbeComponent>("name");
+    EXPECT_EQ(pointerAt(component, 0), component.get());
+}
+
+TEST(LayoutTest, ofTheMainObject) {
+    const std::size_t end =
+        expectLayout<trace::VeskTrace, FormInfo*, CGIRequester*, MessageMgr*, int, int,
+                     CGIAuthority, std::string, bool, int>(membersOf(MainTag()), VIRTUAL);
+    expectEnd<AbstractMain>(end);
+    expectEnd<EFIBackupRestoreMain>(expectLayout<std::string>(membersOf(ConfigMainTag()), end));
+}
+
+class PageLayoutTest : public PageTest {};
+
+TEST_F(PageLayoutTest, ofThePageBases) {
+    const std::size_t base = expectBaseLayout();
+    expectEnd<CommonDefaultPage>(base);
+    expectEnd<AbstractBackupRestorePage>(expectPageLayout());
+    const TestPage page(requester, formInfo, messageMgr, &displayMode, "/page.txt", 106);
+    EXPECT_EQ(pointerAt(page, 2 * sizeof(void*)), &messageMgr);
+    EXPECT_EQ(pointerAt(page, base), &requester);
+    EXPECT_EQ(pointerAt(page, base + sizeof(void*)), &formInfo);
+}
+
+TEST_F(PageLayoutTest, ofThePages) {
+    const std::size_t base = expectPageLayout();
+    expectEnd<EFIBackupPage>(
+        expectLayout<std::string, PartitionInfoPacket>(membersOf(BackupPageTag()), base));
+    expectEnd<EFIRestorePage>(
+        expectLayout<int, bool, std::string, std::string, PartitionInfoPacket,
+                     HardInstallInfoPacket>(membersOf(RestorePageTag()), base));
+    expectEnd<EFIBackupRestorePage>(expectLayout<int, bool, std::string, std::string, std::string>(
+        membersOf(CombinedPageTag()), base));
+}
+
+TEST(LayoutTest, ofDataObjects) {
+    using Packet = HardInstallInfoPacket;
+    using Collection = ComponentInfoCollection<ByteArray>;
+    using Number = PrimitiveTypeWrapper<unsigned int>;
+    expectEnd<Number>(expectLayout<unsigned int>({memberOf(&Number::value)}, VIRTUAL));
+    expectEnd<ByteArray>(
+        expectLayout<std::vector<unsigned char>>({memberOf(&ByteArray::records)}, VIRTUAL));
+    expectEnd<Collection>(expectLayout<std::vector<std::unique_ptr<ByteArray>>>(
+        {memberOf(&Collection::elements)}, VIRTUAL));
+    expectEnd<Packet>(
+        expectLayout<PrimitiveTypeArray<Packet::SBData>, Collection, Collection,
+                     PrimitiveTypeArray<Packet::IOBData>, PrimitiveTypeArray<Packet::GSPBData>,
+                     ByteArray[6]>({memberOf(&Packet::systemBoards), memberOf(&Packet::firstBoards),
+                                    memberOf(&Packet::secondBoards), memberOf(&Packet::ioBoards),
+                                    memberOf(&Packet::gspBoards), memberOf(&Packet::byteArrays)},
+                                   VIRTUAL));
+}
+
+}  // namespace VeskLib::Test

@@ -1,0 +1,13 @@
+#pragma once
+
+namespace VeskLib::Test {
+
+// How often this process has called operator new and, for other than null, operator delete.
+struct HeapCalls {
+    unsigned long allocations;
+    unsigned long releases;
+};
+
+HeapCalls heapCalls();
+
+}  // namespace VeskLib::Test
