@@ -5,19 +5,19 @@
 // Largest file that the board takes, in bytes.
 const LARGEST_FILE = 393216;
 
-// Why the board would refuse `file`, in the board's own words; empty when it would not. `texts` has
-// a text for each reason: none, empty, large, name.
-function refusalOf(file, texts) {
+// Returns why the board would refuse `file`: the text `none` without a file, else one of `refusals`
+// (empty, large, name); an empty text when the board would take it.
+function refusalOf(file, none, refusals) {
     if (!file) {
-        return texts.none;
+        return none;
     }
     if (file.size === 0) {
-        return texts.empty;
+        return refusals.empty;
     }
     if (file.size > LARGEST_FILE) {
-        return texts.large;
+        return refusals.large;
     }
-    return file.name.lastIndexOf(".dat") === file.name.length - 4 ? "" : texts.name;
+    return file.name.lastIndexOf(".dat") === file.name.length - 4 ? "" : refusals.name;
 }
 
 // From now on Refresh and Back show the function's first page. They never send a step again.
@@ -55,12 +55,14 @@ function showPlan(heading) {
     }
 }
 
-// Starts the download of a backup. The file's name stands in `path` as it is, so it is made safe
-// for a link here.
+// Starts the download of a backup. `path` contains the file's name as it is, which may itself contain
+// "filename=", so it is made safe for a link here.
 function startDownload(link, path) {
-    const [address, name] = path.split("filename=");
+    const field = "filename=";
+    const nameStart = path.indexOf(field) + field.length;
+    const name = path.slice(nameStart);
     link.textContent = name;
-    link.href = `${address}filename=${encodeURIComponent(name)}`;
+    link.href = path.slice(0, nameStart) + encodeURIComponent(name);
     window.location.href = link.href;
 }
 

@@ -1,0 +1,6 @@
+// Why the board would refuse a file, in its own words.
+const refusals = {
+    empty: "{{message 33-1028|script}}",
+    large: "{{message 63-1028|script}}",
+    name: "{{message 63-1026|script}}",
+};
