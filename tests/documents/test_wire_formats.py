@@ -71,12 +71,10 @@ class WireFormats(DocumentTest):
 
     def test_an_oversized_frame_ends_the_connection(self):
         size = constant("platform/host/channel/Frame.h", "LARGEST_FRAME")
-        rest = size - 11
-        whole = struct.pack(">BIH", CONTROL, 0, 0) + b"x" * (rest + 4)
-        self.assertEqual(len(whole), size)
+        head = struct.pack(">BIH", GET, 7, 0)
+        whole = head + bytes(size - len(head))
         self.assertEqual(len(self.board.exchange(whole)), 1)
-        with self.assertRaises((BrokenPipeError, ConnectionResetError, AssertionError)):
-            self.assertEqual(len(self.board.exchange(whole + b"x")), 1)
+        self.assertEqual(len(self.board.exchange(whole + b"x", head)), 0)
 
     def test_kinds_are_those_of_the_header(self):
         rows = self.table("kind", "meaning", "number", "text", "payload")
@@ -171,7 +169,7 @@ class WireFormats(DocumentTest):
         usable = file.read_bytes()
         file.write_bytes(b"damaged")
         lock = os.open(self.board.path(self.stated(r"another restore is under way: `([^`]+)`")),
-                       os.O_RDWR)
+                       os.O_RDWR | os.O_CREAT, 0o600)
         try:
             fcntl.flock(lock, fcntl.LOCK_EX)
             # Each request fails this check and all that follow it.
@@ -206,19 +204,19 @@ class WireFormats(DocumentTest):
         return self.board.ask(LOGIN, 0, b"", payload)
 
     def test_guesses_are_slowed_down_as_stated(self):
-        words = "one two three four five six seven".split()
+        counts = ["no", "one", "two", "three", "four", "five", "six", "seven"]
         failures, first, second, longest, code = self.stated(
             r"After (\w+) failures from one address, .* only when it comes at least (\d+) second "
             r"after the last, then (\d+), 4 and so on up to (\d+); sooner it answers (\d+)")
         throttle = "board/backend/LoginThrottle.h"
-        self.assertEqual(words.index(failures) + 1, constant(throttle, "FREE_ATTEMPTS"))
+        free = counts.index(failures)
+        self.assertEqual(free, constant(throttle, "FREE_ATTEMPTS"))
         self.assertEqual(first, constant(throttle, "FIRST_WAIT"))
         self.assertEqual(second, 2 * first)
         self.assertEqual(longest, constant(throttle, "LONGEST_WAIT"))
-        # Hashing takes a while: attempts that are not hashed come fast enough for the first wait.
-        codes = [self.login(b"x", b"x", b"address two")[0] for _ in range(words.index(failures) + 1)]
-        codes += [self.login(b"x", b"x", b"address two")[0] for _ in range(20)]
-        self.assertNotIn(code, codes[:words.index(failures) + 1 - 1])
+        # The waits double, so that one of them is longer than a busy machine takes for an attempt.
+        codes = [self.login(b"x", b"x", b"address two")[0] for _ in range(free + 20)]
+        self.assertNotIn(code, codes[:free])
         self.assertIn(code, codes)
 
     def test_orders_are_carried_out_as_stated(self):

@@ -27,14 +27,17 @@ class Board:
         # Where the documents have it, seen from the folder that their commands are run in.
         self.root = self.folder / "var/board"
         self.root.mkdir(parents=True)
+        # A file, which takes all that the back-end logs.
+        self.log = (self.folder / "log").open("w+", encoding="utf-8")
         self.process = subprocess.Popen(
             [PROJECT / "serve", "--no-build", "--preset", PRESET, "--port", "0",
              "--root", self.root],
-            stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+            stdout=subprocess.PIPE, stderr=self.log, text=True)
         line = self.process.stdout.readline()
         match = re.match(r"Serving http://127\.0\.0\.1:(\d+)/$", line)
         if match is None:
-            errors = self.process.communicate()[1]
+            self.log.seek(0)
+            errors = self.log.read()
             self.__exit__()
             raise AssertionError("The board did not start: %s%s" % (line, errors))
         self.port = int(match[1])
@@ -43,6 +46,7 @@ class Board:
     def __exit__(self, *_):
         self.process.terminate()
         self.process.communicate()
+        self.log.close()
         shutil.rmtree(self.folder, ignore_errors=True)
 
     def path(self, path):
@@ -70,12 +74,15 @@ class Board:
         """Sends the back-end frames over one connection; codes and payloads of its replies."""
         replies = []
         with socket.socket(socket.AF_UNIX) as connection:
-            connection.settimeout(3)
+            connection.settimeout(60)
             connection.connect(str(self.path("/var/run/backend.sock")))
             stream = connection.makefile("rb")
             for body in bodies:
-                connection.sendall(struct.pack(">I", len(body)) + body)
-                head = stream.read(4)
+                try:
+                    connection.sendall(struct.pack(">I", len(body)) + body)
+                    head = stream.read(4)
+                except (BrokenPipeError, ConnectionResetError):
+                    break
                 if len(head) < 4:
                     break
                 reply = stream.read(struct.unpack(">I", head)[0])
