@@ -6,7 +6,6 @@ import os
 import re
 import stat
 import struct
-import time
 import unittest
 
 from support.board import Board, Client
@@ -265,19 +264,7 @@ class WireFormats(DocumentTest):
         self.assertEqual(self.order("status")[0], 0)
         self.stated(r"(also when it comes back)")
         self.board.control("die")
-        self.assertEqual(self.after_return(), (0, b""))
-
-    def after_return(self):
-        """What the back-end that has come back answers; it may not listen yet."""
-        for _ in range(600):
-            try:
-                return self.order("status")
-            except (ConnectionError, FileNotFoundError, struct.error):
-                self.pause()
-        return None
-
-    def pause(self):
-        time.sleep(0.05)
+        self.assertEqual(self.board.wait_for_backend(), (0, b""))
 
     def test_codes_are_those_of_the_headers(self):
         ours, channels = [dict(rows) for cells, rows in self.document.tables()

@@ -8,6 +8,7 @@ import socket
 import struct
 import subprocess
 import tempfile
+import time
 import urllib.parse
 from pathlib import Path
 
@@ -57,6 +58,15 @@ class Board:
         """Gives an order of boardctl; what it prints."""
         command = [self.path("/usr/local/bin/boardctl"), "--root", self.root, *map(str, words)]
         return subprocess.run(command, check=True, capture_output=True, text=True).stdout
+
+    def wait_for_backend(self):
+        """Returns the answer of a back-end that is coming back, once it listens."""
+        for _ in range(1200):
+            try:
+                return self.ask(4, 0, b"", b"status")
+            except (OSError, IndexError):
+                time.sleep(0.05)
+        raise AssertionError("The back-end has not come back.")
 
     def raw(self, request):
         """The whole answer to bytes that need not be HTTP."""
