@@ -47,6 +47,11 @@ class Architecture(DocumentTest):
         dispatcher = codes_in(self.folders()["main"])[0].removesuffix("()")
         self.assertIn("int %s() {" % dispatcher, read("main/EFIBackupRestoreMain.cpp"))
 
+    def test_the_display_modes_are_those_of_the_dispatcher(self):
+        modes = self.stated(r"may use the function \(`displayMode` (\d) or (\d)\)")
+        self.assertIn("return allowed ? %d : %d;" % tuple(modes),
+                      read("main/EFIBackupRestoreMain.cpp"))
+
     def test_each_page_is_one_source_and_has_the_stated_base(self):
         base = codes_in(self.folders()["pages"])[0]
         for path in (PROJECT / "pages").glob("*.cpp"):
@@ -116,6 +121,10 @@ class Architecture(DocumentTest):
         kinds = re.search(r"enum class Kind \{ PLAIN, (.*?) \};",
                           read("platform/host/html/Skeleton.h"))[1].split(", ")
         self.assertEqual(len(marks), len(kinds))
+
+    def test_the_example_of_a_message_is_explained_by_its_number(self):
+        row = next(row for row in self.table("mark", "prints") if "message" in row[0])
+        self.assertEqual(re.search(r"(\d+)-", row[0])[1], re.search(r"message (\d+)", row[1])[1])
 
     def test_the_first_marks_take_the_stated_endings(self):
         count, first, second = self.stated(
