@@ -1,5 +1,6 @@
 #include "platform/host/storage/files.h"
 
+#include "platform/host/base/Descriptor.h"
 #include "tests/backend/support/RootTest.h"
 
 #include <gtest/gtest.h>
@@ -10,6 +11,7 @@
 #include <cerrno>
 #include <csignal>
 #include <filesystem>
+#include <new>
 
 namespace VeskLib::Test {
 
@@ -78,6 +80,14 @@ TEST_F(Files, doesNotReadWhatIsNoRegularFile) {
     EXPECT_EQ(readError(at("pipe")), EINVAL);
     EXPECT_EQ(readError(at("")), EINVAL);
     EXPECT_EQ(readError("/dev/zero"), EINVAL);
+}
+
+TEST_F(Files, passesOnWhatTheTakerOfPiecesThrows) {
+    writeText(at("file"), std::string(LIMIT, 'x'));
+    const Descriptor file(openForReading(at("file")));
+    EXPECT_THROW(readPieces(file.get(), LIMIT,
+                            [](const unsigned char*, std::size_t) { throw std::bad_alloc(); }),
+                 std::bad_alloc);
 }
 
 TEST_F(Files, replacesAFileAndLeavesNothingAside) {

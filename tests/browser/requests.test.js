@@ -7,6 +7,7 @@ import { Board } from "./support/board.js";
 import { Client as WebClient, assertErrorPage, downloadLink } from "./support/client.js";
 import { parseConfigurationFile } from "./support/configurationFile.js";
 import { DirectClient } from "./support/directClient.js";
+import { MULTIPART, uploadBody } from "./support/multipart.js";
 
 const SCREEN = "/maintenance/efi_backup_restore.cgi";
 
@@ -55,6 +56,66 @@ for (const [way, Client] of Object.entries(WAYS)) {
             const page = await client.get(`${SCREEN}?functionID=106`);
             assert.equal(page.status, 200);
             assert.ok(page.text.includes('<meta name="FRAME-ID" content="M-RESTOR_EFI_CONF-C-00">'));
+        });
+
+        describe("a user without authority", () => {
+            let viewer;
+
+            before(async () => {
+                viewer = await Client.loggedIn(board, "viewer");
+            });
+
+            const upload = (bytes, fileName) => () =>
+                viewer.request(SCREEN, {
+                    method: "POST",
+                    body: uploadBody(bytes, fileName),
+                    headers: { "content-type": MULTIPART },
+                });
+            const restoreStep = (fields) => () =>
+                viewer.post(SCREEN, { functionID: "106", ...fields });
+            const refusal = /\[12-1033\]/;
+
+            for (const [what, send, words] of [
+                ["opens the backup page", () => viewer.get(`${SCREEN}?functionID=105`), refusal],
+                ["opens the restore page", () => viewer.get(`${SCREEN}?functionID=106`), refusal],
+                ["backs up", () => viewer.backUp(3), refusal],
+                ["backs up a partition that does not exist", () => viewer.backUp(99), refusal],
+                [
+                    "backs up no partition",
+                    () => viewer.post(SCREEN, { functionID: "105", hidden_status: "BACKUP" }),
+                    /screen information/,
+                ],
+                ["posts the backup form without a step", () => viewer.post(SCREEN, { functionID: "105" }), refusal],
+                ["uploads", upload(Buffer.from("no configuration")), refusal],
+                ["uploads an empty file", upload(Buffer.alloc(0)), refusal],
+                ["uploads a file that is too large", upload(Buffer.alloc(400000)), refusal],
+                ["uploads a file of another kind", upload(Buffer.from("x"), "a.txt"), refusal],
+                ["restores", restoreStep({ hidden_status: "2", pid3: "3" }), refusal],
+                ["restores every partition", restoreStep({ hidden_status: "2", check_box: "" }), refusal],
+                ["discards", restoreStep({ hidden_status: "3" }), refusal],
+                ["posts an unknown step", restoreStep({ hidden_status: "4" }), refusal],
+                ["posts the restore form without a step", restoreStep({}), /<\/html>/],
+            ]) {
+                test(`is forbidden: ${what}`, async () => {
+                    assertErrorPage(await send(), 403, words);
+                });
+            }
+
+            test("is forbidden while the back-end is failing", async () => {
+                const own = await Board.start();
+                try {
+                    const other = await Client.loggedIn(own, "viewer");
+                    await own.control("refuse", "0x0201002F", 1603);
+                    const answer = await other.post(SCREEN, {
+                        functionID: "106",
+                        hidden_status: "2",
+                        check_box: "",
+                    });
+                    assertErrorPage(answer, 403, refusal);
+                } finally {
+                    await own.remove();
+                }
+            });
         });
 
         describe("a session that is none", () => {

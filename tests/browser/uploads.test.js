@@ -317,7 +317,7 @@ for (const [way, Client] of Object.entries(WAYS)) {
                 () => viewer.backUp(3),
             ]) {
                 const answer = await send();
-                assert.match(answer.text, /\[12-1033\]/);
+                assertErrorPage(answer, 403, /\[12-1033\]/);
                 assert.doesNotMatch(answer.text, /<form|was restored|download_link/);
             }
             const again = downloadLink(await client.backUp(3));

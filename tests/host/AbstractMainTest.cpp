@@ -8,6 +8,8 @@
 #include "tests/support/hostileTexts.h"
 #include "tests/support/markup.h"
 
+#include <VeskLib/Gui/CommonDefaultPage.h>
+#include <VeskLib/Gui/JudgeAuthority.h>
 #include <VeskLib/VeskUi/PartitionInfoPacket.h>
 
 #include <gmock/gmock.h>
@@ -38,6 +40,26 @@ int printPage(TestMain& /*main*/) {
 int printGuardedPage(TestMain& main) {
     main.guiCheckSession(true);
     return printPage(main);
+}
+
+class EmptyPage : public Gui::CommonDefaultPage {
+public:
+    EmptyPage(Gui::MessageMgr& messages, int* displayMode)
+        : CommonDefaultPage(messages, displayMode, "/usr/local/www/skel/skeleton_error.txt") {
+        makePage();
+    }
+
+protected:
+    void makeDispPage() override {}
+    void makeConfigPage() override {}
+};
+
+// Asks whether the user may use function 106 and begins its page, as a dispatcher does.
+void beginPage(TestMain& main) {
+    main.requester = std::make_unique<Gui::CGIRequester>("").release();
+    int displayMode = Gui::JudgeAuthority(&main.authority, 106, -1).getDisplayMode();
+    Gui::MessageMgr messages(main.messageSet);
+    const EmptyPage page(messages, &displayMode);
 }
 
 }  // namespace
@@ -190,18 +212,34 @@ TEST_F(AbstractMainTest, aCheckThatShowsNoErrorGoesOnWithoutRights) {
     EXPECT_EQ(parseResponse(result.output).body, "01");
 }
 
+TEST_F(AbstractMainTest, aCheckThatShowsNoErrorLeavesTheRightsUnchanged) {
+    const std::string functions = ",105,";
+    const ChildResult result = runRequest(
+        [&functions](TestMain& main) {
+            main.authority = {.everyFunction = 7, .functions = &functions};
+            main.guiCheckSession(false);
+            std::cout << main.authority.everyFunction << *main.authority.functions;
+            return 0;
+        },
+        getRequest());
+    EXPECT_EQ(parseResponse(result.output).body, "7,105,");
+}
+
 TEST_F(AbstractMainTest, theCheckGivesTheUsersRights) {
-    const auto printRights = [](TestMain& main) {
-        main.guiCheckSession(true);
-        std::cout << main.authority.everyFunction << *main.authority.functions;
-        return 0;
-    };
     const Session some = Host::startSession("user", false, ",105,");
     const Session all = Host::startSession("admin", true, "");
-    EXPECT_EQ(parseResponse(runRequest(printRights, getRequest(some.cookieValue())).output).body,
-              "0,105,");
-    EXPECT_EQ(parseResponse(runRequest(printRights, getRequest(all.cookieValue())).output).body,
-              "1");
+    for (const bool showError : {true, false}) {
+        const auto printRights = [showError](TestMain& main) {
+            main.guiCheckSession(showError);
+            std::cout << main.authority.everyFunction << *main.authority.functions;
+            return 0;
+        };
+        EXPECT_EQ(
+            parseResponse(runRequest(printRights, getRequest(some.cookieValue())).output).body,
+            "0,105,");
+        EXPECT_EQ(parseResponse(runRequest(printRights, getRequest(all.cookieValue())).output).body,
+                  "1");
+    }
 }
 
 TEST_F(AbstractMainTest, theCookieAndTheLanguageAreThereBeforeTheWork) {
@@ -277,6 +315,59 @@ TEST_F(AbstractMainTest, anErrorWithoutABackEndRequestIsTheClients) {
     const CGIResponse response = runFailing(
         [](TestMain& main) {
             main.requester = std::make_unique<Gui::CGIRequester>("").release();
+            main.errorExit("title", "message");
+            return 0;
+        },
+        getRequest());
+    EXPECT_EQ(response.status, "400 Bad Request");
+}
+
+TEST_F(AbstractMainTest, answersForbiddenWhereverARefusedUsersRequestEnds) {
+    const std::vector<TestMain::Work> ends = {
+        [](TestMain& main) {
+            main.errorExit("title", "message");
+            return 0;
+        },
+        [](TestMain& main) {
+            VeskUi::PartitionInfoPacket packet;
+            main.requester->getInfo(1, packet);
+            main.errorExit("title", "message");
+            return 0;
+        },
+        [](TestMain&) -> int {
+            throw Host::makePlatformException(Host::LOCK_NOT_OBTAINED, "LockedFile failed");
+        },
+        [](TestMain&) -> int { throw std::bad_alloc(); },
+        printPage,
+    };
+    for (const TestMain::Work& end : ends) {
+        const auto work = [&end](TestMain& main) {
+            beginPage(main);
+            return end(main);
+        };
+        for (const Environment& request : {getRequest(), postRequest()}) {
+            EXPECT_EQ(parseResponse(runRequest(work, request).output).status, "403 Forbidden");
+        }
+    }
+}
+
+TEST_F(AbstractMainTest, keepsTheStatusOfAnErrorBeforeThePageBegins) {
+    const CGIResponse response = runFailing(
+        [](TestMain& main) {
+            Gui::JudgeAuthority(&main.authority, 106, -1).getDisplayMode();
+            main.errorExit("title", "message");
+            return 0;
+        },
+        getRequest());
+    EXPECT_EQ(response.status, "400 Bad Request");
+}
+
+TEST_F(AbstractMainTest, keepsTheStatusOfAnAllowedUsersError) {
+    const std::string functions = ",106,";
+    const CGIResponse response = runFailing(
+        [&functions](TestMain& main) {
+            main.authority.functions = &functions;
+            beginPage(main);
             main.errorExit("title", "message");
             return 0;
         },

@@ -57,6 +57,15 @@ TEST_F(VeskTraceHostTest, aLineTellsWhenWhoWhereAndWhat) {
     EXPECT_THAT(lines()[1], EndsWith(" 255.255.FFFF level 255: "));
 }
 
+TEST_F(VeskTraceHostTest, onlyTheBoardsUserReadsTheLogWhateverTheMask) {
+    const mode_t mask = ::umask(0);
+    put("text");
+    ::umask(mask);
+    struct stat status = {};
+    ASSERT_EQ(::stat(boardFile(LOG).c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, 0600U);
+}
+
 TEST_F(VeskTraceHostTest, theTimeIsNow) {
     put("text");
     const std::time_t now = std::time(nullptr);

@@ -12,6 +12,8 @@
 #include <filesystem>
 #include <functional>
 #include <iostream>
+#include <new>
+#include <utility>
 
 namespace VeskLib::Test {
 
@@ -123,6 +125,22 @@ TEST_F(ErrorPageTest, aMalformedSkeletonGivesThePlainPageAndNothingOfIt) {
     const CGIResponse response = show({.title = "Title", .message = "message"});
     EXPECT_THAT(response.body, Not(HasSubstr("BEGINNING")));
     EXPECT_THAT(response.body, HasSubstr("<h1>Title</h1><p>message</p>"));
+}
+
+TEST_F(ErrorPageTest, givesTheFixedPageWhenNoPageCanBePrinted) {
+    class FullBuffer : public std::streambuf {
+    protected:
+        int_type overflow(int_type /*character*/) override { throw std::bad_alloc(); }
+    };
+    static_assert(noexcept(printErrorPage(ErrorPage(), std::declval<Response&>())));
+    const CGIResponse response = respondInstead([](Response& target) {
+        FullBuffer full;
+        std::streambuf* const usual = std::cout.rdbuf(&full);
+        printErrorPage({.status = 403, .title = "t", .message = "m"}, target);
+        std::cout.rdbuf(usual);
+    });
+    EXPECT_EQ(response.status, "500 Internal Server Error");
+    EXPECT_THAT(textOf(response.body), HasSubstr("no memory left"));
 }
 
 TEST_F(ErrorPageTest, everyCheckHasItsPageInBothLanguages) {

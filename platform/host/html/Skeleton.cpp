@@ -181,7 +181,8 @@ bool Skeleton::parseWord(std::string_view word, std::vector<std::size_t>& openCo
     piece.kind = Kind::COMPONENT;
     piece.place = takePlace(word);
     piece.text = word;
-    return isName(word);
+    // With an ending, a word that has a meaning would otherwise be a component that prints nothing.
+    return isName(word) && word != "end" && word != "language" && word != "nonce";
 }
 
 bool Skeleton::parseCondition(Kind kind, std::string_view name,

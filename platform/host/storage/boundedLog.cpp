@@ -12,7 +12,7 @@ namespace VeskLib::Host {
 namespace {
 
 const off_t LARGEST_FILE = 1024 * 1024;
-const mode_t FILE_MODE = 0640;
+const mode_t FILE_MODE = 0600;
 
 // Opens the log for appending; -1 when it is not a regular file that can be written.
 int openLog(const std::string& path) {

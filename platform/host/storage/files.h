@@ -19,8 +19,8 @@ bool readFile(const std::string& path, std::size_t limit, std::vector<unsigned c
 // The same for a file that is open, from its start whatever its offset.
 bool readOpenFile(int descriptor, std::size_t limit, std::vector<unsigned char>& bytes);
 
-// The same, handing the bytes on piece by piece in place of keeping them; `take` must not throw.
-// When it returns false, some may have been handed on.
+// The same, handing the bytes on piece by piece in place of keeping them. When it returns false,
+// some may have been handed on. What `take` throws passes through; nothing more is read then.
 bool readPieces(int descriptor, std::size_t limit,
                 const std::function<void(const unsigned char*, std::size_t)>& take);
 

@@ -5,6 +5,7 @@
 #include "platform/host/web/Response.h"
 #include "platform/host/web/Session.h"
 #include "platform/host/web/errorPage.h"
+#include "platform/host/web/refusedPage.h"
 #include "platform/host/web/requestChecks.h"
 
 #include <utility>
@@ -16,6 +17,7 @@ using Host::ErrorPage;
 namespace {
 
 const int FAILED = 1;  // the exit status of a request that ended with an error page
+const int FORBIDDEN = 403;
 
 }  // namespace
 
@@ -41,6 +43,9 @@ int AbstractMain::exec() {
         if (formInfo != nullptr) {
             formInfo->terminate();
         }
+    }
+    if (Host::wasPageRefused()) {
+        response.setStatus(FORBIDDEN);
     }
     return response.send() ? result : FAILED;
 }

@@ -73,15 +73,19 @@ std::string describe(const PException& exception) {
 
 }  // namespace
 
-void printErrorPage(const ErrorPage& page, Response& response) {
-    response.discard();
-    response.setStatus(page.status);
+void printErrorPage(const ErrorPage& page, Response& response) noexcept {
     try {
-        printFromSkeleton(page);
-    } catch (const PException&) {
-        // The generator has traced why.
         response.discard();
-        printPlain(page);
+        response.setStatus(page.status);
+        try {
+            printFromSkeleton(page);
+        } catch (...) {
+            // The generator has traced why a skeleton cannot be used.
+            response.discard();
+            printPlain(page);
+        }
+    } catch (...) {
+        response.useLastResort();
     }
 }
 

@@ -15,11 +15,13 @@ struct ErrorPage {
     bool offerLogin = false;  // whether logging in is what to do next
 };
 
-// Makes `page` the response, in place of everything printed so far. Never throws: when even the
-// page's skeleton cannot be used, the response is a plain page of the same words.
-void printErrorPage(const ErrorPage& page, Response& response);
+// Makes `page` the response, in place of everything printed so far. If the page's skeleton cannot
+// be used, the response is a plain page of the same words; if that cannot be printed either, it is
+// the one of Response::useLastResort().
+void printErrorPage(const ErrorPage& page, Response& response) noexcept;
 
-// The error page for an exception that nobody caught, with a trace line.
+// Makes the error page for an exception that nobody caught the response, and writes a trace line.
+// Throws what the C++ library throws when there is no memory for either.
 void printExceptionPage(const PException& exception, Response& response);
 
 // Called while an exception is handled: makes the response the error page that it stands for, with

@@ -37,8 +37,9 @@ protected:
     // Fills `sessionText` and `messageSet` from the request's cookies and headers.
     void getCookie();
 
-    // Checks the login session and fills `authority`. Returns only for a valid session; when
-    // `showError` is set, the request otherwise ends with the error page.
+    // Checks the login session and fills `authority`. Without a valid session, ends the request
+    // with the error page if `showError` is set; otherwise returns and leaves `authority`
+    // unchanged.
     void guiCheckSession(bool showError);
 
     // Shows the platform's error page and ends the request; not meant to return.

@@ -1,0 +1,167 @@
+"""A board of a test's own, served as an operator serves it, and clients of it."""
+
+import http.client
+import os
+import re
+import shutil
+import socket
+import struct
+import subprocess
+import tempfile
+import time
+import urllib.parse
+from pathlib import Path
+
+from support.document import PROJECT
+
+PRESET = os.environ.get("BOARD_PRESET", "release")
+BUILD = PROJECT / "build" / PRESET
+SCREEN = "/maintenance/efi_backup_restore.cgi"
+BOUNDARY = "----documents"
+
+
+class Board:
+    """Serves the build without building it, on a free port and a root of its own."""
+
+    def __enter__(self):
+        self.folder = Path(tempfile.mkdtemp(prefix="documents-"))
+        # Where the documents have it, seen from the folder that their commands are run in.
+        self.root = self.folder / "var/board"
+        self.root.mkdir(parents=True)
+        # A file, which takes all that the back-end logs.
+        self.log = (self.folder / "log").open("w+", encoding="utf-8")
+        self.process = subprocess.Popen(
+            [PROJECT / "serve", "--no-build", "--preset", PRESET, "--port", "0",
+             "--root", self.root],
+            stdout=subprocess.PIPE, stderr=self.log, text=True)
+        line = self.process.stdout.readline()
+        match = re.match(r"Serving http://127\.0\.0\.1:(\d+)/$", line)
+        if match is None:
+            self.log.seek(0)
+            errors = self.log.read()
+            self.__exit__()
+            raise AssertionError("The board did not start: %s%s" % (line, errors))
+        self.port = int(match[1])
+        return self
+
+    def __exit__(self, *_):
+        self.process.terminate()
+        self.process.communicate()
+        self.log.close()
+        shutil.rmtree(self.folder, ignore_errors=True)
+
+    def path(self, path):
+        """Where a board's file is on this machine."""
+        return self.root / path.lstrip("/")
+
+    def control(self, *words):
+        """Gives an order of boardctl; what it prints."""
+        command = [self.path("/usr/local/bin/boardctl"), "--root", self.root, *map(str, words)]
+        return subprocess.run(command, check=True, capture_output=True, text=True).stdout
+
+    def wait_for_backend(self):
+        """Returns the answer of a back-end that is coming back, once it listens."""
+        for _ in range(1200):
+            try:
+                return self.ask(4, 0, b"", b"status")
+            except (OSError, IndexError):
+                time.sleep(0.05)
+        raise AssertionError("The back-end has not come back.")
+
+    def raw(self, request):
+        """The whole answer to bytes that need not be HTTP."""
+        with socket.create_connection(("127.0.0.1", self.port), timeout=60) as connection:
+            connection.sendall(request)
+            connection.shutdown(socket.SHUT_WR)
+            return b"".join(iter(lambda: connection.recv(65536), b""))
+
+    def ask(self, kind, number, session=b"", payload=b""):
+        """Sends the back-end one frame; code and payload of its reply."""
+        body = struct.pack(">BIH", kind, number, len(session)) + session + payload
+        return self.exchange(body)[0]
+
+    def exchange(self, *bodies):
+        """Sends the back-end frames over one connection; codes and payloads of its replies."""
+        replies = []
+        with socket.socket(socket.AF_UNIX) as connection:
+            connection.settimeout(60)
+            connection.connect(str(self.path("/var/run/backend.sock")))
+            stream = connection.makefile("rb")
+            for body in bodies:
+                try:
+                    connection.sendall(struct.pack(">I", len(body)) + body)
+                    head = stream.read(4)
+                except (BrokenPipeError, ConnectionResetError):
+                    break
+                if len(head) < 4:
+                    break
+                reply = stream.read(struct.unpack(">I", head)[0])
+                replies.append((struct.unpack(">I", reply[:4])[0], reply[4:]))
+        return replies
+
+
+class Answer:
+    def __init__(self, response):
+        self.status = response.status
+        self.headers = response.headers
+        self.body = response.read()
+        self.text = self.body.decode("utf-8", "replace")
+
+
+class Client:
+    """A browser without a page: keeps the session's cookie."""
+
+    def __init__(self, board, user=None):
+        self.board = board
+        self.cookie = None
+        if user is not None:
+            answer = self.post("/login.cgi", {"user": user, "password": user})
+            if answer.status != 303:
+                raise AssertionError("%s cannot log in: %d" % (user, answer.status))
+            self.set_cookie = answer.headers["Set-Cookie"]
+            self.cookie = self.set_cookie.split(";")[0]
+
+    @property
+    def value(self):
+        return self.cookie.partition("=")[2]
+
+    @property
+    def identifier(self):
+        """The session's identifier, as its files are named."""
+        return self.value.split("-")[0]
+
+    def request(self, method, target, body=None, headers=()):
+        connection = http.client.HTTPConnection("127.0.0.1", self.board.port, timeout=120)
+        sent = dict(headers)
+        if self.cookie:
+            sent["Cookie"] = self.cookie
+        try:
+            connection.request(method, target, body, sent)
+            return Answer(connection.getresponse())
+        finally:
+            connection.close()
+
+    def get(self, target):
+        return self.request("GET", target)
+
+    def post(self, target, fields):
+        return self.request("POST", target, urllib.parse.urlencode(fields),
+                            {"Content-Type": "application/x-www-form-urlencoded"})
+
+    def upload(self, content, name="a.dat", fields=(("hidden_status", "1"),)):
+        """Posts a file to the restore screen, as its form does."""
+        return self.post_parts(upload_body(content, name, fields))
+
+    def post_parts(self, body):
+        return self.request("POST", SCREEN, body,
+                            {"Content-Type": "multipart/form-data; boundary=" + BOUNDARY})
+
+
+def upload_body(content, name="a.dat", fields=(("hidden_status", "1"),)):
+    parts = [(f'name="filename"; filename="{name}"', content)]
+    parts += [(f'name="{key}"', value.encode())
+              for key, value in [*fields, ("functionID", "106")]]
+    body = b"".join(
+        f"--{BOUNDARY}\r\nContent-Disposition: form-data; {header}\r\n\r\n".encode()
+        + value + b"\r\n" for header, value in parts)
+    return body + f"--{BOUNDARY}--\r\n".encode()

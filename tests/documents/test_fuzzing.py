@@ -1,0 +1,112 @@
+"""docs/reliability/fuzzing.md against the targets and the commands. Its figures were measured once;
+what they say of each other is checked."""
+
+import importlib.machinery
+import importlib.util
+import re
+import subprocess
+import unittest
+
+from support.board import BUILD
+from support.document import PROJECT, DocumentTest, codes_in
+from support.source import read
+
+FUZZ = PROJECT / "tests/fuzz"
+
+
+def growth():
+    """The script as a module, for its table of inputs."""
+    loader = importlib.machinery.SourceFileLoader("growth", str(FUZZ / "growth"))
+    module = importlib.util.module_from_spec(importlib.util.spec_from_loader("growth", loader))
+    loader.exec_module(module)
+    return module
+
+
+def number(text):
+    return int(text.replace(",", ""))
+
+
+class Fuzzing(DocumentTest):
+    name = "docs/reliability/fuzzing.md"
+    targets = sorted(path.stem for path in (FUZZ / "targets").glob("*.cpp"))
+
+    def test_every_target_is_listed(self):
+        rows = self.table("parser", "targets")
+        self.assertEqual(sorted({name for row in rows for name in codes_in(row[1])}), self.targets)
+
+    def test_every_target_has_seeds_and_is_a_test(self):
+        seeds = self.stated(r"`([\w/]+)/TARGET` holds small inputs")
+        replayed = self.stated(r"replayed as the tests `(\w+)\.TARGET`")
+        tests = subprocess.run(["ctest", "--test-dir", BUILD, "-N"], check=True,
+                               capture_output=True, text=True).stdout
+        for target in self.targets:
+            self.assertTrue(any((PROJECT / seeds / target).iterdir()), target)
+            self.assertRegex(tests, r": %s\.%s\n" % (replayed, target))
+
+    def test_regressions_belong_to_targets(self):
+        folder = self.stated(r"An input that once failed moves to `([\w/]+)/TARGET`")
+        for path in (PROJECT / folder).iterdir():
+            self.assertIn(path.name, self.targets)
+
+    def test_the_runs_add_up_as_stated(self):
+        rows = self.table("target", "runs")
+        self.assertEqual([codes_in(row[0])[0] for row in rows], self.targets)
+        runs = [number(row[1]) for row in rows]
+        least, whole = self.stated(r"Reached, in several rounds: (\d+) million or more of each, "
+                                   r"([\d,]+) in all")
+        self.assertGreaterEqual(min(runs), least * 10 ** 6)
+        self.assertEqual(sum(runs), number(whole))
+
+    def test_the_forms_have_the_stated_lengths(self):
+        script = read("tests/fuzz/run")
+        self.assertEqual(self.stated(r"`tests/fuzz/run short`: (\d+) runs of each target"),
+                         int(re.search(r"short_runs=(\d+)", script)[1]))
+        millions, hours = self.stated(r"aim of the long form is (\d+) million runs of each target, "
+                                      r"or (an hour)")
+        self.assertEqual(hours, "an hour")
+        self.assertRegex(script, r"runs=%d seconds=3600" % (millions * 10 ** 6))
+
+    def test_growth_has_the_stated_limit_and_inputs(self):
+        module = growth()
+        self.assertEqual(float(self.stated(r"more than (\d+\.\d+) times the work for twice")),
+                         module.LIMIT)
+        self.assertEqual(self.stated(r"(\d+) kinds of input, at least one for every target"),
+                         len(module.KINDS))
+        self.assertEqual(sorted({kind[0] for kind in module.KINDS}), self.targets)
+        largest = self.stated(r"the largest step is (\d+\.\d+) times \(lines of a session file")
+        self.assertLess(float(largest), module.LIMIT)
+        self.assertIn(("sessionFile", "lines"), [kind[:2] for kind in module.KINDS])
+
+    def test_growth_is_run_with_the_stated_folder(self):
+        folder = self.stated(r"`tests/fuzz/growth (build/release/tests/fuzz)`")
+        self.assertTrue((BUILD / folder.removeprefix("build/release/")).is_dir())
+        self.assertEqual(subprocess.run([FUZZ / "growth"], check=False,
+                                        stdout=subprocess.DEVNULL).returncode, 2)
+
+    def test_percentages_follow_from_their_counts(self):
+        found = re.findall(r"(\d+) of (\d+), (\d+) %", self.document.words)
+        self.assertEqual(len(found), 2)
+        for reached, whole, percent in found:
+            self.assertEqual(round(100 * int(reached) / int(whole)), int(percent))
+        changes, useless, rest, caught, percent = re.search(
+            r"knows (\d+) changes: .* (\d+) do not compile; of the other (\d+) the unit tests caught "
+            r"\*\*(\d+), ([\d.]+) %\*\*", self.document.words).groups()
+        self.assertEqual(int(changes) - int(useless), int(rest))
+        self.assertEqual("%.1f" % (100 * int(caught) / int(rest)), percent)
+
+    def test_what_is_left_names_sources(self):
+        names = {path.name for folder in ("platform", "board")
+                 for path in (PROJECT / folder).rglob("*.cpp")}
+        for where, _, _ in self.table("where", "branches that are not reached", "why"):
+            for name in codes_in(where):
+                self.assertIn(name, names)
+
+    def test_the_targets_are_built_as_stated(self):
+        self.stated(r"(built by clang with its fuzzer, AddressSanitizer and UndefinedBehaviorSan)")
+        text = read("CMakeLists.txt")
+        self.assertIn("-fsanitize=fuzzer-no-link,address,undefined", text)
+        self.assertRegex(read("CMakePresets.json"), r'"CMAKE_CXX_COMPILER": "clang\+\+"')
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,102 @@
+"""docs/reliability.md against the fault tests and the sources. Its figures were measured once; what
+they say of each other and of the commands is checked."""
+
+import re
+import subprocess
+import unittest
+
+from support.document import PROJECT, DocumentTest, codes_in
+from support.source import constant, read
+
+RUN = PROJECT / "tests/faults/run"
+
+
+class Reliability(DocumentTest):
+    name = "docs/reliability.md"
+
+    def rows(self):
+        return self.table("row", "what goes wrong", "runs", "violations")
+
+    def number(self, text):
+        return int(re.match(r"[\d,]+", text)[0].replace(",", ""))
+
+    def test_the_times_are_those_of_the_sources(self):
+        exchange, lock = self.stated(
+            r"An exchange with the back-end has (\d+) s, a wait for the lock (\d+) s")
+        self.assertEqual(1000 * exchange, constant("platform/host/channel/Channel.h",
+                                                   "CHANNEL_DEADLINE_MILLISECONDS"))
+        self.assertEqual(1000 * lock, constant("platform/host/storage/LockedFile.cpp",
+                                               "WAIT_MILLISECONDS"))
+
+    def test_the_logs_are_kept_to_the_stated_size(self):
+        trace, web, count, size = self.stated(
+            r"`(\w+\.log)` and `(\w+\.log)` are each kept to (\w+) files of (\d+) MiB")
+        self.assertEqual(size * 1024 * 1024, constant("platform/host/storage/boundedLog.cpp",
+                                                      "LARGEST_FILE"))
+        self.assertEqual(count, "two")
+        self.assertIn("/var/log/" + trace, read("platform/host/base/SystemPath.h"))
+        self.assertRegex(read("board/web/lighttpd.conf"), r"keep_log .*/var/log/%s" % web)
+
+    def test_the_table_has_every_row_of_the_fault_tests(self):
+        text = subprocess.run([RUN, "--help"], check=True, capture_output=True, text=True).stdout
+        helped = re.findall(r"^  (\w+) +\S", text[text.index("Rows:"):], re.MULTILINE)
+        self.assertEqual(sorted(codes_in(row[0])[0] for row in self.rows()), sorted(helped))
+
+    def test_the_command_of_a_row_is_taken(self):
+        form = self.stated(r"each row with the command `tests/faults/run (\w+) ROW`")
+        self.assertIn(form, subprocess.run([RUN, "--help"], check=True, capture_output=True,
+                                           text=True).stdout)
+        wrong = subprocess.run([RUN, form, "nothing"], capture_output=True, text=True, check=False)
+        self.assertEqual(wrong.returncode, 2)
+
+    def test_violations_are_kept_where_it_is_stated(self):
+        folder = self.stated(r"A violation is written to `([^`]+)` with all that")
+        text = subprocess.run([RUN, "--help"], check=True, capture_output=True, text=True).stdout
+        self.assertIn(folder, text)
+        self.stated(r"with all that `tests/faults/run (repeat FILE)` needs")
+        self.assertIn("tests/faults/run repeat FILE", text)
+        self.assertIn(self.stated(r"in equal steps whose start is `(--\w+)`"), text)
+
+    def test_the_requests_are_those_of_the_fault_tests(self):
+        listed = self.stated(r"The requests: (.*?)\. ##")
+        names = []
+        for part in re.sub(r" \([^)]*\)", "", listed).split(", "):
+            # "unusable, too large and broken upload"
+            names += part.split(" and ")
+        names = [each + " upload" if each in ("unusable", "too large") else each for each in names]
+        types = re.findall(r'^    name = "(.+)"', read("tests/faults/support/requestTypes.py"),
+                           re.MULTILINE)
+        self.assertEqual(sorted(names), sorted(types))
+
+    def test_no_row_had_a_violation(self):
+        self.assertEqual([row[3] for row in self.rows()], ["0"] * len(self.rows()))
+
+    def test_the_figures_of_a_row_agree(self):
+        for row in self.rows():
+            met = re.search(r"([\d,]+) cases, of which ([\d,]+) met their call", row[1])
+            if met:
+                self.assertEqual(self.number(met[2]), self.number(row[2]))
+                self.assertGreaterEqual(self.number(met[1]), self.number(met[2]))
+        sessions, rounds = re.search(r"(\d+) sessions with (\d+) rounds", self.document.words).groups()
+        whole = self.number(next(row[2] for row in self.rows() if "concurrency" in row[0]))
+        self.assertGreaterEqual(whole, 4 * int(sessions) * int(rounds))
+        last = self.stated(r"KiB behind [\d,]+ requests and [\d,]+ behind ([\d,]+);")
+        self.assertEqual(self.number(str(last)),
+                         self.number(next(row[2] for row in self.rows() if "soak" in row[0])))
+
+    def test_the_judge_asks_in_the_stated_rows(self):
+        rows, module = self.stated(r"In the rows (.*?) one module, `tests/faults/support/(\w+)\.py`, "
+                                   r"asks the same questions")
+
+        def asks(row):
+            source = read("tests/faults/rows/%s.py" % row)
+            shared = re.search(r"from rows import (.*)", source)
+            return "support." + module in source or shared is not None and any(
+                asks(each) for each in shared[1].split(", "))
+
+        self.assertEqual(codes_in(rows), [row for row in (codes_in(each[0])[0]
+                                                          for each in self.rows()) if asks(row)])
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,221 @@
+"""docs/security.md against a served board and the tests that it names."""
+
+import os
+import re
+import stat
+import subprocess
+import unittest
+
+from support.board import BUILD, SCREEN, Board, Client
+from support.document import PROJECT, DocumentTest, codes_in
+from support.source import constant, read
+
+COUNTS = ["no", "one", "two", "three", "four", "five", "six"]
+SESSION = "platform/host/web/Session.h"
+THROTTLE = "board/backend/LoginThrottle.h"
+
+
+def tests_of(folder):
+    """The suites of a folder's tests, and its sources by their names."""
+    sources = list((PROJECT / "tests" / folder).glob("*.cpp"))
+    text = "".join(path.read_text(encoding="utf-8") for path in sources)
+    suites = re.findall(r"\b(?:TEST|TEST_F|TEST_P)\((\w+),", text)
+    return {*suites, *(path.stem for path in sources)}
+
+
+class Security(DocumentTest):
+    name = "docs/security.md"
+
+    @classmethod
+    def setUpClass(cls):
+        super().setUpClass()
+        cls.board = cls.enterClassContext(Board())
+        cls.client = Client(cls.board, "admin")
+
+    def test_every_test_that_holds_a_defence_exists(self):
+        browser, rest = self.stated(
+            r"Tests named `x\.test` are in `([^`]+)`, the others in (.*?)\. \|")
+        others = [each.removeprefix("tests/") for each in codes_in(rest)]
+        suites = set().union(*(tests_of(each) for each in others)) | set(others)
+        listed = subprocess.run(["ctest", "--test-dir", BUILD, "-N"], check=True,
+                                capture_output=True, text=True).stdout
+        tests = set(re.findall(r"Test\s+#\d+: (\S+)", listed))
+        for _, _, holders in self.table("threat", "what is done", "held by"):
+            self.assertNotEqual(codes_in(holders), [])
+            for holder in codes_in(holders):
+                with self.subTest(test=holder):
+                    if holder.endswith(".test"):
+                        self.assertTrue((PROJECT / browser / (holder + ".js")).exists())
+                    else:
+                        self.assertTrue(holder in suites or holder in tests)
+
+    def test_the_cookie_is_as_stated(self):
+        bits = self.stated(r"the cookie holds (\d+) random bits that are compared in")
+        identifier, token = self.client.value.split("-")
+        self.assertEqual(4 * len(token), bits)
+        self.stated(r"(it is only the first part of the cookie, and no login)")
+        stranger = Client(self.board)
+        for value in (identifier, identifier + "-", identifier + "-" + "0" * len(token)):
+            stranger.cookie = "session=" + value
+            self.assertEqual(stranger.get(SCREEN + "?functionID=105").status, 403)
+        for attribute in self.stated(r"(SameSite=Strict), (HttpOnly);"):
+            self.assertIn("; " + attribute, self.client.set_cookie)
+        self.stated(r"cookie is therefore (not marked Secure)")
+        self.assertNotIn("Secure", self.client.set_cookie)
+
+    def test_a_session_ends_as_stated(self):
+        idle, life = self.stated(r"ends at logout, after (\d+) idle minutes and after (\d+) hours, "
+                                 r"with its files")
+        self.assertEqual(60 * idle, constant(SESSION, "SESSION_IDLE_SECONDS"))
+        self.assertEqual(3600 * life, constant(SESSION, "SESSION_LIFE_SECONDS"))
+        client = Client(self.board, "admin")
+        client.upload(b"no configuration, but staged until it is read")
+        client.post(SCREEN, {"functionID": "105", "hidden_status": "BACKUP", "radio_button": "3"})
+        files = [self.board.path("/var/lib/session/" + client.identifier),
+                 self.board.path("/var/tmp/efi_backup" + client.identifier)]
+        self.assertTrue(all(each.exists() for each in files))
+        self.assertEqual(client.post("/logout.cgi", {}).status, 303)
+        self.assertFalse(any(each.exists() for each in files))
+        self.assertEqual(client.get(SCREEN + "?functionID=105").status, 403)
+
+    def test_a_login_makes_the_session_anew(self):
+        self.stated(r"(made anew at login, never taken from outside)")
+        client = Client(self.board)
+        client.cookie = "session=" + "0" * 16 + "-" + "0" * 32
+        answer = client.post("/login.cgi", {"user": "admin", "password": "admin"})
+        self.assertNotIn("0" * 16, answer.headers["Set-Cookie"])
+
+    def test_guessing_is_slowed_down_as_stated(self):
+        failures, first, second, third, longest = self.stated(
+            r"after (\w+) failures from an address it waits (\d+) s, then (\d+), (\d+), … up to "
+            r"(\d+),")
+        self.assertEqual(COUNTS.index(failures), constant(THROTTLE, "FREE_ATTEMPTS"))
+        self.assertEqual([first, second, third], [constant(THROTTLE, "FIRST_WAIT") * factor
+                                                  for factor in (1, 2, 4)])
+        self.assertEqual(longest, constant(THROTTLE, "LONGEST_WAIT"))
+
+    def test_a_user_without_the_right_gets_the_stated_status(self):
+        status = self.stated(r"the channel refuses to send changes and the answer is (\d+)")
+        viewer = Client(self.board, "viewer")
+        for function in ("105", "106"):
+            self.assertEqual(viewer.get(SCREEN + "?functionID=" + function).status, status)
+            self.assertEqual(viewer.post(SCREEN, {"functionID": function, "hidden_status": "3"})
+                             .status, status)
+        for step in ("1", "2", "3"):
+            answer = viewer.upload(b"x", fields=(("hidden_status", step),))
+            self.assertEqual(answer.status, status)
+        self.assertEqual(viewer.post(SCREEN, {"functionID": "105", "hidden_status": "BACKUP",
+                                              "radio_button": "3"}).status, status)
+
+    def test_what_another_site_sends_is_refused(self):
+        self.stated(r"(Origin and Sec-Fetch-Site are checked on every POST)")
+        for header in ({"Origin": "http://other"}, {"Sec-Fetch-Site": "cross-site"}):
+            for target in (SCREEN, "/login.cgi", "/logout.cgi", "/"):
+                answer = self.client.request("POST", target, "", header)
+                self.assertEqual(answer.status, 403, target)
+        self.stated(r"(frame-ancestors)")
+        policy = self.client.get(SCREEN + "?functionID=105").headers["Content-Security-Policy"]
+        self.assertIn("frame-ancestors 'none'", policy)
+
+    def test_only_the_pages_own_scripts_run(self):
+        self.stated(r"lets only the page's own scripts run, told by a random (nonce), and no attr")
+        nonces = set()
+        for _ in range(2):
+            answer = self.client.get(SCREEN + "?functionID=105")
+            policy = answer.headers["Content-Security-Policy"]
+            nonce = re.search(r"script-src 'self' 'nonce-(\w+)'$", policy)[1]
+            self.assertEqual(set(re.findall(r"<script nonce=\"(\w+)\"", answer.text)), {nonce})
+            self.assertNotIn("unsafe", policy)
+            nonces.add(nonce)
+        self.assertEqual(len(nonces), 2)
+
+    def test_other_methods_get_the_stated_status(self):
+        status = int(next(what for threat, what, _ in
+                          self.table("threat", "what is done", "held by")
+                          if threat == "a method that nobody serves")[:3])
+        for target in (SCREEN, "/login.cgi", "/logout.cgi", "/", "/common/download.cgi"):
+            self.assertEqual(self.client.request("DELETE", target).status, status, target)
+        self.assertEqual(self.client.request("POST", "/default.css", "").status, 403)
+
+    def answers(self):
+        """One answer of every kind that the server gives once it has understood the request."""
+        client, stranger = self.client, Client(self.board)
+        yield from (client.get(target) for target in (
+            "/", "/login.cgi", SCREEN, SCREEN + "?functionID=105", SCREEN + "?functionID=106",
+            SCREEN + "?functionID=7", "/common/download.cgi", "/nothing", "/nothing.cgi",
+            "/x.conf", "/login.cgi/x", "/maintenance/"))
+        yield stranger.get("/")
+        yield stranger.get(SCREEN + "?functionID=105")
+        yield stranger.post("/login.cgi", {"user": "x", "password": "y"})
+        yield stranger.request("DELETE", SCREEN)
+        yield client.upload(b"x" * 500000)
+
+    def test_answers_are_not_kept_and_not_sniffed(self):
+        self.stated(r"(nosniff and no version in the Server header on every answer; no-store on all)")
+        answers = list(self.answers())
+        for answer in answers:
+            self.assertEqual(answer.headers["Cache-Control"], "no-store", answer.text)
+        files = [self.client.get(target) for target in (
+            "/default.css", "/maintenance/efi_pages.js", "/favicon.ico", "/favicon.svg")]
+        caching = self.stated(r"all but the style sheet, the script and the icon, which are ([\w-]+)")
+        for answer in files:
+            self.assertEqual((answer.status, answer.headers["Cache-Control"]), (200, caching))
+        for answer in answers + files:
+            self.assertEqual(answer.headers["X-Content-Type-Options"], "nosniff")
+            self.assertRegex(answer.headers["Server"], r"^[^\d/]+$")
+
+    def test_what_the_server_does_not_understand_has_the_stated_headers(self):
+        statuses = self.stated(r"before it has understood a request\*\* \((\d+), (\d+)\)")
+        self.stated(r"carry (no headers of ours but Server)")
+        port = str(self.board.port).encode()
+        requests = (b"nonsense SECRET\r\n\r\n",
+                    b"GET / HTTP/1.0\r\nHost: 127.0.0.1:" + port + b"\r\nX: SECRET" + b"x" * 20000
+                    + b"\r\n\r\n")
+        for status, request in zip(statuses, requests):
+            head, _, body = self.board.raw(request).decode().partition("\r\n\r\n")
+            self.assertEqual(int(head.split()[1]), status)
+            names = [line.partition(":")[0] for line in head.splitlines()[1:]]
+            self.assertIn("Server", names)
+            for name in ("Cache-Control", "X-Content-Type-Options", "X-Frame-Options",
+                         "Content-Security-Policy"):
+                self.assertNotIn(name, names)
+            self.assertRegex(head, r"Server: [^\d/]+(\r|$)")
+            self.stated(r"(they hold no text of the request, and their policy stands in the page)")
+            self.assertNotIn("SECRET", body)
+            self.assertIn("Content-Security-Policy", body)
+
+    def test_paths_outside_the_root_are_refused(self):
+        self.stated(r"(paths with dots, encoded slashes and trailing parts are refused)")
+        for target in ("/../usr/local/etc/board.toml", "/%2e%2e/x", "/a%2Fb", "/login.cgi/x",
+                       "/./default.css"):
+            answer = self.client.get(target)
+            self.assertIn(answer.status, (400, 403, 404), target)
+
+    def test_logs_have_the_stated_mode(self):
+        mode = self.stated(r"bounded files of mode (0\d+)")
+        self.client.get("/nothing")
+        self.client.get(SCREEN + "?functionID=7")
+        for name in ("trace.log", "web.log"):
+            file = self.board.path("/var/log/" + name)
+            if name == "trace.log":
+                self.assertTrue(file.exists())
+            if file.exists():
+                self.assertEqual("%o" % stat.S_IMODE(file.stat().st_mode), "%o" % int(str(mode), 8))
+        # The mode is the program's, not only that of whoever started it.
+        folder = self.board.folder / "logs"
+        folder.mkdir()
+        keeper = self.board.path("/usr/local/sbin/keep_log")
+        subprocess.run([keeper, folder / "log"], input=b"line\n", check=True,
+                       preexec_fn=lambda: os.umask(0))
+        self.assertEqual(stat.S_IMODE((folder / "log").stat().st_mode), int(str(mode), 8))
+
+    def test_the_server_listens_where_it_is_stated(self):
+        address = self.stated(r"The server speaks HTTP on (\d+\.\d+\.\d+\.\d+);")
+        self.assertIn('server.bind = "%s"' % address, read("board/web/lighttpd.conf"))
+        inode = r"(\S+):%04X 00000000:0000 0A" % self.board.port
+        listeners = re.findall(inode, read("/proc/net/tcp") + read("/proc/net/tcp6"))
+        self.assertEqual(listeners, ["0100007F"])
+
+
+if __name__ == "__main__":
+    unittest.main()
