@@ -235,6 +235,7 @@ for (const kind of BROWSERS) {
         test("Refresh after a restore restores nothing", async () => {
             await upload(page, board, "a.dat", makeFile("once"));
             await restoreTo(page, [3]);
+            await page.waitForAlert(/was restored/);
             const posts = countPosts(page);
             await page.reload();
             await posts.assertNone();
@@ -253,6 +254,7 @@ for (const kind of BROWSERS) {
             for (const go of ["goBack", "goForward"]) {
                 for (let step = 0; step < steps; ++step) {
                     await page[go]().catch(() => {});
+                    await page.waitForFunction(() => document.readyState === "complete");
                 }
             }
             await posts.assertNone();

@@ -21,7 +21,8 @@ public:
     // Kills the daemon when it still runs.
     ~BackendProcess();
 
-    // Waits for the line "ready". Returns false if the daemon ended instead, or is not ready in time.
+    // Waits for the line "ready". Returns false if the daemon ended instead, or is not ready in
+    // time.
     bool waitUntilReady();
 
     // Sends a signal and waits for the end: the exit status, or minus the signal that ended it.
