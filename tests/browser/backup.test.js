@@ -98,7 +98,7 @@ describe("backup", () => {
         await page.waitForAlert(/No partition is chosen/);
         await posts.assertNone();
         assert.equal(page.alerts.length, 1);
-        assert.deepEqual(await browser.downloadNames(), []);
+        await browser.assertNoDownload();
     });
 
     test("can be done with the keyboard alone", async () => {
@@ -139,7 +139,7 @@ describe("backup", () => {
         await page.setJavaScriptEnabled(false);
         await page.goto(board.url(BACKUP_PAGE));
         await chooseAndBackUp(page, 3);
-        assert.deepEqual(await browser.downloadNames(), []);
+        await browser.assertNoDownload();
         await page.click("#download_link");
         const { name } = await browser.nextDownload();
         assert.match(name, /^Partition3_\d{8}_123B\.dat$/);
@@ -173,7 +173,7 @@ describe("backup", () => {
             assert.match(await textOf(page, "main"), /[Ll]og in/);
         }
         assert.equal((await board.temporaryFiles()).length, before - 1);
-        assert.deepEqual(await browser.downloadNames(), []);
+        await browser.assertNoDownload();
     });
 
     test("speaks Japanese to a Japanese browser", async () => {
@@ -215,7 +215,7 @@ describe("backup, when the back-end is gone", () => {
             const text = await textOf(page, "[role=alert]");
             assert.match(text, /could not be backed up.*\[72-2002\]/);
             assert.match(text, /Failed to obtain the partition status/);
-            assert.deepEqual(await browser.downloadNames(), []);
+            await browser.assertNoDownload();
             assert.match(await board.trace(), /Failed to obtain the partition status/);
         } finally {
             await browser.stop();

@@ -109,9 +109,11 @@ export class Browser {
         throw new Error("No file was downloaded.");
     }
 
-    // The names of what was downloaded and not yet handed out.
-    downloadNames() {
-        return readdir(this.downloads);
+    // Asserts that there is no download beside those handed out, not even one that begins a little
+    // later than the page is there.
+    async assertNoDownload() {
+        await sleep(500);
+        assert.deepEqual(await readdir(this.downloads), []);
     }
 }
 
