@@ -10,8 +10,11 @@ target_precompile_headers(test_headers PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
 # As in a program.
 set_target_properties(test_headers PROPERTIES POSITION_INDEPENDENT_CODE OFF)
 
-# Makes the tests of a test program known to ctest, their names with `prefix` in front. In an
-# emulator a program's start costs more than its tests, so that they run in one process there.
+# Adds the tests of a test program to ctest, with `prefix` before their names. In an emulator a
+# program's start costs more than its tests, so that they run in one process there.
+#
+# The longest test waits five seconds for a lock. What a test waits for has a deadline of up to two
+# minutes, after which the test ends with a message; the time limit is for what has none.
 function(register_tests program prefix)
     target_compile_options(${program} PRIVATE ${test_code_options})
     target_precompile_headers(${program} REUSE_FROM test_headers)
@@ -24,7 +27,12 @@ function(register_tests program prefix)
     endif()
     if(CMAKE_CROSSCOMPILING)
         add_test(NAME ${prefix}${program} COMMAND ${program} --gtest_brief=1)
+        set_tests_properties(${prefix}${program} PROPERTIES TIMEOUT 900)
     else()
-        gtest_discover_tests(${program} TEST_PREFIX "${prefix}" DISCOVERY_TIMEOUT 60 ${ARGN})
+        set(properties ${ARGN})
+        if(NOT properties)
+            set(properties PROPERTIES TIMEOUT 300)
+        endif()
+        gtest_discover_tests(${program} TEST_PREFIX "${prefix}" DISCOVERY_TIMEOUT 60 ${properties})
     endif()
 endfunction()

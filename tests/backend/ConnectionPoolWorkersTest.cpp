@@ -4,6 +4,7 @@
 #include "tests/backend/support/failures.h"
 #include "tests/backend/support/requests.h"
 #include "tests/support/files.h"
+#include "tests/support/happensInTime.h"
 #include "tests/support/sanitizers.h"
 
 #include <gtest/gtest.h>
@@ -16,7 +17,6 @@
 #include <chrono>
 #include <ctime>
 #include <fstream>
-#include <functional>
 #include <future>
 #include <memory>
 #include <mutex>
@@ -38,17 +38,6 @@ const std::string TASKS = "/proc/self/task/";
 // Of all threads.
 std::chrono::milliseconds processorTime() {
     return std::chrono::milliseconds(std::clock() * 1000 / CLOCKS_PER_SEC);
-}
-
-bool happensInTime(const std::function<bool()>& condition) {
-    const Deadline deadline(LONG);
-    while (!condition()) {
-        if (deadline.remainingMilliseconds() == 0) {
-            return false;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
-    return true;
 }
 
 // Which threads serve which clients, and when there is one more or one less.

@@ -1,6 +1,7 @@
 #include "board/backend/FaultSwitches.h"
 
 #include "tests/backend/support/requests.h"
+#include "tests/support/happensInTime.h"
 
 #include <gtest/gtest.h>
 
@@ -106,9 +107,7 @@ TEST(FaultSwitchesTest, aRequestThatWaitsHoldsUpNobody) {
     FaultSwitches switches;
     switches.delay(LONG, 1);
     std::thread waiting([&switches] { switches.next(REQUEST); });
-    while (!switches.describe().empty()) {
-        std::this_thread::yield();
-    }
+    EXPECT_TRUE(happensInTime([&switches] { return switches.describe().empty(); }));
     EXPECT_EQ(nextFault(switches), "");
     switches.refuse(REQUEST, 1047, 1);
     EXPECT_EQ(nextFault(switches), "refused 1047");

@@ -4,6 +4,7 @@
 #include "platform/host/base/platformException.h"
 #include "platform/host/storage/obtainLock.h"
 #include "tests/backend/support/RootTest.h"
+#include "tests/backend/support/requests.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -52,7 +53,7 @@ TEST_F(LockedFileTest, waitsForAHolderThatLetsGo) {
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
         held.reset();
     });
-    EXPECT_NO_THROW(const LockedFile lock(path));
+    EXPECT_EQ(refusal(path, LONG), 0);
     holder.join();
 }
 
@@ -66,12 +67,14 @@ TEST_F(LockedFileTest, waitIsBounded) {
 // The one test that waits for the real limit.
 TEST_F(LockedFileTest, throwsWhenTheHolderStays) {
     const LockedFile lock(path);
+    const auto start = std::chrono::steady_clock::now();
     try {
         const LockedFile second(path);
         FAIL() << "two holders";
     } catch (const PException& failure) {
         EXPECT_EQ(failure.getExceptionDetail(), Host::LOCK_NOT_OBTAINED);
     }
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
 }
 
 TEST_F(LockedFileTest, deathOfTheHolderReleasesTheLock) {

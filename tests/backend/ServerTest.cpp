@@ -15,6 +15,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdint>
 #include <future>
 #include <memory>
@@ -83,8 +84,13 @@ protected:
         }
     }
 
+    // Waits until a held request has begun.
+    void waitForHeldRequest() {
+        const auto limit = std::chrono::milliseconds(LONG);
+        EXPECT_EQ(arrived.get_future().wait_for(limit), std::future_status::ready);
+    }
+
     const std::string socketPath = boardFile(BACKEND_SOCKET);
-    std::promise<void> arrived;  // a held request has begun
 
 private:
     // Gives back the payload.
@@ -96,6 +102,7 @@ private:
         return {0, request.payload};
     }
 
+    std::promise<void> arrived;
     std::promise<void> gate;
     std::shared_future<void> opened = gate.get_future().share();
     bool released = false;
@@ -163,7 +170,7 @@ TEST_F(ServerTest, slowRequestHoldsUpNobodyElse) {
     std::thread asking([&] {
         EXPECT_EQ(slow.exchange({RequestKind::GET, HELD_REQUEST, "", {5}}, reply), 0);
     });
-    arrived.get_future().wait();
+    waitForHeldRequest();
     EXPECT_EQ(exchangeOnce(), 0);
     release();
     asking.join();
@@ -198,7 +205,7 @@ TEST_F(ServerTest, clientAtWorkDoesNotMakeRoom) {
             code = working.exchange({RequestKind::GET, HELD_REQUEST, "", {5}}, reply);
         }
     });
-    arrived.get_future().wait();
+    waitForHeldRequest();
     Channel other(100);
     EXPECT_EQ(exchange(other), CHANNEL_TIMEOUT);
     release();
@@ -272,7 +279,7 @@ TEST_F(ServerTest, requestUnderWayIsAnsweredBeforeTheEnd) {
     std::thread asking([&] {
         EXPECT_EQ(channel.exchange({RequestKind::GET, HELD_REQUEST, "", {5}}, reply), 0);
     });
-    arrived.get_future().wait();
+    waitForHeldRequest();
     std::thread stopping([this] { stop(); });
     EXPECT_TRUE(receiveBytes(silent, 1).empty());  // the end has begun
     release();

@@ -7,6 +7,7 @@ import { after, before, beforeEach, describe, test } from "node:test";
 import { Board } from "./support/board.js";
 import { Client, assertErrorPage, downloadLink } from "./support/client.js";
 import { makeConfigurationFile, parseConfigurationFile } from "./support/configurationFile.js";
+import { PATIENCE_MILLISECONDS } from "./support/eventually.js";
 import { MULTIPART, uploadBody } from "./support/multipart.js";
 
 const SCREEN = "/maintenance/efi_backup_restore.cgi";
@@ -175,7 +176,7 @@ describe("a back-end that goes wrong", () => {
         await upload();
         assert.match((await restore()).text, /was restored/);
         await board.control("die", "--back-in", "300");
-        const deadline = Date.now() + 20000;
+        const deadline = Date.now() + PATIENCE_MILLISECONDS;
         let page = await client.get(`${SCREEN}?functionID=105`);
         assert.ok([200, 503].includes(page.status));
         while (page.status !== 200 && Date.now() < deadline) {

@@ -1,7 +1,7 @@
 // Requests that no page of the board sends: each gets an answer that says what is wrong.
 
 import assert from "node:assert/strict";
-import { readdir, unlink, writeFile } from "node:fs/promises";
+import { unlink, writeFile } from "node:fs/promises";
 import { after, before, describe, test } from "node:test";
 import { Board } from "./support/board.js";
 import { Client as WebClient, assertErrorPage, downloadLink } from "./support/client.js";
@@ -153,10 +153,10 @@ for (const [way, Client] of Object.entries(WAYS)) {
                 try {
                     const idle = await Client.loggedIn(own);
                     assert.equal((await idle.backUp(3)).status, 200);
-                    const staged = (await readdir(own.path("var/tmp"))).length;
+                    const staged = (await own.temporaryFiles()).length;
                     await own.ageSessions(24 * 60 * 60);
                     assertErrorPage(await idle.get(`${SCREEN}?functionID=105`), 403, /[Ll]og in/);
-                    assert.equal((await readdir(own.path("var/tmp"))).length, staged - 1);
+                    assert.equal((await own.temporaryFiles()).length, staged - 1);
                     assert.deepEqual(await own.sessions(), []);
                 } finally {
                     await own.remove();

@@ -2,10 +2,16 @@
 
 import assert from "node:assert/strict";
 import { createHash } from "node:crypto";
-import { readdir } from "node:fs/promises";
 import { after, before, beforeEach, describe, test } from "node:test";
 import { Board } from "./support/board.js";
-import { BROWSERS, Browser, RESTORE_PAGE, logIn, textOf } from "./support/browser.js";
+import {
+    BROWSERS,
+    Browser,
+    RESTORE_PAGE,
+    countPosts,
+    logIn,
+    textOf,
+} from "./support/browser.js";
 import { Client, downloadLink } from "./support/client.js";
 import { makeConfigurationFile, parseConfigurationFile } from "./support/configurationFile.js";
 import { demoPartitions } from "./support/demoBoard.js";
@@ -45,7 +51,7 @@ for (const kind of BROWSERS) {
         }
 
         function stagedFiles() {
-            return readdir(board.path("var/tmp")).then((names) =>
+            return board.temporaryFiles().then((names) =>
                 names.filter((name) => /^restored_eficonf[0-9a-f]+$/.test(name)),
             );
         }
@@ -82,8 +88,10 @@ for (const kind of BROWSERS) {
             await page.click("#pid3");
             await page.click("#pid5");
             page.accept = false;
+            const posts = countPosts(page);
             await page.click("#restore");
             const question = await page.waitForAlert(/will be overwritten/);
+            await posts.assertNone();
             const partitions = demoPartitions();
             for (const words of [
                 "2026-03-07",
@@ -101,8 +109,10 @@ for (const kind of BROWSERS) {
         test("nothing is ticked at the start, and nothing ticked is said so", async () => {
             await upload(page, board, "a.dat", makeFile("x"));
             assert.equal((await page.$$("input:checked")).length, 0);
+            const posts = countPosts(page);
             await page.click("#restore");
             await page.waitForAlert(/No partition is chosen/);
+            await posts.assertNone();
             assert.equal((await page.$$("#restore")).length, 1);
         });
 
@@ -175,12 +185,11 @@ for (const kind of BROWSERS) {
         ]) {
             test(`${what} is refused before it is sent, and by the board in the same words`, async () => {
                 await page.goto(board.url(RESTORE_PAGE));
-                let posts = 0;
-                page.on("request", (request) => (posts += request.method() === "POST" ? 1 : 0));
+                const posts = countPosts(page);
                 await chooseFile(page, name, bytes);
                 await page.click("#upload");
                 const own = await page.waitForAlert(words);
-                assert.equal(posts, 0);
+                await posts.assertNone();
                 page.alerts.length = 0;
                 await Promise.all([
                     page.waitForNavigation(),
@@ -195,8 +204,10 @@ for (const kind of BROWSERS) {
 
         test("no file chosen is said so", async () => {
             await page.goto(board.url(RESTORE_PAGE));
+            const posts = countPosts(page);
             await page.click("#upload");
             await page.waitForAlert(/No file is chosen/);
+            await posts.assertNone();
         });
 
         test("something that is no configuration file is refused and not kept", async () => {
@@ -224,10 +235,10 @@ for (const kind of BROWSERS) {
         test("Refresh after a restore restores nothing", async () => {
             await upload(page, board, "a.dat", makeFile("once"));
             await restoreTo(page, [3]);
-            let posts = 0;
-            page.on("request", (request) => (posts += request.method() === "POST" ? 1 : 0));
+            await page.waitForAlert(/was restored/);
+            const posts = countPosts(page);
             await page.reload();
-            assert.equal(posts, 0);
+            await posts.assertNone();
             assert.equal((await page.$$("#upload")).length, 1);
             assert.equal(page.alerts.filter((text) => /was restored/.test(text)).length, 1);
         });
@@ -238,15 +249,15 @@ for (const kind of BROWSERS) {
             await page.waitForAlert(/was restored/);
             await upload(page, board, "b.dat", makeFile("twice"));
             await restoreTo(page, [3]);
-            let posts = 0;
-            page.on("request", (request) => (posts += request.method() === "POST" ? 1 : 0));
+            const posts = countPosts(page);
             const steps = await page.evaluate(() => history.length - 1);
             for (const go of ["goBack", "goForward"]) {
                 for (let step = 0; step < steps; ++step) {
                     await page[go]().catch(() => {});
+                    await page.waitForFunction(() => document.readyState === "complete");
                 }
             }
-            assert.equal(posts, 0);
+            await posts.assertNone();
             assert.equal((await payloadOf(3)).toString(), "twice");
             assert.equal(page.alerts.filter((text) => /was restored/.test(text)).length, 2);
         });
@@ -322,8 +333,7 @@ describe("restore without a mouse, and without scripts", () => {
     test("a second press while a restore is under way sends nothing", async () => {
         await upload(page, board, "a.dat", file);
         await page.click("#pid3");
-        let posts = 0;
-        page.on("request", (request) => (posts += request.method() === "POST" ? 1 : 0));
+        const posts = countPosts(page);
         await Promise.all([
             page.waitForNavigation(),
             page.evaluate(() => {
@@ -334,7 +344,7 @@ describe("restore without a mouse, and without scripts", () => {
             }),
         ]);
         await page.waitForAlert(/was restored/);
-        assert.equal(posts, 1);
+        assert.equal(posts.count, 1);
         assert.match(await textOf(page, ".plan"), /3: R&D/);
     });
 

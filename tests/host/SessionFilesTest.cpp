@@ -5,6 +5,7 @@
 #include "tests/support/BoardTest.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/files.h"
+#include "tests/support/happensInTime.h"
 #include "tests/support/sanitizers.h"
 
 #include <VeskLib/LockedFile.h>
@@ -112,10 +113,8 @@ TEST_F(SessionFilesTest, theUploadIsRemovedUnderTheStagingLock) {
         return 0;
     });
     ASSERT_EQ(ending.readLine(), "ending");
-    while (exists(backupFile(session.identifier))) {
-        ::usleep(1000);
-    }
-    ::usleep(20000);
+    EXPECT_TRUE(happensInTime([&session] { return !exists(backupFile(session.identifier)); }));
+    ::usleep(20000);  // for a removal that does not wait for the lock
     EXPECT_TRUE(exists(stagingFile(session.identifier)));
     holder.kill();
     EXPECT_EQ(ending.wait().exitStatus, 0);

@@ -1,12 +1,13 @@
 #include "platform/host/base/idleWork.h"
 
-#include <utility>
+#include <atomic>
 
 namespace VeskLib::Host {
 
 namespace {
 
-IdleWork planned = nullptr;
+// Atomic because each thread may have a channel of its own, which looks for work.
+std::atomic<IdleWork> planned = nullptr;
 
 }  // namespace
 
@@ -15,7 +16,7 @@ void planIdleWork(IdleWork work) {
 }
 
 void doIdleWork() noexcept {
-    const IdleWork work = std::exchange(planned, nullptr);
+    const IdleWork work = planned.exchange(nullptr);
     if (work == nullptr) {
         return;
     }

@@ -1,6 +1,11 @@
 #include "tests/backend/support/BackendProcess.h"
 
+#include "platform/host/channel/FrameStream.h"
+#include "tests/backend/support/requests.h"
+
 #include <fcntl.h>
+#include <gtest/gtest.h>
+#include <poll.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -11,17 +16,21 @@ namespace VeskLib::Test {
 
 namespace {
 
-// Reads until the other side ends, or until `end` is at the end of what was read.
-std::string readUntil(int descriptor, const std::string& end) {
-    std::string text;
-    char c = 0;
-    while (::read(descriptor, &c, 1) == 1) {
-        text += c;
-        if (!end.empty() && text.ends_with(end)) {
+// Appends to `text` until the other side ends, or until `end` is at the end of what was read.
+// Returns false if neither happens in time.
+bool readUntil(int descriptor, const std::string& end, std::string& text) {
+    const Host::Deadline deadline(LONG);
+    while (end.empty() || !text.ends_with(end)) {
+        if (!Host::waitUntilReady(descriptor, POLLIN, deadline)) {
+            return false;
+        }
+        char c = 0;
+        if (::read(descriptor, &c, 1) != 1) {
             break;
         }
+        text += c;
     }
-    return text;
+    return true;
 }
 
 }  // namespace
@@ -43,7 +52,9 @@ BackendProcess::~BackendProcess() {
 }
 
 bool BackendProcess::waitUntilReady() {
-    return readUntil(output, "ready\n") == "ready\n";
+    std::string text;
+    EXPECT_TRUE(readUntil(output, "ready\n", text)) << "the back-end is not ready in time";
+    return text == "ready\n";
 }
 
 int BackendProcess::stop(int signal) {
@@ -52,7 +63,10 @@ int BackendProcess::stop(int signal) {
 }
 
 int BackendProcess::waitForEnd() {
-    errorText += readUntil(errorOutput, "");
+    if (!readUntil(errorOutput, "", errorText)) {
+        ADD_FAILURE() << "the back-end does not end in time and is killed";
+        ::kill(process, SIGKILL);
+    }
     int status = 0;
     while (::waitpid(process, &status, 0) < 0 && errno == EINTR) {
     }

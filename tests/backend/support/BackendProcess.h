@@ -21,13 +21,15 @@ public:
     // Kills the daemon when it still runs.
     ~BackendProcess();
 
-    // Waits for the line "ready". False when the daemon ended instead.
+    // Waits for the line "ready". Returns false if the daemon ended instead, or is not ready in
+    // time.
     bool waitUntilReady();
 
     // Sends a signal and waits for the end: the exit status, or minus the signal that ended it.
     int stop(int signal = SIGTERM);
 
-    // Waits for the end without a signal.
+    // Waits for the end without a signal. Kills a daemon that does not end in time, and fails the
+    // test.
     int waitForEnd();
 
     // What it wrote to standard error; known after its end.

@@ -2,9 +2,11 @@
 
 #include "platform/host/base/SystemPath.h"
 #include "platform/host/channel/SocketAddress.h"
+#include "tests/backend/support/requests.h"
 
 #include <VeskLib/getCGIPath.h>
 
+#include <gtest/gtest.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -44,6 +46,14 @@ int openBoardSocket(int pendingClients) {
 
 namespace {
 
+// Waits for an event of a socket. Fails the test if none comes in time.
+bool waitFor(int descriptor, short events) {
+    pollfd waited = {descriptor, events, 0};
+    const bool came = ::poll(&waited, 1, LONG) > 0;
+    EXPECT_TRUE(came) << "the other side does nothing for " << LONG << " ms";
+    return came;
+}
+
 int connectWith(int socketFlags) {
     const Host::SocketAddress address(getCGIPath(Host::BACKEND_SOCKET));
     const int client = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | socketFlags, 0);
@@ -79,7 +89,7 @@ void sendBytes(int descriptor, const Bytes& bytes) {
 Bytes receiveBytes(int descriptor, std::size_t size) {
     Bytes bytes(size);
     std::size_t received = 0;
-    while (received < size) {
+    while (received < size && waitFor(descriptor, POLLIN)) {
         const ssize_t count = ::recv(descriptor, bytes.data() + received, size - received, 0);
         if (count <= 0) {
             break;
@@ -111,13 +121,12 @@ Bytes framed(const Bytes& bytes) {
 
 void waitForEnd(int descriptor) {
     unsigned char byte = 0;
-    while (::recv(descriptor, &byte, 1, 0) > 0) {
+    while (waitFor(descriptor, POLLIN) && ::recv(descriptor, &byte, 1, 0) > 0) {
     }
 }
 
 void waitForHangUp(int descriptor) {
-    pollfd waited = {descriptor, POLLRDHUP, 0};
-    ::poll(&waited, 1, -1);
+    waitFor(descriptor, POLLRDHUP);
 }
 
 }  // namespace VeskLib::Test

@@ -1,13 +1,24 @@
 // Starts a board for a test, in a folder of its own and on a free port, and ends it.
 
+import assert from "node:assert/strict";
 import { execFile as execFileCallback, spawn } from "node:child_process";
 import { once } from "node:events";
-import { copyFile, mkdtemp, readFile, readdir, rm, utimes, writeFile } from "node:fs/promises";
+import {
+    copyFile,
+    mkdtemp,
+    readFile,
+    readdir,
+    readlink,
+    rm,
+    utimes,
+    writeFile,
+} from "node:fs/promises";
 import { tmpdir } from "node:os";
 import path from "node:path";
 import readline from "node:readline";
 import { fileURLToPath } from "node:url";
 import { promisify } from "node:util";
+import { eventually, timeLimit } from "./eventually.js";
 
 const execFile = promisify(execFileCallback);
 
@@ -51,15 +62,15 @@ export class Board {
     }
 
     async stop() {
-        if (this.process.exitCode === null) {
+        if (this.process.exitCode === null && this.process.signalCode === null) {
             this.process.kill("SIGTERM");
-            await once(this.process, "exit");
+            await once(this.process, "exit", timeLimit());
         }
     }
 
     async remove() {
         await this.stop();
-        await rm(this.root, { recursive: true, force: true });
+        await rm(this.root, { recursive: true, force: true, maxRetries: 30 });
     }
 
     url(target) {
@@ -73,6 +84,29 @@ export class Board {
 
     trace() {
         return readFile(this.path("var/log/trace.log"), "utf8").catch(() => "");
+    }
+
+    // The names in "/var/tmp", without those of the web server, which removes its own a little
+    // after the client has its answer.
+    async temporaryFiles() {
+        return eventually(async () => {
+            const names = await readdir(this.path("var/tmp"));
+            assert.deepEqual(names.filter((name) => name.startsWith("lighttpd-upload-")), []);
+            return names;
+        });
+    }
+
+    // The process numbers of the programs that are answering a request.
+    async programs() {
+        const folder = this.path("usr/local/www/htdocs/");
+        const numbers = [];
+        for (const name of await readdir("/proc")) {
+            const program = await readlink(`/proc/${name}/exe`).catch(() => "");
+            if (program.startsWith(folder)) {
+                numbers.push(Number(name));
+            }
+        }
+        return numbers;
     }
 
     sessions() {

@@ -6,6 +6,7 @@ import { tmpdir } from "node:os";
 import path from "node:path";
 import { setTimeout as sleep } from "node:timers/promises";
 import puppeteer from "puppeteer-core";
+import { PATIENCE_MILLISECONDS } from "./eventually.js";
 
 const CHROMIUM = {
     executablePath: "/usr/bin/chromium",
@@ -26,8 +27,10 @@ const FIREFOX = {
 
 export const BROWSERS = ["chromium", "firefox"];
 
-// How long a test waits for what must happen; far above what it takes.
-const PATIENCE_MILLISECONDS = 30000;
+const PATIENCE = {
+    timeout: PATIENCE_MILLISECONDS,
+    protocolTimeout: PATIENCE_MILLISECONDS,
+};
 
 export class Browser {
     static async start(language = "en", kind = "chromium") {
@@ -40,12 +43,14 @@ export class Browser {
             browser.chromium
                 ? {
                       ...CHROMIUM,
+                      ...PATIENCE,
                       args: [...CHROMIUM.args, `--accept-lang=${language}`],
                       userDataDir: profile,
                       downloadBehavior: { policy: "allow", downloadPath: browser.downloads },
                   }
                 : {
                       ...FIREFOX,
+                      ...PATIENCE,
                       userDataDir: profile,
                       extraPrefsFirefox: { "intl.accept_languages": language },
                   },
@@ -55,7 +60,7 @@ export class Browser {
 
     async stop() {
         await this.process.close();
-        await rm(this.folder, { recursive: true, force: true, maxRetries: 5 });
+        await rm(this.folder, { recursive: true, force: true, maxRetries: 30 });
     }
 
     // A new page in a context of its own, so that tests do not share cookies. `page.alerts`
@@ -104,9 +109,11 @@ export class Browser {
         throw new Error("No file was downloaded.");
     }
 
-    // The names of what was downloaded and not yet handed out.
-    downloadNames() {
-        return readdir(this.downloads);
+    // Asserts that there is no download beside those handed out, not even one that begins a little
+    // later than the page is there.
+    async assertNoDownload() {
+        await sleep(500);
+        assert.deepEqual(await readdir(this.downloads), []);
     }
 }
 
@@ -129,4 +136,26 @@ export function textOf(page, selector) {
 export async function chooseAndBackUp(page, partition) {
     await page.click(`input[name=radio_button][value="${partition}"]`);
     await Promise.all([page.waitForNavigation(), page.click("button[type=submit]#backup")]);
+}
+
+// Counts what a page posts from now on. `posts.assertNone()` first lets the page send what it is
+// about to send, which reaches the test a little later than an alert.
+export function countPosts(page) {
+    const posts = { count: 0 };
+    page.on("request", (request) => (posts.count += request.method() === "POST" ? 1 : 0));
+    posts.assertNone = async () => {
+        // A page that navigates ends this early.
+        await page.evaluate(() => new Promise((done) => setTimeout(done, 200))).catch(() => {});
+        assert.equal(posts.count, 0);
+    };
+    return posts;
+}
+
+// A page's markup without its scripts.
+export function markupOf(page) {
+    return page.evaluate(() => {
+        const copy = document.documentElement.cloneNode(true);
+        copy.querySelectorAll("script").forEach((script) => script.remove());
+        return copy.outerHTML;
+    });
 }

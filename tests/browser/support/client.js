@@ -1,6 +1,7 @@
 // A client without a browser, for requests that no page would send.
 
 import assert from "node:assert/strict";
+import { timeLimit } from "./eventually.js";
 
 export class Client {
     constructor(board) {
@@ -22,6 +23,7 @@ export class Client {
     async request(target, options = {}) {
         const response = await fetch(this.board.url(target), {
             redirect: "manual",
+            ...timeLimit(),
             ...options,
             headers: {
                 connection: "close",

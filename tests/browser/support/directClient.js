@@ -8,6 +8,7 @@ import { open, rm } from "node:fs/promises";
 import path from "node:path";
 import { buffer, text } from "node:stream/consumers";
 import { Client } from "./client.js";
+import { PATIENCE_MILLISECONDS } from "./eventually.js";
 
 const HEADER_END = "\r\n\r\n";
 
@@ -51,7 +52,12 @@ export class DirectClient extends Client {
     async run([program, ...words], environment, bytes) {
         const file = bytes && this.input === "file" ? await this.inputFile(bytes) : undefined;
         const input = bytes === undefined ? "ignore" : (file?.fd ?? "pipe");
-        const child = spawn(program, words, { env: environment, stdio: [input, "pipe", "pipe"] });
+        const child = spawn(program, words, {
+            env: environment,
+            stdio: [input, "pipe", "pipe"],
+            timeout: PATIENCE_MILLISECONDS,
+            killSignal: "SIGKILL",
+        });
         // A program that has answered without its body may be gone before it is written.
         child.stdin?.on("error", () => {});
         child.stdin?.end(bytes);

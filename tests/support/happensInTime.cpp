@@ -1,0 +1,28 @@
+#include "tests/support/happensInTime.h"
+
+#include <chrono>
+#include <thread>
+
+namespace VeskLib::Test {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+const std::chrono::seconds TIME_LIMIT(100);
+const std::chrono::milliseconds PAUSE(1);
+
+}  // namespace
+
+bool happensInTime(const std::function<bool()>& condition) {
+    const Clock::time_point end = Clock::now() + TIME_LIMIT;
+    while (!condition()) {
+        if (Clock::now() >= end) {
+            return false;
+        }
+        std::this_thread::sleep_for(PAUSE);
+    }
+    return true;
+}
+
+}  // namespace VeskLib::Test
