@@ -10,6 +10,7 @@
 #include <gmock/gmock.h>
 
 #include <limits>
+#include <memory>
 
 namespace VeskLib::Test {
 
@@ -17,6 +18,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using VeskUi::HardInstallInfoPacket;
 using VeskUi::PartitionInfoPacket;
+using VeskUi::PrimitiveTypeArray;
 using VeskUi::SerializableObject;
 using VeskUi::VersionInfoPacket;
 
@@ -39,6 +41,11 @@ void fill(HardInstallInfoPacket& packet) {
     for (const SystemBoard& board : BOARDS) {
         packet.systemBoards.records.emplace_back();
         packet.systemBoards.records.back().word = systemBoardWord(board.installed, board.home);
+    }
+    for (auto* boards : {&packet.firstBoards, &packet.secondBoards}) {
+        auto element = std::make_unique<PrimitiveTypeArray<unsigned char>>();
+        element->records = {static_cast<unsigned char>(boards == &packet.firstBoards ? 1 : 2), 7};
+        boards->elements.push_back(element.release());
     }
     packet.ioBoards.records.emplace_back();
     packet.ioBoards.records.back().word = 0x01020304;
@@ -164,6 +171,10 @@ TEST(PacketsTest, installInformationSurvivesTheWire) {
     ASSERT_TRUE(deserialize(received, serialize(sent)));
     EXPECT_EQ(serialize(received), serialize(sent));
     ASSERT_EQ(received.systemBoards.records.size(), BOARDS.size());
+    ASSERT_EQ(received.firstBoards.elements.size(), 1u);
+    ASSERT_EQ(received.secondBoards.elements.size(), 1u);
+    EXPECT_THAT(received.firstBoards.elements[0]->records, ElementsAre(1, 7));
+    EXPECT_THAT(received.secondBoards.elements[0]->records, ElementsAre(2, 7));
     ASSERT_EQ(received.ioBoards.records.size(), 1u);
     ASSERT_EQ(received.gspBoards.records.size(), 1u);
     for (std::size_t number = 0; number < BOARDS.size(); ++number) {
