@@ -2,13 +2,14 @@
 # `board_platform` what it is linked with. Both are platform/ unless BOARD_SDK names another.
 set(BOARD_SDK "" CACHE PATH "A board's headers (include/) and libraries (lib/) instead of platform/")
 
+include(${CMAKE_CURRENT_LIST_DIR}/checkSDK.cmake)
+
 add_library(platform_headers INTERFACE)
 add_library(board_platform INTERFACE)
 if(BOARD_SDK)
     file(GLOB board_libraries ${BOARD_SDK}/lib/*.a ${BOARD_SDK}/lib/*.so)
-    if(NOT board_libraries)
-        message(FATAL_ERROR "There is no library in ${BOARD_SDK}/lib.")
-    endif()
+    check_headers(${BOARD_SDK}/include)
+    check_libraries(${BOARD_SDK}/lib ${board_libraries})
     target_include_directories(platform_headers INTERFACE ${BOARD_SDK}/include)
     # The board's libraries and the program's need each other, in no order.
     list(JOIN board_libraries "," libraries)
@@ -18,3 +19,4 @@ else()
     target_include_directories(platform_headers INTERFACE ${PROJECT_SOURCE_DIR}/platform/include)
     target_link_libraries(board_platform INTERFACE platform_host)
 endif()
+check_times()

@@ -1,5 +1,7 @@
 #include <VeskLib/Gui/FormInfo.h>
 
+#include "tests/contract/ProbeMain.h"
+#include "tests/contract/multipart.h"
 #include "tests/support/ChildProcess.h"
 
 #include <VeskLib/PException.h>
@@ -54,6 +56,20 @@ std::string answer(const ChildSetup& request, const std::string& name) {
 
 }  // namespace
 
+TEST(FormInfoTest, theProgramMakesTheOneObject) {
+    EXPECT_EQ(FormInfo::myInstance, nullptr);
+    const ChildResult result = runInChild([] {
+        const FormInfo* first = nullptr;
+        {
+            const ProbeMain main;
+            first = FormInfo::myInstance;
+        }
+        const ProbeMain second;
+        return first != nullptr && first == FormInfo::myInstance ? 0 : 1;
+    });
+    EXPECT_EQ(result.exitStatus, 0) << result.errors;
+}
+
 TEST(FormInfoTest, readsTheQueryString) {
     EXPECT_EQ(answer(getRequest("functionID=105"), "functionID"), "[105]");
     EXPECT_EQ(answer(getRequest("a=1&functionID=0105&b=2"), "functionID"), "[0105]");
@@ -85,6 +101,18 @@ TEST(FormInfoTest, aFormFieldWinsOverAQueryFieldOfItsName) {
     const ChildSetup request = postRequest("functionID=105", "functionID=106&other=query");
     EXPECT_EQ(answer(request, "functionID"), "[105]");
     EXPECT_EQ(answer(request, "other"), "[query]");
+}
+
+// Without scripts the upload form relies on it: its button posts "hidden_status" before the hidden
+// field of that name.
+TEST(FormInfoTest, theFirstOfTwoFieldsOfANameWins) {
+    EXPECT_EQ(answer(postRequest("hidden_status=1&x=2&hidden_status=0"), "hidden_status"), "[1]");
+    EXPECT_EQ(answer(postRequest("hidden_status=&hidden_status=0"), "hidden_status"), "[]");
+    EXPECT_EQ(answer(getRequest("functionID=105&functionID=106"), "functionID"), "[105]");
+    EXPECT_EQ(
+        answer(multipartRequest({{"hidden_status", "1"}, {"hidden_status", "0"}}, "a.dat", "x"),
+               "hidden_status"),
+        "[1]");
 }
 
 TEST(FormInfoTest, everyFieldIsFoundAsOftenAsItIsAskedFor) {

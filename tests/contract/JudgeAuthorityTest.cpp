@@ -1,67 +1,101 @@
 #include <VeskLib/Gui/JudgeAuthority.h>
 
-#include <gtest/gtest.h>
+#include "data/PrimitiveTypeWrapper.h"
+#include "data/requestNumbers.h"
+#include "tests/contract/ProbeMain.h"
+
+#include <VeskLib/VeskUi/VersionInfoPacket.h>
+
+#include <gmock/gmock.h>
+
+#include <iostream>
 
 namespace VeskLib::Test {
 
-using Gui::CGIAuthority;
-using Gui::CGIRequester;
-using Gui::JudgeAuthority;
+using VeskUi::GET_VERSION_INFO;
+using VeskUi::SET_BACKUP;
 
 namespace {
 
-const int WHOLE_SERVER = -1;
-const int ALLOWED_AT_ONCE = 1;
+const int FUNCTIONS[] = {105, 106};
 
-int preCheck(const CGIAuthority& authority, int function) {
-    CGIRequester requester("");
-    return JudgeAuthority(&authority, function, WHOLE_SERVER).preCheckDisplayMode(requester);
+// "yes" or "no" for a user whose session was checked.
+std::string judge(User user, int function) {
+    return runWithMain(requestOf(user),
+                       [function](ProbeMain& main) {
+                           main.guiCheckSession(true);
+                           main.connect();
+                           std::cout << (main.mayUse(function) ? "yes" : "no");
+                           return 0;
+                       })
+        .output;
 }
 
-int displayMode(const CGIAuthority& authority, int function) {
-    return JudgeAuthority(&authority, function, WHOLE_SERVER).getDisplayMode();
+// Asks the back-end for a change and for information, after the dispatcher has judged the user.
+ChildResult changeAfterJudging(User user) {
+    return runWithMain(requestOf(user), [](ProbeMain& main) {
+        main.guiCheckSession(true);
+        Gui::CGIRequester& requester = main.connect();
+        main.mayUse(105);
+        const bool sent =
+            requester.setInfo(SET_BACKUP, VeskUi::PrimitiveTypeWrapper<unsigned int>(3));
+        std::cout << (sent ? "sent, " : "not sent, ")
+                  << (requester.getErrorCode() == 0 ? "no code, " : "code, ");
+        VeskUi::VersionInfoPacket versions;
+        std::cout << (requester.getInfo(GET_VERSION_INFO, versions) ? "answered" : "not answered");
+        return 0;
+    });
+}
+
+std::vector<unsigned int> numbersOf(const std::vector<BackendRequest>& requests) {
+    std::vector<unsigned int> numbers;
+    for (const BackendRequest& request : requests) {
+        numbers.push_back(request.number);
+    }
+    return numbers;
 }
 
 }  // namespace
 
-TEST(JudgeAuthorityTest, aUserWhoMayUseEveryFunctionIsAllowedAtOnce) {
-    const CGIAuthority authority = {.everyFunction = 1, .functions = nullptr};
-    EXPECT_EQ(preCheck(authority, 105), ALLOWED_AT_ONCE);
-    EXPECT_EQ(preCheck(authority, 106), ALLOWED_AT_ONCE);
-}
-
-TEST(JudgeAuthorityTest, everyOtherUserIsLookedAtFurther) {
-    const std::string functions = ",105,106,";
-    EXPECT_NE(preCheck({.everyFunction = 0, .functions = &functions}, 105), ALLOWED_AT_ONCE);
-    EXPECT_NE(preCheck({}, 105), ALLOWED_AT_ONCE);
-}
-
-TEST(JudgeAuthorityTest, aListedFunctionIsAllowed) {
-    const std::string functions = ",5,105,106,";
-    const CGIAuthority authority = {.everyFunction = 0, .functions = &functions};
-    for (const int function : {5, 105, 106}) {
-        EXPECT_NE(displayMode(authority, function), 0) << function;
+TEST(JudgeAuthorityTest, allowsAUserWithTheRight) {
+    for (const int function : FUNCTIONS) {
+        EXPECT_EQ(judge(User::WITH_RIGHT, function), "yes") << function;
     }
 }
 
-TEST(JudgeAuthorityTest, aFunctionThatIsNotListedIsNotAllowed) {
-    const std::string functions = ",105,1060,";
-    const CGIAuthority authority = {.everyFunction = 0, .functions = &functions};
-    for (const int function : {0, 1, 5, 10, 15, 106, 1051, 10, -105, 60}) {
-        EXPECT_EQ(displayMode(authority, function), 0) << function;
+TEST(JudgeAuthorityTest, refusesAUserWithoutTheRight) {
+    for (const int function : FUNCTIONS) {
+        EXPECT_EQ(judge(User::WITHOUT_RIGHT, function), "no") << function;
     }
 }
 
-TEST(JudgeAuthorityTest, aUserWithoutRightsIsNotAllowed) {
-    const std::string none;
-    EXPECT_EQ(displayMode({}, 105), 0);
-    EXPECT_EQ(displayMode({.everyFunction = 0, .functions = &none}, 105), 0);
+TEST(JudgeAuthorityTest, refusesWhoeverHasNoSession) {
+    const ChildResult result = runWithMain({}, [](ProbeMain& main) {
+        main.connect();
+        std::cout << (main.mayUse(105) ? "yes" : "no");
+        return 0;
+    });
+    EXPECT_EQ(result.output, "no");
 }
 
-TEST(JudgeAuthorityTest, theRightsOfAFreshMainObjectAllowNothing) {
-    const CGIAuthority authority = {};
-    EXPECT_EQ(authority.everyFunction, 0);
-    EXPECT_EQ(authority.functions, nullptr);
+TEST(JudgeAuthorityTest, letsAnAllowedUserChange) {
+    const auto backend = startBackend({{.object = {0, 0}}});
+    if (backend == nullptr) {
+        GTEST_SKIP() << "platformSpecifics has no back-end.";
+    }
+    EXPECT_EQ(changeAfterJudging(User::WITH_RIGHT).output, "sent, no code, answered");
+    EXPECT_THAT(numbersOf(backend->stop()), testing::ElementsAre(SET_BACKUP, GET_VERSION_INFO));
+}
+
+// The pages act on a posted form before they look at the display mode, so only the platform can
+// keep a user without the right from changing anything.
+TEST(JudgeAuthorityTest, sendsNoChangeOfARefusedUser) {
+    const auto backend = startBackend({{.object = {0, 0}}});
+    if (backend == nullptr) {
+        GTEST_SKIP() << "platformSpecifics has no back-end.";
+    }
+    EXPECT_EQ(changeAfterJudging(User::WITHOUT_RIGHT).output, "not sent, code, answered");
+    EXPECT_THAT(numbersOf(backend->stop()), testing::ElementsAre(GET_VERSION_INFO));
 }
 
 }  // namespace VeskLib::Test

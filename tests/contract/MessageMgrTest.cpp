@@ -3,13 +3,11 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <cctype>
 #include <functional>
 
 namespace VeskLib::Test {
 
 using Gui::MessageMgr;
-using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
@@ -82,7 +80,7 @@ TEST(MessageMgrTest, everyCaptionOfThePagesIsThereInBothLanguages) {
 
 TEST(MessageMgrTest, messagesAndCaptionsAreNumberedApart) {
     EXPECT_NE(message(ENGLISH, 12), caption(ENGLISH, 12));
-    EXPECT_THAT(caption(ENGLISH, 303), HasSubstr("303"));
+    EXPECT_NE(message(ENGLISH, 131), caption(ENGLISH, 131));
 }
 
 TEST(MessageMgrTest, theCodeStandsAtTheEnd) {
@@ -100,17 +98,9 @@ TEST(MessageMgrTest, differentCodesGiveDifferentTexts) {
     EXPECT_NE(messages.getMessage(72, -1), messages.getMessage(72, 1));
 }
 
-TEST(MessageMgrTest, aMessageWithoutCodeEndsInItsOwnText) {
-    const std::string text = message(ENGLISH, 72);
-    EXPECT_TRUE(std::ispunct(static_cast<unsigned char>(text.back())) != 0) << text;
-    EXPECT_THAT(text, Not(EndsWith("]")));
-}
-
 TEST(MessageMgrTest, anUnknownNumberIsNamed) {
     EXPECT_THAT(message(ENGLISH, UNKNOWN_NUMBER), HasSubstr("32001"));
     EXPECT_THAT(caption(JAPANESE, UNKNOWN_NUMBER), HasSubstr("32001"));
-    EXPECT_THAT(message(ENGLISH, -5), HasSubstr("-5"));
-    EXPECT_THAT(caption(ENGLISH, 0), HasSubstr("0"));
 }
 
 TEST(MessageMgrTest, anUnknownLanguageIsEnglish) {

@@ -1,14 +1,10 @@
 #include <VeskLib/trace/VeskTrace.h>
 
-#include "tests/contract/platformSpecifics.h"
+#include "tests/contract/TraceLines.h"
 #include "tests/support/files.h"
 #include "tests/support/hostileTexts.h"
 
-#include <VeskLib/getCGIPath.h>
-
 #include <gmock/gmock.h>
-
-#include <unistd.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -21,23 +17,22 @@ using trace::VeskTrace;
 
 class VeskTraceContractTest : public testing::Test {
 protected:
-    VeskTraceContractTest()
-        : path(getCGIPath(traceFile().c_str())), before(exists(path) ? readText(path) : "") {}
-
-    // The lines that were added since the test began.
-    std::vector<std::string> newLines() const {
-        const std::string text = exists(path) ? readText(path) : "";
-        return linesOf(text.substr(before.size()));
+    void SetUp() override {
+        if (!trace.isFile()) {
+            GTEST_SKIP() << "The trace log is not a file.";
+        }
     }
 
-    std::string path;
-    std::string before;
+    std::vector<std::string> newLines() const { return trace.added(); }
+
+    const TraceLines trace;
+    const std::string& path = trace.hostPath();
 };
 
 TEST_F(VeskTraceContractTest, everyCallIsOneLine) {
-    VeskTrace trace(1, 2, 29697);
-    trace.putLog(0, "AbstractBackupRestorePage::upload failed");
-    trace.putLog(0, "Illegal query string (107)");
+    VeskTrace log(1, 2, 29697);
+    log.putLog(0, "AbstractBackupRestorePage::upload failed");
+    log.putLog(0, "Illegal query string (107)");
     const std::vector<std::string> lines = newLines();
     ASSERT_THAT(lines, SizeIs(2));
     EXPECT_THAT(lines[0], HasSubstr("AbstractBackupRestorePage::upload failed"));
@@ -51,9 +46,9 @@ TEST_F(VeskTraceContractTest, anEmptyTextIsALineAsWell) {
 }
 
 TEST_F(VeskTraceContractTest, noTextForgesALine) {
-    VeskTrace trace(1, 2, 29696);
+    VeskTrace log(1, 2, 29696);
     for (const std::string& text : hostileTexts()) {
-        trace.putLog(0, text.c_str());
+        log.putLog(0, text.c_str());
     }
     const std::vector<std::string> lines = newLines();
     EXPECT_THAT(lines, SizeIs(hostileTexts().size()));

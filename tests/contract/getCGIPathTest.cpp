@@ -26,7 +26,7 @@ TEST(GetCGIPathTest, everyPathIsUnderTheSameRoot) {
 }
 
 TEST(GetCGIPathTest, theStagingFolderCanBeWritten) {
-    const std::string path = getCGIPath("/var/tmp/contract_test_file");
+    const std::string path = getCGIPath("/var/tmp/contract_path_test");
     writeText(path, "text");
     EXPECT_EQ(readText(path), "text");
     EXPECT_EQ(std::remove(path.c_str()), 0);

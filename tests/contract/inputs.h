@@ -5,6 +5,8 @@
 
 #include <VeskLib/Gui/HTMLComponent.h>
 
+#include <string>
+#include <string_view>
 #include <vector>
 
 namespace VeskLib::Test {
@@ -15,6 +17,25 @@ inline const int ALLOWED = 2;
 // The input elements that a component prints.
 inline std::vector<Tag> inputsOf(const Gui::HTMLComponent& component) {
     return tagsOf(printedHTML(component), "input");
+}
+
+// The value of an attribute; a text that no component prints if there is none.
+inline std::string attribute(const Tag& tag, const std::string& name) {
+    const auto found = tag.attributes.find(name);
+    return found == tag.attributes.end() ? "(no attribute " + name + ")" : found->second;
+}
+
+// Returns whether a label that is printed with the one input belongs to it: by its `for`, or
+// because the input is inside of it.
+inline bool hasLabel(std::string_view html) {
+    const std::vector<Tag> inputs = tagsOf(html, "input");
+    const std::vector<Tag> labels = tagsOf(html, "label");
+    if (inputs.size() != 1 || labels.size() != 1) {
+        return false;
+    }
+    const std::size_t input = html.find("<input");
+    const bool inside = html.find("<label") < input && input < html.find("</label");
+    return inside || attribute(labels[0], "for") == attribute(inputs[0], "id");
 }
 
 }  // namespace VeskLib::Test

@@ -1,11 +1,16 @@
 #include "data/HardInstallInfoPacket.h"
 
+#include "tests/contract/platformSpecifics.h"
+#include "tests/contract/wire.h"
+
+#include <VeskLib/PException.h>
 #include <VeskLib/VeskUi/PartitionInfoPacket.h>
 #include <VeskLib/VeskUi/VersionInfoPacket.h>
 
 #include <gmock/gmock.h>
 
 #include <limits>
+#include <memory>
 
 namespace VeskLib::Test {
 
@@ -13,25 +18,44 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using VeskUi::HardInstallInfoPacket;
 using VeskUi::PartitionInfoPacket;
+using VeskUi::PrimitiveTypeArray;
 using VeskUi::SerializableObject;
 using VeskUi::VersionInfoPacket;
 
 namespace {
 
-using Bytes = std::vector<unsigned char>;
-
 const int OUTSIDE[] = {std::numeric_limits<int>::min(), -1, 2, 255, 256, 65536,
                        std::numeric_limits<int>::max()};
 
-Bytes serialize(const SerializableObject& object) {
-    Bytes bytes(object.getSerializedSize());
-    EXPECT_EQ(object.getSerialized(bytes.data(), static_cast<unsigned int>(bytes.size())),
-              bytes.size());
-    return bytes;
-}
+const int SYSTEM_BOARD = 0;
 
-bool deserialize(SerializableObject& object, const Bytes& bytes) {
-    return object.setSerialized(bytes.data(), static_cast<unsigned int>(bytes.size()));
+struct SystemBoard {
+    bool installed;
+    bool home;
+};
+
+const std::vector<SystemBoard> BOARDS = {{true, true}, {false, false}, {true, false}, {true, true}};
+
+// Fills every member with something of its own.
+void fill(HardInstallInfoPacket& packet) {
+    for (const SystemBoard& board : BOARDS) {
+        packet.systemBoards.records.emplace_back();
+        packet.systemBoards.records.back().word = systemBoardWord(board.installed, board.home);
+    }
+    for (auto* boards : {&packet.firstBoards, &packet.secondBoards}) {
+        auto element = std::make_unique<PrimitiveTypeArray<unsigned char>>();
+        element->records = {static_cast<unsigned char>(boards == &packet.firstBoards ? 1 : 2), 7};
+        boards->elements.push_back(element.release());
+    }
+    packet.ioBoards.records.emplace_back();
+    packet.ioBoards.records.back().word = 0x01020304;
+    packet.ioBoards.records.back().halfWord = 0x0506;
+    packet.gspBoards.records.emplace_back();
+    packet.gspBoards.records.back().word = 0xF1F2F3F4;
+    packet.gspBoards.records.back().halfWord = 0xF5F6;
+    for (std::size_t i = 0; i < std::size(packet.byteArrays); ++i) {
+        packet.byteArrays[i].records = {static_cast<unsigned char>(i), 0xFF};
+    }
 }
 
 }  // namespace
@@ -80,6 +104,7 @@ TEST(PacketsTest, versionsThatWereNeverFilledAreUnknown) {
     for (const int board : OUTSIDE) {
         EXPECT_EQ(packet.getBIOSVersion(board, 0), "-");
     }
+    EXPECT_EQ(packet.getBIOSVersion(0, 0), "-");
 }
 
 TEST(PacketsTest, versionsSurviveTheWire) {
@@ -100,8 +125,10 @@ TEST(PacketsTest, anAnswerThatIsCutShortIsRefusedAndChangesNothing) {
     partitions.addPartition({.installed = true, .name = "name", .nodeIds = {1}});
     VersionInfoPacket versions;
     versions.addBIOSVersion("10.20.30");
+    HardInstallInfoPacket boards;
+    fill(boards);
     for (SerializableObject* object :
-         std::initializer_list<SerializableObject*>{&partitions, &versions}) {
+         std::initializer_list<SerializableObject*>{&partitions, &versions, &boards}) {
         const Bytes bytes = serialize(*object);
         for (std::size_t size = 0; size < bytes.size(); ++size) {
             SCOPED_TRACE(size);
@@ -121,6 +148,62 @@ TEST(PacketsTest, installInformationThatWasNeverFilledKnowsNoBoard) {
         }
         EXPECT_FALSE(packet.isInstalled(kind, 0));
     }
+}
+
+TEST(PacketsTest, installInformationKnowsItsSystemBoards) {
+    HardInstallInfoPacket packet;
+    fill(packet);
+    for (std::size_t number = 0; number < BOARDS.size(); ++number) {
+        SCOPED_TRACE(number);
+        EXPECT_EQ(packet.isInstalled(SYSTEM_BOARD, static_cast<int>(number)),
+                  BOARDS[number].installed);
+        EXPECT_EQ(packet.isHome(SYSTEM_BOARD, static_cast<int>(number), 0), BOARDS[number].home);
+    }
+    EXPECT_FALSE(packet.isInstalled(SYSTEM_BOARD, static_cast<int>(BOARDS.size())));
+    EXPECT_FALSE(packet.isInstalled(SYSTEM_BOARD, -1));
+    EXPECT_FALSE(packet.isHome(SYSTEM_BOARD, static_cast<int>(BOARDS.size()), 0));
+}
+
+TEST(PacketsTest, installInformationSurvivesTheWire) {
+    HardInstallInfoPacket sent;
+    fill(sent);
+    HardInstallInfoPacket received;
+    ASSERT_TRUE(deserialize(received, serialize(sent)));
+    EXPECT_EQ(serialize(received), serialize(sent));
+    ASSERT_EQ(received.systemBoards.records.size(), BOARDS.size());
+    ASSERT_EQ(received.firstBoards.elements.size(), 1u);
+    ASSERT_EQ(received.secondBoards.elements.size(), 1u);
+    EXPECT_THAT(received.firstBoards.elements[0]->records, ElementsAre(1, 7));
+    EXPECT_THAT(received.secondBoards.elements[0]->records, ElementsAre(2, 7));
+    ASSERT_EQ(received.ioBoards.records.size(), 1u);
+    ASSERT_EQ(received.gspBoards.records.size(), 1u);
+    for (std::size_t number = 0; number < BOARDS.size(); ++number) {
+        EXPECT_EQ(received.systemBoards.records[number].word,
+                  sent.systemBoards.records[number].word);
+    }
+    EXPECT_TRUE(received.ioBoards.records[0].word == 0x01020304u);
+    EXPECT_TRUE(received.ioBoards.records[0].halfWord == 0x0506u);
+    EXPECT_TRUE(received.gspBoards.records[0].word == 0xF1F2F3F4u);
+    EXPECT_TRUE(received.gspBoards.records[0].halfWord == 0xF5F6u);
+    for (std::size_t i = 0; i < std::size(received.byteArrays); ++i) {
+        EXPECT_THAT(received.byteArrays[i].records, ElementsAre(i, 0xFF));
+    }
+}
+
+TEST(PacketsTest, installInformationReplacesWhatThePacketContained) {
+    HardInstallInfoPacket packet;
+    fill(packet);
+    const Bytes bytes = serialize(packet);
+    ASSERT_TRUE(deserialize(packet, bytes));
+    EXPECT_EQ(serialize(packet), bytes);
+}
+
+TEST(PacketsTest, serializingIntoTooSmallABufferThrows) {
+    HardInstallInfoPacket packet;
+    fill(packet);
+    Bytes buffer(packet.getSerializedSize());
+    EXPECT_THROW(packet.getSerialized(buffer.data(), static_cast<unsigned int>(buffer.size() - 1)),
+                 PException);
 }
 
 }  // namespace VeskLib::Test

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/mman.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -139,6 +140,8 @@ void ChildProcess::prepareInput(const ChildSetup& setup) {
 
 void ChildProcess::runChild(const std::function<int()>& work, const ChildSetup& setup) {
     std::signal(SIGPIPE, SIG_DFL);
+    // A test that is ended by force takes its children along.
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (inputEnds[0] >= 0) {
         ::dup2(inputEnds[0], STDIN_FILENO);
     } else {

@@ -30,6 +30,9 @@ TEST_F(HardInstallInfoPacketTest, holdsElevenEmptyContainersWhenMade) {
 }
 
 TEST_F(HardInstallInfoPacketTest, neitherTakesNorReleasesMemoryWhenNeverFilled) {
+    if (!countsHeapCalls()) {
+        GTEST_SKIP() << "another tool has replaced the operators";
+    }
     const HeapCalls before = heapCalls();
     { const HardInstallInfoPacket packet; }
     const HeapCalls after = heapCalls();
@@ -38,6 +41,9 @@ TEST_F(HardInstallInfoPacketTest, neitherTakesNorReleasesMemoryWhenNeverFilled) 
 }
 
 TEST_F(HardInstallInfoPacketTest, releasesWhatItsContainersTook) {
+    if (!countsHeapCalls()) {
+        GTEST_SKIP() << "another tool has replaced the operators";
+    }
     const HeapCalls before = heapCalls();
     {
         HardInstallInfoPacket packet;

@@ -33,4 +33,10 @@ HeapCalls heapCalls() {
     return counted;
 }
 
+bool countsHeapCalls() {
+    const unsigned long before = counted.allocations;
+    operator delete(operator new(1));
+    return counted.allocations != before;
+}
+
 }  // namespace VeskLib::Test

@@ -10,4 +10,7 @@ struct HeapCalls {
 
 HeapCalls heapCalls();
 
+// Returns false when a tool such as Valgrind has put operators of its own in their place.
+bool countsHeapCalls();
+
 }  // namespace VeskLib::Test

@@ -1,0 +1,101 @@
+"""Builds the contract tests against the host platform's SDK, as it is or with one source edited."""
+
+import json
+import os
+import shlex
+import shutil
+import subprocess
+
+
+class Failure(Exception):
+    """What keeps the boards from being judged."""
+
+
+def run(command, folder):
+    result = subprocess.run(command, cwd=folder, capture_output=True, text=True, check=False,
+                            errors="replace")
+    if result.returncode != 0:
+        raise Failure(f"failed: {' '.join(command)[:300]}\n{result.stdout}{result.stderr}")
+    return result.stdout
+
+
+class ContractBuild:
+    """A build with contract_tests in it; everything is written below the folder `work`."""
+
+    def __init__(self, project, build, work):
+        self.project = project
+        self.build = os.path.abspath(build)
+        self.work = work
+        self.sdk = os.path.join(work, "sdk")
+        self.program = os.path.join(self.build, "tests", "contract", "contract_tests")
+        if not os.path.exists(self.program):
+            raise Failure(f"{self.build} has no contract_tests; build them first")
+
+    def tests(self):
+        """The names of all contract tests."""
+        names = set()
+        suite = ""
+        for line in run([self.program, "--gtest_list_tests"], self.build).splitlines():
+            if line.startswith("  "):
+                names.add(suite + line.split()[0])
+            elif line.split("#")[0].strip().endswith("."):
+                suite = line.split("#")[0].strip()
+        return names
+
+    def install_sdk(self):
+        run(["cmake", "--install", self.build, "--component", "sdk", "--prefix", self.sdk],
+            self.build)
+        with open(os.path.join(self.build, "compile_commands.json"), encoding="utf-8") as file:
+            self.commands = {entry["file"]: entry for entry in json.load(file)}
+        self.members = {}
+        for library in sorted(os.listdir(os.path.join(self.sdk, "lib"))):
+            for member in run(["ar", "t", os.path.join(self.sdk, "lib", library)],
+                              self.build).split():
+                self.members.setdefault(member, library)
+
+    def link(self, work, file=None, source=None):
+        """Links the tests in `work`; `source` takes the place of the SDK's `file`, if given."""
+        libraries = {name: os.path.join(self.sdk, "lib", name)
+                     for name in os.listdir(os.path.join(self.sdk, "lib"))}
+        if file is not None:
+            name = self._library_of(file)
+            libraries[name] = self._replace(work, libraries[name], file, source)
+        program = os.path.join(work, "contract_tests")
+        own = ["tests/support/libtest_support.a", "main/libefi_program.a", "data/libefi_data.a"]
+        command = self._link_command()
+        objects = [word for word in command if "contract_tests.dir/" in word]
+        frameworks = [word for word in command if os.path.basename(word).startswith("libg")]
+        # Without -fno-lto the linker would optimise what the libraries contain beside machine code.
+        run([command[0], "-fno-lto", *[word for word in command if word.startswith("-Wl,-z")], "-pie", "-o",
+             program, *objects, "-Wl,--start-group", *own, *sorted(libraries.values()),
+             "-Wl,--end-group", *frameworks], self.build)
+        return program
+
+    def _link_command(self):
+        lines = run(["ninja", "-t", "commands", "contract_tests"], self.build).splitlines()
+        line = next(line for line in reversed(lines) if "-o tests/contract/contract_tests" in line)
+        words = shlex.split(line)
+        start = words.index("&&") + 1
+        return words[start:words.index("&&", start)]
+
+    def _library_of(self, file):
+        library = self.members.get(os.path.basename(file) + ".o")
+        if library is None:
+            raise Failure(f"no library of the SDK contains {file}")
+        return library
+
+    def _replace(self, work, library, file, source):
+        edited = os.path.join(work, os.path.basename(file))
+        with open(edited, "w", encoding="utf-8") as output:
+            output.write(source)
+        entry = self.commands[os.path.join(self.project, file)]
+        words = shlex.split(entry["command"])
+        words = words[:words.index("-o")]
+        # What is broken on purpose may leave something unused; speed matters more than the code's.
+        flags = [word for word in words if not word.startswith(("-flto", "-ffat-lto", "-O", "-W",
+                                                                "-U_FORTIFY", "-D_FORTIFY"))]
+        run([*flags, "-O0", "-w", "-o", edited + ".o", "-c", edited], entry["directory"])
+        copy = os.path.join(work, os.path.basename(library))
+        shutil.copy(library, copy)
+        run(["ar", "r", copy, edited + ".o"], work)
+        return copy
