@@ -45,7 +45,7 @@ void fill(HardInstallInfoPacket& packet) {
     for (auto* boards : {&packet.firstBoards, &packet.secondBoards}) {
         auto element = std::make_unique<PrimitiveTypeArray<unsigned char>>();
         element->records = {static_cast<unsigned char>(boards == &packet.firstBoards ? 1 : 2), 7};
-        boards->elements.push_back(element.release());
+        boards->elements.push_back(std::move(element));
     }
     packet.ioBoards.records.emplace_back();
     packet.ioBoards.records.back().word = 0x01020304;

@@ -64,10 +64,4 @@ TEST(HostJudgeAuthorityTest, refusesAUserWithoutRights) {
     EXPECT_EQ(displayMode({.everyFunction = 0, .functions = &none}, 105), 0);
 }
 
-TEST(HostJudgeAuthorityTest, theRightsOfAFreshMainObjectAllowNothing) {
-    const CGIAuthority authority;
-    EXPECT_EQ(authority.everyFunction, 0);
-    EXPECT_EQ(authority.functions, nullptr);
-}
-
 }  // namespace VeskLib::Test
