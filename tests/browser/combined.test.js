@@ -116,6 +116,68 @@ describe("the combined page", () => {
         await posts.assertNone();
     });
 
+    test("a reload and the way back show the form, and never send a step again", async () => {
+        await chooseFile(page, "a.dat", Buffer.from("no configuration"));
+        await Promise.all([page.waitForNavigation(), page.click("#install")]);
+        await page.waitForAlert(/\[64-1026\]/);
+        assert.equal(page.url(), board.url(`${PAGE}?functionID=105`));
+        page.alerts.length = 0;
+        const methods = [];
+        page.on("request", (request) => methods.push(request.method()));
+        await page.reload();
+        assert.ok(!methods.includes("POST"), methods.join());
+        assert.deepEqual(page.alerts, []);
+    });
+
+    for (const [what, button, label, busy, prepare] of [
+        ["a backup", "#download", "Back up partition 0", "Backing up…", async () => {}],
+        ["an upload", "#install", "Upload", "Uploading…",
+            () => chooseFile(page, "a.dat", makeFile("x"))],
+    ]) {
+        test(`the button of ${what} says that work is under way, and is sent once`, async () => {
+            assert.equal(await textOf(page, button), label);
+            await prepare();
+            // The form is kept from leaving, so that the page stays to be looked at.
+            const seen = await page.$eval(button, (element) => {
+                const form = document.getElementById("form_name");
+                let sent = 0;
+                form.submit = () => { ++sent; };
+                element.click();
+                element.click();
+                return { sent, text: element.textContent, busy: element.ariaDisabled };
+            });
+            assert.deepEqual(seen, { sent: 1, text: busy, busy: "true" });
+        });
+    }
+
+    test("a posted message shows that the file was restored, without an alert", async () => {
+        await page.$eval("#form_name", (form) => {
+            const field = document.createElement("input");
+            field.name = "message";
+            form.append(field);
+        });
+        await Promise.all([
+            page.waitForNavigation(),
+            page.$eval("#form_name", (form) => setTimeout(() => form.submit())),
+        ]);
+        assert.match(await textOf(page, ".notice"), /was restored/);
+        assert.deepEqual(page.alerts, []);
+        assert.equal((await page.$$("#install")).length, 1);
+    });
+
+    // A platform's error page may return; what is then printed is a page without components.
+    test("a page of only an error runs without a mistake in its script", async () => {
+        const viewer = await browser.newPage();
+        const mistakes = [];
+        viewer.on("pageerror", (error) => mistakes.push(error.message));
+        await logIn(viewer, board, "viewer");
+        await viewer.goto(board.url(`${PAGE}?error_page_returns=1`), { waitUntil: "load" });
+        assert.equal((await viewer.$$("#form_name")).length, 1);
+        assert.equal((await viewer.$$("#install, #backup")).length, 0);
+        assert.deepEqual(mistakes, []);
+        await viewer.close();
+    });
+
     test("shows nothing of the backup page's own, and leaves no placeholder", async () => {
         assert.equal((await page.$$("table")).length, 0);
         assert.equal((await page.$$("#backup")).length, 0);

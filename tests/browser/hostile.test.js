@@ -26,6 +26,7 @@ const HOSTILE = [
     "line\nbreak\r\nand\ttab",
     "\u2028\u2029\u202Egnp.exe\u2066\u200F",
     "&lt;b&gt; &amp; &#60;",
+    "1&filename=2?filename=3",
     "é ü 日本語 𝄞",
 ];
 
@@ -99,6 +100,13 @@ describe("hostile text", () => {
             const { name, bytes } = await browser.nextDownload();
             assert.equal(parseConfigurationFile(bytes).version, onBoard(text));
             assert.doesNotMatch(name, /[/\\"']/);
+            const link = await page.$eval("#download_link", (element) => ({
+                text: element.textContent,
+                address: decodeURIComponent(element.href),
+            }));
+            const inName = onBoard(text).replaceAll(/[. ]/g, "");
+            assert.ok(link.text.endsWith(`_${inName}.dat`), link.text);
+            assert.ok(link.address.endsWith(`filename=${link.text}`), link.address);
             assert.deepEqual(page.alerts, []);
         });
 

@@ -106,6 +106,22 @@ for (const kind of BROWSERS) {
             assert.equal((await page.$$("#restore")).length, 1);
         });
 
+        test("the upload form posts its step once", async () => {
+            await page.goto(board.url(RESTORE_PAGE));
+            await chooseFile(page, "a.dat", makeFile("x"));
+            // The form is kept from leaving, so that what it posts can be looked at.
+            const steps = await page.$eval("#upload", (button) => {
+                let posted;
+                button.form.addEventListener("submit", (event) => {
+                    posted = new FormData(button.form, event.submitter).getAll("hidden_status");
+                    event.preventDefault();
+                });
+                button.click();
+                return posted;
+            });
+            assert.deepEqual(steps, ["1"]);
+        });
+
         test("nothing is ticked at the start, and nothing ticked is said so", async () => {
             await upload(page, board, "a.dat", makeFile("x"));
             assert.equal((await page.$$("input:checked")).length, 0);

@@ -7,6 +7,7 @@
 #include <VeskLib/Gui/JudgeAuthority.h>
 
 #include <memory>
+#include <string>
 #include <utility>
 
 namespace {
@@ -19,10 +20,13 @@ public:
         guiCheckSession(true);
         messageMgr = new MessageMgr(messageSet);
         requester = new CGIRequester(sessionText.c_str());
+        // As on a board whose error page returns, when the query says so.
+        std::string ignored;
+        const bool errorPageReturns = formInfo->getFormData("error_page_returns", ignored);
         int displayMode = JudgeAuthority(&authority, 105, -1).getDisplayMode() != 0 ? 2 : 0;
         std::unique_ptr<CommonDefaultPage> page = std::make_unique<EFIBackupRestorePage>(
             *requester, *formInfo, *messageMgr, &displayMode);
-        if (page->isError()) {
+        if (page->isError() && !errorPageReturns) {
             errorExit(title, page->getMessage());
         }
         printShell(std::move(page), "M-BACKUP_EFI_CONF");

@@ -19,6 +19,7 @@ const std::vector<std::string>& hostileTexts() {
         "{{message}}",
         "{{if message}}{{end}}{{",
         "%s%s%n%1000000d",
+        "1&filename=2?filename=3",
         "two\nlines\r\nand\rmore",
         "tab\tand bell\a and escape\x1B[2J",
         "caf\xC3\xA9 \xE8\xA3\xBD\xE5\x93\x81",

@@ -11,6 +11,7 @@
 import fcntl
 import os
 import re
+import signal
 import time
 
 from support.board import sampleFile
@@ -34,6 +35,9 @@ UNCHANGED = re.compile(r"Nothing was (changed|restored|uploaded|done)|No partiti
 ALL_UNCHANGED = re.compile(r"Nothing was (changed|uploaded|done)")
 # The back-end's answer was lost on its way, and the page says that it does not know.
 UNSURE = re.compile(r"71-200[234]\b|it is not certain how far")
+
+
+UNCAUGHT = re.compile(rb"terminate called after throwing an instance of '.*bad_alloc'")
 
 
 class Fault:
@@ -73,16 +77,27 @@ class Judge:
         return problems
 
     @staticmethod
+    def endedUnbegun(run, fault):
+        """Whether the program ended by a signal before it began its work, as it may: in the loader,
+        or because there was no memory for its main object, whose exceptions nobody catches."""
+        if run.output:
+            return False
+        uncaught = run.signal == signal.SIGABRT and UNCAUGHT.search(run.errors) is not None
+        return fault.unbegun or (fault.mute and uncaught)
+
+    @staticmethod
     def checkEnd(run, fault, problems):
         if run.timedOut or run.seconds > DEADLINE_SECONDS:
             problems.append(f"it did not end within {DEADLINE_SECONDS} s")
-        elif run.signal is not None and not fault.killed and not (fault.unbegun and not run.output):
+        elif (run.signal is not None and not fault.killed
+              and not Judge.endedUnbegun(run, fault)):
             problems.append(f"it died of signal {run.signal}: {run.errors[-300:]!r}")
 
     @staticmethod
     def checkResponse(run, fault, problems):
         if not run.output:
-            silent = fault.killed or fault.unbegun or (fault.mute and run.exitStatus != 0)
+            silent = fault.killed or Judge.endedUnbegun(run, fault) or (
+                fault.mute and run.exitStatus != 0)
             if not silent and not run.timedOut:
                 problems.append(f"no response (exit status {run.exitStatus}, {run.errors[-300:]!r})")
             return None
