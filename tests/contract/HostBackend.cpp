@@ -1,5 +1,7 @@
 #include "tests/contract/HostBackend.h"
 
+#include "tests/contract/wire.h"
+
 #include <VeskLib/getCGIPath.h>
 
 #include <sys/socket.h>
@@ -15,8 +17,6 @@
 namespace VeskLib::Test {
 
 namespace {
-
-using Bytes = std::vector<unsigned char>;
 
 const std::size_t LENGTH_SIZE = 4;
 const std::size_t NUMBER_OFFSET = 1;  // after the kind

@@ -12,10 +12,10 @@ namespace VeskLib::Test {
 namespace {
 
 // Read by the signal handler, which may only call write() and _Exit().
-char report[512];
+char failureReport[512];
 
 void giveUp(int /*signal*/) {
-    static_cast<void>(!::write(STDOUT_FILENO, report, std::strlen(report)));
+    static_cast<void>(!::write(STDOUT_FILENO, failureReport, std::strlen(failureReport)));
     std::_Exit(EXIT_FAILURE);
 }
 
@@ -25,7 +25,7 @@ void TimeLimit::OnTestStart(const testing::TestInfo& test) {
     const std::string text = std::string("[  FAILED  ] ") + test.test_suite_name() + "." +
                              test.name() + "\nIt took longer than " + std::to_string(seconds) +
                              " s.\n";
-    std::strncpy(report, text.c_str(), sizeof report - 1);
+    std::strncpy(failureReport, text.c_str(), sizeof failureReport - 1);
     std::signal(SIGALRM, giveUp);
     ::alarm(seconds);
 }

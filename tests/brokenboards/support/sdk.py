@@ -53,22 +53,30 @@ class ContractBuild:
                               self.build).split():
                 self.members.setdefault(member, library)
 
-    def link(self, work, file=None, source=None):
-        """Links the tests in `work`; `source` takes the place of the SDK's `file`, if given."""
+    def link(self, work, changed=None, include=None):
+        """Links the tests in `work`. `changed` has sources that replace those of their files;
+        they find headers in the folder `include` first, if given."""
         libraries = {name: os.path.join(self.sdk, "lib", name)
                      for name in os.listdir(os.path.join(self.sdk, "lib"))}
-        if file is not None:
-            name = self._library_of(file)
-            libraries[name] = self._replace(work, libraries[name], file, source)
-        program = os.path.join(work, "contract_tests")
-        own = ["tests/support/libtest_support.a", "main/libefi_program.a", "data/libefi_data.a"]
         command = self._link_command()
         objects = [word for word in command if "contract_tests.dir/" in word]
+        for file, source in (changed or {}).items():
+            compiled = self._compile(work, file, source, include)
+            if file.startswith("platform/"):
+                name = self._library_of(file)
+                libraries[name] = self._replace(work, libraries[name], compiled)
+            else:
+                # Of the tests in place of theirs; of the program before its library, so that the
+                # linker does not look there.
+                own = "contract_tests.dir/" + os.path.basename(file) + ".o"
+                objects = [word for word in objects if not word.endswith(own)] + [compiled]
+        program = os.path.join(work, "contract_tests")
+        own = ["tests/support/libtest_support.a", "main/libefi_program.a", "data/libefi_data.a"]
         frameworks = [word for word in command if os.path.basename(word).startswith("libg")]
         # Without -fno-lto the linker would optimise what the libraries contain beside machine code.
-        run([command[0], "-fno-lto", *[word for word in command if word.startswith("-Wl,-z")], "-pie", "-o",
-             program, *objects, "-Wl,--start-group", *own, *sorted(libraries.values()),
-             "-Wl,--end-group", *frameworks], self.build)
+        run([command[0], "-fno-lto", *[word for word in command if word.startswith("-Wl,-z")],
+             "-pie", "-o", program, *objects, "-Wl,--start-group", *own,
+             *sorted(libraries.values()), "-Wl,--end-group", *frameworks], self.build)
         return program
 
     def _link_command(self):
@@ -84,8 +92,9 @@ class ContractBuild:
             raise Failure(f"no library of the SDK contains {file}")
         return library
 
-    def _replace(self, work, library, file, source):
-        edited = os.path.join(work, os.path.basename(file))
+    def _compile(self, work, file, source, include):
+        edited = os.path.join(work, "sources", file)
+        os.makedirs(os.path.dirname(edited), exist_ok=True)
         with open(edited, "w", encoding="utf-8") as output:
             output.write(source)
         entry = self.commands[os.path.join(self.project, file)]
@@ -94,8 +103,14 @@ class ContractBuild:
         # What is broken on purpose may leave something unused; speed matters more than the code's.
         flags = [word for word in words if not word.startswith(("-flto", "-ffat-lto", "-O", "-W",
                                                                 "-U_FORTIFY", "-D_FORTIFY"))]
-        run([*flags, "-O0", "-w", "-o", edited + ".o", "-c", edited], entry["directory"])
+        first = ["-I", include] if include else []
+        run([flags[0], *first, *flags[1:], "-O0", "-w", "-o", edited + ".o", "-c", edited],
+            entry["directory"])
+        return edited + ".o"
+
+    def _replace(self, work, library, compiled):
         copy = os.path.join(work, os.path.basename(library))
-        shutil.copy(library, copy)
-        run(["ar", "r", copy, edited + ".o"], work)
+        if copy != library:
+            shutil.copy(library, copy)
+        run(["ar", "r", copy, compiled], work)
         return copy
