@@ -307,6 +307,7 @@ for (const [way, Client] of Object.entries(WAYS)) {
             const viewer = await Client.loggedIn(board, "viewer");
             const link = downloadLink(await client.backUp(3));
             const before = parseConfigurationFile((await client.get(link)).bytes).payload;
+            await assertNoLeftovers();
             const files = (await board.temporaryFiles()).length;
             for (const send of [
                 () =>
@@ -325,6 +326,7 @@ for (const [way, Client] of Object.entries(WAYS)) {
             const again = downloadLink(await client.backUp(3));
             assert.deepEqual(parseConfigurationFile((await client.get(again)).bytes).payload, before);
             // The viewer's own upload and the empty file of the backup, which logging out removes.
+            await assertNoLeftovers();
             assert.ok((await board.temporaryFiles()).length <= files + 2);
             await viewer.post("/logout.cgi", {});
             assert.equal((await board.temporaryFiles()).length, files);
