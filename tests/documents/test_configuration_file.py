@@ -13,7 +13,7 @@ from pathlib import Path
 
 from support.board import BUILD, SCREEN, Board, Client
 from support.configuration import layout, read_file, read_states
-from support.document import DocumentTest, codes_in
+from support.document import DocumentTest
 from support.source import constant
 
 HEADER = "platform/host/storage/ConfigurationFile.h"
@@ -98,8 +98,8 @@ class ConfigurationFile(DocumentTest):
             self.assertEqual(self.is_usable(seal(head + bytes(payload + 4))), usable)
 
     def test_whatever_is_wrong_makes_it_no_configuration_file(self):
-        self.stated(r"(Any other magic or revision, a length that does not add up to the file's own,"
-                    r" a byte too few, a byte too many, or a wrong CRC: not a configuration file)")
+        self.stated(r"(Any other magic or revision, a length that does not add up to the file's "
+                    r"own, a byte too few, a byte too many, or a wrong CRC: not a configuration f)")
         for position in range(len(self.example)):
             damaged = bytearray(self.example)
             damaged[position] ^= 1

@@ -89,8 +89,8 @@ class Fuzzing(DocumentTest):
         for reached, whole, percent in found:
             self.assertEqual(round(100 * int(reached) / int(whole)), int(percent))
         changes, useless, rest, caught, percent = re.search(
-            r"knows (\d+) changes: .* (\d+) do not compile; of the other (\d+) the unit tests caught "
-            r"\*\*(\d+), ([\d.]+) %\*\*", self.document.words).groups()
+            r"knows (\d+) changes: .* (\d+) do not compile; of the other (\d+) the unit tests "
+            r"caught \*\*(\d+), ([\d.]+) %\*\*", self.document.words).groups()
         self.assertEqual(int(changes) - int(useless), int(rest))
         self.assertEqual("%.1f" % (100 * int(caught) / int(rest)), percent)
 

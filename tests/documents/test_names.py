@@ -66,7 +66,8 @@ class Names(unittest.TestCase):
         def check(document):
             for _, text, target in links(document):
                 path, _, anchor = target.partition("#")
-                found = PROJECT / Path(document.name).parent / path if path else PROJECT / document.name
+                own = PROJECT / document.name
+                found = own.parent / path if path else own
                 self.assertTrue(found.exists(), target)
                 if anchor:
                     linked = Document(str(found.resolve().relative_to(PROJECT)))
@@ -153,7 +154,8 @@ class Names(unittest.TestCase):
         tests = re.findall(r"Test\s+#\d+: (\S+)", listed)
 
         def check(document):
-            for names in re.findall(r"\bthe tests? ((?:`[\w.]+`(?:,? (?:and )?)?)+)", document.words):
+            listed = r"\bthe tests? ((?:`[\w.]+`(?:,? (?:and )?)?)+)"
+            for names in re.findall(listed, document.words):
                 for name in codes_in(names):
                     pattern = re.sub("[A-Z]{2,}", r"\\w+", re.escape(name))
                     self.assertTrue(any(re.fullmatch(pattern, each) for each in tests), name)

@@ -87,8 +87,8 @@ class Readme(DocumentTest):
         self.assertIsInstance(json.loads(self.tool(*words, option).stdout), dict)
 
     def test_boardctl_does_what_is_stated(self):
-        self.stated(r"`(boardctl --root DIR)` makes a running back-end go wrong: refuse, be slow or "
-                    r"silent, tear its answers, die and come back, switch partitions on and off")
+        self.stated(r"`(boardctl --root DIR)` makes a running back-end go wrong: refuse, be slow "
+                    r"or silent, tear its answers, die and come back, switch partitions on and off")
         for words in ("refuse 1 2", "slow 1", "silent", "torn 1", "partition 3 on",
                       "partition 3 off", "reset", "die"):
             result = self.tool("boardctl", "--root", self.board.root, *words.split())

@@ -5,6 +5,7 @@ import re
 import subprocess
 import unittest
 
+from support.board import SCREEN, Board, Client
 from support.document import PROJECT, DocumentTest, codes_in
 from support.source import constant, read
 
@@ -77,16 +78,16 @@ class Reliability(DocumentTest):
             if met:
                 self.assertEqual(self.number(met[2]), self.number(row[2]))
                 self.assertGreaterEqual(self.number(met[1]), self.number(met[2]))
-        sessions, rounds = re.search(r"(\d+) sessions with (\d+) rounds", self.document.words).groups()
+        sessions, rounds = self.stated(r"(\d+) sessions with (\d+) rounds")
         whole = self.number(next(row[2] for row in self.rows() if "concurrency" in row[0]))
-        self.assertGreaterEqual(whole, 4 * int(sessions) * int(rounds))
+        self.assertGreaterEqual(whole, 4 * sessions * rounds)
         last = self.stated(r"KiB behind [\d,]+ requests and [\d,]+ behind ([\d,]+);")
         self.assertEqual(self.number(str(last)),
                          self.number(next(row[2] for row in self.rows() if "soak" in row[0])))
 
     def test_the_judge_asks_in_the_stated_rows(self):
-        rows, module = self.stated(r"In the rows (.*?) one module, `tests/faults/support/(\w+)\.py`, "
-                                   r"asks the same questions")
+        rows, module = self.stated(r"In the rows (.*?) one module, `tests/faults/support/(\w+)\.py`"
+                                   r", asks the same questions")
 
         def asks(row):
             source = read("tests/faults/rows/%s.py" % row)
@@ -96,6 +97,42 @@ class Reliability(DocumentTest):
 
         self.assertEqual(codes_in(rows), [row for row in (codes_in(each[0])[0]
                                                           for each in self.rows()) if asks(row)])
+
+
+class NotPromised(DocumentTest):
+    name = "docs/reliability.md"
+
+    @classmethod
+    def setUpClass(cls):
+        super().setUpClass()
+        cls.board = cls.enterClassContext(Board())
+
+    def setUp(self):
+        self.client = Client(self.board, "admin")
+        self.backup = self.board.path("/var/tmp/efi_backup" + self.client.identifier)
+
+    def back_up(self, partition):
+        return self.client.post(SCREEN, {"functionID": "105", "hidden_status": "BACKUP",
+                                         "radio_button": partition})
+
+    def test_a_failed_backup_leaves_an_empty_file_that_is_not_downloaded(self):
+        self.stated(r"A backup that fails may (leave an empty file)")
+        link = re.search(r'href="(/common/download[^"]+)"', self.back_up("3").text)[1]
+        link = link.replace("&amp;", "&")
+        self.assertEqual(self.client.get(link).body, self.backup.read_bytes())
+        self.back_up("99")
+        self.assertEqual(self.backup.read_bytes(), b"")
+        self.stated(r"(the download refuses it)")
+        self.assertEqual(self.client.get(link).status, 404)
+
+    def test_a_session_without_its_file_has_ended(self):
+        self.stated(r"(A session without its file has ended, and its staged file and backup go)")
+        self.back_up("3")
+        self.assertTrue(self.backup.exists())
+        self.board.path("/var/lib/session/" + self.client.identifier).unlink()
+        self.assertEqual(self.client.get(SCREEN + "?functionID=105").status, 403)
+        Client(self.board, "admin")
+        self.assertFalse(self.backup.exists())
 
 
 if __name__ == "__main__":

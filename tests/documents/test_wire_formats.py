@@ -1,5 +1,5 @@
-"""docs/wire-formats.md against a running back-end and the headers. The worked examples are made anew
-by tests/backend/documentsTest.cpp."""
+"""docs/wire-formats.md against a running back-end and the headers. The worked examples are made
+anew by tests/backend/documentsTest.cpp."""
 
 import fcntl
 import os
@@ -129,7 +129,7 @@ class WireFormats(DocumentTest):
 
     def test_records_have_the_stated_bits(self):
         installed, home = self.stated(
-            r"bit (\d+) says that the board is installed, bit (\d+), for a system board, that it is")
+            r"bit (\d+) says that the board is installed, bit (\d+), for a system board, that it")
         members = self.members(self.board.ask(GET, 0x02010021)[1])
         # The demo board: system boards 0 and 1 are there, 0 is a home board; I/O boards 0 and 1.
         self.assertEqual(members[0][2:10], struct.pack(">II", 1 << installed | 1 << home,

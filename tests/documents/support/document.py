@@ -66,7 +66,7 @@ class DocumentTest(unittest.TestCase):
         cls.document = Document(cls.name)
 
     def stated(self, pattern):
-        """The groups of the sentence that `pattern` matches, numbers as such; a single group alone."""
+        """What the groups of `pattern` match in a sentence, numbers as such; a single one alone."""
         match = re.search(pattern, self.document.words)
         self.assertIsNotNone(match, "%s does not say: %s" % (self.name, pattern))
         values = [int(each) if each and each.isdigit() else each for each in match.groups()]

@@ -23,7 +23,9 @@ public:
 
     // The one uploaded file: its name as the browser sent it, the path of the temporary file that
     // holds it, and how many bytes were received. Bytes beyond the platform's limit for a file are
-    // counted and not stored. Without an uploaded file both texts are empty and the size is 0.
+    // counted and not stored; such a file has no path. Without an uploaded file both texts are
+    // empty and the size is 0. getUploadFilePath() throws PException when the disk did not take the
+    // file.
     //
     // The temporary file lies on one file system with the board's /var/tmp. Who wants to keep it
     // renames it.
