@@ -7,6 +7,8 @@ namespace VeskLib::Gui {
 HTMLCodeGenerator::HTMLCodeGenerator(const std::string& skeletonFile,
                                      const std::map<std::string, HTMLComponent*>* components)
     : skeletonFile(skeletonFile), components(components) {
+    // The first generator is the page's: its skeleton is read while the back-end works on the
+    // page's first request.
     Host::planSkeleton(skeletonFile);
 }
 

@@ -64,19 +64,17 @@ void AbstractMain::guiCheckSession(bool showError) {
         authority.everyFunction = session.everyFunction ? 1 : 0;
         authority.functions = &functions;
     } else if (showError) {
-        requestEnded = true;
         throw Host::makeLoginPage();
     }
 }
 
 void AbstractMain::errorExit(std::string title, std::string message) {
-    requestEnded = true;
     // A request that the back-end failed is the server's trouble, every other one the client's.
     const bool backendFailed = requester != nullptr && requester->getErrorCode() != 0;
-    responseStatus = backendFailed ? 503 : 400;
     // Thrown, so that everything the request holds is let go of on the way to exec().
-    throw ErrorPage{
-        .status = responseStatus, .title = std::move(title), .message = std::move(message)};
+    throw ErrorPage{.status = backendFailed ? 503 : 400,
+                    .title = std::move(title),
+                    .message = std::move(message)};
 }
 
 void AbstractMain::errorExit(std::string message, int code) {

@@ -8,8 +8,8 @@ int JudgeAuthority::preCheckDisplayMode(CGIRequester& /*requester*/) {
     return authority->everyFunction != 0 ? 1 : 0;
 }
 
-// The pages look at the display mode only when they build their forms, behind what was posted; so a
-// user without the right is kept from changing anything here.
+// The pages examine the display mode only when they build their forms, after the posted action. The
+// request channel is therefore closed for changes here.
 //
 // Rights do not differ between partitions here, so `partition` is not looked at.
 int JudgeAuthority::getDisplayMode() {

@@ -54,7 +54,8 @@ protected:
     CGIAuthority authority;
     std::string sessionText;
 
-    // State of the platform, which the program only initialises.
+    // State of a board's library, which the program only initialises and the host platform does not
+    // use.
     bool requestEnded;
     int responseStatus;
 };

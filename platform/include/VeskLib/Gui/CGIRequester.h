@@ -25,7 +25,9 @@ public:
     // object of fixed size never reads past it.
     bool getInfo(unsigned int request, VeskUi::SerializableObject& answer);
 
-    // Sends `data` as request `request`. False when the back-end refuses it or cannot be reached.
+    // Sends `data` as request `request`. Returns false when the back-end refuses it or cannot be
+    // reached, and without sending anything when JudgeAuthority has refused the user in this
+    // process.
     bool setInfo(unsigned int request, const VeskUi::SerializableObject& data);
 
     // The error code of the last request; 0 when it succeeded or none was made.

@@ -17,7 +17,9 @@ public:
     // getDisplayMode() decides.
     int preCheckDisplayMode(CGIRequester& requester);
 
-    // 0 when the user may not use the function, any other number when they may.
+    // Returns 0 when the user may not use the function, any other number when they may. A 0 also
+    // closes the process's request channel for changes: no CGIRequester::setInfo() sends anything
+    // from then on.
     int getDisplayMode();
 
 private:
