@@ -49,6 +49,8 @@ class ConfigurationFile(DocumentTest):
             r"Partition (\d+), called \"([^\"]+)\", saved on (\S+) at 00:00:00 UTC, BIOS version "
             r"\"([^\"]+)\", payload \"([^\"]+)\" and a line feed")
         fields = read_file(self.example)
+        epoch = self.stated(r"save time, seconds since (\S+) UTC")
+        self.assertEqual(time.strftime("%F", time.gmtime(0)), epoch)
         self.assertEqual(fields["number"], partition)
         self.assertEqual(fields["name"].decode(), name)
         self.assertEqual(time.strftime("%F %T", time.gmtime(fields["save time"])),
@@ -113,6 +115,15 @@ class ConfigurationFile(DocumentTest):
     def test_the_checksum_is_the_one_stated(self):
         characters, checksum = self.stated(r"CRC-32 of the nine characters `(\d+)` is (\w+)\.")
         self.assertEqual("%X" % zlib.crc32(str(characters).encode()), checksum)
+        polynomial = int(self.stated(r"polynomial (0x\w+) reflected, initial value and final XOR "
+                                     r"all ones"), 16)
+        reflected = int("{:032b}".format(polynomial)[::-1], 2)
+        value = 0xFFFFFFFF
+        for byte in str(characters).encode():
+            value ^= byte
+            for _ in range(8):
+                value = value >> 1 ^ (reflected if value & 1 else 0)
+        self.assertEqual("%X" % (value ^ 0xFFFFFFFF), checksum)
 
     def test_the_save_time_lasts_as_long_as_stated(self):
         year = self.stated(r"save time is an unsigned number and lasts until (\d+)")

@@ -96,6 +96,12 @@ class WireFormats(DocumentTest):
         for session in (b"0" * (digits - 1), b"0" * (digits + 1), b"A" * digits, b"", b"../"):
             self.assertEqual(self.board.ask(SET, backup, session, b"\0\0\0\3")[0], 1606)
 
+    def test_the_examples_are_of_the_stated_session(self):
+        session = self.stated(r"In the examples the session is `(\w+)`")
+        asked = self.document.bytes_after("### 0x0201002F")
+        self.assertEqual(asked, struct.pack(">IBIH", 7 + 16, GET, 0x0201002F, 16)
+                         + str(session).encode())
+
     def test_request_numbers_are_those_of_the_header(self):
         text = read("data/requestNumbers.h")
         header = {int(number, 16): name.split("_")[0]
