@@ -35,7 +35,12 @@ export class Board {
             await writeFile(board.path("test.toml"), description);
             board.options = ["--board", board.path("test.toml")];
         }
-        await board.serve();
+        try {
+            await board.serve();
+        } catch (error) {
+            await board.remove();
+            throw error;
+        }
         return board;
     }
 
