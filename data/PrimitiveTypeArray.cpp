@@ -75,7 +75,7 @@ template <typename T>
 unsigned int PrimitiveTypeArray<T>::getSerialized(unsigned char* buffer, unsigned int size) const {
     const unsigned int wanted = getSerializedSize();
     if (wanted > size) {
-        throw makeBufferTooSmall(23296, "Insufficient buffer size");
+        throw makeBufferTooSmall(ARRAY_MODULE, "Insufficient buffer size");
     }
     WireWriter writer(buffer, size);
     // The count is cut to 16 bits, the records are not: the size that precedes the object on the

@@ -14,7 +14,7 @@ const unsigned int WIRE_SIZE = 4;
 unsigned int PrimitiveTypeWrapper<unsigned int>::getSerialized(unsigned char* buffer,
                                                                unsigned int size) const {
     if (size < WIRE_SIZE) {
-        throw makeBufferTooSmall(19200, "Too short size");
+        throw makeBufferTooSmall(WRAPPER_MODULE, "Too short size");
     }
     WireWriter(buffer, WIRE_SIZE).writeU32(value);
     return WIRE_SIZE;

@@ -8,6 +8,9 @@ const unsigned char SYSTEM = 1;
 const unsigned char SUBSYSTEM = 80;
 const unsigned char SEVERITY = 1;
 const unsigned short DETAIL = 1537;
+const unsigned short COLLECTION_MODULE = 2560;
+const int BUFFER_TOO_SMALL = 20019;
+const int DIFFERENT_BUFFER_SIZE = 20010;
 
 long asArgument(const char* constantText) {
     return reinterpret_cast<long>(constantText);
@@ -16,17 +19,17 @@ long asArgument(const char* constantText) {
 }  // namespace
 
 PException makeBufferTooSmall(unsigned short module, const char* text) {
-    return {SYSTEM, SUBSYSTEM, module, SEVERITY, DETAIL, 20019, asArgument(text),
-            0,      0,         0,      0,        0,      0,     0};
+    return {SYSTEM, SUBSYSTEM, module, SEVERITY, DETAIL, BUFFER_TOO_SMALL, asArgument(text), 0, 0,
+            0,      0,         0,      0,        0};
 }
 
 PException makeDifferentBufferSize(const char* operation) {
     return {SYSTEM,
             SUBSYSTEM,
-            2560,
+            COLLECTION_MODULE,
             SEVERITY,
             DETAIL,
-            20010,
+            DIFFERENT_BUFFER_SIZE,
             asArgument(operation),
             asArgument("Different Buffer Size"),
             0,

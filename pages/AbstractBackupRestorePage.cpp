@@ -221,7 +221,8 @@ void AbstractBackupRestorePage::backup(unsigned int partition, std::string& back
     const int descriptor = creat(backupPath.c_str(), BACKUP_FILE_MODE);
     if (descriptor < 0) {
         // Only traced, on purpose: whether the backup can be written is for the back-end to say.
-        traceSystemError("EFIBackupPage::backup()::create", errno);
+        const int systemError = errno;
+        traceSystemError("EFIBackupPage::backup()::create", systemError);
     }
     close(descriptor);  // also when it is -1
 
