@@ -88,12 +88,14 @@ struct Script {
     std::string filePartitionName;
 
     // The operating system's calls. An errno other than 0 makes the call fail. The others
-    // succeed without touching a file, unless `realFiles` is set.
+    // succeed without touching a file, unless `realFiles` is set. `descriptor` is what creat() then
+    // returns; no process here has so many open.
     int creatError = 0;
     int closeError = 0;
     int renameError = 0;
     int removeError = 0;
     bool realFiles = false;
+    int descriptor = 100000;
 };
 
 // The script of the test that runs.

@@ -55,7 +55,7 @@ int __wrap_creat(const char* path, mode_t mode) {
     if (script().creatError != 0) {
         return fail(script().creatError);
     }
-    return script().realFiles ? __real_creat(path, mode) : SCRIPTED_DESCRIPTOR;
+    return script().realFiles ? __real_creat(path, mode) : script().descriptor;
 }
 
 // What the C library's headers make of creat() where files are wider than a pointer.

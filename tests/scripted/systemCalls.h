@@ -2,9 +2,6 @@
 
 namespace VeskLib::Scripted {
 
-// The descriptor that a scripted creat() gives; no process here has so many open.
-inline constexpr int SCRIPTED_DESCRIPTOR = 100000;
-
 // Whether creat(), close(), rename() and remove() are recorded and answered from the script, or
 // go to the operating system as ever. They must do so outside a test, because the test framework
 // and the coverage counters use files of their own.

@@ -111,6 +111,13 @@ TEST_F(BackupTest, succeedsWhenOnlyTheBackEndCanWriteTheFile) {
     EXPECT_EQ(printedPage(), pageThatFetches("Partition3_20261114_123B.dat"));
 }
 
+// In a process without a standard input, 0 is a descriptor like any other.
+TEST_F(BackupTest, takesDescriptorZeroForAFile) {
+    script.descriptor = 0;
+    backup(3, true);
+    EXPECT_THAT(calls({"close", "putLog"}), testing::ElementsAre("close 0"));
+}
+
 TEST_F(BackupTest, doesNotMindAFailingClose) {
     script.closeError = EIO;
     backup(3, true);

@@ -72,8 +72,8 @@ TEST_F(ScriptedPlatformTest, theLastPartitionNumberStays) {
 TEST_F(ScriptedPlatformTest, systemCallsTouchNothingUnlessTheScriptSaysSo) {
     const TemporaryFolder folder;
     const std::string path = folder.path / "file";
-    EXPECT_EQ(creat(path.c_str(), 0644), Scripted::SCRIPTED_DESCRIPTOR);
-    EXPECT_EQ(close(Scripted::SCRIPTED_DESCRIPTOR), 0);
+    EXPECT_EQ(creat(path.c_str(), 0644), script.descriptor);
+    EXPECT_EQ(close(script.descriptor), 0);
     EXPECT_EQ(std::rename(path.c_str(), "/elsewhere"), 0);
     EXPECT_EQ(std::remove(path.c_str()), 0);
     EXPECT_THAT(calls(), testing::ElementsAre("creat " + path + " 0644", "close 100000",
