@@ -103,7 +103,7 @@ TEST(FormInfoUploadTest, withoutAFileTheTextsAreEmptyAndTheSizeIsZero) {
     EXPECT_EQ(printedWith({}, ask), "[]0");
 }
 
-TEST(FormInfoUploadTest, terminateRemovesAFileThatNobodyMoved) {
+TEST(FormInfoUploadTest, terminateRemovesAnUploadThatWasNotMoved) {
     const std::string path = printedWith(upload("a.dat", "content"), [](FormInfo& form) {
         const std::string stored = form.getUploadFilePath();
         std::cout << (exists(stored) ? stored : "not stored");

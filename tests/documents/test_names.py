@@ -50,7 +50,7 @@ def commands(document):
 
 
 def glob_of(path):
-    """A path whose placeholders, words in capitals, stand for anything."""
+    """A path whose placeholders, words in capitals, match anything."""
     return re.sub(r"(?<![\w.])[A-Z]{2,}(?![\w.])", "*", path).rstrip("/")
 
 

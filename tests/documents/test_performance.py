@@ -51,7 +51,7 @@ class Performance(DocumentTest):
                             read("bench/run"))
         ours = [(limit, kind == "least") for _, limit, _, kind in self.wanted()]
         theirs = [(float(limit), bool(least)) for limit, least in limits]
-        # One row stands for both sizes of the table of partitions.
+        # One row covers both sizes of the table of partitions.
         rows = theirs.index((3.0, False))
         del theirs[rows]
         self.assertEqual(ours, theirs)

@@ -6,18 +6,13 @@ import re
 import subprocess
 import unittest
 
-from support.board import SCREEN, Board, Client
-from support.document import PROJECT, DocumentTest, codes_in
+from support.board import SCREEN, BoardDocumentTest, Client
+from support.document import PROJECT, codes_in
 from support.source import read
 
 
-class Readme(DocumentTest):
+class Readme(BoardDocumentTest):
     name = "README.md"
-
-    @classmethod
-    def setUpClass(cls):
-        super().setUpClass()
-        cls.board = cls.enterClassContext(Board())
 
     def shell(self, script):
         """What a reader's shell prints; the folder has the board where ./serve puts it."""

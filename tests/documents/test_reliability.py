@@ -5,7 +5,7 @@ import re
 import subprocess
 import unittest
 
-from support.board import SCREEN, Board, Client
+from support.board import SCREEN, BoardDocumentTest, Client
 from support.document import PROJECT, DocumentTest, codes_in
 from support.source import constant, read
 
@@ -99,13 +99,8 @@ class Reliability(DocumentTest):
                                                           for each in self.rows()) if asks(row)])
 
 
-class NotPromised(DocumentTest):
+class NotPromised(BoardDocumentTest):
     name = "docs/reliability.md"
-
-    @classmethod
-    def setUpClass(cls):
-        super().setUpClass()
-        cls.board = cls.enterClassContext(Board())
 
     def setUp(self):
         self.client = Client(self.board, "admin")

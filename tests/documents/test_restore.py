@@ -4,8 +4,8 @@ import re
 import time
 import unittest
 
-from support.board import SCREEN, Board, Client, upload_body
-from support.document import DocumentTest, codes_in
+from support.board import SCREEN, BoardDocumentTest, Client, upload_body
+from support.document import codes_in
 from support.source import constant, enumerators, text_constant
 
 CONFIGURATION_LIMIT = "platform/host/web/FormLimits.h"
@@ -20,7 +20,7 @@ PAGES = {
 }
 
 
-class Restore(DocumentTest):
+class Restore(BoardDocumentTest):
     name = "docs/restore.md"
 
     @classmethod
@@ -28,7 +28,6 @@ class Restore(DocumentTest):
         super().setUpClass()
         request = re.search(r"one request to `([^`]+)` with `functionID` (\d+)", cls.document.words)
         cls.screen, cls.function = request.groups()
-        cls.board = cls.enterClassContext(Board())
 
     def setUp(self):
         self.client = Client(self.board, "admin")

@@ -6,8 +6,8 @@ import stat
 import subprocess
 import unittest
 
-from support.board import BUILD, SCREEN, Board, Client
-from support.document import PROJECT, DocumentTest, codes_in
+from support.board import BUILD, SCREEN, BoardDocumentTest, Client
+from support.document import PROJECT, codes_in
 from support.source import constant, read
 
 COUNTS = ["no", "one", "two", "three", "four", "five", "six"]
@@ -23,13 +23,12 @@ def tests_of(folder):
     return {*suites, *(path.stem for path in sources)}
 
 
-class Security(DocumentTest):
+class Security(BoardDocumentTest):
     name = "docs/security.md"
 
     @classmethod
     def setUpClass(cls):
         super().setUpClass()
-        cls.board = cls.enterClassContext(Board())
         cls.client = Client(cls.board, "admin")
 
     def test_every_test_that_holds_a_defence_exists(self):

@@ -8,8 +8,8 @@ import stat
 import struct
 import unittest
 
-from support.board import Board, Client
-from support.document import DocumentTest, codes_in
+from support.board import BoardDocumentTest, Client
+from support.document import codes_in
 from support.source import constant, enumerators, read, text_constant
 
 CHANNEL = "platform/host/channel/Channel.h"
@@ -17,13 +17,12 @@ LIMITS = "board/backend/ConnectionLimits.h"
 GET, SET, LOGIN, CONTROL = 1, 2, 3, 4
 
 
-class WireFormats(DocumentTest):
+class WireFormats(BoardDocumentTest):
     name = "docs/wire-formats.md"
 
     @classmethod
     def setUpClass(cls):
         super().setUpClass()
-        cls.board = cls.enterClassContext(Board())
         cls.session = Client(cls.board, "admin").identifier.encode()
 
     def setUp(self):

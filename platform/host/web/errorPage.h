@@ -20,7 +20,7 @@ struct ErrorPage {
 // the one of Response::useLastResort().
 void printErrorPage(const ErrorPage& page, Response& response) noexcept;
 
-// Makes the error page for an exception that nobody caught the response, and writes a trace line.
+// Makes the response the error page of an uncaught exception, and writes a trace line.
 // Throws what the C++ library throws when there is no memory for either.
 void printExceptionPage(const PException& exception, Response& response);
 

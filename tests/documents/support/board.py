@@ -12,7 +12,7 @@ import time
 import urllib.parse
 from pathlib import Path
 
-from support.document import PROJECT
+from support.document import PROJECT, DocumentTest
 
 PRESET = os.environ.get("BOARD_PRESET", "release")
 BUILD = PROJECT / "build" / PRESET
@@ -165,3 +165,12 @@ def upload_body(content, name="a.dat", fields=(("hidden_status", "1"),)):
         f"--{BOUNDARY}\r\nContent-Disposition: form-data; {header}\r\n\r\n".encode()
         + value + b"\r\n" for header, value in parts)
     return body + f"--{BOUNDARY}--\r\n".encode()
+
+
+class BoardDocumentTest(DocumentTest):
+    """A test of a document against a served board, which the tests of the class share."""
+
+    @classmethod
+    def setUpClass(cls):
+        super().setUpClass()
+        cls.board = cls.enterClassContext(Board())

@@ -79,7 +79,7 @@ class Judge:
     @staticmethod
     def endedUnbegun(run, fault):
         """Whether the program ended by a signal before it began its work, as it may: in the loader,
-        or because there was no memory for its main object, whose exceptions nobody catches."""
+        or because there was no memory for its main object, and its exceptions are not caught."""
         if run.output:
             return False
         uncaught = run.signal == signal.SIGABRT and UNCAUGHT.search(run.errors) is not None

@@ -34,7 +34,7 @@ public:
     unsigned int getUploadFileSize() const;
 
     // Ends the work on the request: everything read so far is let go of, and getFormData() finds
-    // no field any more. An uploaded file that nobody moved is removed.
+    // no field any more. An uploaded file that was not moved is removed.
     void terminate();
 
 private:
