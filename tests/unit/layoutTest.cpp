@@ -42,12 +42,23 @@ Member memberOf(Type Class::*pointer) {
     return {static_cast<std::size_t>(offset), &typeid(Type)};
 }
 
-// Defines membersOf(Tag), which lists members that may be private: an explicit instantiation may
-// name them. References are left out, because there are no pointers to them.
-template <typename Tag, auto... Pointers>
+// The members of a class in the order in which Reveal lists them. References are left out, because
+// there are no pointers to them.
+template <typename Class>
+std::vector<Member>& membersOf() {
+    static std::vector<Member> members;
+    return members;
+}
+
+// Fills membersOf<Class>() before main(). Its explicit instantiations may name private members.
+template <typename Class, auto... Pointers>
 struct Reveal {
-    friend std::vector<Member> membersOf(Tag) { return {memberOf(Pointers)...}; }
+    static const bool filled;
 };
+
+template <typename Class, auto... Pointers>
+const bool Reveal<Class, Pointers...>::filled = (membersOf<Class>() = {memberOf(Pointers)...},
+                                                 true);
 
 std::size_t roundUp(std::size_t offset, std::size_t alignment) {
     return (offset + alignment - 1) / alignment * alignment;
@@ -100,83 +111,46 @@ void expectEnd(std::size_t end) {
 // Objects begin with the pointer to their virtual operations, if they have any.
 const std::size_t VIRTUAL = sizeof(void*);
 
-struct MetaTagTag {
-    friend std::vector<Member> membersOf(MetaTagTag);
-};
-struct ContainerTag {
-    friend std::vector<Member> membersOf(ContainerTag);
-};
-struct ItemTag {
-    friend std::vector<Member> membersOf(ItemTag);
-};
-struct GeneratorTag {
-    friend std::vector<Member> membersOf(GeneratorTag);
-};
-struct ShellTag {
-    friend std::vector<Member> membersOf(ShellTag);
-};
-struct MainTag {
-    friend std::vector<Member> membersOf(MainTag);
-};
-struct ConfigMainTag {
-    friend std::vector<Member> membersOf(ConfigMainTag);
-};
-struct PageTag {
-    friend std::vector<Member> membersOf(PageTag);
-};
-struct AbstractPageTag {
-    friend std::vector<Member> membersOf(AbstractPageTag);
-};
-struct BackupPageTag {
-    friend std::vector<Member> membersOf(BackupPageTag);
-};
-struct RestorePageTag {
-    friend std::vector<Member> membersOf(RestorePageTag);
-};
-struct CombinedPageTag {
-    friend std::vector<Member> membersOf(CombinedPageTag);
-};
-
 }  // namespace
 
-template struct Reveal<MetaTagTag, &MetaTag::name, &MetaTag::content, &MetaTag::contentUrl,
+template struct Reveal<MetaTag, &MetaTag::name, &MetaTag::content, &MetaTag::contentUrl,
                        &MetaTag::reserved>;
-template struct Reveal<ContainerTag, &HTMLContainer::children, &HTMLContainer::breakBetween>;
-template struct Reveal<ItemTag, &HTMLItem::componentMap, &HTMLItem::generator>;
-template struct Reveal<GeneratorTag, &HTMLCodeGenerator::skeletonFile,
+template struct Reveal<HTMLContainer, &HTMLContainer::children, &HTMLContainer::breakBetween>;
+template struct Reveal<HTMLItem, &HTMLItem::componentMap, &HTMLItem::generator>;
+template struct Reveal<HTMLCodeGenerator, &HTMLCodeGenerator::skeletonFile,
                        &HTMLCodeGenerator::components>;
-template struct Reveal<ShellTag, &HTMLPage::componentMap, &HTMLPage::generator>;
-template struct Reveal<MainTag, &AbstractMain::trace, &AbstractMain::formInfo,
+template struct Reveal<HTMLPage, &HTMLPage::componentMap, &HTMLPage::generator>;
+template struct Reveal<AbstractMain, &AbstractMain::trace, &AbstractMain::formInfo,
                        &AbstractMain::requester, &AbstractMain::messageMgr,
                        &AbstractMain::functionId, &AbstractMain::messageSet,
                        &AbstractMain::authority, &AbstractMain::sessionText,
                        &AbstractMain::requestEnded, &AbstractMain::responseStatus>;
-template struct Reveal<ConfigMainTag, &AbstractConfigMain::title>;
-template struct Reveal<PageTag, &CommonDefaultPage::generator, &CommonDefaultPage::componentMap,
-                       &CommonDefaultPage::trace, &CommonDefaultPage::displayMode,
-                       &CommonDefaultPage::traceModule, &CommonDefaultPage::errorFlag,
-                       &CommonDefaultPage::alertFlag, &CommonDefaultPage::message>;
-template struct Reveal<AbstractPageTag, &AbstractBackupRestorePage::functionNumber>;
-template struct Reveal<BackupPageTag, &EFIBackupPage::backupFilePath,
+template struct Reveal<AbstractConfigMain, &AbstractConfigMain::title>;
+template struct Reveal<
+    CommonDefaultPage, &CommonDefaultPage::generator, &CommonDefaultPage::componentMap,
+    &CommonDefaultPage::trace, &CommonDefaultPage::displayMode, &CommonDefaultPage::traceModule,
+    &CommonDefaultPage::errorFlag, &CommonDefaultPage::alertFlag, &CommonDefaultPage::message>;
+template struct Reveal<AbstractBackupRestorePage, &AbstractBackupRestorePage::functionNumber>;
+template struct Reveal<EFIBackupPage, &EFIBackupPage::backupFilePath,
                        &EFIBackupPage::partitionInfo>;
-template struct Reveal<RestorePageTag, &EFIRestorePage::requestStatus,
+template struct Reveal<EFIRestorePage, &EFIRestorePage::requestStatus,
                        &EFIRestorePage::restoreFinished, &EFIRestorePage::stagingFilePath,
                        &EFIRestorePage::stagingLockPath, &EFIRestorePage::partitionInfo,
                        &EFIRestorePage::hardInstallInfo>;
 template struct Reveal<
-    CombinedPageTag, &EFIBackupRestorePage::processMode, &EFIBackupRestorePage::restoreFinished,
-    &EFIBackupRestorePage::stagingFilePath, &EFIBackupRestorePage::stagingLockPath,
-    &EFIBackupRestorePage::backupFilePath>;
+    EFIBackupRestorePage, &EFIBackupRestorePage::processMode,
+    &EFIBackupRestorePage::restoreFinished, &EFIBackupRestorePage::stagingFilePath,
+    &EFIBackupRestorePage::stagingLockPath, &EFIBackupRestorePage::backupFilePath>;
 
 namespace {
 
 std::size_t expectBaseLayout() {
     return expectLayout<HTMLCodeGenerator*, MessageMgr&, ComponentMap, trace::VeskTrace, int*, int,
-                        bool, bool, std::string>(membersOf(PageTag()), VIRTUAL);
+                        bool, bool, std::string>(membersOf<CommonDefaultPage>(), VIRTUAL);
 }
 
 std::size_t expectPageLayout() {
-    return expectLayout<CGIRequester&, FormInfo&, int>(membersOf(AbstractPageTag()),
+    return expectLayout<CGIRequester&, FormInfo&, int>(membersOf<AbstractBackupRestorePage>(),
                                                        expectBaseLayout());
 }
 
@@ -191,15 +165,15 @@ const void* pointerAt(const Class& object, std::size_t offset) {
 
 TEST(LayoutTest, ofComponents) {
     expectEnd<MetaTag>(expectLayout<std::string, std::string, std::string, std::string>(
-        membersOf(MetaTagTag()), VIRTUAL));
+        membersOf<MetaTag>(), VIRTUAL));
     expectEnd<HTMLContainer>(expectLayout<std::vector<std::unique_ptr<HTMLComponent>>, bool>(
-        membersOf(ContainerTag()), VIRTUAL));
+        membersOf<HTMLContainer>(), VIRTUAL));
     expectEnd<HTMLItem>(
-        expectLayout<ComponentMap, HTMLCodeGenerator>(membersOf(ItemTag()), VIRTUAL));
+        expectLayout<ComponentMap, HTMLCodeGenerator>(membersOf<HTMLItem>(), VIRTUAL));
     expectEnd<HTMLCodeGenerator>(
-        expectLayout<std::string, const ComponentMap*>(membersOf(GeneratorTag()), VIRTUAL));
+        expectLayout<std::string, const ComponentMap*>(membersOf<HTMLCodeGenerator>(), VIRTUAL));
     expectEnd<HTMLPage>(
-        expectLayout<ComponentMap, HTMLCodeGenerator*>(membersOf(ShellTag()), VIRTUAL));
+        expectLayout<ComponentMap, HTMLCodeGenerator*>(membersOf<HTMLPage>(), VIRTUAL));
 }
 
 // A pointer in place of each container that a board's library sees as one of pointers.
@@ -213,9 +187,10 @@ TEST(LayoutTest, ofOwnedPointersIsThatOfPointers) {
 TEST(LayoutTest, ofTheMainObject) {
     const std::size_t end =
         expectLayout<trace::VeskTrace, FormInfo*, CGIRequester*, MessageMgr*, int, int,
-                     CGIAuthority, std::string, bool, int>(membersOf(MainTag()), VIRTUAL);
+                     CGIAuthority, std::string, bool, int>(membersOf<AbstractMain>(), VIRTUAL);
     expectEnd<AbstractMain>(end);
-    expectEnd<EFIBackupRestoreMain>(expectLayout<std::string>(membersOf(ConfigMainTag()), end));
+    expectEnd<EFIBackupRestoreMain>(
+        expectLayout<std::string>(membersOf<AbstractConfigMain>(), end));
 }
 
 class PageLayoutTest : public PageTest {};
@@ -233,12 +208,12 @@ TEST_F(PageLayoutTest, ofThePageBases) {
 TEST_F(PageLayoutTest, ofThePages) {
     const std::size_t base = expectPageLayout();
     expectEnd<EFIBackupPage>(
-        expectLayout<std::string, PartitionInfoPacket>(membersOf(BackupPageTag()), base));
+        expectLayout<std::string, PartitionInfoPacket>(membersOf<EFIBackupPage>(), base));
     expectEnd<EFIRestorePage>(
         expectLayout<int, bool, std::string, std::string, PartitionInfoPacket,
-                     HardInstallInfoPacket>(membersOf(RestorePageTag()), base));
+                     HardInstallInfoPacket>(membersOf<EFIRestorePage>(), base));
     expectEnd<EFIBackupRestorePage>(expectLayout<int, bool, std::string, std::string, std::string>(
-        membersOf(CombinedPageTag()), base));
+        membersOf<EFIBackupRestorePage>(), base));
 }
 
 TEST(LayoutTest, ofDataObjects) {
