@@ -1,5 +1,7 @@
 #include "board/backend/BoardDescription.h"
 
+#include <algorithm>
+
 namespace VeskLib::Board {
 
 namespace {
@@ -13,6 +15,12 @@ const unsigned int NUMBER_MASK = 0x0F;
 
 bool BoardDescription::isInstalled(unsigned int partition) const {
     return partition < partitions.size() && partitions[partition].installed;
+}
+
+const User* BoardDescription::findUser(const std::string& name) const {
+    const auto found = std::find_if(users.begin(), users.end(),
+                                    [&name](const User& user) { return user.name == name; });
+    return found == users.end() ? nullptr : &*found;
 }
 
 std::string BoardDescription::biosVersionOf(const PartitionDescription& partition) const {

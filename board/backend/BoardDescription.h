@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/host/channel/BoardProperties.h"
 #include "platform/host/channel/boardRecords.h"
 
 #include <array>
@@ -27,8 +28,7 @@ struct PartitionDescription {
 struct User {
     std::string name;
     std::string passwordHash;  // of crypt(3)
-    bool everyFunction = false;
-    std::string functions;  // function numbers, each between commas: ",105,106,"; or empty
+    Host::UserRights rights;
 };
 
 struct BoardDescription {
@@ -39,6 +39,10 @@ struct BoardDescription {
     Boards ioBoards = {};  // installed ones
     Boards gspBoards = {};
     std::vector<User> users;
+    std::string syslogSocket;  // where the audit log is sent as well; may be empty
+
+    // Null when there is no such user.
+    const User* findUser(const std::string& name) const;
 
     bool isInstalled(unsigned int partition) const;
 

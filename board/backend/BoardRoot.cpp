@@ -20,14 +20,14 @@ namespace VeskLib::Board {
 
 namespace {
 
-const char* const FOLDERS[] = {"/var", "/var/run", "/var/tmp", "/var/lib", "/var/lib/board"};
+const char* const FOLDERS[] = {"/var", "/var/run", "/var/tmp", "/var/log", "/var/lib", "/var/lib/board"};
 const char* const STATE_FILE = "/var/lib/board/configurations";
 const char* const ROOT_LOCK = "/var/lib/board/backend.lock";
 const char* const RESTORE_LOCK = "/var/lib/board/restore.lock";
 
 // What lies here is this board's alone.
 const mode_t FOLDER_MODE = 0700;
-const int PROPERTIES_MODE = 0644;
+const int PROPERTIES_MODE = 0600;
 
 [[noreturn]] void fail(const std::string& what) {
     throw std::runtime_error(what + ": " + std::strerror(errno));
@@ -97,9 +97,15 @@ std::string BoardRoot::socketPath() const {
     return getCGIPath(Host::BACKEND_SOCKET);
 }
 
-void BoardRoot::publishProperties(unsigned int maxPartitions) const {
+void BoardRoot::publishProperties(const BoardDescription& description) const {
+    Host::BoardProperties properties;
+    properties.maxPartitions = static_cast<unsigned int>(description.partitions.size());
+    properties.syslogSocket = description.syslogSocket;
+    for (const User& user : description.users) {
+        properties.users[user.name] = user.rights;
+    }
     const std::string path = getCGIPath(Host::BOARD_PROPERTIES);
-    if (!Host::replaceFile(path, encode(Host::BoardProperties{maxPartitions}), PROPERTIES_MODE)) {
+    if (!Host::replaceFile(path, encode(properties), PROPERTIES_MODE)) {
         fail("cannot write " + path);
     }
 }

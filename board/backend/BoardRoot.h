@@ -1,5 +1,7 @@
 #pragma once
 
+#include "board/backend/BoardDescription.h"
+
 #include <string>
 
 namespace VeskLib::Board {
@@ -20,9 +22,9 @@ public:
     std::string restoreLockPath() const;
     std::string socketPath() const;
 
-    // Tells the other processes of the board how many partitions there can be. Throws
-    // std::runtime_error when the file cannot be written.
-    void publishProperties(unsigned int maxPartitions) const;
+    // Publishes what the other processes of the board need to know. Throws std::runtime_error when
+    // the file cannot be written.
+    void publishProperties(const BoardDescription& description) const;
 
 private:
     int lock;

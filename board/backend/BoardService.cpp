@@ -9,8 +9,9 @@
 #include "data/PrimitiveTypeArray.h"
 #include "data/PrimitiveTypeWrapper.h"
 #include "data/requestNumbers.h"
-#include "platform/host/base/SessionShape.h"
+#include "platform/host/audit/AuditLog.h"
 #include "platform/host/channel/Login.h"
+#include "platform/host/session/Session.h"
 
 #include <VeskLib/PException.h>
 
@@ -23,6 +24,8 @@
 namespace VeskLib::Board {
 
 namespace {
+
+const std::size_t LONGEST_ORDER = 200;  // in the audit log; longer ones are malformed
 
 std::vector<unsigned char> serialize(const VeskUi::SerializableObject& object) {
     std::vector<unsigned char> bytes(object.getSerializedSize());
@@ -61,11 +64,38 @@ Host::ReplyFrame refuse(const Host::RequestFrame& request, Host::BackendError co
     return {code, {}};
 }
 
-const std::string& sessionOf(const Host::RequestFrame& request) {
-    if (!Host::isSessionIdentifier(request.sessionIdentifier)) {
-        throw Refusal{Host::BACKEND_NO_SESSION, "it names no session"};
+Host::AuditEvent makeEvent(const char* name, const Host::RequestFrame& request) {
+    Host::AuditEvent event;
+    event.event = name;
+    event.address = request.address;
+    event.request = request.requestIdentifier;
+    return event;
+}
+
+// The programs that send changes have checked the same; nothing that reaches the socket is believed
+// because of that. Fills in who it is.
+void requireRight(const BoardDescription& description, const std::string& sessionIdentifier,
+                  int function, Host::AuditEvent& event) {
+    Host::Session session;
+    const User* const user = Host::findSessionByIdentifier(sessionIdentifier, session)
+                                 ? description.findUser(session.user)
+                                 : nullptr;
+    if (user == nullptr) {
+        throw Refusal{Host::BACKEND_NO_SESSION, "there is no such session"};
     }
-    return request.sessionIdentifier;
+    event.user = user->name;
+    event.session = sessionIdentifier;
+    if (!user->rights.allow(function)) {
+        throw Refusal{Host::BACKEND_NOT_ALLOWED, "its user may not use the function"};
+    }
+}
+
+void appendOrRefuse(const Host::AuditEvent& event) {
+    try {
+        Host::record(event);
+    } catch (const PException&) {
+        throw Refusal{Host::BACKEND_NOT_RECORDED, "the audit log takes no line"};
+    }
 }
 
 }  // namespace
@@ -126,13 +156,22 @@ BoardService::Bytes BoardService::get(const Host::RequestFrame& request) const {
 void BoardService::set(const Host::RequestFrame& request) {
     switch (request.number) {
         case VeskUi::SET_BACKUP:
-            backup(request);
-            return;
         case VeskUi::SET_RESTORE:
-            restore(request);
-            return;
+            break;
         default:
             throw Refusal{Host::BACKEND_UNKNOWN_REQUEST, "nothing to set under this number"};
+    }
+    const bool isBackup = request.number == VeskUi::SET_BACKUP;
+    Host::AuditEvent event = makeEvent(isBackup ? "backup" : "restore", request);
+    try {
+        requireRight(description, request.sessionIdentifier,
+                     isBackup ? Host::BACKUP_FUNCTION : Host::RESTORE_FUNCTION, event);
+        isBackup ? backup(request, event) : restore(request, event);
+    } catch (const Refusal& refusal) {
+        event.result = "refused";
+        event.code = refusal.code;
+        Host::recordRefusal(event);
+        throw;
     }
 }
 
@@ -150,25 +189,30 @@ BoardService::Bytes BoardService::login(const Host::RequestFrame& request) {
         throw Refusal{Host::BACKEND_LOGIN_REFUSED, "wrong name or password"};
     }
     throttle.succeeded(login.origin);
-    return encode(Host::LoginAnswer{user->everyFunction, user->functions});
+    return encode(Host::LoginAnswer{user->rights.everyFunction, user->rights.functions});
 }
 
-void BoardService::backup(const Host::RequestFrame& request) const {
-    const std::string& session = sessionOf(request);
+void BoardService::backup(const Host::RequestFrame& request, Host::AuditEvent& event) const {
     const auto partition = readPayload<VeskUi::PrimitiveTypeWrapper<unsigned int>>(request.payload);
-    backupConfiguration(description, store, session, partition.value, std::time(nullptr));
+    event.partitions = {partition.value};
+    backupConfiguration(description, store, request.sessionIdentifier, partition.value,
+                        std::time(nullptr), event);
 }
 
-void BoardService::restore(const Host::RequestFrame& request) {
-    const std::string& session = sessionOf(request);
+void BoardService::restore(const Host::RequestFrame& request, Host::AuditEvent& event) {
     const auto targets = readPayload<VeskUi::PrimitiveTypeArray<unsigned char>>(request.payload);
-    restoreConfiguration(description, store, switches, restoreLockPath, session, targets.records);
+    event.partitions.assign(targets.records.begin(), targets.records.end());
+    restoreConfiguration(description, store, switches, restoreLockPath, request.sessionIdentifier,
+                         targets.records, event);
 }
 
 BoardService::Bytes BoardService::control(const Host::RequestFrame& request) {
+    const std::string order(request.payload.begin(), request.payload.end());
+    Host::AuditEvent event = makeEvent("fault_order", request);
+    event.order = order.substr(0, LONGEST_ORDER);
+    appendOrRefuse(event);
     try {
-        const std::string answer =
-            carryOutOrder({request.payload.begin(), request.payload.end()}, switches);
+        const std::string answer = carryOutOrder(order, switches);
         return {answer.begin(), answer.end()};
     } catch (const std::invalid_argument& problem) {
         throw Refusal{Host::BACKEND_MALFORMED_REQUEST, problem.what()};

@@ -5,6 +5,7 @@
 #include "board/backend/ConfigurationStore.h"
 #include "board/backend/FaultSwitches.h"
 #include "board/backend/LoginThrottle.h"
+#include "platform/host/audit/AuditEvent.h"
 #include "platform/host/channel/Frame.h"
 
 #include <string>
@@ -30,8 +31,8 @@ private:
     Bytes get(const Host::RequestFrame& request) const;
     void set(const Host::RequestFrame& request);
     Bytes login(const Host::RequestFrame& request);
-    void backup(const Host::RequestFrame& request) const;
-    void restore(const Host::RequestFrame& request);
+    void backup(const Host::RequestFrame& request, Host::AuditEvent& event) const;
+    void restore(const Host::RequestFrame& request, Host::AuditEvent& event);
     Bytes control(const Host::RequestFrame& request);
 
     const BoardDescription& description;

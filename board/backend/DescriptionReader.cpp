@@ -24,6 +24,7 @@ const std::size_t LARGEST_DESCRIPTION = 16 * 1024 * 1024;
 const unsigned int LARGEST_NODE_ID = 255;
 const unsigned int LARGEST_FUNCTION = 99999;
 const std::size_t LONGEST_USER_NAME = 255;
+const std::size_t LONGEST_SOCKET_PATH = 107;
 const unsigned int LAST_BOARD = Host::BOARDS_OF_A_KIND - 1;
 
 std::string functionList(const std::vector<unsigned int>& numbers) {
@@ -61,6 +62,7 @@ void readInstalled(DescriptionTable& table, const char* key, BoardDescription::B
 
 BoardDescription DescriptionReader::read(DescriptionTable& table) {
     description.partitions.resize(table.readNumber("max_partitions", MOST_PARTITIONS));
+    description.syslogSocket = table.readText("syslog_socket", LONGEST_SOCKET_PATH, "");
     readBoards(table);
     table.readTables("partition", [this](DescriptionTable& inner) { readPartition(inner); });
     table.readTables("user", [this](DescriptionTable& inner) { readUser(inner); });
@@ -136,8 +138,8 @@ void DescriptionReader::readUser(DescriptionTable& table) {
     if (!isPasswordHash(user.passwordHash)) {
         table.fail("password_hash", "not a password hash of crypt(3)");
     }
-    user.everyFunction = table.readFlag("every_function", false);
-    user.functions = functionList(table.readNumbers("functions", LARGEST_FUNCTION));
+    user.rights.everyFunction = table.readFlag("every_function", false);
+    user.rights.functions = functionList(table.readNumbers("functions", LARGEST_FUNCTION));
     description.users.push_back(user);
 }
 

@@ -1,13 +1,16 @@
 #include "board/backend/backupConfiguration.h"
 
 #include "board/backend/Refusal.h"
+#include "platform/host/audit/AuditLog.h"
 #include "platform/host/base/SystemPath.h"
 #include "platform/host/storage/ConfigurationFile.h"
 #include "platform/host/storage/files.h"
 
+#include <VeskLib/PException.h>
 #include <VeskLib/getCGIPath.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 
 namespace VeskLib::Board {
@@ -20,7 +23,7 @@ const int BACKUP_FILE_MODE = 0600;
 
 void backupConfiguration(const BoardDescription& description, const ConfigurationStore& store,
                          const std::string& sessionIdentifier, unsigned int partition,
-                         std::time_t now) {
+                         std::time_t now, Host::AuditEvent& event) {
     if (!description.isInstalled(partition)) {
         throw Refusal{Host::BACKEND_NO_PARTITION,
                       "there is no partition " + std::to_string(partition)};
@@ -42,6 +45,14 @@ void backupConfiguration(const BoardDescription& description, const Configuratio
     if (!Host::replaceFile(path, bytes, BACKUP_FILE_MODE)) {
         throw Refusal{Host::BACKEND_NOT_STORED,
                       "cannot write " + path + ": " + std::strerror(errno)};
+    }
+    event.file = Host::auditedFile(bytes);
+    event.result = "done";
+    try {
+        Host::record(event);
+    } catch (const PException&) {
+        static_cast<void>(std::remove(path.c_str()));
+        throw Refusal{Host::BACKEND_NOT_RECORDED, "the audit log takes no line"};
     }
 }
 

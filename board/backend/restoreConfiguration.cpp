@@ -1,8 +1,10 @@
 #include "board/backend/restoreConfiguration.h"
 
 #include "board/backend/Refusal.h"
+#include "platform/host/audit/AuditLog.h"
 #include "platform/host/base/SystemPath.h"
 #include "platform/host/base/platformException.h"
+#include "platform/host/base/sha256.h"
 #include "platform/host/storage/ConfigurationFile.h"
 #include "platform/host/storage/files.h"
 #include "platform/host/storage/obtainLock.h"
@@ -17,6 +19,9 @@
 namespace VeskLib::Board {
 
 namespace {
+
+// What the two lines of a restore of 256 partitions take at most, in bytes.
+const std::size_t LARGEST_LINES = 2 * 256 * 160 + 4096;
 
 // Holds the lock file of restores; refuses when another restore holds it.
 class RestoreLock {
@@ -41,13 +46,17 @@ private:
     int descriptor;
 };
 
-Host::ConfigurationFile readStagedFile(const std::string& sessionIdentifier) {
+Host::ConfigurationFile readStagedFile(const std::string& sessionIdentifier,
+                                       Host::AuditEvent& event) {
     const std::string path = getCGIPath(Host::STAGING_FILE) + sessionIdentifier;
     std::vector<unsigned char> bytes;
+    struct stat status = {};
     Host::ConfigurationFile file;
-    if (!Host::readFile(path, Host::LARGEST_CONFIGURATION_FILE, bytes) || !decode(bytes, file)) {
+    if (!Host::readOwnFile(path, Host::LARGEST_CONFIGURATION_FILE, bytes, status) ||
+        !decode(bytes, file)) {
         throw Refusal{Host::BACKEND_FILE_UNUSABLE, path + " is no usable configuration file"};
     }
+    event.file = Host::auditedFile(bytes);
     return file;
 }
 
@@ -88,23 +97,51 @@ void checkTarget(const BoardDescription& description, const Host::ConfigurationF
     }
 }
 
+// Changes the partitions between two lines of the audit log.
+void replaceRecorded(ConfigurationStore& store, const std::set<unsigned int>& partitions,
+                     const std::vector<unsigned char>& payload, Host::AuditEvent& event) {
+    Host::AuditLog log(LARGEST_LINES);
+    for (const unsigned int partition : partitions) {
+        event.before[partition] = Host::sha256Hex(store.read(partition));
+        event.after[partition] = Host::sha256Hex(payload);
+    }
+    event.result = "begun";
+    log.append(event);
+    const bool stored = store.replace(partitions, payload);
+    event.result = "done";
+    if (!stored) {
+        event.result = "failed";
+        event.code = Host::BACKEND_NOT_STORED;
+    }
+    try {
+        log.append(event);
+    } catch (const PException&) {
+        throw Refusal{Host::BACKEND_OUTCOME_NOT_RECORDED, "the audit log lacks the outcome"};
+    }
+    if (!stored) {
+        throw Refusal{Host::BACKEND_NOT_STORED, "the configurations cannot be written"};
+    }
+}
+
 }  // namespace
 
 void restoreConfiguration(const BoardDescription& description, ConfigurationStore& store,
                           const FaultSwitches& switches, const std::string& lockPath,
                           const std::string& sessionIdentifier,
-                          const std::vector<unsigned char>& targets) {
+                          const std::vector<unsigned char>& targets, Host::AuditEvent& event) {
     if (targets.empty()) {
         throw Refusal{Host::BACKEND_NO_TARGETS, "the list of targets is empty"};
     }
     const RestoreLock lock(lockPath);
-    const Host::ConfigurationFile file = readStagedFile(sessionIdentifier);
+    const Host::ConfigurationFile file = readStagedFile(sessionIdentifier, event);
     const std::set<unsigned int> partitions(targets.begin(), targets.end());
     for (const unsigned int partition : partitions) {
         checkTarget(description, file, switches, partition);
     }
-    if (!store.replace(partitions, file.payload)) {
-        throw Refusal{Host::BACKEND_NOT_STORED, "the configurations cannot be written"};
+    try {
+        replaceRecorded(store, partitions, file.payload, event);
+    } catch (const PException&) {
+        throw Refusal{Host::BACKEND_NOT_RECORDED, "the audit log takes no line"};
     }
 }
 

@@ -10,11 +10,17 @@
 #include "board/backend/StopSignal.h"
 #include "board/backend/log.h"
 #include "board/backend/restartBackend.h"
+#include "platform/host/audit/AuditLog.h"
+#include "platform/host/base/sha256.h"
 #include "platform/host/base/standardDescriptors.h"
+
+#include <VeskLib/PException.h>
 
 #include <unistd.h>
 
 #include <exception>
+#include <map>
+#include <string>
 #include <string_view>
 
 namespace VeskLib::Board {
@@ -42,12 +48,37 @@ Answer answerOrFail(BoardService& service, FaultSwitches& switches,
     return answer;
 }
 
+// The back-end serves also when these lines cannot be written; it then refuses changes.
+void recordEvent(const char* name, const std::map<unsigned int, std::string>& configurations) {
+    Host::AuditEvent event;
+    event.event = name;
+    event.after = configurations;
+    try {
+        Host::record(event);
+    } catch (const PException&) {
+        logLine("the audit log takes no line");
+    }
+}
+
+// With what each partition holds: whether a restore that was under way when the last back-end died
+// was carried out.
+void recordStart(const ConfigurationStore& store, const BoardDescription& description) {
+    std::map<unsigned int, std::string> configurations;
+    for (unsigned int number = 0; number < description.partitions.size(); ++number) {
+        if (description.isInstalled(number)) {
+            configurations[number] = Host::sha256Hex(store.read(number));
+        }
+    }
+    recordEvent("start", configurations);
+}
+
 void serve(const BackendOptions& options) {
     const StopSignal stop;
     const BoardDescription description = loadBoardDescription(options.boardFile);
     const BoardRoot root(options.root);
     ConfigurationStore store(root.statePath(), description);
-    root.publishProperties(static_cast<unsigned int>(description.partitions.size()));
+    root.publishProperties(description);
+    recordStart(store, description);
     FaultSwitches switches;
     BoardService service(description, store, switches, root.restoreLockPath());
     Server server(root.socketPath(), [&](const Host::RequestFrame& request) {
@@ -56,6 +87,7 @@ void serve(const BackendOptions& options) {
     say("ready\n");
     server.run(stop.descriptor());
     switches.end();
+    recordEvent("end", {});
 }
 
 }  // namespace

@@ -1,10 +1,7 @@
 #include "board/inspector/FileReport.h"
 
+#include "platform/host/base/sha256.h"
 #include "platform/host/storage/files.h"
-
-#include <sys/types.h>
-
-#include <sha256.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -25,11 +22,6 @@ const char* const NOTHING = "(none)";
 
 // Some files are looked at that are far too large to be used; this much is still read.
 const std::size_t LARGEST_LOOK = 64 * 1024 * 1024;
-
-std::string sha256Of(const Bytes& bytes) {
-    char digest[SHA256_DIGEST_STRING_LENGTH];
-    return SHA256Data(bytes.data(), bytes.size(), digest);
-}
 
 bool isText(std::string_view text) {
     return std::none_of(text.begin(), text.end(), [](char character) {
@@ -122,14 +114,14 @@ FileReport inspect(const std::string& path) {
         return report;
     }
     report.size = bytes.size();
-    report.sha256 = sha256Of(bytes);
+    report.sha256 = Host::sha256Hex(bytes);
     if (bytes.size() > Host::LARGEST_CONFIGURATION_FILE) {
         report.verdict = FileReport::Verdict::TOO_LARGE;
     } else if (!decode(bytes, report.file)) {
         report.verdict = FileReport::Verdict::NOT_A_CONFIGURATION_FILE;
     } else {
         report.verdict = FileReport::Verdict::USABLE;
-        report.payloadSha256 = sha256Of(report.file.payload);
+        report.payloadSha256 = Host::sha256Hex(report.file.payload);
     }
     return report;
 }

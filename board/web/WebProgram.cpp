@@ -3,10 +3,10 @@
 #include "board/web/webCaptions.h"
 #include "platform/host/base/Environment.h"
 #include "platform/host/text/Catalogue.h"
+#include "platform/host/web/formPolicy.h"
+#include "platform/host/web/requestAudit.h"
 #include "platform/host/web/requestChecks.h"
 
-#include <VeskLib/Gui/CGIRequester.h>
-#include <VeskLib/Gui/JudgeAuthority.h>
 #include <VeskLib/Gui/MessageMgr.h>
 
 #include <string_view>
@@ -15,21 +15,27 @@ namespace VeskLib::Board {
 
 namespace {
 
-const int WHOLE_SERVER = -1;
+// Of a form: none of these programs takes a file, and none needs more.
+const std::size_t LARGEST_BODY = 4 * 1024;
 
 bool isListed(std::string_view methods, const std::string& method) {
     return (", " + std::string(methods) + ",").find(", " + method + ",") != std::string::npos;
 }
 
 void respond(const WebProgram& program, Host::Response& response) {
-    const Host::RequestVerdict verdict = Host::checkRequest();
-    if (verdict == Host::RequestVerdict::METHOD_NOT_ALLOWED ||
-        !isListed(program.allowedMethods, Host::readEnvironment("REQUEST_METHOD"))) {
+    Host::RequestVerdict verdict = Host::checkRequest();
+    if (!isListed(program.allowedMethods, Host::readEnvironment("REQUEST_METHOD"))) {
+        verdict = Host::RequestVerdict::METHOD_NOT_ALLOWED;
+    }
+    Host::recordVerdict(verdict);
+    if (verdict == Host::RequestVerdict::METHOD_NOT_ALLOWED) {
         Host::printErrorPage(program.otherMethods(), response);
         response.addHeader("Allow", program.allowedMethods);
     } else if (verdict == Host::RequestVerdict::CROSS_SITE) {
         Host::printErrorPage(Host::makeCrossSitePage(), response);
     } else {
+        Host::formPolicy().bodyLength = LARGEST_BODY;
+        Host::formPolicy().file = Host::FormPolicy::File::REFUSED;
         program.handle(Gui::FormInfo(), response);
     }
 }
@@ -58,17 +64,8 @@ void redirect(Host::Response& response, const std::string& path) {
     response.addHeader("Location", path);
 }
 
-bool findRequestSession(Host::Session& session) {
-    return Host::findSession(Host::readCookie(Host::SESSION_COOKIE), session);
-}
-
-// Judged as the programs behind the links judge it.
-bool mayUse(const Host::Session& session, int function) {
-    const Gui::CGIAuthority authority = {.everyFunction = session.everyFunction ? 1 : 0,
-                                         .functions = &session.functions};
-    Gui::CGIRequester requester(session.cookieValue().c_str());
-    Gui::JudgeAuthority judge(&authority, function, WHOLE_SERVER);
-    return judge.preCheckDisplayMode(requester) == 1 || judge.getDisplayMode() != 0;
+const Host::RequestSession* findRequestSession() {
+    return Host::findRequestSession(Host::requestCookie());
 }
 
 }  // namespace VeskLib::Board

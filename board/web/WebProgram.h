@@ -1,8 +1,8 @@
 #pragma once
 
 #include "platform/host/web/Response.h"
-#include "platform/host/web/Session.h"
 #include "platform/host/web/errorPage.h"
+#include "platform/host/web/requestSession.h"
 
 #include <VeskLib/Gui/FormInfo.h>
 
@@ -30,11 +30,7 @@ Host::ErrorPage makeRefusal(int status, int caption);
 // Sends the browser to `path` of this site, with GET.
 void redirect(Host::Response& response, const std::string& path);
 
-// The session that the request's cookie stands for. False, with `session` unchanged, when there
-// is none.
-bool findRequestSession(Host::Session& session);
-
-// Whether the session's user may use a function of the board.
-bool mayUse(const Host::Session& session, int function);
+// The session that the request's cookie stands for; null when there is none.
+const Host::RequestSession* findRequestSession();
 
 }  // namespace VeskLib::Board

@@ -1,9 +1,12 @@
 #include "board/web/DownloadName.h"
 #include "board/web/WebProgram.h"
 #include "board/web/webCaptions.h"
+#include "platform/host/audit/AuditLog.h"
 #include "platform/host/base/SystemPath.h"
 #include "platform/host/storage/ConfigurationFile.h"
 #include "platform/host/storage/files.h"
+#include "platform/host/web/requestAudit.h"
+#include "platform/host/web/requestChecks.h"
 
 #include <VeskLib/getCGIPath.h>
 #include <VeskLib/trace/VeskTrace.h>
@@ -16,7 +19,6 @@ namespace VeskLib::Board {
 namespace {
 
 const char* const BACKUP_DOWNLOAD = "5";  // the only function that there is a download for
-const int BACKUP_FUNCTION = 105;
 
 void traceMissingBackup(const std::string& path, const char* reason, int systemError) {
     const std::string text =
@@ -25,15 +27,16 @@ void traceMissingBackup(const std::string& path, const char* reason, int systemE
     trace::VeskTrace(1, 3, 3).putLog(0, text.c_str());
 }
 
-Host::Session requireBackupRight() {
-    Host::Session session;
-    if (!findRequestSession(session)) {
+const Host::Session& requireBackupRight() {
+    const Host::RequestSession* const user = findRequestSession();
+    if (user == nullptr) {
         throw Host::makeLoginPage();
     }
-    if (!mayUse(session, BACKUP_FUNCTION)) {
+    if (!user->mayUse(Host::BACKUP_FUNCTION)) {
+        Host::recordRefusedRight();
         throw makeRefusal(403, DOWNLOAD_NOT_ALLOWED);
     }
-    return session;
+    return user->session;
 }
 
 DownloadName readName(const Gui::FormInfo& form) {
@@ -55,7 +58,8 @@ DownloadName readName(const Gui::FormInfo& form) {
 std::vector<unsigned char> readBackup(const Host::Session& session, const DownloadName& name) {
     const std::string path = getCGIPath(Host::BACKUP_FILE) + session.identifier;
     std::vector<unsigned char> bytes;
-    if (!Host::readFile(path, Host::LARGEST_CONFIGURATION_FILE, bytes)) {
+    struct stat status = {};
+    if (!Host::readOwnFile(path, Host::LARGEST_CONFIGURATION_FILE, bytes, status)) {
         traceMissingBackup(path, "cannot be read", errno);
         throw makeRefusal(404, NO_SUCH_BACKUP);
     }
@@ -70,10 +74,21 @@ std::vector<unsigned char> readBackup(const Host::Session& session, const Downlo
     return bytes;
 }
 
+// Before anything leaves: what cannot be recorded is not handed out.
+void recordDownload(const std::vector<unsigned char>& bytes) {
+    Host::AuditEvent event = Host::makeAuditEvent("download");
+    event.file = Host::auditedFile(bytes);
+    event.result = "done";
+    Host::record(event);
+}
+
 void handleDownload(const Gui::FormInfo& form, Host::Response& response) {
-    const Host::Session session = requireBackupRight();
+    const Host::Session& session = requireBackupRight();
     const DownloadName name = readName(form);
     const std::vector<unsigned char> bytes = readBackup(session, name);
+    if (!Host::isHead()) {
+        recordDownload(bytes);
+    }
     response.setContentType("application/octet-stream");
     response.addHeader("Content-Disposition", name.contentDisposition());
     std::cout.write(reinterpret_cast<const char*>(bytes.data()),

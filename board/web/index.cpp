@@ -10,8 +10,6 @@ namespace VeskLib::Board {
 namespace {
 
 const char* const MENU_SKELETON = "/usr/local/www/skel/skeleton_web_menu.txt";
-const int BACKUP_FUNCTION = 105;
-const int RESTORE_FUNCTION = 106;
 
 bool isLanguage(const std::string& tag) {
     for (int language = 0; language < Host::LANGUAGE_COUNT; ++language) {
@@ -33,20 +31,19 @@ void chooseLanguage(const Gui::FormInfo& form, Host::Response& response) {
     redirect(response, "/");
 }
 
-void printMenu(const Host::Session& session) {
+void printMenu(const Host::RequestSession& user) {
     WebPage page(MENU_SKELETON, MENU_TITLE);
-    page.putText("account", session.user);
-    page.putText(mayUse(session, BACKUP_FUNCTION) ? "may_backup" : "may_not_backup", "");
-    page.putText(mayUse(session, RESTORE_FUNCTION) ? "may_restore" : "may_not_restore", "");
+    page.putText("account", user.session.user);
+    page.putText(user.mayUse(Host::BACKUP_FUNCTION) ? "may_backup" : "may_not_backup", "");
+    page.putText(user.mayUse(Host::RESTORE_FUNCTION) ? "may_restore" : "may_not_restore", "");
     page.print();
 }
 
 void handleMenu(const Gui::FormInfo& form, Host::Response& response) {
-    Host::Session session;
     if (Host::isPost()) {
         chooseLanguage(form, response);
-    } else if (findRequestSession(session)) {
-        printMenu(session);
+    } else if (const Host::RequestSession* user = findRequestSession()) {
+        printMenu(*user);
     } else {
         redirect(response, "/login.cgi");
     }

@@ -2,8 +2,10 @@
 #include "board/web/WebProgram.h"
 #include "board/web/webCaptions.h"
 
+#include "platform/host/audit/AuditLog.h"
 #include "platform/host/base/Environment.h"
 #include "platform/host/base/platformException.h"
+#include "platform/host/base/requestOrigin.h"
 #include "platform/host/channel/BackendError.h"
 #include "platform/host/channel/Channel.h"
 #include "platform/host/channel/Login.h"
@@ -46,19 +48,34 @@ void printRefusedForm(const std::string& user, int caption, int detail) {
     page.print();
 }
 
+void recordLogin(const Host::Session& session) {
+    Host::AuditEvent event = Host::makeAuditEvent("login");
+    event.user = session.user;
+    event.session = session.identifier;
+    Host::record(event);
+}
+
+// Without the typed name: people type their password there by mistake.
+void recordRefusedLogin(int code) {
+    Host::AuditEvent event;
+    event.event = "login_failed";
+    event.address = Host::clientAddress();
+    event.code = code;
+    Host::recordRefusal(event);
+}
+
 // A session that the browser already has is never adopted, so that nobody can be logged in to a
 // session that another knows; it ends when the new one stands.
-void startNewSession(const std::string& user, const Host::LoginAnswer& rights,
-                     Host::Response& response) {
-    Host::Session former;
-    const bool replaces = findRequestSession(former);
-    const Host::Session session = Host::startSession(user, rights.everyFunction, rights.functions);
+void startNewSession(const std::string& user, Host::Response& response) {
+    const Host::RequestSession* const former = findRequestSession();
+    const Host::Session session = Host::startSession(user);
     try {
-        if (replaces && !Host::endSession(former.identifier)) {
+        if (former != nullptr && !Host::endSession(former->session.identifier)) {
             throw Host::makePlatformException(Host::SESSION_NOT_ENDED,
                                               "The former session cannot be ended");
         }
         Host::endExpiredSessions();
+        recordLogin(session);
         response.addHeader("Set-Cookie", std::string(Host::SESSION_COOKIE) + "=" +
                                              session.cookieValue() +
                                              "; Path=/; HttpOnly; SameSite=Strict");
@@ -83,10 +100,11 @@ void handleLogin(const Gui::FormInfo& form, Host::Response& response) {
     Host::LoginAnswer rights;
     const int code = askRights({user, password, Host::readEnvironment("REMOTE_ADDR")}, rights);
     if (code == 0) {
-        startNewSession(user, rights, response);
+        startNewSession(user, response);
         return;
     }
     traceRefusedLogin(code);
+    recordRefusedLogin(code);
     if (code == Host::BACKEND_LOGIN_REFUSED) {
         response.setStatus(403);
         printRefusedForm(user, LOGIN_REFUSED, 0);

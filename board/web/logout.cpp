@@ -1,5 +1,6 @@
 #include "board/web/WebProgram.h"
 #include "board/web/webCaptions.h"
+#include "platform/host/audit/AuditLog.h"
 #include "platform/host/base/platformException.h"
 
 namespace VeskLib::Board {
@@ -11,11 +12,16 @@ Host::ErrorPage makeMethodPage() {
 }
 
 void handleLogout(const Gui::FormInfo& /*form*/, Host::Response& response) {
-    Host::Session session;
-    // Nobody is told to be logged out whose session lives on.
-    if (findRequestSession(session) && !Host::endSession(session.identifier)) {
-        throw Host::makePlatformException(Host::SESSION_NOT_ENDED, "The session cannot be ended");
+    const Host::RequestSession* const user = findRequestSession();
+    if (user != nullptr) {
+        // Does not report a logout while the session still exists.
+        if (!Host::endSession(user->session.identifier)) {
+            throw Host::makePlatformException(Host::SESSION_NOT_ENDED,
+                                              "The session cannot be ended");
+        }
+        Host::record(Host::makeAuditEvent("logout"));
     }
+    response.addHeader("Clear-Site-Data", "\"cache\", \"storage\"");
     response.addHeader("Set-Cookie", std::string(Host::SESSION_COOKIE) +
                                          "=; Path=/; Max-Age=0; HttpOnly; SameSite=Strict");
     redirect(response, "/login.cgi");

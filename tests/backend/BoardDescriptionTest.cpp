@@ -104,10 +104,10 @@ TEST_F(BoardDescriptionTest, everyKeyIsRead) {
     EXPECT_FALSE(description.systemBoards[4].home);
     EXPECT_EQ(description.systemBoards[4].biosVersion, "-");
     ASSERT_EQ(description.users.size(), 2U);
-    EXPECT_EQ(description.users[0].functions, ",105,106,");
-    EXPECT_FALSE(description.users[0].everyFunction);
-    EXPECT_EQ(description.users[1].functions, "");
-    EXPECT_TRUE(description.users[1].everyFunction);
+    EXPECT_EQ(description.users[0].rights.functions, ",105,106,");
+    EXPECT_FALSE(description.users[0].rights.everyFunction);
+    EXPECT_EQ(description.users[1].rights.functions, "");
+    EXPECT_TRUE(description.users[1].rights.everyFunction);
 }
 
 TEST_F(BoardDescriptionTest, versionIsThatOfTheFirstHomeBoardInTheNodeList) {
@@ -264,8 +264,8 @@ TEST(DemoBoard, holdsEveryCaseThatPagesMustCopeWith) {
     EXPECT_EQ(demo.partitions[3].nodeIds, (Bytes{0x13, 0x21}));
     EXPECT_GT(demo.partitions[5].initialPayload.size(), 390000U);
     ASSERT_EQ(demo.users.size(), 2U);
-    EXPECT_EQ(demo.users[0].functions, ",105,106,");
-    EXPECT_EQ(demo.users[1].functions, "");
+    EXPECT_EQ(demo.users[0].rights.functions, ",105,106,");
+    EXPECT_EQ(demo.users[1].rights.functions, "");
 }
 
 }  // namespace VeskLib::Test

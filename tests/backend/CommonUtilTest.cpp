@@ -74,11 +74,44 @@ TEST_F(CommonUtilTest, numberDoesNotChangeWithinAProcess) {
 }
 
 TEST(BoardProperties, areReadBack) {
-    const Bytes bytes = encode(Host::BoardProperties{8});
-    EXPECT_EQ(std::string(bytes.begin(), bytes.end()), "max_partitions=8\n");
+    Host::BoardProperties published;
+    published.maxPartitions = 8;
+    published.users["admin"] = {.everyFunction = true, .functions = ""};
+    published.users["the night shift"] = {.everyFunction = false, .functions = ",105,106,"};
+    published.users["two\nlines"] = {};
+    published.syslogSocket = "/dev/log";
+    const Bytes bytes = encode(published);
+    EXPECT_EQ(std::string(bytes.begin(), bytes.end()),
+              "max_partitions=8\nuser=1 - admin\nuser=0 ,105,106, the night shift\n"
+              "syslog_socket=/dev/log\n");
     Host::BoardProperties properties;
     ASSERT_TRUE(decode(bytes, properties));
     EXPECT_EQ(properties.maxPartitions, 8U);
+    ASSERT_EQ(properties.users.size(), 2U);
+    EXPECT_TRUE(properties.users["admin"].everyFunction);
+    EXPECT_EQ(properties.users["admin"].functions, "");
+    EXPECT_FALSE(properties.users["the night shift"].everyFunction);
+    EXPECT_EQ(properties.users["the night shift"].functions, ",105,106,");
+    EXPECT_EQ(properties.syslogSocket, "/dev/log");
+}
+
+TEST(BoardProperties, damagedOnesAreNotTaken) {
+    for (const std::string text :
+         {"max_partitions=8\nuser=2 - x\n", "max_partitions=8\nuser=1-x\n",
+          "max_partitions=8\nuser=1 -\n", "max_partitions=8\nuser=\n", "user=1 - admin\n"}) {
+        Host::BoardProperties properties;
+        EXPECT_FALSE(decode(Bytes(text.begin(), text.end()), properties)) << text;
+        EXPECT_EQ(properties.maxPartitions, 0U);
+        EXPECT_TRUE(properties.users.empty());
+    }
+}
+
+TEST(BoardProperties, rightsAreThoseOfTheList) {
+    const Host::UserRights some = {.everyFunction = false, .functions = ",105,1061,"};
+    EXPECT_TRUE(some.allow(105));
+    EXPECT_FALSE(some.allow(106));
+    EXPECT_FALSE(some.allow(10));
+    EXPECT_TRUE((Host::UserRights{.everyFunction = true, .functions = ""}.allow(106)));
 }
 
 }  // namespace VeskLib::Test

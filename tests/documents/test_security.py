@@ -11,7 +11,7 @@ from support.document import PROJECT, codes_in
 from support.source import constant, read
 
 COUNTS = ["no", "one", "two", "three", "four", "five", "six"]
-SESSION = "platform/host/web/Session.h"
+SESSION = "platform/host/session/Session.h"
 THROTTLE = "board/backend/LoginThrottle.h"
 
 

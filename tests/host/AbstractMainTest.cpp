@@ -7,6 +7,7 @@
 #include "tests/support/files.h"
 #include "tests/support/hostileTexts.h"
 #include "tests/support/markup.h"
+#include "tests/support/sessions.h"
 
 #include <VeskLib/Gui/CommonDefaultPage.h>
 #include <VeskLib/Gui/JudgeAuthority.h>
@@ -90,7 +91,7 @@ protected:
         EXPECT_THAT(response.body, HasSubstr("href=\"/login.cgi\""));
     }
 
-    static Session startSession() { return Host::startSession("user", false, ",105,"); }
+    static Session startSession() { return VeskLib::Test::startSession("user", false, ",105,"); }
 };
 
 TEST_F(AbstractMainTest, thePageIsTheResponse) {
@@ -226,8 +227,8 @@ TEST_F(AbstractMainTest, aCheckThatShowsNoErrorLeavesTheRightsUnchanged) {
 }
 
 TEST_F(AbstractMainTest, theCheckGivesTheUsersRights) {
-    const Session some = Host::startSession("user", false, ",105,");
-    const Session all = Host::startSession("admin", true, "");
+    const Session some = VeskLib::Test::startSession("user", false, ",105,");
+    const Session all = VeskLib::Test::startSession("admin", true, "");
     for (const bool showError : {true, false}) {
         const auto printRights = [showError](TestMain& main) {
             main.guiCheckSession(showError);

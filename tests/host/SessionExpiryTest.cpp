@@ -1,4 +1,4 @@
-#include "platform/host/web/Session.h"
+#include "platform/host/session/Session.h"
 
 #include "tests/host/sessionFiles.h"
 #include "tests/support/BoardTest.h"
@@ -30,7 +30,7 @@ std::time_t ageOf(const std::string& path) {
 class SessionExpiryTest : public BoardTest {
 protected:
     SessionExpiryTest()
-        : session(Host::startSession("operator", false, "")),
+        : session(Host::startSession("operator")),
           path(sessionFile(session.identifier)) {}
 
     // Has the session been created `seconds` ago; its file's time is set anew as well.
@@ -91,7 +91,7 @@ TEST_F(SessionExpiryTest, notEveryRequestWrites) {
 TEST_F(SessionExpiryTest, aTimeOfCreationThatIsNoneIsLongAgo) {
     for (const char* created :
          {"", "x", "-1", "-9223372036854775808", "12", "1e18", "99999999999999999999999999"}) {
-        const Session other = Host::startSession("operator", false, "");
+        const Session other = Host::startSession("operator");
         setField(other, "created", created);
         EXPECT_FALSE(isLetIn(other.cookieValue())) << created;
     }

@@ -1,4 +1,4 @@
-#include "platform/host/web/Session.h"
+#include "platform/host/session/Session.h"
 
 #include "platform/host/base/platformException.h"
 #include "tests/host/sessionFiles.h"
@@ -38,7 +38,7 @@ class SessionFilesTest : public BoardTest {
 protected:
     // A session with a backup and an upload.
     static Session startWithFiles() {
-        Session session = Host::startSession("operator", false, "");
+        Session session = Host::startSession("operator");
         writeText(backupFile(session.identifier), "backup");
         writeText(stagingFile(session.identifier), "upload");
         return session;
@@ -89,7 +89,7 @@ TEST_F(SessionFilesTest, anIdentifierThatIsNoneEndsNothing) {
 }
 
 TEST_F(SessionFilesTest, endingASessionTwiceOrWithoutFilesIsFine) {
-    const Session session = Host::startSession("operator", false, "");
+    const Session session = Host::startSession("operator");
     endSession(session.identifier);
     endSession(session.identifier);
     EXPECT_THAT(namesIn(boardFile("/var/lib/session")), IsEmpty());

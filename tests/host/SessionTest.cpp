@@ -1,4 +1,4 @@
-#include "platform/host/web/Session.h"
+#include "platform/host/session/Session.h"
 
 #include "platform/host/base/platformException.h"
 #include "tests/host/sessionFiles.h"
@@ -16,13 +16,11 @@
 namespace VeskLib::Test {
 
 using Host::Session;
-using Host::startSession;
 using testing::IsEmpty;
 
 class SessionTest : public BoardTest {
 protected:
-    // A session whose user may use two functions.
-    static Session start() { return startSession("operator", false, ",105,106,"); }
+    static Session start() { return Host::startSession("operator"); }
 
     // The session that this cookie value finds; one without an identifier when there is none.
     static Session find(const std::string& cookieValue) {
@@ -39,15 +37,9 @@ TEST_F(SessionTest, aSessionIsFoundByItsCookie) {
     EXPECT_EQ(found.identifier, started.identifier);
     EXPECT_EQ(found.token, started.token);
     EXPECT_EQ(found.user, "operator");
-    EXPECT_FALSE(found.everyFunction);
-    EXPECT_EQ(found.functions, ",105,106,");
     EXPECT_EQ(found.created, started.created);
     EXPECT_GE(found.created, before);
     EXPECT_LE(found.created, std::time(nullptr));
-}
-
-TEST_F(SessionTest, theRightToEveryFunctionIsKept) {
-    EXPECT_TRUE(find(startSession("admin", true, "").cookieValue()).everyFunction);
 }
 
 TEST_F(SessionTest, theCookieIsIdentifierAndToken) {
@@ -143,13 +135,12 @@ TEST_F(SessionTest, aFailedSearchLeavesTheOutputAsItIs) {
 
 TEST_F(SessionTest, aUserNameIsTakenAsItIs) {
     for (const char* user : {"", "a=b", "token=0", "caf\xC3\xA9 <script>", "x\r", " spaces "}) {
-        EXPECT_EQ(find(startSession(user, false, "").cookieValue()).user, user);
+        EXPECT_EQ(find(Host::startSession(user).cookieValue()).user, user);
     }
 }
 
 TEST_F(SessionTest, aLineBreakInANameCannotForgeALine) {
-    EXPECT_THROW(startSession("user\nevery_function=1", false, ""), PException);
-    EXPECT_THROW(startSession("user", false, ",105,\nevery_function=1"), PException);
+    EXPECT_THROW(Host::startSession("user\ntoken_sha256=1"), PException);
     EXPECT_THAT(namesIn(boardFile("/var/lib/session")), IsEmpty());
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/host/web/Session.h"
+#include "platform/host/session/Session.h"
 
 #include <ctime>
 #include <string>

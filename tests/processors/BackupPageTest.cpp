@@ -1,10 +1,11 @@
 // The program as it is built for a board, run as a web server runs it, prints the same bytes on
 // every processor.
 
-#include "platform/host/web/Session.h"
+#include "platform/host/session/Session.h"
 #include "tests/processors/expectedBytes.h"
 #include "tests/support/BoardTest.h"
 #include "tests/support/files.h"
+#include "tests/support/sessions.h"
 #include "tests/web/FakeBackend.h"
 
 #include <VeskLib/VeskUi/PartitionInfoPacket.h>
@@ -30,7 +31,7 @@ protected:
 
     // What the program answers to a logged-in operator of this language.
     static std::string answer(const std::string& language) {
-        const Host::Session session = Host::startSession("admin", true, "");
+        const Host::Session session = startSession("admin", true, "");
         const FakeBackend backend(Host::ReplyFrame{0, fourPartitions()});
         ChildSetup setup;
         setup.environment = {{"REQUEST_METHOD", "GET"},

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/host/web/Session.h"
+#include "platform/host/session/Session.h"
 #include "tests/support/BoardTest.h"
 #include "tests/support/CGIResponse.h"
 #include "tests/support/ChildProcess.h"

@@ -1,5 +1,6 @@
 #include "platform/host/storage/ConfigurationFile.h"
 #include "tests/support/files.h"
+#include "tests/support/sessions.h"
 #include "tests/web/WebTest.h"
 
 #include <gmock/gmock.h>
@@ -54,7 +55,7 @@ protected:
         return run({.query = "functionID=5&filename=" + name, .cookie = cookieOf(session)});
     }
 
-    const Host::Session session = Host::startSession("admin", false, ",105,");
+    const Host::Session session = startSession("admin", false, ",105,");
     Host::ConfigurationFile file;
 };
 
@@ -199,7 +200,7 @@ TEST_F(DownloadTest, folderIsNotFound) {
 }
 
 TEST_F(DownloadTest, whoIsNotLoggedInGetsNothing) {
-    const Host::Session expired = Host::startSession("admin", true, "");
+    const Host::Session expired = startSession("admin", true, "");
     expire(expired);
     for (const std::string& cookie :
          {std::string(), "session=" + session.identifier,
@@ -216,7 +217,7 @@ TEST_F(DownloadTest, sessionIsCheckedBeforeTheName) {
 }
 
 TEST_F(DownloadTest, roleWithoutTheBackupFunctionGetsNothing) {
-    const Host::Session viewer = Host::startSession("viewer", false, ",106,");
+    const Host::Session viewer = startSession("viewer", false, ",106,");
     writeText(boardFile("/var/tmp/efi_backup" + viewer.identifier), toText(file));
     expectPage(
         run({.query = std::string("functionID=5&filename=") + NAME, .cookie = cookieOf(viewer)}),
@@ -224,7 +225,7 @@ TEST_F(DownloadTest, roleWithoutTheBackupFunctionGetsNothing) {
 }
 
 TEST_F(DownloadTest, backupOfAnotherSessionIsNotFound) {
-    const Host::Session other = Host::startSession("admin", true, "");
+    const Host::Session other = startSession("admin", true, "");
     expectPage(
         run({.query = std::string("functionID=5&filename=") + NAME, .cookie = cookieOf(other)}),
         "404 Not Found", caption(NO_SUCH_BACKUP));

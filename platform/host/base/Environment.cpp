@@ -10,7 +10,8 @@ std::string readEnvironment(const char* name) {
     return value == nullptr ? std::string() : std::string(value);
 }
 
-std::string readCookie(const std::string& name) {
+std::vector<std::string> readCookies(const std::string& name) {
+    std::vector<std::string> values;
     const std::string cookies = readEnvironment("HTTP_COOKIE");
     std::string_view rest = cookies;
     while (!rest.empty()) {
@@ -20,10 +21,15 @@ std::string readCookie(const std::string& name) {
         const std::size_t start = pair.find_first_not_of(" \t");
         pair.remove_prefix(start == std::string_view::npos ? pair.size() : start);
         if (pair.size() > name.size() && pair[name.size()] == '=' && pair.starts_with(name)) {
-            return std::string(pair.substr(name.size() + 1));
+            values.emplace_back(pair.substr(name.size() + 1));
         }
     }
-    return {};
+    return values;
+}
+
+std::string readCookie(const std::string& name) {
+    const std::vector<std::string> values = readCookies(name);
+    return values.empty() ? std::string() : values.front();
 }
 
 }  // namespace VeskLib::Host

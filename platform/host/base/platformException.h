@@ -19,6 +19,9 @@ enum PlatformError : unsigned short {
     NO_RANDOM_NUMBERS = 1110,         // the kernel gives none
     SESSION_NOT_READABLE = 1111,      // there is a session, but it cannot be read
     SESSION_NOT_ENDED = 1112,         // the session cannot be removed
+    REQUEST_TOO_SLOW = 1113,          // the body does not come in time
+    SESSION_FILE_REFUSED = 1114,      // a session's backup or staged file is not the board's own
+    AUDIT_NOT_WRITTEN = 1115,         // the audit log takes no line
 };
 
 // `text` says what failed and must be constant text.

@@ -14,11 +14,14 @@ enum BackendError : unsigned int {
     BACKEND_NOT_STORED = 1603,          // the board's storage failed
     BACKEND_UNKNOWN_REQUEST = 1604,     // no such request number
     BACKEND_MALFORMED_REQUEST = 1605,   // the frame or its payload is malformed
-    BACKEND_NO_SESSION = 1606,          // no session identifier, or not of its shape
+    BACKEND_NO_SESSION = 1606,          // no living session of a user of the board
     BACKEND_LOGIN_REFUSED = 1607,       // the name and the password do not belong together
     BACKEND_CONFIGURATION_SIZE = 1608,  // larger than a target partition can hold
     BACKEND_FAILED = 1609,              // the back-end itself, for instance out of memory
     BACKEND_LOGIN_TOO_SOON = 1610,      // too many wrong passwords came from the same address
+    BACKEND_NOT_ALLOWED = 1611,         // the session's user may not use the function
+    BACKEND_NOT_RECORDED = 1612,        // the audit log takes no line; nothing was changed
+    BACKEND_OUTCOME_NOT_RECORDED = 1613,  // it was changed, but the audit log does not say so
 };
 
 }  // namespace VeskLib::Host

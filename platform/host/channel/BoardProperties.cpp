@@ -1,46 +1,126 @@
 #include "platform/host/channel/BoardProperties.h"
 
+#include "platform/host/base/SystemPath.h"
+#include "platform/host/base/platformException.h"
+#include "platform/host/storage/files.h"
+
+#include <VeskLib/getCGIPath.h>
+
+#include <cerrno>
 #include <charconv>
-#include <string>
 #include <string_view>
+#include <utility>
 
 namespace VeskLib::Host {
 
 namespace {
 
-const std::string_view MAX_PARTITIONS = "max_partitions=";
+// Far above what the back-end writes for a board.
+const std::size_t LARGEST_PROPERTIES = 1024 * 1024;
+
+const std::string_view MAX_PARTITIONS = "max_partitions";
+const std::string_view USER = "user";
+const std::string_view SYSLOG_SOCKET = "syslog_socket";
 
 bool readNumber(std::string_view text, unsigned int& number) {
-    unsigned int read = 0;
     const char* end = text.data() + text.size();
-    const std::from_chars_result result = std::from_chars(text.data(), end, read);
-    if (result.ec != std::errc() || result.ptr != end) {
+    const std::from_chars_result result = std::from_chars(text.data(), end, number);
+    return result.ec == std::errc() && result.ptr == end;
+}
+
+// "0 ,105,106, NAME", with "-" for no functions: a name may contain blanks.
+bool readUser(std::string_view text, BoardProperties& properties) {
+    const std::size_t functions = 2;
+    const std::size_t end = text.find(' ', functions);
+    if (end == std::string_view::npos || text[1] != ' ' || (text[0] != '0' && text[0] != '1')) {
         return false;
     }
-    number = read;
+    const std::string_view list = text.substr(functions, end - functions);
+    properties.users[std::string(text.substr(end + 1))] = {
+        .everyFunction = text[0] == '1', .functions = list == "-" ? "" : std::string(list)};
+    return true;
+}
+
+void addLine(std::string& text, std::string_view name, const std::string& value) {
+    if (value.find('\n') == std::string::npos) {
+        text.append(name).append("=").append(value).append("\n");
+    }
+}
+
+// Reads one line; `counted` becomes true with the number of partitions.
+bool readLine(std::string_view name, std::string_view value, BoardProperties& properties,
+              bool& counted) {
+    if (name == MAX_PARTITIONS) {
+        counted = true;
+        return readNumber(value, properties.maxPartitions);
+    }
+    if (name == USER) {
+        return readUser(value, properties);
+    }
+    if (name == SYSLOG_SOCKET) {
+        properties.syslogSocket = value;
+    }
     return true;
 }
 
 }  // namespace
 
+bool UserRights::allow(int function) const {
+    return everyFunction ||
+           functions.find("," + std::to_string(function) + ",") != std::string::npos;
+}
+
 std::vector<unsigned char> encode(const BoardProperties& properties) {
-    std::string text(MAX_PARTITIONS);
-    text += std::to_string(properties.maxPartitions) + "\n";
+    std::string text;
+    addLine(text, MAX_PARTITIONS, std::to_string(properties.maxPartitions));
+    for (const auto& [name, rights] : properties.users) {
+        std::string value = rights.everyFunction ? "1 " : "0 ";
+        value += rights.functions.empty() ? "-" : rights.functions;
+        value += ' ';
+        addLine(text, USER, value + name);
+    }
+    if (!properties.syslogSocket.empty()) {
+        addLine(text, SYSLOG_SOCKET, properties.syslogSocket);
+    }
     return {text.begin(), text.end()};
 }
 
 bool decode(const std::vector<unsigned char>& bytes, BoardProperties& properties) {
     const std::string text(bytes.begin(), bytes.end());
     std::string_view rest = text;
+    BoardProperties read;
+    bool counted = false;
     while (!rest.empty()) {
         const std::size_t end = rest.find('\n');
         const std::string_view line = rest.substr(0, end);
         rest = end == std::string_view::npos ? std::string_view() : rest.substr(end + 1);
-        if (line.starts_with(MAX_PARTITIONS)) {
-            return readNumber(line.substr(MAX_PARTITIONS.size()), properties.maxPartitions);
+        const std::size_t equals = line.find('=');
+        if (equals != std::string_view::npos &&
+            !readLine(line.substr(0, equals), line.substr(equals + 1), read, counted)) {
+            return false;
         }
     }
-    return false;
+    if (counted) {
+        properties = std::move(read);
+    }
+    return counted;
+}
+
+BoardProperties readBoardProperties() {
+    BoardProperties properties;
+    std::vector<unsigned char> bytes;
+    if (readFile(getCGIPath(BOARD_PROPERTIES), LARGEST_PROPERTIES, bytes)) {
+        decode(bytes, properties);
+    } else if (errno != ENOENT) {
+        // Not the same as a board without partitions and users, which is what nothing reads as.
+        throw makePlatformException(FILE_NOT_READABLE, "The board's properties cannot be read");
+    }
+    return properties;
+}
+
+const BoardProperties& boardProperties() {
+    static const BoardProperties PROPERTIES = readBoardProperties();
+    return PROPERTIES;
 }
 
 }  // namespace VeskLib::Host

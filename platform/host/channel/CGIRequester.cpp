@@ -2,6 +2,7 @@
 #include <VeskLib/PException.h>
 
 #include "platform/host/base/SessionShape.h"
+#include "platform/host/base/requestOrigin.h"
 #include "platform/host/channel/Channel.h"
 #include "platform/host/channel/changes.h"
 
@@ -64,7 +65,8 @@ bool CGIRequester::setInfo(unsigned int request, const VeskUi::SerializableObjec
         state->errorCode = Host::CHANNEL_NO_AUTHORITY;
         return false;
     }
-    Host::RequestFrame frame = {Host::RequestKind::SET, request, state->sessionIdentifier, {}};
+    Host::RequestFrame frame = {Host::RequestKind::SET, request, state->sessionIdentifier, {},
+                                Host::clientAddress(), Host::requestIdentifier()};
     if (!giveData(data, frame.payload)) {
         state->errorCode = Host::CHANNEL_BAD_OBJECT;
         return false;

@@ -23,6 +23,9 @@ struct RequestFrame {
     std::uint32_t number = 0;
     std::string sessionIdentifier;  // empty for LOGIN and CONTROL
     std::vector<unsigned char> payload;
+    // For the audit log; empty for GET, LOGIN and CONTROL.
+    std::string address = {};            // of the client
+    std::string requestIdentifier = {};  // of the CGI request
 };
 
 struct ReplyFrame {

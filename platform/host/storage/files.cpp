@@ -148,19 +148,25 @@ bool readPieces(int descriptor, std::size_t limit,
 }
 
 bool readFile(const std::string& path, std::size_t limit, std::vector<unsigned char>& bytes) {
-    std::time_t changed = 0;
-    return readFile(path, limit, bytes, changed);
+    const Descriptor file(openForReading(path));
+    return file.isOpen() && readOpenFile(file.get(), limit, bytes);
 }
 
-bool readFile(const std::string& path, std::size_t limit, std::vector<unsigned char>& bytes,
-              std::time_t& changed) {
+bool readOwnFile(const std::string& path, std::size_t limit, std::vector<unsigned char>& bytes,
+                 struct stat& status) {
     const Descriptor file(openForReading(path));
-    struct stat status = {};
-    if (!file.isOpen() || !findStatus(file.get(), limit, status) ||
-        !readContent(file.get(), status, bytes)) {
+    struct stat found = {};
+    if (!file.isOpen() || !findStatus(file.get(), limit, found)) {
         return false;
     }
-    changed = status.st_mtime;
+    if (found.st_uid != ::geteuid()) {
+        errno = EPERM;
+        return false;
+    }
+    if (!readContent(file.get(), found, bytes)) {
+        return false;
+    }
+    status = found;
     return true;
 }
 

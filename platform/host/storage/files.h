@@ -1,6 +1,7 @@
 #pragma once
 
-#include <ctime>
+#include <sys/stat.h>
+
 #include <functional>
 #include <string>
 #include <vector>
@@ -12,9 +13,10 @@ namespace VeskLib::Host {
 // why (EINVAL: no regular file; EFBIG: larger).
 bool readFile(const std::string& path, std::size_t limit, std::vector<unsigned char>& bytes);
 
-// The same, and when the file was last changed; `changed` is as before when it cannot be read.
-bool readFile(const std::string& path, std::size_t limit, std::vector<unsigned char>& bytes,
-              std::time_t& changed);
+// The same for a file that only the board's own programs write: one that belongs to another user is
+// refused (EPERM). `status` is as before when it cannot be read.
+bool readOwnFile(const std::string& path, std::size_t limit, std::vector<unsigned char>& bytes,
+                 struct stat& status);
 
 // The same for a file that is open, from its start whatever its offset.
 bool readOpenFile(int descriptor, std::size_t limit, std::vector<unsigned char>& bytes);

@@ -1,12 +1,14 @@
 #include <VeskLib/Gui/AbstractMain.h>
 
-#include "platform/host/base/Environment.h"
 #include "platform/host/text/Catalogue.h"
 #include "platform/host/web/Response.h"
-#include "platform/host/web/Session.h"
 #include "platform/host/web/errorPage.h"
+#include "platform/host/web/formPolicy.h"
 #include "platform/host/web/refusedPage.h"
+#include "platform/host/web/requestAudit.h"
 #include "platform/host/web/requestChecks.h"
+#include "platform/host/web/requestSession.h"
+#include "platform/host/web/sessionFiles.h"
 
 #include <utility>
 
@@ -25,7 +27,9 @@ int AbstractMain::exec() {
     Host::Response response;
     int result = FAILED;
     try {
-        switch (Host::checkRequest()) {
+        const Host::RequestVerdict verdict = Host::checkRequest();
+        Host::recordVerdict(verdict);
+        switch (verdict) {
             case Host::RequestVerdict::ACCEPTED:
                 result = individualProc();
                 break;
@@ -44,6 +48,12 @@ int AbstractMain::exec() {
             formInfo->terminate();
         }
     }
+    try {
+        Host::settleRequest();
+    } catch (...) {
+        Host::printHandledException(response);
+        result = FAILED;
+    }
     if (Host::wasPageRefused()) {
         response.setStatus(FORBIDDEN);
     }
@@ -51,20 +61,27 @@ int AbstractMain::exec() {
 }
 
 void AbstractMain::getCookie() {
-    sessionText = Host::readCookie(Host::SESSION_COOKIE);
+    sessionText = Host::requestCookie();
+    // Only once the session is checked.
+    Host::formPolicy().file = Host::FormPolicy::File::COUNTED;
     messageSet = Host::requestLanguage();
 }
 
 void AbstractMain::guiCheckSession(bool showError) {
-    // The rights outlive this call inside `authority`.
-    static std::string functions;
-    Host::Session session;
-    if (Host::findSession(sessionText, session)) {
-        functions = session.functions;
-        authority.everyFunction = session.everyFunction ? 1 : 0;
-        authority.functions = &functions;
-    } else if (showError) {
-        throw Host::makeLoginPage();
+    const Host::RequestSession* const found = Host::findRequestSession(sessionText);
+    if (found == nullptr) {
+        if (showError) {
+            throw Host::makeLoginPage();
+        }
+        return;
+    }
+    authority.everyFunction = found->rights.everyFunction ? 1 : 0;
+    authority.functions = &found->rights.functions;
+    if (found->mayUse(Host::RESTORE_FUNCTION)) {
+        Host::formPolicy().file = Host::FormPolicy::File::STORED;
+    }
+    if (Host::isPost()) {
+        Host::checkSessionFiles();
     }
 }
 

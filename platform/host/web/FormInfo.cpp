@@ -7,8 +7,10 @@
 #include "platform/host/web/RequestBody.h"
 #include "platform/host/web/UploadFile.h"
 #include "platform/host/web/UrlencodedReader.h"
+#include "platform/host/web/formPolicy.h"
 #include "platform/host/web/headerValue.h"
 #include "platform/host/web/requestChecks.h"
+#include "platform/host/web/requestSession.h"
 
 #include <map>
 #include <string_view>
@@ -17,8 +19,9 @@ namespace VeskLib::Gui {
 
 using Host::makePlatformException;
 using Host::readEnvironment;
+using Host::FormPolicy;
+using Host::formPolicy;
 using Host::UrlencodedReader;
-using Host::FormLimits::BODY_LENGTH;
 using Host::FormLimits::QUERY_LENGTH;
 using Host::FormLimits::VALUE_LENGTH;
 
@@ -32,14 +35,14 @@ using Fields = std::map<std::string, std::string>;
 
 void readUrlencodedBody(Fields& fields) {
     Host::RequestBody body;
-    if (body.announcedLength().value_or(0) > BODY_LENGTH) {
+    if (body.announcedLength().value_or(0) > formPolicy().bodyLength) {
         refuseSize("The form is too large");
     }
     UrlencodedReader reader(fields);
     std::size_t total = 0;
     for (std::string_view piece = body.next(); !piece.empty(); piece = body.next()) {
         total += piece.size();
-        if (total > BODY_LENGTH) {
+        if (total > formPolicy().bodyLength) {
             refuseSize("The form is too large");
         }
         reader.feed(piece);
@@ -51,7 +54,11 @@ void readUrlencodedBody(Fields& fields) {
 class FormParts : public Host::MultipartHandler {
 public:
     FormParts(Fields& fields, std::string& fileName, Host::UploadFile& file)
-        : fields(fields), fileName(fileName), file(file) {}
+        : fields(fields), fileName(fileName), file(file) {
+        if (formPolicy().file != FormPolicy::File::STORED) {
+            file.keepNothing();
+        }
+    }
 
     void beginPart(const std::string& partName, const std::string* partFileName) override {
         name = partName;
@@ -67,12 +74,12 @@ public:
     }
 
     void takeBytes(std::string_view bytes) override {
-        if (inFile) {
+        if (inFile && formPolicy().file != FormPolicy::File::REFUSED) {
             file.write(bytes);
             return;
         }
         total += bytes.size();
-        if (value.size() + bytes.size() > VALUE_LENGTH || total > BODY_LENGTH) {
+        if (value.size() + bytes.size() > VALUE_LENGTH || total > formPolicy().bodyLength) {
             refuseSize("A field value is too long");
         }
         value += bytes;
@@ -127,7 +134,9 @@ struct FormInfo::State {
         try {
             // The form first: the first field of a name counts.
             readBody();
-            readQuery(fields);
+            if (formPolicy().readsQuery) {
+                readQuery(fields);
+            }
         } catch (...) {
             letGo();
             throw;
@@ -158,6 +167,7 @@ private:
         } else if (contentType.empty() || Host::isMediaType(contentType, Host::URLENCODED_FORM)) {
             readUrlencodedBody(fields);
         }
+        Host::requireLivingSession();
     }
 
     bool read = false;

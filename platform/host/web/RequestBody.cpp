@@ -3,6 +3,7 @@
 #include "platform/host/base/Environment.h"
 #include "platform/host/base/platformException.h"
 
+#include <poll.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -38,6 +39,9 @@ std::string_view RequestBody::next() {
         announced ? std::min(sizeof buffer, *announced - taken) : sizeof buffer;
     if (wanted == 0) {
         return {};
+    }
+    if (!waitUntilReady(STDIN_FILENO, POLLIN, deadline)) {
+        throw makePlatformException(REQUEST_TOO_SLOW, "The body does not come in time");
     }
     ssize_t count = -1;
     do {

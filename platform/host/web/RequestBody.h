@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/host/channel/FrameStream.h"
+
 #include <cstddef>
 #include <optional>
 #include <string_view>
@@ -9,6 +11,10 @@ namespace VeskLib::Host {
 // The request's body on standard input, read piece by piece.
 class RequestBody {
 public:
+    // The whole body must come within this time, so that a client that sends a byte now and then does
+    // not keep the process.
+    static constexpr int DEADLINE_MILLISECONDS = 30000;
+
     // Takes the announced length from CONTENT_LENGTH; without one the body ends with the input.
     // Throws PException (REQUEST_MALFORMED) when the length is no number.
     RequestBody();
@@ -17,10 +23,12 @@ public:
     std::optional<std::size_t> announcedLength() const { return announced; }
 
     // The next piece, at most 16 KiB, valid until the next call; empty at the end of the body.
-    // Throws PException (REQUEST_MALFORMED) when the input ends before the announced length.
+    // Throws PException: REQUEST_MALFORMED when the input ends before the announced length,
+    // REQUEST_TOO_SLOW when the time is up.
     std::string_view next();
 
 private:
+    const Deadline deadline{DEADLINE_MILLISECONDS};
     std::optional<std::size_t> announced;
     std::size_t taken = 0;
     char buffer[16 * 1024];

@@ -49,6 +49,8 @@ const char* reasonPhrase(int status) {
             return "Not Found";
         case 405:
             return "Method Not Allowed";
+        case 408:
+            return "Request Timeout";
         case 413:
             return "Content Too Large";
         case 429:

@@ -6,7 +6,7 @@
 #include "platform/host/base/writeWhole.h"
 #include "platform/host/storage/files.h"
 #include "platform/host/web/FormLimits.h"
-#include "platform/host/web/abandonedUploads.h"
+#include "platform/host/session/abandonedUploads.h"
 
 #include <VeskLib/getCGIPath.h>
 
@@ -25,6 +25,8 @@ namespace {
 const char* const FOLDER = "/var/tmp";
 const mode_t FILE_MODE = 0600;
 const std::size_t NAME_BYTES = 8;
+
+bool named = false;
 
 }  // namespace
 
@@ -45,7 +47,7 @@ void UploadFile::write(std::string_view bytes) {
         static_cast<std::size_t>(std::min<std::uint64_t>(received, FormLimits::FILE_LENGTH));
     const std::size_t room = FormLimits::FILE_LENGTH - stored;
     received += bytes.size();
-    if (room != 0 && !bytes.empty() && !failed) {
+    if (kept && room != 0 && !bytes.empty() && !failed) {
         failed = !open() || !writeWhole(descriptor, bytes.substr(0, room));
     }
 }
@@ -73,8 +75,13 @@ std::string UploadFile::path() {
             throw makePlatformException(UPLOAD_NOT_STORED, "The uploaded file cannot be named");
         }
         name = std::move(chosen);  // takes no memory: a named file must never be forgotten
+        named = true;
     }
     return name;
+}
+
+bool UploadFile::wasNamed() {
+    return named;
 }
 
 void UploadFile::remove() {

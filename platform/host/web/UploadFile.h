@@ -17,6 +17,9 @@ public:
     // Removes the file unless somebody moved it.
     ~UploadFile();
 
+    // From now on, bytes are only counted.
+    void keepNothing() { kept = false; }
+
     // Appends bytes; those beyond FormLimits::FILE_LENGTH are counted and not stored. What cannot
     // be stored is known to path().
     void write(std::string_view bytes);
@@ -29,6 +32,9 @@ public:
     // not take it all.
     std::string path();
 
+    // Returns true if a file of this process got a name, whatever became of it.
+    static bool wasNamed();
+
     // Removes the file unless somebody moved it; it is empty again.
     void remove();
 
@@ -36,6 +42,7 @@ private:
     bool open();
 
     int descriptor = -1;
+    bool kept = true;
     bool failed = false;
     std::uint64_t received = 0;
     std::string name;

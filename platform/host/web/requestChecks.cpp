@@ -38,4 +38,8 @@ bool isPost() {
     return readEnvironment("REQUEST_METHOD") == "POST";
 }
 
+bool isHead() {
+    return readEnvironment("REQUEST_METHOD") == "HEAD";
+}
+
 }  // namespace VeskLib::Host

@@ -12,7 +12,7 @@ enum class RequestVerdict {
 // that it comes from this site (Sec-Fetch-Site, and Origin against Host).
 RequestVerdict checkRequest();
 
-// True for a POST.
 bool isPost();
+bool isHead();
 
 }  // namespace VeskLib::Host

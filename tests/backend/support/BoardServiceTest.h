@@ -8,6 +8,7 @@
 #include "tests/backend/support/RootTest.h"
 #include "tests/backend/support/requests.h"
 #include "tests/backend/support/sampleBoard.h"
+#include "tests/support/sessions.h"
 
 #include <crypt.h>
 
@@ -26,8 +27,9 @@ protected:
         std::filesystem::create_directory(at("state"));
         crypt_data work = {};
         const std::string hash = ::crypt_r("secret", "$1$saltsalt$", &work);
-        board.users.push_back({"admin", hash, false, ",105,106,"});
-        board.users.push_back({"root", hash, true, ""});
+        board.users.push_back({"admin", hash, {false, ",105,106,"}});
+        writeSession(COOKIE, "admin");
+        board.users.push_back({"root", hash, {true, ""}});
     }
 
     // Asks a back-end that finds the state that the last one left.

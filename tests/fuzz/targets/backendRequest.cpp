@@ -26,7 +26,7 @@ namespace {
 Board::BoardDescription makeBoard() {
     Board::BoardDescription description = Test::makeSampleBoard();
     // Of the password "secret", by a method that takes little time.
-    description.users.push_back({"admin", "abNANd1rDfiNc", true, ""});
+    description.users.push_back({"admin", "abNANd1rDfiNc", {true, ""}});
     return description;
 }
 

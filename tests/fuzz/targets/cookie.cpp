@@ -2,7 +2,7 @@
 // stand for those of a session that there is.
 
 #include "platform/host/base/Environment.h"
-#include "platform/host/web/Session.h"
+#include "platform/host/session/Session.h"
 #include "tests/fuzz/support/environment.h"
 #include "tests/fuzz/support/input.h"
 #include "tests/fuzz/support/require.h"
@@ -12,7 +12,7 @@ using namespace VeskLib;
 namespace {
 
 const Host::Session& livingSession() {
-    static const Host::Session SESSION = Host::startSession("operator", false, ",105,");
+    static const Host::Session SESSION = Host::startSession("operator");
     return SESSION;
 }
 
@@ -26,7 +26,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     header = Fuzz::replaceAll(header, "TOKEN", living.token);
     Fuzz::setVariable("HTTP_COOKIE", header);
 
-    const std::string value = Host::readCookie(Host::SESSION_COOKIE);
+    const std::string value = Host::readCookie("session");
     Fuzz::require(header.find(value) != std::string::npos, "a cookie is what the browser sent");
     Fuzz::require(value.find(';') == std::string::npos, "a cookie ends where the next begins");
 

@@ -1,7 +1,9 @@
-// The file of a session, whatever it holds. "NOW" in an input stands for the present time.
+// The file of a session, whatever it holds. "NOW" in an input stands for the present time, "SUM" for
+// the sum of the token.
 
 #include "platform/host/base/SystemPath.h"
-#include "platform/host/web/Session.h"
+#include "platform/host/base/sha256.h"
+#include "platform/host/session/Session.h"
 #include "tests/fuzz/support/environment.h"
 #include "tests/fuzz/support/input.h"
 #include "tests/fuzz/support/require.h"
@@ -9,6 +11,7 @@
 
 #include <VeskLib/getCGIPath.h>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace VeskLib;
@@ -24,19 +27,21 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Fuzz::useTemporaryRoot();
     const std::time_t now = std::time(nullptr);
     const std::string content =
-        Fuzz::replaceAll(Fuzz::textOf(data, size), "NOW", std::to_string(now));
+        Fuzz::replaceAll(Fuzz::replaceAll(Fuzz::textOf(data, size), "NOW", std::to_string(now)),
+                         "SUM", Host::sha256Hex(TOKEN));
     const std::string path = getCGIPath(Host::SESSION_FOLDER) + "/" + IDENTIFIER;
     Test::writeText(path, content);
+    ::chmod(path.c_str(), 0600);
 
     Host::Session session;
     if (Host::findSession(IDENTIFIER + "-" + TOKEN, session)) {
-        Fuzz::require(content.find("token=" + TOKEN) != std::string::npos,
+        Fuzz::require(content.find("token_sha256=" + Host::sha256Hex(TOKEN)) != std::string::npos,
                       "a login needs the token of the file");
         Fuzz::require(session.identifier == IDENTIFIER && session.token == TOKEN,
                       "a session is the one that was asked for");
         Fuzz::require(session.created >= now - Host::SESSION_LIFE_SECONDS,
                       "a session does not outlive its time");
-        Fuzz::require((session.user + session.functions).find('\n') == std::string::npos,
+        Fuzz::require(session.user.find('\n') == std::string::npos,
                       "a value is one line");
         Fuzz::require(::access(path.c_str(), F_OK) == 0, "a living session is kept");
     } else {

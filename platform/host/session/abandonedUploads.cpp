@@ -1,4 +1,4 @@
-#include "platform/host/web/abandonedUploads.h"
+#include "platform/host/session/abandonedUploads.h"
 
 #include "platform/host/base/Descriptor.h"
 #include "platform/host/base/SystemPath.h"

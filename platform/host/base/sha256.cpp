@@ -1,0 +1,105 @@
+#include "platform/host/base/sha256.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
+namespace VeskLib::Host {
+
+namespace {
+
+const std::size_t BLOCK_SIZE = 64;
+const std::size_t LENGTH_SIZE = 8;  // of the bit count that ends the last block
+
+const std::uint32_t ROUND_CONSTANTS[64] = {
+    0x428a2f98, 0x71374491, 0xb5c0fbcf, 0xe9b5dba5, 0x3956c25b, 0x59f111f1, 0x923f82a4, 0xab1c5ed5,
+    0xd807aa98, 0x12835b01, 0x243185be, 0x550c7dc3, 0x72be5d74, 0x80deb1fe, 0x9bdc06a7, 0xc19bf174,
+    0xe49b69c1, 0xefbe4786, 0x0fc19dc6, 0x240ca1cc, 0x2de92c6f, 0x4a7484aa, 0x5cb0a9dc, 0x76f988da,
+    0x983e5152, 0xa831c66d, 0xb00327c8, 0xbf597fc7, 0xc6e00bf3, 0xd5a79147, 0x06ca6351, 0x14292967,
+    0x27b70a85, 0x2e1b2138, 0x4d2c6dfc, 0x53380d13, 0x650a7354, 0x766a0abb, 0x81c2c92e, 0x92722c85,
+    0xa2bfe8a1, 0xa81a664b, 0xc24b8b70, 0xc76c51a3, 0xd192e819, 0xd6990624, 0xf40e3585, 0x106aa070,
+    0x19a4c116, 0x1e376c08, 0x2748774c, 0x34b0bcb5, 0x391c0cb3, 0x4ed8aa4a, 0x5b9cca4f, 0x682e6ff3,
+    0x748f82ee, 0x78a5636f, 0x84c87814, 0x8cc70208, 0x90befffa, 0xa4506ceb, 0xbef9a3f7, 0xc67178f2};
+
+// A word is big-endian in the block, whatever the processor.
+std::uint32_t readWord(const unsigned char* bytes) {
+    return static_cast<std::uint32_t>(bytes[0]) << 24 | static_cast<std::uint32_t>(bytes[1]) << 16 |
+           static_cast<std::uint32_t>(bytes[2]) << 8 | static_cast<std::uint32_t>(bytes[3]);
+}
+
+}  // namespace
+
+void SHA256::takeBlock(const unsigned char* block) {
+    std::uint32_t w[64];
+    for (int i = 0; i < 16; ++i) {
+        w[i] = readWord(block + 4 * i);
+    }
+    for (int i = 16; i < 64; ++i) {
+        const std::uint32_t s0 =
+            std::rotr(w[i - 15], 7) ^ std::rotr(w[i - 15], 18) ^ (w[i - 15] >> 3);
+        const std::uint32_t s1 =
+            std::rotr(w[i - 2], 17) ^ std::rotr(w[i - 2], 19) ^ (w[i - 2] >> 10);
+        w[i] = w[i - 16] + s0 + w[i - 7] + s1;
+    }
+    std::uint32_t v[8];
+    std::copy(std::begin(state), std::end(state), v);
+    for (int i = 0; i < 64; ++i) {
+        const std::uint32_t s1 = std::rotr(v[4], 6) ^ std::rotr(v[4], 11) ^ std::rotr(v[4], 25);
+        const std::uint32_t choice = (v[4] & v[5]) ^ (~v[4] & v[6]);
+        const std::uint32_t first = v[7] + s1 + choice + ROUND_CONSTANTS[i] + w[i];
+        const std::uint32_t s0 = std::rotr(v[0], 2) ^ std::rotr(v[0], 13) ^ std::rotr(v[0], 22);
+        const std::uint32_t majority = (v[0] & v[1]) ^ (v[0] & v[2]) ^ (v[1] & v[2]);
+        std::copy_backward(v, v + 7, v + 8);
+        v[4] += first;
+        v[0] = first + s0 + majority;
+    }
+    for (int i = 0; i < 8; ++i) {
+        state[i] += v[i];
+    }
+}
+
+void SHA256::add(std::string_view bytes) {
+    total += bytes.size();
+    while (!bytes.empty()) {
+        const std::size_t count = std::min(bytes.size(), BLOCK_SIZE - pendingSize);
+        std::memcpy(pending + pendingSize, bytes.data(), count);
+        pendingSize += count;
+        bytes.remove_prefix(count);
+        if (pendingSize == BLOCK_SIZE) {
+            takeBlock(pending);
+            pendingSize = 0;
+        }
+    }
+}
+
+std::string SHA256::finish() {
+    const std::uint64_t bits = total * 8;
+    std::string end(1, '\x80');
+    const std::size_t used = (pendingSize + 1 + LENGTH_SIZE) % BLOCK_SIZE;
+    end.append(used == 0 ? 0 : BLOCK_SIZE - used, '\0');
+    for (int shift = 56; shift >= 0; shift -= 8) {
+        end += static_cast<char>(bits >> shift & 0xFF);
+    }
+    add(end);
+
+    static const char DIGITS[] = "0123456789abcdef";
+    std::string text;
+    for (const std::uint32_t word : state) {
+        for (int shift = 28; shift >= 0; shift -= 4) {
+            text += DIGITS[word >> shift & 0xF];
+        }
+    }
+    return text;
+}
+
+std::string sha256Hex(std::string_view bytes) {
+    SHA256 sum;
+    sum.add(bytes);
+    return sum.finish();
+}
+
+std::string sha256Hex(const std::vector<unsigned char>& bytes) {
+    return sha256Hex(std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size()));
+}
+
+}  // namespace VeskLib::Host

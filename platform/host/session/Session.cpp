@@ -1,0 +1,313 @@
+#include "platform/host/session/Session.h"
+
+#include "platform/host/audit/AuditLog.h"
+#include "platform/host/base/SystemPath.h"
+#include "platform/host/base/platformException.h"
+#include "platform/host/base/randomText.h"
+#include "platform/host/base/sha256.h"
+#include "platform/host/storage/files.h"
+#include "platform/host/session/abandonedUploads.h"
+
+#include <VeskLib/LockedFile.h>
+#include <VeskLib/getCGIPath.h>
+#include <VeskLib/trace/VeskTrace.h>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <cstdio>
+#include <map>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace VeskLib::Host {
+
+namespace {
+
+const std::size_t LARGEST_SESSION_FILE = 16 * 1024;
+const int SESSION_FILE_MODE = 0600;
+const mode_t PERMISSIONS = 07777;
+// The last use is kept to this precision, so that not every request writes.
+const std::time_t USE_PRECISION_SECONDS = 60;
+// How far ahead of the clock a session's times may be: a clock that is set back a little must not
+// log everybody out.
+const std::time_t CLOCK_TOLERANCE_SECONDS = 60;
+const std::size_t IDENTIFIER_BYTES = 8;
+const std::size_t TOKEN_BYTES = 16;
+
+std::string sessionPath(const std::string& identifier) {
+    return getCGIPath(SESSION_FOLDER) + "/" + identifier;
+}
+
+// Takes as long for every sum, so that the time does not depend on how many characters are right.
+bool equalSums(const std::string& one, const std::string& other) {
+    unsigned int difference = one.size() == other.size() ? 0 : 1;
+    for (std::size_t i = 0; i < one.size() && i < other.size(); ++i) {
+        difference |= static_cast<unsigned char>(one[i] ^ other[i]);
+    }
+    return difference == 0;
+}
+
+std::map<std::string, std::string> parseLines(const std::vector<unsigned char>& bytes) {
+    std::map<std::string, std::string> values;
+    const std::string text(bytes.begin(), bytes.end());
+    std::string_view rest = text;
+    while (!rest.empty()) {
+        const std::size_t end = rest.find('\n');
+        const std::string_view line = rest.substr(0, end);
+        rest = end == std::string_view::npos ? std::string_view() : rest.substr(end + 1);
+        const std::size_t equals = line.find('=');
+        if (equals != std::string_view::npos) {
+            values.emplace(line.substr(0, equals), line.substr(equals + 1));
+        }
+    }
+    return values;
+}
+
+std::vector<unsigned char> toLines(const Session& session) {
+    const std::string text = "token_sha256=" + sha256Hex(session.token) +
+                             "\nuser=" + session.user +
+                             "\ncreated=" + std::to_string(session.created) + "\n";
+    return {text.begin(), text.end()};
+}
+
+// A session as its file has it.
+struct StoredSession {
+    std::string tokenSum;
+    std::string user;
+    std::time_t created = 0;
+    std::time_t lastUse = 0;
+};
+
+// Returns false, with errno set, when the file cannot be read or is not a session's.
+bool readSession(const std::string& identifier, StoredSession& session) {
+    std::vector<unsigned char> bytes;
+    struct stat status = {};
+    if (!readOwnFile(sessionPath(identifier), LARGEST_SESSION_FILE, bytes, status)) {
+        return false;
+    }
+    if ((status.st_mode & PERMISSIONS) != SESSION_FILE_MODE) {
+        errno = EPERM;
+        return false;
+    }
+    std::map<std::string, std::string> values = parseLines(bytes);
+    const std::string& created = values["created"];
+    std::time_t createdTime = 0;
+    std::from_chars(created.data(), created.data() + created.size(), createdTime);
+    session = {.tokenSum = values["token_sha256"],
+               .user = values["user"],
+               .created = std::max<std::time_t>(createdTime, 0),
+               .lastUse = status.st_mtime};
+    return true;
+}
+
+bool isLiving(const StoredSession& session, std::time_t now) {
+    const std::time_t latest = now + CLOCK_TOLERANCE_SECONDS;
+    return now - session.lastUse <= SESSION_IDLE_SECONDS &&
+           now - session.created <= SESSION_LIFE_SECONDS && session.lastUse <= latest &&
+           session.created <= latest;
+}
+
+enum class SessionState {
+    LIVING,
+    GONE,        // absent, expired, or no session at all
+    UNREADABLE,  // whether it lives cannot be told now; it must be left alone
+};
+
+// What `errno` says of a session's file that cannot be read: only these reasons last.
+SessionState stateAfterFailure() {
+    const bool lasting = errno == ENOENT || errno == ELOOP || errno == EINVAL || errno == EFBIG ||
+                         errno == EPERM;
+    return lasting ? SessionState::GONE : SessionState::UNREADABLE;
+}
+
+SessionState readState(const std::string& identifier, StoredSession& session) {
+    if (!readSession(identifier, session)) {
+        return stateAfterFailure();
+    }
+    return isLiving(session, std::time(nullptr)) ? SessionState::LIVING : SessionState::GONE;
+}
+
+[[noreturn]] void failToRead() {
+    throw makePlatformException(SESSION_NOT_READABLE, "The session cannot be read");
+}
+
+// A session that ends without its user's doing. Its end does not wait for the audit log.
+void recordEnd(const char* name, const std::string& identifier, const std::string& user,
+               const char* reason) {
+    if (user.empty()) {
+        return;  // it could not be read, or was not a session
+    }
+    AuditEvent event;
+    event.event = name;
+    event.user = user;
+    event.session = identifier;
+    event.reason = reason;
+    try {
+        record(event);
+    } catch (const PException&) {
+        trace::VeskTrace(1, 1, 1).putLog(0, "The audit log does not take the end of a session");
+    }
+}
+
+void removeStagedFile(const std::string& identifier) {
+    const std::string path = getCGIPath(STAGING_FILE) + identifier;
+    struct stat status = {};
+    if (lstat(path.c_str(), &status) != 0) {
+        return;
+    }
+    try {
+        const LockedFile lock(getCGIPath(STAGING_LOCK_FILE));
+        static_cast<void>(std::remove(path.c_str()));
+    } catch (const PException&) {
+        // Another request holds the lock for long; the next endExpiredSessions() finds the file.
+    }
+}
+
+// The identifier that ends the name of a session's file under /var/tmp; empty for other files.
+std::string identifierOfFile(const std::string& name) {
+    for (const std::string_view path : {BACKUP_FILE, STAGING_FILE}) {
+        const std::string_view prefix = path.substr(path.rfind('/') + 1);
+        if (name.starts_with(prefix) && isSessionIdentifier(name.substr(prefix.size()))) {
+            return name.substr(prefix.size());
+        }
+    }
+    return {};
+}
+
+enum class Removal { REMOVED, ABSENT, FAILED };
+
+Removal removeSession(const std::string& identifier) {
+    const bool removed = std::remove(sessionPath(identifier).c_str()) == 0;
+    const bool absent = !removed && errno == ENOENT;
+    static_cast<void>(std::remove((getCGIPath(BACKUP_FILE) + identifier).c_str()));
+    removeStagedFile(identifier);
+    return removed ? Removal::REMOVED : absent ? Removal::ABSENT : Removal::FAILED;
+}
+
+void endGoneSession(const std::string& identifier, const StoredSession& session) {
+    if (removeSession(identifier) == Removal::REMOVED) {
+        recordEnd("session_expired", identifier, session.user, "");
+    }
+}
+
+void endIfGone(const std::string& identifier) {
+    StoredSession session;
+    if (isSessionIdentifier(identifier) && readState(identifier, session) == SessionState::GONE) {
+        endGoneSession(identifier, session);
+    }
+}
+
+// Ends the oldest sessions of `user`, so that one more is not too many.
+void makeRoomFor(const std::string& user) {
+    std::vector<std::pair<std::pair<std::time_t, std::time_t>, std::string>> sessions;
+    for (const std::string& name : listNames(getCGIPath(SESSION_FOLDER))) {
+        StoredSession session;
+        if (isSessionIdentifier(name) && readState(name, session) == SessionState::LIVING &&
+            session.user == user) {
+            sessions.push_back({{session.created, session.lastUse}, name});
+        }
+    }
+    std::sort(sessions.begin(), sessions.end());
+    for (std::size_t i = 0; i + SESSIONS_OF_A_USER <= sessions.size(); ++i) {
+        endSessionBecause({.identifier = sessions[i].second, .token = {}, .user = user}, "limit");
+    }
+}
+
+}  // namespace
+
+std::string Session::cookieValue() const {
+    return identifier + "-" + token;
+}
+
+Session startSession(const std::string& user) {
+    Session session = {.identifier = makeRandomText(IDENTIFIER_BYTES),
+                       .token = makeRandomText(TOKEN_BYTES),
+                       .user = user,
+                       .created = std::time(nullptr)};
+    // Logins one after the other: two at once would each count without the other.
+    const LockedFile lock(getCGIPath(LOGIN_LOCK));
+    makeRoomFor(user);
+    const bool oneLine = user.find('\n') == std::string::npos;
+    if (!oneLine ||
+        !createFile(sessionPath(session.identifier), toLines(session), SESSION_FILE_MODE)) {
+        throw makePlatformException(SESSION_NOT_STORED, "The session cannot be stored");
+    }
+    return session;
+}
+
+bool findSession(const std::string& cookieValue, Session& session) {
+    const std::string identifier = identifierOf(cookieValue);
+    StoredSession found;
+    if (identifier.empty()) {
+        return false;
+    }
+    switch (readState(identifier, found)) {
+        case SessionState::LIVING:
+            break;
+        case SessionState::GONE:
+            // An identifier without a living session holds nothing worth keeping.
+            endGoneSession(identifier, found);
+            return false;
+        case SessionState::UNREADABLE:
+            failToRead();
+    }
+    std::string token = cookieValue.substr(identifier.size() + 1);
+    if (!equalSums(found.tokenSum, sha256Hex(token))) {
+        return false;
+    }
+    if (std::time(nullptr) - found.lastUse >= USE_PRECISION_SECONDS) {
+        utimensat(AT_FDCWD, sessionPath(identifier).c_str(), nullptr, AT_SYMLINK_NOFOLLOW);
+    }
+    session = {.identifier = identifier,
+               .token = std::move(token),
+               .user = std::move(found.user),
+               .created = found.created};
+    return true;
+}
+
+bool findSessionByIdentifier(const std::string& identifier, Session& session) {
+    StoredSession found;
+    if (!isSessionIdentifier(identifier)) {
+        return false;
+    }
+    const SessionState state = readState(identifier, found);
+    if (state == SessionState::UNREADABLE) {
+        failToRead();
+    }
+    if (state == SessionState::GONE) {
+        return false;
+    }
+    session = {.identifier = identifier,
+               .token = {},
+               .user = std::move(found.user),
+               .created = found.created};
+    return true;
+}
+
+bool endSession(const std::string& identifier) {
+    return !isSessionIdentifier(identifier) || removeSession(identifier) != Removal::FAILED;
+}
+
+void endSessionBecause(const Session& session, const char* reason) {
+    if (removeSession(session.identifier) == Removal::REMOVED) {
+        recordEnd("session_ended", session.identifier, session.user, reason);
+    }
+}
+
+void endExpiredSessions() {
+    for (const std::string& name : listNames(getCGIPath(SESSION_FOLDER))) {
+        endIfGone(name);
+    }
+    for (const std::string& name : listNames(getCGIPath("/var/tmp"))) {
+        endIfGone(identifierOfFile(name));
+    }
+    removeAbandonedUploads();
+}
+
+}  // namespace VeskLib::Host
