@@ -9,6 +9,7 @@
 #include "tests/backend/support/ScriptedServer.h"
 #include "tests/backend/support/requests.h"
 #include "tests/support/BoardTest.h"
+#include "tests/support/sessions.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -28,6 +29,8 @@ namespace {
 // The daemon on the demo board; each test has a root of its own.
 class BackendTest : public RootTest {
 protected:
+    BackendTest() { writeSession(COOKIE, "admin"); }
+
     static int ask(const RequestFrame& request, ReplyFrame& reply) {
         Channel channel(LONG);
         return channel.exchange(request, reply);
@@ -88,7 +91,7 @@ TEST_F(BackendTest, beginsServesAndEnds) {
     ASSERT_TRUE(backend.waitUntilReady());
     ReplyFrame reply;
     EXPECT_EQ(ask({RequestKind::GET, VeskUi::GET_PARTITION_INFO, SESSION, {}}, reply), 0);
-    EXPECT_EQ(readText(boardFile(BOARD_PROPERTIES)), "max_partitions=8\n");
+    EXPECT_EQ(readText(boardFile(BOARD_PROPERTIES)), "max_partitions=8\nuser=0 ,105,106, admin\nuser=0 - viewer\n");
     EXPECT_EQ(backend.stop(SIGTERM), 0);
     EXPECT_EQ(backend.errors(), "");
     EXPECT_FALSE(exists(boardFile(BACKEND_SOCKET)));
@@ -104,6 +107,7 @@ TEST_F(BackendTest, makesTheFoldersThatItNeeds) {
     std::filesystem::remove_all(boardFile("/var"));
     BackendProcess backend(root(), DEMO_BOARD);
     ASSERT_TRUE(backend.waitUntilReady());
+    writeSession(COOKIE, "admin");
     EXPECT_EQ(backup(3), 0);
     EXPECT_EQ(backend.stop(), 0);
 }

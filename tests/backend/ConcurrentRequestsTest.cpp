@@ -11,6 +11,7 @@
 #include "tests/backend/support/ScriptedServer.h"
 #include "tests/backend/support/requests.h"
 #include "tests/support/BoardTest.h"
+#include "tests/support/sessions.h"
 
 #include <gmock/gmock.h>
 #include <unistd.h>
@@ -47,7 +48,9 @@ protected:
         std::vector<std::thread> threads;
         for (const auto& kind : kinds) {
             for (int client = 0; client < CLIENTS_OF_EACH_KIND; ++client) {
-                threads.emplace_back(kind, sessionOf(static_cast<int>(threads.size() % 10)));
+                const std::string session = sessionOf(static_cast<int>(threads.size() % 10));
+                writeSession(session + "-" + std::string(32, '0'), "admin");
+                threads.emplace_back(kind, session);
             }
         }
         for (std::thread& thread : threads) {
@@ -171,6 +174,10 @@ TEST_F(ConcurrentRequestsTest, endComesWhileClientsAsk) {
         BackendProcess backend(boardFile(""), DEMO_BOARD);
         ASSERT_TRUE(backend.waitUntilReady());
         std::vector<std::thread> clients;
+        writeSession(COOKIE, "admin");
+        for (int client = 0; client < 2 * CLIENTS_OF_EACH_KIND; ++client) {
+            writeSession(sessionOf(client) + "-" + std::string(32, '0'), "admin");
+        }
         for (int client = 0; client < 2 * CLIENTS_OF_EACH_KIND; ++client) {
             clients.emplace_back([client] {
                 while (askOnce(backupOf(3, sessionOf(client))) == 0) {

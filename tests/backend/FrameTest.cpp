@@ -15,7 +15,7 @@ namespace {
 const char* const SESSION_BYTES = "30 31 32 33 34 35 36 37 38 39 61 62 63 64 65 66";
 
 RequestFrame makeBackupRequest() {
-    return {RequestKind::SET, VeskUi::SET_BACKUP, SESSION, {0, 0, 0, 3}};
+    return {RequestKind::SET, VeskUi::SET_BACKUP, SESSION, {0, 0, 0, 3}, "::1", "7-9"};
 }
 
 void expectEqual(const RequestFrame& actual, const RequestFrame& expected) {
@@ -23,24 +23,27 @@ void expectEqual(const RequestFrame& actual, const RequestFrame& expected) {
     EXPECT_EQ(actual.number, expected.number);
     EXPECT_EQ(actual.sessionIdentifier, expected.sessionIdentifier);
     EXPECT_EQ(actual.payload, expected.payload);
+    EXPECT_EQ(actual.address, expected.address);
+    EXPECT_EQ(actual.requestIdentifier, expected.requestIdentifier);
 }
 
-// The smallest whole request: kind, number, an empty session identifier.
-const std::size_t REQUEST_HEAD = 7;
+// The smallest whole request: kind, number and three empty texts.
+const std::size_t REQUEST_HEAD = 11;
 
 }  // namespace
 
 TEST(Frame, requestHasItsBytes) {
     EXPECT_EQ(toHexadecimal(encode(makeBackupRequest())),
-              "02 02 01 00 A3 00 10 " + std::string(SESSION_BYTES) + " 00 00 00 03");
+              "02 02 01 00 A3 00 10 " + std::string(SESSION_BYTES) +
+                  " 00 03 3A 3A 31 00 03 37 2D 39 00 00 00 03");
 }
 
 TEST(Frame, requestWithoutSessionAndPayloadHasItsBytes) {
     EXPECT_EQ(
         toHexadecimal(encode(RequestFrame{RequestKind::GET, VeskUi::GET_VERSION_INFO, "", {}})),
-        "01 02 01 02 01 00 00");
+        "01 02 01 02 01 00 00 00 00 00 00");
     EXPECT_EQ(toHexadecimal(encode(RequestFrame{RequestKind::LOGIN, 0, "", {0, 0, 0, 0}})),
-              "03 00 00 00 00 00 00 00 00 00 00");
+              "03 00 00 00 00 00 00 00 00 00 00 00 00 00 00");
 }
 
 TEST(Frame, replyHasItsBytes) {
@@ -66,9 +69,9 @@ TEST(Frame, requestCutWithinItsHeadIsRefused) {
     const Bytes whole = encode(makeBackupRequest());
     const std::size_t payloadStart = whole.size() - makeBackupRequest().payload.size();
     for (std::size_t size = 0; size < payloadStart; ++size) {
-        RequestFrame read = {RequestKind::LOGIN, 77, "untouched", {9}};
+        RequestFrame read = {RequestKind::LOGIN, 77, "untouched", {9}, "a", "b"};
         EXPECT_FALSE(decode(cut(whole, size), read)) << size;
-        expectEqual(read, {RequestKind::LOGIN, 77, "untouched", {9}});
+        expectEqual(read, {RequestKind::LOGIN, 77, "untouched", {9}, "a", "b"});
     }
 }
 

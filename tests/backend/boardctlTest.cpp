@@ -10,6 +10,7 @@
 #include "tests/support/BoardTest.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/happensInTime.h"
+#include "tests/support/sessions.h"
 
 #include <gtest/gtest.h>
 
@@ -28,6 +29,8 @@ enum Status { DONE = 0, FAILED = 1, USAGE = 2 };
 // The daemon on the demo board, and boardctl, both as processes of their own.
 class BoardctlTest : public RootTest {
 protected:
+    BoardctlTest() { writeSession(COOKIE, "admin"); }
+
     void start() { ASSERT_TRUE(backend.waitUntilReady()); }
 
     static ChildResult boardctl(std::vector<std::string> words, const std::string& root) {

@@ -47,7 +47,12 @@ void expectExample(const std::string& document, const Bytes& bytes) {
 
 void expectRequest(RequestKind kind, unsigned int number, const Bytes& payload) {
     const std::string session = kind == RequestKind::LOGIN ? "" : SESSION;
-    expectExample("wire-formats.md", framed(encode(RequestFrame{kind, number, session, payload})));
+    RequestFrame request = {kind, number, session, payload};
+    if (kind == RequestKind::SET) {
+        request.address = "::1";
+        request.requestIdentifier = "7-9";
+    }
+    expectExample("wire-formats.md", framed(encode(request)));
 }
 
 Bytes bytesOf(const std::string& text) {

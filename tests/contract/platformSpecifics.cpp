@@ -13,13 +13,26 @@ namespace {
 
 const unsigned int MAX_PARTITIONS = 12;
 const char* const TOKEN = "0123456789abcdef0123456789abcdef";
+const char* const TOKEN_SHA256 = "3eb1bd439947eb762998e566ccc2e099c791118b2f40579cc4f7da2b5061b7f9";
+
+// Adds lines to what the back-end publishes.
+void publish(const std::string& lines) {
+    const std::string path = getCGIPath("/var/run/board_properties");
+    const std::string before =
+        exists(path) ? readText(path) : "max_partitions=" + std::to_string(MAX_PARTITIONS) + "\n";
+    if (before.find(lines) == std::string::npos) {
+        writeText(path, before + lines);
+    }
+}
 
 // Writes a session file of the host platform and returns the CGI variables of its requests.
 Environment startSession(const std::string& identifier, const std::string& functions,
                          std::time_t created, const std::string& language = "en") {
-    writeText(getCGIPath(("/var/lib/session/" + identifier).c_str()),
-              std::string("token=") + TOKEN + "\nuser=contract\nevery_function=0\nfunctions=" +
-                  functions + "\ncreated=" + std::to_string(created) + "\n");
+    const std::string user = "contract" + functions;
+    publish("user=0 " + functions + " " + user + "\n");
+    writeOwnText(getCGIPath(("/var/lib/session/" + identifier).c_str()),
+                 std::string("token_sha256=") + TOKEN_SHA256 + "\nuser=" + user +
+                     "\ncreated=" + std::to_string(created) + "\n");
     return {{"HTTP_COOKIE", "language=" + language + "; session=" + identifier + "-" + TOKEN}};
 }
 
@@ -86,8 +99,7 @@ unsigned int systemBoardWord(bool installed, bool home) {
 }
 
 unsigned int maxPartitionNum() {
-    writeText(getCGIPath("/var/run/board_properties"),
-              "max_partitions=" + std::to_string(MAX_PARTITIONS) + "\n");
+    publish("");
     return MAX_PARTITIONS;
 }
 

@@ -1,6 +1,7 @@
 #include "platform/host/session/Session.h"
 
 #include "platform/host/base/platformException.h"
+#include "platform/host/base/sha256.h"
 #include "tests/host/sessionFiles.h"
 #include "tests/support/BoardTest.h"
 #include "tests/support/files.h"
@@ -158,35 +159,97 @@ TEST_F(SessionTest, hostileFilesAreNoSessions) {
     const Session session = start();
     const std::string path = sessionFile(session.identifier);
     const std::string sound = readText(path);
+    const std::string sum = Host::sha256Hex(session.token);
     const std::string noToken = sound.substr(sound.find('\n') + 1);
     for (const std::string& content :
-         {std::string(), std::string("\n\n\n"), std::string("token"), std::string("="),
-          std::string("token=") + session.token, noToken, "token=\n" + noToken,
-          "token=" + session.token.substr(1) + "\n" + noToken,
-          "token=" + session.token + "0\n" + noToken, "token= " + session.token + "\n" + noToken,
-          "TOKEN=" + session.token + "\n" + noToken, "token=x\n" + sound, std::string(5000, '\0'),
+         {std::string(), std::string("\n\n\n"), std::string("token_sha256"), std::string("="),
+          std::string("token_sha256=") + sum, noToken, "token_sha256=\n" + noToken,
+          "token_sha256=" + sum.substr(1) + "\n" + noToken,
+          "token_sha256=" + sum + "0\n" + noToken, "token_sha256= " + sum + "\n" + noToken,
+          "TOKEN_SHA256=" + sum + "\n" + noToken, "token=" + session.token + "\n" + noToken,
+          "token_sha256=" + session.token + "\n" + noToken, "token_sha256=x\n" + sound, std::string(5000, '\0'),
           std::string(5000, '\xFF'), sound + std::string(16 * 1024, '\n')}) {
-        writeText(path, content);
+        writeOwnText(path, content);
         EXPECT_FALSE(isLetIn(session.cookieValue())) << content.substr(0, 200);
     }
-    writeText(path, sound);
+    writeOwnText(path, sound);
     EXPECT_TRUE(isLetIn(session.cookieValue()));
 }
 
 TEST_F(SessionTest, linesThatNobodyKnowsArePassedOver) {
     const Session session = start();
     const std::string path = sessionFile(session.identifier);
-    writeText(path, readText(path) + "color=blue\nnot a line\ntoken=second\n");
+    writeText(path, readText(path) + "color=blue\nnot a line\ntoken_sha256=second\n");
     EXPECT_TRUE(isLetIn(session.cookieValue()));
 }
 
-TEST_F(SessionTest, onlyTheRightWordGivesEveryFunction) {
-    for (const char* value : {"", "0", "2", "true", "11", " 1", "1 "}) {
-        const Session session = start();
-        setField(session, "every_function", value);
-        EXPECT_FALSE(find(session.cookieValue()).everyFunction) << value;
-        EXPECT_EQ(find(session.cookieValue()).user, "operator");
+TEST_F(SessionTest, refusesAFileThatOthersMayReadOrOwn) {
+    const Session session = start();
+    const std::string path = sessionFile(session.identifier);
+    for (const mode_t mode : {0644U, 0640U, 0601U, 0700U, 0400U, 04600U}) {
+        const Session other = start();
+        ASSERT_EQ(::chmod(sessionFile(other.identifier).c_str(), mode), 0);
+        EXPECT_FALSE(isLetIn(other.cookieValue())) << mode;
     }
+    EXPECT_TRUE(isLetIn(session.cookieValue()));
+    if (::geteuid() != 0) {
+        GTEST_SKIP() << "only root can give a file to another user";
+    }
+    ASSERT_EQ(::chown(path.c_str(), 12345, 12345), 0);
+    EXPECT_FALSE(isLetIn(session.cookieValue()));
+}
+
+TEST_F(SessionTest, refusesAFileFromTheFuture) {
+    const Session used = start();
+    setAge(sessionFile(used.identifier), -3600);
+    EXPECT_FALSE(isLetIn(used.cookieValue()));
+    const Session made = start();
+    setField(made, "created", std::to_string(std::time(nullptr) + 3600));
+    EXPECT_FALSE(isLetIn(made.cookieValue()));
+    const Session slightly = start();
+    setAge(sessionFile(slightly.identifier), -30);
+    EXPECT_TRUE(isLetIn(slightly.cookieValue()));
+}
+
+TEST_F(SessionTest, storesNothingThatLogsIn) {
+    const Session session = start();
+    const std::string content = readText(sessionFile(session.identifier));
+    EXPECT_EQ(content.find(session.token), std::string::npos);
+    const std::string sum = Host::sha256Hex(session.token);
+    EXPECT_NE(content.find(sum), std::string::npos);
+    EXPECT_FALSE(isLetIn(session.identifier + "-" + sum.substr(0, session.token.size())));
+}
+
+TEST_F(SessionTest, endsTheOldestOfTooManySessionsOfAUser) {
+    const Session other = Host::startSession("viewer");
+    std::vector<Session> sessions;
+    for (std::size_t i = 0; i < Host::SESSIONS_OF_A_USER + 2; ++i) {
+        sessions.push_back(start());
+        // The clock's seconds do not tell the sessions apart.
+        setField(sessions.back(), "created", std::to_string(std::time(nullptr) - 100 + static_cast<std::time_t>(i)));
+    }
+    writeText(backupFile(sessions[0].identifier), "backup");
+    for (std::size_t i = 0; i < sessions.size(); ++i) {
+        EXPECT_EQ(isLetIn(sessions[i].cookieValue()), i >= 2) << i;
+    }
+    EXPECT_FALSE(exists(backupFile(sessions[0].identifier)));
+    EXPECT_TRUE(isLetIn(other.cookieValue()));
+    EXPECT_EQ(namesIn(boardFile("/var/lib/session")).size(), Host::SESSIONS_OF_A_USER + 1);
+}
+
+TEST_F(SessionTest, findsByIdentifierWhatLivesAndEndsNothing) {
+    const Session session = start();
+    Session found;
+    EXPECT_TRUE(Host::findSessionByIdentifier(session.identifier, found));
+    EXPECT_EQ(found.user, "operator");
+    EXPECT_EQ(found.token, "");
+    setAge(sessionFile(session.identifier), Host::SESSION_IDLE_SECONDS + 1);
+    Session unchanged;
+    EXPECT_FALSE(Host::findSessionByIdentifier(session.identifier, unchanged));
+    EXPECT_FALSE(Host::findSessionByIdentifier("0123456789abcdef", unchanged));
+    EXPECT_FALSE(Host::findSessionByIdentifier("../../etc/passwd", unchanged));
+    EXPECT_EQ(unchanged.user, "");
+    EXPECT_TRUE(exists(sessionFile(session.identifier)));
 }
 
 TEST_F(SessionTest, aLinkInPlaceOfTheFileIsNotFollowed) {

@@ -1,5 +1,6 @@
 #include "platform/host/base/platformException.h"
 #include "platform/host/text/Catalogue.h"
+#include "platform/host/web/formPolicy.h"
 #include "tests/host/TestMain.h"
 #include "tests/host/multipartBody.h"
 #include "tests/support/BoardTest.h"
@@ -27,6 +28,7 @@ int readForm(TestMain& /*main*/) {
     std::cout << "half a page";
     std::string value;
     const Gui::FormInfo form;
+    Host::formPolicy().file = Host::FormPolicy::File::STORED;
     form.getFormData("a", value);
     std::cout << value << form.getUploadFilePath();
     return 0;

@@ -23,6 +23,11 @@ void writeText(const std::string& path, std::string_view text) {
     EXPECT_TRUE(file.good()) << path << " cannot be written";
 }
 
+void writeOwnText(const std::string& path, std::string_view text) {
+    writeText(path, text);
+    EXPECT_EQ(::chmod(path.c_str(), 0600), 0) << path;
+}
+
 std::vector<std::string> namesIn(const std::string& folder) {
     std::vector<std::string> names = pathsIn(folder);
     for (std::string& name : names) {

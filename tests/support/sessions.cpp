@@ -5,8 +5,6 @@
 #include "tests/support/BoardTest.h"
 #include "tests/support/files.h"
 
-#include <sys/stat.h>
-
 #include <ctime>
 #include <vector>
 
@@ -34,9 +32,8 @@ void writeSession(const std::string& cookieValue, const std::string& user) {
     const std::string identifier = Host::identifierOf(cookieValue);
     const std::string path = boardFile("/var/lib/session/" + identifier);
     const std::string token = cookieValue.substr(identifier.size() + 1);
-    writeText(path, "token_sha256=" + Host::sha256Hex(token) + "\nuser=" + user +
-                        "\ncreated=" + std::to_string(std::time(nullptr)) + "\n");
-    ::chmod(path.c_str(), 0600);
+    writeOwnText(path, "token_sha256=" + Host::sha256Hex(token) + "\nuser=" + user +
+                           "\ncreated=" + std::to_string(std::time(nullptr)) + "\n");
 }
 
 }  // namespace VeskLib::Test
