@@ -20,8 +20,8 @@ namespace {
 
 const std::size_t LENGTH_SIZE = 4;
 const std::size_t NUMBER_OFFSET = 1;  // after the kind
-const std::size_t TEXT_LENGTH_OFFSET = 5;
-const std::size_t TEXT_OFFSET = 7;
+const std::size_t TEXTS_OFFSET = 5;
+const int TEXTS = 3;  // the session, the client's address and the request's identifier
 const unsigned char SET = 2;
 const unsigned char END = 0xFF;  // ends this back-end; no kind of the host's
 
@@ -99,12 +99,19 @@ void sendReply(int connection, const BackendReply& reply) {
 
 // Writes the request as one line, for stop().
 void report(const Bytes& frame) {
-    const std::size_t textSize = readNumber(frame, TEXT_LENGTH_OFFSET, 2);
-    const std::string text(frame.begin() + TEXT_OFFSET,
-                           frame.begin() + static_cast<std::ptrdiff_t>(TEXT_OFFSET + textSize));
-    std::cout << readNumber(frame, NUMBER_OFFSET, 4) << " [" << text << "]";
+    std::size_t offset = TEXTS_OFFSET;
+    std::string session;
+    for (int i = 0; i < TEXTS; ++i) {
+        const std::size_t size = readNumber(frame, offset, 2);
+        const auto start = frame.begin() + static_cast<std::ptrdiff_t>(offset + 2);
+        if (i == 0) {
+            session.assign(start, start + static_cast<std::ptrdiff_t>(size));
+        }
+        offset += 2 + size;
+    }
+    std::cout << readNumber(frame, NUMBER_OFFSET, 4) << " [" << session << "]";
     if (frame.at(0) == SET) {
-        for (std::size_t i = TEXT_OFFSET + textSize; i < frame.size(); ++i) {
+        for (std::size_t i = offset; i < frame.size(); ++i) {
             std::cout << ' ' << static_cast<unsigned int>(frame[i]);
         }
     }

@@ -77,7 +77,10 @@ class Board:
 
     def ask(self, kind, number, session=b"", payload=b""):
         """Sends the back-end one frame; code and payload of its reply."""
-        body = struct.pack(">BIH", kind, number, len(session)) + session + payload
+        body = struct.pack(">BI", kind, number)
+        for text in (session, b"", b""):
+            body += struct.pack(">H", len(text)) + text
+        body += payload
         return self.exchange(body)[0]
 
     def exchange(self, *bodies):
