@@ -14,7 +14,6 @@
 
 #include <VeskLib/PException.h>
 
-#include <chrono>
 #include <ctime>
 #include <exception>
 #include <stdexcept>
@@ -141,16 +140,19 @@ BoardService::Bytes BoardService::login(const Host::RequestFrame& request) {
     if (!decode(request.payload, login)) {
         throw Refusal{Host::BACKEND_MALFORMED_REQUEST, "the payload is malformed"};
     }
-    if (!throttle.mayTry(login.origin, std::chrono::steady_clock::now())) {
-        throw Refusal{Host::BACKEND_LOGIN_TOO_SOON, "too many attempts failed"};
+    const bool knownDevice = devices.isKnown(login.user, login.device);
+    LoginThrottle::Pass pass(throttle, {login.user, login.origin, knownDevice ? login.device : ""});
+    if (!pass.isAdmitted()) {
+        throw Refusal{Host::BACKEND_LOGIN_TOO_SOON, "too many attempts wait"};
     }
     const User* user = authenticator.authenticate(login.user, login.password);
     if (user == nullptr) {
         // Not even the name is logged: people type their password into the wrong field.
         throw Refusal{Host::BACKEND_LOGIN_REFUSED, "wrong name or password"};
     }
-    throttle.succeeded(login.origin);
-    return encode(Host::LoginAnswer{user->everyFunction, user->functions});
+    pass.succeeded();
+    return encode(Host::LoginAnswer{user->everyFunction, user->functions,
+                                    knownDevice ? "" : devices.add(login.user)});
 }
 
 void BoardService::backup(const Host::RequestFrame& request) const {
@@ -166,6 +168,9 @@ void BoardService::restore(const Host::RequestFrame& request) {
 }
 
 BoardService::Bytes BoardService::control(const Host::RequestFrame& request) {
+    if (!switches.areAllowed()) {
+        throw Refusal{Host::BACKEND_FAULTS_NOT_ALLOWED, "started without --allow-faults"};
+    }
     try {
         const std::string answer =
             carryOutOrder({request.payload.begin(), request.payload.end()}, switches);

@@ -6,6 +6,7 @@
 #include "board/backend/BoardService.h"
 #include "board/backend/ConfigurationStore.h"
 #include "board/backend/FaultSwitches.h"
+#include "board/backend/LoginQueue.h"
 #include "board/backend/Server.h"
 #include "board/backend/StopSignal.h"
 #include "board/backend/log.h"
@@ -42,13 +43,16 @@ Answer answerOrFail(BoardService& service, FaultSwitches& switches,
     return answer;
 }
 
+// Logins that wait leave enough connections for everybody else.
+static_assert(ConnectionLimits().connections >= 64 + LoginQueue::MOST_WAITING);
+
 void serve(const BackendOptions& options) {
     const StopSignal stop;
     const BoardDescription description = loadBoardDescription(options.boardFile);
     const BoardRoot root(options.root);
     ConfigurationStore store(root.statePath(), description);
     root.publishProperties(static_cast<unsigned int>(description.partitions.size()));
-    FaultSwitches switches;
+    FaultSwitches switches(options.allowFaults);
     BoardService service(description, store, switches, root.restoreLockPath());
     Server server(root.socketPath(), [&](const Host::RequestFrame& request) {
         return answerOrFail(service, switches, request);
@@ -56,6 +60,7 @@ void serve(const BackendOptions& options) {
     say("ready\n");
     server.run(stop.descriptor());
     switches.end();
+    service.end();
 }
 
 }  // namespace

@@ -17,6 +17,9 @@ namespace {
 
 const char* const LOGIN_SKELETON = "/usr/local/www/skel/skeleton_web_login.txt";
 
+const std::size_t DEVICE_DIGITS = 32;
+const int DEVICE_LIFE_SECONDS = 365 * 24 * 60 * 60;
+
 // Without the typed name: people type their password there by mistake.
 void traceRefusedLogin(int code) {
     const std::string text = "Login refused, code " + std::to_string(code) + ", asked for from " +
@@ -70,10 +73,40 @@ void startNewSession(const std::string& user, const Host::LoginAnswer& rights,
     }
 }
 
+bool isEncrypted() {
+    return Host::readEnvironment("HTTPS") == "on";
+}
+
+// A cookie of this name is only taken from an encrypted connection to this very host.
+std::string deviceCookie() {
+    return isEncrypted() ? "__Host-device" : "device";
+}
+
+// What a former login has named this browser; empty when it has no name.
+std::string readDevice() {
+    std::string device = Host::readCookie(deviceCookie());
+    const bool whole = device.size() == DEVICE_DIGITS &&
+                       device.find_first_not_of("0123456789abcdef") == std::string::npos;
+    return whole ? device : "";
+}
+
+void keepDevice(const std::string& device, Host::Response& response) {
+    if (!device.empty()) {
+        response.addHeader("Set-Cookie",
+                           deviceCookie() + "=" + device +
+                               "; Path=/; Max-Age=" + std::to_string(DEVICE_LIFE_SECONDS) +
+                               "; HttpOnly; SameSite=Strict" + (isEncrypted() ? "; Secure" : ""));
+    }
+}
+
 void handleLogin(const Gui::FormInfo& form, Host::Response& response) {
     if (!Host::isPost()) {
         WebPage(LOGIN_SKELETON, LOGIN_TITLE).print();
         return;
+    }
+    // Addresses are kept in logs and histories; one with a password in it must not work.
+    if (!Host::readEnvironment("QUERY_STRING").empty()) {
+        throw makeRefusal(400, MALFORMED_REQUEST);
     }
     std::string user;
     std::string password;
@@ -81,9 +114,11 @@ void handleLogin(const Gui::FormInfo& form, Host::Response& response) {
     form.getFormData("password", password);
 
     Host::LoginAnswer rights;
-    const int code = askRights({user, password, Host::readEnvironment("REMOTE_ADDR")}, rights);
+    const int code =
+        askRights({user, password, Host::readEnvironment("REMOTE_ADDR"), readDevice()}, rights);
     if (code == 0) {
         startNewSession(user, rights, response);
+        keepDevice(rights.device, response);
         return;
     }
     traceRefusedLogin(code);

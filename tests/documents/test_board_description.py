@@ -36,6 +36,7 @@ class BoardDescription(DocumentTest):
     def start(self, text):
         """The back-end's error with this description; nothing when it starts."""
         board = self.folder / "board.toml"
+        board.touch(mode=0o600)
         board.write_text(text, encoding="utf-8")
         with subprocess.Popen([BACKEND, "--root", self.root, "--board", board], text=True,
                               stdout=subprocess.PIPE, stderr=subprocess.PIPE) as process:

@@ -23,6 +23,12 @@ void writeText(const std::string& path, std::string_view text) {
     EXPECT_TRUE(file.good()) << path << " cannot be written";
 }
 
+void writePrivateText(const std::string& path, std::string_view text) {
+    writeText(path, text);
+    std::filesystem::permissions(
+        path, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+}
+
 std::vector<std::string> namesIn(const std::string& folder) {
     std::vector<std::string> names = pathsIn(folder);
     for (std::string& name : names) {

@@ -12,6 +12,9 @@ std::string readText(const std::string& path);
 // Writes a file anew.
 void writeText(const std::string& path, std::string_view text);
 
+// The same, for the file's owner only.
+void writePrivateText(const std::string& path, std::string_view text);
+
 // What a folder holds, sorted: the names, or the whole paths.
 std::vector<std::string> namesIn(const std::string& folder);
 std::vector<std::string> pathsIn(const std::string& folder);

@@ -18,7 +18,8 @@ enum BackendError : unsigned int {
     BACKEND_LOGIN_REFUSED = 1607,       // the name and the password do not belong together
     BACKEND_CONFIGURATION_SIZE = 1608,  // larger than a target partition can hold
     BACKEND_FAILED = 1609,              // the back-end itself, for instance out of memory
-    BACKEND_LOGIN_TOO_SOON = 1610,      // too many wrong passwords came from the same address
+    BACKEND_LOGIN_TOO_SOON = 1610,      // not looked at: too many attempts wait before it
+    BACKEND_FAULTS_NOT_ALLOWED = 1614,  // started without --allow-faults, it takes no CONTROL
 };
 
 }  // namespace VeskLib::Host
