@@ -141,7 +141,11 @@ BoardService::Bytes BoardService::login(const Host::RequestFrame& request) {
         throw Refusal{Host::BACKEND_MALFORMED_REQUEST, "the payload is malformed"};
     }
     const bool knownDevice = devices.isKnown(login.user, login.device);
-    LoginThrottle::Pass pass(throttle, {login.user, login.origin, knownDevice ? login.device : ""});
+    LoginThrottle::Pass pass(throttle, {.account = login.user,
+                                        .address = login.origin,
+                                        .device = knownDevice ? login.device : "",
+                                        .browser = login.device,
+                                        .guess = LoginThrottle::guessOf(login.password)});
     if (!pass.isAdmitted()) {
         throw Refusal{Host::BACKEND_LOGIN_TOO_SOON, "too many attempts wait"};
     }

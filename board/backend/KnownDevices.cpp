@@ -1,8 +1,7 @@
 #include "board/backend/KnownDevices.h"
 
+#include "board/backend/sumOf.h"
 #include "platform/host/base/randomText.h"
-
-#include <sha256.h>
 
 #include <algorithm>
 
@@ -12,18 +11,13 @@ namespace {
 
 const std::size_t RANDOM_BYTES = 16;
 
-// A sum of it is compared, so that the time of a comparison tells nothing about the name.
-std::string sumOf(const std::string& device) {
-    char digest[SHA256_DIGEST_STRING_LENGTH];
-    return SHA256Data(reinterpret_cast<const unsigned char*>(device.data()), device.size(), digest);
-}
-
 }  // namespace
 
 bool KnownDevices::isKnown(const std::string& account, const std::string& device) {
     if (device.empty()) {
         return false;
     }
+    // Sums are compared, so that the time it takes tells nothing about the names.
     const std::string sum = sumOf(device);
     const std::scoped_lock lock(guard);
     const auto found = std::find_if(devices.begin(), devices.end(), [&](const Device& each) {

@@ -38,6 +38,9 @@ LoginQueue::Entry& LoginQueue::arrive(const LoginAttempt& attempt, Time now) {
     entry.pair = keyOf(entry.attempt.account, entry.attempt.address);
     if (attempt.device.empty()) {
         entry.group = "address " + entry.attempt.address;
+        entry.attempt.browser =
+            attempt.browser.empty() ? "" : keyOf(entry.attempt.account, attempt.browser);
+        entry.attempt.guess = keyOf(entry.attempt.account, attempt.guess);
         entry.from = failures.nextToken(entry.attempt.address) > now ? now + FAILURE_DELAY : now;
     } else {
         entry.attempt.device = keyOf(entry.attempt.account, attempt.device);
@@ -98,6 +101,10 @@ void LoginQueue::leave(Entry& entry, bool succeeded, Time now) {
             pairs.fill(entry.pair);
         } else {
             failures.take(attempt.address, now);
+            guesses.take(attempt.guess, now);
+            if (!attempt.browser.empty()) {
+                browsers.take(attempt.browser, now);
+            }
         }
     }
     entries.remove_if([&entry](const Entry& each) { return &each == &entry; });
@@ -167,24 +174,23 @@ LoginQueue::Time LoginQueue::admissible(const Entry& entry) const {
     return std::max({entry.from, accounts.nextToken(attempt.account), pairs.nextToken(entry.pair)});
 }
 
-// A browser that is known comes first, then who has failed least often; then the later one, because
-// whoever floods the queue would otherwise always be there before the others.
-bool LoginQueue::isBefore(const Entry& one, const Entry& other, Time now) const {
-    const bool oneKnown = !one.attempt.device.empty();
-    const bool otherKnown = !other.attempt.device.empty();
-    if (oneKnown != otherKnown) {
-        return oneKnown;
-    }
-    return pairs.fullFrom(one.pair, now) <= pairs.fullFrom(other.pair, now);
+// What the order depends on, the most important first; the lesser comes first. A program that tries
+// one wrong password again and again, or that is no browser, gives way to the others.
+std::array<LoginQueue::Time, 4> LoginQueue::rank(const Entry& entry, Time now) const {
+    const LoginAttempt& attempt = entry.attempt;
+    return {attempt.device.empty() ? Time::max() : Time::min(), pairs.fullFrom(entry.pair, now),
+            guesses.fullFrom(attempt.guess, now),
+            attempt.browser.empty() ? Time::max() : browsers.fullFrom(attempt.browser, now)};
 }
 
-// The entry to be admitted at `now`; null when there is none. `entries` has the newest last.
+// The entry to be admitted at `now`; null when there is none. Of equals it is the newest, which is
+// the last: who floods the queue would otherwise always be there before the others.
 LoginQueue::Entry* LoginQueue::next(Time now) {
     Entry* best = nullptr;
     if (atWork < MOST_AT_WORK) {
         for (Entry& entry : entries) {
             if (isWaiting(entry) && admissible(entry) <= now &&
-                (best == nullptr || isBefore(entry, *best, now))) {
+                (best == nullptr || rank(entry, now) <= rank(*best, now))) {
                 best = &entry;
             }
         }

@@ -2,6 +2,7 @@
 
 #include "board/backend/TokenBuckets.h"
 
+#include <array>
 #include <chrono>
 #include <cstddef>
 #include <list>
@@ -13,7 +14,9 @@ namespace VeskLib::Board {
 struct LoginAttempt {
     std::string account;  // the name that was typed, whether or not there is such a user
     std::string address;
-    std::string device;  // names a browser that has logged in to this account before; else empty
+    std::string device = {};   // of a browser that has logged in to this account before
+    std::string browser = {};  // what any other browser calls itself
+    std::string guess = {};    // equal for equal passwords, and mostly different for others
 };
 
 // Decides which logins are looked at, in which order and when, so that passwords cannot be guessed
@@ -92,6 +95,10 @@ public:
     std::size_t waiting() const;
 
 private:
+    // How long it is remembered that a browser, or a password, has failed at an account.
+    static constexpr std::chrono::minutes BROWSER_MEMORY{10};
+    static constexpr std::chrono::minutes GUESS_MEMORY{60};
+
     static bool isWaiting(const Entry& entry) { return entry.current == State::WAITING; }
 
     std::size_t waitingOf(const std::string& group) const;
@@ -100,7 +107,7 @@ private:
     std::string largestGroup() const;
 
     Time admissible(const Entry& entry) const;
-    bool isBefore(const Entry& one, const Entry& other, Time now) const;
+    std::array<Time, 4> rank(const Entry& entry, Time now) const;
     Entry* next(Time now);
     void admit(Entry& entry, Time now);
 
@@ -108,6 +115,8 @@ private:
     TokenBuckets pairs{ADDRESS_ATTEMPTS, ADDRESS_INTERVAL};
     TokenBuckets devices{DEVICE_ATTEMPTS, DEVICE_INTERVAL};
     TokenBuckets failures{ADDRESS_FAILURES, FAILURE_MEMORY};
+    TokenBuckets browsers{1, BROWSER_MEMORY};
+    TokenBuckets guesses{1, GUESS_MEMORY};
     std::list<Entry> entries;  // the newest last
     std::size_t atWork = 0;
     bool ended = false;

@@ -4,6 +4,7 @@
 
 #include <condition_variable>
 #include <mutex>
+#include <string>
 
 namespace VeskLib::Board {
 
@@ -30,6 +31,9 @@ public:
         bool admitted = false;
         bool success = false;
     };
+
+    // What LoginAttempt::guess is for a password: too little to tell the password from it.
+    static std::string guessOf(const std::string& password);
 
     // Nobody waits any more: what is not admitted at once is refused.
     void end();

@@ -39,10 +39,14 @@ protected:
     }
 
     // Begins a guess and does not wait for its answer.
-    void guess(const std::string& user, const std::string& address) {
-        const std::string password = "wrong" + std::to_string(guesses.size());
+    void guess(const std::string& user, const std::string& address, std::string password = "") {
+        if (password.empty()) {
+            password = "wrong" + std::to_string(guesses.size());
+        }
         guesses.emplace_back([this, user, password, address] {
+            const Clock::time_point begin = Clock::now();
             const int code = logIn(user, password, address);
+            refusedEarly += code == TOO_SOON && Clock::now() - begin < 8s ? 1 : 0;
             EXPECT_TRUE(code == REFUSED || code == TOO_SOON) << code;
             ++(code == REFUSED ? lookedAt : notLookedAt);
         });
@@ -64,6 +68,7 @@ protected:
     const Clock::time_point start = Clock::now();
     std::atomic<int> lookedAt = 0;
     std::atomic<int> notLookedAt = 0;
+    std::atomic<int> refusedEarly = 0;  // to make room
     std::vector<std::thread> guesses;
 };
 
@@ -111,6 +116,18 @@ TEST_F(LoginAttackTest, theRightPasswordWaitsForItsTurnAtTheAttackedAddress) {
     waitForGuesses();
 }
 
+// As a program does whose password is outdated.
+TEST_F(LoginAttackTest, theRightPasswordComesBeforeOneThatFailsAgainAndAgain) {
+    for (int i = 0; i < 48; ++i) {
+        guess("admin", ATTACKER, "outdated");
+        if (i == 16) {
+            guesses.emplace_back([] { EXPECT_EQ(logIn("admin", "admin", ATTACKER), 0); });
+        }
+        std::this_thread::sleep_for(250ms);
+    }
+    waitForGuesses();
+}
+
 TEST_F(LoginAttackTest, waitingLoginsKeepNobodyOut) {
     for (int i = 0; i < 200; ++i) {
         guess("admin", "192.0.2." + std::to_string(i % 20));
@@ -122,6 +139,7 @@ TEST_F(LoginAttackTest, waitingLoginsKeepNobodyOut) {
         EXPECT_EQ(channel.exchange({RequestKind::GET, 0x0201002F, SESSION, {}}, reply), 0);
     }
     waitForGuesses();
+    EXPECT_GT(refusedEarly, 0);
 }
 
 TEST_F(LoginAttackTest, waitingLoginsDoNotDelayTheEnd) {

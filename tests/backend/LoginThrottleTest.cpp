@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <set>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -24,7 +26,7 @@ protected:
 
     Entry& arrive(const std::string& account, const std::string& address,
                   const std::string& device = "") {
-        return queue.arrive({account, address, device}, now);
+        return queue.arrive({account, address, device, "", ""}, now);
     }
 
     // An attempt that is answered at once, if at all. Returns true if it was looked at.
@@ -160,6 +162,34 @@ TEST_F(LoginQueueTest, whoHasFailedLessIsNext) {
     pass(LoginQueue::ACCOUNT_INTERVAL);
     EXPECT_EQ(fresh.state(), State::ADMITTED);
     EXPECT_EQ(guesser.state(), State::WAITING);
+}
+
+TEST_F(LoginQueueTest, aPasswordThatHasFailedGivesWayToOthers) {
+    for (int i = 0; i < 5; ++i) {
+        queue.leave(queue.arrive({"admin", "a", "", "", "outdated"}, now), false, now);
+    }
+    Entry& first = queue.arrive({"admin", "a", "", "", "outdated"}, now);
+    Entry& other = queue.arrive({"admin", "a", "", "", "right"}, now);
+    Entry& last = queue.arrive({"admin", "a", "", "", "outdated"}, now);
+    pass(LoginQueue::ADDRESS_INTERVAL);
+    EXPECT_EQ(first.state(), State::WAITING);
+    EXPECT_EQ(other.state(), State::ADMITTED);
+    EXPECT_EQ(last.state(), State::WAITING);
+    EXPECT_TRUE(queue.arrive({"viewer", "a", "", "", "outdated"}, now).state() == State::ADMITTED);
+}
+
+TEST_F(LoginQueueTest, aBrowserThatHasNotFailedIsNext) {
+    for (int i = 0; i < 5; ++i) {
+        queue.leave(queue.arrive({"admin", "a", "", "guesser", std::to_string(i)}, now), false,
+                    now);
+    }
+    Entry& fresh = queue.arrive({"admin", "a", "", "browser", "x"}, now);
+    Entry& failed = queue.arrive({"admin", "a", "", "guesser", "y"}, now);
+    Entry& none = queue.arrive({"admin", "a", "", "", "z"}, now);
+    pass(LoginQueue::ADDRESS_INTERVAL);
+    EXPECT_EQ(fresh.state(), State::ADMITTED);
+    EXPECT_EQ(failed.state(), State::WAITING);
+    EXPECT_EQ(none.state(), State::WAITING);
 }
 
 TEST_F(LoginQueueTest, whatHasWaitedTooLongIsRefused) {
@@ -314,16 +344,25 @@ TEST(TokenBuckets, forgetFullOnesFirst) {
     EXPECT_EQ(buckets.size(), 1U);
 }
 
+TEST(LoginThrottle, passwordsAreToldApartWithoutBeingKept) {
+    EXPECT_EQ(LoginThrottle::guessOf("secret"), LoginThrottle::guessOf("secret"));
+    EXPECT_EQ(LoginThrottle::guessOf("secret").size(), 4U);
+    std::set<std::string> guesses;
+    for (int i = 0; i < 100; ++i) {
+        guesses.insert(LoginThrottle::guessOf(std::to_string(i)));
+    }
+    EXPECT_GT(guesses.size(), 90U);
+}
+
 TEST(LoginThrottle, anAttemptWaitsForAnother) {
     LoginThrottle throttle;
     std::vector<std::unique_ptr<LoginThrottle::Pass>> working;
     for (std::size_t i = 0; i < LoginQueue::MOST_AT_WORK; ++i) {
-        working.push_back(
-            std::make_unique<LoginThrottle::Pass>(throttle, LoginAttempt{"a", "b", ""}));
+        working.push_back(std::make_unique<LoginThrottle::Pass>(throttle, LoginAttempt{"a", "b"}));
         EXPECT_TRUE(working.back()->isAdmitted());
     }
     std::thread leaving([&working] { working.clear(); });
-    LoginThrottle::Pass pass(throttle, {"viewer", "c", ""});
+    LoginThrottle::Pass pass(throttle, {"viewer", "c"});
     leaving.join();
     EXPECT_TRUE(pass.isAdmitted());
 }
@@ -331,15 +370,15 @@ TEST(LoginThrottle, anAttemptWaitsForAnother) {
 TEST(LoginThrottle, anAttemptThatWasNotSuccessfulHasFailed) {
     LoginThrottle throttle;
     for (int i = 0; i < 10 * LoginQueue::ACCOUNT_ATTEMPTS; ++i) {
-        LoginThrottle::Pass pass(throttle, {"admin", "a", ""});
+        LoginThrottle::Pass pass(throttle, {"admin", "a"});
         EXPECT_TRUE(pass.isAdmitted());
         pass.succeeded();
     }
     for (int i = 0; i < LoginQueue::ADDRESS_ATTEMPTS; ++i) {
-        EXPECT_TRUE(LoginThrottle::Pass(throttle, {"admin", "a", ""}).isAdmitted());
+        EXPECT_TRUE(LoginThrottle::Pass(throttle, {"admin", "a"}).isAdmitted());
     }
     std::thread ending([&throttle] { throttle.end(); });
-    EXPECT_FALSE(LoginThrottle::Pass(throttle, {"admin", "a", ""}).isAdmitted());
+    EXPECT_FALSE(LoginThrottle::Pass(throttle, {"admin", "a"}).isAdmitted());
     ending.join();
 }
 
