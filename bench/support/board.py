@@ -20,6 +20,7 @@ class Board:
         command += ["--preset", "bench"]
         if description is not None:
             path = self.root / "bench.toml"
+            path.touch(mode=0o600)
             path.write_text(description)
             command += ["--board", path]
         self.process = subprocess.Popen(

@@ -5,9 +5,10 @@
 namespace VeskLib::Board {
 
 const char* const USAGE =
-    "usage: efi_backend --root DIR --board FILE\n"
-    "  --root DIR    the folder under which the board's files lie\n"
-    "  --board FILE  the board description (TOML)\n";
+    "usage: efi_backend --root DIR --board FILE [--allow-faults]\n"
+    "  --root DIR      the folder under which the board's files lie\n"
+    "  --board FILE    the board description (TOML)\n"
+    "  --allow-faults  takes the orders of boardctl, for tests and demonstrations only\n";
 
 bool readOptions(int argc, char** argv, BackendOptions& options, std::string& error) {
     for (int i = 1; i < argc; ++i) {
@@ -15,6 +16,10 @@ bool readOptions(int argc, char** argv, BackendOptions& options, std::string& er
         if (argument == "--help") {
             options.help = true;
             return true;
+        }
+        if (argument == "--allow-faults") {
+            options.allowFaults = true;
+            continue;
         }
         if (argument != "--root" && argument != "--board") {
             error = "unknown argument " + std::string(argument);

@@ -5,9 +5,10 @@
 namespace VeskLib::Board {
 
 struct BackendOptions {
-    std::string root;       // --root: everything of the board lies under it
-    std::string boardFile;  // --board: the board description
-    bool help = false;      // --help
+    std::string root;          // --root: everything of the board lies under it
+    std::string boardFile;     // --board: the board description
+    bool allowFaults = false;  // --allow-faults: boardctl may make the back-end go wrong
+    bool help = false;         // --help
 };
 
 extern const char* const USAGE;

@@ -27,6 +27,7 @@ const char* const RESTORE_LOCK = "/var/lib/board/restore.lock";
 
 // What lies here is this board's alone.
 const mode_t FOLDER_MODE = 0700;
+const mode_t OTHERS_WRITE = S_IWGRP | S_IWOTH;
 const int PROPERTIES_MODE = 0600;
 
 [[noreturn]] void fail(const std::string& what) {
@@ -40,6 +41,14 @@ void needFolder(const std::string& path) {
     }
     if (!S_ISDIR(status.st_mode)) {
         throw std::runtime_error("cannot use " + path + ": it is not a folder");
+    }
+    // Whoever may put files there can have the board read and replace what is theirs.
+    if (status.st_uid != ::geteuid()) {
+        throw std::runtime_error("cannot use " + path + ": it belongs to another user");
+    }
+    if ((status.st_mode & OTHERS_WRITE) != 0) {
+        throw std::runtime_error("cannot use " + path + ": others may write there: chmod go-w " +
+                                 path);
     }
 }
 

@@ -15,7 +15,6 @@
 
 #include <VeskLib/PException.h>
 
-#include <chrono>
 #include <ctime>
 #include <exception>
 #include <stdexcept>
@@ -180,16 +179,23 @@ BoardService::Bytes BoardService::login(const Host::RequestFrame& request) {
     if (!decode(request.payload, login)) {
         throw Refusal{Host::BACKEND_MALFORMED_REQUEST, "the payload is malformed"};
     }
-    if (!throttle.mayTry(login.origin, std::chrono::steady_clock::now())) {
-        throw Refusal{Host::BACKEND_LOGIN_TOO_SOON, "too many attempts failed"};
+    const bool knownDevice = devices.isKnown(login.user, login.device);
+    LoginThrottle::Pass pass(throttle, {.account = login.user,
+                                        .address = login.origin,
+                                        .device = knownDevice ? login.device : "",
+                                        .browser = login.device,
+                                        .guess = LoginThrottle::guessOf(login.password)});
+    if (!pass.isAdmitted()) {
+        throw Refusal{Host::BACKEND_LOGIN_TOO_SOON, "too many attempts wait"};
     }
     const User* user = authenticator.authenticate(login.user, login.password);
     if (user == nullptr) {
         // Not even the name is logged: people type their password into the wrong field.
         throw Refusal{Host::BACKEND_LOGIN_REFUSED, "wrong name or password"};
     }
-    throttle.succeeded(login.origin);
-    return encode(Host::LoginAnswer{user->rights.everyFunction, user->rights.functions});
+    pass.succeeded();
+    return encode(Host::LoginAnswer{user->rights.everyFunction, user->rights.functions,
+                                    knownDevice ? "" : devices.add(login.user)});
 }
 
 void BoardService::backup(const Host::RequestFrame& request, Host::AuditEvent& event) const {
@@ -207,6 +213,9 @@ void BoardService::restore(const Host::RequestFrame& request, Host::AuditEvent& 
 }
 
 BoardService::Bytes BoardService::control(const Host::RequestFrame& request) {
+    if (!switches.areAllowed()) {
+        throw Refusal{Host::BACKEND_FAULTS_NOT_ALLOWED, "started without --allow-faults"};
+    }
     const std::string order(request.payload.begin(), request.payload.end());
     Host::AuditEvent event = makeEvent("fault_order", request);
     event.order = order.substr(0, LONGEST_ORDER);

@@ -4,6 +4,7 @@
 #include "board/backend/BoardDescription.h"
 #include "board/backend/ConfigurationStore.h"
 #include "board/backend/FaultSwitches.h"
+#include "board/backend/KnownDevices.h"
 #include "board/backend/LoginThrottle.h"
 #include "platform/host/audit/AuditEvent.h"
 #include "platform/host/channel/Frame.h"
@@ -24,6 +25,9 @@ public:
     // Carries `request` out. A refused request is logged with its reason.
     Host::ReplyFrame answer(const Host::RequestFrame& request);
 
+    // No login waits any more: the back-end ends.
+    void end() { throttle.end(); }
+
 private:
     using Bytes = std::vector<unsigned char>;
 
@@ -41,6 +45,7 @@ private:
     const std::string restoreLockPath;
     Authenticator authenticator;
     LoginThrottle throttle;
+    KnownDevices devices;
 };
 
 }  // namespace VeskLib::Board

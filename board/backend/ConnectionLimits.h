@@ -5,7 +5,8 @@
 namespace VeskLib::Board {
 
 struct ConnectionLimits {
-    std::size_t connections = 64;
+    // 64, and as many more as there are logins that wait (LoginQueue::MOST_WAITING).
+    std::size_t connections = 112;
     // So many threads wait for the next clients, so that few clients have to wait for a thread.
     std::size_t idleWorkers = 4;
     // A connection that sends no whole request for so long is ended.

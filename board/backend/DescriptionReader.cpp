@@ -7,8 +7,11 @@
 
 #include <crypt.h>
 #include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <stdexcept>
 #include <string_view>
@@ -25,6 +28,8 @@ const unsigned int LARGEST_NODE_ID = 255;
 const unsigned int LARGEST_FUNCTION = 99999;
 const std::size_t LONGEST_USER_NAME = 255;
 const std::size_t LONGEST_SOCKET_PATH = 107;
+const unsigned long FEWEST_SHA512_ROUNDS = 5000;
+const mode_t OTHERS_READ_OR_WRITE = S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
 const unsigned int LAST_BOARD = Host::BOARDS_OF_A_KIND - 1;
 
 std::string functionList(const std::vector<unsigned int>& numbers) {
@@ -43,12 +48,41 @@ bool isPasswordHash(const std::string& hash) {
            (verdict == CRYPT_SALT_OK || verdict == CRYPT_SALT_METHOD_LEGACY);
 }
 
+// Whoever has a hash can try passwords against it, as many as the method allows. These methods make
+// each try expensive and take the whole password, of which bcrypt takes only 72 bytes.
+bool isStrongHash(const std::string& hash) {
+    static const std::string SHA512 = "$6$";
+    static const std::string ROUNDS = SHA512 + "rounds=";
+    if (hash.starts_with(ROUNDS)) {
+        // Without the parameter there are as many as it takes.
+        return std::strtoul(hash.c_str() + ROUNDS.size(), nullptr, 10) >= FEWEST_SHA512_ROUNDS;
+    }
+    return hash.starts_with("$y$") || hash.starts_with("$gy$") || hash.starts_with("$7$") ||
+           hash.starts_with(SHA512);
+}
+
+// The hashes of the passwords are in the file: who reads them can try passwords without anybody
+// noticing, and who writes them can log in.
+void needPrivateFile(int file, const std::string& path) {
+    struct stat status = {};
+    if (::fstat(file, &status) != 0) {
+        throw std::runtime_error(path + ": cannot be read: " + std::strerror(errno));
+    }
+    if (status.st_uid != ::geteuid() && status.st_uid != 0) {
+        throw std::runtime_error(path + ": it belongs to another user");
+    }
+    if ((status.st_mode & OTHERS_READ_OR_WRITE) != 0) {
+        throw std::runtime_error(path + ": others may read or write it: chmod 600 " + path);
+    }
+}
+
 std::string readText(const std::string& path) {
     const Host::Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     std::vector<unsigned char> bytes;
     if (!file.isOpen() || !Host::readOpenFile(file.get(), LARGEST_DESCRIPTION, bytes)) {
         throw std::runtime_error(path + ": cannot be read: " + std::strerror(errno));
     }
+    needPrivateFile(file.get(), path);
     return {bytes.begin(), bytes.end()};
 }
 
@@ -137,6 +171,10 @@ void DescriptionReader::readUser(DescriptionTable& table) {
     user.passwordHash = table.readText("password_hash", CRYPT_OUTPUT_SIZE);
     if (!isPasswordHash(user.passwordHash)) {
         table.fail("password_hash", "not a password hash of crypt(3)");
+    }
+    if (!isStrongHash(user.passwordHash)) {
+        table.fail("password_hash",
+                   "the method of this hash is too weak; make one with \"mkpasswd -m yescrypt\"");
     }
     user.rights.everyFunction = table.readFlag("every_function", false);
     user.rights.functions = functionList(table.readNumbers("functions", LARGEST_FUNCTION));

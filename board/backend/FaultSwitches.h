@@ -13,6 +13,11 @@ namespace VeskLib::Board {
 // and demonstrations. Everything is off at the start. May be used by several threads at once.
 class FaultSwitches {
 public:
+    // `allowed` says whether orders are taken, which only tests and demonstrations want.
+    explicit FaultSwitches(bool allowed = false) : allowed(allowed) {}
+
+    bool areAllowed() const { return allowed; }
+
     // What is to happen to one request.
     struct Fault {
         bool refused = false;  // not carried out, but answered with `errorCode`
@@ -50,6 +55,7 @@ private:
         unsigned int times = 0;
     };
 
+    const bool allowed;
     mutable std::mutex guard;
     std::condition_variable ending;
     bool ended = false;

@@ -1,44 +1,65 @@
 #include "board/backend/LoginThrottle.h"
 
-#include <algorithm>
+#include "platform/host/base/sha256.h"
+
+#include <sys/auxv.h>
 
 namespace VeskLib::Board {
 
-bool LoginThrottle::mayTry(const std::string& origin, Time now) {
+using Clock = LoginQueue::Clock;
+
+namespace {
+
+const std::size_t SECRET_BYTES = 16;
+const std::size_t GUESS_DIGITS = 4;
+
+}  // namespace
+
+LoginThrottle::Pass::Pass(LoginThrottle& throttle, const LoginAttempt& attempt)
+    : throttle(throttle), entry(throttle.arrive(attempt)), admitted(throttle.wait(entry)) {
+}
+
+LoginThrottle::Pass::~Pass() {
+    throttle.leave(entry, success);
+}
+
+std::string LoginThrottle::guessOf(const std::string& password) {
+    // Random bytes that the kernel has given this process, so that the digits mean nothing in any
+    // other. So few digits fit very many passwords; they only change who waits for whom.
+    const auto* const secret = reinterpret_cast<const char*>(::getauxval(AT_RANDOM));
+    return Host::sha256Hex(std::string(secret, SECRET_BYTES) + password).substr(0, GUESS_DIGITS);
+}
+
+void LoginThrottle::end() {
     const std::scoped_lock lock(guard);
-    const auto known = origins.find(origin);
-    if (known == origins.end() && origins.size() == MOST_ORIGINS) {
-        forgetQuietest();
-    }
-    Failures& failures = origins[origin];
-    if (now - failures.last < waitAfter(failures.count)) {
-        return false;
-    }
-    ++failures.count;
-    failures.last = now;
-    return true;
+    queue.end();
+    changed.notify_all();
 }
 
-void LoginThrottle::succeeded(const std::string& origin) {
+LoginQueue::Entry& LoginThrottle::arrive(const LoginAttempt& attempt) {
     const std::scoped_lock lock(guard);
-    origins.erase(origin);
+    LoginQueue::Entry& entry = queue.arrive(attempt, Clock::now());
+    changed.notify_all();  // another may have been refused to make room
+    return entry;
 }
 
-std::chrono::seconds LoginThrottle::waitAfter(unsigned int failures) {
-    if (failures < FREE_ATTEMPTS) {
-        return std::chrono::seconds(0);
+// True when the entry is admitted.
+bool LoginThrottle::wait(const LoginQueue::Entry& entry) {
+    std::unique_lock<std::mutex> lock(guard);
+    while (entry.state() == LoginQueue::State::WAITING) {
+        const LoginQueue::Time next = queue.nextDecision();
+        if (changed.wait_until(lock, next) == std::cv_status::timeout &&
+            queue.advance(Clock::now())) {
+            changed.notify_all();
+        }
     }
-    std::chrono::seconds wait = FIRST_WAIT;
-    for (unsigned int i = FREE_ATTEMPTS; i < failures && wait < LONGEST_WAIT; ++i) {
-        wait *= 2;
-    }
-    return std::min(wait, LONGEST_WAIT);
+    return entry.state() == LoginQueue::State::ADMITTED;
 }
 
-void LoginThrottle::forgetQuietest() {
-    origins.erase(std::min_element(
-        origins.begin(), origins.end(),
-        [](const auto& one, const auto& other) { return one.second.last < other.second.last; }));
+void LoginThrottle::leave(LoginQueue::Entry& entry, bool succeeded) {
+    const std::scoped_lock lock(guard);
+    queue.leave(entry, succeeded, Clock::now());
+    changed.notify_all();
 }
 
 }  // namespace VeskLib::Board

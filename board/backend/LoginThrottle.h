@@ -1,44 +1,51 @@
 #pragma once
 
-#include <chrono>
-#include <cstddef>
-#include <map>
+#include "board/backend/LoginQueue.h"
+
+#include <condition_variable>
 #include <mutex>
 #include <string>
 
 namespace VeskLib::Board {
 
-// Slows down who guesses passwords. From one origin some attempts may fail freely; after those,
-// each attempt must wait, twice as long each time. Who waits is told so and holds up nobody else.
-// A login that succeeds, and a restart of the back-end, forget the failures. May be used by several
-// threads at once.
+// Has logins wait until the LoginQueue lets them in. May be used by several threads at once.
+// Everything is forgotten when the back-end ends.
 class LoginThrottle {
 public:
-    using Time = std::chrono::steady_clock::time_point;
+    // An attempt that is under way. One that was admitted counts as failed when it ends, unless
+    // succeeded() was called before.
+    class Pass {
+    public:
+        // Waits until the attempt is admitted or refused. `throttle` must outlive the object.
+        Pass(LoginThrottle& throttle, const LoginAttempt& attempt);
+        Pass(const Pass&) = delete;
+        Pass& operator=(const Pass&) = delete;
+        ~Pass();
 
-    static constexpr unsigned int FREE_ATTEMPTS = 5;
-    static constexpr std::chrono::seconds FIRST_WAIT{1};
-    static constexpr std::chrono::seconds LONGEST_WAIT{60};
-    // Origins that are remembered; the one that was quiet for the longest time is forgotten.
-    static constexpr std::size_t MOST_ORIGINS = 1024;
+        bool isAdmitted() const { return admitted; }
+        void succeeded() { success = true; }
 
-    // Whether an attempt from `origin` may be checked at the time `now`. It counts as failed until
-    // succeeded() is called, so that many attempts at once are slowed down as well.
-    bool mayTry(const std::string& origin, Time now);
-
-    void succeeded(const std::string& origin);
-
-private:
-    struct Failures {
-        unsigned int count = 0;
-        Time last;
+    private:
+        LoginThrottle& throttle;
+        LoginQueue::Entry& entry;
+        bool admitted = false;
+        bool success = false;
     };
 
-    static std::chrono::seconds waitAfter(unsigned int failures);
-    void forgetQuietest();
+    // What LoginAttempt::guess is for a password: too little to tell the password from it.
+    static std::string guessOf(const std::string& password);
 
-    std::mutex guard;
-    std::map<std::string, Failures> origins;
+    // Nobody waits any more: what is not admitted at once is refused.
+    void end();
+
+private:
+    LoginQueue::Entry& arrive(const LoginAttempt& attempt);
+    bool wait(const LoginQueue::Entry& entry);
+    void leave(LoginQueue::Entry& entry, bool succeeded);
+
+    std::mutex guard;  // of the queue
+    std::condition_variable changed;
+    LoginQueue queue;
 };
 
 }  // namespace VeskLib::Board

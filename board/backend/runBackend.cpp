@@ -6,6 +6,7 @@
 #include "board/backend/BoardService.h"
 #include "board/backend/ConfigurationStore.h"
 #include "board/backend/FaultSwitches.h"
+#include "board/backend/LoginQueue.h"
 #include "board/backend/Server.h"
 #include "board/backend/StopSignal.h"
 #include "board/backend/log.h"
@@ -71,6 +72,8 @@ void recordStart(const ConfigurationStore& store, const BoardDescription& descri
     }
     recordEvent("start", configurations);
 }
+// Logins that wait leave enough connections for everybody else.
+static_assert(ConnectionLimits().connections >= 64 + LoginQueue::MOST_WAITING);
 
 void serve(const BackendOptions& options) {
     const StopSignal stop;
@@ -79,7 +82,7 @@ void serve(const BackendOptions& options) {
     ConfigurationStore store(root.statePath(), description);
     root.publishProperties(description);
     recordStart(store, description);
-    FaultSwitches switches;
+    FaultSwitches switches(options.allowFaults);
     BoardService service(description, store, switches, root.restoreLockPath());
     Server server(root.socketPath(), [&](const Host::RequestFrame& request) {
         return answerOrFail(service, switches, request);
@@ -87,6 +90,7 @@ void serve(const BackendOptions& options) {
     say("ready\n");
     server.run(stop.descriptor());
     switches.end();
+    service.end();
     recordEvent("end", {});
 }
 

@@ -1,5 +1,6 @@
 // Makes a running back-end go wrong, for tests and demonstrations.
 
+#include "platform/host/channel/BackendError.h"
 #include "platform/host/channel/Channel.h"
 
 #include <CLI/CLI.hpp>
@@ -23,6 +24,12 @@ int send(const std::string& order) {
     const int code = Channel().exchange(request, reply);
     if (code == CHANNEL_BROKEN && order.starts_with("die")) {
         return DONE;  // it died without a word, as it was told to
+    }
+    if (code == BACKEND_FAULTS_NOT_ALLOWED) {
+        std::cerr << "boardctl: the back-end takes no orders: start it with --allow-faults, which "
+                     "an installed board does not (code "
+                  << code << ")\n";
+        return FAILED;
     }
     if (code != 0) {
         std::cerr << "boardctl: the back-end does not carry this out (code " << code << ")\n";

@@ -1,6 +1,7 @@
 #include "board/web/WebPage.h"
 #include "board/web/WebProgram.h"
 #include "board/web/webCaptions.h"
+#include "platform/host/base/cookies.h"
 #include "platform/host/base/platformException.h"
 #include "platform/host/text/Catalogue.h"
 #include "platform/host/web/requestChecks.h"
@@ -10,6 +11,8 @@ namespace VeskLib::Board {
 namespace {
 
 const char* const MENU_SKELETON = "/usr/local/www/skel/skeleton_web_menu.txt";
+
+const long LANGUAGE_LIFE_SECONDS = 365L * 24 * 60 * 60;
 
 bool isLanguage(const std::string& tag) {
     for (int language = 0; language < Host::LANGUAGE_COUNT; ++language) {
@@ -26,8 +29,8 @@ void chooseLanguage(const Gui::FormInfo& form, Host::Response& response) {
     if (!form.getFormData("language", tag) || !isLanguage(tag)) {
         throw Host::makePlatformException(Host::REQUEST_MALFORMED, "No language of the board");
     }
-    response.addHeader("Set-Cookie", std::string(Host::LANGUAGE_COOKIE) + "=" + tag +
-                                         "; Path=/; Max-Age=31536000; HttpOnly; SameSite=Strict");
+    response.addHeader("Set-Cookie",
+                       Host::makeCookie(Host::LANGUAGE_COOKIE, tag, LANGUAGE_LIFE_SECONDS));
     redirect(response, "/");
 }
 

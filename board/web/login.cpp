@@ -4,6 +4,7 @@
 
 #include "platform/host/audit/AuditLog.h"
 #include "platform/host/base/Environment.h"
+#include "platform/host/base/cookies.h"
 #include "platform/host/base/platformException.h"
 #include "platform/host/base/requestOrigin.h"
 #include "platform/host/channel/BackendError.h"
@@ -18,6 +19,10 @@ namespace VeskLib::Board {
 namespace {
 
 const char* const LOGIN_SKELETON = "/usr/local/www/skel/skeleton_web_login.txt";
+
+const char* const DEVICE_COOKIE = "device";
+const std::size_t DEVICE_DIGITS = 32;
+const long DEVICE_LIFE_SECONDS = 365L * 24 * 60 * 60;
 
 // Without the typed name: people type their password there by mistake.
 void traceRefusedLogin(int code) {
@@ -76,9 +81,8 @@ void startNewSession(const std::string& user, Host::Response& response) {
         }
         Host::endExpiredSessions();
         recordLogin(session);
-        response.addHeader("Set-Cookie", std::string(Host::SESSION_COOKIE) + "=" +
-                                             session.cookieValue() +
-                                             "; Path=/; HttpOnly; SameSite=Strict");
+        response.addHeader("Set-Cookie",
+                           Host::makeCookie(Host::SESSION_COOKIE, session.cookieValue()));
         redirect(response, "/");
     } catch (...) {
         // The browser never learns of the session.
@@ -87,10 +91,29 @@ void startNewSession(const std::string& user, Host::Response& response) {
     }
 }
 
+// What a former login has named this browser; empty when it has no name.
+std::string readDevice() {
+    std::string device = Host::readCookie(Host::cookieName(DEVICE_COOKIE));
+    const bool whole = device.size() == DEVICE_DIGITS &&
+                       device.find_first_not_of("0123456789abcdef") == std::string::npos;
+    return whole ? device : "";
+}
+
+void keepDevice(const std::string& device, Host::Response& response) {
+    if (!device.empty()) {
+        response.addHeader("Set-Cookie",
+                           Host::makeCookie(DEVICE_COOKIE, device, DEVICE_LIFE_SECONDS));
+    }
+}
+
 void handleLogin(const Gui::FormInfo& form, Host::Response& response) {
     if (!Host::isPost()) {
         WebPage(LOGIN_SKELETON, LOGIN_TITLE).print();
         return;
+    }
+    // Addresses are kept in logs and histories; one with a password in it must not work.
+    if (!Host::readEnvironment("QUERY_STRING").empty()) {
+        throw makeRefusal(400, MALFORMED_REQUEST);
     }
     std::string user;
     std::string password;
@@ -98,9 +121,11 @@ void handleLogin(const Gui::FormInfo& form, Host::Response& response) {
     form.getFormData("password", password);
 
     Host::LoginAnswer rights;
-    const int code = askRights({user, password, Host::readEnvironment("REMOTE_ADDR")}, rights);
+    const int code =
+        askRights({user, password, Host::readEnvironment("REMOTE_ADDR"), readDevice()}, rights);
     if (code == 0) {
         startNewSession(user, response);
+        keepDevice(rights.device, response);
         return;
     }
     traceRefusedLogin(code);

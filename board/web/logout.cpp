@@ -1,6 +1,7 @@
 #include "board/web/WebProgram.h"
 #include "board/web/webCaptions.h"
 #include "platform/host/audit/AuditLog.h"
+#include "platform/host/base/cookies.h"
 #include "platform/host/base/platformException.h"
 
 namespace VeskLib::Board {
@@ -22,8 +23,7 @@ void handleLogout(const Gui::FormInfo& /*form*/, Host::Response& response) {
         Host::record(Host::makeAuditEvent("logout"));
     }
     response.addHeader("Clear-Site-Data", "\"cache\", \"storage\"");
-    response.addHeader("Set-Cookie", std::string(Host::SESSION_COOKIE) +
-                                         "=; Path=/; Max-Age=0; HttpOnly; SameSite=Strict");
+    response.addHeader("Set-Cookie", Host::makeCookie(Host::SESSION_COOKIE, "", 0));
     redirect(response, "/login.cgi");
 }
 

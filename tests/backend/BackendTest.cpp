@@ -255,7 +255,7 @@ TEST_F(BackendTest, silentClientHoldsUpNobody) {
     BackendProcess backend(root(), DEMO_BOARD);
     ASSERT_TRUE(backend.waitUntilReady());
     std::vector<int> silent;
-    for (int i = 0; i < 70; ++i) {  // more than there are connections
+    for (int i = 0; i < 120; ++i) {  // more than there are connections
         silent.push_back(connectToBoard());
         sendBytes(silent.back(), {0, 0});
     }
@@ -281,7 +281,50 @@ TEST_F(BackendTest, unusableRootIsAnError) {
 TEST_F(BackendTest, rootThatCannotBeWrittenIsAnError) {
     // Nobody, not even root, can make a folder there.
     EXPECT_EQ(whyNotStarted("/proc", DEMO_BOARD),
-              "cannot make /proc/var: No such file or directory");
+              ::geteuid() == 0 ? "cannot make /proc/var: No such file or directory"
+                               : "cannot use /proc: it belongs to another user");
+}
+
+TEST_F(BackendTest, folderThatOthersMayWriteIsAnError) {
+    using std::filesystem::perms;
+    for (const char* folder : {"", "/var", "/var/run", "/var/tmp", "/var/lib", "/var/lib/board"}) {
+        const std::string path = root() + folder;
+        std::filesystem::create_directories(path);
+        const perms before = std::filesystem::status(path).permissions();
+        for (const perms others : {perms::group_write, perms::others_write}) {
+            std::filesystem::permissions(path, before | others);
+            EXPECT_EQ(whyNotStarted(root(), DEMO_BOARD),
+                      "cannot use " + path + ": others may write there: chmod go-w " + path);
+        }
+        std::filesystem::permissions(path, before);
+    }
+}
+
+TEST_F(BackendTest, folderOfAnotherUserIsAnError) {
+    for (const char* folder : {"", "/var", "/var/run", "/var/tmp", "/var/lib"}) {
+        const std::string path = root() + folder;
+        if (::chown(path.c_str(), 1, 1) != 0) {
+            GTEST_SKIP() << "only root may give a folder away";
+        }
+        EXPECT_EQ(whyNotStarted(root(), DEMO_BOARD),
+                  "cannot use " + path + ": it belongs to another user");
+        EXPECT_EQ(::chown(path.c_str(), ::geteuid(), ::getegid()), 0);
+    }
+}
+
+TEST_F(BackendTest, ordersAreCarriedOutOnlyWhenTheyAreAllowed) {
+    const std::string order = "status";
+    const RequestFrame request = {RequestKind::CONTROL, 0, "", Bytes(order.begin(), order.end())};
+    for (const bool allowed : {false, true}) {
+        std::vector<std::string> arguments = {"--root", root(), "--board", DEMO_BOARD};
+        if (allowed) {
+            arguments.emplace_back("--allow-faults");
+        }
+        BackendProcess backend(arguments);
+        ASSERT_TRUE(backend.waitUntilReady());
+        ReplyFrame reply;
+        EXPECT_EQ(ask(request, reply), allowed ? 0 : static_cast<int>(BACKEND_FAULTS_NOT_ALLOWED));
+    }
 }
 
 TEST_F(BackendTest, tooLongSocketPathIsAnError) {
@@ -292,10 +335,10 @@ TEST_F(BackendTest, tooLongSocketPathIsAnError) {
 }
 
 TEST_F(BackendTest, malformedBoardDescriptionIsAnErrorWithItsPlace) {
-    writeText(at("board.toml"), "max_partitions = 8\n[[partition]\n");
+    writePrivateText(at("board.toml"), "max_partitions = 8\n[[partition]\n");
     const std::string syntax = whyNotStarted(root(), at("board.toml"));
     EXPECT_TRUE(syntax.starts_with(at("board.toml") + ":2:")) << syntax;
-    writeText(at("board.toml"), "max_partitions = 8\nboards = 3\n");
+    writePrivateText(at("board.toml"), "max_partitions = 8\nboards = 3\n");
     EXPECT_EQ(whyNotStarted(root(), at("board.toml")),
               at("board.toml") + ":2:10: unknown key \"boards\"");
     EXPECT_TRUE(whyNotStarted(root(), at("missing.toml")).starts_with(at("missing.toml") + ": "));

@@ -4,8 +4,10 @@
 #include "tests/backend/support/RootTest.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <stdexcept>
 
 namespace VeskLib::Test {
@@ -17,13 +19,13 @@ namespace {
 class BoardDescriptionTest : public RootTest {
 protected:
     BoardDescription load(const std::string& text) const {
-        writeText(path, text);
+        writePrivateText(path, text);
         return loadBoardDescription(path);
     }
 
     // What is wrong with the description; the path in front is checked and left out.
     std::string complaint(const std::string& text) const {
-        writeText(path, text);
+        writePrivateText(path, text);
         return complaintAboutFile();
     }
 
@@ -81,12 +83,12 @@ TEST_F(BoardDescriptionTest, everyKeyIsRead) {
 
         [[user]]
         name = "admin"
-        password_hash = "$1$salt$qJH7.N4xYta3aEG/dfqo/0"
+        password_hash = "$6$saltsalt$TVLlQcbpFVof5W3Yz4DTP6gRstiNuHwwTt6GLc1E5n0U0aDehy0S5knV8wiOQSpT0Y77vwPZN.Pq.H91p5hVO1"
         functions = [105, 106]
 
         [[user]]
         name = "root"
-        password_hash = "$1$salt$qJH7.N4xYta3aEG/dfqo/0"
+        password_hash = "$6$saltsalt$TVLlQcbpFVof5W3Yz4DTP6gRstiNuHwwTt6GLc1E5n0U0aDehy0S5knV8wiOQSpT0Y77vwPZN.Pq.H91p5hVO1"
         every_function = true
     )");
     ASSERT_EQ(description.partitions.size(), 3U);
@@ -188,7 +190,10 @@ TEST_F(BoardDescriptionTest, everyMistakeNamesItsPlace) {
     const std::string board = "max_partitions = 2\n";
     const std::string partition = board + "[[partition]]\nname = 'a'\n";
     const std::string user = board + "[[user]]\n";
-    const std::string hash = "password_hash = '$1$salt$qJH7.N4xYta3aEG/dfqo/0'\n";
+    const std::string hash =
+        "password_hash = "
+        "'$6$saltsalt$TVLlQcbpFVof5W3Yz4DTP6gRstiNuHwwTt6GLc1E5n0U0aDehy0S5knV8wiOQSpT0Y77vwPZN.Pq."
+        "H91p5hVO1'\n";
     const struct {
         std::string text;
         const char* complaint;
@@ -241,6 +246,60 @@ TEST_F(BoardDescriptionTest, everyMistakeNamesItsPlace) {
     for (const auto& mistake : mistakes) {
         EXPECT_EQ(complaint(mistake.text), mistake.complaint) << mistake.text;
     }
+}
+
+// Each is the hash of "secret".
+TEST_F(BoardDescriptionTest, weakPasswordHashesAreRefused) {
+    for (const char* hash : {
+             "$1$saltsalt$9xy1btjgzLYfb7hivXtC//",
+             "$3$$878d8014606cda29677a44efa1353fc7",
+             "$md5$saltsalt$$htFYkfcXgVn6XJq7JYvMH/",
+             "$sha1$400$saltsalt$P/UT548p5MzbZ0vj7v1TmU9AyBRX",
+             "$2b$04$abcdefghijklmnopqrstuu2r9OfJnfCsdneAXAGHnS4UpFFP8WIrW",
+             "$2a$04$abcdefghijklmnopqrstuu2r9OfJnfCsdneAXAGHnS4UpFFP8WIrW",
+             "$2y$04$abcdefghijklmnopqrstuu2r9OfJnfCsdneAXAGHnS4UpFFP8WIrW",
+             "$5$saltsalt$0IyaXrmV7.sGNS6tirgqHLqX/G.FBvgkYA.lpPdS5sA",
+             "$6$rounds=4999$saltsalt$GGq7iKzT3LZFpzUrZNgylsJpGjqR7TJ595gRu3e5tA6cxpeq0TJoKCIcT55q"
+             "MOEZ57neeOktfxoF7owOmdSvI/",
+         }) {
+        EXPECT_EQ(complaint("max_partitions = 0\n[[user]]\nname = 'a'\npassword_hash = '" +
+                            std::string(hash) + "'"),
+                  "4:17: the method of this hash is too weak; make one with \"mkpasswd -m "
+                  "yescrypt\"");
+    }
+}
+
+TEST_F(BoardDescriptionTest, strongPasswordHashesAreTaken) {
+    for (const char* hash : {
+             "$y$j75T$saltsalt$0gBD67sgmJgRX3RZ6wHHO7sHimQEWGCWN85o4Twogh2",
+             "$gy$j75T$saltsalt$Z2AC4hWkfKORG0LWhY01sMkijJ4fV2cmiComDBMYUwC",
+             "$7$CU..../....saltsalt$NUwJnl2EzU4ACwYC9BDHKGDt.PCVFKyF6Hlr/CUA09D",
+             "$6$saltsalt$TVLlQcbpFVof5W3Yz4DTP6gRstiNuHwwTt6GLc1E5n0U0aDehy0S5knV8wiOQSpT0Y77vwPZ"
+             "N.Pq.H91p5hVO1",
+             "$6$rounds=5000$saltsalt$TVLlQcbpFVof5W3Yz4DTP6gRstiNuHwwTt6GLc1E5n0U0aDehy0S5knV8wiO"
+             "QSpT0Y77vwPZN.Pq.H91p5hVO1",
+         }) {
+        const BoardDescription description =
+            load("max_partitions = 0\n[[user]]\nname = 'a'\npassword_hash = '" + std::string(hash) +
+                 "'");
+        EXPECT_EQ(description.users.at(0).passwordHash, hash);
+    }
+}
+
+TEST_F(BoardDescriptionTest, fileThatOthersMayReadOrWriteIsRefused) {
+    for (const unsigned int mode : {0640U, 0620U, 0604U, 0602U}) {
+        writeText(path, "max_partitions = 0");
+        std::filesystem::permissions(path, static_cast<std::filesystem::perms>(mode));
+        EXPECT_EQ(complaintAboutFile(), " others may read or write it: chmod 600 " + path);
+    }
+}
+
+TEST_F(BoardDescriptionTest, fileOfAnotherUserIsRefused) {
+    writePrivateText(path, "max_partitions = 0");
+    if (::chown(path.c_str(), 1, 1) != 0) {
+        GTEST_SKIP() << "only root may give a file away";
+    }
+    EXPECT_EQ(complaintAboutFile(), " it belongs to another user");
 }
 
 // What the demo board is there to show.

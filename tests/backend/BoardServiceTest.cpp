@@ -72,7 +72,7 @@ TEST_F(BoardServiceTest, malformedPayloadIsRefused) {
         EXPECT_EQ(code(RequestKind::SET, VeskUi::SET_RESTORE, payload), BACKEND_MALFORMED_REQUEST)
             << payload.size();
     }
-    for (const Bytes& payload : {Bytes{}, {0, 1}, {0, 1, 'a'}, {0, 0, 0, 0, 0}}) {
+    for (const Bytes& payload : {Bytes{}, {0, 1}, {0, 1, 'a'}, {0, 0, 0, 0, 0, 0}}) {
         EXPECT_EQ(code(RequestKind::LOGIN, 0, payload), BACKEND_MALFORMED_REQUEST)
             << payload.size();
     }
@@ -161,22 +161,35 @@ TEST_F(BoardServiceTest, wrongNameAndWrongPasswordHaveOneCode) {
     EXPECT_EQ(login("nobody", "secret").errorCode, BACKEND_LOGIN_REFUSED);
 }
 
-TEST_F(BoardServiceTest, whoGuessesPasswordsMustWait) {
+TEST_F(BoardServiceTest, knownBrowsersLogInWhereOthersWait) {
     ConfigurationStore store(at("state/configurations"), board);
     FaultSwitches switches;
     BoardService service(board, store, switches, lockPath);
-    const auto loginFrom = [&](const char* origin, const char* password) {
-        const Bytes payload = encode(LoginRequest{"admin", password, origin});
-        return service.answer({RequestKind::LOGIN, 0, "", payload}).errorCode;
+    const auto loginFrom = [&](const char* user, const char* password, const std::string& device) {
+        const Bytes payload = encode(LoginRequest{user, password, "192.0.2.1", device});
+        const ReplyFrame reply = service.answer({RequestKind::LOGIN, 0, "", payload});
+        LoginAnswer answer;
+        EXPECT_TRUE(reply.errorCode != 0 || decode(reply.payload, answer));
+        return std::pair(reply.errorCode, answer.device);
     };
-    for (unsigned int i = 0; i < Board::LoginThrottle::FREE_ATTEMPTS; ++i) {
-        EXPECT_EQ(loginFrom("192.0.2.1", "wrong"), BACKEND_LOGIN_REFUSED);
+    const std::string device = loginFrom("admin", "secret", "").second;
+    EXPECT_EQ(device.size(), 32U);
+    for (int i = 0; i < LoginQueue::ADDRESS_ATTEMPTS; ++i) {
+        EXPECT_EQ(loginFrom("admin", "wrong", "").first, BACKEND_LOGIN_REFUSED);
     }
-    EXPECT_EQ(loginFrom("192.0.2.1", "secret"), BACKEND_LOGIN_TOO_SOON);
-    EXPECT_EQ(loginFrom("192.0.2.2", "secret"), 0U);
-    for (unsigned int i = 0; i <= Board::LoginThrottle::FREE_ATTEMPTS; ++i) {
-        EXPECT_EQ(loginFrom("192.0.2.3", "secret"), 0U);
-    }
+    EXPECT_EQ(loginFrom("admin", "secret", device), std::pair(0U, std::string()));
+    // For another user it is no name, and one that comes from the browser is not taken over.
+    const std::string others = loginFrom("root", "secret", device).second;
+    EXPECT_EQ(others.size(), 32U);
+    EXPECT_NE(others, device);
+    service.end();
+    EXPECT_EQ(loginFrom("admin", "secret", "").first, BACKEND_LOGIN_TOO_SOON);
+}
+
+TEST_F(BoardServiceTest, ordersAreRefusedUnlessTheyAreAllowed) {
+    EXPECT_EQ(code(RequestKind::CONTROL, 0, {'s', 't', 'a', 't', 'u', 's'}),
+              BACKEND_FAULTS_NOT_ALLOWED);
+    EXPECT_EQ(code(RequestKind::CONTROL, 0, {}), BACKEND_FAULTS_NOT_ALLOWED);
 }
 
 TEST_F(BoardServiceTest, logHoldsTheReasonOfARefusalButNothingOfALogin) {

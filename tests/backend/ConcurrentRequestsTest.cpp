@@ -159,7 +159,7 @@ TEST_F(ConcurrentRequestsTest, connectionsAreTakenAwayFromQuietClientsWhileOther
     BackendProcess backend(boardFile(""), DEMO_BOARD);
     ASSERT_TRUE(backend.waitUntilReady());
     std::vector<int> quiet;
-    for (int count = 0; count < 70; ++count) {  // more than there are connections
+    for (int count = 0; count < 120; ++count) {  // more than there are connections
         quiet.push_back(connectToBoard());
     }
     work({display, hangUp});

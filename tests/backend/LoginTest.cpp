@@ -9,61 +9,63 @@ namespace VeskLib::Test {
 using namespace Host;
 
 TEST(Login, requestHasItsBytes) {
-    EXPECT_EQ(toHexadecimal(encode(LoginRequest{"admin", "pass", "::1"})),
-              "00 05 61 64 6D 69 6E 00 04 70 61 73 73 00 03 3A 3A 31");
+    EXPECT_EQ(toHexadecimal(encode(LoginRequest{"admin", "pass", "::1", "ab"})),
+              "00 05 61 64 6D 69 6E 00 04 70 61 73 73 00 03 3A 3A 31 00 02 61 62");
 }
 
 TEST(Login, answerHasItsBytes) {
-    EXPECT_EQ(toHexadecimal(encode(LoginAnswer{false, ",105,106,"})),
-              "00 00 09 2C 31 30 35 2C 31 30 36 2C");
-    EXPECT_EQ(toHexadecimal(encode(LoginAnswer{true, ""})), "01 00 00");
+    EXPECT_EQ(toHexadecimal(encode(LoginAnswer{false, ",105,106,", "ab"})),
+              "00 00 09 2C 31 30 35 2C 31 30 36 2C 00 02 61 62");
+    EXPECT_EQ(toHexadecimal(encode(LoginAnswer{true, ""})), "01 00 00 00 00");
 }
 
 TEST(Login, requestIsReadBack) {
     LoginRequest read;
-    ASSERT_TRUE(decode(encode(LoginRequest{"admin", "", "::1"}), read));
+    ASSERT_TRUE(decode(encode(LoginRequest{"admin", "", "::1", "ab"}), read));
     EXPECT_EQ(read.user, "admin");
     EXPECT_EQ(read.password, "");
     EXPECT_EQ(read.origin, "::1");
+    EXPECT_EQ(read.device, "ab");
 }
 
 TEST(Login, answerIsReadBack) {
     LoginAnswer read;
-    ASSERT_TRUE(decode(encode(LoginAnswer{true, ",105,"}), read));
+    ASSERT_TRUE(decode(encode(LoginAnswer{true, ",105,", "ab"}), read));
     EXPECT_TRUE(read.everyFunction);
     EXPECT_EQ(read.functions, ",105,");
+    EXPECT_EQ(read.device, "ab");
 }
 
 TEST(Login, truncatedRequestIsRefused) {
-    const Bytes whole = encode(LoginRequest{"admin", "pass", "::1"});
+    const Bytes whole = encode(LoginRequest{"admin", "pass", "::1", "ab"});
     for (std::size_t size = 0; size < whole.size(); ++size) {
-        LoginRequest read = {"before", "kept", "all"};
+        LoginRequest read = {"before", "kept", "all", "four"};
         EXPECT_FALSE(decode(cut(whole, size), read)) << size;
-        EXPECT_EQ(read.user + read.password + read.origin, "beforekeptall");
+        EXPECT_EQ(read.user + read.password + read.origin + read.device, "beforekeptallfour");
     }
 }
 
 TEST(Login, truncatedAnswerIsRefused) {
-    const Bytes whole = encode(LoginAnswer{true, ",105,106,"});
+    const Bytes whole = encode(LoginAnswer{true, ",105,106,", "ab"});
     for (std::size_t size = 0; size < whole.size(); ++size) {
-        LoginAnswer read = {false, "kept"};
+        LoginAnswer read = {false, "kept", "too"};
         EXPECT_FALSE(decode(cut(whole, size), read)) << size;
         EXPECT_FALSE(read.everyFunction);
-        EXPECT_EQ(read.functions, "kept");
+        EXPECT_EQ(read.functions + read.device, "kepttoo");
     }
 }
 
 TEST(Login, trailingByteIsRefused) {
     LoginRequest request;
-    EXPECT_FALSE(decode(fromHexadecimal("00 01 61 00 01 62 00 00 00"), request));
+    EXPECT_FALSE(decode(fromHexadecimal("00 01 61 00 01 62 00 00 00 00 00"), request));
     LoginAnswer answer;
-    EXPECT_FALSE(decode(fromHexadecimal("01 00 00 00"), answer));
+    EXPECT_FALSE(decode(fromHexadecimal("01 00 00 00 00 00"), answer));
 }
 
 // Anything but 0 and 1 must not be taken for a right.
 TEST(Login, answerWithAnotherFlagIsRefused) {
     LoginAnswer answer;
-    EXPECT_FALSE(decode(fromHexadecimal("02 00 00"), answer));
+    EXPECT_FALSE(decode(fromHexadecimal("02 00 00 00 00"), answer));
     EXPECT_FALSE(answer.everyFunction);
 }
 

@@ -93,6 +93,25 @@ protected:
 
 }  // namespace
 
+TEST_F(BoardctlTest, tellsWhatToDoWhereOrdersAreNotAllowed) {
+    start();
+    backend.stop();
+    BackendProcess careful({"--root", boardFile(""), "--board", DEMO_BOARD});
+    ASSERT_TRUE(careful.waitUntilReady());
+    const ChildResult result = boardctl({"status"});
+    EXPECT_EQ(result.exitStatus, FAILED);
+    EXPECT_EQ(result.errors,
+              "boardctl: the back-end takes no orders: start it with --allow-faults, which an "
+              "installed board does not (code 1614)\n");
+    EXPECT_EQ(boardctl({"die"}).exitStatus, FAILED);
+}
+
+TEST_F(BoardctlTest, ordersAreStillAllowedAfterItHasComeBack) {
+    start();
+    order({"die"});
+    EXPECT_TRUE(happensInTime([] { return boardctl({"status"}).exitStatus == DONE; }));
+}
+
 TEST_F(BoardctlTest, nothingIsOnAtTheStart) {
     start();
     EXPECT_EQ(order({"status"}), "");

@@ -71,7 +71,7 @@ TEST(documents, showEveryRequest) {
     expectRequest(RequestKind::GET, VeskUi::GET_VERSION_INFO, {});
     expectRequest(RequestKind::SET, VeskUi::SET_BACKUP, {0, 0, 0, 3});
     expectRequest(RequestKind::SET, VeskUi::SET_RESTORE, {0, 2, 1, 3});
-    expectRequest(RequestKind::LOGIN, 0, encode(LoginRequest{"admin", "pass", "::1"}));
+    expectRequest(RequestKind::LOGIN, 0, encode(LoginRequest{"admin", "pass", "::1", ""}));
 }
 
 TEST(documents, showAReplyWithoutPayload) {
@@ -80,7 +80,7 @@ TEST(documents, showAReplyWithoutPayload) {
 }
 
 TEST(documents, showTheRightsOfAUser) {
-    expectReply(0, encode(LoginAnswer{false, ",105,106,"}));
+    expectReply(0, encode(LoginAnswer{false, ",105,106,", "0123456789abcdef0123456789abcdef"}));
 }
 
 TEST(documents, showThePartitionTable) {

@@ -30,7 +30,7 @@ Environment startSession(const std::string& identifier, const std::string& funct
                          std::time_t created, const std::string& language = "en") {
     const std::string user = "contract" + functions;
     publish("user=0 " + functions + " " + user + "\n");
-    writeOwnText(getCGIPath(("/var/lib/session/" + identifier).c_str()),
+    writePrivateText(getCGIPath(("/var/lib/session/" + identifier).c_str()),
                  std::string("token_sha256=") + TOKEN_SHA256 + "\nuser=" + user +
                      "\ncreated=" + std::to_string(created) + "\n");
     return {{"HTTP_COOKIE", "language=" + language + "; session=" + identifier + "-" + TOKEN}};

@@ -36,6 +36,7 @@ class BoardDescription(DocumentTest):
     def start(self, text):
         """The back-end's error with this description; nothing when it starts."""
         board = self.folder / "board.toml"
+        board.touch(mode=0o600)
         board.write_text(text, encoding="utf-8")
         with subprocess.Popen([BACKEND, "--root", self.root, "--board", board], text=True,
                               stdout=subprocess.PIPE, stderr=subprocess.PIPE) as process:
@@ -139,6 +140,43 @@ class BoardDescription(DocumentTest):
         self.assertTrue(PASSWORD.startswith(first))
         error = self.start(self.describe("[[user]]", password_hash='"%s"' % PASSWORD[1:]))
         self.assertIn("not a password hash of crypt(3)", error)
+
+    def test_methods_of_password_hashes_are_taken_or_refused_as_stated(self):
+        value = next(value for _, key, value, _ in self.rows() if key == "password_hash")
+        taken = codes_in(value)
+        self.assertEqual(taken, ["$y$", "$gy$", "$7$", "$6$"])
+        hashes = {"$y$": "j75T$saltsalt$0gBD67sgmJgRX3RZ6wHHO7sHimQEWGCWN85o4Twogh2",
+                  "$gy$": "j75T$saltsalt$Z2AC4hWkfKORG0LWhY01sMkijJ4fV2cmiComDBMYUwC",
+                  "$7$": "CU..../....saltsalt$NUwJnl2EzU4ACwYC9BDHKGDt.PCVFKyF6Hlr/CUA09D",
+                  "$6$": "rounds=%d$saltsalt$x"}
+        rounds = int(re.search(r"at least (\d+) rounds", value)[1])
+        for method in taken:
+            text = method + hashes[method]
+            self.assertIsNone(self.start(self.describe(
+                "[[user]]", password_hash='"%s"' % (text % rounds if "%" in text else text))))
+        weak = ["$1$saltsalt$9xy1btjgzLYfb7hivXtC//", "$6$rounds=%d$saltsalt$x" % (rounds - 1),
+                "$2b$04$abcdefghijklmnopqrstuu2r9OfJnfCsdneAXAGHnS4UpFFP8WIrW"]
+        advice = self.stated(r"`(mkpasswd -m yescrypt)` \(Debian package `whois`\) makes a hash")
+        for each in weak:
+            error = self.start(self.describe("[[user]]", password_hash='"%s"' % each))
+            self.assertIn(advice, error)
+
+    def test_the_file_and_the_folders_are_private_as_stated(self):
+        advice = self.stated(r"nobody else may read or write it: `(chmod 600) FILE`")
+        board = self.folder / "board.toml"
+        for mode in (0o640, 0o620, 0o604, 0o602):
+            board.touch()
+            board.chmod(mode)
+            self.assertIn("%s %s" % (advice, board), self.start("max_partitions = 0"))
+        board.chmod(0o600)
+        self.assertIsNone(self.start("max_partitions = 0"))
+        listed = self.stated(r"and the folders (.*) under it must belong")
+        for folder in ["", *codes_in(listed)]:
+            path = self.root / folder
+            path.chmod(0o770)
+            self.assertIn("chmod go-w", self.start("max_partitions = 0"))
+            path.chmod(0o700)
+        self.assertIsNone(self.start("max_partitions = 0"))
 
     def test_user_names_differ(self):
         again = self.describe("[[user]]") + '[[user]]\nname = "x"\npassword_hash = "%s"' % PASSWORD

@@ -180,6 +180,7 @@ class ConfigurationFile(DocumentTest):
         """Starts a back-end with partitions 1 and 2; its states, or nothing when it does not."""
         path = Path(root) / "var/lib/board/configurations"
         board = Path(root) / "board.toml"
+        board.touch(mode=0o600)
         board.write_text("max_partitions = 3\n" + "".join(
             '[[partition]]\nnumber = %d\nname = "x"\n[partition.settings]\na = %d\n' % (each, each)
             for each in (1, 2)), encoding="utf-8")

@@ -10,9 +10,8 @@ from support.board import BUILD, SCREEN, BoardDocumentTest, Client
 from support.document import PROJECT, codes_in
 from support.source import constant, read
 
-COUNTS = ["no", "one", "two", "three", "four", "five", "six"]
 SESSION = "platform/host/session/Session.h"
-THROTTLE = "board/backend/LoginThrottle.h"
+QUEUE = "board/backend/LoginQueue.h"
 
 
 def tests_of(folder):
@@ -85,13 +84,31 @@ class Security(BoardDocumentTest):
         self.assertNotIn("0" * 16, answer.headers["Set-Cookie"])
 
     def test_guessing_is_slowed_down_as_stated(self):
-        failures, first, second, third, longest = self.stated(
-            r"after (\w+) failures from an address it waits (\d+) s, then (\d+), (\d+), … up to "
-            r"(\d+),")
-        self.assertEqual(COUNTS.index(failures), constant(THROTTLE, "FREE_ATTEMPTS"))
-        self.assertEqual([first, second, third], [constant(THROTTLE, "FIRST_WAIT") * factor
-                                                  for factor in (1, 2, 4)])
-        self.assertEqual(longest, constant(THROTTLE, "LONGEST_WAIT"))
+        first, later, wait = self.stated(
+            r"of the guesses at one account, (\d+) are looked at in the first minute and (\d+) in "
+            r"each after that, .* others wait up to (\d+) s for their turn")
+        free = constant(QUEUE, "ACCOUNT_ATTEMPTS")
+        in_a_minute = 60000 // constant(QUEUE, "ACCOUNT_INTERVAL")
+        self.assertEqual((first, later), (free + in_a_minute, in_a_minute))
+        self.assertEqual(wait, constant(QUEUE, "LONGEST_WAIT"))
+        own, own_later = self.stated(
+            r"a browser that has logged in before has (\d+), and (\d+) in a minute, of its own")
+        self.assertEqual(own, constant(QUEUE, "DEVICE_ATTEMPTS"))
+        self.assertEqual(own_later, 60000 // constant(QUEUE, "DEVICE_INTERVAL"))
+        others = self.stated(r"waiting logins leave (\d+) connections to others")
+        self.assertEqual(others, constant("board/backend/ConnectionLimits.h", "connections")
+                         - constant(QUEUE, "MOST_WAITING"))
+        turn, delay = self.stated(r"when its turn comes, every (\d+\.\d) s; .* other accounts, but "
+                                  r"for (\d+) s")
+        self.assertEqual(float(turn) * 1000, constant(QUEUE, "ADDRESS_INTERVAL"))
+        self.assertEqual(delay, constant(QUEUE, "FAILURE_DELAY"))
+
+    def test_a_login_is_only_taken_from_the_body(self):
+        self.stated(r"(only taken from the body of a POST without a query string)")
+        stranger = Client(self.board)
+        for fields in ({}, {"user": "admin", "password": "admin"}):
+            answer = stranger.post("/login.cgi?user=admin&password=admin", fields)
+            self.assertEqual((answer.status, answer.headers["Set-Cookie"]), (400, None))
 
     def test_a_user_without_the_right_gets_the_stated_status(self):
         status = self.stated(r"the channel refuses to send changes and the answer is (\d+)")

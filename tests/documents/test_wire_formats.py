@@ -6,7 +6,9 @@ import os
 import re
 import stat
 import struct
+import time
 import unittest
+from concurrent.futures import ThreadPoolExecutor
 
 from support.board import BoardDocumentTest, Client
 from support.document import codes_in
@@ -199,29 +201,77 @@ class WireFormats(BoardDocumentTest):
                               "BackendError")["BACKEND_LOGIN_REFUSED"]
         self.stated(r"(whichever is wrong)")
         for user, password in ((b"admin", b"x"), (b"x", b"admin")):
-            self.assertEqual(self.login(user, password, b"address one"), (refused, b""))
-        self.assertEqual(self.login(b"admin", b"admin", b"address one"),
-                         (0, b"\0\0\x09,105,106,"))
+            self.assertEqual(self.login(user, password, b"address one", b""), (refused, b""))
+        code, answer = self.login(b"admin", b"admin", b"address one", b"")
+        self.assertEqual((code, answer[:12]), (0, b"\0\0\x09,105,106,"))
 
     def login(self, *texts):
         payload = b"".join(struct.pack(">H", len(text)) + text for text in texts)
         return self.board.ask(LOGIN, 0, b"", payload)
 
+    def test_a_device_is_as_stated(self):
+        digits = self.stated(r"before: (\d+) random hexadecimal digits")
+        most, in_all = self.stated(r"the (\d+) devices of a user that were used last, at most (\d+)")
+        self.assertEqual(most, constant("board/backend/KnownDevices.h", "MOST_OF_ACCOUNT"))
+        self.assertEqual(in_all, constant("board/backend/KnownDevices.h", "MOST_DEVICES"))
+        rights, size, device = self.logged_in(b"admin", b"")
+        self.assertEqual(size, digits)
+        self.assertRegex(device, rb"^[0-9a-f]+$")
+        self.assertEqual(self.logged_in(b"admin", device), (rights, 0, b""))
+        self.assertEqual(self.logged_in(b"viewer", device)[1], digits)
+        self.assertNotEqual(self.logged_in(b"viewer", device)[2], device)
+
+    def logged_in(self, user, device):
+        """The rights, and the device with its length, that a login is answered with."""
+        code, answer = self.login(user, user, b"address four", device)
+        self.assertEqual(code, 0)
+        end = 3 + struct.unpack(">H", answer[1:3])[0]
+        return answer[:end], struct.unpack(">H", answer[end:end + 2])[0], answer[end + 2:]
+
     def test_guesses_are_slowed_down_as_stated(self):
-        counts = ["no", "one", "two", "three", "four", "five", "six", "seven"]
-        failures, first, second, longest, code = self.stated(
-            r"After (\w+) failures from one address, .* only when it comes at least (\d+) second "
-            r"after the last, then (\d+), 4 and so on up to (\d+); sooner it answers (\d+)")
-        throttle = "board/backend/LoginThrottle.h"
-        free = counts.index(failures)
-        self.assertEqual(free, constant(throttle, "FREE_ATTEMPTS"))
-        self.assertEqual(first, constant(throttle, "FIRST_WAIT"))
-        self.assertEqual(second, 2 * first)
-        self.assertEqual(longest, constant(throttle, "LONGEST_WAIT"))
-        # The waits double, so that one of them is longer than a busy machine takes for an attempt.
-        codes = [self.login(b"x", b"x", b"address two")[0] for _ in range(free + 20)]
-        self.assertNotIn(code, codes[:free])
-        self.assertIn(code, codes)
+        queue = "board/backend/LoginQueue.h"
+        names = {"account": "ACCOUNT", "account and address": "ADDRESS",
+                 "account and device": "DEVICE"}
+        rows = self.table("bucket", "tokens", "one more every", "taken by")
+        self.assertEqual([row[0] for row in rows], list(names))
+        for bucket, tokens, interval, _ in rows:
+            self.assertEqual(int(tokens), constant(queue, names[bucket] + "_ATTEMPTS"))
+            self.assertEqual(1000 * float(interval.removesuffix(" s")),
+                             constant(queue, names[bucket] + "_INTERVAL"))
+        wait, code = self.stated(r"waits for one, at most (\d+) s; then it is refused with (\d+)")
+        self.assertEqual(wait, constant(queue, "LONGEST_WAIT"))
+        most, of_address, of_device, again = self.stated(
+            r"At most (\d+) attempts wait, (\d+) of one address and (\d+) of one device; of more, the "
+            r"oldest of the address with the most is refused with (\d+)")
+        self.assertEqual([most, of_address, of_device],
+                         [constant(queue, each) for each in
+                          ("MOST_WAITING", "MOST_OF_ADDRESS", "MOST_OF_DEVICE")])
+        self.assertEqual(code, again)
+        failures, delay, at_work = self.stated(
+            r"After (\d+) failures from an address at any accounts, of which one is forgotten each "
+            r"minute, each attempt from there is begun (\d+) s late, .* (\d+) are looked at at a time")
+        self.assertEqual([failures, delay, at_work],
+                         [constant(queue, each) for each in
+                          ("ADDRESS_FAILURES", "FAILURE_DELAY", "MOST_AT_WORK")])
+        self.assertEqual(constant(queue, "FAILURE_MEMORY"), 60)
+        self.stated(r"(the name, which need not exist)")
+        begin = time.monotonic()
+        with ThreadPoolExecutor(40) as threads:
+            codes = list(threads.map(lambda i: self.login(b"x", b"%d" % i, b"address two", b"")[0],
+                                     range(40)))
+        looked_at = len(codes) - codes.count(code)
+        free, interval = rows[1][1:3]
+        given = int(free) + (time.monotonic() - begin) / float(interval.removesuffix(" s"))
+        self.assertGreaterEqual(looked_at, int(free))
+        self.assertLessEqual(looked_at, given + 1)
+
+    def test_orders_are_refused_as_stated(self):
+        option, code = self.stated(r"not started with `([^`]+)` refuses every order with (\d+)")
+        self.assertEqual(code, enumerators("platform/host/channel/BackendError.h",
+                                           "BackendError")["BACKEND_FAULTS_NOT_ALLOWED"])
+        self.assertIn('"%s"' % option, read("board/backend/BackendOptions.cpp"))
+        self.stated(r"(`./serve` starts it so)")
+        self.assertIn(option, read("serve"))
 
     def test_orders_are_carried_out_as_stated(self):
         rows = self.table("order", "what happens")
@@ -263,7 +313,7 @@ class WireFormats(BoardDocumentTest):
         self.assertEqual(self.board.ask(GET, 0x0201002F)[0], 0)
         self.stated(r"(A LOGIN counts as a request of number 0)")
         self.order("refuse 0 1603 1")
-        self.assertEqual(self.login(b"admin", b"admin", b"address three")[0], 1603)
+        self.assertEqual(self.login(b"admin", b"admin", b"address three", b"")[0], 1603)
         self.stated(r"(CONTROL itself meets no fault)")
         self.order("refuse 0 1603 1")
         self.assertEqual(self.order("status")[0], 0)

@@ -169,10 +169,10 @@ TEST_F(SessionTest, hostileFilesAreNoSessions) {
           "TOKEN_SHA256=" + sum + "\n" + noToken, "token=" + session.token + "\n" + noToken,
           "token_sha256=" + session.token + "\n" + noToken, "token_sha256=x\n" + sound, std::string(5000, '\0'),
           std::string(5000, '\xFF'), sound + std::string(16 * 1024, '\n')}) {
-        writeOwnText(path, content);
+        writePrivateText(path, content);
         EXPECT_FALSE(isLetIn(session.cookieValue())) << content.substr(0, 200);
     }
-    writeOwnText(path, sound);
+    writePrivateText(path, sound);
     EXPECT_TRUE(isLetIn(session.cookieValue()));
 }
 

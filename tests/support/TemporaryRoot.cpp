@@ -1,5 +1,6 @@
 #include "tests/support/TemporaryRoot.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -31,6 +32,8 @@ TemporaryRoot::TemporaryRoot(const std::vector<std::string>& catalogueFolders,
         throw std::runtime_error("no folder for a board's root");
     }
     folder = name;
+    // The back-end takes no folder into which others may write.
+    ::umask(022);
     ::setenv("BOARD_ROOT", name.c_str(), 1);
     for (const char* part : {"var/lib/session", "var/log", "var/run", "var/tmp"}) {
         fs::create_directories(folder / part);

@@ -23,9 +23,10 @@ void writeText(const std::string& path, std::string_view text) {
     EXPECT_TRUE(file.good()) << path << " cannot be written";
 }
 
-void writeOwnText(const std::string& path, std::string_view text) {
+void writePrivateText(const std::string& path, std::string_view text) {
     writeText(path, text);
-    EXPECT_EQ(::chmod(path.c_str(), 0600), 0) << path;
+    std::filesystem::permissions(
+        path, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
 }
 
 std::vector<std::string> namesIn(const std::string& folder) {

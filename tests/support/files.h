@@ -12,8 +12,8 @@ std::string readText(const std::string& path);
 // Writes a file anew.
 void writeText(const std::string& path, std::string_view text);
 
-// The same, and lets nobody but the owner read or write it.
-void writeOwnText(const std::string& path, std::string_view text);
+// The same, for the file's owner only.
+void writePrivateText(const std::string& path, std::string_view text);
 
 // What a folder holds, sorted: the names, or the whole paths.
 std::vector<std::string> namesIn(const std::string& folder);

@@ -17,15 +17,19 @@ namespace VeskLib::Test {
 
 namespace {
 
+using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::MatchesRegex;
 using testing::Not;
 using testing::SizeIs;
+using testing::StartsWith;
 
 const int LOGIN_REFUSED = 9104;
 const int BACKEND_SILENT = 9105;
 const int LOGIN_TOO_SOON = 9107;
+
+const std::string DEVICE = "0123456789abcdef0123456789abcdef";
 
 Host::ReplyFrame accept(const Host::LoginAnswer& rights) {
     return {.errorCode = 0, .payload = Host::encode(rights)};
@@ -49,6 +53,24 @@ protected:
     static CGIResponse logIn(const std::string& cookie = "") {
         FakeBackend backend(accept({.everyFunction = false, .functions = ",105,"}));
         return post("user=admin&password=admin", cookie);
+    }
+
+    // The cookies that the response sets, in their order.
+    static std::vector<std::string> newCookies(const CGIResponse& response) {
+        std::vector<std::string> cookies;
+        for (const auto& [name, value] : response.headers) {
+            if (name == "Set-Cookie") {
+                cookies.push_back(value);
+            }
+        }
+        return cookies;
+    }
+
+    // The device that the back-end was asked with.
+    static std::string askedDevice(FakeBackend& backend) {
+        Host::LoginRequest login;
+        EXPECT_TRUE(Host::decode(backend.takeRequest()->payload, login));
+        return login.device;
     }
 
     // The value that the response gives the session cookie.
@@ -131,6 +153,66 @@ TEST_F(LoginTest, backEndLearnsWhereTheAttemptComesFrom) {
     Host::LoginRequest login;
     ASSERT_TRUE(Host::decode(backend.takeRequest()->payload, login));
     EXPECT_EQ(login.origin, "192.0.2.1");
+}
+
+TEST_F(LoginTest, onlyTheBodyOfAPostLogsIn) {
+    for (const char* form : {"", "user=admin&password=admin"}) {
+        FakeBackend backend(accept({}));
+        const CGIResponse response =
+            run({.method = "POST", .query = "user=admin&password=admin", .form = form});
+        expectPage(response, "400 Bad Request", caption(9207));
+        EXPECT_FALSE(backend.takeRequest());
+    }
+    EXPECT_EQ(run({.query = "user=admin&password=admin"}).status, "200 OK");
+    EXPECT_THAT(sessionFiles(), IsEmpty());
+}
+
+TEST_F(LoginTest, browserKeepsTheNameThatTheBackEndGivesIt) {
+    FakeBackend backend(accept({.device = DEVICE}));
+    EXPECT_THAT(
+        newCookies(post("user=admin&password=admin")),
+        ElementsAre(StartsWith("session="),
+                    "device=" + DEVICE + "; Path=/; Max-Age=31536000; HttpOnly; SameSite=Strict"));
+}
+
+TEST_F(LoginTest, encryptedConnectionsHaveADeviceCookieOfTheirOwn) {
+    FakeBackend backend(accept({.device = DEVICE}));
+    const CGIResponse response = run({.method = "POST",
+                                      .form = "user=admin&password=admin",
+                                      .cookie = "device=" + std::string(32, 'a'),
+                                      .more = {{"HTTPS", "on"}}});
+    EXPECT_THAT(newCookies(response),
+                ElementsAre(HasSubstr("session="),
+                            "__Host-device=" + DEVICE +
+                                "; Path=/; Max-Age=31536000; HttpOnly; SameSite=Strict; Secure"));
+    EXPECT_EQ(askedDevice(backend), "");
+    FakeBackend again(accept({}));
+    run({.method = "POST",
+         .form = "user=admin&password=admin",
+         .cookie = "__Host-device=" + DEVICE,
+         .more = {{"HTTPS", "on"}}});
+    EXPECT_EQ(askedDevice(again), DEVICE);
+}
+
+TEST_F(LoginTest, knownBrowserIsNamedAndKeepsItsName) {
+    FakeBackend backend(accept({}));
+    const CGIResponse response = post("user=admin&password=admin", "device=" + DEVICE);
+    EXPECT_THAT(newCookies(response), ElementsAre(StartsWith("session=")));
+    EXPECT_EQ(askedDevice(backend), DEVICE);
+}
+
+TEST_F(LoginTest, whatIsNoNameOfABrowserIsPassedOver) {
+    for (const std::string& device : {std::string("x"), DEVICE + "0", std::string(32, 'A'),
+                                      std::string(32, '-'), std::string(60000, 'a')}) {
+        FakeBackend backend(accept({}));
+        post("user=admin&password=admin", "device=" + device);
+        EXPECT_EQ(askedDevice(backend), "") << device.substr(0, 40);
+    }
+}
+
+TEST_F(LoginTest, refusedLoginSetsNoCookie) {
+    FakeBackend backend(refuse(Host::BACKEND_LOGIN_REFUSED));
+    EXPECT_THAT(newCookies(post("user=admin&password=x", "device=" + DEVICE)), IsEmpty());
 }
 
 TEST_F(LoginTest, refusedLoginIsTracedWithoutWhatWasTyped) {

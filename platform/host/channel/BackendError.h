@@ -18,10 +18,11 @@ enum BackendError : unsigned int {
     BACKEND_LOGIN_REFUSED = 1607,       // the name and the password do not belong together
     BACKEND_CONFIGURATION_SIZE = 1608,  // larger than a target partition can hold
     BACKEND_FAILED = 1609,              // the back-end itself, for instance out of memory
-    BACKEND_LOGIN_TOO_SOON = 1610,      // too many wrong passwords came from the same address
+    BACKEND_LOGIN_TOO_SOON = 1610,      // not looked at: too many attempts wait before it
     BACKEND_NOT_ALLOWED = 1611,         // the session's user may not use the function
     BACKEND_NOT_RECORDED = 1612,        // the audit log takes no line; nothing was changed
     BACKEND_OUTCOME_NOT_RECORDED = 1613,  // it was changed, but the audit log does not say so
+    BACKEND_FAULTS_NOT_ALLOWED = 1614,  // started without --allow-faults, it takes no CONTROL
 };
 
 }  // namespace VeskLib::Host

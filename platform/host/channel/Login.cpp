@@ -14,19 +14,22 @@ const std::size_t FLAG_SIZE = 1;
 
 std::vector<unsigned char> encode(const LoginRequest& login) {
     std::vector<unsigned char> bytes(wireTextSize(login.user) + wireTextSize(login.password) +
-                                     wireTextSize(login.origin));
+                                     wireTextSize(login.origin) + wireTextSize(login.device));
     VeskUi::WireWriter writer(bytes.data(), bytes.size());
     writeWireText(writer, login.user);
     writeWireText(writer, login.password);
     writeWireText(writer, login.origin);
+    writeWireText(writer, login.device);
     return bytes;
 }
 
 std::vector<unsigned char> encode(const LoginAnswer& answer) {
-    std::vector<unsigned char> bytes(FLAG_SIZE + wireTextSize(answer.functions));
+    std::vector<unsigned char> bytes(FLAG_SIZE + wireTextSize(answer.functions) +
+                                     wireTextSize(answer.device));
     VeskUi::WireWriter writer(bytes.data(), bytes.size());
     writeU8(writer, answer.everyFunction ? 1 : 0);
     writeWireText(writer, answer.functions);
+    writeWireText(writer, answer.device);
     return bytes;
 }
 
@@ -36,6 +39,7 @@ bool decode(const std::vector<unsigned char>& bytes, LoginRequest& login) {
     read.user = readWireText(reader);
     read.password = readWireText(reader);
     read.origin = readWireText(reader);
+    read.device = readWireText(reader);
     if (reader.failed() || reader.remaining() != 0) {
         return false;
     }
@@ -49,6 +53,7 @@ bool decode(const std::vector<unsigned char>& bytes, LoginAnswer& answer) {
     const std::uint8_t flag = readU8(reader);
     read.everyFunction = flag == 1;
     read.functions = readWireText(reader);
+    read.device = readWireText(reader);
     if (reader.failed() || reader.remaining() != 0 || flag > 1) {
         return false;
     }

@@ -10,12 +10,15 @@ namespace VeskLib::Host {
 struct LoginRequest {
     std::string user;
     std::string password;
-    std::string origin;  // the address that asks, for slowing down who guesses; may be empty
+    std::string origin;       // the address that asks, for slowing down who guesses; may be empty
+    std::string device = {};  // what an earlier LoginAnswer has given this browser; may be empty
 };
 
 struct LoginAnswer {
     bool everyFunction = false;
-    std::string functions;  // function numbers, each between commas: ",105,106,"; may be empty
+    std::string functions = {};  // function numbers, each between commas: ",105,"; may be empty
+    // Names the browser from now on; empty when it has a name for this user already.
+    std::string device = {};
 };
 
 std::vector<unsigned char> encode(const LoginRequest& login);

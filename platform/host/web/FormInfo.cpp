@@ -134,9 +134,7 @@ struct FormInfo::State {
         try {
             // The form first: the first field of a name counts.
             readBody();
-            if (formPolicy().readsQuery) {
-                readQuery(fields);
-            }
+            readQuery(fields);
         } catch (...) {
             letGo();
             throw;

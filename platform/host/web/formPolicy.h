@@ -16,7 +16,6 @@ struct FormPolicy {
 
     std::size_t bodyLength = FormLimits::BODY_LENGTH;
     File file = File::STORED;
-    bool readsQuery = true;
 };
 
 // The policy that FormInfo goes by when it reads the request.

@@ -1,6 +1,7 @@
 #include "platform/host/web/requestSession.h"
 
 #include "platform/host/base/Environment.h"
+#include "platform/host/base/cookies.h"
 #include "platform/host/base/requestOrigin.h"
 #include "platform/host/web/errorPage.h"
 
@@ -32,7 +33,7 @@ bool RequestSession::mayUse(int function) const {
 }
 
 std::string requestCookie() {
-    const std::vector<std::string> values = readCookies(SESSION_COOKIE);
+    const std::vector<std::string> values = readCookies(cookieName(SESSION_COOKIE));
     if (values.empty()) {
         return {};
     }

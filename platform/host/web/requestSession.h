@@ -8,7 +8,7 @@
 
 namespace VeskLib::Host {
 
-// The name of the cookie with Session::cookieValue().
+// The cookie (see cookieName()) with Session::cookieValue().
 inline constexpr const char* SESSION_COOKIE = "session";
 
 // Who sent the request that this process serves, and what the board description lets them do.

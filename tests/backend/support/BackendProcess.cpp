@@ -40,7 +40,7 @@ BackendProcess::BackendProcess(const std::vector<std::string>& arguments) {
 }
 
 BackendProcess::BackendProcess(const std::string& root, const std::string& boardFile) {
-    start({"--root", root, "--board", boardFile});
+    start({"--root", root, "--board", boardFile, "--allow-faults"});
 }
 
 BackendProcess::~BackendProcess() {

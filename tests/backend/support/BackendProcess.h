@@ -13,7 +13,7 @@ class BackendProcess {
 public:
     explicit BackendProcess(const std::vector<std::string>& arguments);
 
-    // On a root, with a board description file.
+    // On a root, with a board description file; takes the orders of boardctl.
     BackendProcess(const std::string& root, const std::string& boardFile);
     BackendProcess(const BackendProcess&) = delete;
     BackendProcess& operator=(const BackendProcess&) = delete;

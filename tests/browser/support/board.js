@@ -32,7 +32,7 @@ export class Board {
         board.root = await mkdtemp(path.join(tmpdir(), "board-"));
         board.options = [];
         if (description !== undefined) {
-            await writeFile(board.path("test.toml"), description);
+            await writeFile(board.path("test.toml"), description, { mode: 0o600 });
             board.options = ["--board", board.path("test.toml")];
         }
         try {

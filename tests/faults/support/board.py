@@ -78,7 +78,7 @@ class Board:
         self.errorFile = open(self.path("backend.errors"), "wb")
         self.backend = subprocess.Popen(
             [*prefix, os.path.join(self.installed, "usr/local/sbin/efi_backend"), "--root",
-             self.root, "--board", self.description()],
+             self.root, "--board", self.description(), "--allow-faults"],
             env=environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
             stderr=self.errorFile, start_new_session=True, preexec_fn=limits)
         watch = threading.Timer(START_SECONDS, self.kill)

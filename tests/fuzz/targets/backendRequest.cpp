@@ -33,6 +33,8 @@ Board::BoardDescription makeBoard() {
 // The back-end, with everything that it needs. It logs each refusal, which nobody wants to see
 // here.
 struct Backend {
+    Backend() { service.end(); }  // no login waits
+
     Host::ReplyFrame answer(const Host::RequestFrame& request) {
         const int shown = ::dup(STDERR_FILENO);
         ::dup2(hidden, STDERR_FILENO);
@@ -44,7 +46,7 @@ struct Backend {
 
     Board::BoardDescription description = makeBoard();
     Board::ConfigurationStore store{getCGIPath("/var/tmp/configurations"), description};
-    Board::FaultSwitches switches;
+    Board::FaultSwitches switches{true};
     Board::BoardService service{description, store, switches, getCGIPath("/var/run/restore.lock")};
     int hidden = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
 };
