@@ -194,8 +194,7 @@ BoardService::Bytes BoardService::login(const Host::RequestFrame& request) {
         throw Refusal{Host::BACKEND_LOGIN_REFUSED, "wrong name or password"};
     }
     pass.succeeded();
-    return encode(Host::LoginAnswer{user->rights.everyFunction, user->rights.functions,
-                                    knownDevice ? "" : devices.add(login.user)});
+    return encode(Host::LoginAnswer{knownDevice ? "" : devices.add(login.user)});
 }
 
 void BoardService::backup(const Host::RequestFrame& request, Host::AuditEvent& event) const {

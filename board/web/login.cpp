@@ -31,8 +31,8 @@ void traceRefusedLogin(int code) {
     trace::VeskTrace(1, 3, 2).putLog(0, text.c_str());
 }
 
-// 0 with `rights` filled, or the error code of the back-end or of the channel to it.
-int askRights(const Host::LoginRequest& login, Host::LoginAnswer& rights) {
+// 0 with `answer` filled, or the error code of the back-end or of the channel to it.
+int askBackend(const Host::LoginRequest& login, Host::LoginAnswer& answer) {
     Host::RequestFrame request;
     request.kind = Host::RequestKind::LOGIN;
     request.payload = Host::encode(login);
@@ -42,7 +42,7 @@ int askRights(const Host::LoginRequest& login, Host::LoginAnswer& rights) {
     if (code != 0) {
         return code;
     }
-    return Host::decode(reply.payload, rights) ? 0 : Host::CHANNEL_BAD_OBJECT;
+    return Host::decode(reply.payload, answer) ? 0 : Host::CHANNEL_BAD_OBJECT;
 }
 
 // The form again, with the typed name and without the password.
@@ -120,12 +120,12 @@ void handleLogin(const Gui::FormInfo& form, Host::Response& response) {
     form.getFormData("user", user);
     form.getFormData("password", password);
 
-    Host::LoginAnswer rights;
+    Host::LoginAnswer answer;
     const int code =
-        askRights({user, password, Host::readEnvironment("REMOTE_ADDR"), readDevice()}, rights);
+        askBackend({user, password, Host::clientAddress(), readDevice()}, answer);
     if (code == 0) {
         startNewSession(user, response);
-        keepDevice(rights.device, response);
+        keepDevice(answer.device, response);
         return;
     }
     traceRefusedLogin(code);

@@ -14,9 +14,8 @@ TEST(Login, requestHasItsBytes) {
 }
 
 TEST(Login, answerHasItsBytes) {
-    EXPECT_EQ(toHexadecimal(encode(LoginAnswer{false, ",105,106,", "ab"})),
-              "00 00 09 2C 31 30 35 2C 31 30 36 2C 00 02 61 62");
-    EXPECT_EQ(toHexadecimal(encode(LoginAnswer{true, ""})), "01 00 00 00 00");
+    EXPECT_EQ(toHexadecimal(encode(LoginAnswer{"ab"})), "00 02 61 62");
+    EXPECT_EQ(toHexadecimal(encode(LoginAnswer{})), "00 00");
 }
 
 TEST(Login, requestIsReadBack) {
@@ -30,9 +29,7 @@ TEST(Login, requestIsReadBack) {
 
 TEST(Login, answerIsReadBack) {
     LoginAnswer read;
-    ASSERT_TRUE(decode(encode(LoginAnswer{true, ",105,", "ab"}), read));
-    EXPECT_TRUE(read.everyFunction);
-    EXPECT_EQ(read.functions, ",105,");
+    ASSERT_TRUE(decode(encode(LoginAnswer{"ab"}), read));
     EXPECT_EQ(read.device, "ab");
 }
 
@@ -46,12 +43,11 @@ TEST(Login, truncatedRequestIsRefused) {
 }
 
 TEST(Login, truncatedAnswerIsRefused) {
-    const Bytes whole = encode(LoginAnswer{true, ",105,106,", "ab"});
+    const Bytes whole = encode(LoginAnswer{"ab"});
     for (std::size_t size = 0; size < whole.size(); ++size) {
-        LoginAnswer read = {false, "kept", "too"};
+        LoginAnswer read = {"kept"};
         EXPECT_FALSE(decode(cut(whole, size), read)) << size;
-        EXPECT_FALSE(read.everyFunction);
-        EXPECT_EQ(read.functions + read.device, "kepttoo");
+        EXPECT_EQ(read.device, "kept");
     }
 }
 
@@ -59,14 +55,7 @@ TEST(Login, trailingByteIsRefused) {
     LoginRequest request;
     EXPECT_FALSE(decode(fromHexadecimal("00 01 61 00 01 62 00 00 00 00 00"), request));
     LoginAnswer answer;
-    EXPECT_FALSE(decode(fromHexadecimal("01 00 00 00 00 00"), answer));
-}
-
-// Anything but 0 and 1 must not be taken for a right.
-TEST(Login, answerWithAnotherFlagIsRefused) {
-    LoginAnswer answer;
-    EXPECT_FALSE(decode(fromHexadecimal("02 00 00 00 00"), answer));
-    EXPECT_FALSE(answer.everyFunction);
+    EXPECT_FALSE(decode(fromHexadecimal("00 00 00"), answer));
 }
 
 }  // namespace VeskLib::Test

@@ -79,8 +79,8 @@ TEST(documents, showAReplyWithoutPayload) {
     expectReply(BACKEND_LOGIN_REFUSED, {});
 }
 
-TEST(documents, showTheRightsOfAUser) {
-    expectReply(0, encode(LoginAnswer{false, ",105,106,", "0123456789abcdef0123456789abcdef"}));
+TEST(documents, showANewDevice) {
+    expectReply(0, encode(LoginAnswer{"0123456789abcdef0123456789abcdef"}));
 }
 
 TEST(documents, showThePartitionTable) {

@@ -107,10 +107,10 @@ void addPackets(WireForms& forms) {
 
 void addFramesAndFiles(WireForms& forms) {
     forms.addCoded("request frame",
-                   Host::RequestFrame{Host::RequestKind::SET, WORD, "0123456789abcdef", {1, 0xFF}});
+                   Host::RequestFrame{Host::RequestKind::SET, WORD, "0123456789abcdef", {1, 0xFF}, "::1", "7-9"});
     forms.addCoded("reply frame", Host::ReplyFrame{WORD, {0xFE, 2}});
     forms.addCoded("login request", Host::LoginRequest{"admin", "p\xC3\xA4ss", "192.0.2.1", "0a"});
-    forms.addCoded("login answer", Host::LoginAnswer{true, ",105,106,", "0a"});
+    forms.addCoded("login answer", Host::LoginAnswer{"0a"});
     forms.addCoded("configuration file", Host::ConfigurationFile{.saveTime = WORD,
                                                                  .partition = 0x01020304,
                                                                  .version = "10.20 B",

@@ -31,8 +31,8 @@ const int LOGIN_TOO_SOON = 9107;
 
 const std::string DEVICE = "0123456789abcdef0123456789abcdef";
 
-Host::ReplyFrame accept(const Host::LoginAnswer& rights) {
-    return {.errorCode = 0, .payload = Host::encode(rights)};
+Host::ReplyFrame accept(const Host::LoginAnswer& answer) {
+    return {.errorCode = 0, .payload = Host::encode(answer)};
 }
 
 Host::ReplyFrame refuse(unsigned int code) {
@@ -51,7 +51,7 @@ protected:
 
     // Logs in as a user whom the back-end accepts.
     static CGIResponse logIn(const std::string& cookie = "") {
-        FakeBackend backend(accept({.everyFunction = false, .functions = ",105,"}));
+        FakeBackend backend(accept({}));
         return post("user=admin&password=admin", cookie);
     }
 
@@ -111,7 +111,7 @@ TEST_F(LoginTest, headAnswersAsGetWithoutTheBody) {
 }
 
 TEST_F(LoginTest, acceptedUserGetsASession) {
-    FakeBackend backend(accept({.everyFunction = false, .functions = ",105,106,"}));
+    FakeBackend backend(accept({}));
     const CGIResponse response = post("user=admin&password=secret");
     expectRedirection(response, "/");
     Host::Session session;

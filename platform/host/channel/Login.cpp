@@ -6,12 +6,6 @@
 
 namespace VeskLib::Host {
 
-namespace {
-
-const std::size_t FLAG_SIZE = 1;
-
-}  // namespace
-
 std::vector<unsigned char> encode(const LoginRequest& login) {
     std::vector<unsigned char> bytes(wireTextSize(login.user) + wireTextSize(login.password) +
                                      wireTextSize(login.origin) + wireTextSize(login.device));
@@ -24,11 +18,8 @@ std::vector<unsigned char> encode(const LoginRequest& login) {
 }
 
 std::vector<unsigned char> encode(const LoginAnswer& answer) {
-    std::vector<unsigned char> bytes(FLAG_SIZE + wireTextSize(answer.functions) +
-                                     wireTextSize(answer.device));
+    std::vector<unsigned char> bytes(wireTextSize(answer.device));
     VeskUi::WireWriter writer(bytes.data(), bytes.size());
-    writeU8(writer, answer.everyFunction ? 1 : 0);
-    writeWireText(writer, answer.functions);
     writeWireText(writer, answer.device);
     return bytes;
 }
@@ -50,11 +41,8 @@ bool decode(const std::vector<unsigned char>& bytes, LoginRequest& login) {
 bool decode(const std::vector<unsigned char>& bytes, LoginAnswer& answer) {
     VeskUi::WireReader reader(bytes.data(), bytes.size());
     LoginAnswer read;
-    const std::uint8_t flag = readU8(reader);
-    read.everyFunction = flag == 1;
-    read.functions = readWireText(reader);
     read.device = readWireText(reader);
-    if (reader.failed() || reader.remaining() != 0 || flag > 1) {
+    if (reader.failed() || reader.remaining() != 0) {
         return false;
     }
     answer = std::move(read);

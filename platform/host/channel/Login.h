@@ -15,8 +15,6 @@ struct LoginRequest {
 };
 
 struct LoginAnswer {
-    bool everyFunction = false;
-    std::string functions = {};  // function numbers, each between commas: ",105,"; may be empty
     // Names the browser from now on; empty when it has a name for this user already.
     std::string device = {};
 };

@@ -65,10 +65,10 @@ bool isExactly(const Bytes& payload) {
 
 // Whether the client understands what it is answered.
 bool isUsable(const Host::RequestFrame& request, const Bytes& payload) {
-    Host::LoginAnswer rights;
+    Host::LoginAnswer answer;
     switch (request.kind) {
         case RequestKind::LOGIN:
-            return decode(payload, rights) && rights.everyFunction;
+            return decode(payload, answer);
         case RequestKind::SET:
             return payload.empty();
         case RequestKind::CONTROL:
