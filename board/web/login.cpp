@@ -4,6 +4,7 @@
 
 #include "platform/host/base/Environment.h"
 #include "platform/host/base/platformException.h"
+#include "platform/host/base/randomText.h"
 #include "platform/host/channel/BackendError.h"
 #include "platform/host/channel/Channel.h"
 #include "platform/host/channel/Login.h"
@@ -99,8 +100,16 @@ void keepDevice(const std::string& device, Host::Response& response) {
     }
 }
 
+// Lets the back-end tell a browser from a program that guesses without having seen the form.
+void nameBrowser(Host::Response& response) {
+    if (readDevice().empty()) {
+        keepDevice(Host::makeRandomText(DEVICE_DIGITS / 2), response);
+    }
+}
+
 void handleLogin(const Gui::FormInfo& form, Host::Response& response) {
     if (!Host::isPost()) {
+        nameBrowser(response);
         WebPage(LOGIN_SKELETON, LOGIN_TITLE).print();
         return;
     }

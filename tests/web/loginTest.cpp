@@ -94,7 +94,7 @@ protected:
 };
 
 TEST_F(LoginTest, getShowsAnEmptyForm) {
-    const CGIResponse response = run({});
+    const CGIResponse response = run({.cookie = "device=" + DEVICE});
     expectPage(response, "200 OK", caption(9101));
     EXPECT_EQ(valueOf(response, "user"), "");
     EXPECT_EQ(valueOf(response, "password"), "");
@@ -103,6 +103,14 @@ TEST_F(LoginTest, getShowsAnEmptyForm) {
     EXPECT_EQ(forms[0].attributes.at("action"), "/login.cgi");
     EXPECT_EQ(forms[0].attributes.at("method"), "post");
     EXPECT_THAT(sessionFiles(), IsEmpty());
+}
+
+// So that the back-end can tell it from a program that only guesses.
+TEST_F(LoginTest, getNamesABrowserThatHasNoName) {
+    const std::vector<std::string> cookies = newCookies(run({}));
+    EXPECT_THAT(cookies, ElementsAre(MatchesRegex("device=[0-9a-f]{32}; Path=/; Max-Age=31536000; "
+                                                  "HttpOnly; SameSite=Strict")));
+    EXPECT_NE(newCookies(run({.cookie = "device=x"})), cookies);
 }
 
 TEST_F(LoginTest, headAnswersAsGetWithoutTheBody) {
