@@ -83,16 +83,19 @@ std::string deviceCookie() {
     return isEncrypted() ? "__Host-device" : "device";
 }
 
-// What a former login has named this browser; empty when it has no name.
+bool isDevice(const std::string& text) {
+    return text.size() == DEVICE_DIGITS &&
+           text.find_first_not_of("0123456789abcdef") == std::string::npos;
+}
+
+// What this browser was named; empty when it has no name.
 std::string readDevice() {
-    std::string device = Host::readCookie(deviceCookie());
-    const bool whole = device.size() == DEVICE_DIGITS &&
-                       device.find_first_not_of("0123456789abcdef") == std::string::npos;
-    return whole ? device : "";
+    const std::string device = Host::readCookie(deviceCookie());
+    return isDevice(device) ? device : "";
 }
 
 void keepDevice(const std::string& device, Host::Response& response) {
-    if (!device.empty()) {
+    if (isDevice(device)) {
         response.addHeader("Set-Cookie",
                            deviceCookie() + "=" + device +
                                "; Path=/; Max-Age=" + std::to_string(DEVICE_LIFE_SECONDS) +
