@@ -228,7 +228,7 @@ TEST_F(LoginTest, whatIsNoNameOfABrowserIsPassedOver) {
 
 // A damaged answer must not put anything else into the header.
 TEST_F(LoginTest, onlyTheNameOfABrowserBecomesACookie) {
-    for (const std::string& device :
+    for (const char* device :
          {"x; Domain=example", "a2378c31bfb1", "0123456789abcdef0123456789abcde\n"}) {
         FakeBackend backend(accept({.device = device}));
         EXPECT_THAT(newCookies(post("user=admin&password=admin")),
