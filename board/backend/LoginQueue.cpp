@@ -71,10 +71,11 @@ bool LoginQueue::advance(Time now) {
         admit(*entry, now);
         decided = true;
     }
+    decision = findNextDecision();
     return decided;
 }
 
-LoginQueue::Time LoginQueue::nextDecision() const {
+LoginQueue::Time LoginQueue::findNextDecision() const {
     Time earliest = Time::max();
     for (const Entry& entry : entries) {
         if (isWaiting(entry)) {

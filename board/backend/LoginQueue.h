@@ -83,7 +83,7 @@ public:
     bool advance(Time now);
 
     // When there is something to decide next; Time::max() when only after a leave().
-    Time nextDecision() const;
+    Time nextDecision() const { return decision; }
 
     // Ends an entry. `succeeded` says that it was admitted and the password was right; an admitted
     // entry without that counts as failed.
@@ -106,6 +106,7 @@ private:
     void refuseOldest(const std::string& group);
     std::string largestGroup() const;
 
+    Time findNextDecision() const;
     Time admissible(const Entry& entry) const;
     std::array<Time, 4> rank(const Entry& entry, Time now) const;
     Entry* next(Time now);
@@ -119,6 +120,7 @@ private:
     TokenBuckets guesses{1, GUESS_MEMORY};
     std::list<Entry> entries;  // the newest last
     std::size_t atWork = 0;
+    Time decision = Time::max();
     bool ended = false;
 };
 

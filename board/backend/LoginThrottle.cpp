@@ -38,8 +38,12 @@ void LoginThrottle::end() {
 
 LoginQueue::Entry& LoginThrottle::arrive(const LoginAttempt& attempt) {
     const std::scoped_lock lock(guard);
+    const std::size_t before = queue.waiting();
     LoginQueue::Entry& entry = queue.arrive(attempt, Clock::now());
-    changed.notify_all();  // another may have been refused to make room
+    const bool waits = entry.state() == LoginQueue::State::WAITING;
+    if (queue.waiting() != before + (waits ? 1 : 0)) {
+        changed.notify_all();  // something else was decided as well
+    }
     return entry;
 }
 
@@ -58,8 +62,11 @@ bool LoginThrottle::wait(const LoginQueue::Entry& entry) {
 
 void LoginThrottle::leave(LoginQueue::Entry& entry, bool succeeded) {
     const std::scoped_lock lock(guard);
+    const bool admitted = entry.state() == LoginQueue::State::ADMITTED;
     queue.leave(entry, succeeded, Clock::now());
-    changed.notify_all();
+    if (admitted) {
+        changed.notify_all();  // the next decision is another
+    }
 }
 
 }  // namespace VeskLib::Board

@@ -6,6 +6,7 @@
 #include "platform/host/base/Environment.h"
 #include "platform/host/base/cookies.h"
 #include "platform/host/base/platformException.h"
+#include "platform/host/base/randomText.h"
 #include "platform/host/base/requestOrigin.h"
 #include "platform/host/channel/BackendError.h"
 #include "platform/host/channel/Channel.h"
@@ -91,23 +92,34 @@ void startNewSession(const std::string& user, Host::Response& response) {
     }
 }
 
-// What a former login has named this browser; empty when it has no name.
+bool isDevice(const std::string& text) {
+    return text.size() == DEVICE_DIGITS &&
+           text.find_first_not_of("0123456789abcdef") == std::string::npos;
+}
+
+// What this browser was named; empty when it has no name.
 std::string readDevice() {
-    std::string device = Host::readCookie(Host::cookieName(DEVICE_COOKIE));
-    const bool whole = device.size() == DEVICE_DIGITS &&
-                       device.find_first_not_of("0123456789abcdef") == std::string::npos;
-    return whole ? device : "";
+    const std::string device = Host::readCookie(Host::cookieName(DEVICE_COOKIE));
+    return isDevice(device) ? device : "";
 }
 
 void keepDevice(const std::string& device, Host::Response& response) {
-    if (!device.empty()) {
+    if (isDevice(device)) {
         response.addHeader("Set-Cookie",
                            Host::makeCookie(DEVICE_COOKIE, device, DEVICE_LIFE_SECONDS));
     }
 }
 
+// Lets the back-end tell a browser from a program that guesses without having seen the form.
+void nameBrowser(Host::Response& response) {
+    if (readDevice().empty()) {
+        keepDevice(Host::makeRandomText(DEVICE_DIGITS / 2), response);
+    }
+}
+
 void handleLogin(const Gui::FormInfo& form, Host::Response& response) {
     if (!Host::isPost()) {
+        nameBrowser(response);
         WebPage(LOGIN_SKELETON, LOGIN_TITLE).print();
         return;
     }

@@ -76,18 +76,17 @@ protected:
 
 TEST_F(LoginAttackTest, guessesFromManyAddressesAreCountedByAccount) {
     for (const char* account : {"admin", "nobody"}) {
-        lookedAt = 0;
         for (int address = 0; address < 20; ++address) {
             guess(account, "192.0.2." + std::to_string(address));
         }
-        waitForGuesses();
-        EXPECT_GE(lookedAt, 10) << account;
-        EXPECT_LE(lookedAt, given(10, 6s)) << account;
     }
+    waitForGuesses();
+    EXPECT_GE(lookedAt, 2 * 10);
+    EXPECT_LE(lookedAt, 2 * given(10, 6s));
 }
 
 TEST_F(LoginAttackTest, aLoginToAnotherAccountDoesNotForgetTheGuesses) {
-    for (int round = 0; round < 3; ++round) {
+    for (int round = 0; round < 2; ++round) {
         for (int i = 0; i < 4; ++i) {
             guess("admin", ATTACKER);
         }
@@ -118,9 +117,9 @@ TEST_F(LoginAttackTest, theRightPasswordWaitsForItsTurnAtTheAttackedAddress) {
 
 // As a program does whose password is outdated.
 TEST_F(LoginAttackTest, theRightPasswordComesBeforeOneThatFailsAgainAndAgain) {
-    for (int i = 0; i < 48; ++i) {
+    for (int i = 0; i < 34; ++i) {
         guess("admin", ATTACKER, "outdated");
-        if (i == 16) {
+        if (i == 8) {
             guesses.emplace_back([] { EXPECT_EQ(logIn("admin", "admin", ATTACKER), 0); });
         }
         std::this_thread::sleep_for(250ms);

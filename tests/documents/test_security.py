@@ -98,7 +98,7 @@ class Security(BoardDocumentTest):
         others = self.stated(r"waiting logins leave (\d+) connections to others")
         self.assertEqual(others, constant("board/backend/ConnectionLimits.h", "connections")
                          - constant(QUEUE, "MOST_WAITING"))
-        turn, delay = self.stated(r"when its turn comes, every (\d+\.\d) s; .* other accounts, but "
+        turn, delay = self.stated(r"when its turn comes, every (\d+\.\d) s: .* other accounts, but "
                                   r"for (\d+) s")
         self.assertEqual(float(turn) * 1000, constant(QUEUE, "ADDRESS_INTERVAL"))
         self.assertEqual(delay, constant(QUEUE, "FAILURE_DELAY"))

@@ -210,7 +210,7 @@ class WireFormats(BoardDocumentTest):
         return self.board.ask(LOGIN, 0, b"", payload)
 
     def test_a_device_is_as_stated(self):
-        digits = self.stated(r"before: (\d+) random hexadecimal digits")
+        digits = self.stated(r"names a browser: (\d+) random hexadecimal digits")
         most, in_all = self.stated(r"the (\d+) devices of a user that were used last, at most (\d+)")
         self.assertEqual(most, constant("board/backend/KnownDevices.h", "MOST_OF_ACCOUNT"))
         self.assertEqual(in_all, constant("board/backend/KnownDevices.h", "MOST_DEVICES"))
@@ -253,6 +253,10 @@ class WireFormats(BoardDocumentTest):
                          [constant(queue, each) for each in
                           ("ADDRESS_FAILURES", "FAILURE_DELAY", "MOST_AT_WORK")])
         self.assertEqual(constant(queue, "FAILURE_MEMORY"), 60)
+        self.stated(r"(a password that has not failed in the last hour)")
+        self.assertEqual(constant(queue, "GUESS_MEMORY"), 60)
+        self.assertEqual(self.stated(r"a device that has not failed in the last (\d+) minutes"),
+                         constant(queue, "BROWSER_MEMORY"))
         self.stated(r"(the name, which need not exist)")
         begin = time.monotonic()
         with ThreadPoolExecutor(40) as threads:

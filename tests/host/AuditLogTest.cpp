@@ -96,7 +96,7 @@ TEST_F(AuditLogTest, noTextEndsTheLineOrTurnsIt) {
         for (const char byte : lines().back()) {
             EXPECT_TRUE(byte >= 0x20 && byte < 0x7F) << lines().back();
         }
-        EXPECT_NO_THROW(lastLine());
+        EXPECT_EQ(lastLine()["event"], "login");
     }
 }
 
@@ -182,7 +182,7 @@ TEST_F(AuditLogTest, linesOfManyProcessesAreWholeAndAllThere) {
     const std::vector<std::string> all = lines();
     EXPECT_EQ(all.size(), 100U);
     for (const std::string& line : all) {
-        EXPECT_NO_THROW(static_cast<void>(JSON::parse(line))) << line;
+        EXPECT_TRUE(JSON::accept(line)) << line;
     }
 }
 

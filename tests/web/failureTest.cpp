@@ -58,7 +58,8 @@ TEST_F(FailureTest, damagedErrorPageIsReplacedByAPlainOne) {
 TEST_F(FailureTest, missingCatalogueStillGivesAPage) {
     const std::string catalogue = boardFile("/usr/local/share/catalogue");
     std::filesystem::rename(catalogue, catalogue + ".away");
-    const CGIResponse response = runWebProgram(LOGIN_PROGRAM, {});
+    const CGIResponse response =
+        runWebProgram(LOGIN_PROGRAM, {.cookie = "device=" + std::string(32, '0')});
     std::filesystem::rename(catalogue + ".away", catalogue);
     expectPage(response, "200 OK", "9100");
 }

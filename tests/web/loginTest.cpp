@@ -95,7 +95,7 @@ protected:
 };
 
 TEST_F(LoginTest, getShowsAnEmptyForm) {
-    const CGIResponse response = run({});
+    const CGIResponse response = run({.cookie = "device=" + DEVICE});
     expectPage(response, "200 OK", caption(9101));
     EXPECT_EQ(valueOf(response, "user"), "");
     EXPECT_EQ(valueOf(response, "password"), "");
@@ -104,6 +104,14 @@ TEST_F(LoginTest, getShowsAnEmptyForm) {
     EXPECT_EQ(forms[0].attributes.at("action"), "/login.cgi");
     EXPECT_EQ(forms[0].attributes.at("method"), "post");
     EXPECT_THAT(sessionFiles(), IsEmpty());
+}
+
+// So that the back-end can tell it from a program that only guesses.
+TEST_F(LoginTest, getNamesABrowserThatHasNoName) {
+    const std::vector<std::string> cookies = newCookies(run({}));
+    EXPECT_THAT(cookies, ElementsAre(MatchesRegex("device=[0-9a-f]{32}; Path=/; Max-Age=31536000; "
+                                                  "HttpOnly; SameSite=Strict")));
+    EXPECT_NE(newCookies(run({.cookie = "device=x"})), cookies);
 }
 
 TEST_F(LoginTest, headAnswersAsGetWithoutTheBody) {
@@ -207,6 +215,16 @@ TEST_F(LoginTest, whatIsNoNameOfABrowserIsPassedOver) {
         FakeBackend backend(accept({}));
         post("user=admin&password=admin", "device=" + device);
         EXPECT_EQ(askedDevice(backend), "") << device.substr(0, 40);
+    }
+}
+
+// A damaged answer must not put anything else into the header.
+TEST_F(LoginTest, onlyTheNameOfABrowserBecomesACookie) {
+    for (const char* device :
+         {"x; Domain=example", "a2378c31bfb1", "0123456789abcdef0123456789abcde\n"}) {
+        FakeBackend backend(accept({.device = device}));
+        EXPECT_THAT(newCookies(post("user=admin&password=admin")),
+                    ElementsAre(StartsWith("session=")));
     }
 }
 

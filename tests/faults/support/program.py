@@ -27,7 +27,7 @@ def environmentFor(root, request):
         "QUERY_STRING": request.get("query", ""),
         "SCRIPT_NAME": "/" + request["program"],
         "HTTP_HOST": "127.0.0.1:8080",
-        "REMOTE_ADDR": "127.0.0.1",
+        "REMOTE_ADDR": request.get("address", "127.0.0.1"),
         "SERVER_PROTOCOL": "HTTP/1.1",
         "GATEWAY_INTERFACE": "CGI/1.1",
         "PATH": "/usr/bin:/bin",

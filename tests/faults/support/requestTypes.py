@@ -1,5 +1,6 @@
 """Every kind of request that the board's programs answer, with what it may change."""
 
+import itertools
 import re
 
 from support.board import sampleFile
@@ -338,9 +339,14 @@ class Login(RequestType):
 
 class WrongPassword(RequestType):
     name = "wrong password"
+    count = itertools.count()
 
     def make(self, scene):
-        return post(None, b"user=admin&password=guess", program="login.cgi")
+        # Another name from another address each time: who guesses often would have to wait.
+        number = next(self.count)
+        address = f"10.{number >> 16 & 255}.{number >> 8 & 255}.{number & 255}"
+        return {**post(None, b"user=guess%06d&password=guess" % number, program="login.cgi"),
+                "address": address}
 
     def claimsSuccess(self, response, scene):
         return response.status < 400 or "set-cookie" in response.headers

@@ -30,9 +30,11 @@ def parseResponse(output, withoutBody=False):
         if not match:
             raise MalformedResponse(f"not a header: {line[:80]!r}")
         name = match[1].decode().lower()
-        if name in headers:
+        value = match[2].decode("utf-8", "replace")
+        if name in headers and name != "set-cookie":
             raise MalformedResponse(f"the header {name} is there twice")
-        headers[name] = match[2].decode("utf-8", "replace")
+        # Each cookie has a header of its own; they are kept in their order.
+        headers[name] = headers[name] + "\n" + value if name in headers else value
     status = re.fullmatch(r"([1-5]\d\d) .+", headers.get("status", ""))
     if not status:
         raise MalformedResponse(f"the status is {headers.get('status')!r}")

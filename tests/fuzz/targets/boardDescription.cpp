@@ -7,6 +7,7 @@
 #include "platform/host/storage/ConfigurationFile.h"
 
 #include <sys/mman.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <stdexcept>
@@ -19,10 +20,10 @@ namespace {
 const std::string& pathOf(const std::string& content) {
     static const int MEMORY = ::memfd_create("board", 0);
     static const std::string PATH = "/proc/self/fd/" + std::to_string(MEMORY);
-    Fuzz::require(
-        ::ftruncate(MEMORY, 0) == 0 && ::pwrite(MEMORY, content.data(), content.size(), 0) ==
-                                           static_cast<ssize_t>(content.size()),
-        "the description can be given");
+    Fuzz::require(::fchmod(MEMORY, 0600) == 0 && ::ftruncate(MEMORY, 0) == 0 &&
+                      ::pwrite(MEMORY, content.data(), content.size(), 0) ==
+                          static_cast<ssize_t>(content.size()),
+                  "the description can be given");
     return PATH;
 }
 
