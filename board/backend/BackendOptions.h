@@ -1,13 +1,15 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace VeskLib::Board {
 
 struct BackendOptions {
-    std::string root;       // --root: everything of the board lies under it
-    std::string boardFile;  // --board: the board description
-    bool help = false;      // --help
+    std::string root;                // --root: everything of the board lies under it
+    std::string boardFile;           // --board: the board description
+    std::vector<std::string> hosts;  // --host: further names, normalised
+    bool help = false;               // --help
 };
 
 extern const char* const USAGE;

@@ -39,6 +39,7 @@ struct BoardDescription {
     Boards ioBoards = {};  // installed ones
     Boards gspBoards = {};
     std::vector<User> users;
+    std::vector<std::string> hostNames;  // as Host::normaliseHostName() gives them
 
     bool isInstalled(unsigned int partition) const;
 

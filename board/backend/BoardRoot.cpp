@@ -15,6 +15,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <stdexcept>
+#include <string_view>
+#include <vector>
 
 namespace VeskLib::Board {
 
@@ -27,7 +29,7 @@ const char* const RESTORE_LOCK = "/var/lib/board/restore.lock";
 
 // What lies here is this board's alone.
 const mode_t FOLDER_MODE = 0700;
-const int PROPERTIES_MODE = 0644;
+const int PROPERTIES_MODE = 0600;
 
 [[noreturn]] void fail(const std::string& what) {
     throw std::runtime_error(what + ": " + std::strerror(errno));
@@ -73,10 +75,34 @@ int prepare(const std::string& root) {
     return lockRoot(root);
 }
 
+void publish(const char* file, const std::vector<unsigned char>& bytes) {
+    const std::string path = getCGIPath(file);
+    if (!Host::replaceFile(path, bytes, PROPERTIES_MODE)) {
+        fail("cannot write " + path);
+    }
+}
+
+// A line of the web server's configuration: the pattern that each Host fits that the board answers
+// to. HTTP/1.0 has no Host.
+std::vector<unsigned char> hostPattern(const std::vector<std::string>& hosts) {
+    std::string pattern;
+    for (const std::string& host : hosts) {
+        pattern += pattern.empty() ? "" : "|";
+        for (const char character : host) {
+            pattern +=
+                std::string_view(".[]").find(character) == std::string_view::npos ? "" : "\\";
+            pattern += character;
+        }
+    }
+    const std::string line = "var.hosts = \"^$|^(" + pattern + ")(:[0-9]+)?$\"\n";
+    return {line.begin(), line.end()};
+}
+
 }  // namespace
 
 BoardRoot::BoardRoot(const std::string& root) : lock(prepare(root)) {
-    for (const char* path : {STATE_FILE, Host::BACKUP_FILE, Host::BOARD_PROPERTIES}) {
+    for (const char* path :
+         {STATE_FILE, Host::BACKUP_FILE, Host::BOARD_PROPERTIES, Host::WEB_SERVER_HOSTS}) {
         Host::removeFilesAside(getCGIPath(path));
     }
 }
@@ -97,11 +123,9 @@ std::string BoardRoot::socketPath() const {
     return getCGIPath(Host::BACKEND_SOCKET);
 }
 
-void BoardRoot::publishProperties(unsigned int maxPartitions) const {
-    const std::string path = getCGIPath(Host::BOARD_PROPERTIES);
-    if (!Host::replaceFile(path, encode(Host::BoardProperties{maxPartitions}), PROPERTIES_MODE)) {
-        fail("cannot write " + path);
-    }
+void BoardRoot::publishProperties(const Host::BoardProperties& properties) const {
+    publish(Host::WEB_SERVER_HOSTS, hostPattern(properties.hosts));
+    publish(Host::BOARD_PROPERTIES, encode(properties));
 }
 
 }  // namespace VeskLib::Board

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/host/channel/BoardProperties.h"
+
 #include <string>
 
 namespace VeskLib::Board {
@@ -20,9 +22,9 @@ public:
     std::string restoreLockPath() const;
     std::string socketPath() const;
 
-    // Tells the other processes of the board how many partitions there can be. Throws
-    // std::runtime_error when the file cannot be written.
-    void publishProperties(unsigned int maxPartitions) const;
+    // Tells the other processes of the board what they must know of it, and the web server the
+    // names that it may be called by. Throws std::runtime_error when a file cannot be written.
+    void publishProperties(const Host::BoardProperties& properties) const;
 
 private:
     int lock;

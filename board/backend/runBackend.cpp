@@ -11,6 +11,8 @@
 #include "board/backend/log.h"
 #include "board/backend/restartBackend.h"
 #include "platform/host/base/standardDescriptors.h"
+#include "platform/host/channel/BoardProperties.h"
+#include "platform/host/channel/hostNames.h"
 
 #include <unistd.h>
 
@@ -42,12 +44,23 @@ Answer answerOrFail(BoardService& service, FaultSwitches& switches,
     return answer;
 }
 
+Host::BoardProperties propertiesOf(const BoardDescription& description,
+                                   const BackendOptions& options) {
+    Host::BoardProperties properties;
+    properties.maxPartitions = static_cast<unsigned int>(description.partitions.size());
+    properties.hosts = Host::loopbackNames();
+    for (const std::vector<std::string>* names : {&description.hostNames, &options.hosts}) {
+        properties.hosts.insert(properties.hosts.end(), names->begin(), names->end());
+    }
+    return properties;
+}
+
 void serve(const BackendOptions& options) {
     const StopSignal stop;
     const BoardDescription description = loadBoardDescription(options.boardFile);
     const BoardRoot root(options.root);
     ConfigurationStore store(root.statePath(), description);
-    root.publishProperties(static_cast<unsigned int>(description.partitions.size()));
+    root.publishProperties(propertiesOf(description, options));
     FaultSwitches switches;
     BoardService service(description, store, switches, root.restoreLockPath());
     Server server(root.socketPath(), [&](const Host::RequestFrame& request) {

@@ -27,6 +27,8 @@ void respond(const WebProgram& program, Host::Response& response) {
         !isListed(program.allowedMethods, Host::readEnvironment("REQUEST_METHOD"))) {
         Host::printErrorPage(program.otherMethods(), response);
         response.addHeader("Allow", program.allowedMethods);
+    } else if (verdict == Host::RequestVerdict::MISDIRECTED) {
+        Host::printErrorPage(Host::makeMisdirectedPage(), response);
     } else if (verdict == Host::RequestVerdict::CROSS_SITE) {
         Host::printErrorPage(Host::makeCrossSitePage(), response);
     } else {

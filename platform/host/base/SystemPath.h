@@ -11,6 +11,7 @@ inline constexpr const char* SESSION_FOLDER = "/var/lib/session";
 inline constexpr const char* TRACE_FILE = "/var/log/trace.log";
 inline constexpr const char* BACKEND_SOCKET = "/var/run/backend.sock";
 inline constexpr const char* BOARD_PROPERTIES = "/var/run/board_properties";
+inline constexpr const char* WEB_SERVER_HOSTS = "/var/run/hosts.conf";
 inline constexpr const char* BACKUP_FILE = "/var/tmp/efi_backup";         // + session identifier
 inline constexpr const char* STAGING_FILE = "/var/tmp/restored_eficonf";  // + session identifier
 inline constexpr const char* UPLOAD_FILE = "/var/tmp/upload_";            // + random digits

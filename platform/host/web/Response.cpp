@@ -51,6 +51,8 @@ const char* reasonPhrase(int status) {
             return "Method Not Allowed";
         case 413:
             return "Content Too Large";
+        case 421:
+            return "Misdirected Request";
         case 429:
             return "Too Many Requests";
         case 503:
