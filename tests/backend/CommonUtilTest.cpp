@@ -74,11 +74,14 @@ TEST_F(CommonUtilTest, numberDoesNotChangeWithinAProcess) {
 }
 
 TEST(BoardProperties, areReadBack) {
-    const Bytes bytes = encode(Host::BoardProperties{8});
-    EXPECT_EQ(std::string(bytes.begin(), bytes.end()), "max_partitions=8\n");
+    const Bytes bytes =
+        encode(Host::BoardProperties{.maxPartitions = 8, .hosts = {"localhost", "[::1]"}});
+    EXPECT_EQ(std::string(bytes.begin(), bytes.end()),
+              "max_partitions=8\nhost=localhost\nhost=[::1]\n");
     Host::BoardProperties properties;
     ASSERT_TRUE(decode(bytes, properties));
     EXPECT_EQ(properties.maxPartitions, 8U);
+    EXPECT_EQ(properties.hosts, (std::vector<std::string>{"localhost", "[::1]"}));
 }
 
 }  // namespace VeskLib::Test
