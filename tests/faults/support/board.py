@@ -30,6 +30,7 @@ class Installation:
 
     def __init__(self, project, preset):
         self.build = os.path.join(project, "build", preset)
+        self.description = os.path.join(project, "board/demo/demo.toml")
         self.folder = tempfile.mkdtemp(prefix="faults-")
         self.dynamic = None
         os.environ["LC_ALL"] = "C.UTF-8"
@@ -57,7 +58,8 @@ class Board:
     """One root. Its back-end runs from start() to stop()."""
 
     def __init__(self, installation, folder=None):
-        self.installed = installation.folder if hasattr(installation, "folder") else installation
+        self.installed = installation.folder
+        self.description = installation.description
         self.programs = os.path.join(self.installed, "usr/local/www/htdocs")
         self.root = tempfile.mkdtemp(prefix="faults-root-", dir=folder or fastFolder())
         os.symlink(os.path.join(self.installed, "usr"), self.path("usr"))
@@ -69,16 +71,13 @@ class Board:
     def path(self, *parts):
         return os.path.join(self.root, *parts)
 
-    def description(self):
-        return os.path.join(self.installed, "usr/local/etc/board.toml")
-
     def start(self, prefix=(), more=None, limits=None, mustStart=True):
         """Starts the back-end. False, with nothing running, when it ends instead of being ready."""
         environment = {"PATH": "/usr/bin:/bin", **(more or {})}
         self.errorFile = open(self.path("backend.errors"), "wb")
         self.backend = subprocess.Popen(
             [*prefix, os.path.join(self.installed, "usr/local/sbin/efi_backend"), "--root",
-             self.root, "--board", self.description()],
+             self.root, "--board", self.description],
             env=environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
             stderr=self.errorFile, start_new_session=True, preexec_fn=limits)
         watch = threading.Timer(START_SECONDS, self.kill)
