@@ -1,13 +1,16 @@
 #include "board/backend/BackendOptions.h"
 
+#include "platform/host/channel/hostNames.h"
+
 #include <string_view>
 
 namespace VeskLib::Board {
 
 const char* const USAGE =
-    "usage: efi_backend --root DIR --board FILE [--allow-faults]\n"
+    "usage: efi_backend --root DIR --board FILE [--host NAME]... [--allow-faults]\n"
     "  --root DIR      the folder under which the board's files lie\n"
     "  --board FILE    the board description (TOML)\n"
+    "  --host NAME     a name that the board answers to, beside those of its description\n"
     "  --allow-faults  takes the orders of boardctl, for tests and demonstrations only\n";
 
 bool readOptions(int argc, char** argv, BackendOptions& options, std::string& error) {
@@ -21,13 +24,21 @@ bool readOptions(int argc, char** argv, BackendOptions& options, std::string& er
             options.allowFaults = true;
             continue;
         }
-        if (argument != "--root" && argument != "--board") {
+        if (argument != "--root" && argument != "--board" && argument != "--host") {
             error = "unknown argument " + std::string(argument);
             return false;
         }
         if (++i == argc) {
             error = std::string(argument) + " needs a value";
             return false;
+        }
+        if (argument == "--host") {
+            options.hosts.push_back(Host::normaliseHostName(argv[i]));
+            if (options.hosts.back().empty()) {
+                error = std::string(argv[i]) + " is no name of a host";
+                return false;
+            }
+            continue;
         }
         (argument == "--root" ? options.root : options.boardFile) = argv[i];
     }

@@ -39,7 +39,8 @@ struct BoardDescription {
     Boards ioBoards = {};  // installed ones
     Boards gspBoards = {};
     std::vector<User> users;
-    std::string syslogSocket;  // where the audit log is sent as well; may be empty
+    std::vector<std::string> hostNames;  // as Host::normaliseHostName() gives them
+    std::string syslogSocket;            // where the audit log is sent as well; may be empty
 
     // Null when there is no such user.
     const User* findUser(const std::string& name) const;

@@ -15,6 +15,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <stdexcept>
+#include <string_view>
+#include <vector>
 
 namespace VeskLib::Board {
 
@@ -82,10 +84,34 @@ int prepare(const std::string& root) {
     return lockRoot(root);
 }
 
+void publish(const char* file, const std::vector<unsigned char>& bytes) {
+    const std::string path = getCGIPath(file);
+    if (!Host::replaceFile(path, bytes, PROPERTIES_MODE)) {
+        fail("cannot write " + path);
+    }
+}
+
+// A line of the web server's configuration: the pattern that each Host fits that the board answers
+// to. HTTP/1.0 has no Host.
+std::vector<unsigned char> hostPattern(const std::vector<std::string>& hosts) {
+    std::string pattern;
+    for (const std::string& host : hosts) {
+        pattern += pattern.empty() ? "" : "|";
+        for (const char character : host) {
+            pattern +=
+                std::string_view(".[]").find(character) == std::string_view::npos ? "" : "\\";
+            pattern += character;
+        }
+    }
+    const std::string line = "var.hosts = \"^$|^(" + pattern + ")(:[0-9]+)?$\"\n";
+    return {line.begin(), line.end()};
+}
+
 }  // namespace
 
 BoardRoot::BoardRoot(const std::string& root) : lock(prepare(root)) {
-    for (const char* path : {STATE_FILE, Host::BACKUP_FILE, Host::BOARD_PROPERTIES}) {
+    for (const char* path :
+         {STATE_FILE, Host::BACKUP_FILE, Host::BOARD_PROPERTIES, Host::WEB_SERVER_HOSTS}) {
         Host::removeFilesAside(getCGIPath(path));
     }
 }
@@ -106,17 +132,9 @@ std::string BoardRoot::socketPath() const {
     return getCGIPath(Host::BACKEND_SOCKET);
 }
 
-void BoardRoot::publishProperties(const BoardDescription& description) const {
-    Host::BoardProperties properties;
-    properties.maxPartitions = static_cast<unsigned int>(description.partitions.size());
-    properties.syslogSocket = description.syslogSocket;
-    for (const User& user : description.users) {
-        properties.users[user.name] = user.rights;
-    }
-    const std::string path = getCGIPath(Host::BOARD_PROPERTIES);
-    if (!Host::replaceFile(path, encode(properties), PROPERTIES_MODE)) {
-        fail("cannot write " + path);
-    }
+void BoardRoot::publishProperties(const Host::BoardProperties& properties) const {
+    publish(Host::WEB_SERVER_HOSTS, hostPattern(properties.hosts));
+    publish(Host::BOARD_PROPERTIES, encode(properties));
 }
 
 }  // namespace VeskLib::Board

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "board/backend/BoardDescription.h"
+#include "platform/host/channel/BoardProperties.h"
 
 #include <string>
 
@@ -22,9 +22,9 @@ public:
     std::string restoreLockPath() const;
     std::string socketPath() const;
 
-    // Publishes what the other processes of the board need to know. Throws std::runtime_error when
-    // the file cannot be written.
-    void publishProperties(const BoardDescription& description) const;
+    // Tells the other processes of the board what they must know of it, and the web server the
+    // names that it may be called by. Throws std::runtime_error when a file cannot be written.
+    void publishProperties(const Host::BoardProperties& properties) const;
 
 private:
     int lock;

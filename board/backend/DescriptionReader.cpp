@@ -2,6 +2,7 @@
 
 #include "board/backend/initialPayload.h"
 #include "platform/host/base/Descriptor.h"
+#include "platform/host/channel/hostNames.h"
 #include "platform/host/storage/ConfigurationFile.h"
 #include "platform/host/storage/files.h"
 
@@ -96,12 +97,23 @@ void readInstalled(DescriptionTable& table, const char* key, BoardDescription::B
 
 BoardDescription DescriptionReader::read(DescriptionTable& table) {
     description.partitions.resize(table.readNumber("max_partitions", MOST_PARTITIONS));
+    readHostNames(table);
     description.syslogSocket = table.readText("syslog_socket", LONGEST_SOCKET_PATH, "");
     readBoards(table);
     table.readTables("partition", [this](DescriptionTable& inner) { readPartition(inner); });
     table.readTables("user", [this](DescriptionTable& inner) { readUser(inner); });
     table.refuseUnknownKeys();
     return std::move(description);
+}
+
+void DescriptionReader::readHostNames(DescriptionTable& table) {
+    for (const std::string& text : table.readTexts("host_names", Host::LONGEST_HOST_NAME)) {
+        const std::string name = Host::normaliseHostName(text);
+        if (name.empty()) {
+            table.fail("host_names", "\"" + text + "\" is no name of a host, without a port");
+        }
+        description.hostNames.push_back(name);
+    }
 }
 
 void DescriptionReader::readBoards(DescriptionTable& table) {

@@ -18,6 +18,7 @@ private:
     void readBoards(DescriptionTable& table);
     void readSystemBoard(DescriptionTable& table);
     void readPartition(DescriptionTable& table);
+    void readHostNames(DescriptionTable& table);
     void readPayload(DescriptionTable& table, unsigned int number);
     void readUser(DescriptionTable& table);
 

@@ -51,17 +51,22 @@ bool DescriptionTable::readFlag(const char* key, bool absent) {
 
 std::vector<unsigned int> DescriptionTable::readNumbers(const char* key, unsigned int largest) {
     std::vector<unsigned int> numbers;
-    const toml::node* node = find(key);
-    if (node == nullptr) {
-        return numbers;
-    }
-    if (!node->is_array()) {
-        failAt(*node, quoted(key) + " must be a list of numbers");
-    }
-    for (const toml::node& element : *node->as_array()) {
-        numbers.push_back(numberOf(element, key, largest));
+    if (const toml::array* list = findList(key, "numbers")) {
+        for (const toml::node& element : *list) {
+            numbers.push_back(numberOf(element, key, largest));
+        }
     }
     return numbers;
+}
+
+std::vector<std::string> DescriptionTable::readTexts(const char* key, std::size_t longest) {
+    std::vector<std::string> texts;
+    if (const toml::array* list = findList(key, "texts")) {
+        for (const toml::node& element : *list) {
+            texts.push_back(textOf(element, key, longest));
+        }
+    }
+    return texts;
 }
 
 void DescriptionTable::readTables(const char* key,
@@ -121,6 +126,14 @@ const toml::node& DescriptionTable::need(const char* key) {
         failAt(table, quoted(key) + " is missing");
     }
     return *node;
+}
+
+const toml::array* DescriptionTable::findList(const char* key, const char* ofWhat) {
+    const toml::node* node = find(key);
+    if (node != nullptr && !node->is_array()) {
+        failAt(*node, quoted(key) + " must be a list of " + ofWhat);
+    }
+    return node == nullptr ? nullptr : node->as_array();
 }
 
 unsigned int DescriptionTable::numberOf(const toml::node& node, const char* key,

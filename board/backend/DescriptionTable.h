@@ -26,6 +26,7 @@ public:
 
     // Empty when the key is absent.
     std::vector<unsigned int> readNumbers(const char* key, unsigned int largest);
+    std::vector<std::string> readTexts(const char* key, std::size_t longest);
 
     // Calls `read` for each table of the array `key`; not at all when it is absent.
     void readTables(const char* key, const std::function<void(DescriptionTable&)>& read);
@@ -44,6 +45,7 @@ private:
     const toml::node* find(const char* key);
     const toml::node& need(const char* key);
     unsigned int numberOf(const toml::node& node, const char* key, unsigned int largest) const;
+    const toml::array* findList(const char* key, const char* ofWhat);
     std::string textOf(const toml::node& node, const char* key, std::size_t longest) const;
 
     std::string file;

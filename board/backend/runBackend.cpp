@@ -14,6 +14,8 @@
 #include "platform/host/audit/AuditLog.h"
 #include "platform/host/base/sha256.h"
 #include "platform/host/base/standardDescriptors.h"
+#include "platform/host/channel/BoardProperties.h"
+#include "platform/host/channel/hostNames.h"
 
 #include <VeskLib/PException.h>
 
@@ -75,12 +77,27 @@ void recordStart(const ConfigurationStore& store, const BoardDescription& descri
 // Logins that wait leave enough connections for everybody else.
 static_assert(ConnectionLimits().connections >= 64 + LoginQueue::MOST_WAITING);
 
+Host::BoardProperties propertiesOf(const BoardDescription& description,
+                                   const BackendOptions& options) {
+    Host::BoardProperties properties;
+    properties.maxPartitions = static_cast<unsigned int>(description.partitions.size());
+    properties.syslogSocket = description.syslogSocket;
+    for (const User& user : description.users) {
+        properties.users[user.name] = user.rights;
+    }
+    properties.hosts = Host::loopbackNames();
+    for (const std::vector<std::string>* names : {&description.hostNames, &options.hosts}) {
+        properties.hosts.insert(properties.hosts.end(), names->begin(), names->end());
+    }
+    return properties;
+}
+
 void serve(const BackendOptions& options) {
     const StopSignal stop;
     const BoardDescription description = loadBoardDescription(options.boardFile);
     const BoardRoot root(options.root);
     ConfigurationStore store(root.statePath(), description);
-    root.publishProperties(description);
+    root.publishProperties(propertiesOf(description, options));
     recordStart(store, description);
     FaultSwitches switches(options.allowFaults);
     BoardService service(description, store, switches, root.restoreLockPath());

@@ -24,13 +24,16 @@ bool isListed(std::string_view methods, const std::string& method) {
 
 void respond(const WebProgram& program, Host::Response& response) {
     Host::RequestVerdict verdict = Host::checkRequest();
-    if (!isListed(program.allowedMethods, Host::readEnvironment("REQUEST_METHOD"))) {
+    if (verdict == Host::RequestVerdict::ACCEPTED &&
+        !isListed(program.allowedMethods, Host::readEnvironment("REQUEST_METHOD"))) {
         verdict = Host::RequestVerdict::METHOD_NOT_ALLOWED;
     }
     Host::recordVerdict(verdict);
     if (verdict == Host::RequestVerdict::METHOD_NOT_ALLOWED) {
         Host::printErrorPage(program.otherMethods(), response);
         response.addHeader("Allow", program.allowedMethods);
+    } else if (verdict == Host::RequestVerdict::MISDIRECTED) {
+        Host::printErrorPage(Host::makeMisdirectedPage(), response);
     } else if (verdict == Host::RequestVerdict::CROSS_SITE) {
         Host::printErrorPage(Host::makeCrossSitePage(), response);
     } else {

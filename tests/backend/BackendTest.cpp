@@ -91,10 +91,38 @@ TEST_F(BackendTest, beginsServesAndEnds) {
     ASSERT_TRUE(backend.waitUntilReady());
     ReplyFrame reply;
     EXPECT_EQ(ask({RequestKind::GET, VeskUi::GET_PARTITION_INFO, SESSION, {}}, reply), 0);
-    EXPECT_EQ(readText(boardFile(BOARD_PROPERTIES)), "max_partitions=8\nuser=0 ,105,106, admin\nuser=0 - viewer\n");
+    EXPECT_EQ(readText(boardFile(BOARD_PROPERTIES)),
+              "max_partitions=8\nhost=127.0.0.1\nhost=[::1]\nhost=localhost\n"
+              "user=0 ,105,106, admin\nuser=0 - viewer\n");
     EXPECT_EQ(backend.stop(SIGTERM), 0);
     EXPECT_EQ(backend.errors(), "");
     EXPECT_FALSE(exists(boardFile(BACKEND_SOCKET)));
+}
+
+TEST_F(BackendTest, tellsTheWebSideItsNames) {
+    writeText(at("board.toml"), "max_partitions = 8\nhost_names = [\"Board.Example\"]\n");
+    BackendProcess backend({"--root", root(), "--board", at("board.toml"), "--host", "fe80::1",
+                            "--host", "Other-name"});
+    ASSERT_TRUE(backend.waitUntilReady());
+    EXPECT_EQ(readText(boardFile(BOARD_PROPERTIES)),
+              "max_partitions=8\nhost=127.0.0.1\nhost=[::1]\nhost=localhost\n"
+              "host=board.example\nhost=[fe80::1]\nhost=other-name\n");
+    EXPECT_EQ(readText(boardFile(WEB_SERVER_HOSTS)),
+              "var.hosts = \"^$|^(127\\.0\\.0\\.1|\\[::1\\]|localhost|board\\.example|"
+              "\\[fe80::1\\]|other-name)(:[0-9]+)?$\"\n");
+    for (const char* file : {BOARD_PROPERTIES, WEB_SERVER_HOSTS}) {
+        struct stat status = {};
+        ASSERT_EQ(::stat(boardFile(file).c_str(), &status), 0);
+        EXPECT_EQ(status.st_mode & 0777U, 0600U) << file;
+    }
+}
+
+TEST_F(BackendTest, anOptionThatIsNoNameIsRefused) {
+    for (const char* name : {"", "a b", "a:80", "a.", "a\"", "a|b", "http://a", "a/b"}) {
+        BackendProcess backend({"--root", root(), "--board", DEMO_BOARD, "--host", name});
+        EXPECT_FALSE(backend.waitUntilReady());
+        EXPECT_EQ(backend.waitForEnd(), 2) << name;
+    }
 }
 
 TEST_F(BackendTest, interruptEndsItToo) {

@@ -327,4 +327,27 @@ TEST(DemoBoard, holdsEveryCaseThatPagesMustCopeWith) {
     EXPECT_EQ(demo.users[1].rights.functions, "");
 }
 
+TEST_F(BoardDescriptionTest, hostNamesHaveOneShape) {
+    const BoardDescription description = load(R"(
+        max_partitions = 1
+        host_names = ["Board.EXAMPLE", "10.0.0.5", "fe80:0:0::1", "[FE80::2]", "a_b-c"])");
+    EXPECT_EQ(description.hostNames, (std::vector<std::string>{"board.example", "10.0.0.5",
+                                                               "[fe80::1]", "[fe80::2]", "a_b-c"}));
+    EXPECT_TRUE(load("max_partitions = 1").hostNames.empty());
+}
+
+TEST_F(BoardDescriptionTest, whatIsNoHostNameIsRefused) {
+    const std::string longest = "\"" + std::string(254, 'a') + "\"";
+    for (const std::string& names :
+         {std::string("\"\""), std::string("\"a b\""), std::string("\"a:80\""),
+          std::string("\"a.\""), std::string("\".a\""), std::string("\"a..b\""),
+          std::string("\"http://a\""), std::string("\"[a]\""), std::string("\"*\""),
+          std::string("\"a\\\"b\""), std::string("\"a|b\""), std::string("1"), longest}) {
+        const std::string answer =
+            complaint("max_partitions = 1\nhost_names = [\"good\", " + names + "]");
+        EXPECT_TRUE(answer.starts_with("2:")) << answer;
+    }
+    EXPECT_TRUE(complaint("max_partitions = 1\nhost_names = \"a\"").starts_with("2:"));
+}
+
 }  // namespace VeskLib::Test

@@ -76,17 +76,20 @@ TEST_F(CommonUtilTest, numberDoesNotChangeWithinAProcess) {
 TEST(BoardProperties, areReadBack) {
     Host::BoardProperties published;
     published.maxPartitions = 8;
+    published.hosts = {"localhost", "[::1]"};
     published.users["admin"] = {.everyFunction = true, .functions = ""};
     published.users["the night shift"] = {.everyFunction = false, .functions = ",105,106,"};
     published.users["two\nlines"] = {};
     published.syslogSocket = "/dev/log";
     const Bytes bytes = encode(published);
     EXPECT_EQ(std::string(bytes.begin(), bytes.end()),
-              "max_partitions=8\nuser=1 - admin\nuser=0 ,105,106, the night shift\n"
+              "max_partitions=8\nhost=localhost\nhost=[::1]\nuser=1 - admin\n"
+              "user=0 ,105,106, the night shift\n"
               "syslog_socket=/dev/log\n");
     Host::BoardProperties properties;
     ASSERT_TRUE(decode(bytes, properties));
     EXPECT_EQ(properties.maxPartitions, 8U);
+    EXPECT_EQ(properties.hosts, published.hosts);
     ASSERT_EQ(properties.users.size(), 2U);
     EXPECT_TRUE(properties.users["admin"].everyFunction);
     EXPECT_EQ(properties.users["admin"].functions, "");

@@ -139,12 +139,12 @@ describe("security", () => {
 
     for (const [what, request] of [
         ["no HTTP", "nonsense\r\n\r\n"],
-        ["a header without a colon", "GET / HTTP/1.1\r\nHost: x\r\nnonsense\r\n\r\n"],
-        ["two lengths", "POST / HTTP/1.1\r\nHost: x\r\nContent-Length: 1\r\nContent-Length: 2\r\n\r\n"],
-        ["a path above the root", "GET /../../etc/passwd HTTP/1.1\r\nHost: x\r\n\r\n"],
-        ["an encoded path", "GET /%2e%2e/%2e%2e/etc/passwd HTTP/1.1\r\nHost: x\r\n\r\n"],
-        ["a NUL in the path", "GET /default.css%00.html HTTP/1.1\r\nHost: x\r\n\r\n"],
-        ["a path behind a program", "GET /login.cgi/../default.css HTTP/1.1\r\nHost: x\r\n\r\n"],
+        ["a header without a colon", "GET / HTTP/1.1\r\nHost: localhost\r\nnonsense\r\n\r\n"],
+        ["two lengths", "POST / HTTP/1.1\r\nHost: localhost\r\nContent-Length: 1\r\nContent-Length: 2\r\n\r\n"],
+        ["a path above the root", "GET /../../etc/passwd HTTP/1.1\r\nHost: localhost\r\n\r\n"],
+        ["an encoded path", "GET /%2e%2e/%2e%2e/etc/passwd HTTP/1.1\r\nHost: localhost\r\n\r\n"],
+        ["a NUL in the path", "GET /default.css%00.html HTTP/1.1\r\nHost: localhost\r\n\r\n"],
+        ["a path behind a program", "GET /login.cgi/../default.css HTTP/1.1\r\nHost: localhost\r\n\r\n"],
     ]) {
         test(`${what} is refused by the web server`, async () => {
             const socket = net.connect(new URL(board.origin).port, "127.0.0.1");

@@ -90,7 +90,7 @@ class BoardDescription(DocumentTest):
             with self.subTest(table=heading, key=name):
                 if default == "none":
                     self.assertRegex(
-                        reader, r'(readNumbers|readInstalled|readTable)\([^)]*"%s"' % name)
+                        reader, r'(readNumbers|readTexts|readInstalled|readTable)\([^)]*"%s"' % name)
                     continue
                 call = re.search(r'read\w+\("%s"(?:, [\w:]+)*, ([^,)]+)\)' % name, reader)
                 self.assertEqual(call[1], codes_in(default)[0])

@@ -352,7 +352,11 @@ class WireFormats(BoardDocumentTest):
                                              "BOARD_PROPERTIES"))
         line, last = self.stated(r"`(max_partitions=\d+)` says that partition numbers run from 0 "
                                  r"to (\d+)")
-        self.assertEqual(self.board.path(path).read_text(), line + "\n")
+        host = self.stated(r"Each `(host=)...` is a name that the board answers to")
+        names = "".join(host + name + "\n" for name in ("127.0.0.1", "[::1]", "localhost"))
+        self.assertEqual(self.board.path(path).read_text(), line + "\n" + names)
+        pattern = self.stated(r"to the web server as a pattern, in `([^`]+)`")
+        self.assertTrue(self.board.path(pattern).exists())
         table = self.board.ask(GET, 0x0201002F)[1]
         self.assertEqual(struct.unpack(">H", table[:2])[0], last + 1)
 

@@ -7,7 +7,7 @@ namespace VeskLib::Test {
 namespace {
 
 Environment makeRequest(const std::string& method, const std::string& cookieValue) {
-    Environment environment = {{"REQUEST_METHOD", method}, {"HTTP_HOST", "board"}};
+    Environment environment = {{"REQUEST_METHOD", method}, {"HTTP_HOST", "localhost"}};
     if (!cookieValue.empty()) {
         environment["HTTP_COOKIE"] = "session=" + cookieValue;
     }

@@ -28,7 +28,7 @@ ChildSetup postParts(const std::string& parts) {
 
 ChildSetup postBody(const std::string& body) {
     return {.environment = {{"REQUEST_METHOD", "POST"},
-                            {"HTTP_HOST", "board"},
+                            {"HTTP_HOST", "localhost"},
                             {"CONTENT_TYPE", MULTIPART_TYPE},
                             {"CONTENT_LENGTH", std::to_string(body.size())}},
             .input = body};

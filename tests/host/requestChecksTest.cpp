@@ -1,8 +1,19 @@
 #include "platform/host/web/requestChecks.h"
 
+#include "platform/host/base/cookies.h"
+
+#include "platform/host/base/platformException.h"
+#include "tests/support/BoardTest.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/ScopedEnvironment.h"
+#include "tests/support/files.h"
+
+#include <VeskLib/PException.h>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <string>
 
 namespace VeskLib::Test {
 
@@ -14,7 +25,7 @@ namespace {
 using Value = std::optional<std::string>;
 
 RequestVerdict check(const Value& method, const Value& site = {}, const Value& origin = {},
-                     const Value& host = "board:8080") {
+                     const Value& host = "localhost:8080") {
     const ScopedEnvironment methodVariable("REQUEST_METHOD", method);
     const ScopedEnvironment siteVariable("HTTP_SEC_FETCH_SITE", site);
     const ScopedEnvironment originVariable("HTTP_ORIGIN", origin);
@@ -22,7 +33,23 @@ RequestVerdict check(const Value& method, const Value& site = {}, const Value& o
     return checkRequest();
 }
 
-bool isAcceptedPost(const Value& site, const Value& origin, const Value& host = "board:8080") {
+// Another site's link to a page with this query.
+RequestVerdict follow(const char* method, const char* query, const Value& site = "cross-site") {
+    const ScopedEnvironment queryVariable("QUERY_STRING", query);
+    return check(method, site);
+}
+
+// A request to a board whose properties are `properties`, in a process of its own, which reads them
+// once.
+RequestVerdict ask(const std::string& properties, const Value& host, const Value& more = {}) {
+    writeText(boardFile("/var/run/board_properties"), properties);
+    const ChildResult result =
+        runInChild([&] { return static_cast<int>(check("GET", {}, more, host)); });
+    EXPECT_EQ(result.signal, 0) << result.errors;
+    return static_cast<RequestVerdict>(result.exitStatus);
+}
+
+bool isAcceptedPost(const Value& site, const Value& origin, const Value& host = "localhost:8080") {
     const RequestVerdict verdict = check("POST", site, origin, host);
     EXPECT_NE(verdict, RequestVerdict::METHOD_NOT_ALLOWED);
     return verdict == RequestVerdict::ACCEPTED;
@@ -48,6 +75,25 @@ TEST(RequestChecksTest, anUnknownMethodIsRefusedFirst) {
 TEST(RequestChecksTest, aReadingRequestMayComeFromAnywhere) {
     for (const char* method : {"GET", "HEAD"}) {
         EXPECT_EQ(check(method, "cross-site", "http://evil"), RequestVerdict::ACCEPTED);
+        for (const char* query : {"", "functionID=105", "functionID="}) {
+            EXPECT_EQ(follow(method, query), RequestVerdict::ACCEPTED) << query;
+        }
+    }
+}
+
+TEST(RequestChecksTest, anotherSitesLinkNamesAFunctionAndNothingElse) {
+    for (const char* method : {"GET", "HEAD"}) {
+        for (const char* query :
+             {"functionID=106&hidden_status=3", "hidden_status=3", "functionID=105x",
+              "functionid=1", "functionID=105&functionID=106", "x", "functionID=5&filename=a.dat",
+              "functionID=1%30", "functionID=1;x=2", "&functionID=105", "functionID"}) {
+            for (const char* site : {"cross-site", "same-site", "anything"}) {
+                EXPECT_EQ(follow(method, query, site), RequestVerdict::CROSS_SITE) << query;
+            }
+            for (const Value& site : {Value("same-origin"), Value("none"), Value()}) {
+                EXPECT_EQ(follow(method, query, site), RequestVerdict::ACCEPTED) << query;
+            }
+        }
     }
 }
 
@@ -61,21 +107,41 @@ TEST(RequestChecksTest, aPostMustNotComeFromAnotherSite) {
 }
 
 TEST(RequestChecksTest, thePostsOriginMustBeTheHost) {
-    EXPECT_TRUE(isAcceptedPost({}, "http://board:8080"));
-    EXPECT_TRUE(isAcceptedPost({}, "https://board:8080"));
+    EXPECT_TRUE(isAcceptedPost({}, "http://localhost:8080"));
+    EXPECT_FALSE(isAcceptedPost({}, "https://localhost:8080"));
+    EXPECT_TRUE(isAcceptedPost({}, "http://localhost", "localhost"));
+    EXPECT_TRUE(isAcceptedPost({}, "http://localhost", "localhost:80"));
+    EXPECT_FALSE(isAcceptedPost({}, "http://localhost", "localhost:443"));
+    EXPECT_TRUE(isAcceptedPost({}, "http://localhost:8080", "LocalHost:8080"));
     EXPECT_TRUE(isAcceptedPost({}, "http://[::1]:80", "[::1]:80"));
     for (const char* origin :
-         {"http://evil", "http://board", "http://board:8081", "http://evil.board:8080",
-          "http://board:8080.evil", "http://board:8080/", "http://user@board:8080", "null",
-          "board:8080", "http:/board:8080", "://", "http://", " http://board:8080 "}) {
+         {"http://evil", "http://localhost", "http://localhost:8081", "http://evil.localhost:8080",
+          "http://localhost:8080.evil", "http://localhost:8080/", "http://user@localhost:8080",
+          "null", "localhost:8080", "http:/localhost:8080", "http://127.0.0.1:8080", "://",
+          "http://", " http://localhost:8080 "}) {
         EXPECT_FALSE(isAcceptedPost({}, origin)) << origin;
     }
 }
 
+TEST(RequestChecksTest, overTLSTheOriginsSchemeIsHTTPS) {
+    for (const char* on : {"", "off", "1", "On", "http"}) {
+        const ScopedEnvironment variable("HTTPS", on);
+        EXPECT_FALSE(Host::isSecureRequest()) << on;
+    }
+    const ScopedEnvironment unset("HTTPS", std::nullopt);
+    EXPECT_FALSE(Host::isSecureRequest());
+    const ScopedEnvironment variable("HTTPS", "on");
+    EXPECT_TRUE(Host::isSecureRequest());
+    EXPECT_TRUE(isAcceptedPost({}, "https://localhost:8080"));
+    EXPECT_FALSE(isAcceptedPost({}, "http://localhost:8080"));
+    EXPECT_TRUE(isAcceptedPost({}, "https://localhost", "localhost:443"));
+    EXPECT_FALSE(isAcceptedPost({}, "https://localhost", "localhost:80"));
+}
+
 TEST(RequestChecksTest, bothHeadersMustAgree) {
-    EXPECT_TRUE(isAcceptedPost("same-origin", "http://board:8080"));
+    EXPECT_TRUE(isAcceptedPost("same-origin", "http://localhost:8080"));
     EXPECT_FALSE(isAcceptedPost("same-origin", "http://evil"));
-    EXPECT_FALSE(isAcceptedPost("cross-site", "http://board:8080"));
+    EXPECT_FALSE(isAcceptedPost("cross-site", "http://localhost:8080"));
 }
 
 TEST(RequestChecksTest, aClientThatIsNoBrowserSendsNeither) {
@@ -85,7 +151,7 @@ TEST(RequestChecksTest, aClientThatIsNoBrowserSendsNeither) {
 }
 
 TEST(RequestChecksTest, anOriginWithoutAHostToCompareIsRefused) {
-    EXPECT_FALSE(isAcceptedPost({}, "http://board:8080", std::nullopt));
+    EXPECT_FALSE(isAcceptedPost({}, "http://localhost:8080", std::nullopt));
     EXPECT_FALSE(isAcceptedPost({}, "http://", std::nullopt));
 }
 
@@ -96,6 +162,68 @@ TEST(RequestChecksTest, onlyAPostIsAPost) {
     EXPECT_FALSE(Host::isPost());
     const ScopedEnvironment unset("REQUEST_METHOD", std::nullopt);
     EXPECT_FALSE(Host::isPost());
+}
+
+class HostTest : public BoardTest {};
+
+TEST_F(HostTest, everyBoardHasTheNamesOfItsOwnMachine) {
+    for (const char* host : {"127.0.0.1", "localhost", "[::1]", "127.0.0.1:8080", "LOCALHOST:1",
+                             "[::1]:65535", "[0:0::1]:80"}) {
+        EXPECT_EQ(ask("", host), RequestVerdict::ACCEPTED) << host;
+    }
+}
+
+TEST_F(HostTest, aBoardHasTheNamesThatItWasGiven) {
+    const std::string properties =
+        "max_partitions=8\nhost=board.example\nhost=10.0.0.5\nhost=[fe80::1]\n";
+    for (const char* host :
+         {"board.example", "Board.Example:8080", "10.0.0.5:80", "[fe80::1]:443", "[FE80:0::1]"}) {
+        EXPECT_EQ(ask(properties, host), RequestVerdict::ACCEPTED) << host;
+        EXPECT_EQ(ask("max_partitions=8\n", host), RequestVerdict::MISDIRECTED) << host;
+    }
+    for (const char* host : {"evil",
+                             "evil.board.example",
+                             "board.example.evil",
+                             "board.example.",
+                             "board.exampl",
+                             "board.example:",
+                             "board.example:x",
+                             "board.example:99999",
+                             "board.example:-1",
+                             "board.example:80:80",
+                             "board.example/",
+                             " board.example",
+                             "boardxexample",
+                             "10.0.0.50",
+                             "[fe80::1",
+                             "fe80::1",
+                             "[]",
+                             "[::1]x",
+                             ":80",
+                             "board.example\n",
+                             "a..b"}) {
+        EXPECT_EQ(ask(properties, host), RequestVerdict::MISDIRECTED) << host;
+    }
+    EXPECT_EQ(ask(properties, std::string(300, 'a')), RequestVerdict::MISDIRECTED);
+}
+
+TEST_F(HostTest, onlyAClientThatIsNoBrowserMayLeaveTheNameOut) {
+    EXPECT_EQ(ask("", std::nullopt), RequestVerdict::ACCEPTED);
+    EXPECT_EQ(ask("", ""), RequestVerdict::ACCEPTED);
+    EXPECT_EQ(ask("", std::nullopt, "http://evil"), RequestVerdict::MISDIRECTED);
+    EXPECT_EQ(check("GET", "cross-site", {}, std::nullopt), RequestVerdict::MISDIRECTED);
+}
+
+TEST_F(HostTest, namesThatCannotBeReadAreAnErrorAndNotNone) {
+    ASSERT_EQ(::mkdir(boardFile("/var/run/board_properties").c_str(), 0700), 0);
+    const ChildResult result = runInChild([] {
+        try {
+            return static_cast<int>(check("GET", {}, {}, "board.example"));
+        } catch (const PException& exception) {
+            return exception.getExceptionDetail() == Host::FILE_NOT_READABLE ? 100 : 101;
+        }
+    });
+    EXPECT_EQ(result.exitStatus, 100) << result.errors;
 }
 
 }  // namespace VeskLib::Test

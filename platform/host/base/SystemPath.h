@@ -15,6 +15,7 @@ inline constexpr const char* AUDIT_LOCK = "/var/log/audit.lock";
 inline constexpr const char* AUDIT_COUNTS = "/var/log/audit.counts";
 inline constexpr const char* BACKEND_SOCKET = "/var/run/backend.sock";
 inline constexpr const char* BOARD_PROPERTIES = "/var/run/board_properties";
+inline constexpr const char* WEB_SERVER_HOSTS = "/var/run/hosts.conf";
 inline constexpr const char* BACKUP_FILE = "/var/tmp/efi_backup";         // + session identifier
 inline constexpr const char* STAGING_FILE = "/var/tmp/restored_eficonf";  // + session identifier
 inline constexpr const char* UPLOAD_FILE = "/var/tmp/upload_";            // + random digits

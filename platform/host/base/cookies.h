@@ -4,7 +4,7 @@
 
 namespace VeskLib::Host {
 
-// Returns true if the request came over HTTPS, as the web server says.
+// Returns true if the browser speaks TLS, to the web server or to a proxy that the server believes.
 bool isSecureRequest();
 
 // The name by which a cookie of the board travels. Over HTTPS it begins with "__Host-": browsers

@@ -17,8 +17,9 @@ struct UserRights {
 // "name=value" line per property.
 struct BoardProperties {
     unsigned int maxPartitions = 0;
-    std::map<std::string, UserRights> users;  // by name
-    std::string syslogSocket;                 // empty: the audit log is not sent there
+    std::vector<std::string> hosts = {};           // the names that the board answers to
+    std::map<std::string, UserRights> users = {};  // by name
+    std::string syslogSocket = {};                 // empty: the audit log is not sent there
 };
 
 // A text with a line feed cannot be published and is left out.

@@ -37,6 +37,9 @@ int AbstractMain::exec() {
                 printErrorPage(Host::makeMethodPage(), response);
                 response.addHeader("Allow", "GET, HEAD, POST");
                 break;
+            case Host::RequestVerdict::MISDIRECTED:
+                printErrorPage(Host::makeMisdirectedPage(), response);
+                break;
             case Host::RequestVerdict::CROSS_SITE:
                 printErrorPage(Host::makeCrossSitePage(), response);
                 break;

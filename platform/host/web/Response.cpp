@@ -53,6 +53,8 @@ const char* reasonPhrase(int status) {
             return "Request Timeout";
         case 413:
             return "Content Too Large";
+        case 421:
+            return "Misdirected Request";
         case 429:
             return "Too Many Requests";
         case 503:

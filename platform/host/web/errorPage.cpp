@@ -45,13 +45,13 @@ private:
 void printFromSkeleton(const ErrorPage& page) {
     TextString title(page.title);
     MessageText message(page.message);
-    TextString login("");
+    TextString link("");
     std::map<std::string, Gui::HTMLComponent*> components = {{"title", &title},
                                                              {"message", &message}};
     if (page.offerLogin) {
-        components["login"] = &login;
-    } else {
-        components["menu"] = &login;
+        components["login"] = &link;
+    } else if (page.offerMenu) {
+        components["menu"] = &link;
     }
     Gui::HTMLCodeGenerator(SKELETON_FILE, &components).printHTML();
 }
@@ -129,6 +129,11 @@ void printHandledException(Response& response) noexcept {
 
 ErrorPage makeMethodPage() {
     return {.status = 405, .title = caption(9010), .message = caption(9024)};
+}
+
+// A link would lead to the same wrong name.
+ErrorPage makeMisdirectedPage() {
+    return {.status = 421, .title = caption(9010), .message = caption(9029), .offerMenu = false};
 }
 
 ErrorPage makeCrossSitePage() {

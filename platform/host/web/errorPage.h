@@ -13,6 +13,7 @@ struct ErrorPage {
     std::string title;
     std::string message;      // plain text, several joined by "<br>"
     bool offerLogin = false;  // whether logging in is what to do next
+    bool offerMenu = true;    // whether the menu is, if not
 };
 
 // Makes `page` the response, in place of everything printed so far. If the page's skeleton cannot
@@ -30,6 +31,7 @@ void printHandledException(Response& response) noexcept;
 
 // The error pages of the checks that every program makes; requestLanguage() is their language.
 ErrorPage makeMethodPage();
+ErrorPage makeMisdirectedPage();
 ErrorPage makeCrossSitePage();
 ErrorPage makeLoginPage();
 ErrorPage makeInternalErrorPage();

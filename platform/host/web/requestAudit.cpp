@@ -24,6 +24,9 @@ void recordVerdict(RequestVerdict verdict) {
         case RequestVerdict::METHOD_NOT_ALLOWED:
             recordRefusalOf("method");
             break;
+        case RequestVerdict::MISDIRECTED:
+            recordRefusalOf("host");
+            break;
         case RequestVerdict::CROSS_SITE:
             recordRefusalOf("cross_site");
             break;

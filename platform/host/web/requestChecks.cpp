@@ -1,27 +1,61 @@
 #include "platform/host/web/requestChecks.h"
 
 #include "platform/host/base/Environment.h"
+#include "platform/host/base/cookies.h"
+#include "platform/host/channel/BoardProperties.h"
+#include "platform/host/web/HostName.h"
 
+#include <algorithm>
 #include <string>
+#include <string_view>
 
 namespace VeskLib::Host {
 
 namespace {
 
-// Both headers are written by the browser and cannot be set by a page. A client that sends
-// neither is no browser and carries no cookie that it was not given by hand.
-bool isFromThisSite() {
-    const std::string site = readEnvironment("HTTP_SEC_FETCH_SITE");
-    if (!site.empty() && site != "same-origin" && site != "none") {
-        return false;
+const std::string_view FUNCTION_FIELD = "functionID=";
+
+// A rebound name would let another site's page speak to the board as if it were the board's own. A
+// browser always sends Host, so that a client which leaves it out is none.
+bool isForThisBoard() {
+    const std::string host = readEnvironment("HTTP_HOST");
+    if (host.empty()) {
+        return readEnvironment("HTTP_ORIGIN").empty() &&
+               readEnvironment("HTTP_SEC_FETCH_SITE").empty();
     }
+    HostName name;
+    return parseHostName(host, isSecureRequest(), name) &&
+           (isLoopbackName(name.name) ||
+            std::ranges::find(boardProperties().hosts, name.name) != boardProperties().hosts.end());
+}
+
+// The header is written by the browser and cannot be set by a page. A client that does not send it
+// is an old browser or none.
+bool isFetchedFromThisSite() {
+    const std::string site = readEnvironment("HTTP_SEC_FETCH_SITE");
+    return site.empty() || site == "same-origin" || site == "none";
+}
+
+// The same holds for this one.
+bool hasOwnOrigin() {
     const std::string origin = readEnvironment("HTTP_ORIGIN");
     if (origin.empty()) {
         return true;
     }
-    const std::string host = readEnvironment("HTTP_HOST");
-    const std::size_t hostStart = origin.find("://");
-    return !host.empty() && hostStart != std::string::npos && origin.substr(hostStart + 3) == host;
+    const std::string_view scheme = isSecureRequest() ? "https://" : "http://";
+    HostName from;
+    HostName to;
+    return origin.starts_with(scheme) &&
+           parseHostName(std::string_view(origin).substr(scheme.size()), isSecureRequest(), from) &&
+           parseHostName(readEnvironment("HTTP_HOST"), isSecureRequest(), to) && from == to;
+}
+
+// Nothing, or the number of a function: what a bookmark or another site may lead to.
+bool isPlainLink() {
+    const std::string query = readEnvironment("QUERY_STRING");
+    return query.empty() ||
+           (query.starts_with(FUNCTION_FIELD) &&
+            query.find_first_not_of("0123456789", FUNCTION_FIELD.size()) == std::string::npos);
 }
 
 }  // namespace
@@ -31,7 +65,12 @@ RequestVerdict checkRequest() {
     if (method != "GET" && method != "HEAD" && method != "POST") {
         return RequestVerdict::METHOD_NOT_ALLOWED;
     }
-    return isPost() && !isFromThisSite() ? RequestVerdict::CROSS_SITE : RequestVerdict::ACCEPTED;
+    if (!isForThisBoard()) {
+        return RequestVerdict::MISDIRECTED;
+    }
+    const bool mayCome = isPost() ? isFetchedFromThisSite() && hasOwnOrigin()
+                                  : isFetchedFromThisSite() || isPlainLink();
+    return mayCome ? RequestVerdict::ACCEPTED : RequestVerdict::CROSS_SITE;
 }
 
 bool isPost() {

@@ -26,14 +26,15 @@ const project = fileURLToPath(new URL("../../..", import.meta.url));
 
 export class Board {
     // Starts `./serve` without building; BOARD_PRESET names the build that is served. `description`
-    // is the text of a board description; without one it is the demo board's.
-    static async start(description) {
+    // is the text of a board description; without one it is the demo board's. `options` are further
+    // ones of `./serve`.
+    static async start(description, options = []) {
         const board = new Board();
         board.root = await mkdtemp(path.join(tmpdir(), "board-"));
-        board.options = [];
+        board.options = [...options];
         if (description !== undefined) {
             await writeFile(board.path("test.toml"), description, { mode: 0o600 });
-            board.options = ["--board", board.path("test.toml")];
+            board.options.push("--board", board.path("test.toml"));
         }
         try {
             await board.serve();
@@ -56,7 +57,7 @@ export class Board {
         const lines = readline.createInterface({ input: this.process.stdout });
         for await (const line of lines) {
             output += `${line}\n`;
-            const match = line.match(/^Serving (http:\/\/127\.0\.0\.1:\d+)\/$/);
+            const match = line.match(/^Serving (https?:\/\/127\.0\.0\.1:\d+)\/$/);
             if (match) {
                 this.origin = match[1];
                 this.process.stdout.resume();

@@ -33,7 +33,8 @@ const PATIENCE = {
 };
 
 export class Browser {
-    static async start(language = "en", kind = "chromium") {
+    // `words` are further ones of Chromium's command line.
+    static async start(language = "en", kind = "chromium", words = []) {
         const browser = new Browser();
         browser.folder = await mkdtemp(path.join(tmpdir(), "browser-"));
         browser.downloads = await mkdtemp(path.join(browser.folder, "downloads-"));
@@ -44,7 +45,7 @@ export class Browser {
                 ? {
                       ...CHROMIUM,
                       ...PATIENCE,
-                      args: [...CHROMIUM.args, `--accept-lang=${language}`],
+                      args: [...CHROMIUM.args, `--accept-lang=${language}`, ...words],
                       userDataDir: profile,
                       downloadBehavior: { policy: "allow", downloadPath: browser.downloads },
                   }

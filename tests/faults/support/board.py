@@ -31,6 +31,9 @@ class Installation:
     def __init__(self, project, preset):
         self.build = os.path.join(project, "build", preset)
         self.folder = tempfile.mkdtemp(prefix="faults-")
+        self.description = os.path.join(self.folder, "board.toml")
+        shutil.copyfile(os.path.join(project, "board/demo/demo.toml"), self.description)
+        os.chmod(self.description, 0o600)
         self.dynamic = None
         os.environ["LC_ALL"] = "C.UTF-8"
         subprocess.run(["cmake", "--install", self.build, "--prefix", self.folder], check=True,
@@ -57,7 +60,8 @@ class Board:
     """One root. Its back-end runs from start() to stop()."""
 
     def __init__(self, installation, folder=None):
-        self.installed = installation.folder if hasattr(installation, "folder") else installation
+        self.installed = installation.folder
+        self.description = installation.description
         self.programs = os.path.join(self.installed, "usr/local/www/htdocs")
         self.root = tempfile.mkdtemp(prefix="faults-root-", dir=folder or fastFolder())
         os.symlink(os.path.join(self.installed, "usr"), self.path("usr"))
@@ -69,16 +73,13 @@ class Board:
     def path(self, *parts):
         return os.path.join(self.root, *parts)
 
-    def description(self):
-        return os.path.join(self.installed, "usr/local/etc/board.toml")
-
     def start(self, prefix=(), more=None, limits=None, mustStart=True):
         """Starts the back-end. False, with nothing running, when it ends instead of being ready."""
         environment = {"PATH": "/usr/bin:/bin", **(more or {})}
         self.errorFile = open(self.path("backend.errors"), "wb")
         self.backend = subprocess.Popen(
             [*prefix, os.path.join(self.installed, "usr/local/sbin/efi_backend"), "--root",
-             self.root, "--board", self.description(), "--allow-faults"],
+             self.root, "--board", self.description, "--allow-faults"],
             env=environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
             stderr=self.errorFile, start_new_session=True, preexec_fn=limits)
         watch = threading.Timer(START_SECONDS, self.kill)

