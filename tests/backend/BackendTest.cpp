@@ -100,7 +100,7 @@ TEST_F(BackendTest, beginsServesAndEnds) {
 }
 
 TEST_F(BackendTest, tellsTheWebSideItsNames) {
-    writeText(at("board.toml"), "max_partitions = 8\nhost_names = [\"Board.Example\"]\n");
+    writePrivateText(at("board.toml"), "max_partitions = 8\nhost_names = [\"Board.Example\"]\n");
     BackendProcess backend({"--root", root(), "--board", at("board.toml"), "--host", "fe80::1",
                             "--host", "Other-name"});
     ASSERT_TRUE(backend.waitUntilReady());
