@@ -1,5 +1,6 @@
 """A served board, with a view of everything that an attack may leave behind."""
 
+import hashlib
 import os
 import re
 import stat
@@ -132,7 +133,8 @@ class Board(documents.Board):
         return sorted(set(os.listdir(self.path(TEMPORARY))) - {"restored_eficonf.lock"})
 
     def state(self):
-        return self.path(STATE).read_bytes()
+        """A sum of all partitions' configurations."""
+        return hashlib.sha256(self.path(STATE).read_bytes()).hexdigest()
 
     def text_of_logs(self):
         """Everything that is in any log, also in that of ./serve itself."""
