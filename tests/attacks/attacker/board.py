@@ -67,16 +67,31 @@ class Board(documents.Board):
         """Starts a program by hand. The run has no answer when it was killed at the deadline."""
         request = {"program": program, "method": method, "query": query, "body": body,
                    "type": kind}
-        # Not the one of tests/faults: every board answers for its own port alone.
-        more = {"HTTP_HOST": "127.0.0.1:%d" % self.port, "SERVER_PORT": str(self.port),
-                "SERVER_NAME": "127.0.0.1"}
-        if cookie:
-            more["HTTP_COOKIE"] = cookie
-        more.update(environment)
-        run = _programs.runProgram(self, request, more=more, deadline=deadline)
+        run = _programs.runProgram(self, request, more=self._environment(cookie, environment),
+                                   deadline=deadline)
         match = re.match(rb"Status: (\d+)", run.output)
         run.answered = int(match[1]) if match else None
         return run
+
+    def run_and_kill(self, seconds, program, body, cookie):
+        """Starts a program by hand with a post, and kills it after the time."""
+        request = {"program": program, "method": "POST", "body": body}
+        environment = _programs.environmentFor(str(self.root), request)
+        environment.update(self._environment(cookie, {}))
+        with subprocess.Popen([self.programs / program], env=environment, stdin=subprocess.PIPE,
+                              stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL) as process:
+            process.stdin.write(body)
+            process.stdin.flush()
+            time.sleep(seconds)
+            process.kill()
+
+    def _environment(self, cookie, more):
+        # Not the host of tests/faults: every board answers for its own port alone.
+        environment = {"HTTP_HOST": "127.0.0.1:%d" % self.port, "SERVER_PORT": str(self.port),
+                       "SERVER_NAME": "127.0.0.1"}
+        if cookie:
+            environment["HTTP_COOKIE"] = cookie
+        return {**environment, **more}
 
     def processes(self):
         """The processes of the board, {number: name}."""
