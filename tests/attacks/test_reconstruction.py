@@ -131,5 +131,40 @@ class Reconstruction(AttackTest):
         self.assertNotEqual(audit.reconstruct(short), told)
 
 
+def restore_line(result, before, after, partition="3"):
+    return {"event": "restore", "result": result, "before": {partition: before},
+            "after": {partition: after}}
+
+
+def start_line(value, partition="3"):
+    return {"event": "start", "after": {partition: value}}
+
+
+class Auditor(unittest.TestCase):
+    """The auditor's own reading, on logs that are made up."""
+
+    def test_finished_restore_counts(self):
+        self.assertEqual(audit.reconstruct([start_line("a"), restore_line("begun", "a", "b"),
+                                            restore_line("done", "a", "b")]), {"3": {"b"}})
+
+    def test_failed_restore_changes_nothing(self):
+        self.assertEqual(audit.reconstruct([start_line("a"), restore_line("begun", "a", "b"),
+                                            restore_line("failed", "a", "b")]), {"3": {"a"}})
+
+    def test_restore_without_outcome_is_open_until_the_next_start(self):
+        log = [start_line("a"), restore_line("begun", "a", "b")]
+        self.assertEqual(audit.reconstruct(log), {"3": {"a", "b"}})
+        for value in ("a", "b"):
+            self.assertEqual(audit.reconstruct([*log, start_line(value)]), {"3": {value}})
+
+    def test_lines_that_contradict_each_other_are_noticed(self):
+        for log in ([start_line("a"), start_line("b")],
+                    [start_line("a"), restore_line("begun", "b", "c")],
+                    [start_line("a"), restore_line("begun", "a", "b"), start_line("c")],
+                    [start_line("a"), restore_line("done", "b", "c")]):
+            with self.subTest(log=log), self.assertRaises(audit.Contradiction):
+                audit.reconstruct(log)
+
+
 if __name__ == "__main__":
     unittest.main()

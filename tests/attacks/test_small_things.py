@@ -78,7 +78,7 @@ class OddRequests(AttackTest):
     def test_odd_requests_get_every_guarding_header(self):
         requests = {
             "malformed": (400, b"nonsense\r\n\r\n"),
-            "host of odd letters": (400, b"GET / HTTP/1.1\r\nHost: a b\r\nConnection: close\r\n\r\n"),
+            "odd host": (400, b"GET / HTTP/1.1\r\nHost: a b\r\nConnection: close\r\n\r\n"),
             "no host": (400, b"GET / HTTP/1.1\r\nConnection: close\r\n\r\n"),
             "two lengths": (400, b"POST /login.cgi HTTP/1.1\r\nHost: HOST\r\nContent-Length: 3\r\n"
                                  b"Content-Length: 4\r\nConnection: close\r\n\r\nabc"),
