@@ -9,7 +9,7 @@ import unittest
 from attacker.board import LONG, AttackTest
 from attacker.browser import LOGGED_IN, REJECTED, TOO_SOON, Browser
 
-ATTACK_SECONDS = 130 if LONG else 10
+ATTACK_SECONDS = 130 if LONG else 6
 GUESSES_OF_EACH = 1000 if LONG else 50
 GUESSES_IN_FIRST_MINUTE = 20
 GUESSES_A_MINUTE = 10
