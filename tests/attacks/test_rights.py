@@ -3,7 +3,7 @@
 import os
 import unittest
 
-from attacker.board import SESSIONS, TEMPORARY, AttackTest, configuration_file
+from attacker.board import SESSIONS, AttackTest, configuration_file
 from attacker.browser import PARTS, SCREEN, Browser
 from support.board import upload_body
 
@@ -38,13 +38,6 @@ class Rights(AttackTest):
         run = self.board.run(SCREEN[1:], "POST", cookie=self.viewer.cookie_header,
                              body=b"functionID=105&hidden_status=BACKUP&radio_button=3")
         self.assert_nothing_left(run.answered)
-
-    def test_discard_without_right_removes_nothing(self):
-        staged = self.board.path(TEMPORARY) / ("restored_eficonf" + self.viewer.identifier)
-        staged.write_bytes(configuration_file())
-        self.addCleanup(staged.unlink, missing_ok=True)
-        self.assertEqual(self.viewer.discard().status, FORBIDDEN)
-        self.assertTrue(staged.exists())
 
 
 class Amounts(AttackTest):

@@ -7,7 +7,7 @@ LOG = "/var/log/audit.log"
 TIME = re.compile(r"\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3}Z")
 EVENTS = {"login", "login_failed", "logout", "session_expired", "session_ended", "backup",
           "download", "upload", "restore", "discard", "refusal", "fault_order", "start", "end",
-          "anonymous"}
+          "anonymous", "repeated"}
 REASONS = {"rights", "cross_site", "method", "host"}
 BEGUN, DONE = "begun", "done"
 
