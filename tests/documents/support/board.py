@@ -23,6 +23,11 @@ BOUNDARY = "----documents"
 class Board:
     """Serves the build without building it, on a free port and a root of its own."""
 
+    def __init__(self, *options, **how):
+        """`options` are further ones of ./serve, `how` further arguments of subprocess.Popen."""
+        self.options = options
+        self.how = how
+
     def __enter__(self):
         self.folder = Path(tempfile.mkdtemp(prefix="documents-"))
         # Where the documents have it, seen from the folder that their commands are run in.
@@ -30,23 +35,36 @@ class Board:
         self.root.mkdir(parents=True)
         # A file, which takes all that the back-end logs.
         self.log = (self.folder / "log").open("w+", encoding="utf-8")
-        self.process = subprocess.Popen(
-            [PROJECT / "serve", "--no-build", "--preset", PRESET, "--port", "0",
-             "--root", self.root],
-            stdout=subprocess.PIPE, stderr=self.log, text=True)
-        line = self.process.stdout.readline()
-        match = re.match(r"Serving http://127\.0\.0\.1:(\d+)/$", line)
-        if match is None:
-            self.log.seek(0)
-            errors = self.log.read()
+        try:
+            self.start()
+        except AssertionError:
             self.__exit__()
-            raise AssertionError("The board did not start: %s%s" % (line, errors))
-        self.port = int(match[1])
+            raise
         return self
 
+    def start(self):
+        """Serves the root, for the first time or again."""
+        self.process = subprocess.Popen(
+            [PROJECT / "serve", "--no-build", "--preset", PRESET, "--port", "0",
+             "--root", self.root, *self.options],
+            stdout=subprocess.PIPE, stderr=self.log, text=True, **self.how)
+        line = self.process.stdout.readline()
+        match = re.match(r"Serving (https?)://127\.0\.0\.1:(\d+)/$", line)
+        if match is None:
+            self.end()
+            self.log.seek(0)
+            raise AssertionError("The board did not start: %s%s" % (line, self.log.read()))
+        self.scheme = match[1]
+        self.port = int(match[2])
+
+    def end(self):
+        """Ends what serves the root, unless it has been ended. The root stays."""
+        if not self.process.stdout.closed:
+            self.process.terminate()
+            self.process.communicate()
+
     def __exit__(self, *_):
-        self.process.terminate()
-        self.process.communicate()
+        self.end()
         self.log.close()
         shutil.rmtree(self.folder, ignore_errors=True)
 
