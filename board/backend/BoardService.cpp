@@ -167,9 +167,12 @@ void BoardService::set(const Host::RequestFrame& request) {
                      isBackup ? Host::BACKUP_FUNCTION : Host::RESTORE_FUNCTION, event);
         isBackup ? backup(request, event) : restore(request, event);
     } catch (const Refusal& refusal) {
-        event.result = "refused";
-        event.code = refusal.code;
-        Host::recordRefusal(event);
+        // One that got so far that its result is known has its lines.
+        if (event.result.empty()) {
+            event.result = "refused";
+            event.code = refusal.code;
+            Host::recordRefusal(event);
+        }
         throw;
     }
 }

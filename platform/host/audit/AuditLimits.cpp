@@ -57,7 +57,8 @@ std::string AuditLimits::save() const {
 AuditLimits AuditLimits::load(const std::string& text) {
     AuditLimits limits;
     try {
-        for (const auto& [user, saved] : nlohmann::json::parse(text).items()) {
+        const nlohmann::json all = nlohmann::json::parse(text);
+        for (const auto& [user, saved] : all.items()) {
             Period period;
             saved.at("start").get_to(period.start);
             period.length =

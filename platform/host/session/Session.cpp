@@ -84,15 +84,27 @@ struct StoredSession {
     std::time_t lastUse = 0;
 };
 
+// Keeps errno.
+void traceForeignFile(const std::string& identifier) {
+    const int reason = errno;
+    trace::VeskTrace(1, 1, 1).putLog(
+        0, ("Not a session of the board's own: " + sessionPath(identifier)).c_str());
+    errno = reason;
+}
+
 // Returns false, with errno set, when the file cannot be read or is not a session's.
 bool readSession(const std::string& identifier, StoredSession& session) {
     std::vector<unsigned char> bytes;
     struct stat status = {};
     if (!readOwnFile(sessionPath(identifier), LARGEST_SESSION_FILE, bytes, status)) {
+        if (errno == EPERM) {
+            traceForeignFile(identifier);
+        }
         return false;
     }
     if ((status.st_mode & PERMISSIONS) != SESSION_FILE_MODE) {
         errno = EPERM;
+        traceForeignFile(identifier);
         return false;
     }
     std::map<std::string, std::string> values = parseLines(bytes);
