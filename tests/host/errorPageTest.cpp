@@ -146,6 +146,7 @@ TEST_F(ErrorPageTest, givesTheFixedPageWhenNoPageCanBePrinted) {
 TEST_F(ErrorPageTest, everyCheckHasItsPageInBothLanguages) {
     const std::vector<std::pair<std::function<ErrorPage()>, std::string>> pages = {
         {Host::makeMethodPage, "405 Method Not Allowed"},
+        {Host::makeMisdirectedPage, "421 Misdirected Request"},
         {Host::makeCrossSitePage, "403 Forbidden"},
         {Host::makeLoginPage, "403 Forbidden"},
         {Host::makeInternalErrorPage, "500 Internal Server Error"},

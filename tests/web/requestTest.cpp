@@ -35,6 +35,17 @@ TEST_P(EveryProgramTest, otherMethodsAreNotAllowed) {
     }
 }
 
+TEST_P(EveryProgramTest, aNameThatIsNotTheBoardsIsNotAnswered) {
+    for (const char* method : {"GET", "POST"}) {
+        if (std::string(GetParam().allowed).find(method) != std::string::npos) {
+            const CGIResponse response = runWebProgram(
+                GetParam().program, {.method = method, .more = {{"HTTP_HOST", "evil.example"}}});
+            expectPage(response, "421 Misdirected Request", caption(9029));
+            EXPECT_EQ(response.body.find("href=\"/\""), std::string::npos) << response.body;
+        }
+    }
+}
+
 class PostTest : public WebTest, public testing::WithParamInterface<const char*> {};
 
 INSTANTIATE_TEST_SUITE_P(Programs, PostTest,

@@ -162,7 +162,7 @@ class Judge:
         for path in sorted(self.leftovers()):
             problems.append(f"{path} is left behind")
         for path in os.listdir(board.path("var/run")):
-            if path not in ("backend.sock", "board_properties"):
+            if path not in ("backend.sock", "board_properties", "hosts.conf"):
                 problems.append(f"var/run/{path} is left behind")
         return problems
 
