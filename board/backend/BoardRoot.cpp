@@ -22,7 +22,8 @@ namespace VeskLib::Board {
 
 namespace {
 
-const char* const FOLDERS[] = {"/var", "/var/run", "/var/tmp", "/var/log", "/var/lib", "/var/lib/board", "/var/lib/session"};
+const char* const FOLDERS[] = {"/var",     "/var/run",       "/var/tmp",        "/var/log",
+                               "/var/lib", "/var/lib/board", "/var/lib/session"};
 const char* const STATE_FILE = "/var/lib/board/configurations";
 const char* const ROOT_LOCK = "/var/lib/board/backend.lock";
 const char* const RESTORE_LOCK = "/var/lib/board/restore.lock";

@@ -1,7 +1,7 @@
 #include "board/backend/KnownDevices.h"
 
-#include "platform/host/base/sha256.h"
 #include "platform/host/base/randomText.h"
+#include "platform/host/base/sha256.h"
 
 #include <algorithm>
 

@@ -133,8 +133,7 @@ void handleLogin(const Gui::FormInfo& form, Host::Response& response) {
     form.getFormData("password", password);
 
     Host::LoginAnswer answer;
-    const int code =
-        askBackend({user, password, Host::clientAddress(), readDevice()}, answer);
+    const int code = askBackend({user, password, Host::clientAddress(), readDevice()}, answer);
     if (code == 0) {
         startNewSession(user, response);
         keepDevice(answer.device, response);

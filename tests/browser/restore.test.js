@@ -33,7 +33,6 @@ for (const kind of BROWSERS) {
         before(async () => {
             board = await Board.start();
             browser = await Browser.start("en", kind);
-            observer = await Client.loggedIn(board);
         });
         after(async () => {
             await browser?.stop();
@@ -42,6 +41,8 @@ for (const kind of BROWSERS) {
         beforeEach(async () => {
             page = await browser.newPage();
             await logIn(page, board);
+            // Anew for each test: a user's oldest session ends when there are too many.
+            observer = await Client.loggedIn(board);
         });
 
         // What the board holds for a partition now.

@@ -20,7 +20,7 @@ void publish(const std::string& lines) {
     const std::string path = getCGIPath("/var/run/board_properties");
     const std::string before =
         exists(path) ? readText(path) : "max_partitions=" + std::to_string(MAX_PARTITIONS) + "\n";
-    if (before.find(lines) == std::string::npos) {
+    if (!exists(path) || before.find(lines) == std::string::npos) {
         writeText(path, before + lines);
     }
 }
@@ -31,8 +31,8 @@ Environment startSession(const std::string& identifier, const std::string& funct
     const std::string user = "contract" + functions;
     publish("user=0 " + functions + " " + user + "\n");
     writePrivateText(getCGIPath(("/var/lib/session/" + identifier).c_str()),
-                 std::string("token_sha256=") + TOKEN_SHA256 + "\nuser=" + user +
-                     "\ncreated=" + std::to_string(created) + "\n");
+                     std::string("token_sha256=") + TOKEN_SHA256 + "\nuser=" + user +
+                         "\ncreated=" + std::to_string(created) + "\n");
     return {{"HTTP_COOKIE", "language=" + language + "; session=" + identifier + "-" + TOKEN}};
 }
 

@@ -19,6 +19,11 @@ LIMITS = "board/backend/ConnectionLimits.h"
 GET, SET, LOGIN, CONTROL = 1, 2, 3, 4
 
 
+def request_head(kind, number, session=b""):
+    """A request frame up to its payload, without an address and an identifier."""
+    return struct.pack(">BIH", kind, number, len(session)) + session + b"\0\0\0\0"
+
+
 class WireFormats(BoardDocumentTest):
     name = "docs/wire-formats.md"
 
@@ -71,23 +76,23 @@ class WireFormats(BoardDocumentTest):
 
     def test_an_oversized_frame_ends_the_connection(self):
         size = constant("platform/host/channel/Frame.h", "LARGEST_FRAME")
-        head = struct.pack(">BIH", GET, 7, 0)
+        head = request_head(GET, 7)
         whole = head + bytes(size - len(head))
         self.assertEqual(len(self.board.exchange(whole)), 1)
         self.assertEqual(len(self.board.exchange(whole + b"x", head)), 0)
 
     def test_kinds_are_those_of_the_header(self):
-        rows = self.table("kind", "meaning", "number", "text", "payload")
+        rows = self.table("kind", "meaning", "number", "texts", "payload")
         kinds = {row[0].split()[1]: int(row[0].split()[0]) for row in rows}
         self.assertEqual(kinds, enumerators("platform/host/channel/Frame.h", "RequestKind"))
 
     def test_a_frame_that_is_no_request_ends_the_connection(self):
         code = self.stated(r"A frame that is no request is answered with code (\d+), and the conn")
-        status = struct.pack(">BIH", CONTROL, 0, 0) + b"status"
+        status = request_head(CONTROL, 0) + b"status"
         replies = self.board.exchange(b"\x09", status)
         self.assertEqual(replies, [(code, b"")])
         # After a request that is only refused it stays.
-        refused = struct.pack(">BIH", GET, 7, 0)
+        refused = request_head(GET, 7)
         self.assertEqual([code for code, _ in self.board.exchange(refused, status)], [1604, 0])
 
     def test_a_session_identifier_has_the_stated_shape(self):
@@ -100,8 +105,8 @@ class WireFormats(BoardDocumentTest):
     def test_the_examples_are_of_the_stated_session(self):
         session = self.stated(r"In the examples the session is `(\w+)`")
         asked = self.document.bytes_after("### 0x0201002F")
-        self.assertEqual(asked, struct.pack(">IBIH", 7 + 16, GET, 0x0201002F, 16)
-                         + str(session).encode())
+        body = request_head(GET, 0x0201002F, str(session).encode())
+        self.assertEqual(asked, struct.pack(">I", len(body)) + body)
 
     def test_request_numbers_are_those_of_the_header(self):
         text = read("data/requestNumbers.h")
@@ -167,10 +172,10 @@ class WireFormats(BoardDocumentTest):
 
     def test_a_restore_is_checked_in_the_stated_order(self):
         stated = self.stated(
-            r"in this order: the session \((\d+)\), the payload \((\d+)\), the list \((\d+)\), no "
-            r"other restore \((\d+)\), the file \((\d+)\), then each target in ascending order: it "
+            r"in this order: the session \((\d+)\), the right \((\d+)\), the payload \((\d+)\), the "
+            r"list \((\d+)\), no other restore \((\d+)\), the file \((\d+)\), then each target in ascending order: it "
             r"is installed \((\d+)\), it is not running \((\d+)\), the version fits \((\d+)\)")
-        session, payload, empty, busy, damaged, absent, running, version = stated
+        session, right, payload, empty, busy, damaged, absent, running, version = stated
         file = self.stage(3)
         usable = file.read_bytes()
         file.write_bytes(b"damaged")
@@ -180,6 +185,8 @@ class WireFormats(BoardDocumentTest):
             fcntl.flock(lock, fcntl.LOCK_EX)
             # Each request fails this check and all that follow it.
             self.assertEqual(self.restore(b"\0\2", b"x"), session)
+            viewer = Client(self.board, "viewer").identifier.encode()
+            self.assertEqual(self.restore(b"\0\2", viewer), right)
             self.assertEqual(self.restore(b"\0\2"), payload)
             self.assertEqual(self.restore(b"\0\0"), empty)
             self.assertEqual(self.restore(b"\0\1\4"), busy)
@@ -350,11 +357,14 @@ class WireFormats(BoardDocumentTest):
         path = self.stated(r"The back-end writes the file `([^`]+)` when it starts")
         self.assertEqual(path, text_constant("platform/host/base/SystemPath.h",
                                              "BOARD_PROPERTIES"))
-        line, last = self.stated(r"`(max_partitions=\d+)` says that partition numbers run from 0 "
-                                 r"to (\d+)")
-        host = self.stated(r"Each `(host=)...` is a name that the board answers to")
+        line, last = self.stated(r"`(max_partitions=\d+)` \| partition numbers run from 0 to (\d+)")
+        host = self.stated(r"`(host=)[^`]*` \| a name that the board answers to")
+        user = self.stated(r"`(user=0 ,105,106, admin)` \| there is the user")
         names = "".join(host + name + "\n" for name in ("127.0.0.1", "[::1]", "localhost"))
-        self.assertEqual(self.board.path(path).read_text(), line + "\n" + names)
+        self.assertEqual(self.board.path(path).read_text(),
+                         line + "\n" + names + user + "\nuser=0 - viewer\n")
+        mode = self.stated(r"one `name=value` per\s+line, mode (0\d+)")
+        self.assertEqual("%o" % (self.board.path(path).stat().st_mode & 0o7777), str(mode))
         pattern = self.stated(r"to the web server as a pattern, in `([^`]+)`")
         self.assertTrue(self.board.path(pattern).exists())
         table = self.board.ask(GET, 0x0201002F)[1]

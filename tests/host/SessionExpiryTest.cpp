@@ -30,8 +30,7 @@ std::time_t ageOf(const std::string& path) {
 class SessionExpiryTest : public BoardTest {
 protected:
     SessionExpiryTest()
-        : session(Host::startSession("operator")),
-          path(sessionFile(session.identifier)) {}
+        : session(Host::startSession("operator")), path(sessionFile(session.identifier)) {}
 
     // Has the session been created `seconds` ago; its file's time is set anew as well.
     void createdAgo(std::time_t seconds) {

@@ -164,11 +164,12 @@ TEST_F(SessionTest, hostileFilesAreNoSessions) {
     for (const std::string& content :
          {std::string(), std::string("\n\n\n"), std::string("token_sha256"), std::string("="),
           std::string("token_sha256=") + sum, noToken, "token_sha256=\n" + noToken,
-          "token_sha256=" + sum.substr(1) + "\n" + noToken,
-          "token_sha256=" + sum + "0\n" + noToken, "token_sha256= " + sum + "\n" + noToken,
-          "TOKEN_SHA256=" + sum + "\n" + noToken, "token=" + session.token + "\n" + noToken,
-          "token_sha256=" + session.token + "\n" + noToken, "token_sha256=x\n" + sound, std::string(5000, '\0'),
-          std::string(5000, '\xFF'), sound + std::string(16 * 1024, '\n')}) {
+          "token_sha256=" + sum.substr(1) + "\n" + noToken, "token_sha256=" + sum + "0\n" + noToken,
+          "token_sha256= " + sum + "\n" + noToken, "TOKEN_SHA256=" + sum + "\n" + noToken,
+          "token=" + session.token + "\n" + noToken,
+          "token_sha256=" + session.token + "\n" + noToken, "token_sha256=x\n" + sound,
+          std::string(5000, '\0'), std::string(5000, '\xFF'),
+          sound + std::string(16 * 1024, '\n')}) {
         writePrivateText(path, content);
         EXPECT_FALSE(isLetIn(session.cookieValue())) << content.substr(0, 200);
     }
@@ -226,7 +227,8 @@ TEST_F(SessionTest, endsTheOldestOfTooManySessionsOfAUser) {
     for (std::size_t i = 0; i < Host::SESSIONS_OF_A_USER + 2; ++i) {
         sessions.push_back(start());
         // The clock's seconds do not tell the sessions apart.
-        setField(sessions.back(), "created", std::to_string(std::time(nullptr) - 100 + static_cast<std::time_t>(i)));
+        setField(sessions.back(), "created",
+                 std::to_string(std::time(nullptr) - 100 + static_cast<std::time_t>(i)));
     }
     writeText(backupFile(sessions[0].identifier), "backup");
     for (std::size_t i = 0; i < sessions.size(); ++i) {

@@ -1,6 +1,6 @@
 #include "platform/host/session/Session.h"
-#include "platform/host/web/UploadFile.h"
 #include "platform/host/session/abandonedUploads.h"
+#include "platform/host/web/UploadFile.h"
 #include "tests/host/sessionFiles.h"
 #include "tests/support/BoardTest.h"
 #include "tests/support/ChildProcess.h"

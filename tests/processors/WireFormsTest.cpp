@@ -107,7 +107,8 @@ void addPackets(WireForms& forms) {
 
 void addFramesAndFiles(WireForms& forms) {
     forms.addCoded("request frame",
-                   Host::RequestFrame{Host::RequestKind::SET, WORD, "0123456789abcdef", {1, 0xFF}, "::1", "7-9"});
+                   Host::RequestFrame{
+                       Host::RequestKind::SET, WORD, "0123456789abcdef", {1, 0xFF}, "::1", "7-9"});
     forms.addCoded("reply frame", Host::ReplyFrame{WORD, {0xFE, 2}});
     forms.addCoded("login request", Host::LoginRequest{"admin", "p\xC3\xA4ss", "192.0.2.1", "0a"});
     forms.addCoded("login answer", Host::LoginAnswer{"0a"});

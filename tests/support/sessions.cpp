@@ -33,7 +33,7 @@ void writeSession(const std::string& cookieValue, const std::string& user) {
     const std::string path = boardFile("/var/lib/session/" + identifier);
     const std::string token = cookieValue.substr(identifier.size() + 1);
     writePrivateText(path, "token_sha256=" + Host::sha256Hex(token) + "\nuser=" + user +
-                           "\ncreated=" + std::to_string(std::time(nullptr)) + "\n");
+                               "\ncreated=" + std::to_string(std::time(nullptr)) + "\n");
 }
 
 }  // namespace VeskLib::Test

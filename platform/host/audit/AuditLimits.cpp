@@ -10,8 +10,8 @@ bool AuditLimits::admit(const AuditEvent& event, std::time_t now) {
     Period& period = periods[event.user];
     if (period.isOver(now)) {
         // The longer somebody goes on, the fewer lines they get.
-        const bool goesOn = period.lines >= LINES && now >= period.start &&
-                            now < period.start + 2 * period.length;
+        const bool goesOn =
+            period.lines >= LINES && now >= period.start && now < period.start + 2 * period.length;
         period = {.start = now,
                   .length = goesOn ? std::min(2 * period.length, LONGEST_PERIOD) : SHORTEST_PERIOD,
                   .lines = 0,

@@ -101,8 +101,9 @@ AuditLog::~AuditLog() {
 
 void AuditLog::open(std::size_t reserve) {
     const bool isNew = ::access(path.c_str(), F_OK) != 0;
-    descriptor = ::open(path.c_str(),
-                        O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, FILE_MODE);
+    descriptor =
+        ::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK,
+               FILE_MODE);
     struct stat status = {};
     if (descriptor < 0 || ::fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode) ||
         status.st_uid != ::geteuid() || (isNew && !syncFolder(path))) {

@@ -12,8 +12,8 @@ namespace {
 
 std::string makeIdentifier() {
     const auto now = std::chrono::system_clock::now().time_since_epoch();
-    return std::to_string(std::chrono::duration_cast<std::chrono::microseconds>(now).count()) + "-" +
-           std::to_string(::getpid());
+    return std::to_string(std::chrono::duration_cast<std::chrono::microseconds>(now).count()) +
+           "-" + std::to_string(::getpid());
 }
 
 }  // namespace

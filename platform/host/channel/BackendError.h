@@ -5,24 +5,24 @@ namespace VeskLib::Host {
 // Why the back-end refuses a request; the number travels in the reply and stands at the end of
 // what the operator reads. Numbers are never reused.
 enum BackendError : unsigned int {
-    BACKEND_RESTORE_BUSY = 1047,        // another restore is under way
-    BACKEND_FILE_UNUSABLE = 1539,       // damaged, absent or not a configuration file
-    BACKEND_PARTITION_RUNNING = 1549,   // a target partition is running
-    BACKEND_VERSION_DIFFERS = 1551,     // another major BIOS version than a target's
-    BACKEND_NO_TARGETS = 1601,          // the list of targets is empty
-    BACKEND_NO_PARTITION = 1602,        // not installed, or out of range
-    BACKEND_NOT_STORED = 1603,          // the board's storage failed
-    BACKEND_UNKNOWN_REQUEST = 1604,     // no such request number
-    BACKEND_MALFORMED_REQUEST = 1605,   // the frame or its payload is malformed
-    BACKEND_NO_SESSION = 1606,          // no living session of a user of the board
-    BACKEND_LOGIN_REFUSED = 1607,       // the name and the password do not belong together
-    BACKEND_CONFIGURATION_SIZE = 1608,  // larger than a target partition can hold
-    BACKEND_FAILED = 1609,              // the back-end itself, for instance out of memory
-    BACKEND_LOGIN_TOO_SOON = 1610,      // not looked at: too many attempts wait before it
-    BACKEND_NOT_ALLOWED = 1611,         // the session's user may not use the function
-    BACKEND_NOT_RECORDED = 1612,        // the audit log takes no line; nothing was changed
+    BACKEND_RESTORE_BUSY = 1047,          // another restore is under way
+    BACKEND_FILE_UNUSABLE = 1539,         // damaged, absent or not a configuration file
+    BACKEND_PARTITION_RUNNING = 1549,     // a target partition is running
+    BACKEND_VERSION_DIFFERS = 1551,       // another major BIOS version than a target's
+    BACKEND_NO_TARGETS = 1601,            // the list of targets is empty
+    BACKEND_NO_PARTITION = 1602,          // not installed, or out of range
+    BACKEND_NOT_STORED = 1603,            // the board's storage failed
+    BACKEND_UNKNOWN_REQUEST = 1604,       // no such request number
+    BACKEND_MALFORMED_REQUEST = 1605,     // the frame or its payload is malformed
+    BACKEND_NO_SESSION = 1606,            // no living session of a user of the board
+    BACKEND_LOGIN_REFUSED = 1607,         // the name and the password do not belong together
+    BACKEND_CONFIGURATION_SIZE = 1608,    // larger than a target partition can hold
+    BACKEND_FAILED = 1609,                // the back-end itself, for instance out of memory
+    BACKEND_LOGIN_TOO_SOON = 1610,        // not looked at: too many attempts wait before it
+    BACKEND_NOT_ALLOWED = 1611,           // the session's user may not use the function
+    BACKEND_NOT_RECORDED = 1612,          // the audit log takes no line; nothing was changed
     BACKEND_OUTCOME_NOT_RECORDED = 1613,  // it was changed, but the audit log does not say so
-    BACKEND_FAULTS_NOT_ALLOWED = 1614,  // started without --allow-faults, it takes no CONTROL
+    BACKEND_FAULTS_NOT_ALLOWED = 1614,    // started without --allow-faults, it takes no CONTROL
 };
 
 }  // namespace VeskLib::Host

@@ -65,8 +65,9 @@ bool CGIRequester::setInfo(unsigned int request, const VeskUi::SerializableObjec
         state->errorCode = Host::CHANNEL_NO_AUTHORITY;
         return false;
     }
-    Host::RequestFrame frame = {Host::RequestKind::SET, request, state->sessionIdentifier, {},
-                                Host::clientAddress(), Host::requestIdentifier()};
+    Host::RequestFrame frame = {Host::RequestKind::SET,   request,
+                                state->sessionIdentifier, {},
+                                Host::clientAddress(),    Host::requestIdentifier()};
     if (!giveData(data, frame.payload)) {
         state->errorCode = Host::CHANNEL_BAD_OBJECT;
         return false;

@@ -29,10 +29,9 @@ std::vector<unsigned char> readRest(VeskUi::WireReader& reader) {
 }  // namespace
 
 std::vector<unsigned char> encode(const RequestFrame& frame) {
-    std::vector<unsigned char> bytes(KIND_SIZE + NUMBER_SIZE +
-                                     wireTextSize(frame.sessionIdentifier) +
-                                     wireTextSize(frame.address) +
-                                     wireTextSize(frame.requestIdentifier) + frame.payload.size());
+    std::vector<unsigned char> bytes(
+        KIND_SIZE + NUMBER_SIZE + wireTextSize(frame.sessionIdentifier) +
+        wireTextSize(frame.address) + wireTextSize(frame.requestIdentifier) + frame.payload.size());
     VeskUi::WireWriter writer(bytes.data(), bytes.size());
     writeU8(writer, static_cast<std::uint8_t>(frame.kind));
     writer.writeU32(frame.number);

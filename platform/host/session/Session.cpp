@@ -5,8 +5,8 @@
 #include "platform/host/base/platformException.h"
 #include "platform/host/base/randomText.h"
 #include "platform/host/base/sha256.h"
-#include "platform/host/storage/files.h"
 #include "platform/host/session/abandonedUploads.h"
+#include "platform/host/storage/files.h"
 
 #include <VeskLib/LockedFile.h>
 #include <VeskLib/getCGIPath.h>
@@ -20,7 +20,6 @@
 #include <cerrno>
 #include <charconv>
 #include <cstdio>
-#include <map>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -53,25 +52,21 @@ bool equalSums(const std::string& one, const std::string& other) {
     return difference == 0;
 }
 
-std::map<std::string, std::string> parseLines(const std::vector<unsigned char>& bytes) {
-    std::map<std::string, std::string> values;
-    const std::string text(bytes.begin(), bytes.end());
-    std::string_view rest = text;
-    while (!rest.empty()) {
-        const std::size_t end = rest.find('\n');
-        const std::string_view line = rest.substr(0, end);
-        rest = end == std::string_view::npos ? std::string_view() : rest.substr(end + 1);
-        const std::size_t equals = line.find('=');
-        if (equals != std::string_view::npos) {
-            values.emplace(line.substr(0, equals), line.substr(equals + 1));
+// The value of the first line "name=value"; empty when there is none.
+std::string valueOf(std::string_view name, std::string_view text) {
+    while (!text.empty()) {
+        const std::size_t end = text.find('\n');
+        const std::string_view line = text.substr(0, end);
+        text = end == std::string_view::npos ? std::string_view() : text.substr(end + 1);
+        if (line.size() > name.size() && line[name.size()] == '=' && line.starts_with(name)) {
+            return std::string(line.substr(name.size() + 1));
         }
     }
-    return values;
+    return {};
 }
 
 std::vector<unsigned char> toLines(const Session& session) {
-    const std::string text = "token_sha256=" + sha256Hex(session.token) +
-                             "\nuser=" + session.user +
+    const std::string text = "token_sha256=" + sha256Hex(session.token) + "\nuser=" + session.user +
                              "\ncreated=" + std::to_string(session.created) + "\n";
     return {text.begin(), text.end()};
 }
@@ -107,12 +102,12 @@ bool readSession(const std::string& identifier, StoredSession& session) {
         traceForeignFile(identifier);
         return false;
     }
-    std::map<std::string, std::string> values = parseLines(bytes);
-    const std::string& created = values["created"];
+    const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    const std::string created = valueOf("created", text);
     std::time_t createdTime = 0;
     std::from_chars(created.data(), created.data() + created.size(), createdTime);
-    session = {.tokenSum = values["token_sha256"],
-               .user = values["user"],
+    session = {.tokenSum = valueOf("token_sha256", text),
+               .user = valueOf("user", text),
                .created = std::max<std::time_t>(createdTime, 0),
                .lastUse = status.st_mtime};
     return true;
@@ -133,8 +128,8 @@ enum class SessionState {
 
 // What `errno` says of a session's file that cannot be read: only these reasons last.
 SessionState stateAfterFailure() {
-    const bool lasting = errno == ENOENT || errno == ELOOP || errno == EINVAL || errno == EFBIG ||
-                         errno == EPERM;
+    const bool lasting =
+        errno == ENOENT || errno == ELOOP || errno == EINVAL || errno == EFBIG || errno == EPERM;
     return lasting ? SessionState::GONE : SessionState::UNREADABLE;
 }
 

@@ -1,8 +1,8 @@
 #include "platform/host/text/Catalogue.h"
 
 #include "platform/host/base/Environment.h"
-#include "platform/host/base/cookies.h"
 #include "platform/host/base/SystemPath.h"
+#include "platform/host/base/cookies.h"
 
 #include <VeskLib/getCGIPath.h>
 
@@ -68,8 +68,8 @@ int chooseLanguage(std::string_view cookie, std::string_view accepted) {
 }
 
 int requestLanguage() {
-    static const int LANGUAGE =
-        chooseLanguage(readCookie(cookieName(LANGUAGE_COOKIE)), readEnvironment("HTTP_ACCEPT_LANGUAGE"));
+    static const int LANGUAGE = chooseLanguage(readCookie(cookieName(LANGUAGE_COOKIE)),
+                                               readEnvironment("HTTP_ACCEPT_LANGUAGE"));
     return LANGUAGE;
 }
 

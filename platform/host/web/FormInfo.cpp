@@ -17,10 +17,10 @@
 
 namespace VeskLib::Gui {
 
-using Host::makePlatformException;
-using Host::readEnvironment;
 using Host::FormPolicy;
 using Host::formPolicy;
+using Host::makePlatformException;
+using Host::readEnvironment;
 using Host::UrlencodedReader;
 using Host::FormLimits::QUERY_LENGTH;
 using Host::FormLimits::VALUE_LENGTH;

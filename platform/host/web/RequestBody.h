@@ -11,8 +11,8 @@ namespace VeskLib::Host {
 // The request's body on standard input, read piece by piece.
 class RequestBody {
 public:
-    // The whole body must come within this time, so that a client that sends a byte now and then does
-    // not keep the process.
+    // The whole body must come within this time, so that a client that sends a byte now and then
+    // does not keep the process.
     static constexpr int DEADLINE_MILLISECONDS = 25000;
 
     // Takes the announced length from CONTENT_LENGTH; without one the body ends with the input.

@@ -4,9 +4,9 @@
 #include "platform/host/base/platformException.h"
 #include "platform/host/base/randomText.h"
 #include "platform/host/base/writeWhole.h"
+#include "platform/host/session/abandonedUploads.h"
 #include "platform/host/storage/files.h"
 #include "platform/host/web/FormLimits.h"
-#include "platform/host/session/abandonedUploads.h"
 
 #include <VeskLib/getCGIPath.h>
 

@@ -97,6 +97,8 @@ void printExceptionPage(const PException& exception, Response& response) {
     if (detail == REQUEST_TOO_LARGE) {
         page.status = 413;
         page.message = caption(9022) + code;
+    } else if (detail == SESSION_FILE_REFUSED) {
+        page.message = caption(9021) + code;
     } else if (detail == REQUEST_TOO_SLOW) {
         page.status = 408;
         page.message = caption(9023) + code;

@@ -45,7 +45,8 @@ void requireLimits(const Board::BoardDescription& description) {
     for (const Board::User& user : description.users) {
         Fuzz::require(!user.name.empty() && user.passwordHash.starts_with('$'),
                       "a user has a name and the hash of a password");
-        Fuzz::require(user.rights.functions.find('\n') == std::string::npos, "functions are one line");
+        Fuzz::require(user.rights.functions.find('\n') == std::string::npos,
+                      "functions are one line");
     }
 }
 

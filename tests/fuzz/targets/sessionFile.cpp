@@ -1,5 +1,5 @@
-// The file of a session, whatever it holds. "NOW" in an input stands for the present time, "SUM" for
-// the sum of the token.
+// The file of a session, whatever it holds. "NOW" in an input stands for the present time, "SUM"
+// for the sum of the token.
 
 #include "platform/host/base/SystemPath.h"
 #include "platform/host/base/sha256.h"
@@ -41,8 +41,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                       "a session is the one that was asked for");
         Fuzz::require(session.created >= now - Host::SESSION_LIFE_SECONDS,
                       "a session does not outlive its time");
-        Fuzz::require(session.user.find('\n') == std::string::npos,
-                      "a value is one line");
+        Fuzz::require(session.user.find('\n') == std::string::npos, "a value is one line");
         Fuzz::require(::access(path.c_str(), F_OK) == 0, "a living session is kept");
     } else {
         Fuzz::require(session.user.empty() && session.identifier.empty(),
