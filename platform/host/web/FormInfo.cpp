@@ -104,6 +104,11 @@ private:
 
 void readMultipartBody(const std::string& contentType, FormParts& parts) {
     Host::RequestBody body;
+    // Without a file, what surrounds the fields is no excuse.
+    if (formPolicy().file == FormPolicy::File::REFUSED &&
+        body.announcedLength().value_or(0) > formPolicy().bodyLength) {
+        refuseSize("The form is too large");
+    }
     Host::MultipartReader reader(contentType, parts);
     for (std::string_view piece = body.next(); !piece.empty(); piece = body.next()) {
         reader.feed(piece);
