@@ -73,9 +73,9 @@ class Fuzzing(DocumentTest):
         self.assertEqual(self.stated(r"(\d+) kinds of input, at least one for every target"),
                          len(module.KINDS))
         self.assertEqual(sorted({kind[0] for kind in module.KINDS}), self.targets)
-        largest = self.stated(r"the largest step is (\d+\.\d+) times \(lines of a session file")
+        largest = self.stated(r"the largest step is (\d+\.\d+) times \(settings of a configuration")
         self.assertLess(float(largest), module.LIMIT)
-        self.assertIn(("sessionFile", "lines"), [kind[:2] for kind in module.KINDS])
+        self.assertIn(("payloadSettings", "settings"), [kind[:2] for kind in module.KINDS])
 
     def test_growth_is_run_with_the_stated_folder(self):
         folder = self.stated(r"`tests/fuzz/growth (build/release/tests/fuzz)`")

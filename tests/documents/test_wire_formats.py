@@ -365,7 +365,7 @@ class WireFormats(BoardDocumentTest):
                          line + "\n" + names + user + "\nuser=0 - viewer\n")
         mode = self.stated(r"one `name=value` per\s+line, mode (0\d+)")
         self.assertEqual("%o" % (self.board.path(path).stat().st_mode & 0o7777), str(mode))
-        pattern = self.stated(r"to the web server as a pattern, in `([^`]+)`")
+        pattern = self.stated(r"to the web server as a pattern as well, in `([^`]+)`")
         self.assertTrue(self.board.path(pattern).exists())
         table = self.board.ask(GET, 0x0201002F)[1]
         self.assertEqual(struct.unpack(">H", table[:2])[0], last + 1)
