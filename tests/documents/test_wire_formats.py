@@ -167,10 +167,11 @@ class WireFormats(BoardDocumentTest):
 
     def test_a_restore_is_checked_in_the_stated_order(self):
         stated = self.stated(
-            r"in this order: the session \((\d+)\), the payload \((\d+)\), the list \((\d+)\), no "
+            r"in this order: the session \((\d+)\), the right \((\d+)\), the payload \((\d+)\), the list \((\d+)\), no "
             r"other restore \((\d+)\), the file \((\d+)\), then each target in ascending order: it "
             r"is installed \((\d+)\), it is not running \((\d+)\), the version fits \((\d+)\)")
-        session, payload, empty, busy, damaged, absent, running, version = stated
+        session, right, payload, empty, busy, damaged, absent, running, version = stated
+        viewer = Client(self.board, "viewer").identifier.encode()
         file = self.stage(3)
         usable = file.read_bytes()
         file.write_bytes(b"damaged")
@@ -180,6 +181,7 @@ class WireFormats(BoardDocumentTest):
             fcntl.flock(lock, fcntl.LOCK_EX)
             # Each request fails this check and all that follow it.
             self.assertEqual(self.restore(b"\0\2", b"x"), session)
+            self.assertEqual(self.restore(b"\0\2", viewer), right)
             self.assertEqual(self.restore(b"\0\2"), payload)
             self.assertEqual(self.restore(b"\0\0"), empty)
             self.assertEqual(self.restore(b"\0\1\4"), busy)
