@@ -68,7 +68,7 @@ class Answers(AuditDocument):
         admin = cls.admin = Client(cls.board, "admin")
         cls.file = download(admin, back_up(admin, 3)).body
         admin.upload(cls.file)
-        restore(admin, 2, 6)
+        restore(admin, 2, 3)
         restore(admin, 7)
         admin.post(SCREEN, {"functionID": "106", "hidden_status": "3"})
         admin.upload(b"no configuration")
@@ -104,7 +104,7 @@ class Answers(AuditDocument):
                     if line["event"] == "restore" and line["result"] == "done"]
         self.assertTrue(restores)
         self.assertEqual(told.splitlines(), [
-            "%s admin 127.0.0.1 %s 2 6" % (line["time"], hashlib.sha256(self.file).hexdigest())
+            "%s admin 127.0.0.1 %s 2 3" % (line["time"], hashlib.sha256(self.file).hexdigest())
             for line in restores])
 
     def test_a_file_is_followed(self):
@@ -253,7 +253,7 @@ class Sources(AuditDocument):
     def test_an_unfinished_restore_is_decided_by_the_next_start(self):
         self.stated(r"(The next `start` tells: its `after` has the sums)")
         before = self.last("start")["after"]
-        self.board.control("die", 0)
+        self.board.control("die")
         self.board.wait_for_backend()
         self.assertEqual(self.last("start")["after"], before)
 

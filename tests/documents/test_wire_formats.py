@@ -16,7 +16,16 @@ from support.source import constant, enumerators, read, text_constant
 
 CHANNEL = "platform/host/channel/Channel.h"
 LIMITS = "board/backend/ConnectionLimits.h"
+PROPERTIES = "platform/host/channel/BoardProperties.cpp"
 GET, SET, LOGIN, CONTROL = 1, 2, 3, 4
+
+
+def frame(kind, number, *texts):
+    """A request up to its payload, without the length in front."""
+    body = struct.pack(">BI", kind, number)
+    for text in (*texts, b"", b"", b"")[:3]:
+        body += struct.pack(">H", len(text)) + text
+    return body
 
 
 class WireFormats(BoardDocumentTest):
@@ -71,23 +80,23 @@ class WireFormats(BoardDocumentTest):
 
     def test_an_oversized_frame_ends_the_connection(self):
         size = constant("platform/host/channel/Frame.h", "LARGEST_FRAME")
-        head = struct.pack(">BIH", GET, 7, 0)
+        head = frame(GET, 7)
         whole = head + bytes(size - len(head))
         self.assertEqual(len(self.board.exchange(whole)), 1)
         self.assertEqual(len(self.board.exchange(whole + b"x", head)), 0)
 
     def test_kinds_are_those_of_the_header(self):
-        rows = self.table("kind", "meaning", "number", "text", "payload")
+        rows = self.table("kind", "meaning", "number", "texts", "payload")
         kinds = {row[0].split()[1]: int(row[0].split()[0]) for row in rows}
         self.assertEqual(kinds, enumerators("platform/host/channel/Frame.h", "RequestKind"))
 
     def test_a_frame_that_is_no_request_ends_the_connection(self):
         code = self.stated(r"A frame that is no request is answered with code (\d+), and the conn")
-        status = struct.pack(">BIH", CONTROL, 0, 0) + b"status"
+        status = frame(CONTROL, 0) + b"status"
         replies = self.board.exchange(b"\x09", status)
         self.assertEqual(replies, [(code, b"")])
         # After a request that is only refused it stays.
-        refused = struct.pack(">BIH", GET, 7, 0)
+        refused = frame(GET, 7)
         self.assertEqual([code for code, _ in self.board.exchange(refused, status)], [1604, 0])
 
     def test_a_session_identifier_has_the_stated_shape(self):
@@ -100,8 +109,12 @@ class WireFormats(BoardDocumentTest):
     def test_the_examples_are_of_the_stated_session(self):
         session = self.stated(r"In the examples the session is `(\w+)`")
         asked = self.document.bytes_after("### 0x0201002F")
-        self.assertEqual(asked, struct.pack(">IBIH", 7 + 16, GET, 0x0201002F, 16)
-                         + str(session).encode())
+        body = frame(GET, 0x0201002F, str(session).encode())
+        self.assertEqual(asked, struct.pack(">I", len(body)) + body)
+        address, request = self.stated(r"the address `([^`]+)` and the request `([^`]+)`\.")
+        body = frame(SET, 0x020100A3, str(session).encode(), address.encode(), request.encode())
+        self.assertEqual(self.document.bytes_after("### 0x020100A3"),
+                         struct.pack(">I", len(body) + 4) + body + b"\0\0\0\3")
 
     def test_request_numbers_are_those_of_the_header(self):
         text = read("data/requestNumbers.h")
@@ -352,12 +365,18 @@ class WireFormats(BoardDocumentTest):
         path = self.stated(r"The back-end writes the file `([^`]+)` when it starts")
         self.assertEqual(path, text_constant("platform/host/base/SystemPath.h",
                                              "BOARD_PROPERTIES"))
-        line, last = self.stated(r"`(max_partitions=\d+)` says that partition numbers run from 0 "
-                                 r"to (\d+)")
-        host = self.stated(r"Each `(host=)...` is a name that the board answers to")
-        names = "".join(host + name + "\n" for name in ("127.0.0.1", "[::1]", "localhost"))
-        self.assertEqual(self.board.path(path).read_text(), line + "\n" + names)
-        pattern = self.stated(r"to the web server as a pattern, in `([^`]+)`")
+        mode = int(str(self.stated(r"one `name=value` per line, mode (0\d+)")), 8)
+        self.assertEqual(stat.S_IMODE(self.board.path(path).stat().st_mode), mode)
+        rows = dict(self.table("line", "meaning"))
+        line, _, user, log = (row.strip("`") for row in rows)
+        last = int(re.search(r"run from 0 to (\d+)", rows["`%s`" % line])[1])
+        names = "".join("host=" + name + "\n" for name in ("127.0.0.1", "[::1]", "localhost"))
+        nobody = re.sub(r" .* admin", " - viewer", user)
+        self.assertEqual(self.board.path(path).read_text(),
+                         line + "\n" + names + user + "\n" + nobody + "\n")
+        for row in (line, user, log):
+            self.assertIn('= "%s"' % row.partition("=")[0], read(PROPERTIES))
+        pattern = self.stated(r"to the web server as a pattern as well, in `([^`]+)`")
         self.assertTrue(self.board.path(pattern).exists())
         table = self.board.ask(GET, 0x0201002F)[1]
         self.assertEqual(struct.unpack(">H", table[:2])[0], last + 1)
