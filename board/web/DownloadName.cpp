@@ -1,6 +1,7 @@
 #include "board/web/DownloadName.h"
 
 #include "board/web/utf8.h"
+#include "platform/host/html/escape.h"
 
 #include <algorithm>
 #include <ctime>
@@ -97,8 +98,10 @@ std::optional<DownloadName> DownloadName::parse(const std::string& text) {
 }
 
 bool DownloadName::fits(const Host::ConfigurationFile& file) const {
+    // A page shows some characters of a version as others, and its link has what the page shows.
     return (partition.empty() || partition == std::to_string(file.partition)) &&
-           date == localDate(file.saveTime) && version == versionPart(file.version);
+           date == localDate(file.saveTime) &&
+           Host::makeVisible(version) == Host::makeVisible(versionPart(file.version));
 }
 
 std::string DownloadName::contentDisposition() const {

@@ -14,6 +14,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <chrono>
@@ -123,6 +124,39 @@ TEST_F(BackendTest, anOptionThatIsNoNameIsRefused) {
         EXPECT_FALSE(backend.waitUntilReady());
         EXPECT_EQ(backend.waitForEnd(), 2) << name;
     }
+}
+
+TEST_F(BackendTest, recordsItsStartWithWhatThePartitionsHoldAndItsEnd) {
+    BackendProcess backend(root(), DEMO_BOARD);
+    ASSERT_TRUE(backend.waitUntilReady());
+    stage("1.0", {'n', 'e', 'w'});
+    ASSERT_EQ(restore({2}), 0);
+    EXPECT_EQ(backend.stop(SIGTERM), 0);
+    BackendProcess again(root(), DEMO_BOARD);
+    ASSERT_TRUE(again.waitUntilReady());
+    EXPECT_EQ(again.stop(SIGKILL), -SIGKILL);
+    std::vector<nlohmann::json> lines;
+    for (const std::string& line : linesOf(readText(boardFile("/var/log/audit.log")))) {
+        lines.push_back(nlohmann::json::parse(line));
+    }
+    ASSERT_EQ(lines.size(), 5U);
+    EXPECT_EQ(lines[0]["event"], "start");
+    EXPECT_EQ(lines[3]["event"], "end");
+    EXPECT_EQ(lines[4]["event"], "start");  // and no end of one that was killed
+    EXPECT_EQ(lines[0]["after"]["2"], lines[1]["before"]["2"]);
+    EXPECT_EQ(lines[4]["after"]["2"], lines[1]["after"]["2"]);
+    EXPECT_EQ(lines[4]["after"]["3"], lines[0]["after"]["3"]);
+    EXPECT_FALSE(lines[3].contains("after"));
+}
+
+TEST_F(BackendTest, servesWithoutItsAuditLogButChangesNothing) {
+    ASSERT_EQ(::mkfifo(boardFile("/var/log/audit.log").c_str(), 0600), 0);
+    BackendProcess backend(root(), DEMO_BOARD);
+    ASSERT_TRUE(backend.waitUntilReady());
+    ReplyFrame reply;
+    EXPECT_EQ(ask({RequestKind::GET, VeskUi::GET_PARTITION_INFO, SESSION, {}}, reply), 0);
+    EXPECT_EQ(backup(3), static_cast<int>(BACKEND_NOT_RECORDED));
+    EXPECT_EQ(backend.stop(SIGTERM), 0);
 }
 
 TEST_F(BackendTest, interruptEndsItToo) {

@@ -100,7 +100,7 @@ TEST(CheckBoxTest, hostileTextsStayInTheirPlaces) {
     harmless.setClickHandler("call()");
     const std::vector<std::string> tags = tagNamesOf(printedHTML(harmless));
     const std::size_t attributeCount = inputsOf(harmless).at(0).attributes.size();
-    for (const std::string& text : hostileTexts()) {
+    for (const std::string& text : printableTexts()) {
         SCOPED_TRACE(text);
         CheckBox boxes(text, text, text, &ALLOWED);
         boxes.add(text, text, text, text, false, false);

@@ -81,7 +81,7 @@ TEST(RadioButtonTest, hostileTextsStayInTheirPlaces) {
     RadioButton harmless("name", "title", "form", &ALLOWED);
     harmless.add("value", "label", false, false);
     const std::vector<std::string> tags = tagNamesOf(printedHTML(harmless));
-    for (const std::string& text : hostileTexts()) {
+    for (const std::string& text : printableTexts()) {
         SCOPED_TRACE(text);
         RadioButton group(text, text, text, &ALLOWED);
         group.add(text, text, false, false);

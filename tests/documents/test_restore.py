@@ -6,7 +6,7 @@ import unittest
 
 from support.board import SCREEN, BoardDocumentTest, Client, upload_body
 from support.document import codes_in
-from support.source import constant, enumerators, text_constant
+from support.source import constant, enumerators, read, text_constant
 
 CONFIGURATION_LIMIT = "platform/host/web/FormLimits.h"
 SET_RESTORE = "0x020100A4"
@@ -39,6 +39,11 @@ class Restore(BoardDocumentTest):
         path = self.stated(r"one per session, `(\S+)` followed by the session identifier")
         file = self.board.path(path + (client or self.client).identifier)
         return file.read_bytes() if file.exists() else None
+
+    def stage(self, content, client):
+        path = self.board.path("/var/tmp/restored_eficonf" + client.identifier)
+        path.write_bytes(content)
+        path.chmod(0o600)
 
     def step(self, fields, client=None):
         return (client or self.client).post(self.screen, {"functionID": self.function, **fields})
@@ -107,16 +112,14 @@ class Restore(BoardDocumentTest):
         viewer = Client(self.board, "viewer")
         for step, request, _, _ in self.steps():
             with self.subTest(step=step):
+                self.stage(b"staged", viewer)
                 answer = self.send(step, request, viewer)
                 self.assertEqual(answer.status, status)
                 self.assertFalse(PAGES["upload form"](answer.text), answer.text)
                 self.assertFalse(PAGES["target selection"](answer.text), answer.text)
                 self.assertEqual("[%d-" % message in answer.text, step != "no `hidden_status`")
-                # The pages act before they look at the rights.
-                if step.startswith("upload"):
-                    self.assertEqual(self.staged(viewer), self.backup)
-                elif step == "discard":
-                    self.assertIsNone(self.staged(viewer))
+                self.stated(r"(after a POST the session has no staged file)")
+                self.assertEqual(self.staged(viewer), None if request != "GET" else b"staged")
 
     def test_the_posted_value_counts_and_not_the_name(self):
         self.stated(r"(`pidN`) with the value N; the value counts")
@@ -179,6 +182,13 @@ class Restore(BoardDocumentTest):
         self.assertEqual(self.step({"message": value}).status, status)
         name = "n" * (constant(CONFIGURATION_LIMIT, "NAME_LENGTH") + 1)
         self.assertEqual(self.step({name: ""}).status, status)
+
+    def test_a_body_has_the_stated_time(self):
+        seconds, status = self.stated(r"has not come within (\d+) s is refused \((\d+)\), and one")
+        self.assertEqual(1000 * seconds,
+                         constant("platform/host/web/RequestBody.h", "DEADLINE_MILLISECONDS"))
+        self.assertRegex(read("platform/host/web/errorPage.cpp"),
+                         r"REQUEST_TOO_SLOW\) \{\s+page.status = %d;" % status)
 
     def test_a_malformed_body_is_refused_whole(self):
         status, message = self.stated(r"refused whole \((\d+); with message (\d+) for a form with")

@@ -1,5 +1,6 @@
 """docs/security.md against a served board and the tests that it names."""
 
+import hashlib
 import os
 import re
 import stat
@@ -75,6 +76,34 @@ class Security(BoardDocumentTest):
         self.assertEqual(client.post("/logout.cgi", {}).status, 303)
         self.assertFalse(any(each.exists() for each in files))
         self.assertEqual(client.get(SCREEN + "?functionID=105").status, 403)
+
+    def test_limits_are_those_of_the_sources(self):
+        self.assertEqual(self.stated(r"a user has at most (\d+) sessions, the oldest ends"),
+                         constant(SESSION, "SESSIONS_OF_A_USER"))
+        form, own = self.stated(r"a form has at most (\d+) KiB, one of the login or the menu (\d+) KiB; a f")
+        self.assertEqual(1024 * form, constant("platform/host/web/FormLimits.h", "BODY_LENGTH"))
+        self.assertEqual(1024 * own, constant("board/web/WebProgram.cpp", "LARGEST_BODY"))
+        for target in ("/login.cgi", "/"):
+            self.assertEqual(self.client.post(target, {"x": "y" * 1024 * own}).status, 413, target)
+        seconds, status = self.stated(r"a program waits (\d+) s for its body \((\d+)\)")
+        self.assertEqual(1000 * seconds,
+                         constant("platform/host/web/RequestBody.h", "DEADLINE_MILLISECONDS"))
+        self.assertEqual(status, 408)
+
+    def test_a_session_keeps_the_sum_of_its_token_only(self):
+        self.stated(r"of which the session's file has the (SHA-256) only")
+        identifier, token = self.client.value.split("-")
+        text = self.board.path("/var/lib/session/" + identifier).read_text()
+        self.assertNotIn(token, text)
+        self.assertIn(hashlib.sha256(token.encode()).hexdigest(), text)
+
+    def test_the_back_end_checks_changes_itself(self):
+        no_session, no_right = self.stated(
+            r"the back-end reads the session's file and its user's rights itself \((\d+), (\d+)\)")
+        viewer = Client(self.board, "viewer")
+        for session, code in (("0" * 16, no_session), (viewer.identifier, no_right)):
+            for number in (0x020100A3, 0x020100A4):
+                self.assertEqual(self.board.ask(2, number, session.encode(), bytes(4))[0], code)
 
     def test_a_login_makes_the_session_anew(self):
         self.stated(r"(made anew at login, never taken from outside)")

@@ -142,6 +142,12 @@ TEST_F(AuditLogTest, aLineThatDoesNotFitIsNotWrittenInPart) {
     EXPECT_EQ(readText(path()), before);
 }
 
+TEST_F(AuditLogTest, takesTheSpaceOfAChangeInAdvance) {
+    const std::size_t moreThanThereIs = std::size_t(1) << 62;
+    EXPECT_EQ(codeOf([] { AuditLog log(moreThanThereIs); }), AUDIT_NOT_WRITTEN);
+    EXPECT_EQ(codeOf([] { AuditLog log(1000); }), 0);
+}
+
 TEST_F(AuditLogTest, aFullFileBecomesAFormerOne) {
     writePrivateText(path(), std::string(1024 * 1024, 'x') + "\n");
     for (int number = 1; number <= 15; ++number) {

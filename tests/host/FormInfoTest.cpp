@@ -1,6 +1,7 @@
 #include <VeskLib/Gui/FormInfo.h>
 
 #include "platform/host/web/FormLimits.h"
+#include "platform/host/web/formPolicy.h"
 #include "tests/host/refusal.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/interruptOften.h"
@@ -18,6 +19,8 @@ using Host::FormLimits::BODY_LENGTH;
 using Host::FormLimits::QUERY_LENGTH;
 
 namespace {
+
+const std::size_t SMALL_BODY = 4 * 1024;
 
 // The field as the first question of a process finds it.
 std::string ask(const ChildSetup& request, const std::string& name) {
@@ -61,6 +64,14 @@ std::string askTyped(const std::string& type) {
 std::string askQuery(const std::string& query) {
     return ask({.environment = {{"REQUEST_METHOD", "GET"}, {"QUERY_STRING", query}}, .input = {}},
                "a");
+}
+
+// The field as a program finds it that takes SMALL_BODY bytes.
+std::string askSmall(const std::string& body, const std::string& contentLength) {
+    Host::formPolicy().bodyLength = SMALL_BODY;
+    const std::string answer = askPosted(body, contentLength);
+    Host::formPolicy() = {};
+    return answer;
 }
 
 // A form of exactly `size` bytes that begins with "a=1".
@@ -115,6 +126,15 @@ TEST(FormInfoHostTest, aLengthAboveTheLimitIsRefusedWhateverFollows) {
     EXPECT_EQ(askPosted("a=1", "9999999999"), TOO_LARGE);
     // The largest number that there is, which must not pass for "no length".
     EXPECT_EQ(askPosted("a=1", "18446744073709551615"), TOO_LARGE);
+}
+
+TEST(FormInfoHostTest, aProgramMayTakeLess) {
+    EXPECT_EQ(askSmall(formOf(SMALL_BODY), std::to_string(SMALL_BODY)), "[1]");
+    EXPECT_EQ(askSmall(formOf(SMALL_BODY), ""), "[1]");
+    EXPECT_EQ(askSmall(formOf(SMALL_BODY + 1), std::to_string(SMALL_BODY + 1)), TOO_LARGE);
+    EXPECT_EQ(askSmall(formOf(SMALL_BODY + 1), ""), TOO_LARGE);
+    // Refused by what it announces, without waiting for it.
+    EXPECT_EQ(askSmall("", std::to_string(SMALL_BODY + 1)), TOO_LARGE);
 }
 
 TEST(FormInfoHostTest, aBodyMayBeAsLongAsItsLimitAlsoUnannounced) {

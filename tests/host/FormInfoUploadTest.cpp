@@ -1,4 +1,5 @@
 #include "platform/host/web/FormLimits.h"
+#include "platform/host/web/formPolicy.h"
 #include "tests/host/multipartBody.h"
 #include "tests/host/refusal.h"
 #include "tests/support/BoardTest.h"
@@ -76,6 +77,14 @@ protected:
         return result.output;
     }
 
+    // The same by a program that does with a file what `policy` says.
+    static std::string findBy(const Host::FormPolicy& policy, const ChildSetup& request) {
+        Host::formPolicy() = policy;
+        const std::string found = find(request);
+        Host::formPolicy() = {};
+        return found;
+    }
+
     // Reads a request that is refused, and looks whether anything of it is to be found after that.
     static std::string findRefused(const ChildSetup& request) {
         const std::vector<std::string> lines = run(
@@ -121,6 +130,25 @@ TEST_F(FormInfoUploadTest, fieldsAndTheFileAreFound) {
         request.inputKind = kind;
         EXPECT_EQ(find(request), "a [1], b [x y], file [saved.dat] of 7 bytes: [content]");
     }
+}
+
+TEST_F(FormInfoUploadTest, aFileMayOnlyBeCounted) {
+    const Host::FormPolicy counted = {.file = Host::FormPolicy::File::COUNTED};
+    const std::string parts = fieldPart("a", "1") + filePart("f", "saved.dat", "content");
+    EXPECT_EQ(findBy(counted, postParts(parts)), "a [1], no b, file [saved.dat] of 7 bytes: []");
+    EXPECT_EQ(findBy(counted, postParts(filePart("f", "n", std::string(2 * BODY_LENGTH, 'x')))),
+              "no a, no b, file [n] of " + std::to_string(2 * BODY_LENGTH) + " bytes: []");
+}
+
+TEST_F(FormInfoUploadTest, aFileThatIsNotTakenCountsAsAField) {
+    const std::size_t length = 3000;
+    const Host::FormPolicy refused = {.bodyLength = 2 * length,
+                                      .file = Host::FormPolicy::File::REFUSED};
+    const auto sized = [](std::size_t size) { return filePart("f", "n", std::string(size, 'x')); };
+    EXPECT_EQ(findBy(refused, postParts(sized(length))), "no a, no b, file [n] of 0 bytes: []");
+    EXPECT_EQ(findBy(refused, postParts(fieldPart("a", "1") + sized(VALUE_LENGTH + 1))), TOO_LARGE);
+    const std::string field = fieldPart("b", std::string(length, 'x'));
+    EXPECT_EQ(findBy(refused, postParts(field + fieldPart("a", "1") + sized(length))), TOO_LARGE);
 }
 
 TEST_F(FormInfoUploadTest, valuesAreTakenAsTheyStand) {

@@ -96,7 +96,7 @@ TEST(ComponentPrintingTest, aFileSelectorHasItsMarkup) {
 }
 
 TEST(ComponentPrintingTest, aHostileTextStaysInItsCheckBox) {
-    for (const std::string& text : hostileTexts()) {
+    for (const std::string& text : printableTexts()) {
         SCOPED_TRACE(text);
         CheckBox boxes(text, text, text, &ALLOWED);
         boxes.add(text, text, text, "", true, true);
@@ -119,7 +119,7 @@ TEST(ComponentPrintingTest, aHostileTextStaysInItsCheckBox) {
 }
 
 TEST(ComponentPrintingTest, aHostileHintStaysInItsCheckBox) {
-    for (const std::string& text : hostileTexts()) {
+    for (const std::string& text : printableTexts()) {
         CheckBox boxes("title", "", "form", &ALLOWED);
         boxes.add("name", "", "", text, false, false);
         const std::string printed = printedHTML(boxes);
@@ -129,7 +129,7 @@ TEST(ComponentPrintingTest, aHostileHintStaysInItsCheckBox) {
 }
 
 TEST(ComponentPrintingTest, aHostileTextStaysInItsButton) {
-    for (const std::string& text : hostileTexts()) {
+    for (const std::string& text : printableTexts()) {
         SCOPED_TRACE(text);
         const std::string printed =
             printedHTML(Button(text, text, text, 1, "\"" + text + "\"", true));
@@ -146,7 +146,7 @@ TEST(ComponentPrintingTest, aHostileTextStaysInItsButton) {
 }
 
 TEST(ComponentPrintingTest, aHostileTextStaysInItsFileSelector) {
-    for (const std::string& text : hostileTexts()) {
+    for (const std::string& text : printableTexts()) {
         SCOPED_TRACE(text);
         const std::string printed = printedHTML(SelectFile(text, text, text, 0, 0));
         EXPECT_EQ(tagNamesOf(printed), std::vector<std::string>{"input"});

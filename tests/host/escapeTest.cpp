@@ -1,5 +1,6 @@
 #include "platform/host/html/escape.h"
 
+#include "tests/support/encodeUTF8.h"
 #include "tests/support/hostileTexts.h"
 #include "tests/support/markup.h"
 #include "tests/support/printedBy.h"
@@ -8,6 +9,9 @@
 #include <gmock/gmock.h>
 
 #include <map>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace VeskLib::Test {
 
@@ -15,15 +19,64 @@ using Host::escapeHTML;
 using Host::escapeScript;
 using testing::ElementsAre;
 
-TEST(EscapeTest, everyByteOfAnHTMLTextIsEitherItselfOrItsReference) {
+namespace {
+
+bool isControl(int value) {
+    return value < 0x20 || value == 0x7F;
+}
+
+// The picture of an ASCII control character.
+std::string pictureOf(int value) {
+    return encodeUTF8(value == 0x7F ? 0x2421 : 0x2400 + static_cast<char32_t>(value));
+}
+
+// What turns the direction of a text, or ends its line.
+std::vector<char32_t> hiddenCharacters() {
+    std::vector<char32_t> all = {0x061C, 0x200E, 0x200F};
+    for (const auto& [first, last] :
+         {std::pair<char32_t, char32_t>(0x80, 0x9F), {0x2028, 0x202E}, {0x2066, 0x2069}}) {
+        for (char32_t character = first; character <= last; ++character) {
+            all.push_back(character);
+        }
+    }
+    return all;
+}
+
+}  // namespace
+
+TEST(EscapeTest, everyByteOfAnHTMLTextIsItselfItsReferenceOrItsPicture) {
     const std::map<char, std::string> references = {
         {'&', "&amp;"}, {'<', "&lt;"}, {'>', "&gt;"}, {'"', "&quot;"}, {'\'', "&#39;"}};
     for (int value = 0; value < 256; ++value) {
         SCOPED_TRACE(value);
         const char byte = static_cast<char>(value);
         const auto reference = references.find(byte);
-        EXPECT_EQ(escapeHTML({&byte, 1}),
-                  reference == references.end() ? std::string(1, byte) : reference->second);
+        const std::string expected = isControl(value)                ? pictureOf(value)
+                                     : reference == references.end() ? std::string(1, byte)
+                                                                     : reference->second;
+        EXPECT_EQ(escapeHTML({&byte, 1}), expected);
+    }
+}
+
+TEST(EscapeTest, aHiddenCharacterIsSeen) {
+    for (const char32_t character : hiddenCharacters()) {
+        SCOPED_TRACE(static_cast<unsigned int>(character));
+        const std::string text = "a" + encodeUTF8(character) + "z";
+        EXPECT_EQ(escapeHTML(text), "a\uFFFDz");
+        EXPECT_EQ(escapeScript(text), "a\uFFFDz");
+        EXPECT_EQ(Host::makeVisible(text + "<\n"), "a\uFFFDz<\u240A");
+        EXPECT_EQ(escapeHTML(text.substr(1) + text), "\uFFFDza\uFFFDz");
+    }
+}
+
+TEST(EscapeTest, theNeighboursOfHiddenCharactersAreKept) {
+    for (const char32_t character :
+         std::initializer_list<char32_t>{0xA0, 0xA9, 0xBF, 0x061B, 0x061D, 0x200D, 0x2010, 0x2027,
+                                         0x202F, 0x2065, 0x206A, 0x20AC, 0xFFFD}) {
+        SCOPED_TRACE(static_cast<unsigned int>(character));
+        const std::string text = encodeUTF8(character);
+        EXPECT_EQ(escapeHTML(text), text);
+        EXPECT_EQ(escapeScript(text), text);
     }
 }
 
@@ -33,13 +86,15 @@ TEST(EscapeTest, anHTMLTextIsPrintedAsItIsEscaped) {
     }
 }
 
-TEST(EscapeTest, everyByteOfAScriptTextIsEitherItselfOrItsEscape) {
-    const std::string escaped = "\"'$`\\<>&\x7F";
+TEST(EscapeTest, everyByteOfAScriptTextIsItselfItsEscapeOrItsPicture) {
+    const std::string escaped = "\"'$`\\<>&";
     for (int value = 0; value < 256; ++value) {
         SCOPED_TRACE(value);
         const char byte = static_cast<char>(value);
         std::string expected(1, byte);
-        if (value < 0x20 || escaped.find(byte) != std::string::npos) {
+        if (isControl(value)) {
+            expected = pictureOf(value);
+        } else if (escaped.find(byte) != std::string::npos) {
             const char digits[] = "0123456789abcdef";
             expected = {'\\', 'x', digits[value / 16], digits[value % 16]};
         }
@@ -47,20 +102,16 @@ TEST(EscapeTest, everyByteOfAScriptTextIsEitherItselfOrItsEscape) {
     }
 }
 
-TEST(EscapeTest, theLineSeparatorsOfOlderScriptsAreEscaped) {
-    EXPECT_EQ(escapeScript("a\xE2\x80\xA8z"), "a\\u2028z");
-    EXPECT_EQ(escapeScript("\xE2\x80\xA9"), "\\u2029");
-    EXPECT_EQ(escapeScript("\xE2\x80\xA7\xE2\x80\xB0"), "\xE2\x80\xA7\xE2\x80\xB0");
-}
-
-TEST(EscapeTest, aSeparatorThatIsCutShortIsKept) {
+TEST(EscapeTest, aCharacterThatIsCutShortIsKept) {
     EXPECT_EQ(escapeScript("\xE2\x80"), "\xE2\x80");
     EXPECT_EQ(escapeScript("\xE2"), "\xE2");
     EXPECT_EQ(escapeScript("\xE2\x80<"), "\xE2\x80\\x3c");
+    EXPECT_EQ(escapeHTML("\xE2\x80"), "\xE2\x80");
+    EXPECT_EQ(escapeHTML("\xC2<"), "\xC2&lt;");
 }
 
 TEST(EscapeTest, aBrowserReadsBackWhatWasEscaped) {
-    for (const std::string& text : hostileTexts()) {
+    for (const std::string& text : printableTexts()) {
         SCOPED_TRACE(text);
         EXPECT_EQ(textOf(escapeHTML(text)), text);
         EXPECT_EQ(tagsOf("<p title=\"" + escapeHTML(text) + "\">").at(0).attributes.at("title"),

@@ -96,6 +96,21 @@ TEST_F(DownloadNameTest, takesNoPathInFrontOfAName) {
     EXPECT_FALSE(isName("C:\\Partition3_20261114_123B.dat"));
 }
 
+TEST_F(DownloadNameTest, fitsAsAPageShowsIt) {
+    const Host::ConfigurationFile file = makeFile(3,
+                                                  "1.2\xE2\x80\xAE"
+                                                  "3");
+    EXPECT_TRUE(
+        fits("Partition3_20261114_12\xE2\x80\xAE"
+             "3.dat",
+             file));
+    EXPECT_TRUE(
+        fits("Partition3_20261114_12\uFFFD"
+             "3.dat",
+             file));
+    EXPECT_FALSE(fits("Partition3_20261114_123.dat", file));
+}
+
 TEST_F(DownloadNameTest, fitsTheFileThatItWasMadeFor) {
     EXPECT_TRUE(fits("Partition3_20261114_123B.dat", makeFile(3, "1.23 B")));
     EXPECT_TRUE(fits("BIOS_20261114_123B.dat", makeFile(0, "1.23 B")));

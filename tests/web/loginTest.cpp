@@ -243,7 +243,7 @@ TEST_F(LoginTest, refusedLoginIsTracedWithoutWhatWasTyped) {
 
 TEST_F(LoginTest, typedNameStaysInItsPlace) {
     std::string plainTags;
-    for (const std::string& name : hostileTexts()) {
+    for (const std::string& name : printableTexts()) {
         FakeBackend backend(refuse(Host::BACKEND_LOGIN_REFUSED));
         std::string encoded;
         for (const char character : name) {

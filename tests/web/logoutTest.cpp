@@ -26,6 +26,7 @@ protected:
         expectRedirection(response, "/login.cgi");
         EXPECT_EQ(response.header("Set-Cookie"),
                   "session=; Path=/; Max-Age=0; HttpOnly; SameSite=Strict");
+        EXPECT_EQ(response.header("Clear-Site-Data"), "\"cache\", \"storage\"");
     }
 
     const Host::Session session = startSession("admin", false, ",105,106,");

@@ -104,10 +104,7 @@ TEST_F(MenuTest, logoutIsAPost) {
 TEST_F(MenuTest, userNameStaysInItsPlace) {
     const std::vector<std::string> plain =
         tagNamesOf(showTo(startSession("admin", false, "")).body);
-    for (const std::string& name : hostileTexts()) {
-        if (name.find('\n') != std::string::npos) {
-            continue;  // no session is made for such a name
-        }
+    for (const std::string& name : printableTexts()) {
         const CGIResponse response = showTo(startSession(name, false, ""));
         EXPECT_EQ(tagNamesOf(response.body), plain) << name;
         EXPECT_THAT(textOf(response.body), HasSubstr(name));

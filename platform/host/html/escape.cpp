@@ -17,28 +17,103 @@ struct Reference {
 constexpr Reference REFERENCES[] = {
     {'&', "&amp;"}, {'<', "&lt;"}, {'>', "&gt;"}, {'"', "&quot;"}, {'\'', "&#39;"}};
 
-// For each byte the number of its reference, counted from 1; 0 for what stands for itself.
-constexpr std::array<unsigned char, 256> makeReferenceTable() {
-    std::array<unsigned char, 256> table = {};
-    unsigned char number = 0;
+const std::size_t FIRST_PRINTABLE = 0x20;
+const char DELETE = '\x7F';
+constexpr std::string_view UNPRINTABLE = "\uFFFD";
+
+// The pictures of the control characters below FIRST_PRINTABLE, U+2400 to U+241F, and of DELETE.
+constexpr std::string_view PICTURES =
+    "\u2400\u2401\u2402\u2403\u2404\u2405\u2406\u2407\u2408\u2409\u240A\u240B\u240C\u240D\u240E"
+    "\u240F"
+    "\u2410\u2411\u2412\u2413\u2414\u2415\u2416\u2417\u2418\u2419\u241A\u241B\u241C\u241D\u241E"
+    "\u241F"
+    "\u2421";
+const std::size_t PICTURE_SIZE = 3;
+
+// The characters of two and three bytes that end a line, turn the direction of the text around
+// them, or are controls: those that begin with the bytes `start` and end with one from `first` to
+// `last`.
+struct HiddenCharacters {
+    std::string_view start;
+    unsigned char first;
+    unsigned char last;
+};
+
+constexpr HiddenCharacters HIDDEN_CHARACTERS[] = {
+    {"\xC2", 0x80, 0x9F},      // U+0080 to U+009F
+    {"\xD8", 0x9C, 0x9C},      // U+061C
+    {"\xE2\x80", 0x8E, 0x8F},  // U+200E and U+200F
+    {"\xE2\x80", 0xA8, 0xAE},  // U+2028 to U+202E
+    {"\xE2\x81", 0xA6, 0xA9},  // U+2066 to U+2069
+};
+
+// The first byte of each kind of character that something else is printed for.
+constexpr std::array<bool, 256> makeFirstBytes() {
+    std::array<bool, 256> table = {};
+    for (std::size_t byte = 0; byte < FIRST_PRINTABLE; ++byte) {
+        table[byte] = true;
+    }
+    table[static_cast<unsigned char>(DELETE)] = true;
     for (const Reference& reference : REFERENCES) {
-        table[static_cast<unsigned char>(reference.character)] = ++number;
+        table[static_cast<unsigned char>(reference.character)] = true;
+    }
+    for (const HiddenCharacters& hidden : HIDDEN_CHARACTERS) {
+        table[static_cast<unsigned char>(hidden.start.front())] = true;
     }
     return table;
 }
 
-constexpr std::array<unsigned char, 256> REFERENCE_TABLE = makeReferenceTable();
+constexpr std::array<bool, 256> FIRST_BYTES = makeFirstBytes();
 
-// Hands on what stands in a page for `text`, in pieces.
-template <typename Consumer>
-void forEachPiece(std::string_view text, Consumer consume) {
+std::string_view pictureOf(std::size_t number) {
+    return PICTURES.substr(number * PICTURE_SIZE, PICTURE_SIZE);
+}
+
+// What is seen in place of the character at the beginning of `rest`, and its `size`; nothing when
+// it is seen itself.
+std::string_view findVisible(std::string_view rest, std::size_t& size) {
+    const auto byte = static_cast<unsigned char>(rest.front());
+    size = 1;
+    if (byte < FIRST_PRINTABLE || rest.front() == DELETE) {
+        return pictureOf(byte < FIRST_PRINTABLE ? byte : FIRST_PRINTABLE);
+    }
+    for (const HiddenCharacters& hidden : HIDDEN_CHARACTERS) {
+        size = hidden.start.size() + 1;
+        if (rest.size() >= size && rest.starts_with(hidden.start)) {
+            const auto last = static_cast<unsigned char>(rest[size - 1]);
+            if (last >= hidden.first && last <= hidden.last) {
+                return UNPRINTABLE;
+            }
+        }
+    }
+    return {};
+}
+
+std::string_view findReference(std::string_view rest, std::size_t& size) {
+    for (const Reference& reference : REFERENCES) {
+        if (rest.front() == reference.character) {
+            size = 1;
+            return reference.text;
+        }
+    }
+    return findVisible(rest, size);
+}
+
+// Hands on `text` in pieces, with what `find` finds in place of its characters.
+template <typename Find, typename Consumer>
+void forEachPiece(std::string_view text, Find find, Consumer consume) {
     std::size_t handedOn = 0;
     for (std::size_t i = 0; i < text.size(); ++i) {
-        const unsigned char number = REFERENCE_TABLE[static_cast<unsigned char>(text[i])];
-        if (number != 0) {
+        if (!FIRST_BYTES[static_cast<unsigned char>(text[i])]) {
+            continue;
+        }
+        std::size_t size = 0;
+        const std::string_view found = find(text.substr(i), size);
+        if (!found.empty()) {
             consume(text.substr(handedOn, i - handedOn));
-            consume(REFERENCES[number - 1].text);
-            handedOn = i + 1;
+            consume(found);
+            handedOn = i + size;
+            i = handedOn - 1;
         }
     }
     consume(text.substr(handedOn));
@@ -46,37 +121,40 @@ void forEachPiece(std::string_view text, Consumer consume) {
 
 }  // namespace
 
+std::string makeVisible(std::string_view text) {
+    std::string visible;
+    visible.reserve(text.size());
+    forEachPiece(text, findVisible, [&visible](std::string_view piece) { visible += piece; });
+    return visible;
+}
+
 std::string escapeHTML(std::string_view text) {
     std::string escaped;
     escaped.reserve(text.size());
-    forEachPiece(text, [&escaped](std::string_view piece) { escaped += piece; });
+    forEachPiece(text, findReference, [&escaped](std::string_view piece) { escaped += piece; });
     return escaped;
 }
 
 void printEscaped(std::string_view text) {
-    forEachPiece(text, printText);
+    forEachPiece(text, findReference, printText);
 }
 
 std::string escapeScript(std::string_view text) {
     static const char DIGITS[] = "0123456789abcdef";
     std::string escaped;
     escaped.reserve(text.size());
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const auto byte = static_cast<unsigned char>(text[i]);
-        // U+2028 and U+2029, which older scripts take for line ends, are E2 80 A8 and E2 80 A9.
-        const std::string_view rest = text.substr(i, 3);
-        if (rest == "\xE2\x80\xA8" || rest == "\xE2\x80\xA9") {
-            escaped += rest.back() == '\xA8' ? "\\u2028" : "\\u2029";
-            i += 2;
-        } else if (byte < 0x20 || byte == 0x7F ||
-                   std::string_view("\"'$`\\<>&").find(text[i]) != std::string_view::npos) {
+    forEachPiece(text, findVisible, [&escaped](std::string_view piece) {
+        for (const char character : piece) {
+            if (std::string_view("\"'$`\\<>&").find(character) == std::string_view::npos) {
+                escaped += character;
+                continue;
+            }
+            const auto byte = static_cast<unsigned char>(character);
             escaped += "\\x";
             escaped += DIGITS[byte >> 4];
             escaped += DIGITS[byte & 0xF];
-        } else {
-            escaped += text[i];
         }
-    }
+    });
     return escaped;
 }
 

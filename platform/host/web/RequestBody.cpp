@@ -31,7 +31,8 @@ std::optional<std::size_t> readAnnouncedLength() {
 
 }  // namespace
 
-RequestBody::RequestBody() : announced(readAnnouncedLength()) {
+RequestBody::RequestBody(int milliseconds)
+    : deadline(milliseconds), announced(readAnnouncedLength()) {
 }
 
 std::string_view RequestBody::next() {

@@ -13,11 +13,15 @@ class RequestBody {
 public:
     // The whole body must come within this time, so that a client that sends a byte now and then
     // does not keep the process.
+<<<<<<< HEAD
     static constexpr int DEADLINE_MILLISECONDS = 25000;
+=======
+    static constexpr int DEADLINE_MILLISECONDS = 30000;
+>>>>>>> docs
 
     // Takes the announced length from CONTENT_LENGTH; without one the body ends with the input.
     // Throws PException (REQUEST_MALFORMED) when the length is no number.
-    RequestBody();
+    explicit RequestBody(int milliseconds = DEADLINE_MILLISECONDS);
 
     // None when no length was announced.
     std::optional<std::size_t> announcedLength() const { return announced; }
@@ -28,7 +32,7 @@ public:
     std::string_view next();
 
 private:
-    const Deadline deadline{DEADLINE_MILLISECONDS};
+    const Deadline deadline;
     std::optional<std::size_t> announced;
     std::size_t taken = 0;
     char buffer[16 * 1024];
