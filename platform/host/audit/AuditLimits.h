@@ -20,8 +20,8 @@ public:
     // Counts `event`, which happens at `now`. Returns true if it gets a line of its own.
     bool admit(const AuditEvent& event, std::time_t now);
 
-    // Returns the events that report what was only counted in the periods that are over, and forgets
-    // the counts. A period that the clock says begins in the future is over.
+    // Returns the events that report what was only counted in the periods that are over, and
+    // forgets the counts. A period that the clock says begins in the future is over.
     std::vector<AuditEvent> takeReports(std::time_t now);
 
     // As text, and back. A text that is damaged gives limits without any counts.
@@ -37,6 +37,8 @@ private:
 
         bool isOver(std::time_t now) const { return now < start || now >= start + length; }
     };
+
+    class Reader;
 
     std::map<std::string, Period> periods;  // by user; "" for those who are not logged in
 };

@@ -5,8 +5,8 @@
 #include "platform/host/base/platformException.h"
 #include "platform/host/base/randomText.h"
 #include "platform/host/base/sha256.h"
-#include "platform/host/storage/files.h"
 #include "platform/host/session/abandonedUploads.h"
+#include "platform/host/storage/files.h"
 
 #include <VeskLib/LockedFile.h>
 #include <VeskLib/getCGIPath.h>
@@ -70,8 +70,7 @@ std::map<std::string, std::string> parseLines(const std::vector<unsigned char>& 
 }
 
 std::vector<unsigned char> toLines(const Session& session) {
-    const std::string text = "token_sha256=" + sha256Hex(session.token) +
-                             "\nuser=" + session.user +
+    const std::string text = "token_sha256=" + sha256Hex(session.token) + "\nuser=" + session.user +
                              "\ncreated=" + std::to_string(session.created) + "\n";
     return {text.begin(), text.end()};
 }
@@ -97,7 +96,10 @@ bool readSession(const std::string& identifier, StoredSession& session) {
     std::vector<unsigned char> bytes;
     struct stat status = {};
     if (!readOwnFile(sessionPath(identifier), LARGEST_SESSION_FILE, bytes, status)) {
-        if (errno == EPERM) {
+        if (errno == EPERM && status.st_mode == 0) {
+            errno = EACCES;  // the system did not let it be opened, which says nothing about whose
+                             // it is
+        } else if (errno == EPERM) {
             traceForeignFile(identifier);
         }
         return false;
@@ -133,8 +135,8 @@ enum class SessionState {
 
 // What `errno` says of a session's file that cannot be read: only these reasons last.
 SessionState stateAfterFailure() {
-    const bool lasting = errno == ENOENT || errno == ELOOP || errno == EINVAL || errno == EFBIG ||
-                         errno == EPERM;
+    const bool lasting =
+        errno == ENOENT || errno == ELOOP || errno == EINVAL || errno == EFBIG || errno == EPERM;
     return lasting ? SessionState::GONE : SessionState::UNREADABLE;
 }
 

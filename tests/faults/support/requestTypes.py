@@ -317,6 +317,9 @@ class NoAuthority(RequestType):
     events = ("refusal",)
 
     def make(self, scene):
+        # Files of a function that its user may not use any more go.
+        for path in (stagedFile(scene.viewer), backupFile(scene.viewer)):
+            self.allowed[path] = [ABSENT]
         return post(scene.viewer, b"functionID=106&hidden_status=2&pid2=2&pid3=3")
 
     def claimsSuccess(self, response, scene):
