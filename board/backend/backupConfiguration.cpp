@@ -46,11 +46,12 @@ void backupConfiguration(const BoardDescription& description, const Configuratio
         throw Refusal{Host::BACKEND_NOT_STORED,
                       "cannot write " + path + ": " + std::strerror(errno)};
     }
-    event.file = Host::auditedFile(bytes);
-    event.result = "done";
     try {
-        Host::record(event);
-    } catch (const PException&) {
+        Host::AuditEvent done = event;
+        done.file = Host::auditedFile(bytes);
+        done.result = "done";
+        Host::record(done);
+    } catch (...) {
         static_cast<void>(std::remove(path.c_str()));
         throw Refusal{Host::BACKEND_NOT_RECORDED, "the audit log takes no line"};
     }

@@ -115,7 +115,7 @@ void replaceRecorded(ConfigurationStore& store, const std::set<unsigned int>& pa
     }
     try {
         log.append(event);
-    } catch (const PException&) {
+    } catch (...) {  // whatever it was, the partitions are as they are
         throw Refusal{Host::BACKEND_OUTCOME_NOT_RECORDED, "the audit log lacks the outcome"};
     }
     if (!stored) {

@@ -7,12 +7,11 @@
 
 #include <cstdio>
 #include <ctime>
+#include <string_view>
 
 namespace VeskLib::Host {
 
 namespace {
-
-using JSON = nlohmann::ordered_json;
 
 std::string formatTime(AuditTime time) {
     const std::int64_t milliseconds =
@@ -28,51 +27,96 @@ std::string formatTime(AuditTime time) {
     return std::string(text, size) + fraction;
 }
 
-void putText(JSON& line, const char* name, const std::string& text) {
-    if (!text.empty()) {
-        line[name] = text;
+// One object of JSON. The members are written as they come: the library's own objects need memory
+// when they are destroyed, and without memory that would end the process.
+class Object {
+public:
+    void put(std::string_view name, const std::string& value) {
+        text += text.empty() ? "{\"" : ",\"";
+        text += name;
+        text += "\":";
+        text += value;
     }
+
+    void putText(std::string_view name, const std::string& value) {
+        if (!value.empty()) {
+            put(name, jsonText(value));
+        }
+    }
+
+    std::string end() const { return text.empty() ? "{}" : text + "}"; }
+
+private:
+    std::string text;
+};
+
+std::string toJSON(const std::vector<unsigned int>& numbers) {
+    std::string text;
+    for (const unsigned int number : numbers) {
+        text += (text.empty() ? "[" : ",") + std::to_string(number);
+    }
+    return text + "]";
 }
 
-void putSums(JSON& line, const char* name, const std::map<unsigned int, std::string>& sums) {
+std::string toJSON(const AuditedFile& file) {
+    Object object;
+    object.put("sha256", jsonText(file.sha256));
+    object.put("partition", std::to_string(file.partition));
+    object.put("version", jsonText(file.version));
+    object.put("saved", jsonText(formatTime(std::chrono::system_clock::from_time_t(file.saved))));
+    return object.end();
+}
+
+void putSums(Object& line, const char* name, const std::map<unsigned int, std::string>& sums) {
+    Object object;
     for (const auto& [partition, sum] : sums) {
-        line[name][std::to_string(partition)] = sum;
+        object.put(std::to_string(partition), jsonText(sum));
+    }
+    if (!sums.empty()) {
+        line.put(name, object.end());
     }
 }
 
-JSON toJSON(const AuditedFile& file) {
-    return {{"sha256", file.sha256},
-            {"partition", file.partition},
-            {"version", file.version},
-            {"saved", formatTime(std::chrono::system_clock::from_time_t(file.saved))}};
+void putCounts(Object& line, const std::map<std::string, unsigned int>& counts) {
+    Object object;
+    for (const auto& [name, count] : counts) {
+        object.put(name, std::to_string(count));
+    }
+    if (!counts.empty()) {
+        line.put("counts", object.end());
+    }
 }
 
 }  // namespace
 
+std::string jsonText(const std::string& text) {
+    return nlohmann::json(text).dump(-1, ' ', true, nlohmann::json::error_handler_t::replace);
+}
+
 std::string encode(const AuditEvent& event, AuditTime time) {
-    JSON line = {{"time", formatTime(time)}, {"event", event.event}};
-    putText(line, "user", event.user);
-    putText(line, "address", event.address);
-    putText(line, "session", event.session);
-    putText(line, "request", event.request);
-    putText(line, "reason", event.reason);
-    putText(line, "order", event.order);
+    Object line;
+    line.put("time", jsonText(formatTime(time)));
+    line.put("event", jsonText(event.event));
+    line.putText("user", event.user);
+    line.putText("address", event.address);
+    line.putText("session", event.session);
+    line.putText("request", event.request);
+    line.putText("reason", event.reason);
+    line.putText("order", event.order);
     if (!event.partitions.empty()) {
-        line["partitions"] = event.partitions;
+        line.put("partitions", toJSON(event.partitions));
     }
     if (event.file) {
-        line["file"] = toJSON(*event.file);
+        line.put("file", toJSON(*event.file));
     }
     putSums(line, "before", event.before);
     putSums(line, "after", event.after);
-    for (const auto& [name, count] : event.counts) {
-        line["counts"][name] = count;
-    }
-    putText(line, "result", event.result);
+    putCounts(line, event.counts);
+    line.putText("result", event.result);
     if (event.code != 0) {
-        line["code"] = event.code;
+        line.put("code", std::to_string(event.code));
     }
-    return line.dump(-1, ' ', true, JSON::error_handler_t::replace) + "\n";
+    return line.end() + "\n";
 }
 
 std::optional<AuditedFile> auditedFile(const std::vector<unsigned char>& bytes) {

@@ -36,6 +36,9 @@ struct AuditEvent {
     int code = 0;
 };
 
+// `text` as JSON has it, in quotes. It is ASCII, whatever `text` is.
+std::string jsonText(const std::string& text);
+
 using AuditTime = std::chrono::system_clock::time_point;
 
 // The line of `event`, with its line feed. It is ASCII: whatever a text contains cannot end the

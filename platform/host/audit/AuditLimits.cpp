@@ -44,33 +44,101 @@ std::vector<AuditEvent> AuditLimits::takeReports(std::time_t now) {
 }
 
 std::string AuditLimits::save() const {
-    nlohmann::json saved = nlohmann::json::object();
+    std::string text;
     for (const auto& [user, period] : periods) {
-        saved[user] = {{"start", period.start},
-                       {"length", period.length},
-                       {"lines", period.lines},
-                       {"counts", period.counts}};
+        text += (text.empty() ? "{" : ",") + jsonText(user) +
+                ":{\"start\":" + std::to_string(period.start) +
+                ",\"length\":" + std::to_string(period.length) +
+                ",\"lines\":" + std::to_string(period.lines) + ",\"counts\":{";
+        const char* separator = "";
+        for (const auto& [event, count] : period.counts) {
+            text += separator + jsonText(event) + ":" + std::to_string(count);
+            separator = ",";
+        }
+        text += "}}";
     }
-    return saved.dump(-1, ' ', true, nlohmann::json::error_handler_t::replace);
+    return text.empty() ? "{}" : text + "}";
 }
 
-AuditLimits AuditLimits::load(const std::string& text) {
+// Takes the saved text piece by piece. A whole text would be one of the library's objects, which
+// need memory when they are destroyed; without memory that would end the process.
+class AuditLimits::Reader : public nlohmann::json_sax<nlohmann::json> {
+public:
     AuditLimits limits;
-    try {
-        const nlohmann::json all = nlohmann::json::parse(text);
-        for (const auto& [user, saved] : all.items()) {
-            Period period;
-            saved.at("start").get_to(period.start);
-            period.length =
-                std::clamp(saved.at("length").get<std::time_t>(), SHORTEST_PERIOD, LONGEST_PERIOD);
-            saved.at("lines").get_to(period.lines);
-            saved.at("counts").get_to(period.counts);
-            limits.periods[user] = std::move(period);
+
+    bool start_object(std::size_t /*elements*/) override {
+        if (depth == PERIOD) {
+            if (keys[PERIOD] != "counts") {
+                return false;
+            }
+        } else if (depth == USER) {
+            limits.periods.try_emplace(keys[USER]);
         }
-    } catch (const nlohmann::json::exception&) {
+        return ++depth <= COUNTS;
+    }
+    bool end_object() override {
+        --depth;
+        return true;
+    }
+    bool key(string_t& name) override {
+        keys[depth] = std::move(name);
+        return true;
+    }
+    bool number_unsigned(number_unsigned_t number) override {
+        if (depth == COUNTS) {
+            limits.periods[keys[USER]].counts[keys[COUNTS]] = static_cast<unsigned int>(number);
+            return true;
+        }
+        return depth == PERIOD && takeMember(static_cast<number_integer_t>(number));
+    }
+    bool number_integer(number_integer_t number) override {
+        return depth == PERIOD && takeMember(number);
+    }
+    bool number_float(number_float_t /*number*/, const string_t& /*text*/) override {
+        return false;
+    }
+    bool start_array(std::size_t /*elements*/) override { return false; }
+    bool end_array() override { return false; }
+    bool null() override { return false; }
+    bool boolean(bool /*value*/) override { return false; }
+    bool string(string_t& /*value*/) override { return false; }
+    bool binary(binary_t& /*value*/) override { return false; }
+    bool parse_error(std::size_t /*position*/, const std::string& /*token*/,
+                     const nlohmann::json::exception& /*problem*/) override {
+        return false;
+    }
+
+private:
+    // How many objects are open where the keys of each stand.
+    static constexpr std::size_t USER = 1;
+    static constexpr std::size_t PERIOD = 2;
+    static constexpr std::size_t COUNTS = 3;
+
+    bool takeMember(number_integer_t number) {
+        Period& period = limits.periods[keys[USER]];
+        const std::string& name = keys[PERIOD];
+        if (name == "start") {
+            period.start = number;
+        } else if (name == "length") {
+            period.length = std::clamp<std::time_t>(number, SHORTEST_PERIOD, LONGEST_PERIOD);
+        } else if (name == "lines") {
+            period.lines = static_cast<unsigned int>(number);
+        } else {
+            return false;
+        }
+        return true;
+    }
+
+    std::size_t depth = 0;
+    std::string keys[COUNTS + 1];
+};
+
+AuditLimits AuditLimits::load(const std::string& text) {
+    Reader reader;
+    if (!nlohmann::json::sax_parse(text, &reader)) {
         return {};
     }
-    return limits;
+    return std::move(reader.limits);
 }
 
 }  // namespace VeskLib::Host

@@ -38,6 +38,8 @@ private:
         bool isOver(std::time_t now) const { return now < start || now >= start + length; }
     };
 
+    class Reader;
+
     std::map<std::string, Period> periods;  // by user; "" for those who are not logged in
 };
 

@@ -43,11 +43,12 @@ int holdLog() {
 }
 
 // A file that a power cut left with half a line: the next line begins a line of its own.
-bool endsWithinLine(const std::string& path, long long size) {
-    const Descriptor file(openForReading(path));
+bool endsWithinLine(int descriptor, long long size) {
     char last = '\n';
-    return size > 0 && file.isOpen() && ::pread(file.get(), &last, 1, size - 1) == 1 &&
-           last != '\n';
+    if (size > 0 && ::pread(descriptor, &last, 1, size - 1) != 1) {
+        fail("The audit log cannot be read");
+    }
+    return last != '\n';
 }
 
 bool syncFolder(const std::string& path) {
@@ -101,9 +102,8 @@ AuditLog::~AuditLog() {
 
 void AuditLog::open(std::size_t reserve) {
     const bool isNew = ::access(path.c_str(), F_OK) != 0;
-    descriptor =
-        ::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK,
-               FILE_MODE);
+    descriptor = ::open(
+        path.c_str(), O_RDWR | O_APPEND | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, FILE_MODE);
     struct stat status = {};
     if (descriptor < 0 || ::fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode) ||
         status.st_uid != ::geteuid() || (isNew && !syncFolder(path))) {
@@ -115,7 +115,10 @@ void AuditLog::open(std::size_t reserve) {
         open(reserve);
         return;
     }
-    if (endsWithinLine(path, size) && writeWhole(descriptor, "\n")) {
+    if (endsWithinLine(descriptor, size)) {
+        if (!writeWhole(descriptor, "\n")) {
+            fail("The audit log cannot be written");
+        }
         ++size;
     }
     // A file system that cannot do this says so; it is then found out when the lines are written.

@@ -92,7 +92,10 @@ bool readSession(const std::string& identifier, StoredSession& session) {
     std::vector<unsigned char> bytes;
     struct stat status = {};
     if (!readOwnFile(sessionPath(identifier), LARGEST_SESSION_FILE, bytes, status)) {
-        if (errno == EPERM) {
+        if (errno == EPERM && status.st_mode == 0) {
+            errno = EACCES;  // the system did not let it be opened, which says nothing about whose
+                             // it is
+        } else if (errno == EPERM) {
             traceForeignFile(identifier);
         }
         return false;

@@ -159,15 +159,12 @@ bool readOwnFile(const std::string& path, std::size_t limit, std::vector<unsigne
     if (!file.isOpen() || !findStatus(file.get(), limit, found)) {
         return false;
     }
+    status = found;
     if (found.st_uid != ::geteuid()) {
         errno = EPERM;
         return false;
     }
-    if (!readContent(file.get(), found, bytes)) {
-        return false;
-    }
-    status = found;
-    return true;
+    return readContent(file.get(), found, bytes);
 }
 
 bool replaceFile(const std::string& path, const std::vector<unsigned char>& bytes, int mode) {

@@ -14,7 +14,8 @@ namespace VeskLib::Host {
 bool readFile(const std::string& path, std::size_t limit, std::vector<unsigned char>& bytes);
 
 // The same for a file that only the board's own programs write: one that belongs to another user is
-// refused (EPERM). `status` is as before when it cannot be read.
+// refused (EPERM) and has its status in `status` all the same. That is as before when the file
+// cannot be opened.
 bool readOwnFile(const std::string& path, std::size_t limit, std::vector<unsigned char>& bytes,
                  struct stat& status);
 

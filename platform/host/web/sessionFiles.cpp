@@ -43,9 +43,19 @@ std::string pathOf(const char* file) {
     return getCGIPath(file) + requestSession()->session.identifier;
 }
 
-// Returns false when there is nothing at `path`.
+// Returns false when there is nothing at `path`. Throws PException when that cannot be told.
+bool findStatus(const std::string& path, struct stat& status) {
+    if (::lstat(path.c_str(), &status) == 0) {
+        return true;
+    }
+    if (errno != ENOENT) {
+        throw makePlatformException(FILE_NOT_READABLE, "A session's file cannot be looked at");
+    }
+    return false;
+}
+
 bool checkOwn(const std::string& path, struct stat& status) {
-    if (::lstat(path.c_str(), &status) != 0) {
+    if (!findStatus(path, status)) {
         return false;
     }
     if (!S_ISREG(status.st_mode) || status.st_uid != ::geteuid() || status.st_nlink != 1) {
@@ -57,7 +67,7 @@ bool checkOwn(const std::string& path, struct stat& status) {
 
 Staged findStaged() {
     struct stat status = {};
-    if (::lstat(pathOf(STAGING_FILE).c_str(), &status) != 0) {
+    if (!findStatus(pathOf(STAGING_FILE), status)) {
         return {};
     }
     return {.present = true, .number = status.st_ino, .changed = status.st_mtim};
@@ -72,7 +82,9 @@ void removeWhatIsNotAllowed() {
     if (!requestSession()->mayUse(BACKUP_FUNCTION)) {
         static_cast<void>(std::remove(pathOf(BACKUP_FILE).c_str()));
     }
-    if (!requestSession()->mayUse(RESTORE_FUNCTION) && findStaged().present) {
+    struct stat status = {};
+    if (!requestSession()->mayUse(RESTORE_FUNCTION) &&
+        (::lstat(pathOf(STAGING_FILE).c_str(), &status) == 0 || errno != ENOENT)) {
         removeStaged();
     }
 }
@@ -81,16 +93,13 @@ void recordUpload() {
     AuditEvent event = makeAuditEvent("upload");
     std::vector<unsigned char> bytes;
     struct stat status = {};
-    if (readOwnFile(pathOf(STAGING_FILE), LARGEST_CONFIGURATION_FILE, bytes, status)) {
-        event.file = auditedFile(bytes);
+    if (!readOwnFile(pathOf(STAGING_FILE), LARGEST_CONFIGURATION_FILE, bytes, status)) {
+        throw makePlatformException(FILE_NOT_READABLE, "The staged file cannot be read");
     }
-    event.result = "done";
-    try {
-        record(event);
-    } catch (...) {
-        removeStaged();
-        throw;
-    }
+    event.file = auditedFile(bytes);
+    // One that the page has refused and could not remove.
+    event.result = event.file ? "done" : "refused";
+    record(event);
 }
 
 void recordWithResult(const char* name, const char* result) {
@@ -100,14 +109,24 @@ void recordWithResult(const char* name, const char* result) {
 }
 
 void recordChanges() {
-    const Staged after = findStaged();
-    const bool changed = !(after == stagedBefore);
-    if (changed && after.present) {
-        recordUpload();
-    } else if (UploadFile::wasNamed()) {
-        recordWithResult("upload", "refused");
-    } else if (changed) {
-        recordWithResult("discard", "done");
+    bool mayBeNew = UploadFile::wasNamed();
+    try {
+        const Staged after = findStaged();
+        const bool changed = !(after == stagedBefore);
+        mayBeNew = changed && after.present;
+        if (mayBeNew) {
+            recordUpload();
+        } else if (UploadFile::wasNamed()) {
+            recordWithResult("upload", "refused");
+        } else if (changed) {
+            recordWithResult("discard", "done");
+        }
+    } catch (...) {
+        // An upload that has no line is not kept.
+        if (mayBeNew) {
+            removeStaged();
+        }
+        throw;
     }
 }
 

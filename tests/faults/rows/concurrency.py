@@ -3,12 +3,16 @@
 import bisect
 import hashlib
 import multiprocessing
+import os
 import random
 import re
 import threading
 import time
+from collections import Counter
+from datetime import datetime
 
-from support.board import Board, OPERATOR
+from support import auditLog
+from support.board import Board, OPERATOR, identifierOf
 from support.caseRuns import Outcome, Result, keep
 from support.configurationFile import ConfigurationFile, decodeConfigurationFile, decodeState
 from support.program import runProgram
@@ -26,6 +30,7 @@ DEADLINE_SECONDS = 120  # all programs share the processors
 DOWNLOAD_EVERY = 10
 LOCK_NOT_OBTAINED = re.compile(r"[-\[]1101\]")
 UPLOAD_SIZES = (300, 5000, 70000)
+SESSIONS_OF_A_USER = 8
 
 
 def digest(data):
@@ -61,6 +66,11 @@ class Session:
         self.busy = 0
         self.restores = []  # (begin, end, digest of the payload, whether it was confirmed)
         self.backups = []  # (begin, end, digest of the payload)
+        self.told = []  # (time, event, session, digest of the file): what the audit log must have
+
+    def tell(self, event, data=None):
+        self.told.append((time.time(), event, identifierOf(self.cookie),
+                          None if data is None else digest(data)))
 
     def ask(self, request):
         """The answer, None when there is no valid one."""
@@ -106,6 +116,7 @@ class Session:
         staged = self.board.read(stagedFile(self.cookie))
         self.expect(staged is not None and digest(staged) == digest(data),
                     "the staged file is not the one that was uploaded")
+        self.tell("upload", data)
         return True
 
     def restore(self, payload):
@@ -118,6 +129,7 @@ class Session:
         self.expect(confirmed or "[250-1047]" in notice, f"a restore failed: {notice}")
         if confirmed:
             self.restores.append((begin, time.monotonic(), digest(payload)))
+            self.tell("restore", fileOf(payload))
 
     def backup(self, number):
         begin = time.monotonic()
@@ -131,17 +143,23 @@ class Session:
         self.expect(file and file.partition == TARGETS[number % 2], "a backup is not whole")
         if file:
             self.backups.append((begin, time.monotonic(), digest(file.payload)))
+            self.tell("backup", saved)
         if number % DOWNLOAD_EVERY == 0:
             name = answer.text.split('id="download_link" href="')[1].split('"')[0].split("=")[-1]
             download = self.ask(get(self.cookie, f"functionID=5&filename={name}",
                                     "common/download.cgi"))
             self.expect(download and digest(download.body) == digest(saved),
                         "a download is not the backup")
+            self.tell("download", saved)
 
     def discard(self):
+        before = self.board.read(stagedFile(self.cookie))
         answer = self.ask(post(self.cookie, b"functionID=106&hidden_status=3"))
-        self.expect(self.isBusy(answer) or self.board.read(stagedFile(self.cookie)) is None,
-                    "a discarded file is there")
+        if self.isBusy(answer):
+            return
+        self.expect(self.board.read(stagedFile(self.cookie)) is None, "a discarded file is there")
+        if before is not None:
+            self.tell("discard")
 
 
 def findLost(restores, backups, initial):
@@ -184,7 +202,7 @@ def runSessions(context, root, programs, numbers, cookies, rounds, queue):
         thread.join()
     for session in sessions:
         queue.put((session.requests, session.rounds, session.restores, session.backups,
-                   session.problems))
+                   session.told, session.problems))
 
 
 class RunningBoard:
@@ -200,7 +218,7 @@ class RunningBoard:
 
 def runManySessions(context, board, count, rounds):
     initial = {digest(decodeState(board.read(STATE))[target]) for target in TARGETS}
-    cookies = [board.logIn(OPERATOR) for _ in range(count)]
+    cookies = [board.logIn(userOf(number), OPERATOR) for number in range(count)]
     queue = multiprocessing.Queue()
     processes = []
     for index in range(context.jobs):
@@ -210,13 +228,14 @@ def runManySessions(context, board, count, rounds):
             queue)))
     for process in processes:
         process.start()
-    requests, allRounds, restores, backups, problems = 0, [], [], [], []
+    requests, allRounds, restores, backups, told, problems = 0, [], [], [], [], []
     for _ in range(count):
-        asked, done, restored, saved, wrong = queue.get()
+        asked, done, restored, saved, heard, wrong = queue.get()
         requests += asked
         allRounds.append(done)
         restores += restored
         backups += saved
+        told += heard
         problems += wrong
     for process in processes:
         process.join()
@@ -227,8 +246,48 @@ def runManySessions(context, board, count, rounds):
     if state[TARGETS[0]] != state[TARGETS[1]]:
         problems.append("the targets of a restore hold different configurations")
     problems += findLost(restores, backups, initial)
-    problems += leftovers(board)
+    problems += leftovers(board) + findUnrecorded(board, told, state)
     return requests, min(allRounds), len(restores), problems
+
+
+def findUnrecorded(board, told, state):
+    """What the audit log lacks of what it should still have; how often it rotates is its own."""
+    lines, damaged, rest = auditLog.parseLines(auditLog.readLog(board))
+    problems = auditLog.unexplained(lines, state)
+    if damaged or rest:
+        problems.append(f"the audit log holds what is no line: {[*damaged, rest]!r:.300}")
+    recorded = Counter((line["event"], line["session"], line.get("file", {}).get("sha256"))
+                       for line in lines if line.get("result") == "done")
+    first = datetime.fromisoformat(lines[0]["time"].replace("Z", "+00:00")).timestamp()
+    # A line is written before it is told of, but not as long before as an answer may take.
+    since = first + DEADLINE_SECONDS if isRotated(board) else 0
+    expected = Counter(tuple(what) for when, *what in told if when > since)
+    missing = expected - recorded
+    problems += [f"the audit log lacks {what}" for what in list(missing)[:20]]
+    return problems
+
+
+def isRotated(board):
+    """Whether lines of the log are gone."""
+    return os.path.exists(board.path(auditLog.formerFiles()[-1]))
+
+
+def userOf(number):
+    return f"operator{number // SESSIONS_OF_A_USER}"
+
+
+def describeUsers(installation, count):
+    """A board description with a user for every so many sessions, all with the operator's
+    password."""
+    with open(installation.description, encoding="utf-8") as file:
+        text = file.read()
+    found = re.search(r'\[\[user\]\]\nname = "%s"\n(password_hash = .*\n)' % OPERATOR, text)
+    for number in range(0, count, SESSIONS_OF_A_USER):
+        text += (f'\n[[user]]\nname = "{userOf(number)}"\n{found[1]}functions = [105, 106]\n')
+    path = os.path.join(installation.folder, "many.toml")
+    with open(path, "w", encoding="utf-8", opener=lambda p, f: os.open(p, f, 0o600)) as file:
+        file.write(text)
+    return path
 
 
 def leftovers(board):
@@ -303,6 +362,7 @@ def runRaces(context, board, count):
 def run(context):
     count, rounds, races = LONG if context.long else SHORT
     board = Board(context.installation)
+    board.description = describeUsers(context.installation, count)
     board.start()
     try:
         context.beginPart(0.2)

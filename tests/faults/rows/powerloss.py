@@ -3,7 +3,7 @@
 import os
 import re
 
-from support import durability
+from support import auditLog, durability
 from support.board import sampleFile
 from support.caseRuns import Outcome, runCases
 from support.configurationFile import decodeState, encodeState
@@ -18,8 +18,15 @@ KEPT = re.compile(r"/var/(lib/board/configurations|run/board_properties|tmp/efi_
                   r"|lib/session/[0-9a-f]{16})$")
 
 
+LOG = re.compile(r"/var/log/audit\.log$")
+
+
 def isKept(path):
     return KEPT.search(path) is not None
+
+
+def isLog(path):
+    return LOG.search(path) is not None
 
 
 def startsFirst(board, scene):
@@ -62,31 +69,61 @@ def restores(*targets, everything=False):
     return prepare
 
 
-# What is done, how often it replaces a kept file, and whether the back-end's calls or the
-# program's are looked at.
+def withoutLog(prepare):
+    def prepareWithout(board, scene):
+        request = prepare(board, scene)
+        board.write(None, auditLog.LOG)
+        return request
+
+    return prepareWithout
+
+
+# What is done, how often it replaces a kept file, how often the audit log is written, and whether the
+# back-end's calls or the program's are looked at. The back-end's own start and end are a line each.
 PATHS = {
-    "first start": (startsFirst, 2, "backend"),
-    "start with a new partition": (startsWithNewPartition, 2, "backend"),
-    "start": (startsAgain, 1, "backend"),
-    "start after a death": (startsAfterDeath, 1, "backend"),
-    "backup": (asksFor("backup"), 2, "backend"),
-    "restore to one partition": (restores(3), 2, "backend"),
-    "restore to two partitions": (restores(2, 3), 2, "backend"),
-    # A running partition and one of another BIOS are among them: nothing is written.
-    "restore to all, refused": (restores(everything=True), 1, "backend"),
-    "login": (asksFor("login"), 1, "program"),
+    "first start": (startsFirst, 2, 2, "backend"),
+    "start with a new partition": (startsWithNewPartition, 2, 2, "backend"),
+    "start": (startsAgain, 1, 2, "backend"),
+    "start without a log": (withoutLog(startsAgain), 1, 2, "backend"),
+    "start after a death": (startsAfterDeath, 1, 2, "backend"),
+    "backup": (asksFor("backup"), 2, 3, "backend"),
+    # Begun, and done.
+    "restore to one partition": (restores(3), 2, 4, "backend"),
+    "restore to two partitions": (restores(2, 3), 2, 4, "backend"),
+    # A running partition and one of another BIOS are among them: nothing is changed.
+    "restore to all, refused": (restores(everything=True), 1, 3, "backend"),
+    # Another session has expired.
+    "login": (asksFor("login"), 1, 2, "program"),
+    # Behind the half line that a power cut has left.
+    "logout": (asksFor("logout"), 0, 2, "program"),
+    "upload": (asksFor("upload"), 0, 1, "program"),
+    "discard": (asksFor("discard"), 0, 1, "program"),
+    "discard without a log": (withoutLog(asksFor("discard")), 0, 1, "program"),
+    "discard and rotation": (asksFor("rotating discard"), 0, 1, "program"),
+    "download": (asksFor("download"), 0, 1, "program"),
 }
+
+
+def lastBeforeWord(later):
+    """Whether no other sync of the log comes before anything is named or told."""
+    for step in later:
+        if step.kind == "synced" and isLog(step.path):
+            return False
+        if step.kind in ("named", "told"):
+            return True
+    return True
 
 
 class Worker(RequestWorker):
     def run(self, case):
-        prepare, expected, watched = PATHS[case["path"]]
+        prepare, expectedFiles, expectedLines, watched = PATHS[case["path"]]
         board = self.board
         board.stop()
         prefix = durability.tracing(self.log)
         if watched == "program":
             board.start()
         request = prepare(board, self.scene)
+        logIsNew = board.read(auditLog.LOG) is None
         if watched == "backend":
             board.start(prefix=prefix)
         if request is not None:
@@ -98,17 +135,23 @@ class Worker(RequestWorker):
             board.stop()
             board.start()
         steps = durability.nameSources(durability.readSteps(self.log))
-        problems, replaced = durability.check(steps, isKept)
-        if replaced != expected:
-            problems.append(f"{replaced} kept files were replaced, not {expected}")
-        problems += self.missedMistakes(steps)
+        problems, replaced, appended = durability.check(steps, isKept, isLog, logIsNew)
+        if replaced != expectedFiles:
+            problems.append(f"{replaced} kept files were replaced, not {expectedFiles}")
+        if appended != expectedLines:
+            problems.append(f"the audit log was written {appended} times, not {expectedLines}")
+        problems += self.missedMistakes(steps, logIsNew)
         return Outcome(problems, True, {"steps": [str(step) for step in steps]})
 
     @staticmethod
-    def missedMistakes(steps):
+    def missedMistakes(steps, logIsNew):
         """Whether the check would have seen each sync that is left out."""
         missed = []
         for index, step in enumerate(steps):
+            if step.kind == "synced" and isLog(step.path) and lastBeforeWord(steps[index + 1:]):
+                less = steps[:index] + steps[index + 1:]
+                if not durability.check(less, isKept, isLog, logIsNew)[0]:
+                    missed.append(f"a sync of {step.path} could be left out unnoticed")
             if step.kind == "named" and isKept(step.path):
                 folder = os.path.dirname(step.path)
                 own = max((i for i, other in enumerate(steps[:index])
@@ -118,7 +161,7 @@ class Worker(RequestWorker):
                              default=None)
                 for left in (own, behind):
                     less = [other for i, other in enumerate(steps) if i != left]
-                    if left is None or not durability.check(less, isKept)[0]:
+                    if left is None or not durability.check(less, isKept, isLog, logIsNew)[0]:
                         missed.append(f"a sync of {step.path} could be left out unnoticed")
         return missed
 

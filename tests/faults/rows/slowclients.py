@@ -3,11 +3,12 @@
 import os
 import resource
 import socket
+import ssl
 import threading
 import time
 
 from support.caseRuns import Outcome, Result, keep
-from support.webBoard import Browser, WebBoard
+from support.webBoard import COOKIE, TLS, Browser, WebBoard
 
 HELP = "200 slow clients at once; another user still gets a page in under a second"
 
@@ -29,7 +30,7 @@ SCREEN = "/maintenance/efi_backup_restore.cgi"
 
 def slowText(kind, cookie):
     """What a slow client sends, a byte at a time, behind what it sends at once."""
-    head = f"Host: 127.0.0.1\r\nCookie: session={cookie}\r\n"
+    head = f"Host: 127.0.0.1\r\nCookie: {COOKIE}={cookie}\r\n"
     if kind == "slow head":
         return b"GET /login.cgi HTTP/1.1\r\n", head.encode() + b"X-Filler: " + b"x" * 4000
     if kind == "slow body":
@@ -46,7 +47,7 @@ KINDS = ("slow head", "slow body", "slow body", "slow reader", "silent")
 
 
 class SlowClients(threading.Thread):
-    def __init__(self, port, cookie):
+    def __init__(self, board, cookie):
         super().__init__()
         self.ending = threading.Event()
         self.refused = 0
@@ -56,7 +57,9 @@ class SlowClients(threading.Thread):
             client = socket.socket()
             # A reader that takes little, so that the server has to wait for it.
             client.setsockopt(socket.SOL_SOCKET, socket.SO_RCVBUF, 4096)
-            client.connect(("127.0.0.1", port))
+            client.connect(("127.0.0.1", board.port))
+            if TLS and at_once:  # the others do not even greet
+                client = board.certificate.wrap_socket(client, server_hostname="127.0.0.1")
             client.sendall(at_once)
             client.setblocking(False)
             self.clients.append([client, slowly])
@@ -80,7 +83,7 @@ class SlowClients(threading.Thread):
         for client, _ in self.clients:
             try:
                 held += 1 if client.recv(1 << 20) else 0
-            except BlockingIOError:
+            except (BlockingIOError, ssl.SSLWantReadError):
                 held += 1
             except OSError:
                 pass
@@ -88,12 +91,12 @@ class SlowClients(threading.Thread):
         return held
 
 
-def slowestPage(port, cookie, seconds):
+def slowestPage(board, cookie, seconds):
     """The longest time that a page of another user took, and how many pages there were."""
     longest, pages = 0.0, 0
     end = time.monotonic() + seconds
     while time.monotonic() < end:
-        browser = Browser(port)
+        browser = Browser(board)
         browser.cookie = cookie
         begin = time.monotonic()
         status, _, body = browser.ask("GET", SCREEN + "?functionID=105")
@@ -114,13 +117,13 @@ def run(context):
     board = WebBoard(context.project, preset, OPEN_FILES)
     problems = []
     try:
-        browser = Browser(board.port)
+        browser = Browser(board)
         browser.logIn("admin")
-        alone, _ = slowestPage(board.port, browser.cookie, 2)
-        clients = SlowClients(board.port, browser.cookie)
+        alone, _ = slowestPage(board, browser.cookie, 2)
+        clients = SlowClients(board, browser.cookie)
         clients.start()
         try:
-            among, pages = slowestPage(board.port, browser.cookie, seconds)
+            among, pages = slowestPage(board, browser.cookie, seconds)
         except (OSError, RuntimeError) as failure:
             problems.append(f"another user gets no page: {failure}")
             among, pages = 0.0, 0

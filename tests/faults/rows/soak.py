@@ -28,15 +28,17 @@ LONG_MEMORY_GROWTH = 1024
 # The web server, which is not ours, keeps about 20 bytes of each program that it has started.
 KEPT_BYTES = 32
 LARGEST_LOG = 1024 * 1024
-LOGS = re.compile(r"^(trace\.log|web\.log)(\.1)?$")
+LOGS = re.compile(r"^((trace|web)\.log(\.1)?|audit\.log(\.\d+)?)$")
+FORMER_LOG = re.compile(r"\.log\.\d+$")
+MOST_AUDIT_FILES = 16
 SLACK = 8192
 
 
 class Client:
     """One user. Every request is checked for the status that it must have."""
 
-    def __init__(self, port):
-        self.browser = Browser(port)
+    def __init__(self, board):
+        self.browser = Browser(board)
         self.browser.logIn("admin")
         self.small = multipart({"functionID": 106, "hidden_status": 1}, "conf.dat",
                                sampleFile("soak", 5000))
@@ -94,8 +96,8 @@ class Client:
             expect(200, ask("GET", "/"))
 
 
-def runClient(context, port, count, done, queue):
-    client = Client(port)
+def runClient(context, board, count, done, queue):
+    client = Client(board)
     try:
         for number in range(count):
             if context.isOver():
@@ -138,9 +140,11 @@ def measure(board):
         figures[f"{name} descriptors"] = len(os.listdir(f"/proc/{pid}/fd"))
         figures[f"{name} threads"] = status(pid, "Threads")
     figures["zombies"] = zombies({board.backend, board.webServer, board.process.pid})
-    # But the second part of a log, which begins to be there at some time; their size is bounded.
-    figures["files"] = sum(not name.endswith(".log.1") for _, _, names in os.walk(board.path("var"))
-                           for name in names)
+    # But the former parts of logs, which begin to be there at some time; their size is bounded.
+    figures["files"] = sum(FORMER_LOG.search(name) is None
+                           for _, _, names in os.walk(board.path("var")) for name in names)
+    figures["audit files"] = sum(name.startswith("audit.log")
+                                 for name in os.listdir(board.path("var/log")))
     figures["logs"] = max(os.path.getsize(board.path("var/log", name))
                           for name in os.listdir(board.path("var/log")) if LOGS.match(name))
     return figures
@@ -152,6 +156,8 @@ def compare(early, late, memoryGrowth, requests):
     for name, value in late.items():
         if name == "logs":
             limit = LARGEST_LOG + SLACK
+        elif name == "audit files":
+            limit = MOST_AUDIT_FILES
         elif name == "zombies":
             limit = 0
         else:
@@ -177,7 +183,7 @@ def runHalf(context, board, count, samples):
     queue = multiprocessing.Queue()
     done = [multiprocessing.Value("L", 0) for _ in range(jobs)]
     clients = [multiprocessing.Process(target=runClient,
-                                       args=(context, board.port, count // jobs, value, queue))
+                                       args=(context, board, count // jobs, value, queue))
                for value in done]
     for client in clients:
         client.start()

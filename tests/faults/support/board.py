@@ -153,9 +153,9 @@ class Board:
             time.sleep(0.001)
         return False
 
-    def logIn(self, user):
+    def logIn(self, user, password=None):
         run = runProgram(self, {"program": "login.cgi", "method": "POST",
-                                "body": f"user={user}&password={user}".encode()})
+                                "body": f"user={user}&password={password or user}".encode()})
         for line in run.output.decode().split("\r\n"):
             if line.startswith("Set-Cookie: session="):
                 return line.split("=", 1)[1].split(";")[0]

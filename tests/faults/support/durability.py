@@ -2,7 +2,8 @@
 
 A file that is kept is replaced as a whole: written under another name or none, synced, given its
 name, and the folder synced, all before anybody is told. Then a power cut leaves the old or the new
-file, and the new one once it was told of.
+file, and the new one once it was told of. A line of the audit log is written in place, and synced
+before what it tells of is done or told.
 """
 
 import os
@@ -58,7 +59,9 @@ def readStep(call, arguments):
     texts = TEXT.findall(arguments)
     if call in ("openat", "open", "creat") and (call == "creat" or FOR_WRITING.search(arguments)):
         return [] if "O_TMPFILE" in arguments else [Step("opened", texts[0])]
-    if call in ("write", "pwrite64", "writev", "ftruncate") and descriptor:
+    if call == "ftruncate":
+        return [Step("cut", descriptor[1])]
+    if call in ("write", "pwrite64", "writev") and descriptor:
         told = arguments.startswith("1<")
         return [Step("told" if told else "written", descriptor[1])]
     if call == "truncate":
@@ -87,16 +90,28 @@ def nameSources(steps):
     return steps
 
 
-def check(steps, isKept):
-    """What is wrong with the steps, a line each; and how often a kept file was replaced."""
+def check(steps, isKept, isLog, logIsNew=False):
+    """What is wrong with the steps, a line each; how often a kept file was replaced, and how often
+    the log was written."""
     problems = []
-    replaced = 0
+    replaced = appended = 0
     dirty = set()
     unsynced = {}
     for step in steps:
-        if step.kind == "opened" and isKept(step.path):
+        if step.kind in ("told", "named"):
+            problems += [f"{path} is not synced when {step}" for path in dirty if isLog(path)]
+        if step.kind == "opened" and isLog(step.path):
+            if logIsNew:
+                unsynced[step.path] = True
+            logIsNew = False
+        elif step.kind == "named" and isLog(step.source):
+            unsynced[step.path] = logIsNew = True
+        elif step.kind == "written" and isLog(step.path):
+            appended += 1
+            dirty.add(step.path)
+        elif step.kind == "opened" and isKept(step.path):
             problems.append(f"{step.path} is opened for writing in place")
-        elif step.kind == "written":
+        elif step.kind == "written" or step.kind == "cut" and not isLog(step.path):
             dirty.add(step.path)
             if isKept(step.path):
                 problems.append(f"{step.path} is written in place")
@@ -113,4 +128,5 @@ def check(steps, isKept):
             problems += [f"{path} is told of before its folder is synced" for path in unsynced]
             unsynced.clear()
     problems += [f"the folder of {path} is never synced" for path in unsynced]
-    return problems, replaced
+    problems += [f"{path} is never synced" for path in dirty if isLog(path)]
+    return problems, replaced, appended

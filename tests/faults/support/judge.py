@@ -6,6 +6,8 @@
 4. Does a page that tells a success mean that it happened, and one that tells that nothing was
    changed mean that nothing was?
 5. Are the locks free, and is nothing left behind after the next normal requests?
+6. Is the audit log what it was and whole lines behind it, does it say what the page tells as done,
+   nothing that was not asked for, and why the partitions hold what they hold?
 """
 
 import fcntl
@@ -14,7 +16,8 @@ import re
 import signal
 import time
 
-from support.board import sampleFile
+from support import auditLog
+from support.board import identifierOf, sampleFile
 from support.configurationFile import decodeState
 from support.program import runProgram
 from support.requestTypes import get, multipart, noticesOf, post, postParts
@@ -25,16 +28,17 @@ from support.scene import SESSIONS, STATE, TEMPORARY, backupFile, stagedFile
 # a busy machine must not fail a test: what does not end, does not end in this time either.
 DEADLINE_SECONDS = 120
 
-LOCKS = ("var/tmp/restored_eficonf.lock", "var/lib/board/restore.lock")
+LOCKS = ("var/tmp/restored_eficonf.lock", "var/lib/board/restore.lock", "var/lib/login.lock",
+         auditLog.LOCK)
 KEPT = (TEMPORARY, SESSIONS, "var/lib/board")
 NOT_JUDGED = set(LOCKS) | {"var/lib/board/backend.lock"}
-WHOLE_SESSION = re.compile(rb"token=[0-9a-f]{32}\n(\w+=.*\n)*created=\d+\n")
+WHOLE_SESSION = re.compile(rb"token_sha256=[0-9a-f]{64}\nuser=.*\ncreated=\d+\n")
 
 # What the pages say when they are sure that nothing was changed.
 UNCHANGED = re.compile(r"Nothing was (changed|restored|uploaded|done)|No partition was changed")
 ALL_UNCHANGED = re.compile(r"Nothing was (changed|uploaded|done)")
 # The back-end's answer was lost on its way, and the page says that it does not know.
-UNSURE = re.compile(r"71-200[234]\b|it is not certain how far")
+UNSURE = re.compile(r"71-(1613|200[234])\b|it is not certain how far")
 
 
 UNCAUGHT = re.compile(rb"terminate called after throwing an instance of '.*bad_alloc'")
@@ -58,6 +62,7 @@ class Judge:
     def __init__(self, scene):
         self.scene = scene
         self.board = scene.board
+        self.torn = False
 
     def snapshot(self):
         files = self.board.files(*KEPT)
@@ -74,6 +79,7 @@ class Judge:
         self.checkFiles(kind, before, after, response, fault, problems)
         if response is not None:
             self.checkClaims(kind, before, after, response, fault, problems)
+        self.checkLog(kind, after, response, fault, problems)
         return problems
 
     @staticmethod
@@ -138,6 +144,41 @@ class Judge:
                         for value in news if path in after):
                     problems.append(f"the page tells that nothing was changed, but {path} is new")
 
+    def newLines(self, mayBeTorn, problems):
+        """The lines that the log has got since it was staged."""
+        old, now = self.scene.log, auditLog.readLog(self.board)
+        if not now.startswith(old):
+            problems.append("lines of the audit log have gone")
+            return []
+        added = now[len(old):]
+        if added and not old.endswith(b"\n"):
+            if not added.startswith(b"\n"):
+                problems.append("a line of the audit log was put behind half a line")
+            added = added.partition(b"\n")[2]
+        lines, damaged, rest = auditLog.parseLines(added)
+        if len(damaged) + bool(rest) > (1 if mayBeTorn else 0):
+            problems.append(f"the audit log holds what is no line: {[*damaged, rest]!r:.300}")
+        return lines
+
+    def checkLog(self, kind, after, response, fault, problems):
+        lines = self.newLines(fault.killed, problems)
+        for line in lines:
+            if line["event"] not in (*kind.events, "start", "end"):
+                problems.append(f"the audit log tells of what was not asked for: {line}")
+        if response is not None and kind.tellsDone(response, self.scene, after):
+            self.expectLine(lines, kind.expectedLine(self.scene, response), problems)
+        self.checkExplanation(after.get(STATE), problems)
+        self.torn = fault.killed
+
+    @staticmethod
+    def expectLine(lines, expected, problems):
+        if not any(contains(line, expected) for line in lines):
+            problems.append(f"the audit log lacks {expected}; it tells of {lines}")
+
+    def checkExplanation(self, state, problems):
+        lines = auditLog.parseLines(auditLog.readLog(self.board))[0]
+        problems += auditLog.unexplained(lines, decodeState(state or b"") or {})
+
     def settle(self):
         """The next normal requests: an upload, its discarding, a backup page and, for what only a
         login clears away, a login. All must succeed, and nothing may be left behind by then."""
@@ -159,6 +200,7 @@ class Judge:
                 problems.append(f"the {name} that followed failed: exit status {run.exitStatus}, "
                                 f"signal {run.signal}, {run.seconds:.1f} s, {run.output[-600:]!r}")
         self.checkConfigurations(problems)
+        self.checkFollowingLines(problems)
         for path in sorted(self.leftovers()):
             problems.append(f"{path} is left behind")
         for path in os.listdir(board.path("var/run")):
@@ -174,6 +216,15 @@ class Judge:
                 and not WHOLE_SESSION.fullmatch(data)
                 and not re.search(r"(0123456789abcdef|fedcba9876543210)$", path)}
 
+    def checkFollowingLines(self, problems):
+        """Whether the requests that followed have their lines, and stand behind whole ones."""
+        lines = self.newLines(self.torn, problems)
+        session = identifierOf(self.scene.operator)
+        for event in ("upload", "discard", "backup"):
+            self.expectLine(lines, {"event": event, "session": session, "result": "done"}, problems)
+        self.checkExplanation(self.board.read(STATE), problems)
+        self.torn = False
+
     def checkConfigurations(self, problems):
         """Whether the back-end believes what its file says."""
         scene = self.scene
@@ -185,6 +236,12 @@ class Judge:
             problems.append(f"the backup that followed failed: {run.output[-600:]!r}")
         elif payloads is None or payloads[3] not in saved:
             problems.append("the back-end and its file hold different configurations")
+
+
+def contains(line, expected):
+    """Whether the line has the expected fields, whatever else it has."""
+    return all(contains(line.get(name, {}), value) if isinstance(value, dict)
+               else line.get(name) == value for name, value in expected.items())
 
 
 def isPassing(path, data, kind, response, fault):

@@ -3,7 +3,8 @@
 import itertools
 import re
 
-from support.board import sampleFile
+from support import auditLog
+from support.board import identifierOf, sampleFile
 from support.configurationFile import LARGEST_FILE, decodeConfigurationFile, decodeState
 from support.scene import STATE, TARGETS, backupFile, sessionFile, stagedFile
 
@@ -48,16 +49,20 @@ def get(cookie, query="", program=SCREEN):
 
 class RequestType:
     """A kind of request. `prepare()` returns the request; `files` then holds the operator's own
-    files before it, `allowed` the further contents that each file may have after it."""
+    files before it, `allowed` the further contents that each file may have after it, `log` the audit
+    log before it."""
 
     name = ""
     writes = False  # whether a disk that takes nothing keeps it from being carried out
+    events = ()  # what it may put into the audit log
+    counts = None  # what has only been counted before it
 
     def prepare(self, scene):
         self.files = {}
         self.allowed = {}
         request = self.make(scene)
         scene.stage(self.files)
+        scene.stageLog(self.makeLog(scene), self.counts)
         return request
 
     def make(self, scene):
@@ -70,6 +75,23 @@ class RequestType:
     def happened(self, scene, response, after):
         """Whether it has; `after` are the files."""
         return True
+
+    def makeLog(self, scene):
+        """The audit log before it."""
+        return scene.logLine()
+
+    def tellsDone(self, response, scene, after):
+        """Whether the answer tells what the audit log has to know."""
+        return bool(self.events) and self.claimsSuccess(response, scene)
+
+    def expectedLine(self, scene, response):
+        """Fields of the line that it then has."""
+        return {"event": self.name, "user": "admin", "session": identifierOf(scene.operator),
+                "result": "done"}
+
+
+def fileSum(data):
+    return {"sha256": auditLog.sumOf(data)}
 
 
 class BackupPage(RequestType):
@@ -95,6 +117,7 @@ class RestorePage(RequestType):
 class Backup(RequestType):
     name = "backup"
     writes = True
+    events = ("backup",)
 
     def make(self, scene):
         path = backupFile(scene.operator)
@@ -117,10 +140,15 @@ class Backup(RequestType):
         path = backupFile(scene.operator)
         return after.get(path) not in (None, EMPTY, self.files[path])
 
+    def expectedLine(self, scene, response):
+        saved = scene.board.read(backupFile(scene.operator)) or b""
+        return {**super().expectedLine(scene, response), "partitions": [3], "file": fileSum(saved)}
+
 
 class Upload(RequestType):
     name = "upload"
     writes = True
+    events = ("upload",)
 
     def make(self, scene):
         path = stagedFile(scene.operator)
@@ -136,6 +164,9 @@ class Upload(RequestType):
 
     def happened(self, scene, response, after):
         return after.get(stagedFile(scene.operator)) == self.data and "Sample" in response.text
+
+    def expectedLine(self, scene, response):
+        return {**super().expectedLine(scene, response), "file": fileSum(self.data)}
 
 
 class UnusableUpload(Upload):
@@ -159,6 +190,7 @@ class RefusedUpload(RequestType):
     """An upload that must leave the staged file as it was."""
 
     writes = True
+    events = ("upload",)
 
     def make(self, scene):
         self.files[stagedFile(scene.operator)] = sampleFile("an earlier file", 5000)
@@ -195,6 +227,7 @@ class BrokenUpload(RefusedUpload):
 class Restore(RequestType):
     name = "restore"
     writes = True
+    events = ("restore",)
 
     def make(self, scene):
         self.payload = scene.nextPayload()
@@ -212,11 +245,16 @@ class Restore(RequestType):
     def happened(self, scene, response, after):
         return after.get(STATE) == self.newState
 
+    def expectedLine(self, scene, response):
+        return {**super().expectedLine(scene, response), "partitions": list(TARGETS),
+                "file": fileSum(self.files[stagedFile(scene.operator)])}
+
 
 class RefusedRestore(RequestType):
     """A restore to two partitions of which one is running: it happens to neither."""
 
     name = "refused restore"
+    events = ("restore",)
 
     def make(self, scene):
         self.files[stagedFile(scene.operator)] = sampleFile("refused")
@@ -232,6 +270,7 @@ class RefusedRestore(RequestType):
 
 class Discard(RequestType):
     name = "discard"
+    events = ("discard",)
 
     def make(self, scene):
         path = stagedFile(scene.operator)
@@ -239,9 +278,25 @@ class Discard(RequestType):
         self.allowed[path] = [ABSENT]
         return post(scene.operator, b"functionID=106&hidden_status=3")
 
-    # The page that follows says nothing about the file.
+    # The page that follows says nothing about the file but that it is not there.
     def claimsSuccess(self, response, scene):
         return False
+
+    def tellsDone(self, response, scene, after):
+        return (response.status == 200 and not noticesOf(response)
+                and stagedFile(scene.operator) not in after)
+
+    def expectedLine(self, scene, response):
+        return {**super().expectedLine(scene, response), "event": "discard"}
+
+
+class RotatingDiscard(Discard):
+    """The line of this one is the first of another file of the log."""
+
+    name = "rotating discard"
+
+    def makeLog(self, scene):
+        return auditLog.fillUp(super().makeLog(scene))
 
 
 class NoSession(RequestType):
@@ -259,12 +314,19 @@ class NoSession(RequestType):
 
 class NoAuthority(RequestType):
     name = "no authority"
+    events = ("refusal",)
 
     def make(self, scene):
+        # Files of a function that its user may not use any more go.
+        for path in (stagedFile(scene.viewer), backupFile(scene.viewer)):
+            self.allowed[path] = [ABSENT]
         return post(scene.viewer, b"functionID=106&hidden_status=2&pid2=2&pid3=3")
 
     def claimsSuccess(self, response, scene):
         return Restore.claimsSuccess(self, response, scene) or super().claimsSuccess(response, scene)
+
+    def tellsDone(self, response, scene, after):
+        return False
 
     def happened(self, scene, response, after):
         return False
@@ -285,6 +347,7 @@ class Menu(RequestType):
 
 class Download(RequestType):
     name = "download"
+    events = ("download",)
 
     def make(self, scene):
         self.data = sampleFile("downloaded")
@@ -298,6 +361,9 @@ class Download(RequestType):
 
     def happened(self, scene, response, after):
         return response.status == 200 and response.body == self.data
+
+    def expectedLine(self, scene, response):
+        return {**super().expectedLine(scene, response), "file": fileSum(self.data)}
 
 
 class LoginPage(RequestType):
@@ -315,6 +381,7 @@ class Login(RequestType):
 
     name = "login"
     writes = True
+    events = ("login", "login_failed", "session_expired")
 
     def make(self, scene):
         identifier = "0123456789abcdef"
@@ -331,14 +398,25 @@ class Login(RequestType):
         return response.status < 400
 
     def happened(self, scene, response, after):
-        match = re.match(r"session=(([0-9a-f]{16})-([0-9a-f]{32}));",
-                         response.headers.get("set-cookie", ""))
+        match = self.cookieIn(response)
         return (match is not None and response.status == 303
-                and b"token=" + match[3].encode() in after.get(f"var/lib/session/{match[2]}", b""))
+                and b"token_sha256=" + auditLog.sumOf(match[3].encode()).encode() + b"\n"
+                in after.get(f"var/lib/session/{match[2]}", b""))
+
+    @staticmethod
+    def cookieIn(response):
+        return re.match(r"session=(([0-9a-f]{16})-([0-9a-f]{32}));",
+                        response.headers.get("set-cookie", ""))
+
+    def expectedLine(self, scene, response):
+        match = self.cookieIn(response)
+        return {"event": "login", "user": "admin", "session": match and match[2]}
 
 
 class WrongPassword(RequestType):
     name = "wrong password"
+    events = ("login_failed", "anonymous")
+    counts = auditLog.OLD_COUNTS
     count = itertools.count()
 
     def make(self, scene):
@@ -350,6 +428,9 @@ class WrongPassword(RequestType):
 
     def claimsSuccess(self, response, scene):
         return response.status < 400 or "set-cookie" in response.headers
+
+    def tellsDone(self, response, scene, after):
+        return False
 
     def happened(self, scene, response, after):
         return False
@@ -370,6 +451,7 @@ class Language(RequestType):
 
 class Logout(RequestType):
     name = "logout"
+    events = ("logout",)
 
     def make(self, scene):
         # A session of its own, so that the operator's stays for the next request.
@@ -388,10 +470,17 @@ class Logout(RequestType):
     def happened(self, scene, response, after):
         return self.session not in after
 
+    def makeLog(self, scene):
+        """What a power cut has left."""
+        return super().makeLog(scene) + b'{"time":"2026-01-31T23:59'
+
+    def expectedLine(self, scene, response):
+        return {"event": "logout", "user": "admin", "session": "fedcba9876543210"}
+
 
 REQUEST_TYPES = {kind.name: kind for kind in (
     BackupPage, RestorePage, Backup, Upload, UnusableUpload, LargeUpload, BrokenUpload, Restore,
-    RefusedRestore, Discard, NoSession, NoAuthority, Menu, Language, Download, LoginPage, Login,
+    RefusedRestore, Discard, RotatingDiscard, NoSession, NoAuthority, Menu, Language, Download, LoginPage, Login,
     WrongPassword, Logout)}
 
 # Those that need the back-end, each kind of exchange among them.

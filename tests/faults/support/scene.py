@@ -3,6 +3,7 @@
 import os
 import time
 
+from support import auditLog
 from support.board import (OPERATOR, VIEWER, Board, identifierOf, sampleFile, samplePayload)
 from support.configurationFile import decodeState, encodeState
 
@@ -29,6 +30,7 @@ class Scene:
         self.viewer = self.board.logIn(VIEWER)
         self.sessions = self.board.files(SESSIONS)
         self.letter = "A"
+        self.stageLog(self.logLine())
         self.standing = dict(self.sessions)
         for cookie, letters in ((self.other, ("other's file", "other's backup")),
                                 (self.viewer, ("viewer's file", "viewer's backup"))):
@@ -50,6 +52,15 @@ class Scene:
         now = time.time()
         for path in self.sessions:
             os.utime(board.path(path), (now, now - IDLE_SECONDS))
+
+    def logLine(self):
+        """A log that says what the partitions hold."""
+        return auditLog.makeLine(
+            "start", after=auditLog.sumsOf(decodeState(self.board.read(STATE))))
+
+    def stageLog(self, data, counts=None):
+        self.log = data
+        auditLog.stageLog(self.board, data, counts)
 
     def expectedState(self, payload):
         """The state file with this payload in the targets."""

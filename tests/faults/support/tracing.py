@@ -39,6 +39,12 @@ ERRORS = {
     "mkdir": (*CHANGE, "EMLINK"),
     "utimensat": CHANGE,
     "fsync": ("EIO", "ENOSPC", "EDQUOT", "EINTR", "EROFS", "EUCLEAN"),
+    "fdatasync": ("EIO", "ENOSPC", "EDQUOT", "EINTR", "EROFS", "EUCLEAN"),
+    "fallocate": ("EIO", "ENOSPC", "EDQUOT", "EFBIG", "EINTR", "EOPNOTSUPP", "ENOSYS", "EPERM"),
+    "ftruncate": ("EIO", "EINTR", "EPERM", "EROFS", "EFBIG"),
+    "access": FILE,
+    "faccessat": FILE,
+    "faccessat2": FILE,
     "fchmod": ("EIO", "EROFS", "EPERM", "EUCLEAN"),
     "getdents64": ("EIO", "ENOENT", "ENOMEM", "EACCES", "EUCLEAN", "EBADMSG"),
     "socket": ("EMFILE", "ENFILE", "ENOMEM", "ENOBUFS", "EACCES"),
@@ -111,7 +117,8 @@ def readCalls(path):
 # That these are not there is no fault: a session is then one that has ended, and its files go; a
 # board without properties has no partitions; one without configurations begins with those of its
 # description.
-MAY_BE_ABSENT = ("/var/lib/session/", "/var/run/board_properties", "/var/lib/board/configurations")
+MAY_BE_ABSENT = ("/var/lib/session/", "/var/run/board_properties", "/var/lib/board/configurations",
+                 "/var/tmp/restored_eficonf", "/var/tmp/efi_backup", "/var/log/audit")
 
 
 def failures(call, calls):

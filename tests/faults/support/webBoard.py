@@ -1,4 +1,5 @@
-"""A whole board behind its web server, started as anybody starts it."""
+"""A whole board behind its web server, started as anybody starts it; with FAULTS_TLS=1 in the
+environment it serves https."""
 
 import http.client
 import os
@@ -6,8 +7,13 @@ import re
 import resource
 import shutil
 import signal
+import ssl
 import subprocess
 import tempfile
+
+
+TLS = os.environ.get("FAULTS_TLS") == "1"
+COOKIE = "__Host-session" if TLS else "session"
 
 
 class WebBoard:
@@ -22,15 +28,19 @@ class WebBoard:
 
         self.process = subprocess.Popen(
             [os.path.join(project, "serve"), "--no-build", "--preset", preset, "--port", "0",
-             "--root", self.root],
+             "--root", self.root, *(["--tls"] if TLS else [])],
             stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True,
             preexec_fn=limit)
         line = self.process.stdout.readline()
-        match = re.fullmatch(r"Serving http://127\.0\.0\.1:(\d+)/\n", line)
+        match = re.fullmatch(r"Serving https?://127\.0\.0\.1:(\d+)/\n", line)
         if not match:
             self.remove()
             raise RuntimeError(f"./serve did not start: {line!r}")
         self.port = int(match[1])
+        self.certificate = None
+        if TLS:
+            self.certificate = ssl.create_default_context(
+                cafile=self.path("var/lib/tls/certificate.pem"))
         self.backend = self.child("efi_backend")
         self.webServer = self.child("lighttpd")
 
@@ -58,20 +68,22 @@ class WebBoard:
 class Browser:
     """One user's connection, kept open."""
 
-    def __init__(self, port, timeout=60):
-        self.connection = http.client.HTTPConnection("127.0.0.1", port, timeout=timeout)
-        self.port = port
+    def __init__(self, board, timeout=60):
+        address = {"host": "127.0.0.1", "port": board.port, "timeout": timeout}
+        self.connection = (http.client.HTTPSConnection(**address, context=board.certificate) if TLS
+                           else http.client.HTTPConnection(**address))
         self.cookie = None
 
     def ask(self, method, target, body=None, kind="application/x-www-form-urlencoded"):
         """(status, headers, body)"""
         headers = {"Content-Type": kind} if body is not None else {}
         if self.cookie:
-            headers["Cookie"] = "session=" + self.cookie
+            headers["Cookie"] = f"{COOKIE}={self.cookie}"
         try:
             self.connection.request(method, target, body, headers)
             response = self.connection.getresponse()
-        except (http.client.RemoteDisconnected, BrokenPipeError, ConnectionResetError):
+        except (http.client.RemoteDisconnected, BrokenPipeError, ConnectionResetError,
+                ssl.SSLEOFError):
             # The server has ended a connection that was kept open for long.
             self.connection.close()
             self.connection.request(method, target, body, headers)
@@ -81,7 +93,7 @@ class Browser:
     def logIn(self, user):
         self.cookie = None
         _, headers, _ = self.ask("POST", "/login.cgi", f"user={user}&password={user}")
-        match = re.match(r"session=([^;]+)", headers.get("Set-Cookie", ""))
+        match = re.match(COOKIE + r"=([^;]+)", headers.get("Set-Cookie", ""))
         if not match:
             raise RuntimeError(f"{user} cannot log in")
         self.cookie = match[1]
