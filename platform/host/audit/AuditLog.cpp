@@ -129,9 +129,8 @@ void AuditLog::open(std::size_t reserve) {
     }
 }
 
-// What was taken in advance and not used is given back.
-
 void AuditLog::rotate() {
+    // What was taken in advance and not used is given back.
     static_cast<void>(!::ftruncate(descriptor, size));
     ::close(descriptor);
     descriptor = -1;
