@@ -20,18 +20,12 @@ PROPERTIES = "platform/host/channel/BoardProperties.cpp"
 GET, SET, LOGIN, CONTROL = 1, 2, 3, 4
 
 
-<<<<<<< HEAD
-def request_head(kind, number, session=b""):
-    """A request frame up to its payload, without an address and an identifier."""
-    return struct.pack(">BIH", kind, number, len(session)) + session + b"\0\0\0\0"
-=======
 def frame(kind, number, *texts):
     """A request up to its payload, without the length in front."""
     body = struct.pack(">BI", kind, number)
     for text in (*texts, b"", b"", b"")[:3]:
         body += struct.pack(">H", len(text)) + text
     return body
->>>>>>> docs
 
 
 class WireFormats(BoardDocumentTest):
@@ -86,11 +80,7 @@ class WireFormats(BoardDocumentTest):
 
     def test_an_oversized_frame_ends_the_connection(self):
         size = constant("platform/host/channel/Frame.h", "LARGEST_FRAME")
-<<<<<<< HEAD
-        head = request_head(GET, 7)
-=======
         head = frame(GET, 7)
->>>>>>> docs
         whole = head + bytes(size - len(head))
         self.assertEqual(len(self.board.exchange(whole)), 1)
         self.assertEqual(len(self.board.exchange(whole + b"x", head)), 0)
@@ -102,19 +92,11 @@ class WireFormats(BoardDocumentTest):
 
     def test_a_frame_that_is_no_request_ends_the_connection(self):
         code = self.stated(r"A frame that is no request is answered with code (\d+), and the conn")
-<<<<<<< HEAD
-        status = request_head(CONTROL, 0) + b"status"
-        replies = self.board.exchange(b"\x09", status)
-        self.assertEqual(replies, [(code, b"")])
-        # After a request that is only refused it stays.
-        refused = request_head(GET, 7)
-=======
         status = frame(CONTROL, 0) + b"status"
         replies = self.board.exchange(b"\x09", status)
         self.assertEqual(replies, [(code, b"")])
         # After a request that is only refused it stays.
         refused = frame(GET, 7)
->>>>>>> docs
         self.assertEqual([code for code, _ in self.board.exchange(refused, status)], [1604, 0])
 
     def test_a_session_identifier_has_the_stated_shape(self):
@@ -127,17 +109,12 @@ class WireFormats(BoardDocumentTest):
     def test_the_examples_are_of_the_stated_session(self):
         session = self.stated(r"In the examples the session is `(\w+)`")
         asked = self.document.bytes_after("### 0x0201002F")
-<<<<<<< HEAD
-        body = request_head(GET, 0x0201002F, str(session).encode())
-        self.assertEqual(asked, struct.pack(">I", len(body)) + body)
-=======
         body = frame(GET, 0x0201002F, str(session).encode())
         self.assertEqual(asked, struct.pack(">I", len(body)) + body)
         address, request = self.stated(r"the address `([^`]+)` and the request `([^`]+)`\.")
         body = frame(SET, 0x020100A3, str(session).encode(), address.encode(), request.encode())
         self.assertEqual(self.document.bytes_after("### 0x020100A3"),
                          struct.pack(">I", len(body) + 4) + body + b"\0\0\0\3")
->>>>>>> docs
 
     def test_request_numbers_are_those_of_the_header(self):
         text = read("data/requestNumbers.h")
@@ -203,18 +180,11 @@ class WireFormats(BoardDocumentTest):
 
     def test_a_restore_is_checked_in_the_stated_order(self):
         stated = self.stated(
-<<<<<<< HEAD
-            r"in this order: the session \((\d+)\), the right \((\d+)\), the payload \((\d+)\), the "
-            r"list \((\d+)\), no other restore \((\d+)\), the file \((\d+)\), then each target in ascending order: it "
-            r"is installed \((\d+)\), it is not running \((\d+)\), the version fits \((\d+)\)")
-        session, right, payload, empty, busy, damaged, absent, running, version = stated
-=======
             r"in this order: the session \((\d+)\), the right \((\d+)\), the payload \((\d+)\), the list \((\d+)\), no "
             r"other restore \((\d+)\), the file \((\d+)\), then each target in ascending order: it "
             r"is installed \((\d+)\), it is not running \((\d+)\), the version fits \((\d+)\)")
         session, right, payload, empty, busy, damaged, absent, running, version = stated
         viewer = Client(self.board, "viewer").identifier.encode()
->>>>>>> docs
         file = self.stage(3)
         usable = file.read_bytes()
         file.write_bytes(b"damaged")
@@ -224,10 +194,6 @@ class WireFormats(BoardDocumentTest):
             fcntl.flock(lock, fcntl.LOCK_EX)
             # Each request fails this check and all that follow it.
             self.assertEqual(self.restore(b"\0\2", b"x"), session)
-<<<<<<< HEAD
-            viewer = Client(self.board, "viewer").identifier.encode()
-=======
->>>>>>> docs
             self.assertEqual(self.restore(b"\0\2", viewer), right)
             self.assertEqual(self.restore(b"\0\2"), payload)
             self.assertEqual(self.restore(b"\0\0"), empty)
@@ -399,16 +365,6 @@ class WireFormats(BoardDocumentTest):
         path = self.stated(r"The back-end writes the file `([^`]+)` when it starts")
         self.assertEqual(path, text_constant("platform/host/base/SystemPath.h",
                                              "BOARD_PROPERTIES"))
-<<<<<<< HEAD
-        line, last = self.stated(r"`(max_partitions=\d+)` \| partition numbers run from 0 to (\d+)")
-        host = self.stated(r"`(host=)[^`]*` \| a name that the board answers to")
-        user = self.stated(r"`(user=0 ,105,106, admin)` \| there is the user")
-        names = "".join(host + name + "\n" for name in ("127.0.0.1", "[::1]", "localhost"))
-        self.assertEqual(self.board.path(path).read_text(),
-                         line + "\n" + names + user + "\nuser=0 - viewer\n")
-        mode = self.stated(r"one `name=value` per\s+line, mode (0\d+)")
-        self.assertEqual("%o" % (self.board.path(path).stat().st_mode & 0o7777), str(mode))
-=======
         mode = int(str(self.stated(r"one `name=value` per line, mode (0\d+)")), 8)
         self.assertEqual(stat.S_IMODE(self.board.path(path).stat().st_mode), mode)
         rows = dict(self.table("line", "meaning"))
@@ -420,7 +376,6 @@ class WireFormats(BoardDocumentTest):
                          line + "\n" + names + user + "\n" + nobody + "\n")
         for row in (line, user, log):
             self.assertIn('= "%s"' % row.partition("=")[0], read(PROPERTIES))
->>>>>>> docs
         pattern = self.stated(r"to the web server as a pattern as well, in `([^`]+)`")
         self.assertTrue(self.board.path(pattern).exists())
         table = self.board.ask(GET, 0x0201002F)[1]

@@ -13,11 +13,7 @@ class RequestBody {
 public:
     // The whole body must come within this time, so that a client that sends a byte now and then
     // does not keep the process.
-<<<<<<< HEAD
     static constexpr int DEADLINE_MILLISECONDS = 25000;
-=======
-    static constexpr int DEADLINE_MILLISECONDS = 30000;
->>>>>>> docs
 
     // Takes the announced length from CONTENT_LENGTH; without one the body ends with the input.
     // Throws PException (REQUEST_MALFORMED) when the length is no number.
