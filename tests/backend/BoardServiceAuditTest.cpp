@@ -154,6 +154,15 @@ TEST_F(BoardServiceAuditTest, nothingChangesThatCannotBeRecorded) {
     EXPECT_FALSE(exists(backupPath));
 }
 
+TEST_F(BoardServiceAuditTest, nothingChangesBeforeItsLineIsWritten) {
+    stage(makeFile("1.0", "new"));
+    RequestFrame request = change(VeskUi::SET_RESTORE, {0, 1, 0});
+    request.address.assign(60000, 'x');
+    EXPECT_EQ(codeWithin(50000, request), BACKEND_NOT_RECORDED);
+    EXPECT_EQ(everythingHeld(), initial);
+    EXPECT_EQ(events().size(), 0U);
+}
+
 TEST_F(BoardServiceAuditTest, aRestoreWithoutARecordOfItsOutcomeIsToldAsSuch) {
     stage(makeFile("1.0", "new"));
     RequestFrame request = change(VeskUi::SET_RESTORE, {0, 1, 0});

@@ -108,7 +108,7 @@ describe("hostile text", () => {
                 text: element.textContent,
                 address: decodeURIComponent(element.href),
             }));
-            const inName = onBoard(text).replaceAll(/[. ]/g, "");
+            const inName = asShown(onBoard(text)).replaceAll(/[. ]/g, "");
             assert.ok(link.text.endsWith(`_${inName}.dat`), link.text);
             assert.ok(link.address.endsWith(`filename=${link.text}`), link.address);
             assert.deepEqual(page.alerts, []);

@@ -8,7 +8,7 @@ import subprocess
 import unittest
 
 from support.board import BUILD, SCREEN, BoardDocumentTest, Client
-from support.document import PROJECT, codes_in
+from support.document import PROJECT, Document, codes_in
 from support.source import constant, read
 
 SESSION = "platform/host/session/Session.h"
@@ -39,7 +39,10 @@ class Security(BoardDocumentTest):
         listed = subprocess.run(["ctest", "--test-dir", BUILD, "-N"], check=True,
                                 capture_output=True, text=True).stdout
         tests = set(re.findall(r"Test\s+#\d+: (\S+)", listed))
-        for _, _, holders in self.table("threat", "what is done", "held by"):
+        porting = next(rows for cells, rows in Document("docs/porting.md").tables()
+                       if cells == ["what the board must do", "here", "held by"])
+        suites |= tests_of("contract")
+        for _, _, holders in self.table("threat", "what is done", "held by") + porting:
             self.assertNotEqual(codes_in(holders), [])
             for holder in codes_in(holders):
                 with self.subTest(test=holder):
@@ -47,6 +50,22 @@ class Security(BoardDocumentTest):
                         self.assertTrue((PROJECT / browser / (holder + ".js")).exists())
                     else:
                         self.assertTrue(holder in suites or holder in tests)
+
+    def test_what_a_board_must_do_is_done_where_it_is_stated(self):
+        sources = "".join(path.read_text(encoding="utf-8")
+                          for folder in ("platform/host", "board")
+                          for path in (PROJECT / folder).rglob("*.cpp"))
+        rows = next(rows for cells, rows in Document("docs/porting.md").tables()
+                    if cells == ["what the board must do", "here", "held by"])
+        for _, here, _ in rows:
+            for name in codes_in(here):
+                with self.subTest(name=name):
+                    if name.endswith("()"):
+                        self.assertRegex(sources, r"\b%s\(" % name[:-2])
+                    else:
+                        self.assertTrue(any(any((PROJECT / folder).rglob(
+                            name.rpartition("/")[2].replace(".cgi", ".cpp") if "." in name
+                            else name + ".h")) for folder in ("platform/host", "board")))
 
     def test_the_cookie_is_as_stated(self):
         bits = self.stated(r"the cookie holds (\d+) random bits that are compared in")
