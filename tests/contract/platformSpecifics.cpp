@@ -20,7 +20,7 @@ void publish(const std::string& lines) {
     const std::string path = getCGIPath("/var/run/board_properties");
     const std::string before =
         exists(path) ? readText(path) : "max_partitions=" + std::to_string(MAX_PARTITIONS) + "\n";
-    if (before.find(lines) == std::string::npos) {
+    if (!exists(path) || before.find(lines) == std::string::npos) {
         writeText(path, before + lines);
     }
 }
