@@ -18,6 +18,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -37,7 +38,8 @@ struct Staged {
     }
 };
 
-Staged stagedBefore;
+// Not known of a request that was refused before, which changes nothing.
+std::optional<Staged> stagedBefore;
 
 std::string pathOf(const char* file) {
     return getCGIPath(file) + requestSession()->session.identifier;
@@ -109,10 +111,13 @@ void recordWithResult(const char* name, const char* result) {
 }
 
 void recordChanges() {
+    if (!stagedBefore) {
+        return;
+    }
     bool mayBeNew = UploadFile::wasNamed();
     try {
         const Staged after = findStaged();
-        const bool changed = !(after == stagedBefore);
+        const bool changed = !(after == *stagedBefore);
         mayBeNew = changed && after.present;
         if (mayBeNew) {
             recordUpload();
@@ -135,10 +140,11 @@ void recordChanges() {
 void checkSessionFiles() {
     struct stat status = {};
     checkOwn(pathOf(BACKUP_FILE), status);
-    stagedBefore = {};
-    if (checkOwn(pathOf(STAGING_FILE), status)) {
-        stagedBefore = {.present = true, .number = status.st_ino, .changed = status.st_mtim};
-    }
+    stagedBefore.reset();
+    const bool present = checkOwn(pathOf(STAGING_FILE), status);
+    stagedBefore = present
+                       ? Staged{.present = true, .number = status.st_ino, .changed = status.st_mtim}
+                       : Staged();
 }
 
 void settleSessionFiles() {

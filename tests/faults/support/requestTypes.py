@@ -129,8 +129,8 @@ class Backup(RequestType):
             return file is not None and file.partition == 3 and file.payload == payload
 
         # The program empties the file before it asks for the backup. An empty file is no backup
-        # for anybody: the download refuses it.
-        self.allowed[path] = [EMPTY, isNew]
+        # for anybody: the download refuses it. A backup without a line in the audit log is removed.
+        self.allowed[path] = [EMPTY, ABSENT, isNew]
         return post(scene.operator, b"functionID=105&hidden_status=BACKUP&radio_button=3")
 
     def claimsSuccess(self, response, scene):
