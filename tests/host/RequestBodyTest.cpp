@@ -83,8 +83,10 @@ TEST(RequestBodyTest, aBodyInTimeIsWholeWhateverInterruptsIt) {
     EXPECT_EQ(result.exitStatus, 0);
 }
 
-TEST(RequestBodyTest, isWaitedForAsLongAsTheServerIs) {
-    EXPECT_EQ(RequestBody::DEADLINE_MILLISECONDS, 30000);
+// The web server ends a request that is still arriving after 28 s.
+TEST(RequestBodyTest, isGivenUpBeforeTheServerEndsItsConnection) {
+    EXPECT_LT(RequestBody::DEADLINE_MILLISECONDS, 28000);
+    EXPECT_GE(RequestBody::DEADLINE_MILLISECONDS, 20000);
 }
 
 }  // namespace VeskLib::Test
