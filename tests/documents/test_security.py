@@ -116,6 +116,29 @@ class Security(BoardDocumentTest):
         self.assertNotIn(token, text)
         self.assertIn(hashlib.sha256(token.encode()).hexdigest(), text)
 
+    def test_what_is_kept_is_where_it_is_stated_and_the_owners_alone(self):
+        rows = self.table("data", "class", "where, under the board's root", "until")
+        self.assertEqual({row[1] for row in rows}, {"secret", "confidential", "internal"})
+        paths = {path for row in rows for path in re.findall(r"`(var/[^`]+)`", row[2])}
+        self.assertIn("var/log/audit.log", paths)
+        for path in paths - {"var/lib/tls"}:  # only with --tls
+            self.assertTrue(self.board.path("/" + path).exists(), path)
+        modes = self.stated(r"belongs to the board's user alone \(files 0(\d+), folders 0(\d+)\)")
+        for path in self.board.path("/var").rglob("*"):
+            if not path.is_socket():
+                self.assertEqual("%o" % (path.stat().st_mode & 0o7777), str(modes[path.is_dir()]),
+                                 path)
+
+    def test_the_algorithms_are_those_of_the_sources(self):
+        rows = self.table("use", "algorithm", "from")
+        self.assertEqual(len(rows), 6)
+        rounds = self.stated(r"sha512crypt with (\d+) rounds or more")
+        self.assertEqual(rounds, constant("board/backend/DescriptionReader.cpp",
+                                          "FEWEST_SHA512_ROUNDS"))
+        days = self.stated(r"ECDSA with P-256 and SHA-256, (\d+) days")
+        self.assertIn("CERTIFICATE_DAYS=%d\n" % days, read("serve"))
+        self.assertIn("ec_paramgen_curve:P-256", read("serve"))
+
     def test_the_back_end_checks_changes_itself(self):
         no_session, no_right = self.stated(
             r"the back-end reads the session's file and its user's rights itself \((\d+), (\d+)\)")
