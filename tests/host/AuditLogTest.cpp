@@ -259,4 +259,20 @@ TEST(AuditedFile, isWhatTheBytesSay) {
     EXPECT_FALSE(auditedFile({'x'}));
 }
 
+TEST_F(AuditLogTest, aFileIsWhatItsBytesAre) {
+    ConfigurationFile file;
+    file.version = "1.23 B";
+    file.payload.assign(100000, 'x');
+    const std::vector<unsigned char> bytes = encode(file);
+    const std::string stored = boardFile("/var/tmp/file");
+    writeText(stored, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    const std::optional<AuditedFile> audited = auditedFileAt(stored);
+    ASSERT_TRUE(audited);
+    EXPECT_EQ(audited->sha256, sha256Hex(bytes));
+    EXPECT_EQ(audited->version, "1.23 B");
+    writeText(stored, "x");
+    EXPECT_FALSE(auditedFileAt(stored));
+    EXPECT_EQ(codeOf([] { auditedFileAt(boardFile("/var/tmp/none")); }), FILE_NOT_READABLE);
+}
+
 }  // namespace VeskLib::Test

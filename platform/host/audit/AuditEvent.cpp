@@ -1,9 +1,16 @@
 #include "platform/host/audit/AuditEvent.h"
 
+#include "platform/host/base/Descriptor.h"
+#include "platform/host/base/platformException.h"
 #include "platform/host/base/sha256.h"
 #include "platform/host/storage/ConfigurationFile.h"
+#include "platform/host/storage/ConfigurationFileReader.h"
+#include "platform/host/storage/files.h"
 
 #include <nlohmann/json.hpp>
+
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <ctime>
@@ -87,6 +94,30 @@ void putCounts(Object& line, const std::map<std::string, unsigned int>& counts) 
     }
 }
 
+// Reads a file piece by piece.
+class Summary {
+public:
+    void take(const unsigned char* bytes, std::size_t size) {
+        sum.add({reinterpret_cast<const char*>(bytes), size});
+        reader.take(bytes, size);
+    }
+
+    std::optional<AuditedFile> finish() {
+        ConfigurationFile file;
+        if (!reader.finish(file)) {
+            return std::nullopt;
+        }
+        return AuditedFile{.sha256 = sum.finish(),
+                           .partition = file.partition,
+                           .version = file.version,
+                           .saved = file.saveTime};
+    }
+
+private:
+    SHA256 sum;
+    ConfigurationFileReader reader;
+};
+
 }  // namespace
 
 std::string jsonText(const std::string& text) {
@@ -120,14 +151,23 @@ std::string encode(const AuditEvent& event, AuditTime time) {
 }
 
 std::optional<AuditedFile> auditedFile(const std::vector<unsigned char>& bytes) {
-    ConfigurationFile file;
-    if (!decode(bytes, file)) {
-        return std::nullopt;
+    Summary summary;
+    summary.take(bytes.data(), bytes.size());
+    return summary.finish();
+}
+
+std::optional<AuditedFile> auditedFileAt(const std::string& path) {
+    const Descriptor file(openForReading(path));
+    struct stat status = {};
+    Summary summary;
+    const auto take = [&summary](const unsigned char* bytes, std::size_t size) {
+        summary.take(bytes, size);
+    };
+    if (!file.isOpen() || ::fstat(file.get(), &status) != 0 || status.st_uid != ::geteuid() ||
+        !readPieces(file.get(), LARGEST_CONFIGURATION_FILE, take)) {
+        throw makePlatformException(FILE_NOT_READABLE, "The file cannot be read for the audit log");
     }
-    return AuditedFile{.sha256 = sha256Hex(bytes),
-                       .partition = file.partition,
-                       .version = file.version,
-                       .saved = file.saveTime};
+    return summary.finish();
 }
 
 }  // namespace VeskLib::Host

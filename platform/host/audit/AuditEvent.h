@@ -48,4 +48,8 @@ std::string encode(const AuditEvent& event, AuditTime time);
 // What the log says of a file with these bytes; none when they are not a configuration file.
 std::optional<AuditedFile> auditedFile(const std::vector<unsigned char>& bytes);
 
+// The same for the file `path`, read piece by piece. Throws PException (FILE_NOT_READABLE) when it
+// cannot be read, or belongs to another user.
+std::optional<AuditedFile> auditedFileAt(const std::string& path);
+
 }  // namespace VeskLib::Host

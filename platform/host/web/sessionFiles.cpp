@@ -3,8 +3,6 @@
 #include "platform/host/audit/AuditLog.h"
 #include "platform/host/base/SystemPath.h"
 #include "platform/host/base/platformException.h"
-#include "platform/host/storage/ConfigurationFile.h"
-#include "platform/host/storage/files.h"
 #include "platform/host/web/UploadFile.h"
 #include "platform/host/web/refusedPage.h"
 #include "platform/host/web/requestSession.h"
@@ -20,7 +18,6 @@
 #include <cstdio>
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace VeskLib::Host {
 
@@ -93,12 +90,7 @@ void removeWhatIsNotAllowed() {
 
 void recordUpload() {
     AuditEvent event = makeAuditEvent("upload");
-    std::vector<unsigned char> bytes;
-    struct stat status = {};
-    if (!readOwnFile(pathOf(STAGING_FILE), LARGEST_CONFIGURATION_FILE, bytes, status)) {
-        throw makePlatformException(FILE_NOT_READABLE, "The staged file cannot be read");
-    }
-    event.file = auditedFile(bytes);
+    event.file = auditedFileAt(pathOf(STAGING_FILE));
     // One that the page has refused and could not remove.
     event.result = event.file ? "done" : "refused";
     record(event);

@@ -124,7 +124,7 @@ def run(context):
     installation = context.installation
     limits = runCases(context, "disk", context.sample(limitCases(), SHORT_LIMIT_RUNS),
                       lambda: Worker(installation, False))
-    figures = {"limits": limits.runs, **tallies("limits", limits)}
+    figures = {"limits": limits.runs, "tried": limits.figures["tried"], **tallies("limits", limits)}
     reason = whyImpossible()
     if reason is not None:
         # Said aloud: half of the row has not been run.
@@ -132,5 +132,6 @@ def run(context):
         return Result(limits.runs, limits.violations, figures)
     disk = runCases(context, "disk", context.sample(diskCases(), SHORT_DISK_RUNS),
                     lambda: Worker(installation, True))
+    figures["tried"] += disk.figures["tried"]
     figures.update({"full disk and inodes": disk.runs, **tallies("disk", disk)})
     return Result(limits.runs + disk.runs, limits.violations + disk.violations, figures)

@@ -36,4 +36,5 @@ def runBoth(context, row, programs, backend):
                      lambda: backendFaults.BackendFaultWorker(installation))
     return Result(one.runs + other.runs, one.violations + other.violations,
                   {"program runs": one.runs, "back-end runs": other.runs,
-                   "cases": len(programs) + len(backend)})
+                   "cases": len(programs) + len(backend),
+                   "tried": one.figures["tried"] + other.figures["tried"]})

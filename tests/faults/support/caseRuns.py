@@ -3,6 +3,7 @@
 import json
 import multiprocessing
 import os
+import random
 import time
 import traceback
 
@@ -69,6 +70,9 @@ def runCases(context, row, cases, makeWorker, workers=None):
     """Runs each case in one of several processes; `makeWorker()` is called once in each of them
     and returns an object with run(case), an Outcome, and close()."""
     count = max(1, min(workers or context.jobs, len(cases)))
+    if context.end is not None:
+        # What the time suffices for is then a sample of all.
+        cases = random.Random(context.seed).sample(cases, len(cases))
     queue = multiprocessing.Queue()
     # Dealt out in turns, so that slow neighbours are shared.
     processes = [multiprocessing.Process(target=work, args=(queue, cases[index::count], makeWorker,
@@ -77,7 +81,7 @@ def runCases(context, row, cases, makeWorker, workers=None):
     for process in processes:
         process.start()
     result = Result(figures={"cases": len(cases)})
-    ended = 0
+    ended = tried = 0
     began = time.monotonic()
     while ended < count:
         message = queue.get()
@@ -85,6 +89,7 @@ def runCases(context, row, cases, makeWorker, workers=None):
             ended += 1
             continue
         case, outcome = message
+        tried += 1
         result.runs += 1 if outcome.met else 0
         if outcome.tally is not None:
             result.figures[outcome.tally] = result.figures.get(outcome.tally, 0) + 1
@@ -92,6 +97,7 @@ def runCases(context, row, cases, makeWorker, workers=None):
             result.violations.append(keep(context, row, case, outcome))
     for process in processes:
         process.join()
+    result.figures["tried"] = tried
     result.figures["seconds"] = round(time.monotonic() - began)
     return result
 
