@@ -209,8 +209,10 @@ def run(context):
     board = WebBoard(context.project, os.path.basename(context.installation.build))
     samples = []
     try:
+        context.beginPart(0.5)
         before, problems = runHalf(context, board, count // 2, samples)
         early = atRest(board)
+        context.beginPart(1)
         after, more = runHalf(context, board, count - count // 2, samples)
         late = atRest(board)
     finally:
