@@ -59,7 +59,7 @@ function makeFile(text) {
 // What a page shows of a text: something visible in place of what ends its line or turns it.
 function asShown(text) {
     return text
-        .replaceAll(/[\x00-\x1f]/g, (control) =>
+        .replaceAll(/[\x00-\x08\x0a-\x1f]/g, (control) =>
             String.fromCharCode(0x2400 + control.charCodeAt(0)),
         )
         .replaceAll(/[\x80-\x9f\u061c\u200e\u200f\u2028-\u202e\u2066-\u2069]/g, "\ufffd");

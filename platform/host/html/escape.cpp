@@ -19,6 +19,7 @@ constexpr Reference REFERENCES[] = {
 
 const std::size_t FIRST_PRINTABLE = 0x20;
 const char DELETE = '\x7F';
+const char TAB = '\t';
 constexpr std::string_view UNPRINTABLE = "\uFFFD";
 
 // The pictures of the control characters below FIRST_PRINTABLE, U+2400 to U+241F, and of DELETE.
@@ -74,6 +75,9 @@ std::string_view pictureOf(std::size_t number) {
 std::string_view findVisible(std::string_view rest, std::size_t& size) {
     const auto byte = static_cast<unsigned char>(rest.front());
     size = 1;
+    if (rest.front() == TAB) {
+        return {};
+    }
     if (byte < FIRST_PRINTABLE || rest.front() == DELETE) {
         return pictureOf(byte < FIRST_PRINTABLE ? byte : FIRST_PRINTABLE);
     }
@@ -145,7 +149,7 @@ std::string escapeScript(std::string_view text) {
     escaped.reserve(text.size());
     forEachPiece(text, findVisible, [&escaped](std::string_view piece) {
         for (const char character : piece) {
-            if (std::string_view("\"'$`\\<>&").find(character) == std::string_view::npos) {
+            if (std::string_view("\"'$`\\<>&\t").find(character) == std::string_view::npos) {
                 escaped += character;
                 continue;
             }

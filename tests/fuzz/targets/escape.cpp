@@ -42,7 +42,7 @@ std::string readScript(const std::string& text) {
 
 bool isControl(char character) {
     const auto byte = static_cast<unsigned char>(character);
-    return byte < 0x20 || byte == 0x7F;
+    return (byte < 0x20 && byte != '\t') || byte == 0x7F;
 }
 
 bool holdsControl(const std::string& text) {
