@@ -26,7 +26,7 @@ const char* const FOLDER = "/var/tmp";
 const mode_t FILE_MODE = 0600;
 const std::size_t NAME_BYTES = 8;
 
-bool named = false;
+unsigned int named = 0;
 
 }  // namespace
 
@@ -75,12 +75,12 @@ std::string UploadFile::path() {
             throw makePlatformException(UPLOAD_NOT_STORED, "The uploaded file cannot be named");
         }
         name = std::move(chosen);  // takes no memory: a named file must never be forgotten
-        named = true;
+        ++named;
     }
     return name;
 }
 
-bool UploadFile::wasNamed() {
+unsigned int UploadFile::namedFiles() {
     return named;
 }
 

@@ -32,8 +32,8 @@ public:
     // not take it all.
     std::string path();
 
-    // Returns true if a file of this process got a name, whatever became of it.
-    static bool wasNamed();
+    // How many files of this process got a name, whatever became of them.
+    static unsigned int namedFiles();
 
     // Removes the file unless somebody moved it; it is empty again.
     void remove();

@@ -38,6 +38,12 @@ struct Staged {
 // Not known of a request that was refused before, which changes nothing.
 std::optional<Staged> stagedBefore;
 
+unsigned int uploadsBefore = 0;
+
+bool wasUploaded() {
+    return UploadFile::namedFiles() != uploadsBefore;
+}
+
 std::string pathOf(const char* file) {
     return getCGIPath(file) + requestSession()->session.identifier;
 }
@@ -106,14 +112,14 @@ void recordChanges() {
     if (!stagedBefore) {
         return;
     }
-    bool mayBeNew = UploadFile::wasNamed();
+    bool mayBeNew = wasUploaded();
     try {
         const Staged after = findStaged();
         const bool changed = !(after == *stagedBefore);
         mayBeNew = changed && after.present;
         if (mayBeNew) {
             recordUpload();
-        } else if (UploadFile::wasNamed()) {
+        } else if (wasUploaded()) {
             recordWithResult("upload", "refused");
         } else if (changed) {
             recordWithResult("discard", "done");
@@ -130,6 +136,7 @@ void recordChanges() {
 }  // namespace
 
 void checkSessionFiles() {
+    uploadsBefore = UploadFile::namedFiles();
     struct stat status = {};
     checkOwn(pathOf(BACKUP_FILE), status);
     stagedBefore.reset();
