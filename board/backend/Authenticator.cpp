@@ -1,9 +1,10 @@
 #include "board/backend/Authenticator.h"
 
+#include "platform/host/base/equalSteadily.h"
+
 #include <crypt.h>
 #include <strings.h>
 
-#include <algorithm>
 #include <cstring>
 #include <memory>
 
@@ -14,16 +15,6 @@ namespace {
 // A hash of no password that anybody knows, for a board without users.
 const char* const LONELY_DECOY =
     "$y$j9T$0ioYzHf7otzQk9driQNom/$WVwxnwygYKY7W2mHieIY5/5GqdL4TRifUnXe/jwkbV0";
-
-// Whether two texts are equal, in a time that does not tell where they differ.
-bool equalSteadily(const std::string& one, const std::string& other) {
-    unsigned int difference = one.size() == other.size() ? 0 : 1;
-    const std::size_t common = std::min(one.size(), other.size());
-    for (std::size_t i = 0; i < common; ++i) {
-        difference |= static_cast<unsigned char>(one[i]) ^ static_cast<unsigned char>(other[i]);
-    }
-    return difference == 0;
-}
 
 // The hash of `password` made as `hash` was made; empty when that is not possible.
 std::string hashLike(const std::string& hash, const std::string& password) {
@@ -37,22 +28,21 @@ std::string hashLike(const std::string& hash, const std::string& password) {
 
 }  // namespace
 
-Authenticator::Authenticator(const std::vector<User>& users)
+Authenticator::Authenticator(const BoardDescription& board)
     // As costly as the real ones: the first user's own, since whatever matches it is thrown away.
-    : users(users), decoyHash(users.empty() ? LONELY_DECOY : users.front().passwordHash) {
+    : board(board),
+      decoyHash(board.users.empty() ? LONELY_DECOY : board.users.front().passwordHash) {
 }
 
 const User* Authenticator::authenticate(const std::string& name, const std::string& password) {
-    const auto found = std::find_if(users.begin(), users.end(),
-                                    [&name](const User& user) { return user.name == name; });
-    const bool known = found != users.end();
-    const std::string& expected = known ? found->passwordHash : decoyHash;
+    const User* const user = board.findUser(name);
+    const std::string& expected = user != nullptr ? user->passwordHash : decoyHash;
     const std::scoped_lock lock(computing);
     const std::string made = hashLike(expected, password);
-    const bool matches = !made.empty() && equalSteadily(made, expected);
+    const bool matches = !made.empty() && Host::equalSteadily(made, expected);
     // crypt(3) ends at a NUL, so that "secret" and "secret\0anything" would be one password.
     const bool cut = password.find('\0') != std::string::npos;
-    return known && matches && !cut ? &*found : nullptr;
+    return matches && !cut ? user : nullptr;
 }
 
 }  // namespace VeskLib::Board

@@ -105,7 +105,7 @@ BoardService::BoardService(const BoardDescription& description, ConfigurationSto
       store(store),
       switches(switches),
       restoreLockPath(std::move(restoreLockPath)),
-      authenticator(description.users) {
+      authenticator(description) {
 }
 
 Host::ReplyFrame BoardService::answer(const Host::RequestFrame& request) {

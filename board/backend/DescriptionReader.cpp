@@ -52,8 +52,8 @@ bool isPasswordHash(const std::string& hash) {
 // Whoever has a hash can try passwords against it, as many as the method allows. These methods make
 // each try expensive and take the whole password, of which bcrypt takes only 72 bytes.
 bool isStrongHash(const std::string& hash) {
-    static const std::string SHA512 = "$6$";
-    static const std::string ROUNDS = SHA512 + "rounds=";
+    const std::string_view SHA512 = "$6$";
+    const std::string_view ROUNDS = "$6$rounds=";
     if (hash.starts_with(ROUNDS)) {
         // Without the parameter there are as many as it takes.
         return std::strtoul(hash.c_str() + ROUNDS.size(), nullptr, 10) >= FEWEST_SHA512_ROUNDS;

@@ -18,19 +18,19 @@ std::string quickHash(const std::string& password) {
 class AuthenticatorTest : public testing::Test {
 protected:
     AuthenticatorTest() {
-        users.push_back({"admin", quickHash("secret"), false, ",105,106,"});
-        users.push_back({"viewer", quickHash("päss"), false, ""});
-        users.push_back({"empty", quickHash(""), false, ""});
+        board.users.push_back({"admin", quickHash("secret"), false, ",105,106,"});
+        board.users.push_back({"viewer", quickHash("päss"), false, ""});
+        board.users.push_back({"empty", quickHash(""), false, ""});
     }
 
     // The user that is let in; "nobody" when none is.
     std::string whoIs(const std::string& name, const std::string& password) {
-        Authenticator authenticator(users);
+        Authenticator authenticator(board);
         const User* user = authenticator.authenticate(name, password);
         return user == nullptr ? "nobody" : user->name;
     }
 
-    std::vector<User> users;
+    BoardDescription board;
 };
 
 }  // namespace
@@ -72,14 +72,14 @@ TEST_F(AuthenticatorTest, passwordThatIsTooLongIsRefused) {
 // crypt(3) reports a failure as a text; a hash of the same text must not match it.
 TEST_F(AuthenticatorTest, hashThatIsNoneLetsNobodyIn) {
     for (const char* hash : {"*0", "*1", "*", "", "x"}) {
-        users.front().passwordHash = hash;
+        board.users.front().passwordHash = hash;
         EXPECT_EQ(whoIs("admin", "secret"), "nobody") << hash;
         EXPECT_EQ(whoIs("admin", ""), "nobody") << hash;
     }
 }
 
 TEST_F(AuthenticatorTest, boardWithoutUsersLetsNobodyIn) {
-    users.clear();
+    board.users.clear();
     EXPECT_EQ(whoIs("admin", "secret"), "nobody");
 }
 

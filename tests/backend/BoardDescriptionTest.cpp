@@ -142,6 +142,7 @@ TEST_F(BoardDescriptionTest, initialPayloadIsMadeOfTheSettingsAndTheFillBytes) {
         name = "settings"
         [partition.settings]
         "Secure boot" = true
+        "Network boot" = false
         "Boot timeout" = 5
         "Boot order" = "HDD0, PXE"
         [[partition]]
@@ -157,7 +158,7 @@ TEST_F(BoardDescriptionTest, initialPayloadIsMadeOfTheSettingsAndTheFillBytes) {
     )";
     const BoardDescription description = load(text);
     EXPECT_EQ(textOf(description.partitions[0].initialPayload),
-              "Boot order=HDD0, PXE\nBoot timeout=5\nSecure boot=true\n");
+              "Boot order=HDD0, PXE\nBoot timeout=5\nNetwork boot=false\nSecure boot=true\n");
     const Bytes& first = description.partitions[1].initialPayload;
     const Bytes& second = description.partitions[2].initialPayload;
     EXPECT_EQ(first.size(), 1003U);
@@ -233,6 +234,10 @@ TEST_F(BoardDescriptionTest, everyMistakeNamesItsPlace) {
          "6:6: a setting is one line: \"name\" = text, number or flag"},
         {partition + "number = 1\n[partition.settings]\na = \"1\\n2\"",
          "6:5: a setting is one line: \"name\" = text, number or flag"},
+        {partition + "number = 1\n[partition.settings]\na = \"1\\u007f2\"",
+         "6:5: a setting is one line: \"name\" = text, number or flag"},
+        {partition + "number = 1\n[partition.settings]\n\"a\\n\" = 1",
+         "6:9: a setting is one line: \"name\" = text, number or flag"},
         {partition + "number = 1\n[partition.settings]\na = 1.5",
          "6:5: a setting is one line: \"name\" = text, number or flag"},
         {user + "name = 'a'", "2:1: \"password_hash\" is missing"},

@@ -2,13 +2,12 @@
 #include "tests/backend/support/BoardServiceTest.h"
 #include "tests/support/BoardTest.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/ScopedLimit.h"
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <nlohmann/json.hpp>
 
-#include <csignal>
 #include <filesystem>
 
 namespace VeskLib::Test {
@@ -43,9 +42,7 @@ protected:
     // The code of a change, between 1500 and 1700, when no file may have more than `limit` bytes.
     unsigned int codeWithin(std::size_t limit, const RequestFrame& request) const {
         const ChildResult result = runInChild([&] {
-            ::signal(SIGXFSZ, SIG_IGN);
-            const rlimit limits = {limit, limit};
-            ::setrlimit(RLIMIT_FSIZE, &limits);
+            const ScopedFileSizeLimit fileSizeLimit(limit);
             return static_cast<int>(ask(request).errorCode) - 1500;
         });
         EXPECT_GE(result.exitStatus, 0) << result.errors;

@@ -99,9 +99,9 @@ TEST(BoardProperties, areReadBack) {
 }
 
 TEST(BoardProperties, damagedOnesAreNotTaken) {
-    for (const std::string text :
-         {"max_partitions=8\nuser=2 - x\n", "max_partitions=8\nuser=1-x\n",
-          "max_partitions=8\nuser=1 -\n", "max_partitions=8\nuser=\n", "user=1 - admin\n"}) {
+    for (const std::string text : {"max_partitions=8\nuser=2 - x\n", "max_partitions=8\nuser=1-x\n",
+                                   "max_partitions=8\nuser=1-- x\n", "max_partitions=8\nuser=1 -\n",
+                                   "max_partitions=8\nuser=\n", "user=1 - admin\n"}) {
         Host::BoardProperties properties;
         EXPECT_FALSE(decode(Bytes(text.begin(), text.end()), properties)) << text;
         EXPECT_EQ(properties.maxPartitions, 0U);

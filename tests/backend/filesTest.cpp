@@ -2,14 +2,13 @@
 
 #include "platform/host/base/Descriptor.h"
 #include "tests/backend/support/RootTest.h"
+#include "tests/support/ScopedLimit.h"
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <csignal>
 #include <filesystem>
 #include <new>
 
@@ -143,19 +142,12 @@ TEST_F(Files, failedReplacementLeavesEverythingAsItWas) {
 TEST_F(Files, fullDiskLeavesTheOldFile) {
     const std::string path = at("file");
     writeText(path, "old");
-    rlimit original = {};
-    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &original), 0);
-    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-    const rlimit small = {4096, original.rlim_max};
-    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
     errno = 0;
-    const bool replaced = replaceFile(path, Bytes(100000, 'x'), 0600);
-    const int reason = errno;
-    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &original), 0);
-    std::signal(SIGXFSZ, handler);
-
-    EXPECT_FALSE(replaced);
-    EXPECT_EQ(reason, EFBIG);
+    {
+        const ScopedFileSizeLimit limit(4096);
+        EXPECT_FALSE(replaceFile(path, Bytes(100000, 'x'), 0600));
+    }
+    EXPECT_EQ(errno, EFBIG);
     EXPECT_EQ(readText(path), "old");
     EXPECT_EQ(names(), std::vector<std::string>{"file"});
 }

@@ -3,22 +3,20 @@
 #include "platform/host/base/platformException.h"
 #include "platform/host/base/sha256.h"
 #include "platform/host/storage/ConfigurationFile.h"
+#include "tests/host/refusal.h"
 #include "tests/support/BoardTest.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/ScopedLimit.h"
 #include "tests/support/files.h"
-
-#include <VeskLib/PException.h>
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
-#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <filesystem>
 #include <thread>
 
@@ -45,15 +43,6 @@ protected:
     }
 
     static JSON lastLine() { return JSON::parse(lines().back()); }
-
-    static int codeOf(const std::function<void()>& work) {
-        try {
-            work();
-        } catch (const PException& exception) {
-            return exception.getExceptionDetail();
-        }
-        return 0;
-    }
 };
 
 }  // namespace
@@ -133,9 +122,7 @@ TEST_F(AuditLogTest, aLineThatDoesNotFitIsNotWrittenInPart) {
     record(eventOf("start"));
     const std::string before = readText(path());
     const ChildResult result = runInChild([&before] {
-        ::signal(SIGXFSZ, SIG_IGN);
-        const rlimit limit = {before.size() + 10, before.size() + 10};
-        ::setrlimit(RLIMIT_FSIZE, &limit);
+        const ScopedFileSizeLimit limit(before.size() + 10);
         return codeOf([] { record(eventOf("end")); }) == AUDIT_NOT_WRITTEN ? 0 : 1;
     });
     EXPECT_EQ(result.exitStatus, 0);

@@ -1,19 +1,19 @@
 #include "platform/host/session/Session.h"
 
 #include "platform/host/base/platformException.h"
+#include "tests/host/refusal.h"
 #include "tests/host/sessionFiles.h"
 #include "tests/support/BoardTest.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/ScopedLimit.h"
 #include "tests/support/files.h"
 #include "tests/support/happensInTime.h"
 #include "tests/support/sanitizers.h"
 
 #include <VeskLib/LockedFile.h>
-#include <VeskLib/PException.h>
 
 #include <gmock/gmock.h>
 
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -72,6 +72,16 @@ TEST_F(SessionFilesTest, anExpiredSessionTakesItsFilesWithIt) {
     EXPECT_FALSE(isLetIn(expired.cookieValue()));
     EXPECT_TRUE(hasNothing(expired.identifier));
     EXPECT_TRUE(hasEverything(other));
+}
+
+TEST_F(SessionFilesTest, anExpiredSessionEndsAlsoWhenTheAuditLogTakesNothing) {
+    const Session expired = startWithFiles();
+    setAge(sessionFile(expired.identifier), Host::SESSION_IDLE_SECONDS + 1);
+    ASSERT_EQ(::mkfifo(boardFile("/var/log/audit.log").c_str(), 0600), 0);
+    EXPECT_NO_THROW(endExpiredSessions());
+    EXPECT_TRUE(hasNothing(expired.identifier));
+    EXPECT_THAT(readText(boardFile("/var/log/trace.log")),
+                testing::HasSubstr("The audit log does not take the end of a session"));
 }
 
 TEST_F(SessionFilesTest, anIdentifierThatIsNoneEndsNothing) {
@@ -142,20 +152,15 @@ TEST_F(SessionFilesTest, aSessionThatCannotBeReadNowIsLeftAlone) {
     }
     const Session session = startWithFiles();
     ChildProcess process([&session] {
-        const rlimit none = {.rlim_cur = 0, .rlim_max = 0};
-        if (::setrlimit(RLIMIT_NOFILE, &none) != 0) {
-            return 2;
-        }
+        const ScopedLimit none(RLIMIT_NOFILE, 0);
         endExpiredSessions();
-        try {
-            Session found;
-            Host::findSession(session.cookieValue(), found);
-        } catch (const PException& exception) {
-            return exception.getExceptionDetail() == Host::SESSION_NOT_READABLE ? 0 : 1;
-        }
-        return 1;
+        Session found;
+        std::cout << codeOf([&] { Host::findSession(session.cookieValue(), found); }) << ' '
+                  << codeOf([&] { Host::findSessionByIdentifier(session.identifier, found); });
+        return 0;
     });
-    EXPECT_EQ(process.wait().exitStatus, 0);
+    const std::string notReadable = std::to_string(Host::SESSION_NOT_READABLE);
+    EXPECT_EQ(process.wait().output, notReadable + " " + notReadable);
     EXPECT_TRUE(hasEverything(session));
     EXPECT_TRUE(isLetIn(session.cookieValue()));
 }

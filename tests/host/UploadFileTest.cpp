@@ -4,15 +4,14 @@
 #include "platform/host/web/FormLimits.h"
 #include "tests/support/BoardTest.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/ScopedLimit.h"
 #include "tests/support/files.h"
 
 #include <gmock/gmock.h>
 
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <filesystem>
 #include <iostream>
 #include <limits>
@@ -58,22 +57,6 @@ protected:
 };
 
 const std::string NOT_STORED = std::to_string(Host::UPLOAD_NOT_STORED);
-
-// Has files of this process end at `size` bytes for as long as the object lives.
-class FileSizeLimit {
-public:
-    explicit FileSizeLimit(rlim_t size) {
-        ::getrlimit(RLIMIT_FSIZE, &former);
-        const rlimit limited = {size, former.rlim_max};
-        ::setrlimit(RLIMIT_FSIZE, &limited);
-    }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-    ~FileSizeLimit() { ::setrlimit(RLIMIT_FSIZE, &former); }
-
-private:
-    rlimit former = {};
-};
 
 }  // namespace
 
@@ -250,8 +233,7 @@ TEST_F(UploadFileTest, aFolderThatGoesBeforeTheNameIsAnError) {
 
 TEST_F(UploadFileTest, aDiskThatTakesOnlyAPartIsAnError) {
     const ChildResult result = runInChild([] {
-        std::signal(SIGXFSZ, SIG_IGN);
-        const FileSizeLimit limit(1000);
+        const ScopedFileSizeLimit limit(1000);
         UploadFile fitting;
         fitting.write(std::string(1000, 'a'));
         std::cout << readText(fitting.path()).size() << '\n';

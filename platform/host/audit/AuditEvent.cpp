@@ -10,7 +10,6 @@
 #include <nlohmann/json.hpp>
 
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <cstdio>
 #include <ctime>
@@ -157,14 +156,13 @@ std::optional<AuditedFile> auditedFile(const std::vector<unsigned char>& bytes) 
 }
 
 std::optional<AuditedFile> auditedFileAt(const std::string& path) {
-    const Descriptor file(openForReading(path));
     struct stat status = {};
+    const Descriptor file(openOwnFile(path, LARGEST_CONFIGURATION_FILE, status));
     Summary summary;
     const auto take = [&summary](const unsigned char* bytes, std::size_t size) {
         summary.take(bytes, size);
     };
-    if (!file.isOpen() || ::fstat(file.get(), &status) != 0 || status.st_uid != ::geteuid() ||
-        !readPieces(file.get(), LARGEST_CONFIGURATION_FILE, take)) {
+    if (!file.isOpen() || !readPieces(file.get(), LARGEST_CONFIGURATION_FILE, take)) {
         throw makePlatformException(FILE_NOT_READABLE, "The file cannot be read for the audit log");
     }
     return summary.finish();

@@ -2,6 +2,7 @@
 
 #include "platform/host/audit/AuditLog.h"
 #include "platform/host/base/SystemPath.h"
+#include "platform/host/base/equalSteadily.h"
 #include "platform/host/base/platformException.h"
 #include "platform/host/base/randomText.h"
 #include "platform/host/base/sha256.h"
@@ -41,15 +42,6 @@ const std::size_t TOKEN_BYTES = 16;
 
 std::string sessionPath(const std::string& identifier) {
     return getCGIPath(SESSION_FOLDER) + "/" + identifier;
-}
-
-// Takes as long for every sum, so that the time does not depend on how many characters are right.
-bool equalSums(const std::string& one, const std::string& other) {
-    unsigned int difference = one.size() == other.size() ? 0 : 1;
-    for (std::size_t i = 0; i < one.size() && i < other.size(); ++i) {
-        difference |= static_cast<unsigned char>(one[i] ^ other[i]);
-    }
-    return difference == 0;
 }
 
 // The value of the first line "name=value"; empty when there is none.
@@ -92,10 +84,7 @@ bool readSession(const std::string& identifier, StoredSession& session) {
     std::vector<unsigned char> bytes;
     struct stat status = {};
     if (!readOwnFile(sessionPath(identifier), LARGEST_SESSION_FILE, bytes, status)) {
-        if (errno == EPERM && status.st_mode == 0) {
-            errno = EACCES;  // the system did not let it be opened, which says nothing about whose
-                             // it is
-        } else if (errno == EPERM) {
+        if (errno == EPERM) {
             traceForeignFile(identifier);
         }
         return false;
@@ -268,7 +257,7 @@ bool findSession(const std::string& cookieValue, Session& session) {
             failToRead();
     }
     std::string token = cookieValue.substr(identifier.size() + 1);
-    if (!equalSums(found.tokenSum, sha256Hex(token))) {
+    if (!equalSteadily(found.tokenSum, sha256Hex(token))) {
         return false;
     }
     if (std::time(nullptr) - found.lastUse >= USE_PRECISION_SECONDS) {

@@ -152,19 +152,27 @@ bool readFile(const std::string& path, std::size_t limit, std::vector<unsigned c
     return file.isOpen() && readOpenFile(file.get(), limit, bytes);
 }
 
+int openOwnFile(const std::string& path, std::size_t limit, struct stat& status) {
+    const int file = openForReading(path);
+    if (file < 0) {
+        // The system's own EPERM says nothing about whose file it is.
+        errno = errno == EPERM ? EACCES : errno;
+        return file;
+    }
+    if (findStatus(file, limit, status)) {
+        if (status.st_uid == ::geteuid()) {
+            return file;
+        }
+        errno = EPERM;
+    }
+    const Descriptor unusable(file);
+    return -1;
+}
+
 bool readOwnFile(const std::string& path, std::size_t limit, std::vector<unsigned char>& bytes,
                  struct stat& status) {
-    const Descriptor file(openForReading(path));
-    struct stat found = {};
-    if (!file.isOpen() || !findStatus(file.get(), limit, found)) {
-        return false;
-    }
-    status = found;
-    if (found.st_uid != ::geteuid()) {
-        errno = EPERM;
-        return false;
-    }
-    return readContent(file.get(), found, bytes);
+    const Descriptor file(openOwnFile(path, limit, status));
+    return file.isOpen() && readContent(file.get(), status, bytes);
 }
 
 bool replaceFile(const std::string& path, const std::vector<unsigned char>& bytes, int mode) {

@@ -13,9 +13,8 @@ namespace VeskLib::Host {
 // why (EINVAL: no regular file; EFBIG: larger).
 bool readFile(const std::string& path, std::size_t limit, std::vector<unsigned char>& bytes);
 
-// The same for a file that only the board's own programs write: one that belongs to another user is
-// refused (EPERM) and has its status in `status` all the same. That is as before when the file
-// cannot be opened.
+// The same for a file that only the board's own programs write. errno is EPERM exactly when it
+// belongs to another user. After a failure `status` is undefined.
 bool readOwnFile(const std::string& path, std::size_t limit, std::vector<unsigned char>& bytes,
                  struct stat& status);
 
@@ -30,6 +29,9 @@ bool readPieces(int descriptor, std::size_t limit,
 // Opens `path` for reading without following a link and without waiting for a pipe's writer. -1,
 // with errno set, when it cannot be opened.
 int openForReading(const std::string& path);
+
+// Opens such a file as readOwnFile() does, for reading it in pieces.
+int openOwnFile(const std::string& path, std::size_t limit, struct stat& status);
 
 // Replaces `path` by a file with these bytes: written aside, synced, renamed, the folder synced.
 // `mode` is not reduced by the umask. False when any step failed; errno then tells why, `path` is

@@ -24,15 +24,23 @@ namespace VeskLib::Host {
 namespace {
 
 // Which file is staged: another upload has another number or time.
-struct Staged {
-    bool present = false;
-    ino_t number = 0;
-    timespec changed = {};
+class Staged {
+public:
+    explicit Staged(const std::optional<struct stat>& status)
+        : present(status),
+          number(status ? status->st_ino : 0),
+          changed(status ? status->st_mtim : timespec()) {}
 
+    bool isPresent() const { return present; }
     bool operator==(const Staged& other) const {
         return present == other.present && number == other.number &&
                changed.tv_sec == other.changed.tv_sec && changed.tv_nsec == other.changed.tv_nsec;
     }
+
+private:
+    bool present;
+    ino_t number;
+    timespec changed;
 };
 
 // Not known of a request that was refused before, which changes nothing.
@@ -48,34 +56,27 @@ std::string pathOf(const char* file) {
     return getCGIPath(file) + requestSession()->session.identifier;
 }
 
-// Returns false when there is nothing at `path`. Throws PException when that cannot be told.
-bool findStatus(const std::string& path, struct stat& status) {
+// Returns nothing when there is nothing at `path`. Throws PException when that cannot be told.
+std::optional<struct stat> statusOf(const std::string& path) {
+    struct stat status = {};
     if (::lstat(path.c_str(), &status) == 0) {
-        return true;
+        return status;
     }
     if (errno != ENOENT) {
         throw makePlatformException(FILE_NOT_READABLE, "A session's file cannot be looked at");
     }
-    return false;
+    return std::nullopt;
 }
 
-bool checkOwn(const std::string& path, struct stat& status) {
-    if (!findStatus(path, status)) {
-        return false;
-    }
-    if (!S_ISREG(status.st_mode) || status.st_uid != ::geteuid() || status.st_nlink != 1) {
+// The same for a file that must be the board's own; throws PException when it is not.
+std::optional<struct stat> ownStatusOf(const std::string& path) {
+    const std::optional<struct stat> status = statusOf(path);
+    if (status &&
+        (!S_ISREG(status->st_mode) || status->st_uid != ::geteuid() || status->st_nlink != 1)) {
         trace::VeskTrace(1, 1, 1).putLog(0, ("Not a file of the board's own: " + path).c_str());
         throw makePlatformException(SESSION_FILE_REFUSED, "A session's file is refused");
     }
-    return true;
-}
-
-Staged findStaged() {
-    struct stat status = {};
-    if (!findStatus(pathOf(STAGING_FILE), status)) {
-        return {};
-    }
-    return {.present = true, .number = status.st_ino, .changed = status.st_mtim};
+    return status;
 }
 
 void removeStaged() {
@@ -114,9 +115,9 @@ void recordChanges() {
     }
     bool mayBeNew = wasUploaded();
     try {
-        const Staged after = findStaged();
+        const Staged after(statusOf(pathOf(STAGING_FILE)));
         const bool changed = !(after == *stagedBefore);
-        mayBeNew = changed && after.present;
+        mayBeNew = changed && after.isPresent();
         if (mayBeNew) {
             recordUpload();
         } else if (wasUploaded()) {
@@ -137,13 +138,9 @@ void recordChanges() {
 
 void checkSessionFiles() {
     uploadsBefore = UploadFile::namedFiles();
-    struct stat status = {};
-    checkOwn(pathOf(BACKUP_FILE), status);
     stagedBefore.reset();
-    const bool present = checkOwn(pathOf(STAGING_FILE), status);
-    stagedBefore = present
-                       ? Staged{.present = true, .number = status.st_ino, .changed = status.st_mtim}
-                       : Staged();
+    ownStatusOf(pathOf(BACKUP_FILE));
+    stagedBefore.emplace(ownStatusOf(pathOf(STAGING_FILE)));
 }
 
 void settleSessionFiles() {

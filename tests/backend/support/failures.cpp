@@ -29,14 +29,7 @@ NoThreads::~NoThreads() {
     ::pthread_attr_destroy(&original);
 }
 
-NoDescriptors::NoDescriptors() {
-    ::getrlimit(RLIMIT_NOFILE, &original);
-    const rlimit none = {STANDARD_STREAMS, original.rlim_max};
-    ::setrlimit(RLIMIT_NOFILE, &none);
-}
-
-NoDescriptors::~NoDescriptors() {
-    ::setrlimit(RLIMIT_NOFILE, &original);
+NoDescriptors::NoDescriptors() : ScopedLimit(RLIMIT_NOFILE, STANDARD_STREAMS) {
 }
 
 }  // namespace VeskLib::Test

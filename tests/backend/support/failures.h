@@ -1,7 +1,8 @@
 #pragma once
 
+#include "tests/support/ScopedLimit.h"
+
 #include <pthread.h>
-#include <sys/resource.h>
 
 namespace VeskLib::Test {
 
@@ -18,15 +19,9 @@ private:
 };
 
 // While it lives, the process gets no new descriptor.
-class NoDescriptors {
+class NoDescriptors : public ScopedLimit {
 public:
     NoDescriptors();
-    NoDescriptors(const NoDescriptors&) = delete;
-    NoDescriptors& operator=(const NoDescriptors&) = delete;
-    ~NoDescriptors();
-
-private:
-    rlimit original = {};
 };
 
 }  // namespace VeskLib::Test
