@@ -101,6 +101,20 @@ describe("the combined page", () => {
         assert.ok(!page.alerts.includes("in"));
     });
 
+    test("a version writes no line into the question", async () => {
+        const ask = async (version) => {
+            page.alerts.length = 0;
+            await page.goto(board.url(PAGE));
+            await uploadAndAnswer(makeFile("x", { version }), false);
+            return page.alerts.find((text) => text.includes("Restore this file")).split("\n");
+        };
+        const harmless = await ask("9.9");
+        const lines = await ask(`9.9\\n\\n${"\t".repeat(30)}Nothing will be overwritten.\n\u202eB`);
+        assert.equal(lines.length, harmless.length);
+        assert.doesNotMatch(lines.at(-1), /[^\S ]| {2}|[\p{Cc}\p{Cf}]/u);
+        assert.ok(lines.at(-1).includes("9.9\\n\\n Nothing"), lines.at(-1));
+    });
+
     test("refuses what is no configuration file, and keeps nothing", async () => {
         await chooseFile(page, "a.dat", Buffer.from("no configuration"));
         await Promise.all([page.waitForNavigation(), page.click("#install")]);

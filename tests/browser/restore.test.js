@@ -2,6 +2,7 @@
 
 import assert from "node:assert/strict";
 import { createHash } from "node:crypto";
+import { writeFile } from "node:fs/promises";
 import { after, before, beforeEach, describe, test } from "node:test";
 import { Board } from "./support/board.js";
 import {
@@ -14,10 +15,18 @@ import {
 } from "./support/browser.js";
 import { Client, downloadLink } from "./support/client.js";
 import { makeConfigurationFile, parseConfigurationFile } from "./support/configurationFile.js";
-import { demoPartitions } from "./support/demoBoard.js";
+import { demoPartitions, demoUsers } from "./support/demoBoard.js";
+import { eventually } from "./support/eventually.js";
 import { chooseFile, restoreTo, upload, withFile } from "./support/restorePage.js";
 
 const SAVED = Date.UTC(2026, 2, 7, 12) / 1000;
+
+// Of a board description; the second partition is installed later.
+const [PARTITION_0, PARTITION_1] = [0, 1].map(
+    (number) =>
+        `[[partition]]\nnumber = ${number}\nname = "P${number}"\nnode_ids = [${number}]\n` +
+        `[[system_board]]\nnumber = ${number}\nhome = true\nbios_version = "1.0"\n`,
+);
 
 function sha256(bytes) {
     return createHash("sha256").update(bytes).digest("hex");
@@ -105,6 +114,47 @@ for (const kind of BROWSERS) {
             }
             assert.ok(!question.includes(partitions.get(0).name));
             assert.equal((await page.$$("#restore")).length, 1);
+        });
+
+        test("the question of select-all counts every installed partition, and later ones", async () => {
+            await upload(page, board, "a.dat", makeFile("x"));
+            page.accept = false;
+            await page.click("#check_box");
+            await page.click("#restore");
+            const question = await page.waitForAlert(/will be overwritten/);
+            assert.match(question, /All installed partitions: 5 now, and any installed before/);
+            for (const [number, { name }] of demoPartitions()) {
+                assert.ok(question.includes(`${number}: ${name}`), question);
+            }
+            // Every row ticked by hand posts these rows and no others.
+            await page.click("#pid0");
+            await page.click("#pid0");
+            await page.click("#restore");
+            assert.doesNotMatch(await page.waitForAlert(/Partitions to restore: 5\n/),
+                /All installed/);
+        });
+
+        test("select-all reaches a partition installed after the page was made, as the result says", async () => {
+            const own = await Board.start(`max_partitions = 4\n${PARTITION_0}${demoUsers()}`);
+            try {
+                const visitor = await browser.newPage();
+                await logIn(visitor, own);
+                await upload(visitor, own, "a.dat", makeFile("Boot=1\n", { version: "-" }));
+                await writeFile(own.path("test.toml"),
+                    `max_partitions = 4\n${PARTITION_0}${PARTITION_1}${demoUsers()}`);
+                // The back-end reads the description when it starts.
+                await own.control("die", "--back-in", "10");
+                const client = await eventually(() => Client.loggedIn(own));
+                await visitor.click("#check_box");
+                await Promise.all([visitor.waitForNavigation(), visitor.click("#restore")]);
+                await visitor.waitForAlert(/was restored/);
+                assert.match(await textOf(visitor, ".plan"), /All installed partitions: 1 now, and any/);
+                const file = await client.get(downloadLink(await client.backUp(1)));
+                assert.equal(parseConfigurationFile(file.bytes).payload.toString(), "Boot=1\n");
+                await visitor.close();
+            } finally {
+                await own.remove();
+            }
         });
 
         test("the upload form posts its step once", async () => {
