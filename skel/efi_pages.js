@@ -38,14 +38,20 @@ function alertAt(element, text) {
 }
 
 // The longest text of a file that a question or a result shows, in characters.
-const LONGEST_SHOWN = 80;
+const LONGEST_OF_FILE = 80;
 
-// Returns a text that comes from a file in one line and at a readable length, so that it cannot look
-// like a part of the question or the result around it: white space is folded, and characters that
-// control, turn or hide what surrounds them become visible ones.
+// Returns a text that the program did not make, in one line, so that it cannot look like a part of the
+// question or the result around it: white space is folded, and characters that control, turn or hide
+// what surrounds them become visible ones.
 function inOneLine(text) {
-    const line = [...text.replaceAll(/\s+/g, " ").trim().replaceAll(/[\p{Cc}\p{Cf}]/gu, "\ufffd")];
-    return line.length > LONGEST_SHOWN ? `${line.slice(0, LONGEST_SHOWN).join("")}…` : line.join("");
+    return text.replaceAll(/\s+/g, " ").trim().replaceAll(/[\p{Cc}\p{Cf}]/gu, "\ufffd");
+}
+
+// Returns a text of an uploaded file in one line of a readable length.
+function shortLine(text) {
+    const characters = [...inOneLine(text)];
+    return characters.length > LONGEST_OF_FILE
+        ? `${characters.slice(0, LONGEST_OF_FILE).join("")}…` : characters.join("");
 }
 
 // Returns `text` with `values` in place of #1, #2 and so on.
@@ -60,7 +66,7 @@ function rememberFileName(name) {
 
 // Returns the name of the uploaded file; empty if it is not known.
 function uploadedFileName() {
-    return inOneLine(sessionStorage.getItem("uploadedFile") ?? "");
+    return shortLine(sessionStorage.getItem("uploadedFile") ?? "");
 }
 
 // Keeps what a restore was asked to do for the page that shows its outcome. `plan` is a list of

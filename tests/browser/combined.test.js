@@ -80,7 +80,7 @@ describe("the combined page", () => {
     test("asks about an uploaded file, restores it to partition 0 and removes it", async () => {
         await uploadAndAnswer(makeFile("Boot=0\n"), true);
         const question = page.alerts.find((text) => text.includes("Restore this file"));
-        assert.match(question, /:\t\n\tSaved on2026-03-07\n\tBIOS version10\.20\.30/);
+        assert.match(question, /\?:\nSaved on: 2026-03-07\nBIOS version: 10\.20\.30$/);
         await page.waitForAlert(/was restored/);
         await page.goto(board.url(PAGE));
         const { bytes } = await backUp();
@@ -126,7 +126,7 @@ describe("the combined page", () => {
     test("refuses a missing file before anything is sent", async () => {
         const posts = countPosts(page);
         await page.click("#install");
-        await page.waitForAlert(/No file is chosen/);
+        await page.waitForAlert(/Select a configuration file .* first/);
         await posts.assertNone();
     });
 

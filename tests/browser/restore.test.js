@@ -178,7 +178,7 @@ for (const kind of BROWSERS) {
             assert.equal((await page.$$("input:checked")).length, 0);
             const posts = countPosts(page);
             await page.click("#restore");
-            await page.waitForAlert(/No partition is chosen/);
+            await page.waitForAlert(/Select a partition first/);
             await posts.assertNone();
             assert.equal((await page.$$("#restore")).length, 1);
         });
@@ -195,7 +195,7 @@ for (const kind of BROWSERS) {
             assert.deepEqual(await state(), { all: false, mixed: true, rows: 1 });
             await page.click("#check_box");
             assert.deepEqual(await state(), { all: true, mixed: false, rows: 5 });
-            assert.match(await textOf(page, "#ticked"), /5 \/ 5/);
+            assert.match(await textOf(page, "#ticked"), /5 of 5/);
             await page.click("#pid0");
             assert.deepEqual(await state(), { all: false, mixed: true, rows: 4 });
             await page.click("#check_box");
@@ -273,7 +273,7 @@ for (const kind of BROWSERS) {
             await page.goto(board.url(RESTORE_PAGE));
             const posts = countPosts(page);
             await page.click("#upload");
-            await page.waitForAlert(/No file is chosen/);
+            await page.waitForAlert(/Select a configuration file .* first/);
             await posts.assertNone();
         });
 
@@ -290,7 +290,7 @@ for (const kind of BROWSERS) {
             const before = [await payloadOf(running), await payloadOf(3)];
             await upload(page, board, "a.dat", makeFile("never", { version: "-" }));
             await restoreTo(page, [3, running]);
-            await page.waitForAlert(/A partition is running.*\[73-1549\]/);
+            await page.waitForAlert(/partition is running.*\[73-1549\]/);
             assert.deepEqual([await payloadOf(running), await payloadOf(3)], before);
 
             await upload(page, board, "a.dat", makeFile("never", { version: "77.1" }));

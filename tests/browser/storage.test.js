@@ -48,7 +48,7 @@ test("an upload that cannot be locked is refused", () =>
     withBoard(undefined, async (board, client) => {
         await mkdir(board.path("var/tmp/restored_eficonf.lock"));
         const locked = await upload(client);
-        assert.match(locked.text, /could not be stored.*\[45-1102\]/);
+        assert.match(locked.text, /lock file of uploads.*\[45-1102\]/);
         assert.match(await board.trace(), /AbstractBackupRestorePage::upload failed/);
     }));
 
