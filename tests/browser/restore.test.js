@@ -211,8 +211,34 @@ for (const kind of BROWSERS) {
             for (const [number, text] of remarks) {
                 assert.equal(/saved from this partition/.test(text), number === "3", text);
                 const version = demoPartitions().get(Number(number)).shownVersion;
-                assert.equal(/version differs/.test(text), version !== "1.23 B", number);
+                assert.equal(/version differs/.test(text), !["1.23 B", "-"].includes(version), number);
+                assert.equal(/version unknown/.test(text), version === "-", number);
             }
+        });
+
+        test("a file of an unknown version differs from none", async () => {
+            await upload(page, board, "a.dat", makeFile("x", { version: "-" }));
+            const remarks = await page.$$eval("tbody tr", (rows) =>
+                rows.map((row) => row.cells[4].textContent));
+            assert.ok(remarks.every((text) => /version unknown/.test(text)), remarks.join("|"));
+            assert.ok(!remarks.some((text) => /differs/.test(text)), remarks.join("|"));
+        });
+
+        test("the button of a discard says that it is under way, and is sent once", async () => {
+            await upload(page, board, "a.dat", makeFile("x"));
+            // The form is kept from leaving, so that the page stays to be looked at.
+            const seen = await page.evaluate(() => {
+                let sent = 0;
+                addEventListener("submit", (event) => {
+                    sent += event.defaultPrevented ? 0 : 1;
+                    event.preventDefault();
+                });
+                const button = document.getElementById("discard");
+                button.click();
+                button.click();
+                return { sent, text: button.textContent, busy: button.ariaDisabled };
+            });
+            assert.deepEqual(seen, { sent: 1, text: "Discarding…", busy: "true" });
         });
 
         test("a discarded file is gone", async () => {

@@ -110,8 +110,9 @@ void printErrorPage(const ErrorPage& page, Response& response) noexcept {
 void printExceptionPage(const PException& exception, Response& response) {
     trace::VeskTrace(1, 1, 1).putLog(0, describe(exception).c_str());
     const int detail = exception.getExceptionDetail();
-    ErrorPage page = {
-        .status = 500, .title = caption(INTERNAL_ERROR_TITLE), .message = issueCaption(9020, detail)};
+    ErrorPage page = {.status = 500,
+                      .title = caption(INTERNAL_ERROR_TITLE),
+                      .message = issueCaption(9020, detail)};
     if (detail == REQUEST_TOO_LARGE) {
         page.status = 413;
         page.message = issueCaption(9022, detail);
@@ -184,7 +185,8 @@ ErrorPage makeInternalErrorPage() {
 }
 
 ErrorPage makeLoginPage() {
-    return {.status = 403, .title = caption(9011), .message = issueCaption(9026), .offerLogin = true};
+    return {
+        .status = 403, .title = caption(9011), .message = issueCaption(9026), .offerLogin = true};
 }
 
 }  // namespace VeskLib::Host
