@@ -49,21 +49,64 @@ function alertBelow(element, id, text) {
     }
 }
 
-// Keeps in the browser what a restore was asked to do, for the page that tells how it went.
-function rememberPlan(plan) {
-    sessionStorage.setItem("restorePlan", plan);
+// The longest text of a file that a question or a result shows, in characters.
+const LONGEST_OF_FILE = 80;
+
+// Returns a text that the program did not make, in one line, so that it cannot look like a part of the
+// question or the result around it: white space is folded, and characters that control, turn or hide
+// what surrounds them become visible ones.
+function inOneLine(text) {
+    return text.replaceAll(/\s+/g, " ").trim().replaceAll(/[\p{Cc}\p{Cf}]/gu, "\ufffd");
 }
 
-// Shows below the notice of a restore what it was asked to do, once.
+// Returns a text of an uploaded file in one line of a readable length.
+function shortLine(text) {
+    const characters = [...inOneLine(text)];
+    return characters.length > LONGEST_OF_FILE
+        ? `${characters.slice(0, LONGEST_OF_FILE).join("")}…` : characters.join("");
+}
+
+// Returns `text` with `values` in place of #1, #2 and so on.
+function fill(text, ...values) {
+    return text.replaceAll(/#(\d)/g, (mark, number) => values[number - 1]);
+}
+
+// Keeps the name of the uploaded file for the pages that follow; the board does not.
+function rememberFileName(name) {
+    sessionStorage.setItem("uploadedFile", name);
+}
+
+// Returns the name of the uploaded file; empty if it is not known.
+function uploadedFileName() {
+    return shortLine(sessionStorage.getItem("uploadedFile") ?? "");
+}
+
+// Keeps what a restore was asked to do for the page that shows its outcome. `plan` is a list of
+// captions, each with its values; null forgets it.
+function rememberPlan(plan) {
+    sessionStorage.setItem("restorePlan", JSON.stringify(plan));
+}
+
+// Lists below the notice of a restore what it was asked to do, once.
 function showPlan(heading) {
-    const plan = sessionStorage.getItem("restorePlan");
+    const plan = JSON.parse(sessionStorage.getItem("restorePlan"));
     const notice = document.querySelector(".notice");
     sessionStorage.removeItem("restorePlan");
-    if (plan && notice) {
-        const text = document.createElement("p");
-        text.className = "plan";
-        text.textContent = `${heading}\n${plan}`;
-        notice.append(text);
+    if (!plan || !notice) {
+        return;
+    }
+    const add = (parent, kind, text) => {
+        const element = document.createElement(kind);
+        element.textContent = text;
+        parent.append(element);
+        return element;
+    };
+    add(notice, "p", heading).className = "plan-heading";
+    const list = add(notice, "dl", "");
+    list.className = "plan";
+    for (const [caption, ...values] of plan) {
+        add(list, "dt", caption);
+        values.forEach((value) => add(list, "dd", value));
     }
 }
 

@@ -17,6 +17,8 @@ namespace {
 using namespace VeskLib::Host;
 
 const int LARGEST_NUMBER = 32767;
+const int LARGEST_MESSAGE = 255;  // that may have texts by code; also the largest set everywhere
+const int LARGEST_CODE = 4095;    // with a text of its own
 const std::size_t LARGEST_SKELETON = 256 * 1024;
 
 // The printf-style conversions of a text, such as "%s%d".
@@ -33,31 +35,48 @@ std::string conversionsOf(std::string_view text) {
     return conversions;
 }
 
-bool checkNumber(TextSet set, int number) {
-    const char* first = findText(ENGLISH, set, number);
+// `find` gives the text of `number` in a language.
+template <typename Find>
+bool checkNumber(int set, int number, Find find) {
+    const char* first = find(ENGLISH);
     for (int language = ENGLISH + 1; language < LANGUAGE_COUNT; ++language) {
-        const char* other = findText(language, set, number);
+        const char* other = find(language);
         if ((first == nullptr) != (other == nullptr)) {
-            std::cerr << "Text " << number << " of set " << static_cast<int>(set)
-                      << " is not in every language.\n";
+            std::cerr << "Text " << number << " of set " << set << " is not in every language.\n";
             return false;
         }
         if (first != nullptr && conversionsOf(first) != conversionsOf(other)) {
-            std::cerr << "Text " << number << " of set " << static_cast<int>(set)
-                      << " has other conversions in " << languageTag(language) << ".\n";
+            std::cerr << "Text " << number << " of set " << set << " has other conversions in "
+                      << languageTag(language) << ".\n";
             return false;
         }
     }
     return true;
 }
 
+bool checkText(TextSet set, int number) {
+    return checkNumber(static_cast<int>(set), number,
+                       [&](int language) { return findText(language, set, number); });
+}
+
+bool checkTextForCode(int message, int code) {
+    return checkNumber(message, code,
+                       [&](int language) { return findTextForCode(language, message, code); });
+}
+
 bool checkCatalogues() {
     bool sound = true;
     int count = 0;
     for (int number = 1; number <= LARGEST_NUMBER; ++number) {
-        sound = checkNumber(TextSet::MESSAGES, number) && sound;
-        sound = checkNumber(TextSet::CAPTIONS, number) && sound;
+        sound = checkText(TextSet::MESSAGES, number) && sound;
+        sound = checkText(TextSet::CAPTIONS, number) && sound;
         count += findText(ENGLISH, TextSet::MESSAGES, number) != nullptr ? 1 : 0;
+    }
+    for (int message = static_cast<int>(TextSet::TRACE) + 1; message <= LARGEST_MESSAGE;
+         ++message) {
+        for (int code = 1; code <= LARGEST_CODE; ++code) {
+            sound = checkTextForCode(message, code) && sound;
+        }
     }
     if (count == 0) {
         std::cerr << "There are no messages: are the catalogues in place?\n";

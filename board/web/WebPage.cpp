@@ -1,6 +1,8 @@
 #include "board/web/WebPage.h"
 
+#include "platform/host/html/messageLines.h"
 #include "platform/host/text/Catalogue.h"
+#include "platform/host/text/issuedTexts.h"
 
 #include <VeskLib/Gui/HTMLCodeGenerator.h>
 #include <VeskLib/Gui/MessageMgr.h>
@@ -27,6 +29,17 @@ private:
     Gui::HTMLCodeGenerator generator;
 };
 
+class Notice : public Gui::HTMLComponent {
+public:
+    explicit Notice(std::string message) : message(std::move(message)) {}
+
+    void printHTML() const override { Host::printNotice(message, Host::Outcome::REFUSED); }
+    bool isError() const override { return false; }
+
+private:
+    std::string message;
+};
+
 }  // namespace
 
 WebPage::WebPage(const std::string& bodySkeleton, int titleCaption) {
@@ -42,12 +55,12 @@ void WebPage::putText(const std::string& name, const std::string& text) {
     put(name, std::make_unique<Gui::TextString>(text));
 }
 
-void WebPage::putCaption(const std::string& name, int caption, int detail) {
-    std::string text = Gui::MessageMgr(Host::requestLanguage()).getString(caption);
-    if (detail != 0) {
-        text += " [" + std::to_string(caption) + "-" + std::to_string(detail) + "]";
-    }
-    putText(name, text);
+void WebPage::putCaption(const std::string& name, int caption) {
+    putText(name, Gui::MessageMgr(Host::requestLanguage()).getString(caption));
+}
+
+void WebPage::putNotice(const std::string& name, int caption, int detail) {
+    put(name, std::make_unique<Notice>(Host::issueCaption(caption, detail)));
 }
 
 void WebPage::print() const {

@@ -22,9 +22,12 @@ public:
     // Puts a text at the place `name`, escaped. A place takes one text.
     void putText(const std::string& name, const std::string& text);
 
-    // Puts a caption of the catalogue at the place `name`. `detail`, when it is not 0, stands at
-    // its end, so that support can find the cause.
-    void putCaption(const std::string& name, int caption, int detail = 0);
+    // Puts a caption of the catalogue at the place `name`.
+    void putCaption(const std::string& name, int caption);
+
+    // Puts a notice of a refused request at the place `name`. `detail`, unless it is 0, is at the
+    // end of the caption, so that support can find the cause.
+    void putNotice(const std::string& name, int caption, int detail = 0);
 
     // Prints the page to std::cout. Throws PException when a skeleton cannot be used.
     void print() const;

@@ -3,6 +3,7 @@
 #include "board/web/webCaptions.h"
 #include "platform/host/base/Environment.h"
 #include "platform/host/text/Catalogue.h"
+#include "platform/host/text/issuedTexts.h"
 #include "platform/host/web/formPolicy.h"
 #include "platform/host/web/requestAudit.h"
 #include "platform/host/web/requestChecks.h"
@@ -56,10 +57,9 @@ int runWebProgram(const WebProgram& program) {
 }
 
 Host::ErrorPage makeRefusal(int status, int caption) {
-    const Gui::MessageMgr captions(Host::requestLanguage());
     return {.status = status,
-            .title = captions.getString(REFUSAL_TITLE),
-            .message = captions.getString(caption)};
+            .title = Gui::MessageMgr(Host::requestLanguage()).getString(REFUSAL_TITLE),
+            .message = Host::issueCaption(caption)};
 }
 
 void redirect(Host::Response& response, const std::string& path) {

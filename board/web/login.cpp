@@ -50,7 +50,7 @@ int askBackend(const Host::LoginRequest& login, Host::LoginAnswer& answer) {
 void printRefusedForm(const std::string& user, int caption, int detail) {
     WebPage page(LOGIN_SKELETON, LOGIN_TITLE);
     page.putText("user", user);
-    page.putCaption("message", caption, detail);
+    page.putNotice("message", caption, detail);
     page.print();
 }
 

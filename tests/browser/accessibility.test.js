@@ -31,6 +31,16 @@ const PAGES = {
         await upload(page, board, "a.dat", FILE);
         await restoreTo(page, [3]);
     },
+    "refused restore": async (page, board) => {
+        await upload(page, board, "a.dat", FILE);
+        await restoreTo(page, [3, 7]);
+    },
+    "unknown outcome": async (page, board) => {
+        await upload(page, board, "a.dat", FILE);
+        await board.control("torn", 3);
+        await restoreTo(page, [3]);
+        await board.control("reset");
+    },
     error: (page, board) => page.goto(board.url(`${BACKUP_PAGE}9`)),
     "not found": (page, board) => page.goto(board.url("/nothing")),
 };

@@ -95,7 +95,7 @@ describe("backup", () => {
         await page.goto(board.url(BACKUP_PAGE));
         const posts = countPosts(page);
         await page.click("#backup");
-        await page.waitForAlert(/No partition is chosen/);
+        await page.waitForAlert(/Select a partition first/);
         await posts.assertNone();
         assert.equal(page.alerts.length, 1);
         await browser.assertNoDownload();
@@ -150,7 +150,7 @@ describe("backup", () => {
         const links = await page.$$eval("a", (elements) => elements.map((each) => each.href));
         assert.ok(!links.some((link) => link.includes("functionID")));
         await page.goto(board.url(BACKUP_PAGE));
-        assert.match(await textOf(page, "[role=alert]"), /no authority.*\[12-1033\]/);
+        assert.match(await textOf(page, "[role=alert]"), /do not have permission.*\[12-1033\]/);
         assert.equal((await page.$$("input")).length, 0);
         assert.match(await board.trace(), /EFIBackupPage::makeDispPage\(\): Authorization required\./);
     });
@@ -186,7 +186,7 @@ describe("backup", () => {
             assert.match(await textOf(tab, "h1"), /バックアップ/);
             assert.equal(await textOf(tab, "#backup"), "バックアップ");
             await tab.click("#backup");
-            await tab.waitForAlert(/パーティションが選択されていません/);
+            await tab.waitForAlert(/パーティションを選択してください/);
         } finally {
             await japanese.stop();
         }
@@ -213,7 +213,7 @@ describe("backup, when the back-end is gone", () => {
                 process.kill(await board.backendProcess(), "SIGCONT");
             }
             const text = await textOf(page, "[role=alert]");
-            assert.match(text, /could not be backed up.*\[72-2002\]/);
+            assert.match(text, /did not answer in time.*\[72-2002\].*did not answer in time.*\[107-2002\]/);
             assert.match(text, /Failed to obtain the partition status/);
             await browser.assertNoDownload();
             assert.match(await board.trace(), /Failed to obtain the partition status/);

@@ -80,7 +80,7 @@ describe("the combined page", () => {
     test("asks about an uploaded file, restores it to partition 0 and removes it", async () => {
         await uploadAndAnswer(makeFile("Boot=0\n"), true);
         const question = page.alerts.find((text) => text.includes("Restore this file"));
-        assert.match(question, /:\t\n\tSaved on2026-03-07\n\tBIOS version10\.20\.30/);
+        assert.match(question, /\?:\nSaved on: 2026-03-07\nBIOS version: 10\.20\.30$/);
         await page.waitForAlert(/was restored/);
         await page.goto(board.url(PAGE));
         const { bytes } = await backUp();
@@ -101,6 +101,20 @@ describe("the combined page", () => {
         assert.ok(!page.alerts.includes("in"));
     });
 
+    test("a version writes no line into the question", async () => {
+        const ask = async (version) => {
+            page.alerts.length = 0;
+            await page.goto(board.url(PAGE));
+            await uploadAndAnswer(makeFile("x", { version }), false);
+            return page.alerts.find((text) => text.includes("Restore this file")).split("\n");
+        };
+        const harmless = await ask("9.9");
+        const lines = await ask(`9.9\\n\\n${"\t".repeat(30)}Nothing will be overwritten.\n\u202eB`);
+        assert.equal(lines.length, harmless.length);
+        assert.doesNotMatch(lines.at(-1), /[^\S ]| {2}|[\p{Cc}\p{Cf}]/u);
+        assert.ok(lines.at(-1).includes("9.9\\n\\n Nothing"), lines.at(-1));
+    });
+
     test("refuses what is no configuration file, and keeps nothing", async () => {
         await chooseFile(page, "a.dat", Buffer.from("no configuration"));
         await Promise.all([page.waitForNavigation(), page.click("#install")]);
@@ -112,7 +126,7 @@ describe("the combined page", () => {
     test("refuses a missing file before anything is sent", async () => {
         const posts = countPosts(page);
         await page.click("#install");
-        await page.waitForAlert(/No file is chosen/);
+        await page.waitForAlert(/Select a configuration file .* first/);
         await posts.assertNone();
     });
 

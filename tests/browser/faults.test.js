@@ -63,11 +63,11 @@ describe("a back-end that goes wrong", () => {
     }
 
     for (const [code, words] of [
-        [1047, /busy with another request.*\[250-1047\]/],
+        [1047, /busy with another restore.*\[250-1047\]/],
         [1539, /not a usable BIOS configuration file.*\[64-1539\]/],
-        [1549, /A partition is running.*\[73-1549\]/],
+        [1549, /partition is running.*\[73-1549\]/],
         [1551, /does not fit.*\[353-1551\]/],
-        [1540, /did not confirm the restore.*\[71-1540\]/],
+        [1540, /It is not known whether the partitions were changed.*\[71-1540\]/],
     ]) {
         test(`a restore refused with ${code} says why and keeps the file`, async () => {
             await upload();
@@ -82,7 +82,7 @@ describe("a back-end that goes wrong", () => {
 
     for (const [code, words] of [
         [1047, /\[250-1047\]/],
-        [1540, /could not be backed up.*\[72-1540\]/],
+        [1540, /backup failed.*\[72-1540\]/],
     ]) {
         test(`a backup refused with ${code} says why, and offers no download`, async () => {
             await board.control("refuse", BACKUP, code);
@@ -168,7 +168,7 @@ describe("a back-end that goes wrong", () => {
         await upload();
         await board.control("torn", 3);
         const page = await restore();
-        assert.match(page.text, /did not confirm the restore.*\[71-2003\]/);
+        assert.match(page.text, /It is not known whether the partitions were changed.*\[71-2003\]/);
         assert.equal(await payloadOf(3), "Boot=1\n");
     });
 

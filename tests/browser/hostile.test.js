@@ -129,8 +129,49 @@ describe("hostile text", () => {
             await page.click("#restore");
             const question = await page.waitForAlert(/will be overwritten/);
             page.accept = true;
-            assert.ok(question.includes(asShown(text)), question);
+            assert.ok(question.includes(asShown(text).replaceAll(/\s+/g, " ")), question);
             assert.equal(page.alerts.length, 1);
+        });
+    }
+
+    // What would look like lines of the question's own, for somebody who reads a dialog.
+    for (const [what, text] of [
+        ["tabs and blanks", `A${"\t".repeat(40)}${" ".repeat(80)}B`],
+        ["blanks of other widths", `A${"\u00a0\u2003\u3000".repeat(30)}B`],
+        ["line breaks", "A\r\n\n\u2028\u0085B"],
+        ["direction marks", "A\u202e\u2066\u200f\u061cB"],
+        ["invisible characters", "A\u200b\u2060\ufeff\u{e0041}\u00adB"],
+        ["length", `A${"x".repeat(250)}B`],
+    ]) {
+        test(`in a file writes nothing into the question by ${what}`, async () => {
+            const ask = async (bytes) => {
+                page.alerts.length = 0;
+                await upload(page, board, "a.dat", bytes);
+                await page.click("#pid0");
+                page.accept = false;
+                await page.click("#restore");
+                const question = await page.waitForAlert(/will be overwritten/);
+                page.accept = true;
+                return question.split("\n");
+            };
+            const harmless = await ask(makeFile("A B"));
+            const lines = await ask(makeFile(text));
+            assert.equal(lines.length, harmless.length);
+            for (const [number, line] of lines.entries()) {
+                assert.doesNotMatch(line, /[^\S ]| {2}|[\p{Cc}\p{Cf}]/u);
+                assert.ok(line.length < harmless[number].length + 120, line);
+            }
+            assert.ok(lines.some((line) => /: A/.test(line)), lines.join("|"));
+        });
+
+        test(`in a file writes nothing into the result by ${what}`, async () => {
+            await upload(page, board, "a.dat", makeFile(text));
+            await page.click("#pid0");
+            await Promise.all([page.waitForNavigation(), page.click("#restore")]);
+            const plan = await page.$eval(".plan", (element) => element.textContent);
+            assert.match(plan, /A/);
+            assert.doesNotMatch(plan, /[^\S ]| {2}|[\p{Cc}\p{Cf}]/u);
+            assert.ok(plan.length < 2000, plan.length);
         });
     }
 

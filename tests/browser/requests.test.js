@@ -192,7 +192,7 @@ for (const [way, Client] of Object.entries(WAYS)) {
                 test(`of partition ${number}, which is not installed, is refused`, async () => {
                     const page = await client.backUp(number);
                     assert.equal(page.status, 200);
-                    assert.match(page.text, /could not be backed up.*\[72-\d+\]/);
+                    assert.match(page.text, /not installed.*nothing was changed.*\[72-1602\]/);
                     assert.match(page.text, /<table/);
                     assert.doesNotMatch(page.text, /id="download_link"/);
                 });
@@ -318,7 +318,7 @@ describe("the board", () => {
                 /Failed to obtain the partition status/,
             );
             const posted = await user.backUp(3);
-            assertErrorPage(posted, 503, /could not be backed up[^<]*\[72-2001\]/);
+            assertErrorPage(posted, 503, /cannot be reached[^<]*\[72-2001\]/);
             assert.match(posted.text, /Failed to obtain the partition status/);
             const login = await user.post("/login.cgi", { user: "admin", password: "admin" });
             assertErrorPage(login, 503, /back-end/);

@@ -2,6 +2,7 @@
 
 import assert from "node:assert/strict";
 import { createHash } from "node:crypto";
+import { writeFile } from "node:fs/promises";
 import { after, before, beforeEach, describe, test } from "node:test";
 import { Board } from "./support/board.js";
 import {
@@ -14,11 +15,18 @@ import {
 } from "./support/browser.js";
 import { Client, downloadLink } from "./support/client.js";
 import { makeConfigurationFile, parseConfigurationFile } from "./support/configurationFile.js";
-import { demoPartitions } from "./support/demoBoard.js";
+import { demoPartitions, demoUsers } from "./support/demoBoard.js";
 import { eventually } from "./support/eventually.js";
 import { chooseFile, restoreTo, upload, uploadWithoutScript } from "./support/restorePage.js";
 
 const SAVED = Date.UTC(2026, 2, 7, 12) / 1000;
+
+// Of a board description; the second partition is installed later.
+const [PARTITION_0, PARTITION_1] = [0, 1].map(
+    (number) =>
+        `[[partition]]\nnumber = ${number}\nname = "P${number}"\nnode_ids = [${number}]\n` +
+        `[[system_board]]\nnumber = ${number}\nhome = true\nbios_version = "1.0"\n`,
+);
 
 function sha256(bytes) {
     return createHash("sha256").update(bytes).digest("hex");
@@ -108,6 +116,47 @@ for (const kind of BROWSERS) {
             assert.equal((await page.$$("#restore")).length, 1);
         });
 
+        test("the question of select-all counts every installed partition, and later ones", async () => {
+            await upload(page, board, "a.dat", makeFile("x"));
+            page.accept = false;
+            await page.click("#check_box");
+            await page.click("#restore");
+            const question = await page.waitForAlert(/will be overwritten/);
+            assert.match(question, /All installed partitions: 5 now, and any installed before/);
+            for (const [number, { name }] of demoPartitions()) {
+                assert.ok(question.includes(`${number}: ${name}`), question);
+            }
+            // Every row ticked by hand posts these rows and no others.
+            await page.click("#pid0");
+            await page.click("#pid0");
+            await page.click("#restore");
+            assert.doesNotMatch(await page.waitForAlert(/Partitions to restore: 5\n/),
+                /All installed/);
+        });
+
+        test("select-all reaches a partition installed after the page was made, as the result says", async () => {
+            const own = await Board.start(`max_partitions = 4\n${PARTITION_0}${demoUsers()}`);
+            try {
+                const visitor = await browser.newPage();
+                await logIn(visitor, own);
+                await upload(visitor, own, "a.dat", makeFile("Boot=1\n", { version: "-" }));
+                await writeFile(own.path("test.toml"),
+                    `max_partitions = 4\n${PARTITION_0}${PARTITION_1}${demoUsers()}`);
+                // The back-end reads the description when it starts.
+                await own.control("die", "--back-in", "10");
+                const client = await eventually(() => Client.loggedIn(own));
+                await visitor.click("#check_box");
+                await Promise.all([visitor.waitForNavigation(), visitor.click("#restore")]);
+                await visitor.waitForAlert(/was restored/);
+                assert.match(await textOf(visitor, ".plan"), /All installed partitions: 1 now, and any/);
+                const file = await client.get(downloadLink(await client.backUp(1)));
+                assert.equal(parseConfigurationFile(file.bytes).payload.toString(), "Boot=1\n");
+                await visitor.close();
+            } finally {
+                await own.remove();
+            }
+        });
+
         test("the upload form posts its step once", async () => {
             await page.goto(board.url(RESTORE_PAGE));
             await chooseFile(page, "a.dat", makeFile("x"));
@@ -129,7 +178,7 @@ for (const kind of BROWSERS) {
             assert.equal((await page.$$("input:checked")).length, 0);
             const posts = countPosts(page);
             await page.click("#restore");
-            await page.waitForAlert(/No partition is chosen/);
+            await page.waitForAlert(/Select a partition first/);
             await posts.assertNone();
             assert.equal((await page.$$("#restore")).length, 1);
         });
@@ -146,7 +195,7 @@ for (const kind of BROWSERS) {
             assert.deepEqual(await state(), { all: false, mixed: true, rows: 1 });
             await page.click("#check_box");
             assert.deepEqual(await state(), { all: true, mixed: false, rows: 5 });
-            assert.match(await textOf(page, "#ticked"), /5 \/ 5/);
+            assert.match(await textOf(page, "#ticked"), /5 of 5/);
             await page.click("#pid0");
             assert.deepEqual(await state(), { all: false, mixed: true, rows: 4 });
             await page.click("#check_box");
@@ -162,8 +211,34 @@ for (const kind of BROWSERS) {
             for (const [number, text] of remarks) {
                 assert.equal(/saved from this partition/.test(text), number === "3", text);
                 const version = demoPartitions().get(Number(number)).shownVersion;
-                assert.equal(/version differs/.test(text), version !== "1.23 B", number);
+                assert.equal(/version differs/.test(text), !["1.23 B", "-"].includes(version), number);
+                assert.equal(/version unknown/.test(text), version === "-", number);
             }
+        });
+
+        test("a file of an unknown version differs from none", async () => {
+            await upload(page, board, "a.dat", makeFile("x", { version: "-" }));
+            const remarks = await page.$$eval("tbody tr", (rows) =>
+                rows.map((row) => row.cells[4].textContent));
+            assert.ok(remarks.every((text) => /version unknown/.test(text)), remarks.join("|"));
+            assert.ok(!remarks.some((text) => /differs/.test(text)), remarks.join("|"));
+        });
+
+        test("the button of a discard says that it is under way, and is sent once", async () => {
+            await upload(page, board, "a.dat", makeFile("x"));
+            // The form is kept from leaving, so that the page stays to be looked at.
+            const seen = await page.evaluate(() => {
+                let sent = 0;
+                addEventListener("submit", (event) => {
+                    sent += event.defaultPrevented ? 0 : 1;
+                    event.preventDefault();
+                });
+                const button = document.getElementById("discard");
+                button.click();
+                button.click();
+                return { sent, text: button.textContent, busy: button.ariaDisabled };
+            });
+            assert.deepEqual(seen, { sent: 1, text: "Discarding…", busy: "true" });
         });
 
         test("a discarded file is gone", async () => {
@@ -253,7 +328,7 @@ for (const kind of BROWSERS) {
             await page.goto(board.url(RESTORE_PAGE));
             const posts = countPosts(page);
             await page.click("#upload");
-            await page.waitForAlert(/No file is chosen/);
+            await page.waitForAlert(/Select a configuration file .* first/);
             await posts.assertNone();
         });
 
@@ -270,7 +345,7 @@ for (const kind of BROWSERS) {
             const before = [await payloadOf(running), await payloadOf(3)];
             await upload(page, board, "a.dat", makeFile("never", { version: "-" }));
             await restoreTo(page, [3, running]);
-            await page.waitForAlert(/A partition is running.*\[73-1549\]/);
+            await page.waitForAlert(/partition is running.*\[73-1549\]/);
             assert.deepEqual([await payloadOf(running), await payloadOf(3)], before);
 
             await upload(page, board, "a.dat", makeFile("never", { version: "77.1" }));

@@ -80,7 +80,7 @@ describe("security", () => {
             assert.equal(lookedAt.length + waited.length, answers.length);
             assert.ok(lookedAt.length <= 6 + (Date.now() - start) / 7500, lookedAt.length);
             assertErrorPage(lookedAt[0], 403, /user name or the password/);
-            assertErrorPage(waited[0], 429, /too many attempts/);
+            assertErrorPage(waited[0], 429, /Too many attempts/);
         } finally {
             await own.remove();
         }

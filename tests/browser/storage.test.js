@@ -48,7 +48,7 @@ test("an upload that cannot be locked is refused", () =>
     withBoard(undefined, async (board, client) => {
         await mkdir(board.path("var/tmp/restored_eficonf.lock"));
         const locked = await upload(client);
-        assert.match(locked.text, /could not be stored.*\[45-1102\]/);
+        assert.match(locked.text, /lock file of uploads.*\[45-1102\]/);
         assert.match(await board.trace(), /AbstractBackupRestorePage::upload failed/);
     }));
 
@@ -56,6 +56,6 @@ test("what lies in the place of a session's file refuses the request before its 
     withBoard(undefined, async (board, client) => {
         const identifier = client.cookie.slice("session=".length).split("-")[0];
         await mkdir(board.path("var/tmp", `restored_eficonf${identifier}`));
-        assertErrorPage(await upload(client), 500, /is not its own. Nothing was changed.*\[1114\]/);
+        assertErrorPage(await upload(client), 500, /was not made by the board. Nothing was changed.*\[9021-1114\]/);
         assert.match(await board.trace(), /Not a file of the board's own: .*restored_eficonf/);
     }));

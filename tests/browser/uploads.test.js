@@ -140,7 +140,7 @@ for (const [way, Client] of Object.entries(WAYS)) {
             const body = uploadBody(makeFile("second"));
             for (let length = 0; length < body.length - END.length; length += 7) {
                 const answer = await post(body.subarray(0, length));
-                assertErrorPage(answer, 400, /could not be uploaded.*\[30-1107\]/);
+                assertErrorPage(answer, 400, /arrived damaged or incomplete.*\[30-1107\]/);
                 assert.deepEqual(await stagedBytes(), first);
             }
             await assertNoLeftovers();
@@ -167,7 +167,7 @@ for (const [way, Client] of Object.entries(WAYS)) {
                 const first = makeFile("first");
                 await post(uploadBody(first));
                 const answer = await post(body, { "content-type": type ?? MULTIPART });
-                assertErrorPage(answer, status ?? 400, /could not be uploaded|more than the board accepts/);
+                assertErrorPage(answer, status ?? 400, /arrived damaged or incomplete|larger than the board accepts/);
                 assert.deepEqual(await stagedBytes(), first);
                 await assertNoLeftovers();
             });
@@ -249,7 +249,7 @@ for (const [way, Client] of Object.entries(WAYS)) {
 
             test("no ticked partition is sent all the same, and refused", async () => {
                 await post(uploadBody(makeFile("x")));
-                assert.match((await step(2)).text, /did not confirm the restore.*\[71-\d+\]/);
+                assert.match((await step(2)).text, /No partition was changed.*\[71-\d+\]/);
                 assert.notEqual(await stagedBytes(), null);
             });
 

@@ -225,7 +225,7 @@ TEST_F(AbstractMainTest, aPostLooksAtTheSessionsFilesBeforeItsWork) {
     ASSERT_EQ(::symlink("/nowhere", stagingFile(session.identifier).c_str()), 0);
     const CGIResponse response = runFailing(printGuardedPage, postRequest(session.cookieValue()));
     EXPECT_EQ(response.status, "500 Internal Server Error");
-    EXPECT_THAT(textOf(response.body), HasSubstr("[1114]"));
+    EXPECT_THAT(textOf(response.body), HasSubstr("[9021-1114]"));
     EXPECT_EQ(runRequest(printGuardedPage, getRequest(session.cookieValue())).exitStatus, 0);
 }
 
@@ -240,7 +240,7 @@ TEST_F(AbstractMainTest, aChangeThatCannotBeRecordedIsAnErrorPage) {
     };
     const CGIResponse response = runFailing(discard, postRequest(session.cookieValue()));
     EXPECT_EQ(response.status, "500 Internal Server Error");
-    EXPECT_THAT(textOf(response.body), HasSubstr("[1115]"));
+    EXPECT_THAT(textOf(response.body), HasSubstr("[9020-1115]"));
 }
 
 TEST_F(AbstractMainTest, aFileIsKeptOnlyForWhoMayRestore) {
@@ -441,7 +441,7 @@ TEST_F(AbstractMainTest, anExceptionThatNobodyCatchesIsOneWholeErrorPageAndATrac
         getRequest());
     EXPECT_EQ(response.status, "500 Internal Server Error");
     EXPECT_THAT(response.body, testing::StartsWith("<!DOCTYPE html>"));
-    EXPECT_THAT(textOf(response.body), HasSubstr("[1101]"));
+    EXPECT_THAT(textOf(response.body), HasSubstr("[9020-1101]"));
     EXPECT_THAT(traceLines(), ElementsAre(HasSubstr("level 0: LockedFile failed [1101]")));
 }
 

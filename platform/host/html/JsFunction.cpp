@@ -38,9 +38,7 @@ void JsFunction::printHTML() const {
     std::cout << "}\n</script>\n";
     for (const Call& call : calls) {
         if (call.alert) {
-            std::cout << "<div class=\"notice\" role=\"alert\">";
-            Host::printMessage(call.text);
-            std::cout << "</div>\n";
+            Host::printNotice(call.text, Host::Outcome::UNTOLD);
         }
     }
 }

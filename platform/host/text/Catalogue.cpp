@@ -56,6 +56,15 @@ nl_catd openCatalogue(int language) {
     return catalogues[language];
 }
 
+const char* find(int language, int set, int number) {
+    const bool known = language >= 0 && language < LANGUAGE_COUNT;
+    nl_catd catalogue = openCatalogue(known ? language : ENGLISH);
+    if (catalogue == reinterpret_cast<nl_catd>(-1)) {
+        return nullptr;
+    }
+    return catgets(catalogue, set, number, nullptr);
+}
+
 }  // namespace
 
 const char* languageTag(int language) {
@@ -78,12 +87,11 @@ void openTexts() {
 }
 
 const char* findText(int language, TextSet set, int number) {
-    const bool known = language >= 0 && language < LANGUAGE_COUNT;
-    nl_catd catalogue = openCatalogue(known ? language : ENGLISH);
-    if (catalogue == reinterpret_cast<nl_catd>(-1)) {
-        return nullptr;
-    }
-    return catgets(catalogue, static_cast<int>(set), number, nullptr);
+    return find(language, static_cast<int>(set), number);
+}
+
+const char* findTextForCode(int language, int message, int code) {
+    return code > 0 ? find(language, message, code) : nullptr;
 }
 
 }  // namespace VeskLib::Host

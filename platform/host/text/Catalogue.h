@@ -6,7 +6,8 @@ namespace VeskLib::Host {
 
 // The message catalogues, one file per language made by gencat and read with catgets. In each,
 // set 1 holds the messages, set 2 the captions (numbers from 9000 are the skeletons'), set 3 the
-// trace texts. Trace texts are English in every language: engineers search for them.
+// trace texts. Trace texts are English in every language: engineers search for them. A message that
+// has texts of its own for some codes has them in the set with its number, numbered by the code.
 enum class TextSet { MESSAGES = 1, CAPTIONS = 2, TRACE = 3 };
 
 inline constexpr int ENGLISH = 0;
@@ -31,5 +32,9 @@ void openTexts();
 
 // The text, or null when the catalogue has none. It stays valid for the life of the process.
 const char* findText(int language, TextSet set, int number);
+
+// Returns the text that `message` has for `code` alone, valid for the life of the process; null if
+// it has none.
+const char* findTextForCode(int language, int message, int code);
 
 }  // namespace VeskLib::Host

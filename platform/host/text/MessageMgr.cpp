@@ -2,6 +2,7 @@
 
 #include "platform/host/text/Catalogue.h"
 #include "platform/host/text/formatText.h"
+#include "platform/host/text/issuedTexts.h"
 
 #include <cstdarg>
 
@@ -25,13 +26,17 @@ std::string MessageMgr::getMessage(int message, int code, ...) const {
     char text[LONGEST_MESSAGE];
     std::va_list arguments;
     va_start(arguments, code);
-    Host::formatText(text, sizeof text, findText(messageSet, TextSet::MESSAGES, message), message,
-                     arguments);
+    const char* const own = Host::findTextForCode(messageSet, message, code);
+    Host::formatText(text, sizeof text,
+                     own != nullptr ? own : findText(messageSet, TextSet::MESSAGES, message),
+                     message, arguments);
     va_end(arguments);
-    if (code == 0) {
-        return text;
+    std::string shown = text;
+    if (code != 0) {
+        shown += " [" + std::to_string(message) + "-" + std::to_string(code) + "]";
     }
-    return std::string(text) + " [" + std::to_string(message) + "-" + std::to_string(code) + "]";
+    Host::noteIssuedText(shown, {.number = message, .code = code});
+    return shown;
 }
 
 std::string MessageMgr::getString(int caption) const {

@@ -90,11 +90,11 @@ void AbstractMain::guiCheckSession(bool showError) {
 
 void AbstractMain::errorExit(std::string title, std::string message) {
     // A request that the back-end failed is the server's trouble, every other one the client's.
-    const bool backendFailed = requester != nullptr && requester->getErrorCode() != 0;
+    const int backendCode = requester != nullptr ? requester->getErrorCode() : 0;
     // Thrown, so that everything the request holds is let go of on the way to exec().
-    throw ErrorPage{.status = backendFailed ? 503 : 400,
+    throw ErrorPage{.status = backendCode != 0 ? 503 : 400,
                     .title = std::move(title),
-                    .message = std::move(message)};
+                    .message = Host::explain(message, backendCode)};
 }
 
 void AbstractMain::errorExit(std::string message, int code) {

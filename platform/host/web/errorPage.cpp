@@ -5,6 +5,7 @@
 #include "platform/host/html/escape.h"
 #include "platform/host/html/messageLines.h"
 #include "platform/host/text/Catalogue.h"
+#include "platform/host/text/issuedTexts.h"
 #include "platform/host/web/headerValue.h"
 
 #include <VeskLib/Gui/HTMLCodeGenerator.h>
@@ -24,18 +25,21 @@ namespace {
 using Gui::TextString;
 
 const std::size_t MESSAGE_SIZE = 256;
+const int REFUSAL_TITLE = 9010;
+const int INTERNAL_ERROR_TITLE = 9016;
+const int NO_BACKEND_CODE = 1;     // of what could not be had although the back-end did not fail
+const int OTHER_BACKEND_CODE = 2;  // without a text of its own
 const char* const SKELETON_FILE = "/usr/local/www/skel/skeleton_error.txt";
 
 std::string caption(int number) {
     return Gui::MessageMgr(requestLanguage()).getString(number);
 }
 
-// A message of several texts, each a paragraph.
-class MessageText : public Gui::HTMLComponent {
+class Notice : public Gui::HTMLComponent {
 public:
-    explicit MessageText(const std::string& message) : message(message) {}
+    explicit Notice(const std::string& message) : message(message) {}
 
-    void printHTML() const override { printMessage(message); }
+    void printHTML() const override { printNotice(message, Outcome::REFUSED); }
     bool isError() const override { return false; }
 
 private:
@@ -44,7 +48,7 @@ private:
 
 void printFromSkeleton(const ErrorPage& page) {
     TextString title(page.title);
-    MessageText message(page.message);
+    Notice message(page.message);
     TextString link("");
     std::map<std::string, Gui::HTMLComponent*> components = {{"title", &title},
                                                              {"message", &message}};
@@ -61,6 +65,20 @@ void printPlain(const ErrorPage& page) {
               << "</title></head><body><h1>" << escapeHTML(page.title) << "</h1>";
     printMessage(page.message);
     std::cout << "</body></html>\n";
+}
+
+// What could not be had, in the operator's language and by the back-end's code.
+std::string explainUnavailable(int backendCode) {
+    const auto find = [](int code) {
+        return findTextForCode(requestLanguage(), UNAVAILABLE_TEXT, code);
+    };
+    const char* const own = find(backendCode == 0 ? NO_BACKEND_CODE : backendCode);
+    const char* const text = own != nullptr ? own : find(OTHER_BACKEND_CODE);
+    std::string explanation = text == nullptr ? "" : text;
+    explanation += " [" + std::to_string(UNAVAILABLE_TEXT) +
+                   (backendCode == 0 ? "]" : "-" + std::to_string(backendCode) + "]");
+    noteIssuedText(explanation, {.number = UNAVAILABLE_TEXT, .code = backendCode});
+    return explanation;
 }
 
 // The exception's message, with the arguments it carries.
@@ -92,22 +110,26 @@ void printErrorPage(const ErrorPage& page, Response& response) noexcept {
 void printExceptionPage(const PException& exception, Response& response) {
     trace::VeskTrace(1, 1, 1).putLog(0, describe(exception).c_str());
     const int detail = exception.getExceptionDetail();
-    const std::string code = " [" + std::to_string(detail) + "]";
-    ErrorPage page = {.status = 500, .title = caption(9010), .message = caption(9020) + code};
+    ErrorPage page = {.status = 500,
+                      .title = caption(INTERNAL_ERROR_TITLE),
+                      .message = issueCaption(9020, detail)};
     if (detail == REQUEST_TOO_LARGE) {
         page.status = 413;
-        page.message = caption(9022) + code;
+        page.message = issueCaption(9022, detail);
     } else if (detail == SESSION_FILE_REFUSED) {
-        page.message = caption(9021) + code;
+        page.message = issueCaption(9021, detail);
     } else if (detail == REQUEST_TOO_SLOW) {
         page.status = 408;
-        page.message = caption(9023) + code;
+        page.message = issueCaption(9017, detail);
     } else if (detail == REQUEST_MALFORMED) {
         page.status = 400;
         // Only a form with a file is sent in parts.
         page.message = isMediaType(readEnvironment("CONTENT_TYPE"), MULTIPART_FORM)
                            ? Gui::MessageMgr(requestLanguage()).getMessage(30, detail)
-                           : caption(9023) + code;
+                           : issueCaption(9023, detail);
+    }
+    if (page.status != 500 || detail == SESSION_FILE_REFUSED) {
+        page.title = caption(REFUSAL_TITLE);
     }
     printErrorPage(page, response);
 }
@@ -129,25 +151,42 @@ void printHandledException(Response& response) noexcept {
     }
 }
 
+std::string explain(const std::string& message, int backendCode) {
+    std::string explained;
+    for (const std::string& line : splitMessage(message)) {
+        const IssuedText* const issued = findIssuedText(line);
+        explained += explained.empty() ? "" : "<br>";
+        if (issued != nullptr && issued->number == UNAVAILABLE_TEXT) {
+            explained += explainUnavailable(backendCode) + "<br>";
+        }
+        explained += line;
+    }
+    return explained;
+}
+
 ErrorPage makeMethodPage() {
-    return {.status = 405, .title = caption(9010), .message = caption(9024)};
+    return {.status = 405, .title = caption(REFUSAL_TITLE), .message = issueCaption(9024)};
 }
 
 // A link would lead to the same wrong name.
 ErrorPage makeMisdirectedPage() {
-    return {.status = 421, .title = caption(9010), .message = caption(9029), .offerMenu = false};
+    return {.status = 421,
+            .title = caption(REFUSAL_TITLE),
+            .message = issueCaption(9029),
+            .offerMenu = false};
 }
 
 ErrorPage makeCrossSitePage() {
-    return {.status = 403, .title = caption(9010), .message = caption(9025)};
+    return {.status = 403, .title = caption(REFUSAL_TITLE), .message = issueCaption(9025)};
 }
 
 ErrorPage makeInternalErrorPage() {
-    return {.status = 500, .title = caption(9010), .message = caption(9020)};
+    return {.status = 500, .title = caption(INTERNAL_ERROR_TITLE), .message = issueCaption(9020)};
 }
 
 ErrorPage makeLoginPage() {
-    return {.status = 403, .title = caption(9011), .message = caption(9026), .offerLogin = true};
+    return {
+        .status = 403, .title = caption(9011), .message = issueCaption(9026), .offerLogin = true};
 }
 
 }  // namespace VeskLib::Host

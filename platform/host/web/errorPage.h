@@ -29,6 +29,10 @@ void printExceptionPage(const PException& exception, Response& response);
 // a trace line where it tells of a failure. An ErrorPage that was thrown is printed as it is.
 void printHandledException(Response& response) noexcept;
 
+// Returns a page's `message` with an explanation before each trace text in it, in the language of
+// the request. `backendCode` is the one of the last request to the back-end, 0 if it succeeded.
+std::string explain(const std::string& message, int backendCode);
+
 // The error pages of the checks that every program makes; requestLanguage() is their language.
 ErrorPage makeMethodPage();
 ErrorPage makeMisdirectedPage();

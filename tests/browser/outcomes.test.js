@@ -1,0 +1,137 @@
+// What became of a request is shown in words, by an icon and by its colour, and in attributes that do
+// not depend on the language.
+
+import assert from "node:assert/strict";
+import { after, before, beforeEach, describe, test } from "node:test";
+import { Board } from "./support/board.js";
+import { BROWSERS, BACKUP_PAGE, Browser, RESTORE_PAGE, logIn, textOf } from "./support/browser.js";
+import { makeConfigurationFile } from "./support/configurationFile.js";
+import { upload, withFile } from "./support/restorePage.js";
+
+const RESTORE = "0x020100A4";
+
+const FILE = makeConfigurationFile({
+    saveTime: Date.UTC(2026, 2, 7, 12) / 1000,
+    partition: 3,
+    version: "1.23 B",
+    name: "R&D",
+    payload: Buffer.from("x"),
+});
+
+// Each outcome of a restore: how the back-end is told to bring it about, and what the page shows.
+const OUTCOMES = [
+    { order: ["reset"], outcome: "done", style: "success", message: "70", code: "0",
+        word: "Done", japanese: "完了", text: /was restored\./ },
+    { order: ["refuse", RESTORE, 1602], outcome: "refused", style: "error", message: "71",
+        code: "1602", word: "Not done", japanese: "実行されませんでした",
+        text: /not installed.*No partition was changed/ },
+    { order: ["torn", 3], outcome: "unknown", style: "unknown", message: "71", code: "2003",
+        word: "Outcome unknown", japanese: "結果不明",
+        text: /It is not known whether the partitions were changed.*Activity page/ },
+    { order: ["refuse", RESTORE, 1999], outcome: "unknown", style: "unknown", message: "71",
+        code: "1999", word: "Outcome unknown", japanese: "結果不明", text: /It is not known/ },
+];
+
+function noticeOf(page) {
+    return page.$eval(".notice", (notice) => {
+        const line = notice.querySelector("[data-message]");
+        return {
+            outcome: notice.dataset.outcome,
+            role: notice.getAttribute("role"),
+            classes: [...notice.classList],
+            ground: getComputedStyle(notice).backgroundColor,
+            word: notice.querySelector(".outcome").lastChild.textContent.trim(),
+            icon: notice.querySelector(".outcome [aria-hidden=true]").textContent,
+            message: line.dataset.message,
+            code: line.dataset.code,
+            text: line.textContent,
+            link: notice.querySelector("a")?.getAttribute("href"),
+        };
+    });
+}
+
+for (const kind of BROWSERS) {
+    for (const language of ["en", "ja"]) {
+        describe(`outcomes in ${kind}, ${language}`, () => {
+            let board;
+            let browser;
+            let page;
+
+            before(async () => {
+                board = await Board.start();
+                browser = await Browser.start(language, kind);
+            });
+            after(async () => {
+                await browser?.stop();
+                await board?.remove();
+            });
+            beforeEach(async () => {
+                await board.control("reset");
+                page = await browser.newPage();
+                await logIn(page, board);
+            });
+
+            function assertOutcome(seen, expected) {
+                assert.equal(seen.outcome, expected.outcome);
+                assert.ok(seen.classes.includes(expected.style), seen.classes.join());
+                assert.equal(seen.role, "alert");
+                assert.equal(seen.word, language === "ja" ? expected.japanese : expected.word);
+                assert.equal(seen.message, expected.message);
+                assert.equal(seen.code, expected.code);
+                assert.match(seen.text, language === "ja" ? /[ぁ-ん].*。/ : expected.text);
+                assert.match(seen.text, expected.code === "0"
+                    ? /[^\d\]]$/ : new RegExp(`^[^\\[]* \\[${expected.message}-${expected.code}\\]$`));
+                assert.equal(seen.link, expected.outcome === "unknown" ? "/activity.cgi" : undefined);
+            }
+
+            test("of a restore differ in word, icon, colour and attributes", async () => {
+                const looks = new Map();
+                for (const expected of OUTCOMES) {
+                    await board.control("reset");
+                    await upload(page, board, "a.dat", FILE);
+                    await page.click("#pid3");
+                    await board.control(...expected.order);
+                    await Promise.all([page.waitForNavigation(), page.click("#restore")]);
+                    const seen = await noticeOf(page);
+                    assertOutcome(seen, expected);
+                    looks.set(seen.outcome, [seen.ground, seen.icon, seen.word]);
+                    // The short list of what was asked for, in the words of the selection page.
+                    const list = await page.$$eval(".plan dd", (all) =>
+                        all.map((each) => each.textContent));
+                    assert.deepEqual(list.slice(0, 3), ["a.dat", "3", "R&D"]);
+                    assert.match(list.at(-1), /^3: R&D .*1\.23 B\)$/);
+                }
+                for (const aspect of [0, 1, 2]) {
+                    const values = [...looks.values()].map((look) => look[aspect]);
+                    assert.equal(new Set(values).size, 3, values.join());
+                }
+            });
+
+            // Only Chromium lets a test switch them off.
+            test("of a restore show without scripts", { skip: kind !== "chromium" }, async () => {
+                await page.setJavaScriptEnabled(false);
+                for (const expected of OUTCOMES) {
+                    await board.control("reset");
+                    await page.goto(board.url(RESTORE_PAGE));
+                    await withFile("a.dat", FILE, async (file) => {
+                        await (await page.$("#filename")).uploadFile(file);
+                        await Promise.all([page.waitForNavigation(), page.click("#upload")]);
+                    });
+                    await page.click("#pid3");
+                    await board.control(...expected.order);
+                    await Promise.all([page.waitForNavigation(), page.click("#restore")]);
+                    assertOutcome(await noticeOf(page), expected);
+                }
+            });
+
+            test("of a page that needs the back-end name its trouble in the reader's language", async () => {
+                await board.control("refuse", "0x0201002F", 1609);
+                await page.goto(board.url(BACKUP_PAGE));
+                const seen = await noticeOf(page);
+                assert.deepEqual([seen.outcome, seen.message, seen.code], ["refused", "107", "1609"]);
+                assert.match(seen.text, language === "ja" ? /[ぁ-ん].*\[107-1609\]$/ : /^The board's back-end/);
+                assert.match(await textOf(page, ".detail[lang=en]"), /^Failed to obtain the partition status/);
+            });
+        });
+    }
+}
