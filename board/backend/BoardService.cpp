@@ -11,6 +11,7 @@
 #include "data/requestNumbers.h"
 #include "platform/host/audit/AuditLog.h"
 #include "platform/host/channel/Login.h"
+#include "platform/host/channel/refusalPayload.h"
 #include "platform/host/session/Session.h"
 
 #include <VeskLib/PException.h>

@@ -1,7 +1,7 @@
 #include "tests/backend/support/BoardServiceTest.h"
 
 #include "platform/host/base/sha256.h"
-#include "platform/host/channel/RefusalDetails.h"
+#include "platform/host/channel/refusalPayload.h"
 #include "platform/host/storage/obtainLock.h"
 
 #include <gtest/gtest.h>

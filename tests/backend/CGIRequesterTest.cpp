@@ -7,7 +7,7 @@
 #include "data/requestNumbers.h"
 #include "platform/host/base/stagedFile.h"
 #include "platform/host/channel/Channel.h"
-#include "platform/host/channel/RefusalDetails.h"
+#include "platform/host/channel/refusalPayload.h"
 #include "tests/backend/support/RootTest.h"
 #include "tests/backend/support/ScriptedServer.h"
 #include "tests/backend/support/requests.h"

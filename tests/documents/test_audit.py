@@ -280,7 +280,7 @@ class WithoutTheLog(AuditDocument):
     def assert_error_page(self, event, answer):
         code = re.search(r"error page with (\d+);", self.rows()[event])[1]
         self.assertEqual(answer.status, 500)
-        self.assertIn("[%s]" % code, answer.text)
+        self.assertIn("-%s]" % code, answer.text)
 
     def test_changes_are_refused(self):
         code = re.search(r"refused with (\d+); nothing changes", self.rows()["restore"])[1]

@@ -1,5 +1,7 @@
 #include "platform/host/html/messageLines.h"
 
+#include "platform/host/base/RefusalDetails.h"
+#include "platform/host/text/issuedTexts.h"
 #include "tests/support/hostileTexts.h"
 #include "tests/support/markup.h"
 #include "tests/support/printedBy.h"
@@ -31,6 +33,46 @@ TEST(MessageLinesTest, everyLineIsAnEscapedParagraph) {
         EXPECT_THAT(tagNamesOf(printed), ElementsAre("p", "/p"));
         EXPECT_EQ(textOf(printed), text);
     }
+}
+
+// What is printed of a message with the code of the last refusal.
+class RefusalDetailsTest : public testing::Test {
+protected:
+    RefusalDetailsTest() {
+        Host::noteIssuedText("refused [73-1549]", {.number = 73, .code = 1549});
+    }
+    ~RefusalDetailsTest() override { Host::noteRefusal(0, {}); }
+
+    static std::string printedWith(const Host::RefusalDetails& details, int code = 1549) {
+        Host::noteRefusal(code, details);
+        const std::string printed = printedBy([] { printMessage("refused [73-1549]"); });
+        const std::string end = "refused [73-1549]</p>";
+        return printed.substr(printed.find(end) + end.size());
+    }
+};
+
+TEST_F(RefusalDetailsTest, thePartitionsStandBelowTheMessage) {
+    EXPECT_EQ(printedWith({"", {{3, ""}, {7, ""}}}),
+              "<p class=\"partitions\">Partitions: 3, 7</p>");
+}
+
+TEST_F(RefusalDetailsTest, eachPartitionHasItsVersions) {
+    EXPECT_EQ(printedWith({"1.23 B", {{0, "10.20.30"}, {2, "<b>"}}}),
+              "<p class=\"partitions\">Partition 0: BIOS version 10.20.30, file 1.23 B<br>"
+              "Partition 2: BIOS version &lt;b&gt;, file 1.23 B</p>");
+}
+
+TEST_F(RefusalDetailsTest, noPartitionOfAnotherCodeIsShown) {
+    EXPECT_EQ(printedWith({"", {{3, ""}}}, 1551), "");
+    EXPECT_EQ(printedWith({}), "");
+}
+
+TEST_F(RefusalDetailsTest, aLongVersionIsCutBetweenCharacters) {
+    const std::string printed = printedWith({std::string(79, 'x') + "\xC3\xA9", {{0, "1\n2"}}});
+    EXPECT_EQ(printed,
+              "<p class=\"partitions\">Partition 0: BIOS version 1\xE2\x90\x8A"
+              "2, file " +
+                  std::string(79, 'x') + "\xE2\x80\xA6</p>");
 }
 
 }  // namespace VeskLib::Test

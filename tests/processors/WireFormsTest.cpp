@@ -5,7 +5,7 @@
 #include "data/PrimitiveTypeWrapper.h"
 #include "platform/host/channel/Frame.h"
 #include "platform/host/channel/Login.h"
-#include "platform/host/channel/RefusalDetails.h"
+#include "platform/host/channel/refusalPayload.h"
 #include "platform/host/storage/ConfigurationFile.h"
 #include "tests/backend/support/hexadecimalText.h"
 #include "tests/processors/expectedBytes.h"

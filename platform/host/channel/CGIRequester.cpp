@@ -5,8 +5,8 @@
 #include "platform/host/base/requestOrigin.h"
 #include "platform/host/base/stagedFile.h"
 #include "platform/host/channel/Channel.h"
-#include "platform/host/channel/RefusalDetails.h"
 #include "platform/host/channel/changes.h"
+#include "platform/host/channel/refusalPayload.h"
 
 #include <utility>
 #include <vector>
@@ -26,6 +26,13 @@ int takeAnswer(std::vector<unsigned char> payload, VeskUi::SerializableObject& a
     } catch (const PException&) {
         return Host::CHANNEL_BAD_OBJECT;
     }
+}
+
+// A payload that cannot be read says nothing.
+void noteAnswer(int code, const std::vector<unsigned char>& payload) {
+    Host::RefusalDetails details;
+    decode(payload, details);
+    Host::noteRefusal(code, details);
 }
 
 bool giveData(const VeskUi::SerializableObject& data, std::vector<unsigned char>& payload) {
@@ -80,7 +87,7 @@ bool CGIRequester::setInfo(unsigned int request, const VeskUi::SerializableObjec
     }
     Host::ReplyFrame reply;
     state->errorCode = state->channel.exchange(frame, reply);
-    Host::noteRefusal(state->errorCode, reply.payload);
+    noteAnswer(state->errorCode, reply.payload);
     return state->errorCode == 0;
 }
 

@@ -1,5 +1,6 @@
 #include "platform/host/html/messageLines.h"
 
+#include "platform/host/base/RefusalDetails.h"
 #include "platform/host/html/escape.h"
 #include "platform/host/html/printText.h"
 #include "platform/host/text/Catalogue.h"
@@ -12,6 +13,11 @@ namespace VeskLib::Host {
 namespace {
 
 const int ACTIVITY_LINK = 9015;
+const int PARTITIONS_CONCERNED = 9018;
+const int VERSIONS_CONCERNED = 9019;
+
+// The longest version that a notice shows, in bytes.
+const std::size_t LONGEST_VERSION = 80;
 
 // How a notice shows an outcome. `word` is a caption.
 struct OutcomeLook {
@@ -46,6 +52,57 @@ Outcome findOutcome(const std::string& message, Outcome otherwise) {
     return outcome == Outcome::UNTOLD ? otherwise : outcome;
 }
 
+// Prints a caption with `values` in place of #1, #2 and so on.
+void printFilled(int number, const std::vector<std::string>& values) {
+    const char* const text = findText(requestLanguage(), TextSet::CAPTIONS, number);
+    for (std::string_view rest = text == nullptr ? "" : text; !rest.empty();) {
+        const std::size_t mark = std::min(rest.find('#'), rest.size());
+        printEscaped(std::string(rest.substr(0, mark)));
+        if (mark + 1 < rest.size()) {
+            printEscaped(values.at(static_cast<std::size_t>(rest[mark + 1] - '1')));
+        }
+        rest.remove_prefix(std::min(mark + 2, rest.size()));
+    }
+}
+
+std::string shorten(const std::string& version) {
+    if (version.size() <= LONGEST_VERSION) {
+        return version;
+    }
+    std::size_t end = LONGEST_VERSION;
+    while (end > 0 && (static_cast<unsigned char>(version[end]) & 0xC0) == 0x80) {
+        --end;  // within a character of UTF-8
+    }
+    return version.substr(0, end) + "\u2026";
+}
+
+// The partitions that a refusal is about: each with its versions, or all in one line.
+void printDetails(const std::string& line) {
+    const IssuedText* const issued = findIssuedText(line);
+    const RefusalDetails& details = refusalDetails(issued == nullptr ? 0 : issued->code);
+    if (details.partitions.empty()) {
+        return;
+    }
+    printText("<p class=\"partitions\">");
+    std::string numbers;
+    const char* lineEnd = "";
+    for (const RefusalDetails::Partition& partition : details.partitions) {
+        const std::string number = std::to_string(partition.number);
+        if (partition.version.empty()) {
+            numbers += (numbers.empty() ? "" : ", ") + number;
+        } else {
+            printText(lineEnd);
+            printFilled(VERSIONS_CONCERNED,
+                        {number, shorten(partition.version), shorten(details.fileVersion)});
+            lineEnd = "<br>";
+        }
+    }
+    if (!numbers.empty()) {
+        printFilled(PARTITIONS_CONCERNED, {numbers});
+    }
+    printText("</p>");
+}
+
 void printLineStart(const std::string& line) {
     const IssuedText* const issued = findIssuedText(line);
     if (issued == nullptr) {
@@ -78,6 +135,7 @@ void printMessage(const std::string& message) {
         printLineStart(line);
         printEscaped(line);
         printText("</p>");
+        printDetails(line);
     }
 }
 

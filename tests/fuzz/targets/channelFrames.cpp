@@ -3,7 +3,7 @@
 
 #include "platform/host/channel/Frame.h"
 #include "platform/host/channel/FrameStream.h"
-#include "platform/host/channel/RefusalDetails.h"
+#include "platform/host/channel/refusalPayload.h"
 #include "tests/fuzz/support/input.h"
 #include "tests/fuzz/support/require.h"
 

@@ -1,4 +1,4 @@
-#include "platform/host/channel/RefusalDetails.h"
+#include "platform/host/channel/refusalPayload.h"
 
 #include "data/WireCursor.h"
 #include "platform/host/channel/WireText.h"
@@ -10,16 +10,6 @@ namespace VeskLib::Host {
 namespace {
 
 const std::size_t NUMBER_SIZE = 4;
-
-struct LastRefusal {
-    int code = 0;
-    RefusalDetails details;
-};
-
-LastRefusal& lastRefusal() {
-    static LastRefusal last;
-    return last;
-}
 
 }  // namespace
 
@@ -55,16 +45,6 @@ bool decode(const std::vector<unsigned char>& bytes, RefusalDetails& details) {
     }
     details = std::move(read);
     return true;
-}
-
-const RefusalDetails& refusalDetails(int code) {
-    static const RefusalDetails NONE;
-    return lastRefusal().code == code ? lastRefusal().details : NONE;
-}
-
-void noteRefusal(int code, const std::vector<unsigned char>& payload) {
-    lastRefusal() = {.code = code, .details = {}};
-    decode(payload, lastRefusal().details);
 }
 
 }  // namespace VeskLib::Host
