@@ -37,6 +37,18 @@ function alertAt(element, text) {
     element.focus();
 }
 
+// Shows an alert on the page itself, once.
+function alertBelow(element, id, text) {
+    if (!document.getElementById(id)) {
+        const alert = document.createElement("p");
+        alert.id = id;
+        alert.className = "notice error";
+        alert.setAttribute("role", "alert");
+        alert.textContent = text;
+        element.after(alert);
+    }
+}
+
 // The longest text of a file that a question or a result shows, in characters.
 const LONGEST_OF_FILE = 80;
 
@@ -96,6 +108,22 @@ function showPlan(heading) {
         add(list, "dt", caption);
         values.forEach((value) => add(list, "dd", value));
     }
+}
+
+// Tells this browser's other windows which staged file is the newest; "" for none.
+function announceFile(file) {
+    localStorage.setItem("stagedFile", file);
+}
+
+// Calls `tell` as soon as another window has staged another file than `file`, or discarded it.
+function watchFile(file, tell) {
+    const look = () => {
+        if (localStorage.getItem("stagedFile") !== file) {
+            tell();
+        }
+    };
+    window.addEventListener("storage", look);
+    window.addEventListener("pageshow", look);
 }
 
 // Starts the download of a backup. `path` contains the file's name as it is, which may itself contain

@@ -1,0 +1,119 @@
+"""A restore whose client gives up while the back-end is held up, at each of its system calls."""
+
+import re
+import socket
+import struct
+import time
+
+from rows import backendFaults
+from support import auditLog
+from support.board import identifierOf, sampleFile
+from support.caseRuns import Outcome, runCases
+from support.configurationFile import decodeState
+from support.scene import STATE, TARGETS, stagedFile
+from support.worker import RequestWorker
+
+HELP = "a restore whose client goes while the back-end is held up, at each of its system calls"
+
+SHORT_RUNS = 12
+HOLD_MICROSECONDS = 800000
+PATIENCE_SECONDS = 0.3
+SET, SET_RESTORE = 2, 0x020100A4
+ABANDONED = 1616
+
+# The look for the client, which does not wait, and the change itself.
+LOOK = re.compile(r"(\d+\.\d+) .*poll\(\[\{fd=\d+, events=0\}\], 1, 0\)")
+COMMIT = re.compile(r"(\d+\.\d+) .*rename\(\"[^\"]*configurations\.aside")
+
+
+def restoreFrame(cookie):
+    session = identifierOf(cookie).encode()
+    body = struct.pack(">BI", SET, SET_RESTORE)
+    for text in (session, b"", b"", b""):
+        body += struct.pack(">H", len(text)) + text
+    body += struct.pack(">H", len(TARGETS)) + bytes(TARGETS)
+    return struct.pack(">I", len(body)) + body
+
+
+def lastTime(pattern, text):
+    found = pattern.findall(text)
+    return float(found[-1]) if found else None
+
+
+class Worker(RequestWorker):
+    def ask(self):
+        """Sends the request and goes after a while: (the reply or None, when it went)."""
+        with socket.socket(socket.AF_UNIX) as client:
+            client.connect(self.board.path("var/run/backend.sock"))
+            client.sendall(restoreFrame(self.scene.operator))
+            client.settimeout(PATIENCE_SECONDS)
+            try:
+                reply = client.recv(4096)
+            except TimeoutError:
+                reply = None
+            went = time.time()
+        return reply, went
+
+    def run(self, case):
+        self.removeLog()
+        board = self.board
+        payload = self.scene.nextPayload()
+        self.scene.stage({stagedFile(self.scene.operator): sampleFile(self.scene.letter)})
+        self.scene.stageLog(self.scene.logLine())
+        board.stop()
+        board.start(prefix=["strace", "-f", "-ttt", "-qqq", "-s", "200", "-o", self.log,
+                            "-e", f"trace=poll,rename,{case['name']}",
+                            "-e", f"inject={case['inject']}"])
+        reply, went = self.ask()
+        board.waitUntilQuiet()
+        board.stop()
+        with open(self.log, encoding="utf-8", errors="replace") as log:
+            trace = log.read()
+        problems = self.judgeRun(reply, went, trace, payload)
+        board.start()
+        changed = self.holds(payload)
+        tally = ("answered" if reply else "changed behind the client" if changed else
+                 "left alone")
+        return Outcome(problems, "(DELAYED)" in trace, {"trace": trace[-4000:]} if problems else {},
+                       tally)
+
+    def holds(self, payload):
+        payloads = decodeState(self.board.read(STATE))
+        return all(payloads[target] == payload for target in TARGETS)
+
+    def judgeRun(self, reply, went, trace, payload):
+        lines, _, _ = auditLog.parseLines(auditLog.readLog(self.board))
+        last = [line for line in lines if line["event"] == "restore"][-1:]
+        result = last[0].get("result") if last else None
+        looked = lastTime(LOOK, trace)
+        if reply is not None:
+            ok = reply[4:8] == bytes(4) and self.holds(payload) and result == "done"
+            return [] if ok else [f"the answer {reply!r} is not what happened: {last}"]
+        if not self.holds(payload):
+            # One that the back-end had not even begun when it was ended has no line.
+            fine = not last or (result == "refused" and last[0].get("code") == ABANDONED)
+            return [] if fine else [f"nothing was changed, and the log says {last}"]
+        problems = [] if result == "done" else [f"it was changed, and the log says {last}"]
+        # Only one that had looked for its client before may still happen.
+        if looked is None or lastTime(COMMIT, trace) is None:
+            problems.append("the look for the client or the change is not in the trace")
+        elif went < looked:
+            problems.append(f"it was changed {looked - went:.3f} s after its client had gone")
+        return problems
+
+
+def listCases(installation):
+    calls = backendFaults.listBackendCalls(installation)["restore"]
+    return [{"name": call.name, "call": call.line[:160],
+             "inject": f"{call.name}:delay_enter={HOLD_MICROSECONDS}:when={call.occurrence}"}
+            for call in calls
+            if call.name not in ("execve", "exit_group", "restart_syscall", "rt_sigreturn")]
+
+
+def makeWorker(installation, case):
+    return Worker(installation)
+
+
+def run(context):
+    cases = context.sample(listCases(context.installation), SHORT_RUNS)
+    return runCases(context, "abandoned", cases, lambda: Worker(context.installation))
