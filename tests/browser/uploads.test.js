@@ -91,7 +91,7 @@ for (const [way, Client] of Object.entries(WAYS)) {
 
         connectionTest("beyond the web server's limit stands a page that says so", async () => {
             const answer = await post(uploadBody(Buffer.alloc(20 * 1024 * 1024)));
-            assertErrorPage(answer, 413, /far larger than anything the board takes/);
+            assertErrorPage(answer, 413, /The request is too large/);
             await assertNoLeftovers();
         });
 
@@ -279,7 +279,7 @@ for (const [way, Client] of Object.entries(WAYS)) {
                 const answer = await client.post(SCREEN, { functionID: "106" });
                 assert.equal(answer.status, 200);
                 assert.doesNotMatch(answer.text, /type="file"/);
-                assert.match(answer.text, /named no step/);
+                assert.match(answer.text, /did not say what to do/);
             });
 
             test("a discard without a file says nothing, and is traced", async () => {

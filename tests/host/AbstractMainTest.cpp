@@ -152,7 +152,7 @@ TEST_F(AbstractMainTest, otherMethodsAreNotAllowed) {
         const CGIResponse response = runFailing(printPage, request);
         EXPECT_EQ(response.status, "405 Method Not Allowed") << method;
         EXPECT_EQ(response.header("Allow"), "GET, HEAD, POST");
-        EXPECT_THAT(textOf(response.body), HasSubstr("does not know this kind of request"));
+        EXPECT_THAT(textOf(response.body), HasSubstr("does not accept this kind of request"));
     }
     EXPECT_EQ(runFailing(printPage, {}).status, "405 Method Not Allowed");
 }
@@ -453,10 +453,10 @@ TEST_F(AbstractMainTest, aRequestThatIsTooLargeOrMalformedIsTheClients) {
     };
     const CGIResponse tooLarge = fail(Host::REQUEST_TOO_LARGE);
     EXPECT_EQ(tooLarge.status, "413 Content Too Large");
-    EXPECT_THAT(textOf(tooLarge.body), HasSubstr("more than the board accepts"));
+    EXPECT_THAT(textOf(tooLarge.body), HasSubstr("larger than the board accepts"));
     const CGIResponse malformed = fail(Host::REQUEST_MALFORMED);
     EXPECT_EQ(malformed.status, "400 Bad Request");
-    EXPECT_THAT(textOf(malformed.body), HasSubstr("damaged or cut short"));
+    EXPECT_THAT(textOf(malformed.body), HasSubstr("damaged or incomplete"));
 }
 
 TEST_F(AbstractMainTest, theExceptionsOfTheLibraryEndTheSame) {

@@ -14,6 +14,8 @@ using Host::findText;
 using Host::JAPANESE;
 using Host::TextSet;
 using testing::EndsWith;
+using testing::Not;
+using testing::StartsWith;
 
 TEST(CatalogueTest, everySetIsApart) {
     ASSERT_NE(findText(ENGLISH, TextSet::MESSAGES, 12), nullptr);
@@ -40,6 +42,14 @@ TEST(CatalogueTest, anUnknownNumberIsNull) {
 
 TEST(CatalogueTest, aTextStaysWhereItIs) {
     EXPECT_EQ(findText(ENGLISH, TextSet::MESSAGES, 72), findText(ENGLISH, TextSet::MESSAGES, 72));
+}
+
+TEST(CatalogueTest, aCodeMayHaveATextOfItsOwn) {
+    const std::string other = MessageMgr(ENGLISH).getMessage(71, 0);
+    EXPECT_THAT(MessageMgr(ENGLISH).getMessage(71, 1602), Not(StartsWith(other)));
+    EXPECT_THAT(MessageMgr(ENGLISH).getMessage(71, 1999), StartsWith(other));
+    EXPECT_THAT(MessageMgr(ENGLISH).getMessage(71, -1), StartsWith(other));
+    EXPECT_NE(MessageMgr(JAPANESE).getMessage(71, 1602), MessageMgr(ENGLISH).getMessage(71, 1602));
 }
 
 TEST(CatalogueTest, theCodeFollowsTheMessageNumber) {
