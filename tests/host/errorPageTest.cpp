@@ -167,7 +167,7 @@ TEST_F(ErrorPageTest, anExceptionIsTracedWithItsArguments) {
     static const char TEXT[] = "PrimitiveTypeArray";
     const CGIResponse response = showException(20019, reinterpret_cast<long>(TEXT));
     EXPECT_EQ(response.status, "500 Internal Server Error");
-    EXPECT_THAT(textOf(response.body), HasSubstr("[4711]"));
+    EXPECT_THAT(textOf(response.body), HasSubstr("[9020-4711]"));
     EXPECT_THAT(textOf(response.body), Not(HasSubstr(TEXT)));
     EXPECT_THAT(traceLines(), ElementsAre(HasSubstr("PrimitiveTypeArray [4711]")));
 }

@@ -47,7 +47,8 @@ std::string uploadFailed(int language) {
 }
 
 std::string caption(int number, Host::PlatformError code) {
-    return Gui::MessageMgr(Host::ENGLISH).getString(number) + " [" + std::to_string(code) + "]";
+    return Gui::MessageMgr(Host::ENGLISH).getString(number) + " [" + std::to_string(number) + "-" +
+           std::to_string(code) + "]";
 }
 
 class ErrorPageUploadTest : public BoardTest {};
@@ -113,7 +114,7 @@ TEST_F(ErrorPageUploadTest, anUploadThatTheDiskDoesNotTakeIsTheBoardsTrouble) {
     request.environment["BOARD_ROOT"] = boardFile("/var/run/none");
     const CGIResponse response = respond(request);
     EXPECT_EQ(response.status, "500 Internal Server Error");
-    EXPECT_THAT(response.body, HasSubstr("[" + std::to_string(Host::UPLOAD_NOT_STORED) + "]"));
+    EXPECT_THAT(response.body, HasSubstr("-" + std::to_string(Host::UPLOAD_NOT_STORED) + "]"));
 }
 
 }  // namespace VeskLib::Test

@@ -5,7 +5,7 @@ import socket
 import struct
 import time
 
-from rows import backendFaults
+from rows.backendFaults import listBackendCalls
 from support import auditLog
 from support.board import identifierOf, sampleFile
 from support.caseRuns import Outcome, runCases
@@ -103,7 +103,7 @@ class Worker(RequestWorker):
 
 
 def listCases(installation):
-    calls = backendFaults.listBackendCalls(installation)["restore"]
+    calls = listBackendCalls(installation)["restore"]
     return [{"name": call.name, "call": call.line[:160],
              "inject": f"{call.name}:delay_enter={HOLD_MICROSECONDS}:when={call.occurrence}"}
             for call in calls
