@@ -171,7 +171,7 @@ int run(int argumentCount, char** arguments) {
     application.footer(
         "The board's root is the folder that was given to ./serve as --root. Without --root it is\n"
         "taken from the environment variable BOARD_ROOT. docs/wire-formats.md lists the request\n"
-        "numbers. Each order has a --help of its own.\n"
+        "numbers. Each order has a --help of its own.\n\n"
         "Exit status: 0 done; 1 the back-end cannot be reached or does not do it, or the answer\n"
         "could not be printed; 2 wrong usage.");
     std::string root;

@@ -108,7 +108,7 @@ CLI::App* addCommand(CLI::App& application, const char* name, const char* descri
 int run(int argumentCount, char** arguments) {
     CLI::App application("Shows and compares EFI configuration files (.dat).", "eficonf");
     application.require_subcommand(1);
-    application.footer(std::string("Each command has a --help of its own.\n") + STATUSES);
+    application.footer(std::string("Each command has a --help of its own.\n\n") + STATUSES);
     Options options;
 
     CLI::App* const showCommand = addCommand(
