@@ -339,27 +339,24 @@ TEST_F(BoardctlTest, saysThatASocketIsOnlyLeftOver) {
 }
 
 TEST_F(BoardctlTest, saysThatItLacksThePermission) {
-    start();
-    const std::string folder = boardFile("/var/run");
-    const ChildSetup asGuest = {.environment = {}, .input = {}};
-    const ChildResult result = runInChild(
-        [&folder] {
-            if (::geteuid() == 0 && ::setuid(65534) != 0) {
-                return 99;
-            }
-            const std::string root = folder.substr(0, folder.size() - sizeof "/var/run" + 1);
-            ::execl(BOARDCTL, BOARDCTL, "--root", root.c_str(), "status", nullptr);
-            return 98;
-        },
-        asGuest);
     if (::geteuid() != 0) {
         GTEST_SKIP() << "only root can become another user";
     }
+    start();
+    const std::string root = boardFile("");
+    const ChildResult result = runInChild([&root] {
+        const uid_t nobody = 65534;
+        if (::setuid(nobody) == 0) {
+            ::execl(BOARDCTL, BOARDCTL, "--root", root.c_str(), "status", nullptr);
+        }
+        return 99;
+    });
     EXPECT_EQ(result.exitStatus, FAILED);
-    EXPECT_EQ(result.errors, "boardctl: cannot connect to the back-end at " +
-                                 boardFile(BACKEND_SOCKET) +
-                                 ": no permission: use the account that runs the board (code "
-                                 "2001)\n");
+    // A build with counters adds that it cannot write them as that user.
+    EXPECT_TRUE(result.errors.starts_with(
+        "boardctl: cannot connect to the back-end at " + boardFile(BACKEND_SOCKET) +
+        ": no permission: use the account that runs the board (code 2001)\n"))
+        << result.errors;
 }
 
 TEST_F(BoardctlTest, reportsAnAnswerThatIsLost) {
