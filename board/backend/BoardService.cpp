@@ -231,7 +231,9 @@ BoardService::Bytes BoardService::control(const Host::RequestFrame& request) {
     event.order = order.substr(0, LONGEST_ORDER);
     appendOrRefuse(event);
     try {
-        const std::string answer = carryOutOrder(order, switches);
+        const std::string answer = carryOutOrder(order, switches, [this](unsigned int partition) {
+            return description.isInstalled(partition);
+        });
         return {answer.begin(), answer.end()};
     } catch (const std::invalid_argument& problem) {
         throw Refusal{Host::BACKEND_MALFORMED_REQUEST, problem.what()};

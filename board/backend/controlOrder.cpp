@@ -1,5 +1,6 @@
 #include "board/backend/controlOrder.h"
 
+#include "board/backend/Refusal.h"
 #include "board/backend/restartBackend.h"
 
 #include <charconv>
@@ -70,19 +71,24 @@ void orderTear(Words& words, FaultSwitches& switches) {
     switches.tear(bytes, times);
 }
 
-void orderPartition(Words& words, FaultSwitches& switches) {
+void orderPartition(Words& words, FaultSwitches& switches,
+                    const std::function<bool(unsigned int)>& isInstalled) {
     const unsigned int partition = words.number();
     const std::string state = words.text();
     words.end();
     if (state != "on" && state != "off") {
         throw std::invalid_argument(state + " is neither on nor off");
     }
+    if (isInstalled && !isInstalled(partition)) {
+        throw Refusal{Host::BACKEND_NO_PARTITION, "the order is for a partition not installed"};
+    }
     switches.setRunning(partition, state == "on");
 }
 
 }  // namespace
 
-std::string carryOutOrder(const std::string& order, FaultSwitches& switches) {
+std::string carryOutOrder(const std::string& order, FaultSwitches& switches,
+                          const std::function<bool(unsigned int)>& isInstalled) {
     Words words(order);
     const std::string verb = words.text();
     if (verb == "refuse") {
@@ -96,7 +102,7 @@ std::string carryOutOrder(const std::string& order, FaultSwitches& switches) {
     } else if (verb == "torn") {
         orderTear(words, switches);
     } else if (verb == "partition") {
-        orderPartition(words, switches);
+        orderPartition(words, switches, isInstalled);
     } else if (verb == "die") {
         const unsigned int milliseconds = words.number(LONGEST_WAIT_MILLISECONDS);
         words.end();

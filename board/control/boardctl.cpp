@@ -1,17 +1,22 @@
 // Makes a running back-end go wrong, for tests and demonstrations.
 
-#include "platform/host/channel/BackendError.h"
+#include "board/control/describeFailure.h"
+#include "platform/host/base/standardDescriptors.h"
 #include "platform/host/channel/Channel.h"
 
 #include <CLI/CLI.hpp>
 
+#include <cerrno>
+#include <csignal>
 #include <cstdlib>
+#include <cstring>
 #include <iostream>
 #include <string>
 
 namespace {
 
 using namespace VeskLib::Host;
+using VeskLib::Board::describeFailure;
 
 enum Status { DONE = 0, FAILED = 1, USAGE = 2 };
 
@@ -25,18 +30,26 @@ int send(const std::string& order) {
     if (code == CHANNEL_BROKEN && order.starts_with("die")) {
         return DONE;  // it died without a word, as it was told to
     }
-    if (code == BACKEND_FAULTS_NOT_ALLOWED) {
-        std::cerr << "boardctl: the back-end takes no orders: start it with --allow-faults, which "
-                     "an installed board does not (code "
-                  << code << ")\n";
-        return FAILED;
-    }
     if (code != 0) {
-        std::cerr << "boardctl: the back-end does not carry this out (code " << code << ")\n";
+        std::cerr << "boardctl: " << describeFailure(code) << " (code " << code << ")\n";
         return FAILED;
     }
     std::cout << std::string(reply.payload.begin(), reply.payload.end());
     return DONE;
+}
+
+// Standard output may be full or closed: then nobody learns what the back-end answered.
+int endWith(int status) {
+    errno = 0;
+    if (std::cout.flush()) {
+        return status;
+    }
+    std::cerr << "boardctl: the answer could not be printed";
+    if (errno != 0) {
+        std::cerr << ": " << std::strerror(errno);
+    }
+    std::cerr << '\n';
+    return FAILED;
 }
 
 // The orders, each a subcommand that leaves the words for the back-end in `order`.
@@ -51,13 +64,18 @@ public:
         addDie(application);
         addPartition(application);
         addReset(application);
+        for (CLI::App* const command : application.get_subcommands({})) {
+            command->footer("The board's root is given before the order: boardctl --root DIR " +
+                            command->get_name() + ", or in BOARD_ROOT.");
+        }
     }
 
     const std::string& words() const { return order; }
 
 private:
     void addTimes(CLI::App* command) {
-        command->add_option("--times", times, "for how many requests (1)");
+        command->add_option("--times", times, "For how many requests (1)")
+            ->check(CLI::PositiveNumber);
     }
 
     void addStatus(CLI::App& application) {
@@ -69,11 +87,11 @@ private:
     void addRefuse(CLI::App& application) {
         CLI::App* const command = application.add_subcommand(
             "refuse", "Refuses the next requests of a number with an error code");
-        command->add_option("REQUEST", request, "the request number, such as 0x020100A3")
+        command->add_option("REQUEST", request, "The request number, such as 0x020100A3")
             ->required();
         command
             ->add_option("CODE", code,
-                         "the error code, such as 1047; 0 tells a success that did not happen")
+                         "The error code, such as 1047; 0 reports a success that did not happen")
             ->required();
         addTimes(command);
         command->callback([this] {
@@ -85,7 +103,7 @@ private:
     void addSlow(CLI::App& application) {
         CLI::App* const command =
             application.add_subcommand("slow", "Lets the next requests wait before they are begun");
-        command->add_option("MILLISECONDS", milliseconds, "how long")->required();
+        command->add_option("MILLISECONDS", milliseconds, "How long")->required();
         addTimes(command);
         command->callback([this] {
             order = "slow " + std::to_string(milliseconds) + " " + std::to_string(times);
@@ -102,7 +120,8 @@ private:
     void addTorn(CLI::App& application) {
         CLI::App* const command = application.add_subcommand(
             "torn", "Cuts the connection after some bytes of the next replies");
-        command->add_option("BYTES", bytes, "how many bytes of the frame still leave")->required();
+        command->add_option("BYTES", bytes, "How many bytes of the frame are still sent")
+            ->required();
         addTimes(command);
         command->callback(
             [this] { order = "torn " + std::to_string(bytes) + " " + std::to_string(times); });
@@ -111,14 +130,15 @@ private:
     void addDie(CLI::App& application) {
         CLI::App* const command = application.add_subcommand(
             "die", "Dies at once as in a crash, and comes back from what is on disk");
-        command->add_option("--back-in", milliseconds, "after how many milliseconds (0)");
+        command->add_option("--back-in", milliseconds, "After how many milliseconds (0)");
         command->callback([this] { order = "die " + std::to_string(milliseconds); });
     }
 
     void addPartition(CLI::App& application) {
         CLI::App* const command =
             application.add_subcommand("partition", "Switches a partition on or off");
-        command->add_option("NUMBER", partition, "the partition's number")->required();
+        command->add_option("NUMBER", partition, "The number of an installed partition")
+            ->required();
         command->add_option("STATE", state, "on or off")
             ->required()
             ->check(CLI::IsMember({"on", "off"}));
@@ -149,25 +169,31 @@ int run(int argumentCount, char** arguments) {
         "boardctl");
     application.require_subcommand(1);
     application.footer(
-        "The request numbers stand in docs/wire-formats.md.\n"
-        "Exit status: 0 done; 1 the back-end cannot be reached or does not do it; 2 wrong usage.");
+        "The board's root is the folder that was given to ./serve as --root. Without --root it is\n"
+        "taken from the environment variable BOARD_ROOT. docs/wire-formats.md lists the request\n"
+        "numbers. Each order has a --help of its own.\n\n"
+        "Exit status: 0 done; 1 the back-end cannot be reached or does not do it, or the answer\n"
+        "could not be printed; 2 wrong usage.");
     std::string root;
-    application.add_option("--root", root, "the board's root, as given to serve")
+    application.add_option("--root", root, "The board's root, as given to serve")
         ->envname("BOARD_ROOT")
         ->required();
     const Orders orders(application);
     try {
         application.parse(argumentCount, arguments);
     } catch (const CLI::ParseError& error) {
-        return application.exit(error) == 0 ? DONE : USAGE;
+        return endWith(application.exit(error) == 0 ? DONE : USAGE);
     }
     ::setenv("BOARD_ROOT", root.c_str(), 1);
-    return send(orders.words());
+    return endWith(send(orders.words()));
 }
 
 }  // namespace
 
 int main(int argumentCount, char** arguments) {
+    occupyStandardDescriptors();
+    // A reader that has gone is to be reported as a full disk is.
+    std::signal(SIGPIPE, SIG_IGN);
     try {
         return run(argumentCount, arguments);
     } catch (const std::exception& error) {

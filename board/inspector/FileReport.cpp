@@ -1,5 +1,7 @@
 #include "board/inspector/FileReport.h"
 
+#include "board/inspector/PayloadSettings.h"
+#include "board/inspector/whyNotUsable.h"
 #include "platform/host/base/sha256.h"
 #include "platform/host/storage/files.h"
 
@@ -8,14 +10,13 @@
 #include <cstring>
 #include <ctime>
 #include <map>
-#include <optional>
-#include <string_view>
 
 namespace VeskLib::Board {
 
 namespace {
 
 using Bytes = std::vector<unsigned char>;
+// By their names; of a name that is there twice, the first value counts.
 using Settings = std::map<std::string, std::string>;
 
 const char* const NOTHING = "(none)";
@@ -23,35 +24,19 @@ const char* const NOTHING = "(none)";
 // Some files are looked at that are far too large to be used; this much is still read.
 const std::size_t LARGEST_LOOK = 64 * 1024 * 1024;
 
-bool isText(std::string_view text) {
-    return std::none_of(text.begin(), text.end(), [](char character) {
-        const auto byte = static_cast<unsigned char>(character);
-        return byte < 0x20 || byte == 0x7F;
-    });
-}
-
-// The payload's settings; none when it holds anything but "name=value" lines.
-std::optional<Settings> parseSettings(const Bytes& payload) {
-    Settings settings;
-    std::string_view rest(reinterpret_cast<const char*>(payload.data()), payload.size());
-    while (!rest.empty()) {
-        const std::size_t end = rest.find('\n');
-        const std::string_view line = rest.substr(0, end);
-        const std::size_t equals = line.find('=');
-        if (end == std::string_view::npos || equals == std::string_view::npos || !isText(line)) {
-            return std::nullopt;
-        }
-        settings.emplace(line.substr(0, equals), line.substr(equals + 1));
-        rest.remove_prefix(end + 1);
-    }
-    return settings;
-}
-
 void addIfDifferent(std::vector<Difference>& differences, const char* what,
                     const std::string& first, const std::string& second) {
     if (first != second) {
         differences.push_back({what, first, second});
     }
+}
+
+Settings byName(const std::vector<Setting>& settings) {
+    Settings sorted;
+    for (const Setting& setting : settings) {
+        sorted.emplace(setting.name, setting.value);
+    }
+    return sorted;
 }
 
 std::string valueOf(const Settings& settings, const std::string& name) {
@@ -74,12 +59,15 @@ std::string byteAt(const Bytes& bytes, std::size_t offset) {
     return offset < bytes.size() ? std::to_string(bytes[offset]) : NOTHING;
 }
 
-void compareBytes(const Bytes& first, const Bytes& second, std::vector<Difference>& differences) {
+// Adds the first byte in which the two differ; its name is the offset between `before` and
+// `after`.
+void compareBytes(const Bytes& first, const Bytes& second, const std::string& before,
+                  const std::string& after, std::vector<Difference>& differences) {
     const auto place =
         std::mismatch(first.begin(), first.end(), second.begin(), second.end()).first;
     const auto offset = static_cast<std::size_t>(place - first.begin());
     differences.push_back(
-        {"payload byte " + std::to_string(offset), byteAt(first, offset), byteAt(second, offset)});
+        {before + std::to_string(offset) + after, byteAt(first, offset), byteAt(second, offset)});
 }
 
 void comparePayloads(const Bytes& first, const Bytes& second,
@@ -90,15 +78,38 @@ void comparePayloads(const Bytes& first, const Bytes& second,
     addIfDifferent(differences, "payload size", std::to_string(first.size()),
                    std::to_string(second.size()));
     const std::size_t before = differences.size();
-    const std::optional<Settings> firstSettings = parseSettings(first);
-    const std::optional<Settings> secondSettings = parseSettings(second);
-    if (firstSettings && secondSettings) {
-        compareSettings(*firstSettings, *secondSettings, differences);
-    }
-    // Also for settings that differ in their order alone.
+    const PayloadSettings firstParts = readSettings(first);
+    const PayloadSettings secondParts = readSettings(second);
+    compareSettings(byName(firstParts.settings), byName(secondParts.settings), differences);
     if (differences.size() == before) {
-        compareBytes(first, second, differences);
+        // Also for settings that differ in their order alone.
+        compareBytes(first, second, "payload byte ", "", differences);
+    } else if (firstParts.others != secondParts.others) {
+        compareBytes(firstParts.others, secondParts.others, "byte ", " outside the settings",
+                     differences);
     }
+}
+
+// The reason of an errno of readFile().
+std::string describeReadError(int error) {
+    switch (error) {
+        case EINVAL:
+            return "not a regular file";
+        case ELOOP:
+            return "a symbolic link: name the file that it points to";
+        default:
+            return std::strerror(error);
+    }
+}
+
+std::string describeLimit() {
+    return "a configuration file has at most " + std::to_string(Host::LARGEST_CONFIGURATION_FILE) +
+           " bytes";
+}
+
+std::string format(const char* pattern, const std::tm& time) {
+    char text[sizeof "2106-02-07T06:28:15+0000"];
+    return std::string(text, std::strftime(text, sizeof text, pattern, &time));
 }
 
 }  // namespace
@@ -108,17 +119,20 @@ FileReport inspect(const std::string& path) {
     report.path = path;
     Bytes bytes;
     if (!Host::readFile(path, LARGEST_LOOK, bytes)) {
+        const bool isTooLarge = errno == EFBIG;
+        report.reason = isTooLarge ? describeLimit() : describeReadError(errno);
         report.verdict =
-            errno == EFBIG ? FileReport::Verdict::TOO_LARGE : FileReport::Verdict::NOT_READABLE;
-        report.reason = std::strerror(errno);
+            isTooLarge ? FileReport::Verdict::TOO_LARGE : FileReport::Verdict::NOT_READABLE;
         return report;
     }
     report.size = bytes.size();
     report.sha256 = Host::sha256Hex(bytes);
     if (bytes.size() > Host::LARGEST_CONFIGURATION_FILE) {
         report.verdict = FileReport::Verdict::TOO_LARGE;
+        report.reason = describeLimit();
     } else if (!decode(bytes, report.file)) {
         report.verdict = FileReport::Verdict::NOT_A_CONFIGURATION_FILE;
+        report.reason = whyNotUsable(bytes);
     } else {
         report.verdict = FileReport::Verdict::USABLE;
         report.payloadSha256 = Host::sha256Hex(report.file.payload);
@@ -141,10 +155,12 @@ const char* nameOf(FileReport::Verdict verdict) {
 }
 
 std::vector<Difference> compare(const Host::ConfigurationFile& first,
-                                const Host::ConfigurationFile& second) {
+                                const Host::ConfigurationFile& second, SaveTime saveTime) {
     std::vector<Difference> differences;
-    addIfDifferent(differences, "saved on", formatTime(first.saveTime),
-                   formatTime(second.saveTime));
+    if (saveTime == SaveTime::COMPARED) {
+        addIfDifferent(differences, "saved on", formatTime(first.saveTime),
+                       formatTime(second.saveTime));
+    }
     addIfDifferent(differences, "partition", std::to_string(first.partition),
                    std::to_string(second.partition));
     addIfDifferent(differences, "partition name", first.partitionName, second.partitionName);
@@ -157,8 +173,17 @@ std::string formatTime(std::uint32_t time) {
     const std::time_t seconds = time;
     std::tm utc = {};
     gmtime_r(&seconds, &utc);
-    char text[sizeof "2106-02-07T06:28:15Z"];
-    return std::string(text, std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &utc));
+    return format("%Y-%m-%dT%H:%M:%SZ", utc);
+}
+
+std::string formatLocalTime(std::uint32_t time) {
+    const std::time_t seconds = time;
+    std::tm local = {};
+    localtime_r(&seconds, &local);
+    std::string text = format("%Y-%m-%dT%H:%M:%S%z", local);
+    // ISO 8601 wants a colon in the offset where there are some in the time.
+    const std::size_t minutesOfOffset = 2;
+    return text.insert(text.size() - minutesOfOffset, ":");
 }
 
 }  // namespace VeskLib::Board

@@ -13,7 +13,7 @@ struct FileReport {
 
     std::string path;
     Verdict verdict = Verdict::NOT_READABLE;
-    std::string reason;         // of NOT_READABLE, the system's words
+    std::string reason;         // why it is not usable; empty when it is
     std::size_t size = 0;       // in bytes; 0 when it is not readable
     std::string sha256;         // of the whole file, in hexadecimal; empty when there are no bytes
     std::string payloadSha256;  // empty unless it is usable
@@ -33,12 +33,20 @@ struct Difference {
     std::string second;
 };
 
-// Header fields, the payload's length, its settings where both payloads are "name=value" lines, or
-// else the place of its first different byte. Empty when the files hold the same.
+enum class SaveTime { COMPARED, IGNORED };
+
+// Returns the differences of the header fields, of the payload's length and of its settings by name
+// (PayloadSettings.h), and the place of the first different byte that is not explained by those.
+// Empty if the files have the same content. Two backups of an unchanged partition differ in their
+// save times only.
 std::vector<Difference> compare(const Host::ConfigurationFile& first,
-                                const Host::ConfigurationFile& second);
+                                const Host::ConfigurationFile& second,
+                                SaveTime saveTime = SaveTime::COMPARED);
 
 // Seconds since 1970-01-01 UTC as "2026-03-07T12:00:00Z".
 std::string formatTime(std::uint32_t time);
+
+// The same in the local time zone, as "2026-03-07T21:00:00+09:00".
+std::string formatLocalTime(std::uint32_t time);
 
 }  // namespace VeskLib::Board

@@ -1,10 +1,14 @@
 // Shows and compares EFI configuration files, as the pages see them.
 
 #include "board/inspector/FileReport.h"
+#include "board/inspector/printReport.h"
+#include "platform/host/base/standardDescriptors.h"
 
 #include <CLI/CLI.hpp>
-#include <nlohmann/json.hpp>
 
+#include <cerrno>
+#include <csignal>
+#include <cstring>
 #include <iostream>
 
 namespace {
@@ -15,95 +19,47 @@ using nlohmann::ordered_json;
 // The exit statuses. Scripts depend on them.
 enum Status { SAME = 0, DIFFERENT = 1, NOT_USABLE = 2, USAGE = 3, NOT_PRINTED = 4 };
 
-bool isUsable(const FileReport& report) {
-    return report.verdict == FileReport::Verdict::USABLE;
-}
+const char* const STATUSES =
+    "Exit status: 0 usable, or both hold the same; 1 the files differ; 2 a file is not a usable\n"
+    "configuration file; 3 wrong usage; 4 the answer could not be printed.";
 
-// Control characters of a file's texts would move the terminal's cursor. U+0080 to U+009F, which
-// some terminals obey as well, are C2 80 to C2 9F.
-std::string forTerminal(const std::string& text) {
-    std::string shown;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const auto byte = static_cast<unsigned char>(text[i]);
-        const unsigned char next =
-            i + 1 < text.size() ? static_cast<unsigned char>(text[i + 1]) : '\0';
-        if (byte == 0xC2 && next >= 0x80 && next <= 0x9F) {
-            shown += '?';
-            ++i;
+struct Options {
+    std::vector<std::string> shown;
+    std::string first;
+    std::string second;
+    bool asJSON = false;
+    bool ignoreTime = false;
+};
+
+int show(const Options& options) {
+    int status = SAME;
+    ordered_json list = ordered_json::array();
+    for (const std::string& path : options.shown) {
+        const FileReport report = inspect(path);
+        if (options.asJSON) {
+            list.push_back(toJSON(report));
         } else {
-            shown += byte < 0x20 || byte == 0x7F ? '?' : text[i];
+            std::cout << (&path == &options.shown.front() ? "" : "\n");
+            printText(report);
+        }
+        if (!isUsable(report)) {
+            status = NOT_USABLE;
         }
     }
-    return shown;
+    if (options.asJSON) {
+        printJSON(list.size() == 1 ? list.front() : list);
+    }
+    return status;
 }
 
-ordered_json toJSON(const FileReport& report) {
-    ordered_json json = {{"file", report.path}, {"verdict", nameOf(report.verdict)}};
-    if (!report.reason.empty()) {
-        json["reason"] = report.reason;
-    }
-    if (!report.sha256.empty()) {
-        json["size"] = report.size;
-        json["sha256"] = report.sha256;
-    }
-    if (isUsable(report)) {
-        json["revision"] = report.file.revision;
-        json["savedOn"] = formatTime(report.file.saveTime);
-        json["partition"] = report.file.partition;
-        json["partitionName"] = report.file.partitionName;
-        json["biosVersion"] = report.file.version;
-        json["payloadSize"] = report.file.payload.size();
-        json["payloadSha256"] = report.payloadSha256;
-    }
-    return json;
-}
-
-void printLine(const char* name, const std::string& value) {
-    std::cout << name << ": " << forTerminal(value) << '\n';
-}
-
-void printText(const FileReport& report) {
-    printLine("File", report.path);
-    printLine("Verdict", report.reason.empty()
-                             ? nameOf(report.verdict)
-                             : std::string(nameOf(report.verdict)) + " (" + report.reason + ")");
-    if (!report.sha256.empty()) {
-        printLine("Size", std::to_string(report.size) + " bytes");
-        printLine("SHA-256", report.sha256);
-    }
-    if (isUsable(report)) {
-        printLine("Revision", std::to_string(report.file.revision));
-        printLine("Saved on", formatTime(report.file.saveTime));
-        printLine("Partition", std::to_string(report.file.partition));
-        printLine("Partition name", report.file.partitionName);
-        printLine("BIOS version", report.file.version);
-        printLine("Payload", std::to_string(report.file.payload.size()) + " bytes");
-        printLine("Payload SHA-256", report.payloadSha256);
-    }
-}
-
-// Texts that are not UTF-8 are shown with replacement characters.
-void printJSON(const ordered_json& json) {
-    std::cout << json.dump(4, ' ', false, ordered_json::error_handler_t::replace) << '\n';
-}
-
-int show(const std::string& path, bool asJSON) {
-    const FileReport report = inspect(path);
-    if (asJSON) {
-        printJSON(toJSON(report));
-    } else {
-        printText(report);
-    }
-    return isUsable(report) ? SAME : NOT_USABLE;
-}
-
-int compareFiles(const std::string& firstPath, const std::string& secondPath, bool asJSON) {
-    const FileReport first = inspect(firstPath);
-    const FileReport second = inspect(secondPath);
+int compareFiles(const Options& options) {
+    const FileReport first = inspect(options.first);
+    const FileReport second = inspect(options.second);
     const bool usable = isUsable(first) && isUsable(second);
+    const SaveTime saveTime = options.ignoreTime ? SaveTime::IGNORED : SaveTime::COMPARED;
     const std::vector<Difference> differences =
-        usable ? compare(first.file, second.file) : std::vector<Difference>();
-    if (asJSON) {
+        usable ? compare(first.file, second.file, saveTime) : std::vector<Difference>();
+    if (options.asJSON) {
         ordered_json list = ordered_json::array();
         for (const Difference& difference : differences) {
             list.push_back({{"what", difference.what},
@@ -114,12 +70,12 @@ int compareFiles(const std::string& firstPath, const std::string& secondPath, bo
     } else if (!usable) {
         printText(first);
         printText(second);
+    } else if (differences.empty()) {
+        std::cout << (first.file.saveTime == second.file.saveTime
+                          ? "The files hold the same.\n"
+                          : "The files hold the same, apart from the time.\n");
     } else {
-        for (const Difference& difference : differences) {
-            std::cout << forTerminal(difference.what) << ": " << forTerminal(difference.first)
-                      << " -> " << forTerminal(difference.second) << '\n';
-        }
-        std::cout << (differences.empty() ? "The files hold the same.\n" : "");
+        printDifferences(differences);
     }
     if (!usable) {
         return NOT_USABLE;
@@ -127,43 +83,62 @@ int compareFiles(const std::string& firstPath, const std::string& secondPath, bo
     return differences.empty() ? SAME : DIFFERENT;
 }
 
+// Standard output may be full or closed: then the status that was worked out means nothing.
+int endWith(int status) {
+    errno = 0;
+    if (std::cout.flush()) {
+        return status;
+    }
+    std::cerr << "eficonf: the answer could not be printed";
+    if (errno != 0) {
+        std::cerr << ": " << std::strerror(errno);
+    }
+    std::cerr << '\n';
+    return NOT_PRINTED;
+}
+
+CLI::App* addCommand(CLI::App& application, const char* name, const char* description,
+                     Options& options) {
+    CLI::App* const command = application.add_subcommand(name, description);
+    command->add_flag("--json", options.asJSON, "Print JSON");
+    command->footer(STATUSES);
+    return command;
+}
+
 int run(int argumentCount, char** arguments) {
     CLI::App application("Shows and compares EFI configuration files (.dat).", "eficonf");
     application.require_subcommand(1);
-    application.footer(
-        "Exit status: 0 usable, or both hold the same; 1 the files differ; 2 a file is not a "
-        "usable\n"
-        "configuration file; 3 wrong usage; 4 the answer could not be printed.");
-    bool asJSON = false;
-    std::string first;
-    std::string second;
+    application.footer(std::string("Each command has a --help of its own.\n\n") + STATUSES);
+    Options options;
 
-    CLI::App* const showCommand = application.add_subcommand("show", "Shows what a file holds");
-    showCommand->add_option("FILE", first, "the file")->required();
-    showCommand->add_flag("--json", asJSON, "print JSON");
+    CLI::App* const showCommand = addCommand(
+        application, "show",
+        "Shows what files hold, and the settings of their payloads; says why one is not usable",
+        options);
+    showCommand->add_option("FILE", options.shown, "The files; JSON of several is an array")
+        ->required();
     CLI::App* const compareCommand =
-        application.add_subcommand("compare", "Shows in what two files differ");
-    compareCommand->add_option("A", first, "one file")->required();
-    compareCommand->add_option("B", second, "the other file")->required();
-    compareCommand->add_flag("--json", asJSON, "print JSON");
+        addCommand(application, "compare", "Shows in what two files differ", options);
+    compareCommand->add_option("A", options.first, "One file")->required();
+    compareCommand->add_option("B", options.second, "The other file")->required();
+    compareCommand->add_flag("--ignore-time", options.ignoreTime,
+                             "Do not compare when they were saved, as for two backups of a "
+                             "partition that is unchanged");
 
     try {
         application.parse(argumentCount, arguments);
     } catch (const CLI::ParseError& error) {
-        return application.exit(error) == 0 ? SAME : USAGE;
+        return endWith(application.exit(error) == 0 ? SAME : USAGE);
     }
-    const int status =
-        showCommand->parsed() ? show(first, asJSON) : compareFiles(first, second, asJSON);
-    if (!std::cout.flush()) {
-        std::cerr << "eficonf: the answer could not be printed\n";
-        return NOT_PRINTED;
-    }
-    return status;
+    return endWith(showCommand->parsed() ? show(options) : compareFiles(options));
 }
 
 }  // namespace
 
 int main(int argumentCount, char** arguments) {
+    VeskLib::Host::occupyStandardDescriptors();
+    // A reader that has gone is to be reported as a full disk is.
+    std::signal(SIGPIPE, SIG_IGN);
     try {
         return run(argumentCount, arguments);
     } catch (const std::exception& error) {

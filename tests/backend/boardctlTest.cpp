@@ -14,6 +14,8 @@
 
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 #include <chrono>
 #include <thread>
 
@@ -279,21 +281,99 @@ TEST_F(BoardctlTest, anOrderThatTheBackendDoesNotTakeIsAFailure) {
     const ChildResult result = boardctl({"slow", "600001"});
     EXPECT_EQ(result.exitStatus, FAILED);
     EXPECT_EQ(result.output, "");
-    EXPECT_EQ(result.errors, "boardctl: the back-end does not carry this out (code 1605)\n");
+    EXPECT_EQ(result.errors,
+              "boardctl: the back-end refuses the order: a number is too large, such as a time "
+              "above 600000 ms (code 1605)\n");
     EXPECT_EQ(boardctl({"die", "--back-in", "600001"}).exitStatus, FAILED);
     EXPECT_EQ(order({"status"}), "");
 }
 
-TEST_F(BoardctlTest, withoutABackendEveryOrderIsAFailure) {
+TEST_F(BoardctlTest, refusesPartitionsThatAreNotInstalled) {
+    start();
+    for (const char* number : {"4", "6", "8", "4294967295"}) {
+        for (const char* state : {"on", "off"}) {
+            const ChildResult result = boardctl({"partition", number, state});
+            EXPECT_EQ(result.exitStatus, FAILED) << number;
+            EXPECT_EQ(result.output, "");
+            EXPECT_EQ(result.errors,
+                      "boardctl: there is no such partition: the board description has none of "
+                      "this number that is installed (code 1602)\n");
+        }
+    }
+    EXPECT_EQ(order({"status"}), "");
+}
+
+TEST_F(BoardctlTest, saysWhyItCannotConnect) {
     start();
     EXPECT_EQ(backend.stop(), 0);
+    const std::string socket = boardFile(BACKEND_SOCKET);
+    const std::string cannot = "boardctl: cannot connect to the back-end at ";
     for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{
              {"status"}, {"reset"}, {"silent"}, {"die"}, {"partition", "3", "on"}}) {
         const ChildResult result = boardctl(words);
         EXPECT_EQ(result.exitStatus, FAILED) << words[0];
-        EXPECT_EQ(result.errors, "boardctl: the back-end does not carry this out (code 2001)\n");
+        EXPECT_EQ(result.errors, cannot + socket +
+                                     ": there is no such socket: the board is not running, or its "
+                                     "root is another (--root, BOARD_ROOT) (code 2001)\n");
     }
-    EXPECT_EQ(boardctl({"status"}, at("missing")).exitStatus, FAILED);
+    const ChildResult elsewhere = boardctl({"status"}, at("missing"));
+    EXPECT_EQ(elsewhere.exitStatus, FAILED);
+    EXPECT_TRUE(elsewhere.errors.starts_with(cannot + at("missing") + BACKEND_SOCKET +
+                                             ": there is no such socket"))
+        << elsewhere.errors;
+    const std::string deep = at(std::string(200, 'd'));
+    EXPECT_TRUE(
+        boardctl({"status"}, deep)
+            .errors.starts_with(cannot + deep + BACKEND_SOCKET + ": there is no such socket"));
+}
+
+TEST_F(BoardctlTest, saysThatASocketIsOnlyLeftOver) {
+    start();
+    order({"die", "--back-in", "600000"});
+    EXPECT_TRUE(happensInTime([] {
+        return boardctl({"status"})
+                   .errors.find("it is not running; only its socket is still there (code 2001)") !=
+               std::string::npos;
+    }));
+    EXPECT_EQ(backend.stop(SIGTERM), -SIGTERM);
+}
+
+TEST_F(BoardctlTest, saysThatItLacksThePermission) {
+    if (::geteuid() != 0) {
+        GTEST_SKIP() << "only root can become another user";
+    }
+    start();
+    const std::string root = boardFile("");
+    const ChildResult result = runInChild([&root] {
+        const uid_t nobody = 65534;
+        if (::setuid(nobody) == 0) {
+            ::execl(BOARDCTL, BOARDCTL, "--root", root.c_str(), "status", nullptr);
+        }
+        return 99;
+    });
+    EXPECT_EQ(result.exitStatus, FAILED);
+    // A build with counters adds that it cannot write them as that user.
+    EXPECT_TRUE(result.errors.starts_with(
+        "boardctl: cannot connect to the back-end at " + boardFile(BACKEND_SOCKET) +
+        ": no permission: use the account that runs the board (code 2001)\n"))
+        << result.errors;
+}
+
+TEST_F(BoardctlTest, reportsAnAnswerThatIsLost) {
+    start();
+    order({"slow", "1"});
+    for (const char* words : {"status", "--help", "refuse --help"}) {
+        for (const auto& [output, reason] :
+             {std::pair(" >/dev/full", "No space left on device"), {" >&-", "Bad file"}}) {
+            const std::string command =
+                BOARDCTL + (" --root '" + boardFile("")) + "' " + std::string(words) + output;
+            const ChildResult result = runProgram({"/bin/sh", "-c", command});
+            EXPECT_EQ(result.exitStatus, FAILED) << command;
+            EXPECT_TRUE(result.errors.starts_with("boardctl: the answer could not be printed: " +
+                                                  std::string(reason)))
+                << result.errors;
+        }
+    }
 }
 
 TEST_F(BoardctlTest, theRootMayComeFromTheEnvironment) {
@@ -327,6 +407,10 @@ TEST_F(BoardctlTest, wrongUsageIsSaidAndChangesNothing) {
                                                {"slow", "x"},
                                                {"silent", "1"},
                                                {"silent", "--times", "-1"},
+                                               {"silent", "--times", "0"},
+                                               {"slow", "1", "--times", "0"},
+                                               {"torn", "1", "--times", "0"},
+                                               {"refuse", "1", "1", "--times", "0"},
                                                {"torn"},
                                                {"torn", "x"},
                                                {"partition"},
@@ -348,9 +432,16 @@ TEST_F(BoardctlTest, wrongUsageIsSaidAndChangesNothing) {
 TEST_F(BoardctlTest, helpIsNoError) {
     const ChildResult result = runProgram({BOARDCTL, "--help"});
     EXPECT_EQ(result.exitStatus, DONE);
-    for (const char* word :
-         {"status", "refuse", "slow", "silent", "torn", "die", "partition", "reset"}) {
+    for (const char* word : {"status", "refuse", "slow", "silent", "torn", "die", "partition",
+                             "reset", "--root", "BOARD_ROOT"}) {
         EXPECT_NE(result.output.find(word), std::string::npos) << word;
+    }
+    for (const char* command :
+         {"status", "refuse", "slow", "silent", "torn", "die", "partition", "reset"}) {
+        const ChildResult help = runProgram({BOARDCTL, "--root", boardFile(""), command, "--help"});
+        EXPECT_EQ(help.exitStatus, DONE);
+        EXPECT_NE(help.output.find("--root DIR"), std::string::npos) << help.output;
+        EXPECT_NE(help.output.find("BOARD_ROOT"), std::string::npos) << help.output;
     }
 }
 

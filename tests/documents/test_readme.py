@@ -69,6 +69,19 @@ class Readme(BoardDocumentTest):
             self.assertTrue(self.board.path(folder + "/" + name).exists())
             self.assertEqual(self.tool(name, "--help").returncode, 0)
 
+    def test_the_manual_pages_are_installed_where_it_is_stated(self):
+        folder = self.stated(r"manual pages and that of `\./serve` are in `([^`]+)` there")
+        self.stated(r"`man -M var/board/%s (eficonf)`" % folder)
+        for name in ("eficonf", "boardctl", "serve"):
+            page = self.board.path("/%s/man1/%s.1" % (folder, name)).read_text(encoding="utf-8")
+            self.assertIn(".SH SYNOPSIS", page)
+
+    def test_the_logs_are_where_it_is_stated(self):
+        log = self.stated(r"`(build/check\.log)` has everything")
+        self.assertIn("begin_steps " + log, read("check"))
+        log = self.stated(r"`(var/log/build\.log)` of the board's root")
+        self.assertIn("$root/" + log, read("serve"))
+
     def test_eficonf_is_used_as_stated(self):
         client = Client(self.board, "admin")
         client.post(SCREEN, {"functionID": "105", "hidden_status": "BACKUP", "radio_button": "3"})
@@ -80,6 +93,8 @@ class Readme(BoardDocumentTest):
         words = compare.replace("A B", "%s %s" % (file, file)).split()
         self.assertEqual(self.tool(*words).returncode, 0)
         self.assertIsInstance(json.loads(self.tool(*words, option).stdout), dict)
+        self.assertEqual(self.tool(*words, self.stated(r"`(--\S+)` compares two backups")).returncode,
+                         0)
 
     def test_boardctl_does_what_is_stated(self):
         self.stated(r"`(boardctl --root DIR)` makes a running back-end go wrong: refuse, be slow "

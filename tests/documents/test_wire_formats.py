@@ -322,6 +322,13 @@ class WireFormats(BoardDocumentTest):
                     self.assertEqual(self.order(" ".join(words))[0], 0)
         self.order("reset")
 
+    def test_a_partition_that_is_not_installed_is_refused_as_stated(self):
+        code = self.stated(r"so does one for a partition that is not installed, with (\d+)\.")
+        before = self.order("status")
+        for number in (4, 6, 8, 4294967295):
+            self.assertEqual(self.order("partition %d on" % number)[0], code)
+        self.assertEqual(self.order("status"), before)
+
     def test_every_order_of_the_back_end_is_listed(self):
         verbs = set(re.findall(r'verb == "(\w+)"', read("board/backend/controlOrder.cpp")))
         listed = {codes_in(row[0])[0].split()[0] for row in self.table("order", "what happens")}

@@ -113,8 +113,8 @@ TEST_F(EficonfCompareTest, otherPayloadsDifferFromAByteOn) {
                 ElementsAre("payload byte 0: 255 -> 0"));
 }
 
-TEST_F(EficonfCompareTest, payloadsAreSettingsOnlyWhenAllOfBothAre) {
-    // No end of the last line; a line without "="; a control character; one file of settings only.
+TEST_F(EficonfCompareTest, showsTheFirstByteWhereNoSettingDiffers) {
+    // No end of the last line; a line without "="; control characters.
     EXPECT_THAT(payloadDifferences("a=1\nb=2", "a=1\nb=3"),
                 ElementsAre("payload byte 6: 50 -> 51"));
     EXPECT_THAT(payloadDifferences("a=1\nb:2\n", "a=1\nb:3\n"),
@@ -122,7 +122,40 @@ TEST_F(EficonfCompareTest, payloadsAreSettingsOnlyWhenAllOfBothAre) {
     EXPECT_THAT(payloadDifferences("a=\t1\n", "a=\t2\n"), ElementsAre("payload byte 3: 49 -> 50"));
     EXPECT_THAT(payloadDifferences("a=1\x7F\n", "a=2\x7F\n"),
                 ElementsAre("payload byte 2: 49 -> 50"));
-    EXPECT_THAT(payloadDifferences("a=1\n", "a+1\n"), ElementsAre("payload byte 1: 61 -> 43"));
+}
+
+TEST_F(EficonfCompareTest, showsSettingsByNameWhereOtherBytesDifferToo) {
+    EXPECT_THAT(payloadDifferences("a=1\n\x01\x02", "a=2\n\x01\x03"),
+                ElementsAre("setting a: 1 -> 2", "byte 1 outside the settings: 2 -> 3"));
+    EXPECT_THAT(payloadDifferences("\x01\na=1\nb=2\n", "\x01\na=1\nb=3\n"),
+                ElementsAre("setting b: 2 -> 3"));
+    EXPECT_THAT(payloadDifferences("\x01\na=1\nb=2\n", "\x03\x02\na=1\nc=2\n"),
+                ElementsAre("payload size: 10 -> 11", "setting b: 2 -> (none)",
+                            "setting c: (none) -> 2", "byte 0 outside the settings: 1 -> 3"));
+    EXPECT_THAT(payloadDifferences("a=1\n", "a+1\n"),
+                ElementsAre("setting a: 1 -> (none)", "byte 0 outside the settings: (none) -> 97"));
+}
+
+TEST_F(EficonfCompareTest, ignoresTheTimeOnlyWhenAskedTo) {
+    const std::string first = write("a.dat", makeSample("a=1\n"));
+    Host::ConfigurationFile later = makeSample("a=1\n");
+    later.saveTime += 86400;
+    const std::string second = write("b.dat", later);
+    EXPECT_EQ(runInspector({"compare", first, second}).exitStatus, DIFFERENT);
+    const std::vector<std::string> command = {"compare", "--ignore-time", first, second};
+    const ChildResult result = runInspector(command);
+    EXPECT_EQ(result.exitStatus, SAME);
+    EXPECT_EQ(result.output, "The files hold the same, apart from the time.\n");
+    EXPECT_EQ(runForJSON(command, SAME).at("differences"), json::array());
+    later.partition = 4;
+    const ChildResult other =
+        runInspector({"compare", "--ignore-time", first, write("c.dat", later)});
+    EXPECT_EQ(other.exitStatus, DIFFERENT);
+    EXPECT_EQ(other.output, "partition: 3 -> 4\n");
+    EXPECT_EQ(runInspector({"compare", "--ignore-time", first, first}).output,
+              "The files hold the same.\n");
+    EXPECT_EQ(runInspector({"compare", "--ignore-time", first, at("missing")}).exitStatus,
+              NOT_USABLE);
 }
 
 TEST_F(EficonfCompareTest, aFileThatIsNotUsableIsShownAndNotCompared) {
@@ -140,20 +173,24 @@ TEST_F(EficonfCompareTest, aFileThatIsNotUsableIsShownAndNotCompared) {
         EXPECT_EQ(report.at("first").at("file"), files[0]);
         EXPECT_EQ(report.at("second").at("file"), files[1]);
         EXPECT_EQ(report.at("differences"), json::array());
+        EXPECT_EQ(report.at("first").contains("reason"), files[0] != sound);
+        EXPECT_EQ(report.at("second").contains("reason"), files[1] != sound);
     }
 }
 
 TEST_F(EficonfCompareTest, controlCharactersDoNotReachTheTerminal) {
-    Host::ConfigurationFile first = makeSample("a\xC2\x9B=1\n");
-    Host::ConfigurationFile second = makeSample("a\xC2\x9B=2\n");
+    Host::ConfigurationFile first = makeSample("a=1\n");
+    Host::ConfigurationFile second = makeSample("a=2\n");
+    first.version = "1\xC2\x9B";
     second.partitionName = "Al\x1B[2Jpha\n";
     const std::vector<std::string> command = {"compare", write("a.dat", first),
                                               write("b.dat", second)};
-    EXPECT_EQ(runInspector(command).output,
-              "partition name: Alpha -> Al?[2Jpha?\nsetting a?: 1 -> 2\n");
+    EXPECT_EQ(
+        runInspector(command).output,
+        "partition name: Alpha -> Al?[2Jpha?\nBIOS version: 1? -> 1.23 B\nsetting a: 1 -> 2\n");
     const json report = runForJSON(command, DIFFERENT);
     EXPECT_EQ(report.at("differences").at(0).at("second"), "Al\x1B[2Jpha\n");
-    EXPECT_EQ(report.at("differences").at(1).at("what"), "setting a\xC2\x9B");
+    EXPECT_EQ(report.at("differences").at(1).at("first"), "1\xC2\x9B");
 }
 
 TEST_F(EficonfCompareTest, textsThatAreNotUTF8AreToldAsWell) {

@@ -15,6 +15,7 @@ namespace VeskLib::Test {
 using Host::LARGEST_CONFIGURATION_FILE;
 using nlohmann::json;
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -54,9 +55,11 @@ TEST_F(EficonfShowTest, aUsableFileIsShown) {
     const std::string sum = runForJSON({"show", path}, SAME).at("sha256");
     EXPECT_THAT(linesOf(result.output),
                 ElementsAre("File: " + path, "Verdict: usable", "Size: 46 bytes", "SHA-256: " + sum,
-                            "Revision: 1", "Saved on: 2026-03-07T12:00:00Z", "Partition: 3",
-                            "Partition name: Alpha", "BIOS version: 1.23 B", "Payload: 3 bytes",
-                            "Payload SHA-256: " + SUM_OF_ABC));
+                            "Revision: 1",
+                            "Saved on: 2026-03-07T12:00:00Z, local time 2026-03-07T21:00:00+09:00",
+                            "Partition: 3", "Partition name: Alpha", "BIOS version: 1.23 B",
+                            "Payload: 3 bytes", "Payload SHA-256: " + SUM_OF_ABC,
+                            "Settings: none; the payload is opaque, not name=value lines"));
 }
 
 TEST_F(EficonfShowTest, aUsableFileIsShownAsJSON) {
@@ -70,11 +73,85 @@ TEST_F(EficonfShowTest, aUsableFileIsShownAsJSON) {
                             {"sha256", sum},
                             {"revision", 1},
                             {"savedOn", "2026-03-07T12:00:00Z"},
+                            {"savedOnLocal", "2026-03-07T21:00:00+09:00"},
                             {"partition", 3},
                             {"partitionName", "Alpha"},
                             {"biosVersion", "1.23 B"},
                             {"payloadSize", 3},
-                            {"payloadSha256", SUM_OF_ABC}}));
+                            {"payloadSha256", SUM_OF_ABC},
+                            {"settings", json::array()},
+                            {"bytesOutsideSettings", 3}}));
+}
+
+TEST_F(EficonfShowTest, listsTheSettingsOfThePayload) {
+    const std::string path =
+        write("a.dat", makeSample("Boot mode=UEFI\nBoot timeout=5\nSecure boot=\na=x=1\n"));
+    const ChildResult result = runInspector({"show", path});
+    EXPECT_EQ(result.exitStatus, SAME);
+    EXPECT_THAT(result.output, EndsWith("\nSettings: 4\n"
+                                        "  Boot mode=UEFI\n"
+                                        "  Boot timeout=5\n"
+                                        "  Secure boot=\n"
+                                        "  a=x=1\n"));
+    const json report = runForJSON({"show", path}, SAME);
+    EXPECT_EQ(report.at("settings").size(), 4U);
+    EXPECT_EQ(report.at("settings").at(1), json({{"name", "Boot timeout"}, {"value", "5"}}));
+    EXPECT_EQ(report.at("settings").at(3), json({{"name", "a"}, {"value", "x=1"}}));
+    EXPECT_EQ(report.at("bytesOutsideSettings"), 0);
+}
+
+TEST_F(EficonfShowTest, listsSettingsAmongOtherBytes) {
+    // A line without a name, one without "=", one with a control character, one that is not UTF-8,
+    // and a last line without an end.
+    const std::string path =
+        write("a.dat", makeSample("=1\na=1\nb\nc=\t\nd=\xFF\n\nname=\xE5\x80\xA4\ne=1"));
+    EXPECT_THAT(runInspector({"show", path}).output, EndsWith("\nSettings: 2\n"
+                                                              "  a=1\n"
+                                                              "  name=\xE5\x80\xA4\n"
+                                                              "Outside the settings: 17 bytes\n"));
+    EXPECT_EQ(runForJSON({"show", path}, SAME).at("bytesOutsideSettings"), 17);
+}
+
+TEST_F(EficonfShowTest, doesNotCallAnEmptyPayloadOpaque) {
+    const std::string path = write("a.dat", makeSample(""));
+    EXPECT_THAT(runInspector({"show", path}).output, EndsWith("\nSettings: none\n"));
+}
+
+TEST_F(EficonfShowTest, showsSeveralFiles) {
+    const std::string usable = write("a.dat", makeSample("a=1\n"));
+    const std::string other = write("other", "abc");
+    const ChildResult both = runInspector({"show", usable, other, usable});
+    EXPECT_EQ(both.exitStatus, NOT_USABLE);
+    const std::string first = runInspector({"show", usable}).output;
+    EXPECT_EQ(both.output, first + "\n" + runInspector({"show", other}).output + "\n" + first);
+    EXPECT_EQ(runInspector({"show", usable, usable}).exitStatus, SAME);
+    const json reports = runForJSON({"show", usable, other}, NOT_USABLE);
+    EXPECT_EQ(reports,
+              json({runForJSON({"show", usable}, SAME), runForJSON({"show", other}, NOT_USABLE)}));
+}
+
+TEST_F(EficonfShowTest, saysWhyAFileIsNotUsable) {
+    const std::string sound = readText(write("a.dat", makeSample("abc")));
+    const auto reasonOf = [this](const std::string& bytes) {
+        const std::string path = write("b.dat", bytes);
+        const std::string reason = runForJSON({"show", path}, NOT_USABLE).at("reason");
+        EXPECT_THAT(runInspector({"show", path}).output,
+                    HasSubstr(std::string("Verdict: ") + NOT_A_FILE_OF_OURS + " (" + reason + ")"));
+        return reason;
+    };
+    EXPECT_EQ(reasonOf(""), "the file is empty");
+    EXPECT_EQ(reasonOf("abc"), "it does not begin as a configuration file does");
+    EXPECT_EQ(reasonOf(std::string(100, 'x')), "it does not begin as a configuration file does");
+    EXPECT_EQ(reasonOf(sound.substr(0, 27)), "it ends within its header");
+    EXPECT_EQ(reasonOf(sound.substr(0, sound.size() - 1)),
+              "it is cut off: by its header it has 1 byte more");
+    EXPECT_EQ(reasonOf(sound + "xy"), "2 bytes follow its end");
+    std::string changed = sound;
+    changed[30] = 'x';
+    EXPECT_EQ(reasonOf(changed), "its checksum does not match: some of its bytes were changed");
+    changed = sound;
+    changed[11] = 2;
+    EXPECT_EQ(reasonOf(changed), "its layout is of revision 2, not 1");
 }
 
 TEST_F(EficonfShowTest, theOptionMayStandInFrontOfTheFile) {
@@ -122,7 +199,9 @@ TEST_F(EficonfShowTest, aFileThatIsNoneOfOursIsCalledSo) {
     }
     const ChildResult result = runInspector({"show", write("abc", "abc")});
     EXPECT_THAT(linesOf(result.output),
-                ElementsAre("File: " + at("abc"), std::string("Verdict: ") + NOT_A_FILE_OF_OURS,
+                ElementsAre("File: " + at("abc"),
+                            std::string("Verdict: ") + NOT_A_FILE_OF_OURS +
+                                " (it does not begin as a configuration file does)",
                             "Size: 3 bytes", "SHA-256: " + SUM_OF_ABC));
 }
 
@@ -157,6 +236,7 @@ TEST_F(EficonfShowTest, aLargerFileIsCalledTooLarge) {
     const json report = runForJSON({"show", path}, NOT_USABLE);
     EXPECT_EQ(report.at("size"), LARGEST_CONFIGURATION_FILE + 1);
     EXPECT_TRUE(report.contains("sha256"));
+    EXPECT_EQ(report.at("reason"), "a configuration file has at most 393216 bytes");
 }
 
 TEST_F(EficonfShowTest, aFileThatIsFarTooLargeIsNotEvenRead) {
@@ -166,6 +246,7 @@ TEST_F(EficonfShowTest, aFileThatIsFarTooLargeIsNotEvenRead) {
     const json report = runForJSON({"show", path}, NOT_USABLE);
     EXPECT_FALSE(report.contains("size"));
     EXPECT_FALSE(report.contains("sha256"));
+    EXPECT_EQ(report.at("reason"), "a configuration file has at most 393216 bytes");
 }
 
 TEST_F(EficonfShowTest, aFileThatCannotBeReadIsCalledSoWithTheReason) {
@@ -177,6 +258,10 @@ TEST_F(EficonfShowTest, aFileThatCannotBeReadIsCalledSoWithTheReason) {
     EXPECT_EQ(verdictOn(at("pipe")), "not readable");
     ASSERT_EQ(::symlink(write("a.dat", makeSample("")).c_str(), at("link").c_str()), 0);
     EXPECT_EQ(verdictOn(at("link")), "not readable");
+    EXPECT_EQ(runForJSON({"show", at("pipe")}, NOT_USABLE).at("reason"), "not a regular file");
+    EXPECT_EQ(runForJSON({"show", at("")}, NOT_USABLE).at("reason"), "not a regular file");
+    EXPECT_EQ(runForJSON({"show", at("link")}, NOT_USABLE).at("reason"),
+              "a symbolic link: name the file that it points to");
     const json missing = runForJSON({"show", at("missing")}, NOT_USABLE);
     EXPECT_FALSE(missing.contains("size"));
     EXPECT_EQ(missing.at("reason"), "No such file or directory");
@@ -193,7 +278,7 @@ TEST_F(EficonfShowTest, controlCharactersDoNotReachTheTerminal) {
     const std::string output = runInspector({"show", write("a.dat", file)}).output;
     EXPECT_THAT(output, HasSubstr("\nBIOS version: 1??[2J\n"));
     EXPECT_THAT(output, HasSubstr("\nPartition name: a?Size: 0 bytes?????2J\xC2\xA0\xC3\x80\n"));
-    EXPECT_EQ(linesOf(output).size(), 11U);
+    EXPECT_EQ(linesOf(output).size(), 12U);
     EXPECT_THAT(runInspector({"show", at("no\x1B[2Jsuch")}).output, HasSubstr("no?[2Jsuch\n"));
 }
 
@@ -221,12 +306,13 @@ TEST_F(EficonfShowTest, wrongUsageIsSaid) {
                                                {"unknown", path},
                                                {"show"},
                                                {"show", "--json"},
-                                               {"show", path, path},
                                                {"show", path, "--xml"},
                                                {"compare"},
                                                {"compare", path},
                                                {"compare", path, path, path},
-                                               {"show", path, "compare", path, path},
+                                               {"show", path, "--ignore-time"},
+                                               {"compare", path, path, "--ignore-time=x"},
+                                               {"compare", path, path, "--ignore"},
                                                {"--json", "show", path}}) {
         const ChildResult result = runInspector(words);
         EXPECT_EQ(result.exitStatus, USAGE) << testing::PrintToString(words);
@@ -241,17 +327,41 @@ TEST_F(EficonfShowTest, helpTellsTheExitStatuses) {
     EXPECT_THAT(result.output, HasSubstr("show"));
     EXPECT_THAT(result.output, HasSubstr("compare"));
     EXPECT_THAT(result.output, HasSubstr("3 wrong usage"));
-    EXPECT_EQ(runInspector({"compare", "--help"}).exitStatus, SAME);
+    for (const char* command : {"show", "compare"}) {
+        const ChildResult help = runInspector({command, "--help"});
+        EXPECT_EQ(help.exitStatus, SAME);
+        EXPECT_THAT(help.output, HasSubstr("--json"));
+        EXPECT_THAT(help.output, HasSubstr("4 the answer could not be printed"));
+    }
+    EXPECT_THAT(runInspector({"compare", "--help"}).output, HasSubstr("--ignore-time"));
 }
 
-TEST_F(EficonfShowTest, anAnswerThatIsLostIsNoSuccess) {
+TEST_F(EficonfShowTest, reportsAnAnswerThatIsLost) {
     const std::string path = write("a.dat", makeSample("x"));
-    for (const char* option : {"", " --json"}) {
-        const std::string command = std::string(EFICONF) + " show " + path + option + " >/dev/full";
-        const ChildResult result = runProgram({"/bin/sh", "-c", command});
-        EXPECT_EQ(result.exitStatus, NOT_PRINTED);
-        EXPECT_THAT(result.errors, HasSubstr("could not be printed"));
+    for (const std::string& words :
+         {"show " + path, "show --json " + path, "compare " + path + " " + path,
+          std::string("--help"), std::string("show --help")}) {
+        for (const auto& [output, reason] :
+             {std::pair(" >/dev/full", "No space left on device"), {" >&-", "Bad file"}}) {
+            const ChildResult result =
+                runProgram({"/bin/sh", "-c", EFICONF + (" " + words) + output});
+            EXPECT_EQ(result.exitStatus, NOT_PRINTED) << words << output;
+            EXPECT_THAT(result.errors, HasSubstr("eficonf: the answer could not be printed: " +
+                                                 std::string(reason)))
+                << words << output;
+        }
     }
+}
+
+TEST_F(EficonfShowTest, reportsAReaderThatHasGone) {
+    const std::string path = write("a.dat", makeSample("x"));
+    // The pipe's only reader closes before eficonf is started.
+    const std::string script = "mkfifo " + at("pipe") + "; exec 3<>" + at("pipe") + " 4>" +
+                               at("pipe") + " 3<&-; exec " + EFICONF + " show " + path + " >&4";
+    const ChildResult result = runProgram({"/bin/sh", "-c", script});
+    EXPECT_EQ(result.signal, 0);
+    EXPECT_EQ(result.exitStatus, NOT_PRINTED);
+    EXPECT_EQ(result.errors, "eficonf: the answer could not be printed: Broken pipe\n");
 }
 
 }  // namespace VeskLib::Test

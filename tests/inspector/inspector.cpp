@@ -11,7 +11,7 @@ namespace VeskLib::Test {
 
 ChildResult runInspector(std::vector<std::string> words) {
     words.insert(words.begin(), EFICONF);
-    ChildResult result = runProgram(words);
+    ChildResult result = runProgram(words, {.environment = {{"TZ", "JST-9"}}, .input = {}});
     EXPECT_TRUE(result.output.empty() || result.errors.empty()) << result.errors;
     return result;
 }

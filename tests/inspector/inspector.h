@@ -15,7 +15,8 @@ namespace VeskLib::Test {
 // The exit statuses of eficonf.
 enum InspectorStatus { SAME = 0, DIFFERENT = 1, NOT_USABLE = 2, USAGE = 3, NOT_PRINTED = 4 };
 
-// Runs eficonf; it must have written to one of its outputs only.
+// Runs eficonf in the time zone of Japan, 9 hours before UTC. It must have written to one of its
+// outputs only.
 ChildResult runInspector(std::vector<std::string> words);
 
 // Runs it with "--json" and reads what it prints.
