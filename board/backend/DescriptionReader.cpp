@@ -11,6 +11,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -28,6 +29,7 @@ const std::size_t LARGEST_DESCRIPTION = 16 * 1024 * 1024;
 const unsigned int LARGEST_NODE_ID = 255;
 const unsigned int LARGEST_FUNCTION = 99999;
 const std::size_t LONGEST_USER_NAME = 255;
+const std::size_t LONGEST_NAME = 100;
 const std::size_t LONGEST_SOCKET_PATH = 107;
 const unsigned long FEWEST_SHA512_ROUNDS = 5000;
 const mode_t OTHERS_READ_OR_WRITE = S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
@@ -97,6 +99,7 @@ void readInstalled(DescriptionTable& table, const char* key, BoardDescription::B
 
 BoardDescription DescriptionReader::read(DescriptionTable& table) {
     description.partitions.resize(table.readNumber("max_partitions", MOST_PARTITIONS));
+    readName(table);
     readHostNames(table);
     description.syslogSocket = table.readText("syslog_socket", LONGEST_SOCKET_PATH, "");
     readBoards(table);
@@ -104,6 +107,14 @@ BoardDescription DescriptionReader::read(DescriptionTable& table) {
     table.readTables("user", [this](DescriptionTable& inner) { readUser(inner); });
     table.refuseUnknownKeys();
     return std::move(description);
+}
+
+void DescriptionReader::readName(DescriptionTable& table) {
+    description.name = table.readText("name", LONGEST_NAME, "");
+    const auto isControl = [](unsigned char byte) { return byte < ' ' || byte == 0x7F; };
+    if (std::any_of(description.name.begin(), description.name.end(), isControl)) {
+        table.fail("name", "the board's name is one line without control characters");
+    }
 }
 
 void DescriptionReader::readHostNames(DescriptionTable& table) {

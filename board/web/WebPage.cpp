@@ -1,6 +1,7 @@
 #include "board/web/WebPage.h"
 
 #include "platform/host/text/Catalogue.h"
+#include "platform/host/web/pageHeader.h"
 
 #include <VeskLib/Gui/HTMLCodeGenerator.h>
 #include <VeskLib/Gui/MessageMgr.h>
@@ -30,6 +31,7 @@ private:
 }  // namespace
 
 WebPage::WebPage(const std::string& bodySkeleton, int titleCaption) {
+    Host::shareBoardName();
     putCaption("title", titleCaption);
     put("body", std::make_unique<Body>(bodySkeleton, components));
     const int language = Host::requestLanguage();
