@@ -119,7 +119,8 @@ private:
             return;
         }
         put(name + "_age", ageOf(last.time));
-        put(name + "_time", localTime(last.time) + " " + caption(BY) + " " + last.user);
+        put(name + "_time", localTime(last.time));
+        put(name + "_user", caption(BY) + " " + last.user);
         if (last.uncertain) {
             put(name + "_uncertain", caption(OUTCOME_UNKNOWN));
         }

@@ -44,7 +44,8 @@ function say(text) {
 
 function show() {
     const left = Math.max(ends - Date.now(), 0);
-    line.querySelector("span").textContent = Math.floor(left / MINUTE);
+    const lastMinute = left > 0 && left < MINUTE;
+    line.querySelector("span").textContent = lastMinute ? "< 1" : Math.floor(left / MINUTE);
     const time = line.querySelector("time");
     time.dateTime = new Date(ends).toISOString();
     time.textContent = new Date(ends).toLocaleTimeString(document.documentElement.lang,
