@@ -11,7 +11,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -99,7 +98,7 @@ void readInstalled(DescriptionTable& table, const char* key, BoardDescription::B
 
 BoardDescription DescriptionReader::read(DescriptionTable& table) {
     description.partitions.resize(table.readNumber("max_partitions", MOST_PARTITIONS));
-    readName(table);
+    description.name = table.readText("name", LONGEST_NAME, "");
     readHostNames(table);
     description.syslogSocket = table.readText("syslog_socket", LONGEST_SOCKET_PATH, "");
     readBoards(table);
@@ -107,14 +106,6 @@ BoardDescription DescriptionReader::read(DescriptionTable& table) {
     table.readTables("user", [this](DescriptionTable& inner) { readUser(inner); });
     table.refuseUnknownKeys();
     return std::move(description);
-}
-
-void DescriptionReader::readName(DescriptionTable& table) {
-    description.name = table.readText("name", LONGEST_NAME, "");
-    const auto isControl = [](unsigned char byte) { return byte < ' ' || byte == 0x7F; };
-    if (std::any_of(description.name.begin(), description.name.end(), isControl)) {
-        table.fail("name", "the board's name is one line without control characters");
-    }
 }
 
 void DescriptionReader::readHostNames(DescriptionTable& table) {

@@ -19,7 +19,6 @@ private:
     void readSystemBoard(DescriptionTable& table);
     void readPartition(DescriptionTable& table);
     void readHostNames(DescriptionTable& table);
-    void readName(DescriptionTable& table);
     void readPayload(DescriptionTable& table, unsigned int number);
     void readUser(DescriptionTable& table);
 
