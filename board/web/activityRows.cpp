@@ -26,12 +26,10 @@ struct Words {
 };
 
 const Words ACTIONS[] = {
-    {"login", 9320},       {"login_failed", 9321},    {"logout", 9322},
-    {"session_expired", 9323}, {"session_ended", 9324}, {"backup", 9325},
-    {"download", 9326},    {"upload", 9327},          {"restore", 9328},
-    {"discard", 9329},     {"refusal", 9330},         {"fault_order", 9331},
-    {"start", 9332},       {"end", 9333},             {"anonymous", 9334},
-    {"repeated", 9335},
+    {"login", 9320},         {"login_failed", 9321}, {"logout", 9322},    {"session_expired", 9323},
+    {"session_ended", 9324}, {"backup", 9325},       {"download", 9326},  {"upload", 9327},
+    {"restore", 9328},       {"discard", 9329},      {"refusal", 9330},   {"fault_order", 9331},
+    {"start", 9332},         {"end", 9333},          {"anonymous", 9334}, {"repeated", 9335},
 };
 
 const int REFUSED = 9341;
@@ -46,10 +44,10 @@ struct CodeWords {
 };
 
 const CodeWords CODES[] = {
-    {Host::BACKEND_RESTORE_BUSY, 9350},      {Host::BACKEND_FILE_UNUSABLE, 9351},
-    {Host::BACKEND_PARTITION_RUNNING, 9352}, {Host::BACKEND_VERSION_DIFFERS, 9353},
-    {Host::BACKEND_NO_PARTITION, 9354},      {Host::BACKEND_NOT_STORED, 9355},
-    {Host::BACKEND_NO_SESSION, 9356},        {Host::BACKEND_NOT_ALLOWED, 9357},
+    {Host::BACKEND_RESTORE_BUSY, 9350},       {Host::BACKEND_FILE_UNUSABLE, 9351},
+    {Host::BACKEND_PARTITION_RUNNING, 9352},  {Host::BACKEND_VERSION_DIFFERS, 9353},
+    {Host::BACKEND_NO_PARTITION, 9354},       {Host::BACKEND_NOT_STORED, 9355},
+    {Host::BACKEND_NO_SESSION, 9356},         {Host::BACKEND_NOT_ALLOWED, 9357},
     {Host::BACKEND_CONFIGURATION_SIZE, 9358}, {Host::BACKEND_LOGIN_REFUSED, 9359},
     {Host::BACKEND_LOGIN_TOO_SOON, 9360},
 };
@@ -88,7 +86,8 @@ int captionForCode(int code) {
 std::string describeCounts(const std::map<std::string, unsigned int>& counts) {
     std::string text;
     for (const auto& [event, count] : counts) {
-        text += (text.empty() ? "" : ", ") + wordsFor(ACTIONS, event) + ": " + std::to_string(count);
+        text +=
+            (text.empty() ? "" : ", ") + wordsFor(ACTIONS, event) + ": " + std::to_string(count);
     }
     return text;
 }

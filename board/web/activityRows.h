@@ -11,7 +11,7 @@ namespace VeskLib::Board {
 // only its outcome counts, if there is one.
 struct LatestActions {
     std::vector<Host::AuditRecord> records;
-    bool complete = true;    // false if older actions were left out
+    bool complete = true;     // false if older actions were left out
     bool unreadable = false;  // the log, or one of its former files
 };
 

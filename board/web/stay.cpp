@@ -7,7 +7,8 @@ namespace VeskLib::Board {
 namespace {
 
 // The smallest picture there is: a page's script can ask for it without leaving the page.
-const char* const PICTURE = "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"1\" height=\"1\"/>\n";
+const char* const PICTURE =
+    "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"1\" height=\"1\"/>\n";
 
 // Uses the session: that it was found is all.
 void handleStay(const Gui::FormInfo& /*form*/, Host::Response& response) {

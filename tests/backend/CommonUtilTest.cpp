@@ -83,10 +83,11 @@ TEST(BoardProperties, areReadBack) {
     published.users["two\nlines"] = {};
     published.syslogSocket = "/dev/log";
     const Bytes bytes = encode(published);
-    EXPECT_EQ(std::string(bytes.begin(), bytes.end()),
-              "max_partitions=8\nname=Rack 4, row 12 = east\nhost=localhost\nhost=[::1]\nuser=1 - admin\n"
-              "user=0 ,105,106, the night shift\n"
-              "syslog_socket=/dev/log\n");
+    EXPECT_EQ(
+        std::string(bytes.begin(), bytes.end()),
+        "max_partitions=8\nname=Rack 4, row 12 = east\nhost=localhost\nhost=[::1]\nuser=1 - admin\n"
+        "user=0 ,105,106, the night shift\n"
+        "syslog_socket=/dev/log\n");
     Host::BoardProperties properties;
     ASSERT_TRUE(decode(bytes, properties));
     EXPECT_EQ(properties.maxPartitions, 8U);

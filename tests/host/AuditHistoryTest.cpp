@@ -86,7 +86,10 @@ TEST_F(AuditHistoryTest, stopsAtTheStatedNumberOfBytes) {
         AuditHistory history(most);
         const std::vector<std::string> lines = linesOf(history);
         // The first line is only known to be whole when the byte before it was read.
-        const std::size_t expected = most == 20 ? 4 : most >= 15 ? 3 : most == 0 ? 0 : (most - 1) / 5;
+        const std::size_t expected = most == 20   ? 4
+                                     : most >= 15 ? 3
+                                     : most == 0  ? 0
+                                                  : (most - 1) / 5;
         EXPECT_EQ(lines.size(), expected) << most;
         EXPECT_EQ(history.wasCut(), most < 20) << most;
     }
@@ -165,12 +168,13 @@ TEST(AuditLineTest, takesTheTimeInUTC) {
 }
 
 TEST(AuditLineTest, passesOverMembersThatAreNotKnown) {
-    EXPECT_TRUE(isLine(lineOf(R"(,"later":{"a":[1,{"b":null}],"file":2},"more":[true,-1.5],"n":-7)")));
+    EXPECT_TRUE(
+        isLine(lineOf(R"(,"later":{"a":[1,{"b":null}],"file":2},"more":[true,-1.5],"n":-7)")));
 }
 
 TEST(AuditLineTest, refusesEveryTruncatedLine) {
-    const std::string whole = lineOf(
-        R"(,"user":"a","partitions":[1,2],"file":{"sha256":"ab","partition":3},"code":7)");
+    const std::string whole =
+        lineOf(R"(,"user":"a","partitions":[1,2],"file":{"sha256":"ab","partition":3},"code":7)");
     ASSERT_TRUE(isLine(whole));
     for (std::size_t size = 0; size < whole.size(); ++size) {
         EXPECT_FALSE(isLine(whole.substr(0, size))) << size;
@@ -179,14 +183,30 @@ TEST(AuditLineTest, refusesEveryTruncatedLine) {
 }
 
 TEST(AuditLineTest, refusesMembersOfAnotherKind) {
-    for (const char* member :
-         {R"("user":1)", R"("user":null)", R"("user":{})", R"("user":["a"])", R"("code":"7")",
-          R"("code":-7)", R"("code":7.5)", R"("code":99999999999)", R"("partitions":3)",
-          R"("partitions":{"a":3})", R"("partitions":["3"])", R"("partitions":[-3])",
-          R"("partitions":[4294967296])", R"("partitions":[[3]])", R"("file":"x")",
-          R"("file":[1])", R"("file":{"sha256":1})", R"("file":{"partition":"x"})",
-          R"("file":{"version":{}})", R"("counts":[1])", R"("counts":{"a":"b"})",
-          R"("counts":{"a":{}})", R"("time":7)", R"("event":true)"}) {
+    for (const char* member : {R"("user":1)",
+                               R"("user":null)",
+                               R"("user":{})",
+                               R"("user":["a"])",
+                               R"("code":"7")",
+                               R"("code":-7)",
+                               R"("code":7.5)",
+                               R"("code":99999999999)",
+                               R"("partitions":3)",
+                               R"("partitions":{"a":3})",
+                               R"("partitions":["3"])",
+                               R"("partitions":[-3])",
+                               R"("partitions":[4294967296])",
+                               R"("partitions":[[3]])",
+                               R"("file":"x")",
+                               R"("file":[1])",
+                               R"("file":{"sha256":1})",
+                               R"("file":{"partition":"x"})",
+                               R"("file":{"version":{}})",
+                               R"("counts":[1])",
+                               R"("counts":{"a":"b"})",
+                               R"("counts":{"a":{}})",
+                               R"("time":7)",
+                               R"("event":true)"}) {
         EXPECT_FALSE(isLine(lineOf(std::string(",") + member))) << member;
     }
 }

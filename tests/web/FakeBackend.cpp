@@ -29,7 +29,8 @@ int listenAt(const std::string& path) {
     return listener;
 }
 
-// Prints the first request that it gets. 0 also when nobody connects before the listener is shut down.
+// Prints the first request that it gets. 0 also when nobody connects before the listener is shut
+// down.
 int answer(int listener, const std::vector<Host::ReplyFrame>& replies) {
     const int connection = ::accept(listener, nullptr, nullptr);
     if (connection < 0) {
@@ -42,7 +43,8 @@ int answer(int listener, const std::vector<Host::ReplyFrame>& replies) {
     }
     for (std::size_t i = 0; i < replies.size(); ++i) {
         Bytes further;
-        if (i > 0 && Host::receiveFrame(connection, further, deadline) != Host::StreamResult::DONE) {
+        if (i > 0 &&
+            Host::receiveFrame(connection, further, deadline) != Host::StreamResult::DONE) {
             break;
         }
         Host::sendFrame(connection, Host::encode(replies[i]), deadline);

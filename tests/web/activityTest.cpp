@@ -191,10 +191,9 @@ TEST_F(ActivityTest, everyEventOfTheBoardHasWordsInBothLanguages) {
             EXPECT_NE(Host::findText(language, Host::TextSet::CAPTIONS, number), nullptr) << number;
         }
     }
-    for (const char* event :
-         {"login", "login_failed", "logout", "session_expired", "session_ended", "backup",
-          "download", "upload", "restore", "discard", "refusal", "fault_order", "start", "end",
-          "anonymous", "repeated"}) {
+    for (const char* event : {"login", "login_failed", "logout", "session_expired", "session_ended",
+                              "backup", "download", "upload", "restore", "discard", "refusal",
+                              "fault_order", "start", "end", "anonymous", "repeated"}) {
         writePrivateText(boardFile("/var/log/audit.log"), "");
         Host::record(eventOf(event, "admin"));
         EXPECT_THAT(rowsOf(showTo(admin)).at(0), Not(HasSubstr(std::string(" ") + event + " ")));
@@ -202,8 +201,8 @@ TEST_F(ActivityTest, everyEventOfTheBoardHasWordsInBothLanguages) {
 }
 
 TEST_F(ActivityTest, postIsNotAllowed) {
-    const CGIResponse response = runWebProgram(
-        ACTIVITY_PROGRAM, {.method = "POST", .cookie = cookieOf(user)});
+    const CGIResponse response =
+        runWebProgram(ACTIVITY_PROGRAM, {.method = "POST", .cookie = cookieOf(user)});
     expectPage(response, "405 Method Not Allowed", caption(9024));
     EXPECT_EQ(response.header("Allow"), "GET, HEAD");
 }

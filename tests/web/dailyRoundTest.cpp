@@ -54,12 +54,11 @@ std::vector<Host::ReplyFrame> sampleReplies() {
 
 class DailyRoundTest : public WebTest {
 protected:
-    DailyRoundTest() {
-        writeText(boardFile("/var/run/board_properties"), "max_partitions=4\n");
-    }
+    DailyRoundTest() { writeText(boardFile("/var/run/board_properties"), "max_partitions=4\n"); }
 
     static CGIResponse showTo(const Host::Session& session) {
-        return runWebProgram(MENU_PROGRAM, {.cookie = cookieOf(session), .more = {{"TZ", "UTC-9"}}});
+        return runWebProgram(MENU_PROGRAM,
+                             {.cookie = cookieOf(session), .more = {{"TZ", "UTC-9"}}});
     }
 
     static CGIResponse show() {

@@ -106,8 +106,7 @@ TEST_F(HeaderTest, theNameStaysInItsPlace) {
 TEST_F(HeaderTest, whoIsLoggedInSeesTheSessionAndCanEndIt) {
     const Host::Session session = startSession("admin", false, "");
     for (const std::string& page :
-         {menu(session).body,
-          runWebProgram(ACTIVITY_PROGRAM, {.cookie = cookieOf(session)}).body,
+         {menu(session).body, runWebProgram(ACTIVITY_PROGRAM, {.cookie = cookieOf(session)}).body,
           runWebProgram(DOWNLOAD_PROGRAM, {.cookie = cookieOf(session)}).body}) {
         const std::string header = headerOf(page);
         EXPECT_THAT(textOf(header), HasSubstr("admin"));
@@ -120,8 +119,8 @@ TEST_F(HeaderTest, whoIsLoggedInSeesTheSessionAndCanEndIt) {
 
 TEST_F(HeaderTest, whoIsNotLoggedInSeesNoSession) {
     for (const CGIResponse& response :
-         {runWebProgram(LOGIN_PROGRAM, {.cookie = "device=x"}),
-          runWebProgram(DOWNLOAD_PROGRAM, {}), runWebProgram(STAY_PROGRAM, {})}) {
+         {runWebProgram(LOGIN_PROGRAM, {.cookie = "device=x"}), runWebProgram(DOWNLOAD_PROGRAM, {}),
+          runWebProgram(STAY_PROGRAM, {})}) {
         EXPECT_FALSE(sessionLine(response));
         EXPECT_THAT(response.body, Not(HasSubstr("/logout.cgi")));
         EXPECT_THAT(response.body, Not(HasSubstr("session.js")));
@@ -191,7 +190,8 @@ TEST_F(HeaderTest, anotherSiteLetsNobodyStay) {
 
 // Three skeletons have the header, because reading it from a fourth would cost system calls.
 TEST_F(HeaderTest, isTheSameInEverySkeleton) {
-    const std::string frame = headerOf(readText(std::string(WEB_SKELETONS) + "/skeleton_web_frame.txt"));
+    const std::string frame =
+        headerOf(readText(std::string(WEB_SKELETONS) + "/skeleton_web_frame.txt"));
     for (const char* name : {"/skeleton_shell.txt", "/skeleton_error.txt"}) {
         EXPECT_EQ(headerOf(readText(std::string(PLATFORM_SKELETONS) + name)), frame) << name;
     }

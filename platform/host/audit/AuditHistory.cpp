@@ -241,9 +241,8 @@ bool readEnd(int descriptor, std::uint64_t end, std::size_t count, std::string& 
     text.resize(count);
     std::size_t filled = 0;
     while (filled < count) {
-        const ssize_t size =
-            ::pread(descriptor, text.data() + filled, count - filled,
-                    static_cast<off_t>(end - count + filled));
+        const ssize_t size = ::pread(descriptor, text.data() + filled, count - filled,
+                                     static_cast<off_t>(end - count + filled));
         if (size < 0 && errno == EINTR) {
             continue;
         }

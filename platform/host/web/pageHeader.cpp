@@ -17,8 +17,8 @@ namespace {
 
 const std::time_t MINUTE = 60;
 
-const char* const SESSION_NAMES[] = {"session_user",    "session_left", "session_life",
-                                     "session_idle",    "session_end",  "session_end_utc",
+const char* const SESSION_NAMES[] = {"session_user",   "session_left", "session_life",
+                                     "session_idle",   "session_end",  "session_end_utc",
                                      "session_minutes"};
 
 void shareSeconds(const char* name, std::time_t seconds) {
@@ -33,13 +33,11 @@ void shareEnd(std::time_t time) {
     const year_month_day date(day);
     const hh_mm_ss clock(end - day);
     char text[64];
-    static_cast<void>(std::snprintf(text, sizeof text, "%04d-%02u-%02uT%02d:%02d:%02dZ",
-                                    static_cast<int>(date.year()),
-                                    static_cast<unsigned int>(date.month()),
-                                    static_cast<unsigned int>(date.day()),
-                                    static_cast<int>(clock.hours().count()),
-                                    static_cast<int>(clock.minutes().count()),
-                                    static_cast<int>(clock.seconds().count())));
+    static_cast<void>(std::snprintf(
+        text, sizeof text, "%04d-%02u-%02uT%02d:%02d:%02dZ", static_cast<int>(date.year()),
+        static_cast<unsigned int>(date.month()), static_cast<unsigned int>(date.day()),
+        static_cast<int>(clock.hours().count()), static_cast<int>(clock.minutes().count()),
+        static_cast<int>(clock.seconds().count())));
     shareText("session_end", text);
     static_cast<void>(std::snprintf(text, sizeof text, "%02d:%02d UTC",
                                     static_cast<int>(clock.hours().count()),
