@@ -33,16 +33,22 @@ const FILE = makeConfigurationFile({
 });
 
 const demo = await readFile(new URL("../../board/demo/demo.toml", import.meta.url), "utf8");
-const DESCRIPTION = demo
-    .replace(/^max_partitions/m, `name = '${NAME}'\nmax_partitions`)
-    .replace(/(name = "admin"[^[]*functions = )\[105, 106\]/, "$1[105, 106, 110]");
+const DESCRIPTION = demo.replace('"Demo board"', `'${NAME}'`);
 
-// Has the page's clock go on by so many seconds.
-function skip(page, seconds) {
-    return page.evaluate((milliseconds) => {
-        const now = Date.now.bind(Date);
-        Date.now = () => now() + milliseconds;
-    }, seconds * 1000);
+// Stops the clock of the page's documents, at `time` or when they are opened.
+function stopClock(page, time) {
+    return page.evaluateOnNewDocument((at) => {
+        window.clock = at ?? Date.now();
+        Date.now = () => window.clock;
+    }, time);
+}
+
+// Has the stopped clock go on until the page counts so many seconds of its session.
+async function skipTo(page, seconds) {
+    await page.evaluate((rest) => {
+        const { left } = document.getElementById("session").dataset;
+        window.clock += (Number(left) - rest) * 1000;
+    }, seconds);
 }
 
 for (const kind of BROWSERS) {
@@ -61,6 +67,7 @@ for (const kind of BROWSERS) {
         });
         beforeEach(async () => {
             page = await browser.newPage();
+            await stopClock(page);
         });
 
         async function sessionFile() {
@@ -86,7 +93,7 @@ for (const kind of BROWSERS) {
             for (const target of ["/", "/activity.cgi", BACKUP_PAGE, RESTORE_PAGE, `${BACKUP_PAGE}9`]) {
                 await shown(target);
                 assert.equal(await textOf(page, "header strong"), "admin", target);
-                assert.match(await textOf(page, "#session"), /^Session ends in 29 min \(\d\d:\d\d\)$/);
+                assert.match(await textOf(page, "#session"), /^Session ends in (29|30) min \(\d\d:\d\d\)$/);
             }
         });
 
@@ -105,13 +112,13 @@ for (const kind of BROWSERS) {
             await page.goto(board.url(RESTORE_PAGE));
             const file = await sessionFile();
             assert.equal(await textOf(page, "#session_notice"), "");
-            await skip(page, IDLE_SECONDS - 90);
+            await skipTo(page, 90);
             await eventually(async () =>
                 assert.match(await textOf(page, "#session"), /in 1 min/));
             assert.equal(await textOf(page, "#session_notice"), "");
-            const then = new Date(Date.now() - (IDLE_SECONDS - 60) * 1000);
+            const then = new Date(Date.now() - (IDLE_SECONDS / 2) * 1000);
             await utimes(file, then, then);
-            await skip(page, 40);
+            await page.evaluate(() => { window.clock += 40000; });
             await noticeShows(/Your session ends in one minute/);
             assert.equal(await page.$eval("#session_notice", (each) => each.ariaLive), "assertive");
             assert.match(await textOf(page, "#session"), /in < 1 min/);
@@ -122,7 +129,7 @@ for (const kind of BROWSERS) {
             await page.keyboard.press("Enter");
             await noticeShows(/^You stay logged in\.$/);
             assert.match(await textOf(page, "#session"), /in (29|30) min/);
-            assert.ok(Date.now() - (await stat(file)).mtimeMs < (IDLE_SECONDS - 120) * 1000);
+            assert.ok((await stat(file)).mtimeMs > then.getTime());
             assert.ok(page.url().includes("functionID=106"));
         });
 
@@ -134,7 +141,7 @@ for (const kind of BROWSERS) {
             await writeFile(file, text.replace(/created=\d+/, `created=${created}`));
             await page.goto(board.url("/"));
             assert.match(await textOf(page, "#session"), /in \d min/);
-            await skip(page, 570);
+            await skipTo(page, 30);
             await noticeShows(/lasts 12 hours at most/);
             assert.equal(await page.$("#session_notice button"), null);
         });
@@ -143,7 +150,7 @@ for (const kind of BROWSERS) {
             await logIn(page, board);
             await page.goto(board.url(RESTORE_PAGE));
             await page.deleteCookie(...(await page.cookies()));
-            await skip(page, IDLE_SECONDS + 1);
+            await skipTo(page, 0);
             await noticeShows(/Your session has ended/);
             await Promise.all([page.waitForNavigation(), page.click("#session_notice a")]);
             await page.type("input[name=user]", "admin");
@@ -154,7 +161,7 @@ for (const kind of BROWSERS) {
 
         test("staying without a session is reported as failed", async () => {
             await logIn(page, board);
-            await skip(page, IDLE_SECONDS - 30);
+            await skipTo(page, 30);
             await noticeShows(/ends in one minute/);
             await page.deleteCookie(...(await page.cookies()));
             await page.click("#session_notice button");
@@ -163,14 +170,11 @@ for (const kind of BROWSERS) {
 
         test("the other pages of the browser learn of a use", async () => {
             await logIn(page, board);
-            await skip(page, IDLE_SECONDS - 120);
+            await skipTo(page, 150);
             await eventually(async () =>
-                assert.match(await textOf(page, "#session"), /in [12] min/));
+                assert.match(await textOf(page, "#session"), /in 2 min/));
             const other = await page.browserContext().newPage();
-            await other.evaluateOnNewDocument((milliseconds) => {
-                const now = Date.now.bind(Date);
-                Date.now = () => now() + milliseconds;
-            }, (IDLE_SECONDS - 120) * 1000);
+            await stopClock(other, await page.evaluate(() => window.clock));
             await other.goto(board.url("/"));
             await eventually(async () =>
                 assert.match(await textOf(page, "#session"), /in (29|30) min/));
@@ -220,7 +224,7 @@ for (const kind of BROWSERS) {
 
         test("the menu is usable while the back-end is silent", async () => {
             await logIn(page, board);
-            await board.control("silent", 1);
+            await board.control("silent");
             await page.goto(board.url("/"));
             assert.match(await textOf(page, "main [role=alert]"), /does not answer.*\[9394-2002\]/);
             assert.ok(await page.$(`main a[href="${BACKUP_PAGE}"]`));

@@ -4,7 +4,6 @@ anew by tests/backend/documentsTest.cpp."""
 import fcntl
 import os
 import re
-import socket
 import stat
 import struct
 import time
@@ -374,7 +373,7 @@ class WireFormats(BoardDocumentTest):
         names = "".join("host=" + name + "\n" for name in ("127.0.0.1", "[::1]", "localhost"))
         nobody = re.sub(r" .* admin", " - viewer", user)
         self.assertEqual(self.board.path(path).read_text(),
-                         line + "\nname=" + socket.gethostname() + "\n" + names + user + "\n" + nobody + "\n")
+                         line + "\n" + name + "\n" + names + user + "\n" + nobody + "\n")
         for row in (line, name, user, log):
             self.assertIn('= "%s"' % row.partition("=")[0], read(PROPERTIES))
         pattern = self.stated(r"to the web server as a pattern as well, in `([^`]+)`")
