@@ -37,6 +37,18 @@ function alertAt(element, text) {
     element.focus();
 }
 
+// Shows an alert on the page itself, once.
+function alertBelow(element, id, text) {
+    if (!document.getElementById(id)) {
+        const alert = document.createElement("p");
+        alert.id = id;
+        alert.className = "notice error";
+        alert.setAttribute("role", "alert");
+        alert.textContent = text;
+        element.after(alert);
+    }
+}
+
 // Keeps in the browser what a restore was asked to do, for the page that tells how it went.
 function rememberPlan(plan) {
     sessionStorage.setItem("restorePlan", plan);
@@ -53,6 +65,22 @@ function showPlan(heading) {
         text.textContent = `${heading}\n${plan}`;
         notice.append(text);
     }
+}
+
+// Tells this browser's other windows which staged file is the newest; "" for none.
+function announceFile(file) {
+    localStorage.setItem("stagedFile", file);
+}
+
+// Calls `tell` as soon as another window has staged another file than `file`, or discarded it.
+function watchFile(file, tell) {
+    const look = () => {
+        if (localStorage.getItem("stagedFile") !== file) {
+            tell();
+        }
+    };
+    window.addEventListener("storage", look);
+    window.addEventListener("pageshow", look);
 }
 
 // Starts the download of a backup. `path` contains the file's name as it is, which may itself contain

@@ -19,7 +19,10 @@ struct Answer {
     std::optional<std::size_t> sentBytes;
 };
 
+// Returns whether the client of a request is still there to take the answer.
+using IsAwaited = std::function<bool()>;
+
 // Called by several threads at once.
-using RequestHandler = std::function<Answer(const Host::RequestFrame&)>;
+using RequestHandler = std::function<Answer(const Host::RequestFrame&, const IsAwaited&)>;
 
 }  // namespace VeskLib::Board

@@ -58,9 +58,9 @@ std::string nameOf(const Host::RequestFrame& request) {
 }
 
 Host::ReplyFrame refuse(const Host::RequestFrame& request, Host::BackendError code,
-                        const std::string& reason) {
+                        const std::string& reason, std::vector<unsigned char> details = {}) {
     logLine(nameOf(request) + " refused with " + std::to_string(code) + ": " + reason);
-    return {code, {}};
+    return {code, std::move(details)};
 }
 
 Host::AuditEvent makeEvent(const char* name, const Host::RequestFrame& request) {
@@ -108,11 +108,12 @@ BoardService::BoardService(const BoardDescription& description, ConfigurationSto
       authenticator(description) {
 }
 
-Host::ReplyFrame BoardService::answer(const Host::RequestFrame& request) {
+Host::ReplyFrame BoardService::answer(const Host::RequestFrame& request,
+                                      const IsAwaited& isAwaited) {
     try {
-        return {0, carryOut(request)};
+        return {0, carryOut(request, isAwaited)};
     } catch (const Refusal& refusal) {
-        return refuse(request, refusal.code, refusal.reason);
+        return refuse(request, refusal.code, refusal.reason, encode(refusal.details));
     } catch (const PException& failure) {
         return refuse(request, Host::BACKEND_FAILED,
                       "exception " + std::to_string(failure.getExceptionDetail()));
@@ -121,12 +122,13 @@ Host::ReplyFrame BoardService::answer(const Host::RequestFrame& request) {
     }
 }
 
-BoardService::Bytes BoardService::carryOut(const Host::RequestFrame& request) {
+BoardService::Bytes BoardService::carryOut(const Host::RequestFrame& request,
+                                           const IsAwaited& isAwaited) {
     switch (request.kind) {
         case Host::RequestKind::GET:
             return get(request);
         case Host::RequestKind::SET:
-            set(request);
+            set(request, isAwaited);
             return {};
         case Host::RequestKind::LOGIN:
             return login(request);
@@ -152,7 +154,7 @@ BoardService::Bytes BoardService::get(const Host::RequestFrame& request) const {
     }
 }
 
-void BoardService::set(const Host::RequestFrame& request) {
+void BoardService::set(const Host::RequestFrame& request, const IsAwaited& isAwaited) {
     switch (request.number) {
         case VeskUi::SET_BACKUP:
         case VeskUi::SET_RESTORE:
@@ -165,7 +167,7 @@ void BoardService::set(const Host::RequestFrame& request) {
     try {
         requireRight(description, request.sessionIdentifier,
                      isBackup ? Host::BACKUP_FUNCTION : Host::RESTORE_FUNCTION, event);
-        isBackup ? backup(request, event) : restore(request, event);
+        isBackup ? backup(request, event) : restore(request, isAwaited, event);
     } catch (const Refusal& refusal) {
         // One that got so far that its result is known has its lines.
         if (event.result.empty()) {
@@ -207,11 +209,16 @@ void BoardService::backup(const Host::RequestFrame& request, Host::AuditEvent& e
                         std::time(nullptr), event);
 }
 
-void BoardService::restore(const Host::RequestFrame& request, Host::AuditEvent& event) {
+void BoardService::restore(const Host::RequestFrame& request, const IsAwaited& isAwaited,
+                           Host::AuditEvent& event) {
     const auto targets = readPayload<VeskUi::PrimitiveTypeArray<unsigned char>>(request.payload);
     event.partitions.assign(targets.records.begin(), targets.records.end());
-    restoreConfiguration(description, store, switches, restoreLockPath, request.sessionIdentifier,
-                         targets.records, event);
+    restoreConfiguration(description, store, switches, restoreLockPath,
+                         {.sessionIdentifier = request.sessionIdentifier,
+                          .stagedFile = request.stagedFile,
+                          .targets = targets.records,
+                          .isAwaited = isAwaited},
+                         event);
 }
 
 BoardService::Bytes BoardService::control(const Host::RequestFrame& request) {

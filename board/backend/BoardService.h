@@ -1,5 +1,6 @@
 #pragma once
 
+#include "board/backend/Answer.h"
 #include "board/backend/Authenticator.h"
 #include "board/backend/BoardDescription.h"
 #include "board/backend/ConfigurationStore.h"
@@ -22,8 +23,10 @@ public:
     BoardService(const BoardDescription& description, ConfigurationStore& store,
                  FaultSwitches& switches, std::string restoreLockPath);
 
-    // Carries `request` out. A refused request is logged with its reason.
-    Host::ReplyFrame answer(const Host::RequestFrame& request);
+    // Carries `request` out. A refused request is logged with its reason. A restore whose client is
+    // gone before it takes effect is refused.
+    Host::ReplyFrame answer(
+        const Host::RequestFrame& request, const IsAwaited& isAwaited = [] { return true; });
 
     // No login waits any more: the back-end ends.
     void end() { throttle.end(); }
@@ -31,12 +34,13 @@ public:
 private:
     using Bytes = std::vector<unsigned char>;
 
-    Bytes carryOut(const Host::RequestFrame& request);
+    Bytes carryOut(const Host::RequestFrame& request, const IsAwaited& isAwaited);
     Bytes get(const Host::RequestFrame& request) const;
-    void set(const Host::RequestFrame& request);
+    void set(const Host::RequestFrame& request, const IsAwaited& isAwaited);
     Bytes login(const Host::RequestFrame& request);
     void backup(const Host::RequestFrame& request, Host::AuditEvent& event) const;
-    void restore(const Host::RequestFrame& request, Host::AuditEvent& event);
+    void restore(const Host::RequestFrame& request, const IsAwaited& isAwaited,
+                 Host::AuditEvent& event);
     Bytes control(const Host::RequestFrame& request);
 
     const BoardDescription& description;

@@ -54,7 +54,7 @@ ConfigurationStore::ConfigurationStore(std::string path, const BoardDescription&
     }
     if (complete) {
         current = std::make_shared<const Payloads>(std::move(payloads));
-    } else if (!store(std::move(payloads))) {
+    } else if (!store(std::move(payloads), [] { return true; })) {
         throw std::runtime_error("cannot write " + this->path + ": " + std::strerror(errno));
     }
 }
@@ -66,13 +66,14 @@ std::vector<unsigned char> ConfigurationStore::read(unsigned int partition) cons
 }
 
 bool ConfigurationStore::replace(const std::set<unsigned int>& partitions,
-                                 const std::vector<unsigned char>& payload) {
+                                 const std::vector<unsigned char>& payload,
+                                 const std::function<bool()>& isWanted) {
     const std::scoped_lock lock(writing);
     Payloads changed = *snapshot();
     for (const unsigned int partition : partitions) {
         changed[partition] = payload;
     }
-    return store(std::move(changed));
+    return store(std::move(changed), isWanted);
 }
 
 std::shared_ptr<const Payloads> ConfigurationStore::snapshot() const {
@@ -80,13 +81,13 @@ std::shared_ptr<const Payloads> ConfigurationStore::snapshot() const {
     return current;
 }
 
-bool ConfigurationStore::store(Payloads changed) {
+bool ConfigurationStore::store(Payloads changed, const std::function<bool()>& isWanted) {
     // All memory is taken before the file is touched: file and memory must not come apart.
     auto next = std::make_shared<const Payloads>(std::move(changed));
     const std::vector<unsigned char> bytes = encode(*next);
     // A folder that cannot be synced leaves the new file in place all the same, and what lies in
     // the file is what the partitions hold.
-    if (!Host::replaceFile(path, bytes, STATE_FILE_MODE) && !holds(path, bytes)) {
+    if (!Host::replaceFile(path, bytes, STATE_FILE_MODE, isWanted) && !holds(path, bytes)) {
         return false;
     }
     const std::scoped_lock lock(guard);

@@ -3,6 +3,7 @@
 #include "board/backend/BoardDescription.h"
 #include "board/backend/StoredConfigurations.h"
 
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <set>
@@ -25,14 +26,16 @@ public:
     // The configuration of `partition`, as it is now; empty when the store does not hold it.
     std::vector<unsigned char> read(unsigned int partition) const;
 
-    // Gives all of `partitions` the configuration `payload`. False, and none of them changed, when
-    // it cannot be stored.
-    bool replace(const std::set<unsigned int>& partitions,
-                 const std::vector<unsigned char>& payload);
+    // Gives all of `partitions` the configuration `payload`. `isWanted` is asked directly before
+    // that takes effect. Returns false, and none of them is changed, when it is not wanted any more
+    // or cannot be stored.
+    bool replace(
+        const std::set<unsigned int>& partitions, const std::vector<unsigned char>& payload,
+        const std::function<bool()>& isWanted = [] { return true; });
 
 private:
     std::shared_ptr<const Payloads> snapshot() const;
-    bool store(Payloads changed);
+    bool store(Payloads changed, const std::function<bool()>& isWanted);
 
     const std::string path;
     std::mutex writing;        // one change at a time

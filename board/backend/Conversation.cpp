@@ -27,7 +27,7 @@ bool Conversation::answer() {
     Host::RequestFrame request;
     const bool understood = whole && decode(received, request);
     const Answer answer = understood
-                              ? handler(request)
+                              ? handler(request, [this] { return isAwaited(); })
                               : Answer(Host::ReplyFrame{Host::BACKEND_MALFORMED_REQUEST, {}});
     if (answer.sentBytes) {
         sendTorn(answer);
@@ -37,6 +37,11 @@ bool Conversation::answer() {
     return Host::sendFrame(descriptor, encode(answer.reply),
                            Host::Deadline(limits.replyMilliseconds)) == StreamResult::DONE &&
            understood;
+}
+
+bool Conversation::isAwaited() const {
+    pollfd client = {descriptor, 0, 0};  // POLLHUP and POLLERR come unasked
+    return ::poll(&client, 1, 0) <= 0;
 }
 
 void Conversation::sendTorn(const Answer& answer) const {

@@ -21,6 +21,7 @@ public:
     bool answer();
 
 private:
+    bool isAwaited() const;
     void sendTorn(const Answer& answer) const;
 
     const int descriptor;

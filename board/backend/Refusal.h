@@ -1,16 +1,18 @@
 #pragma once
 
 #include "platform/host/channel/BackendError.h"
+#include "platform/host/channel/RefusalDetails.h"
 
 #include <string>
 
 namespace VeskLib::Board {
 
-// Thrown where a request turns out not to be possible. The code travels to the client, the reason
-// goes to the log only.
+// Thrown where a request turns out not to be possible. Code and details travel to the client, the
+// reason goes to the log only.
 struct Refusal {
     Host::BackendError code;
     std::string reason;
+    Host::RefusalDetails details = {};
 };
 
 }  // namespace VeskLib::Board

@@ -13,6 +13,7 @@
 
 #include <unistd.h>
 
+#include <optional>
 #include <set>
 #include <string_view>
 
@@ -46,9 +47,8 @@ private:
     int descriptor;
 };
 
-Host::ConfigurationFile readStagedFile(const std::string& sessionIdentifier,
-                                       Host::AuditEvent& event) {
-    const std::string path = getCGIPath(Host::STAGING_FILE) + sessionIdentifier;
+Host::ConfigurationFile readStagedFile(const RestoreRequest& request, Host::AuditEvent& event) {
+    const std::string path = getCGIPath(Host::STAGING_FILE) + request.sessionIdentifier;
     std::vector<unsigned char> bytes;
     struct stat status = {};
     Host::ConfigurationFile file;
@@ -57,6 +57,9 @@ Host::ConfigurationFile readStagedFile(const std::string& sessionIdentifier,
         throw Refusal{Host::BACKEND_FILE_UNUSABLE, path + " is no usable configuration file"};
     }
     event.file = Host::auditedFile(bytes);
+    if (!request.stagedFile.empty() && request.stagedFile != Host::sha256Hex(bytes)) {
+        throw Refusal{Host::BACKEND_OTHER_FILE, path + " is not the file that the page showed"};
+    }
     return file;
 }
 
@@ -73,33 +76,58 @@ bool fitTogether(std::string_view fileVersion, std::string_view targetVersion) {
            majorNumber(fileVersion) == majorNumber(targetVersion);
 }
 
-// Throws Refusal when `target` cannot take the configuration in `file`.
-void checkTarget(const BoardDescription& description, const Host::ConfigurationFile& file,
-                 const FaultSwitches& switches, unsigned int target) {
+// Why `target` cannot take the configuration in `file`; nothing when it can.
+std::optional<Refusal> judgeTarget(const BoardDescription& description,
+                                   const Host::ConfigurationFile& file,
+                                   const FaultSwitches& switches, unsigned int target) {
     const std::string name = "partition " + std::to_string(target);
+    Host::RefusalDetails details = {.fileVersion = {}, .partitions = {{target, ""}}};
     if (!description.isInstalled(target)) {
-        throw Refusal{Host::BACKEND_NO_PARTITION, "there is no " + name};
+        return Refusal{Host::BACKEND_NO_PARTITION, "there is no " + name, details};
     }
     const PartitionDescription& partition = description.partitions[target];
     if (switches.isRunning(target, partition.running)) {
-        throw Refusal{Host::BACKEND_PARTITION_RUNNING, name + " is running"};
+        return Refusal{Host::BACKEND_PARTITION_RUNNING, name + " is running", details};
     }
     Host::ConfigurationFile result = file;
     result.version = description.biosVersionOf(partition);
     result.partitionName = partition.name;
     if (!fitTogether(file.version, result.version)) {
-        throw Refusal{Host::BACKEND_VERSION_DIFFERS, name + " runs BIOS version " + result.version +
-                                                         ", the file holds " + file.version};
+        details = {.fileVersion = file.version, .partitions = {{target, result.version}}};
+        return Refusal{
+            Host::BACKEND_VERSION_DIFFERS,
+            name + " runs BIOS version " + result.version + ", the file holds " + file.version,
+            details};
     }
     // What a partition takes in, a backup of it must be able to give back.
     if (encode(result).empty()) {
-        throw Refusal{Host::BACKEND_CONFIGURATION_SIZE, "too large for " + name};
+        return Refusal{Host::BACKEND_CONFIGURATION_SIZE, "too large for " + name, details};
+    }
+    return std::nullopt;
+}
+
+// Throws the Refusal of the first target that cannot take the configuration; its details name all
+// targets that cannot for the same reason.
+void checkTargets(const BoardDescription& description, const Host::ConfigurationFile& file,
+                  const FaultSwitches& switches, const std::set<unsigned int>& targets) {
+    std::optional<Refusal> first;
+    for (const unsigned int target : targets) {
+        const std::optional<Refusal> refusal = judgeTarget(description, file, switches, target);
+        if (!first) {
+            first = refusal;
+        } else if (refusal && refusal->code == first->code) {
+            first->details.partitions.push_back(refusal->details.partitions.front());
+        }
+    }
+    if (first) {
+        throw Refusal(*first);
     }
 }
 
 // Changes the partitions between two lines of the audit log.
 void replaceRecorded(ConfigurationStore& store, const std::set<unsigned int>& partitions,
-                     const std::vector<unsigned char>& payload, Host::AuditEvent& event) {
+                     const std::vector<unsigned char>& payload, const IsAwaited& isAwaited,
+                     Host::AuditEvent& event) {
     Host::AuditLog log(LARGEST_LINES);
     for (const unsigned int partition : partitions) {
         event.before[partition] = Host::sha256Hex(store.read(partition));
@@ -107,16 +135,23 @@ void replaceRecorded(ConfigurationStore& store, const std::set<unsigned int>& pa
     }
     event.result = "begun";
     log.append(event);
-    const bool stored = store.replace(partitions, payload);
+    bool abandoned = false;
+    const bool stored = store.replace(partitions, payload, [&] {
+        abandoned = !isAwaited();
+        return !abandoned;
+    });
     event.result = "done";
     if (!stored) {
-        event.result = "failed";
-        event.code = Host::BACKEND_NOT_STORED;
+        event.result = abandoned ? "refused" : "failed";
+        event.code = abandoned ? Host::BACKEND_ABANDONED : Host::BACKEND_NOT_STORED;
     }
     try {
         log.append(event);
     } catch (...) {  // whatever it was, the partitions are as they are
         throw Refusal{Host::BACKEND_OUTCOME_NOT_RECORDED, "the audit log lacks the outcome"};
+    }
+    if (!stored && abandoned) {
+        throw Refusal{Host::BACKEND_ABANDONED, "nobody waits for it any more"};
     }
     if (!stored) {
         throw Refusal{Host::BACKEND_NOT_STORED, "the configurations cannot be written"};
@@ -127,19 +162,16 @@ void replaceRecorded(ConfigurationStore& store, const std::set<unsigned int>& pa
 
 void restoreConfiguration(const BoardDescription& description, ConfigurationStore& store,
                           const FaultSwitches& switches, const std::string& lockPath,
-                          const std::string& sessionIdentifier,
-                          const std::vector<unsigned char>& targets, Host::AuditEvent& event) {
-    if (targets.empty()) {
+                          const RestoreRequest& request, Host::AuditEvent& event) {
+    if (request.targets.empty()) {
         throw Refusal{Host::BACKEND_NO_TARGETS, "the list of targets is empty"};
     }
     const RestoreLock lock(lockPath);
-    const Host::ConfigurationFile file = readStagedFile(sessionIdentifier, event);
-    const std::set<unsigned int> partitions(targets.begin(), targets.end());
-    for (const unsigned int partition : partitions) {
-        checkTarget(description, file, switches, partition);
-    }
+    const Host::ConfigurationFile file = readStagedFile(request, event);
+    const std::set<unsigned int> partitions(request.targets.begin(), request.targets.end());
+    checkTargets(description, file, switches, partitions);
     try {
-        replaceRecorded(store, partitions, file.payload, event);
+        replaceRecorded(store, partitions, file.payload, request.isAwaited, event);
     } catch (const PException&) {
         throw Refusal{Host::BACKEND_NOT_RECORDED, "the audit log takes no line"};
     }

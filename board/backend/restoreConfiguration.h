@@ -1,5 +1,6 @@
 #pragma once
 
+#include "board/backend/Answer.h"
 #include "board/backend/BoardDescription.h"
 #include "board/backend/ConfigurationStore.h"
 #include "board/backend/FaultSwitches.h"
@@ -10,18 +11,27 @@
 
 namespace VeskLib::Board {
 
-// Gives the partitions `targets` the configuration in the session's staging file: all of them, or
-// none when Refusal is thrown. A target named twice counts once. `sessionIdentifier` must have been
-// checked for its shape.
+// What a client asks for. Everything stays the caller's.
+struct RestoreRequest {
+    const std::string& sessionIdentifier;  // its shape has been checked
+    const std::string& stagedFile;         // what names the file that the page showed; may be empty
+    const std::vector<unsigned char>& targets;  // one that is named twice counts once
+    const IsAwaited& isAwaited;
+};
+
+// Gives the targets the configuration in the session's staging file: all of them, or none when
+// Refusal is thrown. Refuses another file than the page showed (BACKEND_OTHER_FILE), and asks
+// directly before the change whether the client is still there (BACKEND_ABANDONED): nobody would
+// learn of a change that comes after its page has given up.
 //
 // `lockPath` names the file that is locked during a restore. A restore that finds it locked is
 // refused at once (BACKEND_RESTORE_BUSY).
 //
 // Completes `event` and records it twice: before anything is changed, with the result "begun", and
-// afterwards, "done" or "failed". A restore that cannot be recorded is refused.
+// afterwards, "done", "failed" or
+// "refused". A restore that cannot be recorded is refused.
 void restoreConfiguration(const BoardDescription& description, ConfigurationStore& store,
                           const FaultSwitches& switches, const std::string& lockPath,
-                          const std::string& sessionIdentifier,
-                          const std::vector<unsigned char>& targets, Host::AuditEvent& event);
+                          const RestoreRequest& request, Host::AuditEvent& event);
 
 }  // namespace VeskLib::Board

@@ -42,12 +42,13 @@ void say(std::string_view text) {
 
 // Answers a request as the fault switches want it.
 Answer answerOrFail(BoardService& service, FaultSwitches& switches,
-                    const Host::RequestFrame& request) {
+                    const Host::RequestFrame& request, const IsAwaited& isAwaited) {
     if (request.kind == Host::RequestKind::CONTROL) {
         return service.answer(request);
     }
     const FaultSwitches::Fault fault = switches.next(request.number);
-    Answer answer = fault.refused ? Host::ReplyFrame{fault.errorCode, {}} : service.answer(request);
+    Answer answer =
+        fault.refused ? Host::ReplyFrame{fault.errorCode, {}} : service.answer(request, isAwaited);
     answer.sentBytes = fault.sentBytes;
     return answer;
 }
@@ -109,9 +110,10 @@ void serve(const BackendOptions& options) {
     recordStart(store, description);
     FaultSwitches switches(options.allowFaults);
     BoardService service(description, store, switches, root.restoreLockPath());
-    Server server(root.socketPath(), [&](const Host::RequestFrame& request) {
-        return answerOrFail(service, switches, request);
-    });
+    Server server(root.socketPath(),
+                  [&](const Host::RequestFrame& request, const IsAwaited& isAwaited) {
+                      return answerOrFail(service, switches, request, isAwaited);
+                  });
     say("ready\n");
     server.run(stop.descriptor());
     switches.end();

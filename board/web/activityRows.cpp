@@ -49,7 +49,8 @@ const CodeWords CODES[] = {
     {Host::BACKEND_NO_PARTITION, 9354},       {Host::BACKEND_NOT_STORED, 9355},
     {Host::BACKEND_NO_SESSION, 9356},         {Host::BACKEND_NOT_ALLOWED, 9357},
     {Host::BACKEND_CONFIGURATION_SIZE, 9358}, {Host::BACKEND_LOGIN_REFUSED, 9359},
-    {Host::BACKEND_LOGIN_TOO_SOON, 9360},
+    {Host::BACKEND_LOGIN_TOO_SOON, 9360},     {Host::BACKEND_OTHER_FILE, 9361},
+    {Host::BACKEND_ABANDONED, 9367},
 };
 
 std::string caption(int number) {

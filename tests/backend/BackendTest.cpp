@@ -9,6 +9,7 @@
 #include "tests/backend/support/ScriptedServer.h"
 #include "tests/backend/support/requests.h"
 #include "tests/support/BoardTest.h"
+#include "tests/support/happensInTime.h"
 #include "tests/support/sessions.h"
 
 #include <gtest/gtest.h>
@@ -251,6 +252,25 @@ TEST_F(BackendTest, restoredConfigurationsOutliveARestart) {
         EXPECT_EQ(backedUp(2).payload, payload);
         EXPECT_EQ(backedUp(3).payload, payload);
     }
+}
+
+TEST_F(BackendTest, aRestoreWhoseClientIsGoneIsNotCarriedOut) {
+    BackendProcess backend(root(), DEMO_BOARD);
+    ASSERT_TRUE(backend.waitUntilReady());
+    stage("1", {'n', 'e', 'w'});
+    const Bytes before = backedUp(3).payload;
+    // Held up until the client is gone.
+    backend.signal(SIGSTOP);
+    const int client = connectToBoard();
+    sendBytes(client,
+              framed(encode(RequestFrame{
+                  RequestKind::SET, VeskUi::SET_RESTORE, SESSION, {0, 1, 3}, "::1", "7-9"})));
+    ::close(client);
+    backend.signal(SIGCONT);
+    EXPECT_TRUE(happensInTime([] {
+        return readText(boardFile("/var/log/audit.log")).find("\"code\":1616") != std::string::npos;
+    }));
+    EXPECT_EQ(backedUp(3).payload, before);
 }
 
 // Whenever the kill comes, all targets hold the same, and nothing half written stays behind.

@@ -170,6 +170,18 @@ TEST_F(BoardServiceAuditTest, aRestoreWithoutARecordOfItsOutcomeIsToldAsSuch) {
     EXPECT_EQ(events()[0]["result"], "begun");
 }
 
+TEST_F(BoardServiceAuditTest, aRestoreThatNobodyAwaitsHasItsOutcome) {
+    stage(makeFile("1.0", "new"));
+    ConfigurationStore store(at("state/configurations"), board);
+    FaultSwitches switches;
+    BoardService service(board, store, switches, lockPath);
+    service.answer(change(VeskUi::SET_RESTORE, {0, 1, 0}), [] { return false; });
+    ASSERT_EQ(events().size(), 2U);
+    EXPECT_EQ(events()[0]["result"], "begun");
+    EXPECT_EQ(events()[1]["result"], "refused");
+    EXPECT_EQ(events()[1]["code"], BACKEND_ABANDONED);
+}
+
 TEST_F(BoardServiceAuditTest, aRestoreThatFailsHasItsOutcome) {
     stage(makeFile("1.0", "new"));
     ConfigurationStore store(at("state/configurations"), board);

@@ -1,5 +1,7 @@
 #include "tests/backend/support/BoardServiceTest.h"
 
+#include "platform/host/base/sha256.h"
+#include "platform/host/channel/RefusalDetails.h"
 #include "platform/host/storage/obtainLock.h"
 
 #include <gtest/gtest.h>
@@ -123,6 +125,64 @@ TEST_F(BoardServiceTest, restoreWhileAnotherIsUnderWayIsRefused) {
     EXPECT_EQ(everythingHeld(), initial);
     ::close(lock);
     EXPECT_EQ(restore({0}), 0U);
+}
+
+TEST_F(BoardServiceTest, onlyTheFileThatThePageShowedIsRestored) {
+    const ConfigurationFile shown = makeFile("1.0", "shown");
+    const std::string name = sha256Hex(encode(shown));
+    RequestFrame request = {RequestKind::SET, VeskUi::SET_RESTORE, SESSION, {0, 1, 0}};
+    stage(makeFile("1.0", "other"));
+    for (const std::string& wrong : {name, name + "0", name.substr(1), std::string("x")}) {
+        request.stagedFile = wrong;
+        EXPECT_EQ(ask(request).errorCode, BACKEND_OTHER_FILE) << wrong;
+        EXPECT_EQ(everythingHeld(), initial);
+    }
+    stage(shown);
+    request.stagedFile = name;
+    EXPECT_EQ(ask(request).errorCode, 0U);
+    EXPECT_EQ(held(0), "shown");
+}
+
+TEST_F(BoardServiceTest, aRefusalNamesEveryPartitionInTheWay) {
+    const auto refusedBy = [this](const Bytes& targets) {
+        Bytes payload = {0, static_cast<unsigned char>(targets.size())};
+        payload.insert(payload.end(), targets.begin(), targets.end());
+        const ReplyFrame reply = ask({RequestKind::SET, VeskUi::SET_RESTORE, SESSION, payload});
+        RefusalDetails details;
+        EXPECT_EQ(decode(reply.payload, details), !reply.payload.empty());
+        std::string text = std::to_string(reply.errorCode) + " " + details.fileVersion;
+        for (const RefusalDetails::Partition& partition : details.partitions) {
+            text += " " + std::to_string(partition.number) + ":" + partition.version;
+        }
+        return text;
+    };
+    board.partitions[1].running = true;
+    stage(makeFile("1.0", "new"));
+    EXPECT_EQ(refusedBy({4, 0, 1}), "1549  1: 4:");
+    EXPECT_EQ(refusedBy({0, 2, 4}), "1551 1.0 2:2.0");
+    EXPECT_EQ(refusedBy({0, 200, 5}), "1602  5: 200:");
+    EXPECT_EQ(refusedBy({}), "1601 ");
+}
+
+TEST_F(BoardServiceTest, aRestoreThatNobodyAwaitsChangesNothing) {
+    stage(makeFile("1.0", "new"));
+    ConfigurationStore store(at("state/configurations"), board);
+    FaultSwitches switches;
+    BoardService service(board, store, switches, lockPath);
+    const RequestFrame request = {RequestKind::SET, VeskUi::SET_RESTORE, SESSION, {0, 1, 0}};
+    EXPECT_EQ(service.answer(request, [] { return false; }).errorCode, BACKEND_ABANDONED);
+    EXPECT_EQ(everythingHeld(), initial);
+    EXPECT_EQ(namesIn(at("state")), std::vector<std::string>{"configurations"});
+
+    // Asked when nothing is left to do but to put the new file in its place.
+    std::size_t files = 0;
+    const auto look = [&] {
+        files = namesIn(at("state")).size();
+        return true;
+    };
+    EXPECT_EQ(service.answer(request, look).errorCode, 0U);
+    EXPECT_EQ(files, 2U);
+    EXPECT_EQ(held(0), "new");
 }
 
 TEST_F(BoardServiceTest, lockThatCannotBeUsedRefusesARestore) {

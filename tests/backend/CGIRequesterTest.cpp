@@ -5,7 +5,9 @@
 #include "data/PrimitiveTypeWrapper.h"
 #include "data/containerExceptions.h"
 #include "data/requestNumbers.h"
+#include "platform/host/base/stagedFile.h"
 #include "platform/host/channel/Channel.h"
+#include "platform/host/channel/RefusalDetails.h"
 #include "tests/backend/support/RootTest.h"
 #include "tests/backend/support/ScriptedServer.h"
 #include "tests/backend/support/requests.h"
@@ -99,6 +101,33 @@ TEST_F(CGIRequesterTest, setInfoSendsTheObject) {
     EXPECT_EQ(request.kind, Host::RequestKind::SET);
     EXPECT_EQ(request.number, 0x020100A3U);
     EXPECT_EQ(request.payload, (Bytes{0, 0, 0, 3}));
+}
+
+TEST_F(CGIRequesterTest, aChangeNamesTheFileThatThePostedPageShowed) {
+    Host::setPostedFile("ab");
+    {
+        const ScriptedServer server(replyWith({0, {}}));
+        const VeskUi::PrimitiveTypeArray<unsigned char> targets;
+        EXPECT_TRUE(CGIRequester(COOKIE).setInfo(VeskUi::SET_RESTORE, targets));
+    }
+    Host::setPostedFile("");
+    Host::RequestFrame request;
+    ASSERT_TRUE(decode(Bytes(received.begin() + 4, received.end()), request));
+    EXPECT_EQ(request.stagedFile, "ab");
+}
+
+TEST_F(CGIRequesterTest, theDetailsOfARefusalAreKeptForItsCode) {
+    const auto refuseWith = [this](const Bytes& payload) {
+        const ScriptedServer server(replyWith({1549, payload}));
+        const VeskUi::PrimitiveTypeWrapper<unsigned int> partition(3);
+        EXPECT_FALSE(CGIRequester(COOKIE).setInfo(VeskUi::SET_BACKUP, partition));
+    };
+    refuseWith(encode(Host::RefusalDetails{"", {{7, ""}}}));
+    ASSERT_EQ(Host::refusalDetails(1549).partitions.size(), 1U);
+    EXPECT_EQ(Host::refusalDetails(1549).partitions[0].number, 7U);
+    EXPECT_TRUE(Host::refusalDetails(1551).partitions.empty());
+    refuseWith({1, 2, 3});
+    EXPECT_TRUE(Host::refusalDetails(1549).partitions.empty());
 }
 
 TEST_F(CGIRequesterTest, answerIsFollowedByFourZeroBytes) {

@@ -4,6 +4,7 @@
 #include "tests/backend/support/RootTest.h"
 #include "tests/backend/support/ScriptedServer.h"
 #include "tests/backend/support/requests.h"
+#include "tests/support/happensInTime.h"
 
 #include <VeskLib/getCGIPath.h>
 
@@ -12,6 +13,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
@@ -121,7 +123,7 @@ TEST_F(ChannelTest, severalExchangesUseOneConnection) {
     }
 }
 
-TEST_F(ChannelTest, refusalIsTheBackendsCodeAndLeavesTheChannelUsable) {
+TEST_F(ChannelTest, refusalIsTheBackendsAnswerAndLeavesTheChannelUsable) {
     const ScriptedServer server([](int client) {
         receiveFramed(client);
         sendBytes(client, framed(encode(ReplyFrame{1551, {9}})));
@@ -131,9 +133,21 @@ TEST_F(ChannelTest, refusalIsTheBackendsCodeAndLeavesTheChannelUsable) {
     Channel channel(LONG);
     ReplyFrame reply = {0, {7}};
     EXPECT_EQ(channel.exchange(makeRequest(), reply), 1551);
-    EXPECT_EQ(reply.payload, Bytes{7});
+    EXPECT_EQ(reply.payload, Bytes{9});
     EXPECT_EQ(channel.exchange(makeRequest(), reply), 0);
     EXPECT_EQ(reply.payload.size(), 5U);
+}
+
+TEST_F(ChannelTest, theBackEndSeesAtOnceThatAClientHasGivenUp) {
+    std::atomic<bool> left = false;
+    const ScriptedServer server([&left](int client) {
+        receiveFramed(client);
+        left = receiveBytes(client, 1).empty();
+    });
+    Channel channel(SHORT);
+    ReplyFrame reply;
+    EXPECT_EQ(channel.exchange(makeRequest(), reply), CHANNEL_TIMEOUT);
+    EXPECT_TRUE(happensInTime([&left] { return left.load(); }));
 }
 
 TEST_F(ChannelTest, missingSocketIsUnreachableForGood) {

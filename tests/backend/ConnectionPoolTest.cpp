@@ -39,7 +39,7 @@ protected:
     void start(std::optional<std::size_t> sentBytes) {
         sent = sentBytes;
         pool = std::make_unique<PoolRunner>(
-            [this](const RequestFrame& request) {
+            [this](const RequestFrame& request, const IsAwaited& /*isAwaited*/) {
                 ++asked;
                 Answer answer(ReplyFrame{0, request.payload});
                 answer.sentBytes = sent;

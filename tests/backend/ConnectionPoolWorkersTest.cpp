@@ -63,7 +63,10 @@ protected:
 
     void start() {
         pool = std::make_unique<PoolRunner>(
-            [this](const RequestFrame& request) { return answer(request); }, limits);
+            [this](const RequestFrame& request, const IsAwaited& /*isAwaited*/) {
+                return answer(request);
+            },
+            limits);
     }
 
     // One more client of the pool.

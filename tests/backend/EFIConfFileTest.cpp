@@ -2,6 +2,8 @@
 #include <VeskLib/VeskUi/EFIConfFile.h>
 
 #include "platform/host/base/platformException.h"
+#include "platform/host/base/sha256.h"
+#include "platform/host/base/stagedFile.h"
 #include "platform/host/storage/ConfigurationFile.h"
 #include "tests/backend/support/RootTest.h"
 
@@ -63,6 +65,18 @@ TEST_F(EFIConfFileTest, shortFormReadsHeaderAndVersion) {
     EXPECT_EQ(header.revision, 1U);
     EXPECT_EQ(header.saveTime, 1236384000U);
     EXPECT_EQ(version, "1.23 B");
+}
+
+TEST_F(EFIConfFileTest, longFormNamesTheFileThatThePageShows) {
+    write();
+    Host::setShownFile("");
+    EFIConfFile::EFIConfFileHeader header;
+    std::string version;
+    EFIConfFile(path.c_str()).getFileHeader(header, version);
+    EXPECT_EQ(Host::shownFile(), "");
+    EXPECT_EQ(refusal(), 0);
+    EXPECT_EQ(Host::shownFile(), Host::sha256Hex(encode(file)));
+    Host::setShownFile("");
 }
 
 TEST_F(EFIConfFileTest, longFormReadsThePartitionToo) {

@@ -106,7 +106,7 @@ TEST_F(FrameStreamTest, whatIsNoSocketBreaksOff) {
 TEST_F(FrameStreamTest, aControlFrameHasItsBytes) {
     const RequestFrame order = {RequestKind::CONTROL, 0, "", {'r', 'e', 's', 'e', 't'}};
     EXPECT_EQ(toHexadecimal(withLength(encode(order))),
-              "00 00 00 10 04 00 00 00 00 00 00 00 00 00 00 72 65 73 65 74");
+              "00 00 00 12 04 00 00 00 00 00 00 00 00 00 00 00 00 72 65 73 65 74");
     RequestFrame read;
     ASSERT_TRUE(decode(encode(order), read));
     EXPECT_EQ(read.kind, RequestKind::CONTROL);

@@ -15,7 +15,7 @@ namespace {
 const char* const SESSION_BYTES = "30 31 32 33 34 35 36 37 38 39 61 62 63 64 65 66";
 
 RequestFrame makeBackupRequest() {
-    return {RequestKind::SET, VeskUi::SET_BACKUP, SESSION, {0, 0, 0, 3}, "::1", "7-9"};
+    return {RequestKind::SET, VeskUi::SET_BACKUP, SESSION, {0, 0, 0, 3}, "::1", "7-9", "ab"};
 }
 
 void expectEqual(const RequestFrame& actual, const RequestFrame& expected) {
@@ -25,25 +25,26 @@ void expectEqual(const RequestFrame& actual, const RequestFrame& expected) {
     EXPECT_EQ(actual.payload, expected.payload);
     EXPECT_EQ(actual.address, expected.address);
     EXPECT_EQ(actual.requestIdentifier, expected.requestIdentifier);
+    EXPECT_EQ(actual.stagedFile, expected.stagedFile);
 }
 
-// The smallest whole request: kind, number and three empty texts.
-const std::size_t REQUEST_HEAD = 11;
+// The smallest whole request: kind, number and four empty texts.
+const std::size_t REQUEST_HEAD = 13;
 
 }  // namespace
 
 TEST(Frame, requestHasItsBytes) {
     EXPECT_EQ(toHexadecimal(encode(makeBackupRequest())),
               "02 02 01 00 A3 00 10 " + std::string(SESSION_BYTES) +
-                  " 00 03 3A 3A 31 00 03 37 2D 39 00 00 00 03");
+                  " 00 03 3A 3A 31 00 03 37 2D 39 00 02 61 62 00 00 00 03");
 }
 
 TEST(Frame, requestWithoutSessionAndPayloadHasItsBytes) {
     EXPECT_EQ(
         toHexadecimal(encode(RequestFrame{RequestKind::GET, VeskUi::GET_VERSION_INFO, "", {}})),
-        "01 02 01 02 01 00 00 00 00 00 00");
+        "01 02 01 02 01 00 00 00 00 00 00 00 00");
     EXPECT_EQ(toHexadecimal(encode(RequestFrame{RequestKind::LOGIN, 0, "", {0, 0, 0, 0}})),
-              "03 00 00 00 00 00 00 00 00 00 00 00 00 00 00");
+              "03 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00");
 }
 
 TEST(Frame, replyHasItsBytes) {
@@ -69,9 +70,9 @@ TEST(Frame, requestCutWithinItsHeadIsRefused) {
     const Bytes whole = encode(makeBackupRequest());
     const std::size_t payloadStart = whole.size() - makeBackupRequest().payload.size();
     for (std::size_t size = 0; size < payloadStart; ++size) {
-        RequestFrame read = {RequestKind::LOGIN, 77, "untouched", {9}, "a", "b"};
+        RequestFrame read = {RequestKind::LOGIN, 77, "untouched", {9}, "a", "b", "c"};
         EXPECT_FALSE(decode(cut(whole, size), read)) << size;
-        expectEqual(read, {RequestKind::LOGIN, 77, "untouched", {9}, "a", "b"});
+        expectEqual(read, {RequestKind::LOGIN, 77, "untouched", {9}, "a", "b", "c"});
     }
 }
 

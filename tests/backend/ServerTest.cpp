@@ -39,7 +39,11 @@ public:
 protected:
     void start(const ConnectionLimits& limits = {}) {
         server = std::make_unique<Server>(
-            socketPath, [this](const RequestFrame& request) { return answer(request); }, limits);
+            socketPath,
+            [this](const RequestFrame& request, const IsAwaited& /*isAwaited*/) {
+                return answer(request);
+            },
+            limits);
         stopEvent = ::eventfd(0, EFD_CLOEXEC);
         thread = std::thread([this] { server->run(stopEvent); });
     }

@@ -15,7 +15,8 @@ import {
 import { Client, downloadLink } from "./support/client.js";
 import { makeConfigurationFile, parseConfigurationFile } from "./support/configurationFile.js";
 import { demoPartitions } from "./support/demoBoard.js";
-import { chooseFile, restoreTo, upload, withFile } from "./support/restorePage.js";
+import { eventually } from "./support/eventually.js";
+import { chooseFile, restoreTo, upload, uploadWithoutScript } from "./support/restorePage.js";
 
 const SAVED = Date.UTC(2026, 2, 7, 12) / 1000;
 
@@ -184,6 +185,35 @@ for (const kind of BROWSERS) {
             assert.equal((await payloadOf(3)).toString(), "second");
         });
 
+        test("a window says at once that another one has uploaded another file", async () => {
+            const before = await payloadOf(3);
+            await upload(page, board, "a.dat", makeFile("a"));
+            await page.click("#pid3");
+            const other = await browser.newWindow(page.browserContext());
+            await upload(other, board, "b.dat", makeFile("b"));
+            const warning = () => textOf(page, "#outdated");
+            await eventually(async () => assert.match(await warning(), /out of date/));
+            await page.bringToFront();
+            const posts = countPosts(page);
+            await page.click("#restore");
+            await page.waitForAlert(/out of date/);
+            await page.click("#discard");
+            await posts.assertNone();
+            assert.deepEqual(await payloadOf(3), before);
+            await other.bringToFront();
+            await restoreTo(other, [3]);
+            assert.equal((await payloadOf(3)).toString(), "b");
+        });
+
+        test("a window says at once that another one has discarded its file", async () => {
+            await upload(page, board, "a.dat", makeFile("a"));
+            const other = await browser.newWindow(page.browserContext());
+            await upload(other, board, "a.dat", makeFile("a"));
+            await Promise.all([other.waitForNavigation(), other.click("#discard")]);
+            await eventually(async () =>
+                assert.match(await textOf(page, "#outdated"), /out of date/));
+        });
+
         test("what was backed up comes back the same elsewhere", async () => {
             const original = await observer.get(downloadLink(await observer.backUp(2)));
             await upload(page, board, "x.dat", original.bytes);
@@ -299,13 +329,8 @@ describe("restore without a mouse, and without scripts", () => {
         await logIn(page, board);
     });
 
-    const file = makeConfigurationFile({
-        saveTime: SAVED,
-        partition: 3,
-        version: "1.23 B",
-        name: "R&D",
-        payload: Buffer.from("x"),
-    });
+    const facts = { saveTime: SAVED, partition: 3, version: "1.23 B", name: "R&D" };
+    const file = makeConfigurationFile({ ...facts, payload: Buffer.from("x") });
 
     test("the keyboard alone does it all", async () => {
         await page.goto(board.url(RESTORE_PAGE));
@@ -326,25 +351,40 @@ describe("restore without a mouse, and without scripts", () => {
 
     test("forms post their steps without JavaScript", async () => {
         await page.setJavaScriptEnabled(false);
-        await page.goto(board.url(RESTORE_PAGE));
         const post = async (selector) =>
             Promise.all([page.waitForNavigation(), page.click(selector)]);
-        await withFile("a.dat", file, async (path) => {
-            await (await page.$("#filename")).uploadFile(path);
-            await post("#upload");
-        });
+        await uploadWithoutScript(page, board, "a.dat", file);
         assert.equal(await textOf(page, "#file_pid"), "3");
         await page.click("#pid3");
         await post("#restore");
         assert.match(await textOf(page, "[role=alert]"), /was restored/);
 
-        await withFile("a.dat", file, async (path) => {
-            await (await page.$("#filename")).uploadFile(path);
-            await post("#upload");
-        });
+        await uploadWithoutScript(page, board, "a.dat", file);
         await post("#discard");
         assert.equal((await page.$$("#upload")).length, 1);
         assert.equal((await page.$$("[role=alert]")).length, 0);
+    });
+
+    test("only the file that the page shows is restored, also without JavaScript", async () => {
+        const other = await browser.newWindow(page.browserContext());
+        for (const window of [page, other]) {
+            await window.setJavaScriptEnabled(false);
+        }
+        await page.bringToFront();
+        await uploadWithoutScript(page, board, "a.dat", file);
+        await other.bringToFront();
+        await uploadWithoutScript(
+            other,
+            board,
+            "b.dat",
+            makeConfigurationFile({ ...facts, payload: Buffer.from("b") }),
+        );
+        await page.bringToFront();
+        await restoreTo(page, [3]);
+        assert.match(await textOf(page, ".notice"), /1615/);
+        await other.bringToFront();
+        await restoreTo(other, [3]);
+        assert.match(await textOf(other, ".notice"), /was restored/);
     });
 
     test("a second press while a restore is under way sends nothing", async () => {

@@ -21,7 +21,7 @@ namespace {
 const std::size_t LENGTH_SIZE = 4;
 const std::size_t NUMBER_OFFSET = 1;  // after the kind
 const std::size_t TEXTS_OFFSET = 5;
-const int TEXTS = 3;  // the session, the client's address and the request's identifier
+const int TEXTS = 4;  // session, address of the client, identifier of the request, staged file
 const unsigned char SET = 2;
 const unsigned char END = 0xFF;  // ends this back-end; no kind of the host's
 

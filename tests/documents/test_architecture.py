@@ -118,8 +118,8 @@ class Architecture(DocumentTest):
         marks = self.marks()
         for mark in marks:
             self.assertTrue(self.check_skeleton(mark), mark)
-        kinds = re.search(r"enum class Kind \{ PLAIN, (.*?) \};",
-                          read("platform/host/html/Skeleton.h"))[1].split(", ")
+        kinds = re.search(r"enum class Kind \{\s*PLAIN,\s*(.*?),?\s*\};",
+                          read("platform/host/html/Skeleton.h"), re.DOTALL)[1].split(",")
         self.assertEqual(len(marks), len(kinds))
 
     def test_the_example_of_a_message_is_explained_by_its_number(self):

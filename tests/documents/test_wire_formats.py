@@ -2,6 +2,7 @@
 anew by tests/backend/documentsTest.cpp."""
 
 import fcntl
+import hashlib
 import os
 import re
 import stat
@@ -23,7 +24,7 @@ GET, SET, LOGIN, CONTROL = 1, 2, 3, 4
 def frame(kind, number, *texts):
     """A request up to its payload, without the length in front."""
     body = struct.pack(">BI", kind, number)
-    for text in (*texts, b"", b"", b"")[:3]:
+    for text in (*texts, b"", b"", b"", b"")[:4]:
         body += struct.pack(">H", len(text)) + text
     return body
 
@@ -167,9 +168,9 @@ class WireFormats(BoardDocumentTest):
         self.stated(r"(Running partitions can be backed up)")
         self.assertEqual(self.board.ask(SET, number, self.session, b"\0\0\0\7")[0], 0)
 
-    def restore(self, targets, session=None):
+    def restore(self, targets, session=None, staged_file=b""):
         return self.board.ask(SET, 0x020100A4, self.session if session is None else session,
-                              targets)[0]
+                              targets, staged_file)[0]
 
     def stage(self, partition):
         self.board.ask(SET, 0x020100A3, self.session, struct.pack(">I", partition))
@@ -181,9 +182,9 @@ class WireFormats(BoardDocumentTest):
     def test_a_restore_is_checked_in_the_stated_order(self):
         stated = self.stated(
             r"in this order: the session \((\d+)\), the right \((\d+)\), the payload \((\d+)\), the list \((\d+)\), no "
-            r"other restore \((\d+)\), the file \((\d+)\), then each target in ascending order: it "
-            r"is installed \((\d+)\), it is not running \((\d+)\), the version fits \((\d+)\)")
-        session, right, payload, empty, busy, damaged, absent, running, version = stated
+            r"other restore \((\d+)\), the file \((\d+)\), that it is the file of the page \((\d+)\), then each target in "
+            r"ascending order: it is installed \((\d+)\), it is not running \((\d+)\), the version fits \((\d+)\)")
+        session, right, payload, empty, busy, damaged, other, absent, running, version = stated
         viewer = Client(self.board, "viewer").identifier.encode()
         file = self.stage(3)
         usable = file.read_bytes()
@@ -203,13 +204,15 @@ class WireFormats(BoardDocumentTest):
         self.assertEqual(self.restore(b"\0\1\4"), damaged)
         file.write_bytes(usable)
         self.order("partition 0 on")
+        self.assertEqual(self.restore(b"\0\3\7\1\0", staged_file=b"another"), other)
         self.assertEqual(self.restore(b"\0\3\7\1\0"), running)  # 0 runs and is of another version
         self.order("partition 0 off")
         self.assertEqual(self.restore(b"\0\3\7\1\0"), version)  # of 0, before 1 is absent
         self.assertEqual(self.restore(b"\0\3\7\1\2"), absent)   # 1, before 7 runs
         self.assertEqual(self.restore(b"\0\2\7\2"), running)
         self.stated(r"(A partition that is named twice counts once)")
-        self.assertEqual(self.restore(b"\0\3\2\2\2"), 0)
+        name = hashlib.sha256(usable).hexdigest().encode()
+        self.assertEqual(self.restore(b"\0\3\2\2\2", staged_file=name), 0)
 
     def test_logins_are_answered_as_stated(self):
         refused = enumerators("platform/host/channel/BackendError.h",

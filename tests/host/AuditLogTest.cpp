@@ -8,6 +8,7 @@
 #include "tests/support/ChildProcess.h"
 #include "tests/support/ScopedLimit.h"
 #include "tests/support/files.h"
+#include "tests/support/happensInTime.h"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
@@ -17,7 +18,9 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <filesystem>
+#include <optional>
 #include <thread>
 
 namespace VeskLib::Test {
@@ -127,6 +130,33 @@ TEST_F(AuditLogTest, aLineThatDoesNotFitIsNotWrittenInPart) {
     });
     EXPECT_EQ(result.exitStatus, 0);
     EXPECT_EQ(readText(path()), before);
+}
+
+TEST_F(AuditLogTest, threadsWriteInTheOrderInWhichTheyCame) {
+    std::optional<AuditLog> log(std::in_place, 0);
+    std::vector<std::thread> threads;
+    for (const char* name : {"start", "login", "logout"}) {
+        threads.emplace_back([name] { record(eventOf(name)); });
+        ASSERT_TRUE(happensInTime([&] { return Turn::waiting() == threads.size(); }));
+    }
+    log.reset();
+    record(eventOf("end"));
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    std::vector<std::string> names;
+    for (const std::string& line : lines()) {
+        names.push_back(JSON::parse(line)["event"]);
+    }
+    EXPECT_THAT(names, testing::ElementsAre("start", "login", "logout", "end"));
+}
+
+TEST_F(AuditLogTest, aTurnThatDoesNotComeIsTold) {
+    const Turn first(std::chrono::seconds(5));
+    std::thread([] {
+        EXPECT_EQ(codeOf([] { Turn second(std::chrono::milliseconds(10)); }), AUDIT_NOT_WRITTEN);
+    }).join();
+    EXPECT_EQ(Turn::waiting(), 0U);
 }
 
 TEST_F(AuditLogTest, takesTheSpaceOfAChangeInAdvance) {

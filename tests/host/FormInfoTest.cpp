@@ -1,5 +1,6 @@
 #include <VeskLib/Gui/FormInfo.h>
 
+#include "platform/host/base/stagedFile.h"
 #include "platform/host/web/FormLimits.h"
 #include "platform/host/web/formPolicy.h"
 #include "tests/host/refusal.h"
@@ -85,6 +86,26 @@ std::string formOf(std::size_t size) {
 }
 
 }  // namespace
+
+TEST(FormInfoHostTest, theFileThatThePostedPageShowedIsNoted) {
+    const auto notedOf = [](const std::string& body, const std::string& query) {
+        ChildSetup request = post(body, std::to_string(body.size()));
+        request.environment["QUERY_STRING"] = query;
+        return runInChild(
+                   [] {
+                       std::string value;
+                       FormInfo().getFormData("a", value);
+                       std::cout << Host::postedFile();
+                       return 0;
+                   },
+                   request)
+            .output;
+    };
+    EXPECT_EQ(notedOf("a=1&staged_file=0b", ""), "0b");
+    EXPECT_EQ(notedOf("a=1", ""), "");
+    EXPECT_EQ(notedOf("a=1", "staged_file=0b"), "");
+    EXPECT_EQ(notedOf("staged_file=" + std::string(1000, 'c'), ""), std::string(65, 'c'));
+}
 
 TEST(FormInfoHostTest, theBodyMayComeFromAPipeOrAFile) {
     for (const InputKind kind : {InputKind::PIPE, InputKind::FILE}) {

@@ -41,6 +41,7 @@ TEST(SkeletonErrorTest, everyMalformedMarkIsRefused) {
                              "{{if  a}}{{end}}",
                              "{{language|script}}",
                              "{{nonce|attribute}}",
+                             "{{staged_file|script}}",
                              "{{end|script}}",
                              "{{end}}",
                              "{{end }}",
@@ -51,9 +52,10 @@ TEST(SkeletonErrorTest, everyMalformedMarkIsRefused) {
 }
 
 TEST(SkeletonErrorTest, everyWellFormedMarkIsTaken) {
-    for (const char* mark : {"{{a}}", "{{a|script}}", "{{a|attribute}}", "{{text 1}}",
-                             "{{text 9001|script}}", "{{text 9001|attribute}}", "{{language}}",
-                             "{{if a}}{{end}}", "{{if a}}{{if b}}{{end}}{{end}}", ""}) {
+    for (const char* mark :
+         {"{{a}}", "{{a|script}}", "{{a|attribute}}", "{{text 1}}", "{{text 9001|script}}",
+          "{{text 9001|attribute}}", "{{language}}", "{{staged_file}}", "{{if a}}{{end}}",
+          "{{if a}}{{if b}}{{end}}{{end}}", ""}) {
         EXPECT_EQ(problemOf(mark), "") << mark;
     }
 }

@@ -1,6 +1,7 @@
 #include "platform/host/html/Skeleton.h"
 
 #include "platform/host/base/scriptNonce.h"
+#include "platform/host/base/stagedFile.h"
 #include "platform/host/html/sharedComponents.h"
 #include "tests/host/printSkeleton.h"
 #include "tests/support/ChildProcess.h"
@@ -163,6 +164,13 @@ TEST(SkeletonTest, knowsItsPieces) {
     EXPECT_EQ(pieces[2].number, 9001);
     EXPECT_EQ(pieces[3].next, 5u);
     EXPECT_EQ(pieces[4].kind, Skeleton::Kind::LANGUAGE);
+}
+
+TEST(SkeletonTest, thePageNamesTheStagedFileThatItShows) {
+    EXPECT_EQ(print("[{{staged_file}}]"), "[]");
+    Host::setShownFile("ab");
+    EXPECT_EQ(print("[{{staged_file}}]"), "[ab]");
+    Host::setShownFile("");
 }
 
 }  // namespace VeskLib::Test

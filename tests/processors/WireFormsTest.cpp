@@ -5,6 +5,7 @@
 #include "data/PrimitiveTypeWrapper.h"
 #include "platform/host/channel/Frame.h"
 #include "platform/host/channel/Login.h"
+#include "platform/host/channel/RefusalDetails.h"
 #include "platform/host/storage/ConfigurationFile.h"
 #include "tests/backend/support/hexadecimalText.h"
 #include "tests/processors/expectedBytes.h"
@@ -106,10 +107,12 @@ void addPackets(WireForms& forms) {
 }
 
 void addFramesAndFiles(WireForms& forms) {
-    forms.addCoded("request frame",
-                   Host::RequestFrame{
-                       Host::RequestKind::SET, WORD, "0123456789abcdef", {1, 0xFF}, "::1", "7-9"});
+    forms.addCoded(
+        "request frame",
+        Host::RequestFrame{
+            Host::RequestKind::SET, WORD, "0123456789abcdef", {1, 0xFF}, "::1", "7-9", "ab"});
     forms.addCoded("reply frame", Host::ReplyFrame{WORD, {0xFE, 2}});
+    forms.addCoded("refusal details", Host::RefusalDetails{"10.20 B", {{WORD, "-"}, {7, ""}}});
     forms.addCoded("login request", Host::LoginRequest{"admin", "p\xC3\xA4ss", "192.0.2.1", "0a"});
     forms.addCoded("login answer", Host::LoginAnswer{"0a"});
     forms.addCoded("configuration file", Host::ConfigurationFile{.saveTime = WORD,

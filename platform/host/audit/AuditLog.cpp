@@ -25,7 +25,7 @@ namespace VeskLib::Host {
 
 namespace {
 
-const int WAIT_MILLISECONDS = 5000;
+const std::chrono::seconds LONGEST_WAIT(5);
 const long long LARGEST_FILE = 1024 * 1024;
 const std::size_t LARGEST_LIMITS = 256 * 1024;
 const mode_t FILE_MODE = 0600;
@@ -34,9 +34,9 @@ const mode_t FILE_MODE = 0600;
     throw makePlatformException(AUDIT_NOT_WRITTEN, what);
 }
 
-int holdLog() {
+int holdLog(const Turn& turn) {
     try {
-        return obtainLock(getCGIPath(AUDIT_LOCK), WAIT_MILLISECONDS);
+        return obtainLock(getCGIPath(AUDIT_LOCK), turn.remainingMilliseconds());
     } catch (const PException&) {
         fail("The audit log cannot be locked");
     }
@@ -86,7 +86,8 @@ void saveLimits(const AuditLimits& limits) {
 
 }  // namespace
 
-AuditLog::AuditLog(std::size_t reserve) : path(getCGIPath(AUDIT_LOG)), lock(holdLog()) {
+AuditLog::AuditLog(std::size_t reserve)
+    : path(getCGIPath(AUDIT_LOG)), turn(LONGEST_WAIT), lock(holdLog(turn)) {
     try {
         open(reserve);
         AuditLimits limits = loadLimits();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/host/audit/AuditEvent.h"
+#include "platform/host/audit/Turn.h"
 
 #include <cstddef>
 #include <string>
@@ -17,7 +18,8 @@ inline constexpr int AUDIT_FORMER_FILES = 15;
 // two of its lines has its place in the order of the log.
 class AuditLog {
 public:
-    // Waits up to 5 s for another holder, and takes `reserve` bytes of the disk in advance, so that
+    // Waits up to 5 s for other holders, threads of this process in the order in which they came,
+    // and takes `reserve` bytes of the disk in advance, so that
     // a line about what has happened does not fail for lack of space. Throws PException
     // (AUDIT_NOT_WRITTEN) when any of that is not possible.
     explicit AuditLog(std::size_t reserve);
@@ -40,6 +42,7 @@ private:
     void rotate();
 
     const std::string path;
+    const Turn turn;
     const int lock;
     int descriptor = -1;
     long long size = 0;

@@ -23,6 +23,8 @@ enum BackendError : unsigned int {
     BACKEND_NOT_RECORDED = 1612,          // the audit log takes no line; nothing was changed
     BACKEND_OUTCOME_NOT_RECORDED = 1613,  // it was changed, but the audit log does not say so
     BACKEND_FAULTS_NOT_ALLOWED = 1614,    // started without --allow-faults, it takes no CONTROL
+    BACKEND_OTHER_FILE = 1615,            // the staged file is not the one that the page showed
+    BACKEND_ABANDONED = 1616,             // the client was gone before the change; none was made
 };
 
 }  // namespace VeskLib::Host

@@ -3,7 +3,9 @@
 
 #include "platform/host/base/SessionShape.h"
 #include "platform/host/base/requestOrigin.h"
+#include "platform/host/base/stagedFile.h"
 #include "platform/host/channel/Channel.h"
+#include "platform/host/channel/RefusalDetails.h"
 #include "platform/host/channel/changes.h"
 
 #include <utility>
@@ -65,15 +67,20 @@ bool CGIRequester::setInfo(unsigned int request, const VeskUi::SerializableObjec
         state->errorCode = Host::CHANNEL_NO_AUTHORITY;
         return false;
     }
-    Host::RequestFrame frame = {Host::RequestKind::SET,   request,
-                                state->sessionIdentifier, {},
-                                Host::clientAddress(),    Host::requestIdentifier()};
+    Host::RequestFrame frame = {.kind = Host::RequestKind::SET,
+                                .number = request,
+                                .sessionIdentifier = state->sessionIdentifier,
+                                .payload = {},
+                                .address = Host::clientAddress(),
+                                .requestIdentifier = Host::requestIdentifier(),
+                                .stagedFile = Host::postedFile()};
     if (!giveData(data, frame.payload)) {
         state->errorCode = Host::CHANNEL_BAD_OBJECT;
         return false;
     }
     Host::ReplyFrame reply;
     state->errorCode = state->channel.exchange(frame, reply);
+    Host::noteRefusal(state->errorCode, reply.payload);
     return state->errorCode == 0;
 }
 

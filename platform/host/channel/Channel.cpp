@@ -40,9 +40,7 @@ int codeOf(StreamResult result) {
 }  // namespace
 
 Channel::~Channel() {
-    if (descriptor >= 0) {
-        ::close(descriptor);
-    }
+    disconnect();
 }
 
 int Channel::exchange(const RequestFrame& request, ReplyFrame& reply) {
@@ -60,13 +58,18 @@ int Channel::exchange(const RequestFrame& request, ReplyFrame& reply) {
         failure = sendAndReceive(bytes, received, deadline);
     }
     if (failure != 0) {
+        disconnect();
         return failure;
     }
-    if (received.errorCode != 0) {
-        return static_cast<int>(received.errorCode);
-    }
     reply = std::move(received);
-    return 0;
+    return static_cast<int>(reply.errorCode);
+}
+
+void Channel::disconnect() {
+    if (descriptor >= 0) {
+        ::close(descriptor);
+        descriptor = -1;
+    }
 }
 
 int Channel::connectOnce(const Deadline& deadline) {

@@ -27,13 +27,15 @@ public:
     Channel& operator=(const Channel&) = delete;
     ~Channel();
 
-    // Sends `request` and waits for the reply. 0 with `reply` filled, or an error code with
-    // `reply` unchanged: the back-end's when it refuses, else the channel's. A request above
-    // LARGEST_FRAME is not sent (CHANNEL_MALFORMED) and leaves the channel usable.
+    // Sends `request` and waits for the reply. Returns 0 or the back-end's code with `reply`
+    // filled, or the channel's code with `reply` unchanged. A request above LARGEST_FRAME is not
+    // sent (CHANNEL_MALFORMED) and leaves the channel usable. Any other failure closes the
+    // connection at once, so that the back-end knows that nobody waits.
     int exchange(const RequestFrame& request, ReplyFrame& reply);
 
 private:
     int connectOnce(const Deadline& deadline);
+    void disconnect();
     int sendAndReceive(const std::vector<unsigned char>& request, ReplyFrame& reply,
                        const Deadline& deadline) const;
 

@@ -31,13 +31,15 @@ std::vector<unsigned char> readRest(VeskUi::WireReader& reader) {
 std::vector<unsigned char> encode(const RequestFrame& frame) {
     std::vector<unsigned char> bytes(
         KIND_SIZE + NUMBER_SIZE + wireTextSize(frame.sessionIdentifier) +
-        wireTextSize(frame.address) + wireTextSize(frame.requestIdentifier) + frame.payload.size());
+        wireTextSize(frame.address) + wireTextSize(frame.requestIdentifier) +
+        wireTextSize(frame.stagedFile) + frame.payload.size());
     VeskUi::WireWriter writer(bytes.data(), bytes.size());
     writeU8(writer, static_cast<std::uint8_t>(frame.kind));
     writer.writeU32(frame.number);
     writeWireText(writer, frame.sessionIdentifier);
     writeWireText(writer, frame.address);
     writeWireText(writer, frame.requestIdentifier);
+    writeWireText(writer, frame.stagedFile);
     writer.writeBytes(frame.payload.data(), frame.payload.size());
     return bytes;
 }
@@ -58,6 +60,7 @@ bool decode(const std::vector<unsigned char>& bytes, RequestFrame& frame) {
     read.sessionIdentifier = readWireText(reader);
     read.address = readWireText(reader);
     read.requestIdentifier = readWireText(reader);
+    read.stagedFile = readWireText(reader);
     if (reader.failed() || !isRequestKind(kind)) {
         return false;
     }

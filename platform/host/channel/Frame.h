@@ -23,9 +23,10 @@ struct RequestFrame {
     std::uint32_t number = 0;
     std::string sessionIdentifier;  // empty for LOGIN and CONTROL
     std::vector<unsigned char> payload;
-    // For the audit log; empty for GET, LOGIN and CONTROL.
+    // Empty for GET, LOGIN and CONTROL. The first two are for the audit log.
     std::string address = {};            // of the client
     std::string requestIdentifier = {};  // of the CGI request
+    std::string stagedFile = {};         // what names the file that the page showed; may be empty
 };
 
 struct ReplyFrame {

@@ -1,6 +1,7 @@
 #include "platform/host/html/Skeleton.h"
 
 #include "platform/host/base/scriptNonce.h"
+#include "platform/host/base/stagedFile.h"
 #include "platform/host/html/escape.h"
 #include "platform/host/html/printText.h"
 #include "platform/host/html/sharedComponents.h"
@@ -160,7 +161,7 @@ bool Skeleton::parseMark(std::string_view mark, std::vector<std::size_t>& openCo
            (mark.substr(dash) == "-0" || parseNumber(mark.substr(dash + 1), piece.code));
 }
 
-// A mark of one word: a component, unless it is one of three that have a meaning.
+// A mark of one word: a component, unless it is one of those that have a meaning.
 bool Skeleton::parseWord(std::string_view word, std::vector<std::size_t>& openConditions) {
     if (word == "end") {
         if (openConditions.empty()) {
@@ -179,11 +180,16 @@ bool Skeleton::parseWord(std::string_view word, std::vector<std::size_t>& openCo
         piece.kind = Kind::NONCE;
         return true;
     }
+    if (word == "staged_file") {
+        piece.kind = Kind::STAGED_FILE;
+        return true;
+    }
     piece.kind = Kind::COMPONENT;
     piece.place = takePlace(word);
     piece.text = word;
     // With an ending, a word that has a meaning would otherwise be a component that prints nothing.
-    return isName(word) && word != "end" && word != "language" && word != "nonce";
+    return isName(word) && word != "end" && word != "language" && word != "nonce" &&
+           word != "staged_file";
 }
 
 bool Skeleton::parseCondition(Kind kind, std::string_view name,
@@ -222,6 +228,9 @@ void Skeleton::print(const Components& components) const {
                 break;
             case Kind::NONCE:
                 printText(scriptNonce());
+                break;
+            case Kind::STAGED_FILE:
+                printText(shownFile());
                 break;
             case Kind::IF:
             case Kind::UNLESS:

@@ -23,6 +23,7 @@ struct SkeletonError {
 //   {{text 9001}}          a caption of the catalogue, in the request's language
 //   {{language}}           the request's language tag, such as "en"
 //   {{nonce}}              what a <script> needs as its attribute "nonce" to be run
+//   {{staged_file}}        what names the staged file that the page shows; nothing without one
 //   {{if name}}...{{end}}  printed only when there is a component of that name; may be nested
 //   {{unless name}}...{{end}}  printed only when there is none
 //
@@ -34,7 +35,17 @@ struct SkeletonError {
 // Anything else between {{ and }} is malformed.
 class Skeleton {
 public:
-    enum class Kind { PLAIN, COMPONENT, MESSAGE, CAPTION, LANGUAGE, NONCE, IF, UNLESS };
+    enum class Kind {
+        PLAIN,
+        COMPONENT,
+        MESSAGE,
+        CAPTION,
+        LANGUAGE,
+        NONCE,
+        STAGED_FILE,
+        IF,
+        UNLESS
+    };
     enum class Place { MARKUP, SCRIPT, ATTRIBUTE };
 
     struct Piece {

@@ -51,6 +51,14 @@ bool writeAside(std::string& aside, const std::vector<unsigned char>& bytes, int
     return file.isOpen() && fill(file.get(), bytes, mode);
 }
 
+bool check(const std::function<bool()>& isWanted) {
+    if (isWanted()) {
+        return true;
+    }
+    errno = ECANCELED;
+    return false;
+}
+
 void unlinkKeepingErrno(const std::string& path) {
     const int reason = errno;
     ::unlink(path.c_str());
@@ -175,7 +183,8 @@ bool readOwnFile(const std::string& path, std::size_t limit, std::vector<unsigne
     return file.isOpen() && readContent(file.get(), status, bytes);
 }
 
-bool replaceFile(const std::string& path, const std::vector<unsigned char>& bytes, int mode) {
+bool replaceFile(const std::string& path, const std::vector<unsigned char>& bytes, int mode,
+                 const std::function<bool()>& isWanted) {
     std::string aside = path;
     aside += ASIDE_MARK;
     aside += ASIDE_RANDOM;
@@ -183,7 +192,8 @@ bool replaceFile(const std::string& path, const std::vector<unsigned char>& byte
     if (!folder.isOpen()) {
         return false;
     }
-    if (!writeAside(aside, bytes, mode) || ::rename(aside.c_str(), path.c_str()) != 0) {
+    if (!writeAside(aside, bytes, mode) || !check(isWanted) ||
+        ::rename(aside.c_str(), path.c_str()) != 0) {
         unlinkKeepingErrno(aside);
         return false;
     }

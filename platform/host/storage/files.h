@@ -34,10 +34,13 @@ int openForReading(const std::string& path);
 int openOwnFile(const std::string& path, std::size_t limit, struct stat& status);
 
 // Replaces `path` by a file with these bytes: written aside, synced, renamed, the folder synced.
-// `mode` is not reduced by the umask. False when any step failed; errno then tells why, `path` is
-// as before and nothing is left behind. Only when the folder cannot be synced does `path` hold the
-// new bytes all the same: they are stored, but may not outlive a power cut.
-bool replaceFile(const std::string& path, const std::vector<unsigned char>& bytes, int mode);
+// `mode` is not reduced by the umask. `isWanted` is asked directly before the rename; when it says
+// no, that counts as a failure (ECANCELED). False when any step failed; errno then tells why,
+// `path` is as before and nothing is left behind. Only when the folder cannot be synced does `path`
+// hold the new bytes all the same: they are stored, but may not outlive a power cut.
+bool replaceFile(
+    const std::string& path, const std::vector<unsigned char>& bytes, int mode,
+    const std::function<bool()>& isWanted = [] { return true; });
 
 // Gives an open file that was made without a name this one, where there is nothing yet. False when
 // that fails; errno then tells why.

@@ -2,6 +2,7 @@
 
 #include "platform/host/base/Environment.h"
 #include "platform/host/base/platformException.h"
+#include "platform/host/base/stagedFile.h"
 #include "platform/host/web/FormLimits.h"
 #include "platform/host/web/MultipartReader.h"
 #include "platform/host/web/RequestBody.h"
@@ -139,6 +140,8 @@ struct FormInfo::State {
         try {
             // The form first: the first field of a name counts.
             readBody();
+            const auto stagedFile = fields.find(Host::STAGED_FILE_FIELD);
+            Host::setPostedFile(stagedFile == fields.end() ? "" : stagedFile->second);
             readQuery(fields);
         } catch (...) {
             letGo();

@@ -57,6 +57,10 @@ bool BackendProcess::waitUntilReady() {
     return text == "ready\n";
 }
 
+void BackendProcess::signal(int number) const {
+    ::kill(process, number);
+}
+
 int BackendProcess::stop(int signal) {
     ::kill(process, signal);
     return waitForEnd();

@@ -25,6 +25,9 @@ public:
     // time.
     bool waitUntilReady();
 
+    // Sends a signal and does not wait for anything.
+    void signal(int number) const;
+
     // Sends a signal and waits for the end: the exit status, or minus the signal that ended it.
     int stop(int signal = SIGTERM);
 

@@ -73,6 +73,11 @@ export class Browser {
                 ? { downloadBehavior: { policy: "allow", downloadPath: this.downloads } }
                 : {},
         );
+        return this.newWindow(context);
+    }
+
+    // A new page that shares the cookies of the context's others.
+    async newWindow(context) {
         const page = await context.newPage();
         page.setDefaultTimeout(PATIENCE_MILLISECONDS);
         page.alerts = [];

@@ -24,6 +24,15 @@ export async function upload(page, board, name, bytes) {
     await Promise.all([page.waitForNavigation(), page.click("#upload")]);
 }
 
+// The same on a page that runs no scripts.
+export async function uploadWithoutScript(page, board, name, bytes) {
+    await page.goto(board.url(RESTORE_PAGE));
+    await withFile(name, bytes, async (file) => {
+        await (await page.$("#filename")).uploadFile(file);
+        await Promise.all([page.waitForNavigation(), page.click("#upload")]);
+    });
+}
+
 export async function chooseFile(page, name, bytes) {
     await withFile(name, bytes, async (file) => {
         const chooser = await page.$("#filename");

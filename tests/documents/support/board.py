@@ -93,10 +93,10 @@ class Board:
             connection.shutdown(socket.SHUT_WR)
             return b"".join(iter(lambda: connection.recv(65536), b""))
 
-    def ask(self, kind, number, session=b"", payload=b""):
+    def ask(self, kind, number, session=b"", payload=b"", staged_file=b""):
         """Sends the back-end one frame; code and payload of its reply."""
         body = struct.pack(">BI", kind, number)
-        for text in (session, b"", b""):
+        for text in (session, b"", b"", staged_file):
             body += struct.pack(">H", len(text)) + text
         body += payload
         return self.exchange(body)[0]

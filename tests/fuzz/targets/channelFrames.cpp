@@ -3,6 +3,7 @@
 
 #include "platform/host/channel/Frame.h"
 #include "platform/host/channel/FrameStream.h"
+#include "platform/host/channel/RefusalDetails.h"
 #include "tests/fuzz/support/input.h"
 #include "tests/fuzz/support/require.h"
 
@@ -39,6 +40,17 @@ void checkFrame(const Bytes& bytes) {
         Fuzz::require(encode(frame) == bytes, "a frame that was taken is written as it came");
     } else {
         Fuzz::require(frame.payload.empty(), "a refused frame changes nothing");
+    }
+}
+
+// What a refusal says beside its code.
+void checkDetails(const Bytes& bytes) {
+    Host::ReplyFrame reply;
+    Host::RefusalDetails details;
+    if (decode(bytes, reply) && decode(reply.payload, details)) {
+        Fuzz::require(encode(details) == reply.payload, "details are written as they came");
+    } else {
+        Fuzz::require(details.partitions.empty(), "refused details change nothing");
     }
 }
 
@@ -80,6 +92,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         if (result == Host::StreamResult::DONE) {
             checkFrame<Host::RequestFrame>(received);
             checkFrame<Host::ReplyFrame>(received);
+            checkDetails(received);
             Fuzz::require(Host::withLength(received).size() == LENGTH_SIZE + received.size(),
                           "a frame has its length in front");
         }

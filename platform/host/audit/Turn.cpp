@@ -1,0 +1,56 @@
+#include "platform/host/audit/Turn.h"
+
+#include "platform/host/base/platformException.h"
+
+#include <algorithm>
+#include <condition_variable>
+#include <list>
+#include <mutex>
+
+namespace VeskLib::Host {
+
+namespace {
+
+struct Queue {
+    std::mutex guard;
+    std::condition_variable moved;
+    std::list<const Turn*> turns;  // the first is under way
+};
+
+Queue& queue() {
+    static Queue queue;
+    return queue;
+}
+
+}  // namespace
+
+Turn::Turn(std::chrono::milliseconds longest) : end(std::chrono::steady_clock::now() + longest) {
+    Queue& all = queue();
+    std::unique_lock lock(all.guard);
+    all.turns.push_back(this);
+    const auto mine = std::prev(all.turns.end());
+    if (!all.moved.wait_until(lock, end, [&] { return mine == all.turns.begin(); })) {
+        all.turns.erase(mine);
+        throw makePlatformException(AUDIT_NOT_WRITTEN, "The audit log is in use");
+    }
+}
+
+int Turn::remainingMilliseconds() const {
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
+        end - std::chrono::steady_clock::now());
+    return static_cast<int>(std::max<std::chrono::milliseconds::rep>(left.count(), 0));
+}
+
+Turn::~Turn() {
+    Queue& all = queue();
+    const std::scoped_lock lock(all.guard);
+    all.turns.pop_front();
+    all.moved.notify_all();
+}
+
+std::size_t Turn::waiting() {
+    const std::scoped_lock lock(queue().guard);
+    return queue().turns.empty() ? 0 : queue().turns.size() - 1;
+}
+
+}  // namespace VeskLib::Host
