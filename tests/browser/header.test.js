@@ -11,10 +11,10 @@ import {
     BROWSERS,
     Browser,
     RESTORE_PAGE,
-    chooseAndBackUp,
     logIn,
     textOf,
 } from "./support/browser.js";
+import { Client } from "./support/client.js";
 import { makeConfigurationFile } from "./support/configurationFile.js";
 import { demoPartitions } from "./support/demoBoard.js";
 import { eventually } from "./support/eventually.js";
@@ -193,17 +193,13 @@ for (const kind of BROWSERS) {
         });
 
         test("activity and menu tell what was done, also without scripts", async () => {
+            await (await Client.loggedIn(board)).backUp(5);
             await logIn(page, board);
+            await upload(page, board, "a.dat", FILE);
+            await restoreTo(page, [3]);
             if (kind === "chromium") {
                 await page.setJavaScriptEnabled(false);
             }
-            await page.goto(board.url(BACKUP_PAGE));
-            await chooseAndBackUp(page, 5);
-            if (kind === "chromium") {
-                await page.setJavaScriptEnabled(true);
-            }
-            await upload(page, board, "a.dat", FILE);
-            await restoreTo(page, [3]);
             await Promise.all([page.waitForNavigation(), page.click('header a[href="/activity.cgi"]')]);
             const rows = await page.$$eval("tbody tr", (elements) =>
                 elements.map((row) => row.textContent.replace(/\s+/g, " ").trim()));
