@@ -217,6 +217,8 @@ TEST(AuditLineTest, refusesWhatIsNoLine) {
           R"({"time":"2026-11-22T08:12:26.123Z"})", R"({"time":"","event":"start"})",
           R"({"time":"2026-11-31T08:12:26.123Z","event":"start"})",
           R"({"time":"2026-11-22T24:12:26.123Z","event":"start"})",
+          R"({"time":"1969-12-31T08:12:26.123Z","event":"start"})",
+          R"({"time":"2262-01-01T08:12:26.123Z","event":"start"})",
           R"({"time":"2026-11-22T08:12:26.123+","event":"start"})",
           R"({"time":"2026-11-22 08:12:26.123Z","event":"start"})",
           R"({"time":"2026-11-22T08:12:26.123Z","event":""})",

@@ -26,6 +26,9 @@ namespace {
 
 const std::size_t LONGEST_LINE = 128 * 1024;  // a restore of 256 partitions takes 40 KiB
 const std::size_t LONGEST_TEXT = 4096;
+// Those that AuditTime has.
+const int FIRST_YEAR = 1970;
+const int LAST_YEAR = 2261;
 const std::size_t MOST_PARTITIONS = 256;
 const std::size_t MOST_COUNTS = 64;
 // Far above the size at which the log is rotated.
@@ -50,8 +53,8 @@ bool readTime(const std::string& text, std::time_t& time) {
     }
     const year_month_day date{std::chrono::year(year), std::chrono::month(month),
                               std::chrono::day(day)};
-    if (!date.ok() || hour < 0 || hour > 23 || minute < 0 || minute > 59 || second < 0 ||
-        second > 60) {
+    if (year < FIRST_YEAR || year > LAST_YEAR || !date.ok() || hour < 0 || hour > 23 ||
+        minute < 0 || minute > 59 || second < 0 || second > 60) {
         return false;
     }
     const sys_seconds point = sys_days(date) + hours(hour) + minutes(minute) + seconds(second);
