@@ -39,6 +39,7 @@ struct BoardDescription {
     Boards ioBoards = {};  // installed ones
     Boards gspBoards = {};
     std::vector<User> users;
+    std::string name;                    // how people tell this board from others
     std::vector<std::string> hostNames;  // as Host::normaliseHostName() gives them
     std::string syslogSocket;            // where the audit log is sent as well; may be empty
 

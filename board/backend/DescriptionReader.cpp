@@ -28,6 +28,7 @@ const std::size_t LARGEST_DESCRIPTION = 16 * 1024 * 1024;
 const unsigned int LARGEST_NODE_ID = 255;
 const unsigned int LARGEST_FUNCTION = 99999;
 const std::size_t LONGEST_USER_NAME = 255;
+const std::size_t LONGEST_NAME = 100;
 const std::size_t LONGEST_SOCKET_PATH = 107;
 const unsigned long FEWEST_SHA512_ROUNDS = 5000;
 const mode_t OTHERS_READ_OR_WRITE = S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
@@ -97,6 +98,7 @@ void readInstalled(DescriptionTable& table, const char* key, BoardDescription::B
 
 BoardDescription DescriptionReader::read(DescriptionTable& table) {
     description.partitions.resize(table.readNumber("max_partitions", MOST_PARTITIONS));
+    description.name = table.readText("name", LONGEST_NAME, "");
     readHostNames(table);
     description.syslogSocket = table.readText("syslog_socket", LONGEST_SOCKET_PATH, "");
     readBoards(table);

@@ -21,6 +21,7 @@
 
 #include <unistd.h>
 
+#include <climits>
 #include <exception>
 #include <map>
 #include <string>
@@ -78,10 +79,17 @@ void recordStart(const ConfigurationStore& store, const BoardDescription& descri
 // Logins that wait leave enough connections for everybody else.
 static_assert(ConnectionLimits().connections >= 64 + LoginQueue::MOST_WAITING);
 
+// The machine's own; empty if it has none.
+std::string hostName() {
+    char name[HOST_NAME_MAX + 1] = {};
+    return ::gethostname(name, sizeof name - 1) == 0 ? name : "";
+}
+
 Host::BoardProperties propertiesOf(const BoardDescription& description,
                                    const BackendOptions& options) {
     Host::BoardProperties properties;
     properties.maxPartitions = static_cast<unsigned int>(description.partitions.size());
+    properties.name = description.name.empty() ? hostName() : description.name;
     properties.syslogSocket = description.syslogSocket;
     for (const User& user : description.users) {
         properties.users[user.name] = user.rights;

@@ -3,6 +3,7 @@
 #include "platform/host/html/messageLines.h"
 #include "platform/host/text/Catalogue.h"
 #include "platform/host/text/issuedTexts.h"
+#include "platform/host/web/pageHeader.h"
 
 #include <VeskLib/Gui/HTMLCodeGenerator.h>
 #include <VeskLib/Gui/MessageMgr.h>
@@ -43,6 +44,7 @@ private:
 }  // namespace
 
 WebPage::WebPage(const std::string& bodySkeleton, int titleCaption) {
+    Host::shareBoardName();
     putCaption("title", titleCaption);
     put("body", std::make_unique<Body>(bodySkeleton, components));
     const int language = Host::requestLanguage();

@@ -29,12 +29,13 @@ public:
     // end of the caption, so that support can find the cause.
     void putNotice(const std::string& name, int caption, int detail = 0);
 
+    // Puts a component at the place `name`.
+    void put(const std::string& name, std::unique_ptr<Gui::HTMLComponent> component);
+
     // Prints the page to std::cout. Throws PException when a skeleton cannot be used.
     void print() const;
 
 private:
-    void put(const std::string& name, std::unique_ptr<Gui::HTMLComponent> component);
-
     std::vector<std::unique_ptr<Gui::HTMLComponent>> owned;
     std::map<std::string, Gui::HTMLComponent*> components;
 };

@@ -1,9 +1,11 @@
 #include "board/web/WebPage.h"
 #include "board/web/WebProgram.h"
+#include "board/web/dailyRound.h"
 #include "board/web/webCaptions.h"
 #include "platform/host/base/cookies.h"
 #include "platform/host/base/platformException.h"
 #include "platform/host/text/Catalogue.h"
+#include "platform/host/web/ownPages.h"
 #include "platform/host/web/requestChecks.h"
 
 namespace VeskLib::Board {
@@ -31,12 +33,61 @@ void chooseLanguage(const Gui::FormInfo& form, Host::Response& response) {
     }
     response.addHeader("Set-Cookie",
                        Host::makeCookie(Host::LANGUAGE_COOKIE, tag, LANGUAGE_LIFE_SECONDS));
-    redirect(response, "/");
+    // Back to the page on which it was chosen.
+    std::string function;
+    form.getFormData("functionID", function);
+    if (Host::pageOfFunction(function).empty()) {
+        redirect(response, "/");
+    } else if (findRequestSession() == nullptr) {
+        redirect(response, Host::loginPath(function));
+    } else {
+        redirect(response, Host::pageOfFunction(function));
+    }
+}
+
+class RoundRows : public Gui::HTMLComponent {
+public:
+    RoundRows(std::vector<RoundRow> rows, bool mayBackUp, bool mayRestore)
+        : rows(std::move(rows)), mayBackUp(mayBackUp), mayRestore(mayRestore) {}
+
+    void printHTML() const override { printRoundRows(rows, mayBackUp, mayRestore); }
+    bool isError() const override { return false; }
+
+private:
+    std::vector<RoundRow> rows;
+    bool mayBackUp;
+    bool mayRestore;
+};
+
+// The installed partitions, for users who have something to do with them. Without an answer of the
+// back-end the menu says so, and is complete otherwise.
+void putRound(WebPage& page, const Host::RequestSession& user) {
+    const bool mayBackUp = user.mayUse(Host::BACKUP_FUNCTION);
+    const bool mayRestore = user.mayUse(Host::RESTORE_FUNCTION);
+    if (!mayBackUp && !mayRestore) {
+        return;
+    }
+    page.putText("round", "");
+    std::vector<RoundRow> rows;
+    const int code = askForPartitions(rows);
+    if (code != 0) {
+        page.putNotice("silent", ROUND_SILENT, code);
+        return;
+    }
+    if (rows.empty()) {
+        page.putText("no_partitions", "");
+        return;
+    }
+    if (!findLastTimes(rows)) {
+        page.putText("cut", "");
+    }
+    page.put("rows", std::make_unique<RoundRows>(std::move(rows), mayBackUp, mayRestore));
 }
 
 void printMenu(const Host::RequestSession& user) {
     WebPage page(MENU_SKELETON, MENU_TITLE);
-    page.putText("account", user.session.user);
+    putRound(page, user);
+    page.putText(user.mayUse(Host::ACTIVITY_FUNCTION) ? "everybody" : "own", "");
     page.putText(user.mayUse(Host::BACKUP_FUNCTION) ? "may_backup" : "may_not_backup", "");
     page.putText(user.mayUse(Host::RESTORE_FUNCTION) ? "may_restore" : "may_not_restore", "");
     page.print();

@@ -11,6 +11,7 @@
 #include "platform/host/channel/BackendError.h"
 #include "platform/host/channel/Channel.h"
 #include "platform/host/channel/Login.h"
+#include "platform/host/web/ownPages.h"
 #include "platform/host/web/requestChecks.h"
 
 #include <VeskLib/trace/VeskTrace.h>
@@ -46,9 +47,30 @@ int askBackend(const Host::LoginRequest& login, Host::LoginAnswer& answer) {
     return Host::decode(reply.payload, answer) ? 0 : Host::CHANNEL_BAD_OBJECT;
 }
 
+// Where a login leads: the page of the function, or the menu.
+std::string targetOf(const std::string& function) {
+    const std::string page = Host::pageOfFunction(function);
+    return page.empty() ? "/" : page;
+}
+
+// The function whose page was wanted, as the form has it; "" for the menu.
+std::string functionOf(const Gui::FormInfo& form) {
+    std::string function;
+    form.getFormData("functionID", function);
+    return Host::pageOfFunction(function).empty() ? "" : function;
+}
+
+void putFunction(WebPage& page, const std::string& function) {
+    if (!function.empty()) {
+        page.putText("function", function);
+    }
+}
+
 // The form again, with the typed name and without the password.
-void printRefusedForm(const std::string& user, int caption, int detail) {
+void printRefusedForm(const std::string& user, const std::string& function, int caption,
+                      int detail) {
     WebPage page(LOGIN_SKELETON, LOGIN_TITLE);
+    putFunction(page, function);
     page.putText("user", user);
     page.putNotice("message", caption, detail);
     page.print();
@@ -72,7 +94,8 @@ void recordRefusedLogin(int code) {
 
 // A session that the browser already has is never adopted, so that nobody can be logged in to a
 // session that another knows; it ends when the new one stands.
-void startNewSession(const std::string& user, Host::Response& response) {
+void startNewSession(const std::string& user, const std::string& function,
+                     Host::Response& response) {
     const Host::RequestSession* const former = findRequestSession();
     const Host::Session session = Host::startSession(user);
     try {
@@ -84,7 +107,7 @@ void startNewSession(const std::string& user, Host::Response& response) {
         recordLogin(session);
         response.addHeader("Set-Cookie",
                            Host::makeCookie(Host::SESSION_COOKIE, session.cookieValue()));
-        redirect(response, "/");
+        redirect(response, targetOf(function));
     } catch (...) {
         // The browser never learns of the session.
         Host::endSession(session.identifier);
@@ -120,7 +143,9 @@ void nameBrowser(Host::Response& response) {
 void handleLogin(const Gui::FormInfo& form, Host::Response& response) {
     if (!Host::isPost()) {
         nameBrowser(response);
-        WebPage(LOGIN_SKELETON, LOGIN_TITLE).print();
+        WebPage page(LOGIN_SKELETON, LOGIN_TITLE);
+        putFunction(page, Host::wantedFunction());
+        page.print();
         return;
     }
     // Addresses are kept in logs and histories; one with a password in it must not work.
@@ -131,11 +156,12 @@ void handleLogin(const Gui::FormInfo& form, Host::Response& response) {
     std::string password;
     form.getFormData("user", user);
     form.getFormData("password", password);
+    const std::string function = functionOf(form);
 
     Host::LoginAnswer answer;
     const int code = askBackend({user, password, Host::clientAddress(), readDevice()}, answer);
     if (code == 0) {
-        startNewSession(user, response);
+        startNewSession(user, function, response);
         keepDevice(answer.device, response);
         return;
     }
@@ -143,13 +169,13 @@ void handleLogin(const Gui::FormInfo& form, Host::Response& response) {
     recordRefusedLogin(code);
     if (code == Host::BACKEND_LOGIN_REFUSED) {
         response.setStatus(403);
-        printRefusedForm(user, LOGIN_REFUSED, 0);
+        printRefusedForm(user, function, LOGIN_REFUSED, 0);
     } else if (code == Host::BACKEND_LOGIN_TOO_SOON) {
         response.setStatus(429);
-        printRefusedForm(user, LOGIN_TOO_SOON, 0);
+        printRefusedForm(user, function, LOGIN_TOO_SOON, 0);
     } else {
         response.setStatus(503);
-        printRefusedForm(user, BACKEND_SILENT, code);
+        printRefusedForm(user, function, BACKEND_SILENT, code);
     }
 }
 

@@ -8,6 +8,9 @@ enum WebCaption : int {
     MENU_TITLE = 9002,
     REFUSAL_TITLE = 9010,
 
+    ACTIVITY_TITLE = 9301,
+    ROUND_SILENT = 9394,
+
     LOGIN_TITLE = 9100,
     LOGIN_REFUSED = 9104,
     BACKEND_SILENT = 9105,

@@ -64,6 +64,7 @@ TEST_F(BoardDescriptionTest, smallestDescriptionHasNothing) {
 TEST_F(BoardDescriptionTest, everyKeyIsRead) {
     const BoardDescription description = load(R"(
         max_partitions = 3
+        name = "Rack 4, row 12"
         io_boards = [0, 15]
         gsp_boards = [2]
 
@@ -91,6 +92,7 @@ TEST_F(BoardDescriptionTest, everyKeyIsRead) {
         password_hash = "$6$saltsalt$TVLlQcbpFVof5W3Yz4DTP6gRstiNuHwwTt6GLc1E5n0U0aDehy0S5knV8wiOQSpT0Y77vwPZN.Pq.H91p5hVO1"
         every_function = true
     )");
+    EXPECT_EQ(description.name, "Rack 4, row 12");
     ASSERT_EQ(description.partitions.size(), 3U);
     EXPECT_FALSE(description.isInstalled(0));
     EXPECT_TRUE(description.isInstalled(2));
@@ -205,6 +207,11 @@ TEST_F(BoardDescriptionTest, everyMistakeNamesItsPlace) {
         {"max_partitions = '8'", "1:18: \"max_partitions\" must be a number from 0 to 256"},
         {"max_partitions = 1.0", "1:18: \"max_partitions\" must be a number from 0 to 256"},
         {board + "max_partition = 2", "2:17: unknown key \"max_partition\""},
+        {board + "name = 3", "2:8: \"name\" must be a text"},
+        {board + "name = \"a\\nb\"",
+         "2:8: \"name\" must be at most 100 bytes without control characters"},
+        {board + "name = '" + std::string(101, 'n') + "'",
+         "2:8: \"name\" must be at most 100 bytes without control characters"},
         {board + "io_boards = 3", "2:13: \"io_boards\" must be a list of numbers"},
         {board + "io_boards = [0, 16]", "2:17: \"io_boards\" must be a number from 0 to 15"},
         {board + "partition = 1", "2:13: \"partition\" must be written as [[partition]]"},

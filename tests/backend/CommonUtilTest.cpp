@@ -76,19 +76,22 @@ TEST_F(CommonUtilTest, numberDoesNotChangeWithinAProcess) {
 TEST(BoardProperties, areReadBack) {
     Host::BoardProperties published;
     published.maxPartitions = 8;
+    published.name = "Rack 4, row 12 = east";
     published.hosts = {"localhost", "[::1]"};
     published.users["admin"] = {.everyFunction = true, .functions = ""};
     published.users["the night shift"] = {.everyFunction = false, .functions = ",105,106,"};
     published.users["two\nlines"] = {};
     published.syslogSocket = "/dev/log";
     const Bytes bytes = encode(published);
-    EXPECT_EQ(std::string(bytes.begin(), bytes.end()),
-              "max_partitions=8\nhost=localhost\nhost=[::1]\nuser=1 - admin\n"
-              "user=0 ,105,106, the night shift\n"
-              "syslog_socket=/dev/log\n");
+    EXPECT_EQ(
+        std::string(bytes.begin(), bytes.end()),
+        "max_partitions=8\nname=Rack 4, row 12 = east\nhost=localhost\nhost=[::1]\nuser=1 - admin\n"
+        "user=0 ,105,106, the night shift\n"
+        "syslog_socket=/dev/log\n");
     Host::BoardProperties properties;
     ASSERT_TRUE(decode(bytes, properties));
     EXPECT_EQ(properties.maxPartitions, 8U);
+    EXPECT_EQ(properties.name, published.name);
     EXPECT_EQ(properties.hosts, published.hosts);
     ASSERT_EQ(properties.users.size(), 2U);
     EXPECT_TRUE(properties.users["admin"].everyFunction);

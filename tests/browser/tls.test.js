@@ -87,7 +87,7 @@ describe("under a name of another's", () => {
             const page = await browser.newPage();
             const evil = await page.goto(`http://evil.example:${port}/login.cgi`);
             assert.equal(evil.status(), 421);
-            assert.match(await textOf(page, "main"), /does not answer to the name/);
+            assert.match(await textOf(page, "main"), /does not use a name of this board/);
             const own = await page.goto(`http://board.example:${port}/login.cgi`);
             assert.equal(own.status(), 200);
             await page.type("input[name=user]", "admin");

@@ -125,7 +125,7 @@ class BoardDescription(DocumentTest):
                     if size >= 0:
                         text = self.describe(heading, **{key: '"%s"' % ("x" * size)})
                         self.assertEqual(self.start(text) is None, usable, (key, size))
-        self.assertEqual(found, 4)
+        self.assertEqual(found, 5)
 
     def test_a_partition_is_below_the_stated_key(self):
         key = next(codes_in(value)[0] for heading, key, value, _ in self.rows()

@@ -378,13 +378,13 @@ class WireFormats(BoardDocumentTest):
         mode = int(str(self.stated(r"one `name=value` per line, mode (0\d+)")), 8)
         self.assertEqual(stat.S_IMODE(self.board.path(path).stat().st_mode), mode)
         rows = dict(self.table("line", "meaning"))
-        line, _, user, log = (row.strip("`") for row in rows)
+        line, name, _, user, log = (row.strip("`") for row in rows)
         last = int(re.search(r"run from 0 to (\d+)", rows["`%s`" % line])[1])
         names = "".join("host=" + name + "\n" for name in ("127.0.0.1", "[::1]", "localhost"))
         nobody = re.sub(r" .* admin", " - viewer", user)
         self.assertEqual(self.board.path(path).read_text(),
-                         line + "\n" + names + user + "\n" + nobody + "\n")
-        for row in (line, user, log):
+                         line + "\n" + name + "\n" + names + user + "\n" + nobody + "\n")
+        for row in (line, name, user, log):
             self.assertIn('= "%s"' % row.partition("=")[0], read(PROPERTIES))
         pattern = self.stated(r"to the web server as a pattern as well, in `([^`]+)`")
         self.assertTrue(self.board.path(pattern).exists())

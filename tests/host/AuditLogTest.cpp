@@ -253,6 +253,21 @@ TEST_F(AuditLogTest, isSentToTheSystemLogAsWell) {
     EXPECT_EQ(std::string(message), "<85>efi_audit: " + lines().at(0));
 }
 
+TEST_F(AuditLogTest, everyLineNamesTheBoard) {
+    writeText(boardFile("/var/run/board_properties"), "max_partitions=1\nname=Rack 4 \"east\"\n");
+    record(eventOf("start"));
+    EXPECT_EQ(lastLine()["board"], "Rack 4 \"east\"");
+    writeText(boardFile("/var/run/board_properties"), "max_partitions=1\n");
+    record(eventOf("start"));
+    EXPECT_FALSE(lastLine().contains("board"));
+}
+
+TEST_F(AuditLogTest, aLineIsWrittenWhileTheBoardsNameCannotBeRead) {
+    ASSERT_EQ(::mkdir(boardFile("/var/run/board_properties").c_str(), 0700), 0);
+    record(eventOf("start"));
+    EXPECT_EQ(lastLine()["event"], "start");
+}
+
 TEST_F(AuditLogTest, aSystemLogThatIsAwayChangesNothing) {
     writeText(boardFile("/var/run/board_properties"),
               "max_partitions=1\nsyslog_socket=/no/such/socket\n");

@@ -37,6 +37,12 @@ protected:
         setField(session, "created", std::to_string(std::time(nullptr) - seconds));
     }
 
+    std::time_t lastUse() const {
+        struct stat status = {};
+        EXPECT_EQ(::stat(path.c_str(), &status), 0);
+        return status.st_mtime;
+    }
+
     bool isAlive() const { return isLetIn(session.cookieValue()); }
 
     Session session;
@@ -46,6 +52,29 @@ protected:
 TEST_F(SessionExpiryTest, aSessionLivesWhileItIsUsed) {
     setAge(path, SESSION_IDLE_SECONDS - MARGIN);
     EXPECT_TRUE(isAlive());
+}
+
+// What a page shows as the rest of the session, found out by letting time pass.
+TEST_F(SessionExpiryTest, aSessionEndsWhenItSays) {
+    const auto endOf = [this] {
+        Session found;
+        EXPECT_TRUE(Host::findSession(session.cookieValue(), found));
+        return found.ends;
+    };
+    EXPECT_EQ(session.ends, session.created + SESSION_IDLE_SECONDS);
+    // A use within a minute of the last one is not noted, so that it adds nothing.
+    setAge(path, 40);
+    EXPECT_EQ(endOf(), lastUse() + SESSION_IDLE_SECONDS);
+    EXPECT_LE(endOf(), std::time(nullptr) + SESSION_IDLE_SECONDS - 40);
+    setAge(path, 300);
+    const std::time_t before = std::time(nullptr);
+    EXPECT_GE(endOf(), before + SESSION_IDLE_SECONDS);
+    EXPECT_EQ(endOf(), lastUse() + SESSION_IDLE_SECONDS);
+    // No use prolongs it beyond its life.
+    createdAgo(SESSION_LIFE_SECONDS - MARGIN);
+    const std::time_t now = std::time(nullptr);
+    EXPECT_LE(endOf(), now + MARGIN);
+    EXPECT_GE(endOf(), now + MARGIN - 1);
 }
 
 TEST_F(SessionExpiryTest, aSessionThatNobodyUsesExpires) {

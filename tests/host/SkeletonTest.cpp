@@ -2,6 +2,7 @@
 
 #include "platform/host/base/scriptNonce.h"
 #include "platform/host/base/stagedFile.h"
+#include "platform/host/html/sharedComponents.h"
 #include "tests/host/printSkeleton.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/hostileTexts.h"
@@ -40,6 +41,16 @@ TEST(SkeletonTest, namesAreLettersDigitsAndUnderscores) {
 TEST(SkeletonTest, anUnknownNamePrintsNothingWhateverItsPlace) {
     EXPECT_EQ(print("[{{a}}{{a|script}}{{a|attribute}}{{if a}}x{{end}}]"), "[]");
     EXPECT_EQ(print("[{{a}}{{a|script}}{{if a}}x{{end}}]", {{"a", nullptr}}), "[]");
+}
+
+TEST(SkeletonTest, aSharedTextIsFoundWhereThePageHasNoComponent) {
+    TextString own("own");
+    Host::shareText("a", "<shared>");
+    EXPECT_EQ(print("{{a}}{{a|attribute}}{{if a}}x{{end}}{{unless a}}y{{end}}"),
+              "&lt;shared&gt;&amp;lt;shared&amp;gt;x");
+    EXPECT_EQ(print("{{a}}", {{"a", &own}}), "own");
+    Host::unshare("a");
+    EXPECT_EQ(print("[{{a}}{{if a}}x{{end}}]"), "[]");
 }
 
 TEST(SkeletonTest, aScriptPlaceMakesTheTextAStringOfTheScript) {

@@ -29,8 +29,9 @@ int listenAt(const std::string& path) {
     return listener;
 }
 
-// Prints the request that it gets. 0 also when nobody connects before the listener is shut down.
-int answerOne(int listener, const std::optional<Host::ReplyFrame>& reply) {
+// Prints the first request that it gets. 0 also when nobody connects before the listener is shut
+// down.
+int answer(int listener, const std::vector<Host::ReplyFrame>& replies) {
     const int connection = ::accept(listener, nullptr, nullptr);
     if (connection < 0) {
         return 0;
@@ -40,8 +41,13 @@ int answerOne(int listener, const std::optional<Host::ReplyFrame>& reply) {
     if (Host::receiveFrame(connection, request, deadline) != Host::StreamResult::DONE) {
         return 1;
     }
-    if (reply) {
-        Host::sendFrame(connection, Host::encode(*reply), deadline);
+    for (std::size_t i = 0; i < replies.size(); ++i) {
+        Bytes further;
+        if (i > 0 &&
+            Host::receiveFrame(connection, further, deadline) != Host::StreamResult::DONE) {
+            break;
+        }
+        Host::sendFrame(connection, Host::encode(replies[i]), deadline);
     }
     std::cout.write(reinterpret_cast<const char*>(request.data()),
                     static_cast<std::streamsize>(request.size()));
@@ -52,9 +58,13 @@ int answerOne(int listener, const std::optional<Host::ReplyFrame>& reply) {
 }  // namespace
 
 FakeBackend::FakeBackend(const std::optional<Host::ReplyFrame>& reply)
+    : FakeBackend(reply ? std::vector{*reply} : std::vector<Host::ReplyFrame>()) {
+}
+
+FakeBackend::FakeBackend(const std::vector<Host::ReplyFrame>& replies)
     : listener(listenAt(boardFile("/var/run/backend.sock"))),
       process(
-          std::make_unique<ChildProcess>([this, reply] { return answerOne(listener, reply); })) {
+          std::make_unique<ChildProcess>([this, replies] { return answer(listener, replies); })) {
 }
 
 FakeBackend::~FakeBackend() {

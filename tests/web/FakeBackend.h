@@ -5,6 +5,7 @@
 
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace VeskLib::Test {
 
@@ -13,11 +14,13 @@ class FakeBackend {
 public:
     // Answers with `reply`; hangs up without an answer when there is none.
     explicit FakeBackend(const std::optional<Host::ReplyFrame>& reply);
+    // Answers as many requests, and hangs up.
+    explicit FakeBackend(const std::vector<Host::ReplyFrame>& replies);
     FakeBackend(const FakeBackend&) = delete;
     FakeBackend& operator=(const FakeBackend&) = delete;
     ~FakeBackend();
 
-    // Stops listening and gives the request that was made; nothing when none was.
+    // Stops listening and gives the first request that was made; nothing when none was.
     std::optional<Host::RequestFrame> takeRequest();
 
 private:

@@ -12,6 +12,7 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <map>
 
 namespace VeskLib::Test {
 
@@ -125,6 +126,37 @@ TEST_F(LoginTest, acceptedUserGetsASession) {
     Host::Session session;
     ASSERT_TRUE(Host::findSession(newCookie(response), session));
     EXPECT_EQ(session.user, "admin");
+}
+
+TEST_F(LoginTest, leadsToThePageThatWasWanted) {
+    const std::string cookie = "device=" + DEVICE;
+    const CGIResponse form = run({.query = "functionID=106", .cookie = cookie});
+    expectPage(form, "200 OK", caption(9101));
+    EXPECT_EQ(valueOf(form, "functionID"), "106");
+    for (const auto& [function, page] : std::map<std::string, std::string>{
+             {"105", "/maintenance/efi_backup_restore.cgi?functionID=105"},
+             {"106", "/maintenance/efi_backup_restore.cgi?functionID=106"},
+             {"110", "/activity.cgi"}}) {
+        FakeBackend backend(accept({}));
+        expectRedirection(post("user=admin&password=admin&functionID=" + function), page);
+    }
+}
+
+TEST_F(LoginTest, leadsToNoOtherPlaceThanThePagesOfTheBoard) {
+    for (const char* target :
+         {"", "1", "1050", "105%0d%0aX:+y", "%2f%2fevil.example", "https:%2f%2fevil.example",
+          "%2flogout.cgi", "105%26x=y", "%5c%5cevil.example", "105%00"}) {
+        FakeBackend backend(accept({}));
+        expectRedirection(post(std::string("user=admin&password=admin&functionID=") + target), "/");
+        const CGIResponse form =
+            run({.query = std::string("functionID=") + target, .cookie = "device=" + DEVICE});
+        EXPECT_THAT(form.body, Not(HasSubstr("functionID"))) << target;
+    }
+}
+
+TEST_F(LoginTest, aRefusedLoginKeepsThePageThatWasWanted) {
+    FakeBackend backend(refuse(Host::BACKEND_LOGIN_REFUSED));
+    EXPECT_EQ(valueOf(post("user=admin&password=x&functionID=105"), "functionID"), "105");
 }
 
 TEST_F(LoginTest, backEndIsAskedWithExactlyWhatWasTyped) {

@@ -30,10 +30,13 @@ protected:
         return run({.cookie = cookieOf(session)});
     }
 
+    // The links to the program's screens.
     static std::vector<std::string> linksOf(const CGIResponse& response) {
         std::vector<std::string> links;
         for (const Tag& link : tagsOf(response.body, "a")) {
-            links.push_back(link.attributes.at("href"));
+            if (link.attributes.at("href").starts_with("/maintenance/")) {
+                links.push_back(link.attributes.at("href"));
+            }
         }
         return links;
     }
@@ -89,6 +92,31 @@ TEST_F(MenuTest, functionThatTheRoleLacksIsNamedAndNotLinked) {
 TEST_F(MenuTest, functionNumberIsComparedWhole) {
     const CGIResponse response = showTo(startSession("viewer", false, ",1105,10,1060,"));
     EXPECT_THAT(linksOf(response), IsEmpty());
+}
+
+TEST_F(MenuTest, everybodyIsLedToTheActivity) {
+    for (const char* functions : {"", ",105,106,110,"}) {
+        const CGIResponse response = showTo(startSession("user", false, functions));
+        int count = 0;
+        for (const Tag& link : tagsOf(response.body, "a")) {
+            count += link.attributes.at("href") == "/activity.cgi" ? 1 : 0;
+        }
+        EXPECT_EQ(count, 2);  // in the header and in the menu
+    }
+}
+
+TEST_F(MenuTest, languageIsChosenOnThePageThatWasShown) {
+    const auto choose = [](const std::string& function, const std::string& cookie) {
+        return run({.method = "POST",
+                    .form = "language=ja&functionID=" + function,
+                    .cookie = cookie})
+            .header("Location");
+    };
+    const std::string cookie = cookieOf(startSession("admin", false, ""));
+    EXPECT_EQ(choose("110", cookie), "/activity.cgi");
+    EXPECT_EQ(choose("105", ""), "/login.cgi?functionID=105");
+    EXPECT_EQ(choose("%2f%2fevil.example", cookie), "/");
+    EXPECT_EQ(choose("%2f%2fevil.example", ""), "/");
 }
 
 TEST_F(MenuTest, logoutIsAPost) {

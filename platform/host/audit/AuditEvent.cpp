@@ -123,10 +123,11 @@ std::string jsonText(const std::string& text) {
     return nlohmann::json(text).dump(-1, ' ', true, nlohmann::json::error_handler_t::replace);
 }
 
-std::string encode(const AuditEvent& event, AuditTime time) {
+std::string encode(const AuditEvent& event, AuditTime time, const std::string& board) {
     Object line;
     line.put("time", jsonText(formatTime(time)));
     line.put("event", jsonText(event.event));
+    line.putText("board", board);
     line.putText("user", event.user);
     line.putText("address", event.address);
     line.putText("session", event.session);

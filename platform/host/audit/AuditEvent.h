@@ -41,9 +41,9 @@ std::string jsonText(const std::string& text);
 
 using AuditTime = std::chrono::system_clock::time_point;
 
-// The line of `event`, with its line feed. It is ASCII: whatever a text contains cannot end the
-// line or turn its direction.
-std::string encode(const AuditEvent& event, AuditTime time);
+// The line of `event` on the board of that name, with its line feed. It is ASCII: whatever a text
+// contains cannot end the line or turn its direction.
+std::string encode(const AuditEvent& event, AuditTime time, const std::string& board);
 
 // What the log says of a file with these bytes; none when they are not a configuration file.
 std::optional<AuditedFile> auditedFile(const std::vector<unsigned char>& bytes);

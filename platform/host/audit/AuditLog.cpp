@@ -6,6 +6,7 @@
 #include "platform/host/base/SystemPath.h"
 #include "platform/host/base/platformException.h"
 #include "platform/host/base/writeWhole.h"
+#include "platform/host/channel/BoardProperties.h"
 #include "platform/host/storage/files.h"
 #include "platform/host/storage/obtainLock.h"
 
@@ -26,7 +27,6 @@ namespace {
 
 const std::chrono::seconds LONGEST_WAIT(5);
 const long long LARGEST_FILE = 1024 * 1024;
-const int FORMER_FILES = 15;
 const std::size_t LARGEST_LIMITS = 256 * 1024;
 const mode_t FILE_MODE = 0600;
 
@@ -55,6 +55,15 @@ bool syncFolder(const std::string& path) {
     const Descriptor folder(
         ::open(path.substr(0, path.rfind('/')).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     return folder.isOpen() && (::fsync(folder.get()) == 0 || errno == EINVAL);
+}
+
+// A line is written also while the board's name cannot be read.
+BoardProperties readProperties() {
+    try {
+        return readBoardProperties();
+    } catch (...) {
+        return {};
+    }
 }
 
 AuditLimits loadLimits() {
@@ -135,7 +144,7 @@ void AuditLog::rotate() {
     static_cast<void>(!::ftruncate(descriptor, size));
     ::close(descriptor);
     descriptor = -1;
-    for (int number = FORMER_FILES; number > 0; --number) {
+    for (int number = AUDIT_FORMER_FILES; number > 0; --number) {
         const std::string younger = number == 1 ? path : path + "." + std::to_string(number - 1);
         const std::string older = path + "." + std::to_string(number);
         if (std::rename(younger.c_str(), older.c_str()) != 0 && errno != ENOENT) {
@@ -145,13 +154,14 @@ void AuditLog::rotate() {
 }
 
 void AuditLog::append(const AuditEvent& event) {
-    const std::string line = encode(event, std::chrono::system_clock::now());
+    const BoardProperties board = readProperties();
+    const std::string line = encode(event, std::chrono::system_clock::now(), board.name);
     if (!writeWhole(descriptor, line) || ::fdatasync(descriptor) != 0) {
         static_cast<void>(!::ftruncate(descriptor, size));
         fail("The audit log cannot be written");
     }
     size += static_cast<long long>(line.size());
-    sendToSystemLog(line);
+    sendToSystemLog(board.syslogSocket, line);
 }
 
 void AuditLog::appendLimited(const AuditEvent& event) {

@@ -8,6 +8,9 @@
 
 namespace VeskLib::Host {
 
+// The youngest former file is audit.log.1.
+inline constexpr int AUDIT_FORMER_FILES = 15;
+
 // The board's audit log: one line of JSON for each event, /var/log/audit.log. It is rotated at
 // 1 MiB, with 15 former files kept (".1" is the youngest).
 //

@@ -1,7 +1,6 @@
 #include "platform/host/audit/systemLog.h"
 
 #include "platform/host/base/Descriptor.h"
-#include "platform/host/channel/BoardProperties.h"
 #include "platform/host/channel/SocketAddress.h"
 
 #include <sys/socket.h>
@@ -26,9 +25,8 @@ void send(const std::string& socketPath, std::string_view line) {
 
 }  // namespace
 
-void sendToSystemLog(std::string_view line) noexcept {
+void sendToSystemLog(const std::string& socketPath, std::string_view line) noexcept {
     try {
-        const std::string socketPath = readBoardProperties().syslogSocket;
         if (!socketPath.empty()) {
             send(socketPath, line);
         }

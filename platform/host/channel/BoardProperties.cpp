@@ -19,6 +19,7 @@ namespace {
 const std::size_t LARGEST_PROPERTIES = 1024 * 1024;
 
 const std::string_view MAX_PARTITIONS = "max_partitions";
+const std::string_view NAME = "name";
 const std::string_view HOST = "host";
 const std::string_view USER = "user";
 const std::string_view SYSLOG_SOCKET = "syslog_socket";
@@ -58,6 +59,9 @@ bool readLine(std::string_view name, std::string_view value, BoardProperties& pr
     if (name == USER) {
         return readUser(value, properties);
     }
+    if (name == NAME) {
+        properties.name = value;
+    }
     if (name == HOST) {
         properties.hosts.emplace_back(value);
     }
@@ -77,6 +81,9 @@ bool UserRights::allow(int function) const {
 std::vector<unsigned char> encode(const BoardProperties& properties) {
     std::string text;
     addLine(text, MAX_PARTITIONS, std::to_string(properties.maxPartitions));
+    if (!properties.name.empty()) {
+        addLine(text, NAME, properties.name);
+    }
     for (const std::string& host : properties.hosts) {
         addLine(text, HOST, host);
     }

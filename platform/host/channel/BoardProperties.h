@@ -17,6 +17,7 @@ struct UserRights {
 // "name=value" line per property.
 struct BoardProperties {
     unsigned int maxPartitions = 0;
+    std::string name = {};                         // how people tell this board from others
     std::vector<std::string> hosts = {};           // the names that the board answers to
     std::map<std::string, UserRights> users = {};  // by name
     std::string syslogSocket = {};                 // empty: the audit log is not sent there

@@ -4,6 +4,7 @@
 #include "platform/host/base/stagedFile.h"
 #include "platform/host/html/escape.h"
 #include "platform/host/html/printText.h"
+#include "platform/host/html/sharedComponents.h"
 #include "platform/host/text/Catalogue.h"
 
 #include <VeskLib/Gui/MessageMgr.h>
@@ -55,7 +56,7 @@ const Gui::HTMLComponent* find(const Components& components, std::string_view na
     static std::string key;  // keeps its memory from one name to the next
     key.assign(name);
     const auto entry = components.find(key);
-    return entry == components.end() ? nullptr : entry->second;
+    return entry == components.end() ? findShared(key) : entry->second;
 }
 
 // What a component prints.

@@ -30,7 +30,8 @@ struct SkeletonError {
 // The first three take "|script" in front of "}}" to be safe inside a JavaScript string, and
 // "|attribute" to be safe inside a quoted attribute value.
 //
-// A name is made of letters, digits and "_". A name that the map does not hold prints nothing.
+// A name is made of letters, digits and "_". A name that is neither in the map nor shared (see
+// sharedComponents.h) prints nothing.
 // Anything else between {{ and }} is malformed.
 class Skeleton {
 public:

@@ -112,6 +112,10 @@ bool isLiving(const StoredSession& session, std::time_t now) {
            session.created <= latest;
 }
 
+std::time_t endOf(const StoredSession& session) {
+    return std::min(session.lastUse + SESSION_IDLE_SECONDS, session.created + SESSION_LIFE_SECONDS);
+}
+
 enum class SessionState {
     LIVING,
     GONE,        // absent, expired, or no session at all
@@ -229,6 +233,7 @@ Session startSession(const std::string& user) {
                        .token = makeRandomText(TOKEN_BYTES),
                        .user = user,
                        .created = std::time(nullptr)};
+    session.ends = session.created + SESSION_IDLE_SECONDS;
     // Logins one after the other: two at once would each count without the other.
     const LockedFile lock(getCGIPath(LOGIN_LOCK));
     makeRoomFor(user);
@@ -260,13 +265,16 @@ bool findSession(const std::string& cookieValue, Session& session) {
     if (!equalSteadily(found.tokenSum, sha256Hex(token))) {
         return false;
     }
-    if (std::time(nullptr) - found.lastUse >= USE_PRECISION_SECONDS) {
-        utimensat(AT_FDCWD, sessionPath(identifier).c_str(), nullptr, AT_SYMLINK_NOFOLLOW);
+    const std::time_t now = std::time(nullptr);
+    if (now - found.lastUse >= USE_PRECISION_SECONDS &&
+        utimensat(AT_FDCWD, sessionPath(identifier).c_str(), nullptr, AT_SYMLINK_NOFOLLOW) == 0) {
+        found.lastUse = now;
     }
     session = {.identifier = identifier,
                .token = std::move(token),
                .user = std::move(found.user),
-               .created = found.created};
+               .created = found.created,
+               .ends = endOf(found)};
     return true;
 }
 
@@ -285,7 +293,8 @@ bool findSessionByIdentifier(const std::string& identifier, Session& session) {
     session = {.identifier = identifier,
                .token = {},
                .user = std::move(found.user),
-               .created = found.created};
+               .created = found.created,
+               .ends = endOf(found)};
     return true;
 }
 

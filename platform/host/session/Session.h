@@ -28,6 +28,9 @@ struct Session {
     std::string token;  // empty for a session that was read by its identifier
     std::string user;
     std::time_t created = 0;
+    // The last second of its life, unless it is used again; then no later than `created` +
+    // SESSION_LIFE_SECONDS.
+    std::time_t ends = 0;
 
     std::string cookieValue() const;
 };

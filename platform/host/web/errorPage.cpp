@@ -7,6 +7,8 @@
 #include "platform/host/text/Catalogue.h"
 #include "platform/host/text/issuedTexts.h"
 #include "platform/host/web/headerValue.h"
+#include "platform/host/web/ownPages.h"
+#include "platform/host/web/pageHeader.h"
 
 #include <VeskLib/Gui/HTMLCodeGenerator.h>
 #include <VeskLib/Gui/MessageMgr.h>
@@ -50,10 +52,14 @@ void printFromSkeleton(const ErrorPage& page) {
     TextString title(page.title);
     Notice message(page.message);
     TextString link("");
+    TextString login(loginPath(wantedFunction()));
+    shareBoardName();
     std::map<std::string, Gui::HTMLComponent*> components = {{"title", &title},
                                                              {"message", &message}};
     if (page.offerLogin) {
-        components["login"] = &link;
+        // Also if the session has ended while its request was worked on.
+        unshareSession();
+        components["login"] = &login;
     } else if (page.offerMenu) {
         components["menu"] = &link;
     }

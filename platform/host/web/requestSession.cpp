@@ -4,6 +4,7 @@
 #include "platform/host/base/cookies.h"
 #include "platform/host/base/requestOrigin.h"
 #include "platform/host/web/errorPage.h"
+#include "platform/host/web/pageHeader.h"
 
 #include <VeskLib/PException.h>
 
@@ -46,6 +47,7 @@ std::string requestCookie() {
 const RequestSession* findRequestSession(const std::string& cookieValue) {
     RequestSession found;
     current.reset();
+    unshareSession();
     if (!findSession(cookieValue, found.session)) {
         return nullptr;
     }
@@ -60,6 +62,8 @@ const RequestSession* findRequestSession(const std::string& cookieValue) {
     }
     found.rights = user->second;
     current = std::move(found);
+    shareBoardName();
+    shareSession(current->session);
     return &*current;
 }
 

@@ -1,0 +1,216 @@
+#include "board/web/activityRows.h"
+
+#include "platform/host/channel/BackendError.h"
+#include "platform/host/text/Catalogue.h"
+
+#include <VeskLib/Gui/HTMLCodeGenerator.h>
+#include <VeskLib/Gui/MessageMgr.h>
+#include <VeskLib/Gui/TextString.h>
+
+#include <map>
+#include <memory>
+#include <set>
+#include <string_view>
+
+namespace VeskLib::Board {
+
+namespace {
+
+const char* const ROW_SKELETON = "/usr/local/www/skel/skeleton_web_activity_tbl.txt";
+
+const std::size_t SUM_DIGITS = 12;
+
+struct Words {
+    std::string_view name;
+    int caption;
+};
+
+const Words ACTIONS[] = {
+    {"login", 9320},         {"login_failed", 9321}, {"logout", 9322},    {"session_expired", 9323},
+    {"session_ended", 9324}, {"backup", 9325},       {"download", 9326},  {"upload", 9327},
+    {"restore", 9328},       {"discard", 9329},      {"refusal", 9330},   {"fault_order", 9331},
+    {"start", 9332},         {"end", 9333},          {"anonymous", 9334}, {"repeated", 9335},
+};
+
+const int REFUSED = 9341;
+const Words RESULTS[] = {{"done", 9340}, {"refused", REFUSED}, {"begun", 9342}, {"failed", 9343}};
+
+const Words REASONS[] = {{"rights", 9357}, {"cross_site", 9362}, {"method", 9363},
+                         {"host", 9364},   {"limit", 9365},      {"user", 9366}};
+
+struct CodeWords {
+    unsigned int code;
+    int caption;
+};
+
+const CodeWords CODES[] = {
+    {Host::BACKEND_RESTORE_BUSY, 9350},       {Host::BACKEND_FILE_UNUSABLE, 9351},
+    {Host::BACKEND_PARTITION_RUNNING, 9352},  {Host::BACKEND_VERSION_DIFFERS, 9353},
+    {Host::BACKEND_NO_PARTITION, 9354},       {Host::BACKEND_NOT_STORED, 9355},
+    {Host::BACKEND_NO_SESSION, 9356},         {Host::BACKEND_NOT_ALLOWED, 9357},
+    {Host::BACKEND_CONFIGURATION_SIZE, 9358}, {Host::BACKEND_LOGIN_REFUSED, 9359},
+    {Host::BACKEND_LOGIN_TOO_SOON, 9360},     {Host::BACKEND_OTHER_FILE, 9361},
+    {Host::BACKEND_ABANDONED, 9367},
+};
+
+std::string caption(int number) {
+    return Gui::MessageMgr(Host::requestLanguage()).getString(number);
+}
+
+// The caption for `name`; 0 if there is none.
+template <std::size_t Count>
+int captionFor(const Words (&table)[Count], std::string_view name) {
+    for (const Words& words : table) {
+        if (words.name == name) {
+            return words.caption;
+        }
+    }
+    return 0;
+}
+
+// The words for `name`, or itself: a later version of the board may have written the line.
+template <std::size_t Count>
+std::string wordsFor(const Words (&table)[Count], const std::string& name) {
+    const int number = captionFor(table, name);
+    return number == 0 ? name : caption(number);
+}
+
+int captionForCode(int code) {
+    for (const CodeWords& words : CODES) {
+        if (static_cast<int>(words.code) == code) {
+            return words.caption;
+        }
+    }
+    return 0;
+}
+
+std::string describeCounts(const std::map<std::string, unsigned int>& counts) {
+    std::string text;
+    for (const auto& [event, count] : counts) {
+        text +=
+            (text.empty() ? "" : ", ") + wordsFor(ACTIONS, event) + ": " + std::to_string(count);
+    }
+    return text;
+}
+
+std::string listNumbers(const std::vector<unsigned int>& numbers) {
+    std::string text;
+    for (const unsigned int number : numbers) {
+        text += (text.empty() ? "" : ", ") + std::to_string(number);
+    }
+    return text;
+}
+
+std::string formatTime(std::time_t time, bool local, const char* format) {
+    std::tm parts = {};
+    char text[64];
+    local ? localtime_r(&time, &parts) : gmtime_r(&time, &parts);
+    return std::string(text, std::strftime(text, sizeof text, format, &parts));
+}
+
+// The texts of one row, each at its place.
+class Row {
+public:
+    explicit Row(const Host::AuditRecord& record) {
+        const Host::AuditEvent& event = record.event;
+        put("time", localTime(record.time));
+        put("time_utc", formatTime(record.time, false, "%Y-%m-%dT%H:%M:%SZ"));
+        put("time_utc_text", formatTime(record.time, false, "%Y-%m-%d %H:%M:%S UTC"));
+        put("user", event.user);
+        put("address", event.address);
+        put("action", describeAction(event));
+        put("partitions", listNumbers(event.partitions));
+        put("result", describeResult(event));
+        if (event.file) {
+            put("file", std::to_string(event.file->partition));
+            put("file_version", event.file->version);
+            put("file_sum", event.file->sha256.substr(0, SUM_DIGITS));
+        }
+    }
+
+    void print() const { Gui::HTMLCodeGenerator(ROW_SKELETON, &components).printHTML(); }
+
+private:
+    // Empty texts have no place, so that the skeleton can ask for them.
+    void put(const std::string& name, const std::string& text) {
+        if (!text.empty()) {
+            owned.push_back(std::make_unique<Gui::TextString>(text));
+            components[name] = owned.back().get();
+        }
+    }
+
+    std::vector<std::unique_ptr<Gui::HTMLComponent>> owned;
+    std::map<std::string, Gui::HTMLComponent*> components;
+};
+
+}  // namespace
+
+LatestActions readLatestActions(const std::string& user) {
+    LatestActions actions;
+    Host::AuditHistory history(MOST_AUDIT_BYTES);
+    std::set<std::string> outcomes;  // the requests whose restore has one
+    std::string_view line;
+    Host::AuditRecord record;
+    while (history.next(line)) {
+        if (!Host::decode(line, record) || (!user.empty() && record.event.user != user)) {
+            continue;
+        }
+        if (actions.records.size() == MOST_ACTIONS) {
+            actions.complete = false;
+            return actions;
+        }
+        const Host::AuditEvent& event = record.event;
+        if (event.event == "restore") {
+            if (event.result != "begun") {
+                outcomes.insert(event.request);
+            } else if (outcomes.contains(event.request)) {
+                continue;
+            }
+        }
+        actions.records.push_back(std::move(record));
+    }
+    actions.complete = !history.wasCut();
+    actions.unreadable = history.wasUnreadable();
+    return actions;
+}
+
+std::string describeAction(const Host::AuditEvent& event) {
+    return wordsFor(ACTIONS, event.event);
+}
+
+std::string describeResult(const Host::AuditEvent& event) {
+    const bool refusal = event.event == "login_failed" || event.event == "refusal";
+    std::string text = refusal                ? caption(REFUSED)
+                       : event.result.empty() ? ""
+                                              : wordsFor(RESULTS, event.result);
+    const auto add = [&text](const std::string& more, const char* open, const char* close) {
+        text += (text.empty() ? "" : " ") + (open + more) + close;
+    };
+    if (!event.reason.empty()) {
+        add(wordsFor(REASONS, event.reason), "(", ")");
+    } else if (captionForCode(event.code) != 0) {
+        add(caption(captionForCode(event.code)), "(", ")");
+    }
+    if (event.code != 0) {
+        add(std::to_string(event.code), "[", "]");
+    }
+    if (!event.order.empty()) {
+        add(event.order, "", "");
+    }
+    if (!event.counts.empty()) {
+        add(describeCounts(event.counts), "", "");
+    }
+    return text;
+}
+
+std::string localTime(std::time_t time) {
+    return formatTime(time, true, "%Y-%m-%d %H:%M:%S");
+}
+
+void printActivityRows(const LatestActions& actions) {
+    for (const Host::AuditRecord& record : actions.records) {
+        Row(record).print();
+    }
+}
+
+}  // namespace VeskLib::Board

@@ -1,0 +1,327 @@
+#include "platform/host/audit/AuditHistory.h"
+
+#include "platform/host/audit/AuditLog.h"
+#include "platform/host/base/Descriptor.h"
+#include "platform/host/base/SystemPath.h"
+#include "platform/host/storage/files.h"
+
+#include <VeskLib/getCGIPath.h>
+
+#include <nlohmann/json.hpp>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <cstdint>
+#include <cstdio>
+#include <limits>
+#include <utility>
+
+namespace VeskLib::Host {
+
+namespace {
+
+const std::size_t LONGEST_LINE = 128 * 1024;  // a restore of 256 partitions takes 40 KiB
+const std::size_t LONGEST_TEXT = 4096;
+// Those that AuditTime has.
+const int FIRST_YEAR = 1970;
+const int LAST_YEAR = 2261;
+const std::size_t MOST_PARTITIONS = 256;
+const std::size_t MOST_COUNTS = 64;
+// Far above the size at which the log is rotated.
+const std::size_t LARGEST_LOG = 16 * 1024 * 1024;
+
+// "2026-01-31T23:59:59.123Z", without the fraction.
+bool readTime(const std::string& text, std::time_t& time) {
+    using namespace std::chrono;
+    int year = 0;
+    unsigned int month = 0;
+    unsigned int day = 0;
+    int hour = 0;
+    int minute = 0;
+    int second = 0;
+    int end = 0;
+    const std::size_t SIZE = sizeof "2026-01-31T23:59:59.123Z" - 1;
+    if (text.size() != SIZE ||
+        std::sscanf(text.c_str(), "%4d-%2u-%2uT%2d:%2d:%2d.%*3uZ%n", &year, &month, &day, &hour,
+                    &minute, &second, &end) != 6 ||
+        end != static_cast<int>(SIZE)) {
+        return false;
+    }
+    const year_month_day date{std::chrono::year(year), std::chrono::month(month),
+                              std::chrono::day(day)};
+    if (year < FIRST_YEAR || year > LAST_YEAR || !date.ok() || hour < 0 || hour > 23 ||
+        minute < 0 || minute > 59 || second < 0 || second > 60) {
+        return false;
+    }
+    const sys_seconds point = sys_days(date) + hours(hour) + minutes(minute) + seconds(second);
+    time = static_cast<std::time_t>(point.time_since_epoch().count());
+    return true;
+}
+
+// Takes a line piece by piece; a document of the library would need memory when it is destroyed.
+// Every callback returns false for what no line of the log has.
+class LineReader : public nlohmann::json_sax<nlohmann::json> {
+public:
+    AuditRecord record;
+
+    bool isWhole() const { return timed && !record.event.event.empty(); }
+
+    bool start_object(std::size_t /*elements*/) override {
+        ++depth;
+        if (depth == MEMBER) {
+            where = key1 == "file" ? Place::FILE : key1 == "counts" ? Place::COUNTS : Place::OTHER;
+            if (where == Place::FILE) {
+                record.event.file.emplace();
+            }
+            return where != Place::OTHER || isForeign();
+        }
+        return depth == LINE || where == Place::OTHER;
+    }
+
+    bool end_object() override {
+        --depth;
+        leave();
+        return true;
+    }
+
+    bool start_array(std::size_t /*elements*/) override {
+        ++depth;
+        if (depth == MEMBER) {
+            where = key1 == "partitions" ? Place::PARTITIONS : Place::OTHER;
+            return where != Place::OTHER || isForeign();
+        }
+        return depth != LINE && where == Place::OTHER;
+    }
+
+    bool end_array() override {
+        --depth;
+        leave();
+        return true;
+    }
+
+    bool key(string_t& name) override {
+        if (depth == LINE) {
+            key1 = std::move(name);
+        } else if (depth == MEMBER) {
+            key2 = std::move(name);
+        }
+        return true;
+    }
+
+    bool string(string_t& value) override {
+        if (depth == LINE) {
+            return takeText(value);
+        }
+        if (depth == MEMBER && where == Place::FILE) {
+            return takeFileText(value);
+        }
+        return depth > LINE && where == Place::OTHER;
+    }
+
+    bool number_unsigned(number_unsigned_t value) override {
+        if (depth == LINE) {
+            if (key1 == "code" &&
+                value <= static_cast<number_unsigned_t>(std::numeric_limits<int>::max())) {
+                record.event.code = static_cast<int>(value);
+                return true;
+            }
+            return isForeign();
+        }
+        return depth > LINE && takeNumber(value);
+    }
+
+    bool number_integer(number_integer_t /*value*/) override { return isPassedOver(); }
+    bool number_float(number_float_t /*value*/, const string_t& /*text*/) override {
+        return isPassedOver();
+    }
+    bool null() override { return isPassedOver(); }
+    bool boolean(bool /*value*/) override { return isPassedOver(); }
+    bool binary(binary_t& /*value*/) override { return false; }
+    bool parse_error(std::size_t /*position*/, const std::string& /*token*/,
+                     const nlohmann::json::exception& /*problem*/) override {
+        return false;
+    }
+
+private:
+    enum class Place { LINE, FILE, COUNTS, PARTITIONS, OTHER };
+
+    // How many objects and arrays are open.
+    static constexpr std::size_t LINE = 1;
+    static constexpr std::size_t MEMBER = 2;
+
+    void leave() {
+        if (depth == LINE) {
+            where = Place::LINE;
+        }
+    }
+
+    // The members that have a kind of their own.
+    bool isForeign() const {
+        for (const char* name : {"time", "event", "user", "address", "request", "reason", "order",
+                                 "result", "code", "partitions", "file", "counts"}) {
+            if (key1 == name) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    bool isPassedOver() const {
+        return depth == LINE ? isForeign() : depth > LINE && where == Place::OTHER;
+    }
+
+    bool takeText(string_t& value) {
+        AuditEvent& event = record.event;
+        const std::pair<const char*, std::string*> TEXTS[] = {
+            {"event", &event.event},     {"user", &event.user},     {"address", &event.address},
+            {"request", &event.request}, {"reason", &event.reason}, {"order", &event.order},
+            {"result", &event.result}};
+        if (key1 == "time") {
+            timed = readTime(value, record.time);
+            return timed;
+        }
+        for (const auto& [name, text] : TEXTS) {
+            if (key1 == name) {
+                *text = std::move(value);
+                return text->size() <= LONGEST_TEXT;
+            }
+        }
+        return isForeign();
+    }
+
+    bool takeFileText(string_t& value) {
+        if (value.size() > LONGEST_TEXT) {
+            return false;
+        }
+        if (key2 == "sha256") {
+            record.event.file->sha256 = std::move(value);
+        } else if (key2 == "version") {
+            record.event.file->version = std::move(value);
+        }
+        return key2 != "partition";
+    }
+
+    bool takeNumber(number_unsigned_t value) {
+        const bool fits = value <= std::numeric_limits<unsigned int>::max();
+        const auto number = static_cast<unsigned int>(value);
+        switch (where) {
+            case Place::FILE:
+                if (key2 == "partition") {
+                    record.event.file->partition = number;
+                    return fits;
+                }
+                return key2 != "sha256" && key2 != "version";
+            case Place::COUNTS:
+                if (depth != MEMBER || key2.size() > LONGEST_TEXT ||
+                    record.event.counts.size() >= MOST_COUNTS) {
+                    return false;
+                }
+                record.event.counts[key2] = number;
+                return fits;
+            case Place::PARTITIONS:
+                record.event.partitions.push_back(number);
+                return fits && record.event.partitions.size() <= MOST_PARTITIONS;
+            case Place::LINE:
+            case Place::OTHER:
+                break;
+        }
+        return where == Place::OTHER;
+    }
+
+    std::size_t depth = 0;
+    Place where = Place::LINE;
+    std::string key1;
+    std::string key2;
+    bool timed = false;
+};
+
+// The last `count` bytes before `end`; fewer when the file has become shorter.
+bool readEnd(int descriptor, std::uint64_t end, std::size_t count, std::string& text) {
+    text.resize(count);
+    std::size_t filled = 0;
+    while (filled < count) {
+        const ssize_t size = ::pread(descriptor, text.data() + filled, count - filled,
+                                     static_cast<off_t>(end - count + filled));
+        if (size < 0 && errno == EINTR) {
+            continue;
+        }
+        if (size < 0) {
+            return false;
+        }
+        if (size == 0) {
+            break;
+        }
+        filled += static_cast<std::size_t>(size);
+    }
+    text.resize(filled);
+    return true;
+}
+
+}  // namespace
+
+bool decode(std::string_view line, AuditRecord& record) {
+    LineReader reader;
+    if (line.size() > LONGEST_LINE || !nlohmann::json::sax_parse(line, &reader) ||
+        !reader.isWhole()) {
+        return false;
+    }
+    record = std::move(reader.record);
+    return true;
+}
+
+bool AuditHistory::next(std::string_view& line) {
+    while (text.empty()) {
+        if (!openNext()) {
+            return false;
+        }
+    }
+    // `text` ends with a line feed or with the start of the file that was cut.
+    text.pop_back();
+    const std::size_t start = text.rfind('\n') + 1;  // npos + 1 is 0
+    current.assign(text, start);
+    text.resize(start);
+    line = current;
+    return true;
+}
+
+// Takes the next older file. While the files are looked at, they may be renamed: one that was read
+// under a younger name is passed over.
+bool AuditHistory::openNext() {
+    while (number < AUDIT_FORMER_FILES && !cut && !unreadable) {
+        ++number;
+        const std::string path =
+            getCGIPath(AUDIT_LOG) + (number == 0 ? "" : "." + std::to_string(number));
+        struct stat status = {};
+        const Descriptor file(openOwnFile(path, LARGEST_LOG, status));
+        if (!file.isOpen()) {
+            if (errno == ENOENT && number == 0) {
+                continue;  // just renamed, or none was written yet
+            }
+            unreadable = errno != ENOENT;
+            return false;
+        }
+        if (number > 0 && status.st_dev == device && status.st_ino == inode) {
+            continue;
+        }
+        device = status.st_dev;
+        inode = status.st_ino;
+        const auto size = static_cast<std::uint64_t>(status.st_size);
+        const std::size_t count = static_cast<std::size_t>(std::min<std::uint64_t>(size, budget));
+        unreadable = !readEnd(file.get(), size, count, text);
+        cut = count < size;
+        budget -= count;
+        // Half a line at either end is nobody's.
+        text.resize(text.rfind('\n') + 1);  // npos + 1 is 0
+        if (cut) {
+            text.erase(0, text.find('\n') == std::string::npos ? text.size() : text.find('\n') + 1);
+        }
+        return !unreadable;
+    }
+    return false;
+}
+
+}  // namespace VeskLib::Host

@@ -1,0 +1,275 @@
+// Which board it is, who is logged in and for how long; what was done, and the state of the
+// partitions. In every browser.
+
+import assert from "node:assert/strict";
+import { readFile, readdir, stat, utimes, writeFile } from "node:fs/promises";
+import { after, before, beforeEach, describe, test } from "node:test";
+import { THEMES, WIDTHS, assertAccessible, show } from "./support/accessibility.js";
+import { Board } from "./support/board.js";
+import {
+    BACKUP_PAGE,
+    BROWSERS,
+    Browser,
+    RESTORE_PAGE,
+    logIn,
+    textOf,
+} from "./support/browser.js";
+import { Client } from "./support/client.js";
+import { makeConfigurationFile } from "./support/configurationFile.js";
+import { demoPartitions } from "./support/demoBoard.js";
+import { eventually } from "./support/eventually.js";
+import { restoreTo, upload } from "./support/restorePage.js";
+
+const NAME = 'Rack <4> & "row" 12';
+const IDLE_SECONDS = 30 * 60;
+const LIFE_SECONDS = 12 * 60 * 60;
+
+const FILE = makeConfigurationFile({
+    saveTime: 1772884800,
+    partition: 3,
+    version: "1.23 B",
+    name: "x",
+    payload: Buffer.from("Boot mode=UEFI\n"),
+});
+
+const demo = await readFile(new URL("../../board/demo/demo.toml", import.meta.url), "utf8");
+const DESCRIPTION = demo.replace('"Demo board"', `'${NAME}'`);
+
+// Stops the clock of the page's documents, at `time` or when they are opened.
+function stopClock(page, time) {
+    return page.evaluateOnNewDocument((at) => {
+        window.clock = at ?? Date.now();
+        Date.now = () => window.clock;
+    }, time);
+}
+
+// Has the stopped clock go on until the page counts so many seconds of its session.
+async function skipTo(page, seconds) {
+    await page.evaluate((rest) => {
+        const { left } = document.getElementById("session").dataset;
+        window.clock += (Number(left) - rest) * 1000;
+    }, seconds);
+}
+
+for (const kind of BROWSERS) {
+    describe(`the pages of a board in ${kind}`, () => {
+        let board;
+        let browser;
+        let page;
+
+        before(async () => {
+            board = await Board.start(DESCRIPTION);
+            browser = await Browser.start("en", kind);
+        });
+        after(async () => {
+            await browser?.stop();
+            await board?.remove();
+        });
+        beforeEach(async () => {
+            page = await browser.newPage();
+            await stopClock(page);
+        });
+
+        async function sessionFile() {
+            const cookies = await page.browserContext().cookies();
+            const { value } = cookies.find(({ name }) => name === "session");
+            return board.path("var/lib/session", value.split("-")[0]);
+        }
+
+        async function noticeShows(words) {
+            await eventually(async () =>
+                assert.match(await textOf(page, "#session_notice"), words));
+        }
+
+        test("every page names the board", async () => {
+            const shown = async (target) => {
+                await page.goto(board.url(target));
+                assert.ok((await page.title()).includes(` - ${NAME} - `), target);
+                assert.equal(await textOf(page, "header .board-name"), NAME, target);
+            };
+            await shown("/login.cgi");
+            await shown(BACKUP_PAGE);  // the error page of somebody who is not logged in
+            await logIn(page, board);
+            for (const target of ["/", "/activity.cgi", BACKUP_PAGE, RESTORE_PAGE, `${BACKUP_PAGE}9`]) {
+                await shown(target);
+                assert.equal(await textOf(page, "header strong"), "admin", target);
+                assert.match(await textOf(page, "#session"), /^Session ends in (29|30) min \(\d\d:\d\d\)$/);
+            }
+        });
+
+        test("one logs out on a screen of the program", async () => {
+            await logIn(page, board);
+            await page.goto(board.url(RESTORE_PAGE));
+            const file = await sessionFile();
+            await Promise.all([page.waitForNavigation(), page.click("header button")]);
+            assert.equal(new URL(page.url()).pathname, "/login.cgi");
+            await assert.rejects(stat(file), /ENOENT/);
+            assert.equal(await page.$("#session"), null);
+        });
+
+        test("a minute before the end the page says so, and one can stay on it", async () => {
+            await logIn(page, board);
+            await page.goto(board.url(RESTORE_PAGE));
+            const file = await sessionFile();
+            assert.equal(await textOf(page, "#session_notice"), "");
+            await skipTo(page, 90);
+            await eventually(async () =>
+                assert.match(await textOf(page, "#session"), /in 1 min/));
+            assert.equal(await textOf(page, "#session_notice"), "");
+            const then = new Date(Date.now() - (IDLE_SECONDS / 2) * 1000);
+            await utimes(file, then, then);
+            await page.evaluate(() => { window.clock += 40000; });
+            await noticeShows(/Your session ends in one minute/);
+            assert.equal(await page.$eval("#session_notice", (each) => each.ariaLive), "assertive");
+            assert.match(await textOf(page, "#session"), /in < 1 min/);
+            if (kind === "chromium") {
+                await assertAccessible(page);
+            }
+            await page.focus("#session_notice button");
+            await page.keyboard.press("Enter");
+            await noticeShows(/^You stay logged in\.$/);
+            assert.match(await textOf(page, "#session"), /in (29|30) min/);
+            assert.ok((await stat(file)).mtimeMs > then.getTime());
+            assert.ok(page.url().includes("functionID=106"));
+        });
+
+        test("a session at the end of its life cannot be prolonged", async () => {
+            await logIn(page, board);
+            const file = await sessionFile();
+            const text = await readFile(file, "utf8");
+            const created = Math.floor(Date.now() / 1000) - LIFE_SECONDS + 600;
+            await writeFile(file, text.replace(/created=\d+/, `created=${created}`));
+            await page.goto(board.url("/"));
+            assert.match(await textOf(page, "#session"), /in (9|10) min/);
+            await skipTo(page, 30);
+            await noticeShows(/lasts 12 hours at most/);
+            assert.equal(await page.$("#session_notice button"), null);
+        });
+
+        test("an ended session is reported, and a login leads back", async () => {
+            await logIn(page, board);
+            await page.goto(board.url(RESTORE_PAGE));
+            await page.deleteCookie(...(await page.cookies()));
+            await skipTo(page, 0);
+            await noticeShows(/Your session has ended/);
+            await Promise.all([page.waitForNavigation(), page.click("#session_notice a")]);
+            await page.type("input[name=user]", "admin");
+            await page.type("input[name=password]", "admin");
+            await Promise.all([page.waitForNavigation(), page.keyboard.press("Enter")]);
+            assert.equal(page.url(), board.url(RESTORE_PAGE));
+        });
+
+        test("staying without a session is reported as failed", async () => {
+            await logIn(page, board);
+            await skipTo(page, 30);
+            await noticeShows(/ends in one minute/);
+            await page.deleteCookie(...(await page.cookies()));
+            await page.click("#session_notice button");
+            await noticeShows(/did not confirm/);
+        });
+
+        test("the other pages of the browser learn of a use", async () => {
+            await logIn(page, board);
+            await skipTo(page, 150);
+            await eventually(async () =>
+                assert.match(await textOf(page, "#session"), /in 2 min/));
+            const other = await page.browserContext().newPage();
+            await stopClock(other, await page.evaluate(() => window.clock));
+            await other.goto(board.url("/"));
+            await eventually(async () =>
+                assert.match(await textOf(page, "#session"), /in (29|30) min/));
+        });
+
+        test("a bookmark leads through the login to its page", async () => {
+            for (const target of [BACKUP_PAGE, RESTORE_PAGE]) {
+                page = await browser.newPage();
+                await page.goto(board.url(target));
+                await Promise.all([page.waitForNavigation(), page.click("main a")]);
+                await page.type("input[name=user]", "admin");
+                await page.type("input[name=password]", "admin");
+                await Promise.all([page.waitForNavigation(), page.keyboard.press("Enter")]);
+                assert.equal(page.url(), board.url(target));
+            }
+        });
+
+        test("activity and menu tell what was done, also without scripts", async () => {
+            await (await Client.loggedIn(board)).backUp(5);
+            await logIn(page, board);
+            await upload(page, board, "a.dat", FILE);
+            await restoreTo(page, [3]);
+            if (kind === "chromium") {
+                await page.setJavaScriptEnabled(false);
+            }
+            await Promise.all([page.waitForNavigation(), page.click('header a[href="/activity.cgi"]')]);
+            const rows = await page.$$eval("tbody tr", (elements) =>
+                elements.map((row) => row.textContent.replace(/\s+/g, " ").trim()));
+            assert.match(rows[0], /admin.*Restore.*3.*Saved from partition 3, BIOS version 1\.23 B.*Done/);
+            assert.match(rows[1], /Upload of a file.*Done/);
+            assert.ok(rows.some((row) => /admin127.*Backup5Saved from partition 5/.test(row)));
+            await page.goto(board.url("/"));
+            const state = await page.$$eval("tbody tr", (elements) =>
+                elements.map((row) => [...row.cells].map((cell) => cell.textContent)));
+            const installed = [...demoPartitions()].filter(([, partition]) => partition.installed);
+            assert.deepEqual(
+                state.map(([number, name]) => [number, name]),
+                installed.map(([number, partition]) => [String(number), partition.name]));
+            assert.match(state[2][4], /Less than a day ago.*by admin/);
+            assert.match(state[3][3], /Less than a day ago.*by admin/);
+            assert.match(state[4][3], /None in the log/);
+        });
+
+        test("the menu is usable while the back-end is silent", async () => {
+            await logIn(page, board);
+            await board.control("silent");
+            await page.goto(board.url("/"));
+            assert.match(await textOf(page, "main [role=alert]"), /does not answer.*\[9394-2002\]/);
+            assert.ok(await page.$(`main a[href="${BACKUP_PAGE}"]`));
+        });
+    });
+}
+
+describe("the pages of a board, for everybody", () => {
+    let board;
+
+    before(async () => {
+        board = await Board.start(DESCRIPTION);
+    });
+    after(() => board?.remove());
+
+    for (const language of ["en", "ja"]) {
+        test(`are accessible in ${language}`, async () => {
+            const browser = await Browser.start(language);
+            try {
+                const page = await browser.newPage();
+                await logIn(page, board);
+                await upload(page, board, "a.dat", FILE);
+                await restoreTo(page, [3]);
+                await upload(page, board, "a.dat", FILE);
+                await restoreTo(page, [7]);
+                for (const theme of THEMES) {
+                    for (const width of WIDTHS) {
+                        await show(page, theme, width);
+                        for (const target of ["/", "/activity.cgi", RESTORE_PAGE]) {
+                            await page.goto(board.url(target));
+                            await assertAccessible(page);
+                        }
+                    }
+                }
+            } finally {
+                await browser.stop();
+            }
+        });
+    }
+
+    test("the audit log names the board in every line", async () => {
+        const names = (await readdir(board.path("var/log"))).filter((name) =>
+            /^audit\.log/.test(name));
+        const texts = await Promise.all(
+            names.map((name) => readFile(board.path("var/log", name), "utf8")));
+        const lines = texts.join("").trim().split("\n");
+        assert.ok(lines.length > 3);
+        for (const line of lines) {
+            assert.equal(JSON.parse(line).board, NAME);
+        }
+    });
+});
