@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/host/channel/BackendError.h"
 #include "platform/host/base/RefusalDetails.h"
+#include "platform/host/channel/BackendError.h"
 
 #include <string>
 

@@ -94,20 +94,21 @@ TEST_F(BackendTest, beginsServesAndEnds) {
     ReplyFrame reply;
     EXPECT_EQ(ask({RequestKind::GET, VeskUi::GET_PARTITION_INFO, SESSION, {}}, reply), 0);
     EXPECT_EQ(readText(boardFile(BOARD_PROPERTIES)),
-              "max_partitions=8\nhost=127.0.0.1\nhost=[::1]\nhost=localhost\n"
-              "user=0 ,105,106, admin\nuser=0 - viewer\n");
+              "max_partitions=8\nname=Demo board\nhost=127.0.0.1\nhost=[::1]\nhost=localhost\n"
+              "user=0 ,105,106,110, admin\nuser=0 - viewer\n");
     EXPECT_EQ(backend.stop(SIGTERM), 0);
     EXPECT_EQ(backend.errors(), "");
     EXPECT_FALSE(exists(boardFile(BACKEND_SOCKET)));
 }
 
 TEST_F(BackendTest, tellsTheWebSideItsNames) {
-    writePrivateText(at("board.toml"), "max_partitions = 8\nhost_names = [\"Board.Example\"]\n");
+    writePrivateText(at("board.toml"),
+                     "name = \"Board 7\"\nmax_partitions = 8\nhost_names = [\"Board.Example\"]\n");
     BackendProcess backend({"--root", root(), "--board", at("board.toml"), "--host", "fe80::1",
                             "--host", "Other-name"});
     ASSERT_TRUE(backend.waitUntilReady());
     EXPECT_EQ(readText(boardFile(BOARD_PROPERTIES)),
-              "max_partitions=8\nhost=127.0.0.1\nhost=[::1]\nhost=localhost\n"
+              "max_partitions=8\nname=Board 7\nhost=127.0.0.1\nhost=[::1]\nhost=localhost\n"
               "host=board.example\nhost=[fe80::1]\nhost=other-name\n");
     EXPECT_EQ(readText(boardFile(WEB_SERVER_HOSTS)),
               "var.hosts = \"^$|^(127\\.0\\.0\\.1|\\[::1\\]|localhost|board\\.example|"

@@ -335,7 +335,7 @@ TEST(DemoBoard, holdsEveryCaseThatPagesMustCopeWith) {
     EXPECT_EQ(demo.partitions[3].nodeIds, (Bytes{0x13, 0x21}));
     EXPECT_GT(demo.partitions[5].initialPayload.size(), 390000U);
     ASSERT_EQ(demo.users.size(), 2U);
-    EXPECT_EQ(demo.users[0].rights.functions, ",105,106,");
+    EXPECT_EQ(demo.users[0].rights.functions, ",105,106,110,");
     EXPECT_EQ(demo.users[1].rights.functions, "");
 }
 

@@ -51,11 +51,12 @@ class Fuzzing(DocumentTest):
     def test_the_runs_add_up_as_stated(self):
         rows = self.table("target", "runs")
         self.assertEqual([codes_in(row[0])[0] for row in rows], self.targets)
-        runs = [number(row[1]) for row in rows]
-        least, whole = self.stated(r"Reached, in several rounds: (\d+) million or more of each, "
-                                   r"([\d,]+) in all")
-        self.assertGreaterEqual(min(runs), least * 10 ** 6)
-        self.assertEqual(sum(runs), number(whole))
+        runs = {codes_in(row[0])[0]: number(row[1]) for row in rows}
+        least, newest, whole = self.stated(r"Reached, in several rounds: (\d+) million or more of each "
+                                           r"but `(\w+)`, the newest, ([\d,]+) in all")
+        self.assertEqual({name for name, count in runs.items() if count < least * 10 ** 6},
+                         {newest})
+        self.assertEqual(sum(runs.values()), number(whole))
 
     def test_the_forms_have_the_stated_lengths(self):
         script = read("tests/fuzz/run")

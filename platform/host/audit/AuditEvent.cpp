@@ -86,7 +86,8 @@ void putSums(Object& line, const char* name, const std::map<unsigned int, std::s
 void putCounts(Object& line, const std::map<std::string, unsigned int>& counts) {
     Object object;
     for (const auto& [name, count] : counts) {
-        object.put(name, std::to_string(count));
+        const std::string quoted = jsonText(name);
+        object.put(std::string_view(quoted).substr(1, quoted.size() - 2), std::to_string(count));
     }
     if (!counts.empty()) {
         line.put("counts", object.end());

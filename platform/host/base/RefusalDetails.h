@@ -13,7 +13,7 @@ struct RefusalDetails {
         std::string version;  // of its BIOS, where the code is about versions; else empty
     };
 
-    std::string fileVersion;            // that the staged file holds, where the code is about versions
+    std::string fileVersion;  // that the staged file holds, where the code is about versions
     std::vector<Partition> partitions;  // by number
 };
 
