@@ -299,7 +299,7 @@ for (const [way, Client] of Object.entries(WAYS)) {
 
             test("the field \"message\" shows the notice again, even when it is empty", async () => {
                 const answer = await client.get(`${SCREEN}?functionID=106&message=`);
-                assert.match(answer.text, /role="alert"[^>]*><p>The BIOS configuration was restored/);
+                assert.match(answer.text, /data-message="70"[^>]*>The BIOS configuration was restored/);
             });
         });
 

@@ -81,7 +81,7 @@ def followUp(lines, problems):
                 if before[number] not in known.get(number, {before[number]}) and result == "begun":
                     problems.append(f"the log says that partition {number} held what it did not")
                 known[number] = {"begun": {before[number], after[number]}, "done": {after[number]},
-                                 "failed": {before[number]}}[result]
+                                 "failed": {before[number]}, "refused": {before[number]}}[result]
     return known
 
 
