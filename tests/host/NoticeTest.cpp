@@ -1,4 +1,4 @@
-#include "tests/support/printedBy.h"
+#include "tests/host/printSkeleton.h"
 
 #include <VeskLib/Gui/JsFunction.h>
 #include <VeskLib/Gui/MessageMgr.h>
@@ -24,7 +24,7 @@ std::string text(int message, int code) {
 std::string noticeOf(const std::string& message) {
     Gui::JsFunction function("onLoadFunction()");
     function.addAlertFunction(message);
-    return printedHTML(function);
+    return printedIn("en", [&function] { function.printHTML(); });
 }
 
 std::string outcome(const char* name) {

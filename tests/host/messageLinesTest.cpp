@@ -2,6 +2,7 @@
 
 #include "platform/host/base/RefusalDetails.h"
 #include "platform/host/text/issuedTexts.h"
+#include "tests/host/printSkeleton.h"
 #include "tests/support/hostileTexts.h"
 #include "tests/support/markup.h"
 #include "tests/support/printedBy.h"
@@ -45,7 +46,7 @@ protected:
 
     static std::string printedWith(const Host::RefusalDetails& details, int code = 1549) {
         Host::noteRefusal(code, details);
-        const std::string printed = printedBy([] { printMessage("refused [73-1549]"); });
+        const std::string printed = printedIn("en", [] { printMessage("refused [73-1549]"); });
         const std::string end = "refused [73-1549]</p>";
         return printed.substr(printed.find(end) + end.size());
     }

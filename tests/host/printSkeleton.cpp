@@ -17,9 +17,13 @@ std::string print(const std::string& source, const Components& components) {
 }
 
 std::string printIn(const std::string& language, const std::string& source) {
+    return printedIn(language, [&source] { Skeleton(source).print({}); });
+}
+
+std::string printedIn(const std::string& language, const std::function<void()>& work) {
     const ChildResult result = runInChild(
-        [&source] {
-            Skeleton(source).print({});
+        [&work] {
+            work();
             return 0;
         },
         {.environment = {{"HTTP_ACCEPT_LANGUAGE", language}}, .input = {}});
