@@ -7,7 +7,7 @@ namespace VeskLib::Host {
 
 std::string readEnvironment(const char* name) {
     const char* value = std::getenv(name);
-    return value == nullptr ? std::string() : std::string(value);
+    return value == nullptr ? "" : value;
 }
 
 std::vector<std::string> readCookies(const std::string& name) {

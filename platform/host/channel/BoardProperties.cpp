@@ -74,8 +74,10 @@ bool readLine(std::string_view name, std::string_view value, BoardProperties& pr
 }  // namespace
 
 bool UserRights::allow(int function) const {
-    return everyFunction ||
-           functions.find("," + std::to_string(function) + ",") != std::string::npos;
+    std::string listed = ",";
+    listed += std::to_string(function);
+    listed += ',';
+    return everyFunction || functions.find(listed) != std::string::npos;
 }
 
 std::vector<unsigned char> encode(const BoardProperties& properties) {

@@ -22,8 +22,7 @@ bool isRequestKind(std::uint8_t kind) {
 std::vector<unsigned char> readRest(VeskUi::WireReader& reader) {
     const std::size_t count = reader.remaining();
     const unsigned char* rest = reader.readBytes(count);
-    return rest == nullptr ? std::vector<unsigned char>()
-                           : std::vector<unsigned char>(rest, rest + count);
+    return {rest, rest + count};
 }
 
 }  // namespace

@@ -26,7 +26,10 @@ void writeU8(VeskUi::WireWriter& writer, std::uint8_t value) {
 
 std::string readText(VeskUi::WireReader& reader, std::size_t count) {
     const unsigned char* start = reader.readBytes(count);
-    return start == nullptr ? std::string() : std::string(start, start + count);
+    if (start == nullptr) {
+        return {};
+    }
+    return {start, start + count};
 }
 
 std::size_t wireTextSize(const std::string& text) {
