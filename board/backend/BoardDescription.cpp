@@ -4,15 +4,6 @@
 
 namespace VeskLib::Board {
 
-namespace {
-
-// A node identifier holds the kind of board in its three high bits and the board's number in its
-// four low bits. Bit 4 says nothing about which board it is.
-const unsigned int KIND_SHIFT = 5;
-const unsigned int NUMBER_MASK = 0x0F;
-
-}  // namespace
-
 bool BoardDescription::isInstalled(unsigned int partition) const {
     return partition < partitions.size() && partitions[partition].installed;
 }
@@ -25,8 +16,8 @@ const User* BoardDescription::findUser(const std::string& name) const {
 
 std::string BoardDescription::biosVersionOf(const PartitionDescription& partition) const {
     for (const unsigned char id : partition.nodeIds) {
-        const SystemBoard& board = systemBoards[id & NUMBER_MASK];
-        if (id >> KIND_SHIFT == Host::SYSTEM_BOARD && board.installed && board.home) {
+        const SystemBoard& board = systemBoards[Host::nodeNumber(id)];
+        if (Host::nodeKind(id) == Host::SYSTEM_BOARD && board.installed && board.home) {
             return board.biosVersion;
         }
     }

@@ -57,7 +57,7 @@ Host::ConfigurationFile readStagedFile(const RestoreRequest& request, Host::Audi
         throw Refusal{Host::BACKEND_FILE_UNUSABLE, path + " is no usable configuration file"};
     }
     event.file = Host::auditedFile(bytes);
-    if (!request.stagedFile.empty() && request.stagedFile != Host::sha256Hex(bytes)) {
+    if (!request.stagedFile.empty() && request.stagedFile != event.file->sha256) {
         throw Refusal{Host::BACKEND_OTHER_FILE, path + " is not the file that the page showed"};
     }
     return file;
@@ -140,21 +140,22 @@ void replaceRecorded(ConfigurationStore& store, const std::set<unsigned int>& pa
         abandoned = !isAwaited();
         return !abandoned;
     });
+    std::optional<Refusal> refusal;
     event.result = "done";
     if (!stored) {
+        refusal = abandoned
+                      ? Refusal{Host::BACKEND_ABANDONED, "its client has gone"}
+                      : Refusal{Host::BACKEND_NOT_STORED, "the configurations cannot be written"};
         event.result = abandoned ? "refused" : "failed";
-        event.code = abandoned ? Host::BACKEND_ABANDONED : Host::BACKEND_NOT_STORED;
+        event.code = refusal->code;
     }
     try {
         log.append(event);
     } catch (...) {  // whatever it was, the partitions are as they are
         throw Refusal{Host::BACKEND_OUTCOME_NOT_RECORDED, "the audit log lacks the outcome"};
     }
-    if (!stored && abandoned) {
-        throw Refusal{Host::BACKEND_ABANDONED, "nobody waits for it any more"};
-    }
-    if (!stored) {
-        throw Refusal{Host::BACKEND_NOT_STORED, "the configurations cannot be written"};
+    if (refusal) {
+        throw Refusal(*refusal);
     }
 }
 

@@ -20,16 +20,15 @@ struct RestoreRequest {
 };
 
 // Gives the targets the configuration in the session's staging file: all of them, or none when
-// Refusal is thrown. Refuses another file than the page showed (BACKEND_OTHER_FILE), and asks
-// directly before the change whether the client is still there (BACKEND_ABANDONED): nobody would
-// learn of a change that comes after its page has given up.
+// Refusal is thrown. Refuses another file than the page showed (BACKEND_OTHER_FILE). Directly
+// before the change, checks that the client is still connected (BACKEND_ABANDONED): the page of one
+// that has given up says that the outcome is not known.
 //
 // `lockPath` names the file that is locked during a restore. A restore that finds it locked is
 // refused at once (BACKEND_RESTORE_BUSY).
 //
 // Completes `event` and records it twice: before anything is changed, with the result "begun", and
-// afterwards, "done", "failed" or
-// "refused". A restore that cannot be recorded is refused.
+// afterwards, "done", "failed" or "refused". A restore that cannot be recorded is refused.
 void restoreConfiguration(const BoardDescription& description, ConfigurationStore& store,
                           const FaultSwitches& switches, const std::string& lockPath,
                           const RestoreRequest& request, Host::AuditEvent& event);

@@ -1,15 +1,14 @@
 // Makes a running back-end go wrong, for tests and demonstrations.
 
 #include "board/control/describeFailure.h"
+#include "platform/host/base/flushOutput.h"
 #include "platform/host/base/standardDescriptors.h"
 #include "platform/host/channel/Channel.h"
 
 #include <CLI/CLI.hpp>
 
-#include <cerrno>
 #include <csignal>
 #include <cstdlib>
-#include <cstring>
 #include <iostream>
 #include <string>
 
@@ -38,18 +37,9 @@ int send(const std::string& order) {
     return DONE;
 }
 
-// Standard output may be full or closed: then nobody learns what the back-end answered.
+// The status to end with: an answer that could not be printed is a failure.
 int endWith(int status) {
-    errno = 0;
-    if (std::cout.flush()) {
-        return status;
-    }
-    std::cerr << "boardctl: the answer could not be printed";
-    if (errno != 0) {
-        std::cerr << ": " << std::strerror(errno);
-    }
-    std::cerr << '\n';
-    return FAILED;
+    return flushOutput("boardctl") ? status : FAILED;
 }
 
 // The orders, each a subcommand that leaves the words for the back-end in `order`.

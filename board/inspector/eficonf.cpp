@@ -2,13 +2,12 @@
 
 #include "board/inspector/FileReport.h"
 #include "board/inspector/printReport.h"
+#include "platform/host/base/flushOutput.h"
 #include "platform/host/base/standardDescriptors.h"
 
 #include <CLI/CLI.hpp>
 
-#include <cerrno>
 #include <csignal>
-#include <cstring>
 #include <iostream>
 
 namespace {
@@ -83,18 +82,9 @@ int compareFiles(const Options& options) {
     return differences.empty() ? SAME : DIFFERENT;
 }
 
-// Standard output may be full or closed: then the status that was worked out means nothing.
+// The status to end with, which means nothing without what it is about.
 int endWith(int status) {
-    errno = 0;
-    if (std::cout.flush()) {
-        return status;
-    }
-    std::cerr << "eficonf: the answer could not be printed";
-    if (errno != 0) {
-        std::cerr << ": " << std::strerror(errno);
-    }
-    std::cerr << '\n';
-    return NOT_PRINTED;
+    return VeskLib::Host::flushOutput("eficonf") ? status : NOT_PRINTED;
 }
 
 CLI::App* addCommand(CLI::App& application, const char* name, const char* description,

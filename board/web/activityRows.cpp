@@ -1,15 +1,9 @@
 #include "board/web/activityRows.h"
 
+#include "board/web/SkeletonRow.h"
 #include "platform/host/channel/BackendError.h"
-#include "platform/host/text/Catalogue.h"
-
-#include <VeskLib/Gui/HTMLCodeGenerator.h>
-#include <VeskLib/Gui/MessageMgr.h>
-#include <VeskLib/Gui/TextString.h>
 
 #include <map>
-#include <memory>
-#include <set>
 #include <string_view>
 
 namespace VeskLib::Board {
@@ -52,10 +46,6 @@ const CodeWords CODES[] = {
     {Host::BACKEND_LOGIN_TOO_SOON, 9360},     {Host::BACKEND_OTHER_FILE, 9361},
     {Host::BACKEND_ABANDONED, 9367},
 };
-
-std::string caption(int number) {
-    return Gui::MessageMgr(Host::requestLanguage()).getString(number);
-}
 
 // The caption for `name`; 0 if there is none.
 template <std::size_t Count>
@@ -109,9 +99,9 @@ std::string formatTime(std::time_t time, bool local, const char* format) {
 }
 
 // The texts of one row, each at its place.
-class Row {
+class Row : public SkeletonRow {
 public:
-    explicit Row(const Host::AuditRecord& record) {
+    explicit Row(const Host::AuditRecord& record) : SkeletonRow(ROW_SKELETON) {
         const Host::AuditEvent& event = record.event;
         put("time", localTime(record.time));
         put("time_utc", formatTime(record.time, false, "%Y-%m-%dT%H:%M:%SZ"));
@@ -127,28 +117,25 @@ public:
             put("file_sum", event.file->sha256.substr(0, SUM_DIGITS));
         }
     }
-
-    void print() const { Gui::HTMLCodeGenerator(ROW_SKELETON, &components).printHTML(); }
-
-private:
-    // Empty texts have no place, so that the skeleton can ask for them.
-    void put(const std::string& name, const std::string& text) {
-        if (!text.empty()) {
-            owned.push_back(std::make_unique<Gui::TextString>(text));
-            components[name] = owned.back().get();
-        }
-    }
-
-    std::vector<std::unique_ptr<Gui::HTMLComponent>> owned;
-    std::map<std::string, Gui::HTMLComponent*> components;
 };
 
 }  // namespace
 
+bool RestoreOutcomes::settle(const Host::AuditEvent& event) {
+    if (event.event != "restore") {
+        return false;
+    }
+    if (event.result == "begun") {
+        return requests.contains(event.request);
+    }
+    requests.insert(event.request);
+    return false;
+}
+
 LatestActions readLatestActions(const std::string& user) {
     LatestActions actions;
     Host::AuditHistory history(MOST_AUDIT_BYTES);
-    std::set<std::string> outcomes;  // the requests whose restore has one
+    RestoreOutcomes outcomes;
     std::string_view line;
     Host::AuditRecord record;
     while (history.next(line)) {
@@ -159,15 +146,9 @@ LatestActions readLatestActions(const std::string& user) {
             actions.complete = false;
             return actions;
         }
-        const Host::AuditEvent& event = record.event;
-        if (event.event == "restore") {
-            if (event.result != "begun") {
-                outcomes.insert(event.request);
-            } else if (outcomes.contains(event.request)) {
-                continue;
-            }
+        if (!outcomes.settle(record.event)) {
+            actions.records.push_back(std::move(record));
         }
-        actions.records.push_back(std::move(record));
     }
     actions.complete = !history.wasCut();
     actions.unreadable = history.wasUnreadable();

@@ -2,6 +2,7 @@
 
 #include "platform/host/audit/AuditHistory.h"
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,17 @@ struct LatestActions {
     std::vector<Host::AuditRecord> records;
     bool complete = true;     // false if older actions were left out
     bool unreadable = false;  // the log, or one of its former files
+};
+
+// Which restores have an outcome, found in the log from its newest line on.
+class RestoreOutcomes {
+public:
+    // Notes the outcome of a restore. Returns true if `event` is the beginning of one whose outcome
+    // was noted before.
+    bool settle(const Host::AuditEvent& event);
+
+private:
+    std::set<std::string> requests;
 };
 
 inline constexpr std::size_t MOST_ACTIONS = 100;

@@ -1,24 +1,20 @@
 #include "board/web/dailyRound.h"
 
+#include "board/web/SkeletonRow.h"
 #include "board/web/activityRows.h"
 #include "data/HardInstallInfoPacket.h"
 #include "data/requestNumbers.h"
 #include "platform/host/channel/Channel.h"
 #include "platform/host/channel/boardRecords.h"
-#include "platform/host/text/Catalogue.h"
+#include "platform/host/channel/takeAnswer.h"
 
 #include <VeskLib/CommonUtil.h>
-#include <VeskLib/Gui/HTMLCodeGenerator.h>
-#include <VeskLib/Gui/MessageMgr.h>
-#include <VeskLib/Gui/TextString.h>
-#include <VeskLib/PException.h>
 #include <VeskLib/VeskUi/PartitionInfoPacket.h>
 #include <VeskLib/VeskUi/VersionInfoPacket.h>
 
 #include <map>
-#include <memory>
-#include <set>
 #include <string_view>
+#include <utility>
 
 namespace VeskLib::Board {
 
@@ -29,8 +25,6 @@ const char* const ROW_SKELETON = "/usr/local/www/skel/skeleton_web_round_tbl.txt
 // The menu is there soon, whatever the back-end does.
 const int PATIENCE_MILLISECONDS = 3000;
 
-const unsigned int KIND_SHIFT = 5;
-const unsigned int NUMBER_MASK = 0x0F;
 const std::time_t DAY = 24 * 60 * 60;
 
 enum RoundCaption : int {
@@ -42,9 +36,7 @@ enum RoundCaption : int {
     BY = 9393,
 };
 
-// Throws PException if the object does not take the bytes.
-template <typename Packet>
-int ask(Host::Channel& channel, std::uint32_t number, Packet& packet) {
+int ask(Host::Channel& channel, std::uint32_t number, VeskUi::SerializableObject& packet) {
     Host::RequestFrame request;
     request.number = number;
     Host::ReplyFrame reply;
@@ -52,12 +44,7 @@ int ask(Host::Channel& channel, std::uint32_t number, Packet& packet) {
     if (code != 0) {
         return code;
     }
-    try {
-        const auto size = static_cast<unsigned int>(reply.payload.size());
-        return packet.setSerialized(reply.payload.data(), size) ? 0 : Host::CHANNEL_BAD_OBJECT;
-    } catch (const PException&) {
-        return Host::CHANNEL_BAD_OBJECT;
-    }
+    return Host::takeAnswer(std::move(reply.payload), packet);
 }
 
 // The version of the partition's home board.
@@ -67,18 +54,14 @@ std::string versionOf(int partition, const VeskUi::PartitionInfoPacket& partitio
     std::vector<unsigned char> nodes;
     partitions.getNodeIds(partition, nodes);
     for (const unsigned char node : nodes) {
-        const int board = static_cast<int>(node & NUMBER_MASK);
-        if (node >> KIND_SHIFT == Host::SYSTEM_BOARD &&
+        const int board = static_cast<int>(Host::nodeNumber(node));
+        if (Host::nodeKind(node) == Host::SYSTEM_BOARD &&
             boards.isInstalled(Host::SYSTEM_BOARD, board) &&
             boards.isHome(Host::SYSTEM_BOARD, board, 0)) {
             return versions.getBIOSVersion(board, 0);
         }
     }
     return "-";
-}
-
-std::string caption(int number) {
-    return Gui::MessageMgr(Host::requestLanguage()).getString(number);
 }
 
 std::string ageOf(std::time_t time) {
@@ -89,9 +72,9 @@ std::string ageOf(std::time_t time) {
     return days == 1 ? caption(ONE_DAY_AGO) : std::to_string(days) + caption(DAYS_AGO);
 }
 
-class Row {
+class Row : public SkeletonRow {
 public:
-    Row(const RoundRow& row, bool mayBackUp, bool mayRestore) {
+    Row(const RoundRow& row, bool mayBackUp, bool mayRestore) : SkeletonRow(ROW_SKELETON) {
         put("pid", std::to_string(row.number));
         put("part_name", row.name);
         put("version", row.version);
@@ -105,14 +88,7 @@ public:
         }
     }
 
-    void print() const { Gui::HTMLCodeGenerator(ROW_SKELETON, &components).printHTML(); }
-
 private:
-    void put(const std::string& name, const std::string& text) {
-        owned.push_back(std::make_unique<Gui::TextString>(text));
-        components[name] = owned.back().get();
-    }
-
     void putTime(const std::string& name, const LastTime& last) {
         if (last.time == 0) {
             put(name + "_age", caption(NOT_IN_LOG));
@@ -125,9 +101,6 @@ private:
             put(name + "_uncertain", caption(OUTCOME_UNKNOWN));
         }
     }
-
-    std::vector<std::unique_ptr<Gui::HTMLComponent>> owned;
-    std::map<std::string, Gui::HTMLComponent*> components;
 };
 
 }  // namespace
@@ -164,7 +137,7 @@ bool findLastTimes(std::vector<RoundRow>& rows) {
         byNumber[row.number] = &row;
     }
     std::size_t missing = 2 * rows.size();
-    std::set<std::string> outcomes;  // the requests whose restore has one
+    RestoreOutcomes outcomes;
     Host::AuditHistory history(MOST_AUDIT_BYTES);
     std::string_view line;
     Host::AuditRecord record;
@@ -177,11 +150,8 @@ bool findLastTimes(std::vector<RoundRow>& rows) {
         }
         const Host::AuditEvent& event = record.event;
         const bool isRestore = event.event == "restore";
-        if (isRestore && event.result != "begun") {
-            outcomes.insert(event.request);
-        }
-        const bool uncertain =
-            isRestore && event.result == "begun" && !outcomes.contains(event.request);
+        const bool settled = outcomes.settle(event);
+        const bool uncertain = isRestore && event.result == "begun" && !settled;
         if ((!isRestore && event.event != "backup") || (event.result != "done" && !uncertain)) {
             continue;
         }

@@ -2,6 +2,7 @@
 
 #include "platform/host/base/platformException.h"
 #include "platform/host/base/sha256.h"
+#include "platform/host/channel/FrameStream.h"
 #include "platform/host/storage/ConfigurationFile.h"
 #include "tests/host/refusal.h"
 #include "tests/support/BoardTest.h"
@@ -152,9 +153,9 @@ TEST_F(AuditLogTest, threadsWriteInTheOrderInWhichTheyCame) {
 }
 
 TEST_F(AuditLogTest, aTurnThatDoesNotComeIsTold) {
-    const Turn first(std::chrono::seconds(5));
+    const Turn first(Deadline(5000));
     std::thread([] {
-        EXPECT_EQ(codeOf([] { Turn second(std::chrono::milliseconds(10)); }), AUDIT_NOT_WRITTEN);
+        EXPECT_EQ(codeOf([] { Turn second(Deadline(10)); }), AUDIT_NOT_WRITTEN);
     }).join();
     EXPECT_EQ(Turn::waiting(), 0U);
 }

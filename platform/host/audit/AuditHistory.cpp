@@ -239,28 +239,6 @@ private:
     bool timed = false;
 };
 
-// The last `count` bytes before `end`; fewer when the file has become shorter.
-bool readEnd(int descriptor, std::uint64_t end, std::size_t count, std::string& text) {
-    text.resize(count);
-    std::size_t filled = 0;
-    while (filled < count) {
-        const ssize_t size = ::pread(descriptor, text.data() + filled, count - filled,
-                                     static_cast<off_t>(end - count + filled));
-        if (size < 0 && errno == EINTR) {
-            continue;
-        }
-        if (size < 0) {
-            return false;
-        }
-        if (size == 0) {
-            break;
-        }
-        filled += static_cast<std::size_t>(size);
-    }
-    text.resize(filled);
-    return true;
-}
-
 }  // namespace
 
 bool decode(std::string_view line, AuditRecord& record) {
@@ -311,10 +289,14 @@ bool AuditHistory::openNext() {
         inode = status.st_ino;
         const auto size = static_cast<std::uint64_t>(status.st_size);
         const std::size_t count = static_cast<std::size_t>(std::min<std::uint64_t>(size, budget));
-        unreadable = !readEnd(file.get(), size, count, text);
+        std::size_t filled = 0;
+        text.resize(count);
+        unreadable = !readSpan(file.get(), static_cast<std::size_t>(size) - count,
+                               {reinterpret_cast<unsigned char*>(text.data()), count}, filled);
+        text.resize(filled);
         cut = count < size;
         budget -= count;
-        // Half a line at either end is nobody's.
+        // Drops an incomplete line at either end.
         text.resize(text.rfind('\n') + 1);  // npos + 1 is 0
         if (cut) {
             text.erase(0, text.find('\n') == std::string::npos ? text.size() : text.find('\n') + 1);

@@ -23,7 +23,7 @@ bool decode(std::string_view line, AuditRecord& record);
 // for those who write: of a line that is being written, nothing is seen.
 class AuditHistory {
 public:
-    // Reads at most `mostBytes`, and of those files that nobody but the board's user can write.
+    // Reads at most `mostBytes`, and only files that belong to the board's own user.
     explicit AuditHistory(std::size_t mostBytes) : budget(mostBytes) {}
 
     // Returns false if there is no older line. The line is valid until the next call.

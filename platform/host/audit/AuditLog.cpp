@@ -7,6 +7,7 @@
 #include "platform/host/base/platformException.h"
 #include "platform/host/base/writeWhole.h"
 #include "platform/host/channel/BoardProperties.h"
+#include "platform/host/channel/FrameStream.h"
 #include "platform/host/storage/files.h"
 #include "platform/host/storage/obtainLock.h"
 
@@ -25,7 +26,7 @@ namespace VeskLib::Host {
 
 namespace {
 
-const std::chrono::seconds LONGEST_WAIT(5);
+const int WAIT_MILLISECONDS = 5000;
 const long long LARGEST_FILE = 1024 * 1024;
 const std::size_t LARGEST_LIMITS = 256 * 1024;
 const mode_t FILE_MODE = 0600;
@@ -34,9 +35,9 @@ const mode_t FILE_MODE = 0600;
     throw makePlatformException(AUDIT_NOT_WRITTEN, what);
 }
 
-int holdLog(const Turn& turn) {
+int holdLog(const Deadline& deadline) {
     try {
-        return obtainLock(getCGIPath(AUDIT_LOCK), turn.remainingMilliseconds());
+        return obtainLock(getCGIPath(AUDIT_LOCK), deadline.remainingMilliseconds());
     } catch (const PException&) {
         fail("The audit log cannot be locked");
     }
@@ -86,8 +87,11 @@ void saveLimits(const AuditLimits& limits) {
 
 }  // namespace
 
-AuditLog::AuditLog(std::size_t reserve)
-    : path(getCGIPath(AUDIT_LOG)), turn(LONGEST_WAIT), lock(holdLog(turn)) {
+AuditLog::AuditLog(std::size_t reserve) : AuditLog(reserve, Deadline(WAIT_MILLISECONDS)) {
+}
+
+AuditLog::AuditLog(std::size_t reserve, const Deadline& deadline)
+    : path(getCGIPath(AUDIT_LOG)), turn(deadline), lock(holdLog(deadline)) {
     try {
         open(reserve);
         AuditLimits limits = loadLimits();

@@ -19,9 +19,9 @@ inline constexpr int AUDIT_FORMER_FILES = 15;
 class AuditLog {
 public:
     // Waits up to 5 s for other holders, threads of this process in the order in which they came,
-    // and takes `reserve` bytes of the disk in advance, so that
-    // a line about what has happened does not fail for lack of space. Throws PException
-    // (AUDIT_NOT_WRITTEN) when any of that is not possible.
+    // and takes `reserve` bytes of the disk in advance, so that a line about what has happened does
+    // not fail for lack of space. Throws PException (AUDIT_NOT_WRITTEN) when any of that is not
+    // possible.
     explicit AuditLog(std::size_t reserve);
     AuditLog(const AuditLog&) = delete;
     AuditLog& operator=(const AuditLog&) = delete;
@@ -38,6 +38,8 @@ public:
     void appendLimited(const AuditEvent& event);
 
 private:
+    AuditLog(std::size_t reserve, const Deadline& deadline);
+
     void open(std::size_t reserve);
     void rotate();
 

@@ -1,9 +1,11 @@
 #include "platform/host/audit/Turn.h"
 
 #include "platform/host/base/platformException.h"
+#include "platform/host/channel/FrameStream.h"
 
-#include <algorithm>
+#include <chrono>
 #include <condition_variable>
+#include <iterator>
 #include <list>
 #include <mutex>
 
@@ -24,21 +26,16 @@ Queue& queue() {
 
 }  // namespace
 
-Turn::Turn(std::chrono::milliseconds longest) : end(std::chrono::steady_clock::now() + longest) {
+Turn::Turn(const Deadline& deadline) {
+    const std::chrono::milliseconds longest(deadline.remainingMilliseconds());
     Queue& all = queue();
     std::unique_lock lock(all.guard);
     all.turns.push_back(this);
     const auto mine = std::prev(all.turns.end());
-    if (!all.moved.wait_until(lock, end, [&] { return mine == all.turns.begin(); })) {
+    if (!all.moved.wait_for(lock, longest, [&] { return mine == all.turns.begin(); })) {
         all.turns.erase(mine);
         throw makePlatformException(AUDIT_NOT_WRITTEN, "The audit log is in use");
     }
-}
-
-int Turn::remainingMilliseconds() const {
-    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
-        end - std::chrono::steady_clock::now());
-    return static_cast<int>(std::max<std::chrono::milliseconds::rep>(left.count(), 0));
 }
 
 Turn::~Turn() {

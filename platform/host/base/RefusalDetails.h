@@ -6,7 +6,7 @@
 
 namespace VeskLib::Host {
 
-// Which partitions stand in the way of a refused change.
+// The partitions because of which a change was refused.
 struct RefusalDetails {
     struct Partition {
         std::uint32_t number = 0;

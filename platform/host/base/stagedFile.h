@@ -6,7 +6,7 @@ namespace VeskLib::Host {
 
 // Which staged file this request is about, so that a restore cannot take another file than the one
 // that its page showed. A file is named by the SHA-256 of its bytes, in lowercase hexadecimal
-// digits; an empty name stands for none.
+// digits; it is empty if there is no file.
 
 // The hidden field in which the selection form posts the name of the file that its page showed.
 inline constexpr const char* STAGED_FILE_FIELD = "staged_file";

@@ -7,6 +7,7 @@
 #include "platform/host/channel/Channel.h"
 #include "platform/host/channel/changes.h"
 #include "platform/host/channel/refusalPayload.h"
+#include "platform/host/channel/takeAnswer.h"
 
 #include <utility>
 #include <vector>
@@ -14,19 +15,6 @@
 namespace VeskLib::Gui {
 
 namespace {
-
-// Behind every answer, for objects that take a fixed number of bytes whatever they are given.
-const std::size_t PADDING = 4;
-
-int takeAnswer(std::vector<unsigned char> payload, VeskUi::SerializableObject& answer) {
-    const auto size = static_cast<unsigned int>(payload.size());
-    payload.resize(payload.size() + PADDING, 0);
-    try {
-        return answer.setSerialized(payload.data(), size) ? 0 : Host::CHANNEL_BAD_OBJECT;
-    } catch (const PException&) {
-        return Host::CHANNEL_BAD_OBJECT;
-    }
-}
 
 // A payload that cannot be read says nothing.
 void noteAnswer(int code, const std::vector<unsigned char>& payload) {
@@ -64,7 +52,7 @@ bool CGIRequester::getInfo(unsigned int request, VeskUi::SerializableObject& ans
     state->errorCode = state->channel.exchange(
         {Host::RequestKind::GET, request, state->sessionIdentifier, {}}, reply);
     if (state->errorCode == 0) {
-        state->errorCode = takeAnswer(std::move(reply.payload), answer);
+        state->errorCode = Host::takeAnswer(std::move(reply.payload), answer);
     }
     return state->errorCode == 0;
 }

@@ -46,6 +46,14 @@ Skeleton::Place takePlace(std::string_view& mark) {
     return takeSuffix(mark, "|attribute") ? Skeleton::Place::ATTRIBUTE : Skeleton::Place::MARKUP;
 }
 
+// What a mark of one word prints.
+Skeleton::Kind kindOf(std::string_view word) {
+    return word == "language"      ? Skeleton::Kind::LANGUAGE
+           : word == "nonce"       ? Skeleton::Kind::NONCE
+           : word == "staged_file" ? Skeleton::Kind::STAGED_FILE
+                                   : Skeleton::Kind::COMPONENT;
+}
+
 bool parseNumber(std::string_view text, int& number) {
     const std::from_chars_result result =
         std::from_chars(text.data(), text.data() + text.size(), number);
@@ -172,24 +180,14 @@ bool Skeleton::parseWord(std::string_view word, std::vector<std::size_t>& openCo
         return true;
     }
     Piece& piece = pieces.emplace_back();
-    if (word == "language") {
-        piece.kind = Kind::LANGUAGE;
+    piece.kind = kindOf(word);
+    if (piece.kind != Kind::COMPONENT) {
         return true;
     }
-    if (word == "nonce") {
-        piece.kind = Kind::NONCE;
-        return true;
-    }
-    if (word == "staged_file") {
-        piece.kind = Kind::STAGED_FILE;
-        return true;
-    }
-    piece.kind = Kind::COMPONENT;
     piece.place = takePlace(word);
     piece.text = word;
     // With an ending, a word that has a meaning would otherwise be a component that prints nothing.
-    return isName(word) && word != "end" && word != "language" && word != "nonce" &&
-           word != "staged_file";
+    return isName(word) && word != "end" && kindOf(word) == Kind::COMPONENT;
 }
 
 bool Skeleton::parseCondition(Kind kind, std::string_view name,

@@ -103,16 +103,11 @@ ssize_t readAt(int descriptor, unsigned char* bytes, std::size_t size, std::size
 // Reads an open regular file of this status, from its start.
 bool readContent(int descriptor, const struct stat& status, std::vector<unsigned char>& bytes) {
     std::vector<unsigned char> content(static_cast<std::size_t>(status.st_size));
-    std::size_t position = 0;
-    ssize_t count = 1;
-    while (position < content.size() && count > 0) {  // a file may be cut while it is read
-        count = readAt(descriptor, content.data() + position, content.size() - position, position);
-        position += count > 0 ? static_cast<std::size_t>(count) : 0;
-    }
-    if (count < 0) {
+    std::size_t filled = 0;
+    if (!readSpan(descriptor, 0, content, filled)) {
         return false;
     }
-    content.resize(position);
+    content.resize(filled);
     bytes.swap(content);
     return true;
 }
@@ -125,6 +120,17 @@ bool isAsideName(std::string_view name, std::string_view start) {
 }
 
 }  // namespace
+
+bool readSpan(int descriptor, std::size_t position, std::span<unsigned char> place,
+              std::size_t& filled) {
+    filled = 0;
+    ssize_t count = 1;
+    while (filled < place.size() && count > 0) {  // a file may be cut while it is read
+        count = readAt(descriptor, place.data() + filled, place.size() - filled, position + filled);
+        filled += count > 0 ? static_cast<std::size_t>(count) : 0;
+    }
+    return count >= 0;
+}
 
 int openForReading(const std::string& path) {
     return ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);

@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <functional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -21,8 +22,14 @@ bool readOwnFile(const std::string& path, std::size_t limit, std::vector<unsigne
 // The same for a file that is open, from its start whatever its offset.
 bool readOpenFile(int descriptor, std::size_t limit, std::vector<unsigned char>& bytes);
 
-// The same, handing the bytes on piece by piece in place of keeping them. When it returns false,
-// some may have been handed on. What `take` throws passes through; nothing more is read then.
+// Fills `place` from an open file, from `position` on. False, with errno set, when it cannot be
+// read. `filled` is how many bytes there were: fewer when the file ends before.
+bool readSpan(int descriptor, std::size_t position, std::span<unsigned char> place,
+              std::size_t& filled);
+
+// The same as readOpenFile(), handing the bytes on piece by piece in place of keeping them. When it
+// returns false, some may have been handed on. What `take` throws passes through; nothing more is
+// read then.
 bool readPieces(int descriptor, std::size_t limit,
                 const std::function<void(const unsigned char*, std::size_t)>& take);
 
