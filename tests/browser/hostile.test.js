@@ -25,6 +25,7 @@ const HOSTILE = [
     "{{message}} {{table_pid}} {{if filepath}}",
     "line\nbreak\r\nand\ttab",
     "\u2028\u2029\u202Egnp.exe\u2066\u200F",
+    "A\u200B\u2060\uFEFF\u{E0041}\u00ADB",
     "&lt;b&gt; &amp; &#60;",
     "1&filename=2?filename=3",
     "é ü 日本語 𝄞",
@@ -56,13 +57,14 @@ function makeFile(text) {
     });
 }
 
-// What a page shows of a text: something visible in place of what ends its line or turns it.
+// What a page shows of a text: something visible in place of what ends its line, turns it or shows
+// nothing.
 function asShown(text) {
     return text
         .replaceAll(/[\x00-\x08\x0a-\x1f]/g, (control) =>
             String.fromCharCode(0x2400 + control.charCodeAt(0)),
         )
-        .replaceAll(/[\x80-\x9f\u061c\u200e\u200f\u2028-\u202e\u2066-\u2069]/g, "\ufffd");
+        .replaceAll(/[\x80-\x9f\u2028\u2029\p{Cf}]/gu, "\ufffd");
 }
 
 describe("hostile text", () => {

@@ -8,10 +8,12 @@
 
 #include <gmock/gmock.h>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <filesystem>
+#include <map>
 #include <set>
 
 namespace VeskLib::Test {
@@ -237,6 +239,27 @@ TEST_F(SessionTest, endsTheOldestOfTooManySessionsOfAUser) {
     EXPECT_FALSE(exists(backupFile(sessions[0].identifier)));
     EXPECT_TRUE(isLetIn(other.cookieValue()));
     EXPECT_EQ(namesIn(boardFile("/var/lib/session")).size(), Host::SESSIONS_OF_A_USER + 1);
+}
+
+TEST_F(SessionTest, endsTheOldestOfTooManySessionsOfTheSameSecond) {
+    std::map<std::string, Session> sessions;  // by identifier
+    while (sessions.size() < Host::SESSIONS_OF_A_USER) {
+        const Session session = start();
+        sessions[session.identifier] = session;
+    }
+    const std::time_t second = std::time(nullptr);
+    long nanoseconds = 999;  // the first identifier is that of the newest
+    for (const auto& [identifier, session] : sessions) {
+        setField(session, "created", std::to_string(second));
+        const timespec moment = {.tv_sec = second, .tv_nsec = nanoseconds--};
+        const timespec times[] = {moment, moment};
+        ASSERT_EQ(::utimensat(AT_FDCWD, sessionFile(identifier).c_str(), times, 0), 0);
+    }
+    start();
+    for (const auto& [identifier, session] : sessions) {
+        const bool oldest = identifier == sessions.rbegin()->first;
+        EXPECT_EQ(isLetIn(session.cookieValue()), !oldest) << identifier;
+    }
 }
 
 TEST_F(SessionTest, findsByIdentifierWhatLivesAndEndsNothing) {

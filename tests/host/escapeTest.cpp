@@ -30,11 +30,15 @@ std::string pictureOf(int value) {
     return encodeUTF8(value == 0x7F ? 0x2421 : 0x2400 + static_cast<char32_t>(value));
 }
 
-// What turns the direction of a text, or ends its line.
+// What shows nothing, turns the direction of a text, or ends its line.
 std::vector<char32_t> hiddenCharacters() {
-    std::vector<char32_t> all = {0x061C, 0x200E, 0x200F};
-    for (const auto& [first, last] :
-         {std::pair<char32_t, char32_t>(0x80, 0x9F), {0x2028, 0x202E}, {0x2066, 0x2069}}) {
+    std::vector<char32_t> all = {0xAD, 0x061C, 0x180E, 0xFEFF};
+    for (const auto& [first, last] : {std::pair<char32_t, char32_t>(0x80, 0x9F),
+                                      {0x200B, 0x200F},
+                                      {0x2028, 0x202E},
+                                      {0x2060, 0x206F},
+                                      {0xFFF9, 0xFFFB},
+                                      {0xE0000, 0xE007F}}) {
         for (char32_t character = first; character <= last; ++character) {
             all.push_back(character);
         }
@@ -70,9 +74,10 @@ TEST(EscapeTest, aHiddenCharacterIsSeen) {
 }
 
 TEST(EscapeTest, theNeighboursOfHiddenCharactersAreKept) {
-    for (const char32_t character :
-         std::initializer_list<char32_t>{0xA0, 0xA9, 0xBF, 0x061B, 0x061D, 0x200D, 0x2010, 0x2027,
-                                         0x202F, 0x2065, 0x206A, 0x20AC, 0xFFFD}) {
+    for (const char32_t character : std::initializer_list<char32_t>{
+             0xA0,   0xAC,   0xAE,   0xBF,   0x061B, 0x061D,  0x180D,
+             0x180F, 0x200A, 0x2010, 0x2027, 0x202F, 0x205F,  0x2070,
+             0x20AC, 0xFEFE, 0xFF01, 0xFFF8, 0xFFFD, 0x1F600, 0xE0080}) {
         SCOPED_TRACE(static_cast<unsigned int>(character));
         const std::string text = encodeUTF8(character);
         EXPECT_EQ(escapeHTML(text), text);

@@ -31,9 +31,9 @@ constexpr std::string_view PICTURES =
     "\u2421";
 const std::size_t PICTURE_SIZE = 3;
 
-// The characters of two and three bytes that end a line, turn the direction of the text around
-// them, or are controls: those that begin with the bytes `start` and end with one from `first` to
-// `last`.
+// The characters outside ASCII that end a line, turn the direction of the text around them, show
+// nothing at all, or are controls: those whose last byte is from `first` to `last` and whose other
+// bytes are `start`.
 struct HiddenCharacters {
     std::string_view start;
     unsigned char first;
@@ -41,11 +41,17 @@ struct HiddenCharacters {
 };
 
 constexpr HiddenCharacters HIDDEN_CHARACTERS[] = {
-    {"\xC2", 0x80, 0x9F},      // U+0080 to U+009F
-    {"\xD8", 0x9C, 0x9C},      // U+061C
-    {"\xE2\x80", 0x8E, 0x8F},  // U+200E and U+200F
-    {"\xE2\x80", 0xA8, 0xAE},  // U+2028 to U+202E
-    {"\xE2\x81", 0xA6, 0xA9},  // U+2066 to U+2069
+    {"\xC2", 0x80, 0x9F},          // U+0080 to U+009F
+    {"\xC2", 0xAD, 0xAD},          // U+00AD
+    {"\xD8", 0x9C, 0x9C},          // U+061C
+    {"\xE1\xA0", 0x8E, 0x8E},      // U+180E
+    {"\xE2\x80", 0x8B, 0x8F},      // U+200B to U+200F
+    {"\xE2\x80", 0xA8, 0xAE},      // U+2028 to U+202E
+    {"\xE2\x81", 0xA0, 0xAF},      // U+2060 to U+206F
+    {"\xEF\xBB", 0xBF, 0xBF},      // U+FEFF
+    {"\xEF\xBF", 0xB9, 0xBB},      // U+FFF9 to U+FFFB
+    {"\xF3\xA0\x80", 0x80, 0xBF},  // U+E0000 to U+E003F
+    {"\xF3\xA0\x81", 0x80, 0xBF},  // U+E0040 to U+E007F
 };
 
 // The first byte of each kind of character that something else is printed for.

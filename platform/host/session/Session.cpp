@@ -22,6 +22,7 @@
 #include <charconv>
 #include <cstdio>
 #include <string_view>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -69,6 +70,7 @@ struct StoredSession {
     std::string user;
     std::time_t created = 0;
     std::time_t lastUse = 0;
+    long lastUseNanoseconds = 0;
 };
 
 // Keeps errno.
@@ -101,7 +103,8 @@ bool readSession(const std::string& identifier, StoredSession& session) {
     session = {.tokenSum = valueOf("token_sha256", text),
                .user = valueOf("user", text),
                .created = std::max<std::time_t>(createdTime, 0),
-               .lastUse = status.st_mtime};
+               .lastUse = status.st_mtim.tv_sec,
+               .lastUseNanoseconds = status.st_mtim.tv_nsec};
     return true;
 }
 
@@ -206,14 +209,17 @@ void endIfGone(const std::string& identifier) {
     }
 }
 
-// Ends the oldest sessions of `user`, so that one more is not too many.
+// Ends the oldest sessions of `user`, so that one more is not too many. Of those that began in the
+// same second, the longest unused is the oldest.
 void makeRoomFor(const std::string& user) {
-    std::vector<std::pair<std::pair<std::time_t, std::time_t>, std::string>> sessions;
+    using Age = std::tuple<std::time_t, std::time_t, long>;
+    std::vector<std::pair<Age, std::string>> sessions;
     for (const std::string& name : listNames(getCGIPath(SESSION_FOLDER))) {
         StoredSession session;
         if (isSessionIdentifier(name) && readState(name, session) == SessionState::LIVING &&
             session.user == user) {
-            sessions.push_back({{session.created, session.lastUse}, name});
+            sessions.push_back(
+                {{session.created, session.lastUse, session.lastUseNanoseconds}, name});
         }
     }
     std::sort(sessions.begin(), sessions.end());
