@@ -97,6 +97,23 @@ for (const kind of BROWSERS) {
             }
         });
 
+        // Only Chromium lets a test see a page as it is printed.
+        test("a printed page names board and user, and has no controls", { skip: kind !== "chromium" }, async () => {
+            await logIn(page, board);
+            await page.goto(board.url(BACKUP_PAGE));
+            await page.emulateMediaType("print");
+            const isShown = (selector) =>
+                page.$eval(selector, (element) => element.getClientRects().length > 0);
+            for (const selector of [".board-name", "header strong", "table"]) {
+                assert.equal(await isShown(selector), true, selector);
+            }
+            for (const selector of ["header nav", "header button", "#session", "#backup"]) {
+                assert.equal(await isShown(selector), false, selector);
+            }
+            // Browsers leave the grounds out.
+            assert.equal(await page.$eval("header", (header) => getComputedStyle(header).color), "rgb(0, 0, 0)");
+        });
+
         test("one logs out on a screen of the program", async () => {
             await logIn(page, board);
             await page.goto(board.url(RESTORE_PAGE));
@@ -197,9 +214,6 @@ for (const kind of BROWSERS) {
             await logIn(page, board);
             await upload(page, board, "a.dat", FILE);
             await restoreTo(page, [3]);
-            if (kind === "chromium") {
-                await page.setJavaScriptEnabled(false);
-            }
             await Promise.all([page.waitForNavigation(), page.click('header a[href="/activity.cgi"]')]);
             const rows = await page.$$eval("tbody tr", (elements) =>
                 elements.map((row) => row.textContent.replace(/\s+/g, " ").trim()));

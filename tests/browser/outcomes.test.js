@@ -6,7 +6,7 @@ import { after, before, beforeEach, describe, test } from "node:test";
 import { Board } from "./support/board.js";
 import { BROWSERS, BACKUP_PAGE, Browser, RESTORE_PAGE, logIn, textOf } from "./support/browser.js";
 import { makeConfigurationFile } from "./support/configurationFile.js";
-import { upload, withFile } from "./support/restorePage.js";
+import { restoreWithoutScript, upload, uploadWithoutScript } from "./support/restorePage.js";
 
 const RESTORE = "0x020100A4";
 
@@ -50,6 +50,19 @@ function noticeOf(page) {
     });
 }
 
+function assertOutcome(seen, expected, language) {
+    assert.equal(seen.outcome, expected.outcome);
+    assert.ok(seen.classes.includes(expected.style), seen.classes.join());
+    assert.equal(seen.role, "alert");
+    assert.equal(seen.word, language === "ja" ? expected.japanese : expected.word);
+    assert.equal(seen.message, expected.message);
+    assert.equal(seen.code, expected.code);
+    assert.match(seen.text, language === "ja" ? /[ぁ-ん].*。/ : expected.text);
+    assert.match(seen.text, expected.code === "0"
+        ? /[^\d\]]$/ : new RegExp(`^[^\\[]* \\[${expected.message}-${expected.code}\\]$`));
+    assert.equal(seen.link, expected.outcome === "unknown" ? "/activity.cgi" : undefined);
+}
+
 for (const kind of BROWSERS) {
     for (const language of ["en", "ja"]) {
         describe(`outcomes in ${kind}, ${language}`, () => {
@@ -71,19 +84,6 @@ for (const kind of BROWSERS) {
                 await logIn(page, board);
             });
 
-            function assertOutcome(seen, expected) {
-                assert.equal(seen.outcome, expected.outcome);
-                assert.ok(seen.classes.includes(expected.style), seen.classes.join());
-                assert.equal(seen.role, "alert");
-                assert.equal(seen.word, language === "ja" ? expected.japanese : expected.word);
-                assert.equal(seen.message, expected.message);
-                assert.equal(seen.code, expected.code);
-                assert.match(seen.text, language === "ja" ? /[ぁ-ん].*。/ : expected.text);
-                assert.match(seen.text, expected.code === "0"
-                    ? /[^\d\]]$/ : new RegExp(`^[^\\[]* \\[${expected.message}-${expected.code}\\]$`));
-                assert.equal(seen.link, expected.outcome === "unknown" ? "/activity.cgi" : undefined);
-            }
-
             test("of a restore differ in word, icon, colour and attributes", async () => {
                 const looks = new Map();
                 for (const expected of OUTCOMES) {
@@ -93,7 +93,7 @@ for (const kind of BROWSERS) {
                     await board.control(...expected.order);
                     await Promise.all([page.waitForNavigation(), page.click("#restore")]);
                     const seen = await noticeOf(page);
-                    assertOutcome(seen, expected);
+                    assertOutcome(seen, expected, language);
                     looks.set(seen.outcome, [seen.ground, seen.icon, seen.word]);
                     // The short list of what was asked for, in the words of the selection page.
                     const list = await page.$$eval(".plan dd", (all) =>
@@ -107,23 +107,6 @@ for (const kind of BROWSERS) {
                 }
             });
 
-            // Only Chromium lets a test switch them off.
-            test("of a restore show without scripts", { skip: kind !== "chromium" }, async () => {
-                await page.setJavaScriptEnabled(false);
-                for (const expected of OUTCOMES) {
-                    await board.control("reset");
-                    await page.goto(board.url(RESTORE_PAGE));
-                    await withFile("a.dat", FILE, async (file) => {
-                        await (await page.$("#filename")).uploadFile(file);
-                        await Promise.all([page.waitForNavigation(), page.click("#upload")]);
-                    });
-                    await page.click("#pid3");
-                    await board.control(...expected.order);
-                    await Promise.all([page.waitForNavigation(), page.click("#restore")]);
-                    assertOutcome(await noticeOf(page), expected);
-                }
-            });
-
             test("of a page that needs the back-end name its trouble in the reader's language", async () => {
                 await board.control("refuse", "0x0201002F", 1609);
                 await page.goto(board.url(BACKUP_PAGE));
@@ -134,4 +117,33 @@ for (const kind of BROWSERS) {
             });
         });
     }
+}
+
+for (const kind of BROWSERS) {
+    describe(`outcomes in ${kind} without scripts`, () => {
+        let board;
+        let browser;
+
+        before(async () => {
+            board = await Board.start();
+            browser = await Browser.start("en", kind, { scripts: false });
+        });
+        after(async () => {
+            await browser?.stop();
+            await board?.remove();
+        });
+
+        test("of a restore are shown all the same", async () => {
+            const page = await browser.newPage();
+            await logIn(page, board);
+            for (const expected of OUTCOMES) {
+                await board.control("reset");
+                await uploadWithoutScript(page, board, "a.dat", FILE);
+                await board.control(...expected.order);
+                await restoreWithoutScript(page, 3);
+                assertOutcome(await noticeOf(page), expected, "en");
+                assert.equal(await page.$(".plan"), null);  // a script makes it
+            }
+        });
+    });
 }

@@ -17,7 +17,7 @@ import { Client, downloadLink } from "./support/client.js";
 import { makeConfigurationFile, parseConfigurationFile } from "./support/configurationFile.js";
 import { demoPartitions, demoUsers } from "./support/demoBoard.js";
 import { eventually } from "./support/eventually.js";
-import { chooseFile, restoreTo, upload, uploadWithoutScript } from "./support/restorePage.js";
+import { chooseFile, restoreTo, upload } from "./support/restorePage.js";
 
 const SAVED = Date.UTC(2026, 2, 7, 12) / 1000;
 
@@ -422,44 +422,6 @@ describe("restore without a mouse, and without scripts", () => {
         assert.equal(await page.$eval("#pid3", (box) => box.checked), true);
         await Promise.all([page.waitForNavigation(), page.keyboard.press("Enter")]);
         await page.waitForAlert(/was restored/);
-    });
-
-    test("forms post their steps without JavaScript", async () => {
-        await page.setJavaScriptEnabled(false);
-        const post = async (selector) =>
-            Promise.all([page.waitForNavigation(), page.click(selector)]);
-        await uploadWithoutScript(page, board, "a.dat", file);
-        assert.equal(await textOf(page, "#file_pid"), "3");
-        await page.click("#pid3");
-        await post("#restore");
-        assert.match(await textOf(page, "[role=alert]"), /was restored/);
-
-        await uploadWithoutScript(page, board, "a.dat", file);
-        await post("#discard");
-        assert.equal((await page.$$("#upload")).length, 1);
-        assert.equal((await page.$$("[role=alert]")).length, 0);
-    });
-
-    test("only the file that the page shows is restored, also without JavaScript", async () => {
-        const other = await browser.newWindow(page.browserContext());
-        for (const window of [page, other]) {
-            await window.setJavaScriptEnabled(false);
-        }
-        await page.bringToFront();
-        await uploadWithoutScript(page, board, "a.dat", file);
-        await other.bringToFront();
-        await uploadWithoutScript(
-            other,
-            board,
-            "b.dat",
-            makeConfigurationFile({ ...facts, payload: Buffer.from("b") }),
-        );
-        await page.bringToFront();
-        await restoreTo(page, [3]);
-        assert.match(await textOf(page, ".notice"), /1615/);
-        await other.bringToFront();
-        await restoreTo(other, [3]);
-        assert.match(await textOf(other, ".notice"), /was restored/);
     });
 
     test("a second press while a restore is under way sends nothing", async () => {

@@ -20,9 +20,9 @@ describe("over TLS", () => {
 
     before(async () => {
         board = await Board.start(undefined, ["--tls", "--hsts"]);
-        browser = await Browser.start("en", "chromium", [
+        browser = await Browser.start("en", "chromium", { words: [
             `--ignore-certificate-errors-spki-list=${keyOf(board)}`,
-        ]);
+        ] });
     });
     after(async () => {
         await browser?.stop();
@@ -79,9 +79,9 @@ describe("over TLS", () => {
 describe("under a name of another's", () => {
     test("a page cannot speak to the board", async () => {
         const board = await Board.start(undefined, ["--host", "board.example"]);
-        const browser = await Browser.start("en", "chromium", [
+        const browser = await Browser.start("en", "chromium", { words: [
             "--host-resolver-rules=MAP *.example 127.0.0.1",
-        ]);
+        ] });
         try {
             const { port } = new URL(board.origin);
             const page = await browser.newPage();

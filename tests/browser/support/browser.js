@@ -33,9 +33,10 @@ const PATIENCE = {
 };
 
 export class Browser {
-    // `words` are further ones of Chromium's command line.
-    static async start(language = "en", kind = "chromium", words = []) {
+    // `words` are further ones of Chromium's command line. Without `scripts`, pages run none.
+    static async start(language = "en", kind = "chromium", { words = [], scripts = true } = {}) {
         const browser = new Browser();
+        browser.scripts = scripts;
         browser.folder = await mkdtemp(path.join(tmpdir(), "browser-"));
         browser.downloads = await mkdtemp(path.join(browser.folder, "downloads-"));
         const profile = path.join(browser.folder, "profile");
@@ -53,7 +54,10 @@ export class Browser {
                       ...FIREFOX,
                       ...PATIENCE,
                       userDataDir: profile,
-                      extraPrefsFirefox: { "intl.accept_languages": language },
+                      extraPrefsFirefox: {
+                          "intl.accept_languages": language,
+                          "javascript.enabled": scripts,
+                      },
                   },
         );
         return browser;
@@ -80,6 +84,9 @@ export class Browser {
     async newWindow(context) {
         const page = await context.newPage();
         page.setDefaultTimeout(PATIENCE_MILLISECONDS);
+        if (this.chromium && !this.scripts) {
+            await page.setJavaScriptEnabled(false);
+        }
         page.alerts = [];
         page.accept = true;
         // The text of the newest alert, once it fits: alerts reach the test a little later than

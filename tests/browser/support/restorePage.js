@@ -24,13 +24,30 @@ export async function upload(page, board, name, bytes) {
     await Promise.all([page.waitForNavigation(), page.click("#upload")]);
 }
 
-// The same on a page that runs no scripts.
+// Uses the keyboard on an element: page.click() needs scripts in Firefox.
+async function press(page, selector, key) {
+    await page.focus(selector);
+    await page.keyboard.press(key);
+}
+
+// Follows a link or posts a form on a page that runs no scripts.
+export async function followWithoutScript(page, selector) {
+    await Promise.all([page.waitForNavigation(), press(page, selector, "Enter")]);
+}
+
+// upload() on a page that runs no scripts.
 export async function uploadWithoutScript(page, board, name, bytes) {
     await page.goto(board.url(RESTORE_PAGE));
     await withFile(name, bytes, async (file) => {
         await (await page.$("#filename")).uploadFile(file);
-        await Promise.all([page.waitForNavigation(), page.click("#upload")]);
+        await followWithoutScript(page, "#upload");
     });
+}
+
+// restoreTo() on a page that runs no scripts.
+export async function restoreWithoutScript(page, partition) {
+    await press(page, `#pid${partition}`, " ");
+    await followWithoutScript(page, "#restore");
 }
 
 export async function chooseFile(page, name, bytes) {
