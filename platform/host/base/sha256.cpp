@@ -27,6 +27,19 @@ std::uint32_t readWord(const unsigned char* bytes) {
            static_cast<std::uint32_t>(bytes[2]) << 8 | static_cast<std::uint32_t>(bytes[3]);
 }
 
+// One round: changes `d` and `h`.
+inline void mix(std::uint32_t a, std::uint32_t b, std::uint32_t c, std::uint32_t& d,
+                std::uint32_t e, std::uint32_t f, std::uint32_t g, std::uint32_t& h,
+                std::uint32_t word) {
+    const std::uint32_t s1 = std::rotr(e, 6) ^ std::rotr(e, 11) ^ std::rotr(e, 25);
+    const std::uint32_t choice = (e & f) ^ (~e & g);
+    const std::uint32_t s0 = std::rotr(a, 2) ^ std::rotr(a, 13) ^ std::rotr(a, 22);
+    const std::uint32_t majority = (a & b) ^ (a & c) ^ (b & c);
+    h += s1 + choice + word;
+    d += h;
+    h += s0 + majority;
+}
+
 }  // namespace
 
 void SHA256::takeBlock(const unsigned char* block) {
@@ -41,20 +54,22 @@ void SHA256::takeBlock(const unsigned char* block) {
             std::rotr(w[i - 2], 17) ^ std::rotr(w[i - 2], 19) ^ (w[i - 2] >> 10);
         w[i] = w[i - 16] + s0 + w[i - 7] + s1;
     }
-    std::uint32_t v[8];
-    std::copy(std::begin(state), std::end(state), v);
-    for (int i = 0; i < 64; ++i) {
-        const std::uint32_t s1 = std::rotr(v[4], 6) ^ std::rotr(v[4], 11) ^ std::rotr(v[4], 25);
-        const std::uint32_t choice = (v[4] & v[5]) ^ (~v[4] & v[6]);
-        const std::uint32_t first = v[7] + s1 + choice + ROUND_CONSTANTS[i] + w[i];
-        const std::uint32_t s0 = std::rotr(v[0], 2) ^ std::rotr(v[0], 13) ^ std::rotr(v[0], 22);
-        const std::uint32_t majority = (v[0] & v[1]) ^ (v[0] & v[2]) ^ (v[1] & v[2]);
-        std::copy_backward(v, v + 7, v + 8);
-        v[4] += first;
-        v[0] = first + s0 + majority;
+    auto [a, b, c, d, e, f, g, h] = state;
+    for (int i = 0; i < 64; i += 8) {
+        // The words change places every round: after eight, each is where it was, and none was
+        // moved.
+        mix(a, b, c, d, e, f, g, h, ROUND_CONSTANTS[i] + w[i]);
+        mix(h, a, b, c, d, e, f, g, ROUND_CONSTANTS[i + 1] + w[i + 1]);
+        mix(g, h, a, b, c, d, e, f, ROUND_CONSTANTS[i + 2] + w[i + 2]);
+        mix(f, g, h, a, b, c, d, e, ROUND_CONSTANTS[i + 3] + w[i + 3]);
+        mix(e, f, g, h, a, b, c, d, ROUND_CONSTANTS[i + 4] + w[i + 4]);
+        mix(d, e, f, g, h, a, b, c, ROUND_CONSTANTS[i + 5] + w[i + 5]);
+        mix(c, d, e, f, g, h, a, b, ROUND_CONSTANTS[i + 6] + w[i + 6]);
+        mix(b, c, d, e, f, g, h, a, ROUND_CONSTANTS[i + 7] + w[i + 7]);
     }
+    const std::uint32_t words[8] = {a, b, c, d, e, f, g, h};
     for (int i = 0; i < 8; ++i) {
-        state[i] += v[i];
+        state[i] += words[i];
     }
 }
 
