@@ -112,6 +112,11 @@ bool readContent(int descriptor, const struct stat& status, std::vector<unsigned
     return true;
 }
 
+// The system's own EPERM says nothing about whose file it is.
+void hideDenial() {
+    errno = errno == EPERM ? EACCES : errno;
+}
+
 bool isAsideName(std::string_view name, std::string_view start) {
     return name.size() >= start.size() + ASIDE_MARK.size() + ASIDE_RANDOM.size() &&
            name.starts_with(start) &&
@@ -168,15 +173,11 @@ bool readFile(const std::string& path, std::size_t limit, std::vector<unsigned c
 
 int openOwnFile(const std::string& path, std::size_t limit, struct stat& status) {
     const int file = openForReading(path);
-    if (file < 0) {
-        // The system's own EPERM says nothing about whose file it is.
-        errno = errno == EPERM ? EACCES : errno;
+    if (file < 0 || !findStatus(file, limit, status)) {
+        hideDenial();
+    } else if (status.st_uid == ::geteuid()) {
         return file;
-    }
-    if (findStatus(file, limit, status)) {
-        if (status.st_uid == ::geteuid()) {
-            return file;
-        }
+    } else {
         errno = EPERM;
     }
     const Descriptor unusable(file);
@@ -186,7 +187,14 @@ int openOwnFile(const std::string& path, std::size_t limit, struct stat& status)
 bool readOwnFile(const std::string& path, std::size_t limit, std::vector<unsigned char>& bytes,
                  struct stat& status) {
     const Descriptor file(openOwnFile(path, limit, status));
-    return file.isOpen() && readContent(file.get(), status, bytes);
+    if (!file.isOpen()) {
+        return false;
+    }
+    if (!readContent(file.get(), status, bytes)) {
+        hideDenial();
+        return false;
+    }
+    return true;
 }
 
 bool replaceFile(const std::string& path, const std::vector<unsigned char>& bytes, int mode,
