@@ -4,15 +4,22 @@
 #include "platform/host/base/sha256.h"
 #include "tests/host/sessionFiles.h"
 #include "tests/support/BoardTest.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/files.h"
 
 #include <gmock/gmock.h>
 
 #include <fcntl.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
+#include <cstddef>
 #include <filesystem>
+#include <iterator>
 #include <map>
 #include <set>
 
@@ -20,6 +27,25 @@ namespace VeskLib::Test {
 
 using Host::Session;
 using testing::IsEmpty;
+
+namespace {
+
+// From now on the kernel says EPERM to this process when it asks for a file's status, as a security
+// module may do.
+void denyStatus() {
+    sock_filter rules[] = {
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_newfstatat, 1, 0),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_fstat, 0, 1),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EPERM),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+    };
+    const sock_fprog program = {.len = std::size(rules), .filter = rules};
+    ASSERT_EQ(::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0), 0);
+    ASSERT_EQ(::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program), 0);
+}
+
+}  // namespace
 
 class SessionTest : public BoardTest {
 protected:
@@ -260,6 +286,21 @@ TEST_F(SessionTest, endsTheOldestOfTooManySessionsOfTheSameSecond) {
         const bool oldest = identifier == sessions.rbegin()->first;
         EXPECT_EQ(isLetIn(session.cookieValue()), !oldest) << identifier;
     }
+}
+
+TEST_F(SessionTest, isLeftAloneWhenTheSystemDeniesALookAtIt) {
+    const Session session = start();
+    const ChildResult child = runInChild([&session] {
+        denyStatus();
+        try {
+            Session found;
+            return Host::findSession(session.cookieValue(), found) ? 1 : 2;
+        } catch (const PException&) {
+            return 0;
+        }
+    });
+    EXPECT_EQ(child.exitStatus, 0) << child.errors;
+    EXPECT_TRUE(isLetIn(session.cookieValue()));
 }
 
 TEST_F(SessionTest, findsByIdentifierWhatLivesAndEndsNothing) {
