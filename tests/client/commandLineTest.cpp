@@ -58,6 +58,7 @@ TEST(BoardAddressTest, isSchemeNameAndPort) {
 TEST(BoardAddressTest, refusesHTTPToOtherMachines) {
     EXPECT_THROW(addressOf("http://board.example"), Failure);
     EXPECT_THROW(addressOf("http://localhost.evil.example"), Failure);
+    EXPECT_THROW(addressOf("http://127.evil.example"), Failure);
     EXPECT_EQ(addressOf("http://board.example", true), "http://board.example");
 }
 
