@@ -1,0 +1,132 @@
+"""A controller of a test's own: a folder with an inventory, and the engines that operators run."""
+
+import csv
+import os
+import re
+import shutil
+import signal
+import subprocess
+import tempfile
+from dataclasses import dataclass
+from pathlib import Path
+
+from fleet import TESTS  # makes `support` known
+from support.board import BUILD
+from support.document import PROJECT
+
+assert TESTS
+
+COLLECTION = PROJECT / "fleet/ansible"
+EFICTL = BUILD / "client/efictl"
+EFICONF = BUILD / "board/inspector/eficonf"
+RUN_SECONDS = 300
+
+
+@dataclass
+class Run:
+    """What a run of ansible-playbook printed, and how it ended."""
+
+    status: int
+    output: str
+
+    @property
+    def recap(self):
+        """{board: {"ok": 3, "changed": 1, ...}}"""
+        lines = self.output.partition("PLAY RECAP")[2]
+        return {name: {key: int(value) for key, value in re.findall(r"(\w+)=(\d+)", counts)}
+                for name, counts in re.findall(r"^(\S+) +: (ok=.*)$", lines, re.MULTILINE)}
+
+    def counted(self, what):
+        """{board: count} of the recap."""
+        return {name: counts[what] for name, counts in self.recap.items()}
+
+
+class Controller:
+    """A folder from which a fleet is looked after. Nothing is written outside of it."""
+
+    def __enter__(self):
+        self.folder = Path(tempfile.mkdtemp(prefix="controller-"))
+        self.home = self.folder / "home"
+        self.home.mkdir()
+        programs = self.folder / "bin"
+        programs.mkdir()
+        for program in (EFICTL, EFICONF):
+            (programs / program.name).symlink_to(program)
+        place = self.folder / "collections/ansible_collections/vesk"
+        place.mkdir(parents=True)
+        (place / "efictl").symlink_to(COLLECTION)
+        self.environment = {
+            "HOME": str(self.home), "PATH": "%s:%s" % (programs, os.environ["PATH"]),
+            "LC_ALL": "C.UTF-8", "TMPDIR": str(self.folder),
+            "ANSIBLE_COLLECTIONS_PATH": str(self.folder / "collections"),
+            "ANSIBLE_NOCOLOR": "1", "ANSIBLE_LOCALHOST_WARNING": "0",
+        }
+        return self
+
+    def __exit__(self, *_):
+        shutil.rmtree(self.folder, ignore_errors=True)
+
+    @property
+    def backups(self):
+        return self.folder / "backups"
+
+    @property
+    def reports(self):
+        return self.folder / "reports"
+
+    def write_inventory(self, boards, **shared):
+        """`boards` are {name: {variable: value}}."""
+        lines = ["[boards]"]
+        for name, variables in boards.items():
+            lines.append(" ".join([name, *("%s=%s" % each for each in variables.items())]))
+        lines += ["[boards:vars]", *("%s=%s" % each for each in shared.items())]
+        (self.folder / "inventory.ini").write_text("\n".join(lines) + "\n", encoding="utf-8")
+
+    def start(self, playbook, *options, **environment):
+        """Starts a playbook of the collection in a process group of its own."""
+        return subprocess.Popen(
+            ["ansible-playbook", "--inventory", "inventory.ini", "vesk.efictl." + playbook,
+             *map(str, options)],
+            cwd=self.folder, env={**self.environment, **environment}, stdin=subprocess.DEVNULL,
+            stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, start_new_session=True)
+
+    def run(self, playbook, *options, **environment):
+        process = self.start(playbook, *options, **environment)
+        try:
+            output = process.communicate(timeout=RUN_SECONDS)[0]
+        except BaseException:
+            os.killpg(process.pid, signal.SIGKILL)
+            process.communicate()
+            raise
+        return Run(process.returncode, output)
+
+    def shell(self, script, **environment):
+        """Runs the lines of a document in the folder."""
+        return subprocess.run(["bash", "-uc", script], cwd=self.folder, check=False,
+                              env={**self.environment, **environment}, stdin=subprocess.DEVNULL,
+                              capture_output=True, text=True, timeout=RUN_SECONDS)
+
+    def efictl(self, *words, **environment):
+        return subprocess.run([EFICTL, *map(str, words)], cwd=self.folder, check=False,
+                              env={**self.environment, **environment}, stdin=subprocess.DEVNULL,
+                              capture_output=True, text=True, timeout=RUN_SECONDS)
+
+    def report(self):
+        """The rows of the report's CSV."""
+        with (self.reports / "fleet.csv").open(encoding="utf-8", newline="") as file:
+            return list(csv.DictReader(file))
+
+    def failures(self):
+        """{board: reason} of the report."""
+        return {row["board"]: row["failure"] for row in self.report() if row["failure"]}
+
+    def files(self):
+        """The backups, {path below the folder of backups: bytes}, the broken and unnamed ones too."""
+        return {str(path.relative_to(self.backups)): path.read_bytes()
+                for path in sorted(self.backups.rglob("*")) if path.is_file()}
+
+    def files_with(self, secret):
+        """The files of the controller that contain a text, without the inventory."""
+        return [path for path in self.folder.rglob("*")
+                if path.is_file() and not path.is_symlink() and path.name != "inventory.ini"
+                and secret.encode() in path.read_bytes()]
