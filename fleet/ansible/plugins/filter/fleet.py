@@ -1,0 +1,91 @@
+"""What the report shows of a run."""
+
+import csv
+import io
+import unicodedata
+
+COLUMNS = ("board", "address", "partition", "name", "bios_version", "last_backup", "backup", "drift",
+           "restore", "failure")
+
+# A spreadsheet takes a cell that begins with one of these for a formula.
+FORMULA_STARTS = ("=", "+", "-", "@")
+
+# Characters that control, turn or hide a text.
+HIDDEN_CATEGORIES = ("Cc", "Cf", "Cs", "Zl", "Zp")
+
+
+def visible(text):
+    """Returns the text with its hidden characters written as their numbers."""
+    return "".join("\\u%04x" % ord(each) if unicodedata.category(each) in HIDDEN_CATEGORIES else each
+                   for each in str(text))
+
+
+def fleet_rows(boards, hostvars):
+    """Returns a row for each partition of each board, and one for a board of which no partition is
+    known. A row maps each of COLUMNS to a text, which is empty for what is not known."""
+    rows = []
+    for board in boards:
+        rows += rows_of(board, hostvars[board])
+    return [{column: visible(row[column]) for column in COLUMNS} for row in rows]
+
+
+def rows_of(board, variables):
+    results = {step: result for step in ("backup", "verify", "drift", "restore")
+               if isinstance(result := variables.get("efictl_%s_result" % step), dict)
+               and not result.get("skipped")}
+    failure = failure_of(variables, results)
+    partitions = {}
+    for step in ("backup", "drift", "restore"):
+        for partition in results.get(step, {}).get("partitions") or []:
+            partitions.setdefault(partition["number"], {}).update(
+                {name: value for name, value in partition.items() if value is not None})
+    shared = {**dict.fromkeys(COLUMNS, ""), "board": board, "failure": failure,
+              "address": results and next(iter(results.values())).get("board") or ""}
+    newest = {each["number"]: each for each in results.get("verify", {}).get("partitions") or []}
+    rows = []
+    for number in sorted(partitions):
+        known = partitions[number]
+        rows.append({
+            **shared, "partition": number, "name": known.get("name") or "",
+            "bios_version": known.get("bios_version") or "",
+            "last_backup": newest.get(number, {}).get("newest") or "",
+            "backup": partition_of(results.get("backup"), number).get("status") or "",
+            "drift": drift_of(results.get("drift"), number),
+            "restore": partition_of(results.get("restore"), number).get("status") or "",
+        })
+    return rows or [shared]
+
+
+def failure_of(variables, results):
+    failure = variables.get("efictl_failure")
+    if failure:
+        return "%s: %s" % (failure["step"], failure["result"].get("msg") or "no reason given")
+    return "" if results else "Not tried"
+
+
+def partition_of(result, number):
+    """Returns what a result reports of a partition; nothing if it does not."""
+    return next((each for each in (result or {}).get("partitions") or [] if each["number"] == number), {})
+
+
+def drift_of(result, number):
+    return ", ".join(each["what"] for each in partition_of(result, number).get("differences") or [])
+
+
+def fleet_csv(rows):
+    """Returns the rows as CSV with a header."""
+    output = io.StringIO()
+    writer = csv.writer(output, lineterminator="\n")
+    writer.writerow(COLUMNS)
+    for row in rows:
+        writer.writerow([cell_of(row[column]) for column in COLUMNS])
+    return output.getvalue().rstrip("\n")
+
+
+def cell_of(text):
+    return "'" + text if len(text) > 1 and text.startswith(FORMULA_STARTS) else text
+
+
+class FilterModule:
+    def filters(self):
+        return {"fleet_rows": fleet_rows, "fleet_csv": fleet_csv}

@@ -1,0 +1,170 @@
+"""docs/fleet.md: its commands are run as printed, with the places and boards of the test for those of
+the document."""
+
+import os
+import re
+import subprocess
+import unittest
+
+from fleet.boards import Fleet, address_of, certificate_of
+from fleet.engine import COLLECTION, Controller
+from fleet.files import STATE
+from support.document import PROJECT, DocumentTest, codes_in
+from support.source import read
+
+BOARDS = ("rack1", "rack2", "rack3")
+PARTITIONS = 5
+
+
+class FleetDocument(DocumentTest):
+    name = "docs/fleet.md"
+
+    @classmethod
+    def setUpClass(cls):
+        super().setUpClass()
+        cls.fleet = cls.enterClassContext(Fleet(len(BOARDS)))
+        cls.boards = dict(zip(BOARDS, cls.fleet.boards))
+
+    def setUp(self):
+        self.controller = self.enterContext(Controller())
+        self.folder = self.controller.folder
+        # Several certificates in a file are all trusted.
+        self.certificates = self.folder / "boards.pem"
+        self.certificates.write_text("".join(
+            certificate_of(each).read_text(encoding="ascii") for each in self.boards.values()),
+            encoding="ascii")
+
+    def lines_after(self, words, block=0):
+        return self.document.blocks(words)[block].splitlines()
+
+    def shell(self, script, stdin=subprocess.DEVNULL, **environment):
+        """Runs a line of the document; it must succeed."""
+        result = subprocess.run(["bash", "-uc", script], cwd=self.folder, check=False, text=True,
+                                env={**self.controller.environment, **environment},
+                                capture_output=True, **stdin if isinstance(stdin, dict)
+                                else {"stdin": stdin})
+        self.assertEqual(result.returncode, 0, script + "\n" + result.stdout + result.stderr)
+        return result.stdout
+
+    def places(self, line):
+        """The line with places below the test's folder, and with the addresses of its boards."""
+        for place in ("/etc/efictl", "/etc/systemd/system", "/usr/share/ansible/collections"):
+            line = line.replace(place, "%s%s" % (self.folder, place))
+        for name, board in self.boards.items():
+            line = line.replace("https://%s.example/" % name, address_of(board))
+            line = re.sub(r"%s\.example(?=[ ;]|$)" % name,
+                          "'%s.example efictl_board=%s'" % (name, address_of(board)), line)
+        return line
+
+    def system(self):
+        """Where the lines write, and programs that only this machine's administrator may start."""
+        for place in ("etc/efictl", "etc/systemd/system", "usr/share/ansible/collections"):
+            (self.folder / place).mkdir(parents=True)
+        (self.folder / "etc/efictl/boards.pem").write_bytes(self.certificates.read_bytes())
+        (self.folder / "fleet").symlink_to(PROJECT / "fleet")
+        (self.folder / "efictl_1.deb").touch()
+        self.program("apt", 'echo "$@" >apt.asked')
+        self.program("systemctl", 'exec /usr/bin/systemctl --root="%s" "${@/--now/--quiet}"'
+                     % self.folder)
+
+    def program(self, name, script):
+        path = self.folder / "bin" / name
+        path.write_text("#!/bin/bash\n%s\n" % script, encoding="utf-8")
+        path.chmod(0o755)
+
+    def test_ten_lines_lead_to_a_nightly_backup_of_three_boards(self):
+        self.system()
+        lines = self.lines_after("## Three boards in ten lines")
+        self.assertEqual(len(lines), 10)
+        environment = {"ANSIBLE_COLLECTIONS_PATH":
+                       str(self.folder / "usr/share/ansible/collections")}
+        for line in lines:
+            line = self.places(line).replace("operator", "admin")
+            typed = {"input": "admin"} if "encrypt_string" in line else subprocess.DEVNULL
+            output = self.shell(line, typed, **environment)
+            if "--check" in line:
+                self.assertEqual(len(re.findall(r"(?m)^rack\d\.example .*changed=1 .*failed=0 ",
+                                                output)), len(BOARDS), output)
+        self.assertIn("ansible-core", (self.folder / "apt.asked").read_text(encoding="utf-8"))
+        enabled = self.folder / "etc/systemd/system/timers.target.wants/efictl-fleet.timer"
+        self.assertTrue(enabled.is_symlink())
+        self.assertFalse((self.folder / "etc/efictl/fleet/backups").exists())
+        self.assert_the_service_backs_up(environment)
+
+    def assert_the_service_backs_up(self, environment):
+        """Starts the command of the enabled service, in the folder that it says."""
+        service = (self.folder / "etc/systemd/system/efictl-fleet.service").read_text(
+            encoding="utf-8")
+        value = {key: re.search("(?m)^%s=(.*)$" % key, service)[1]
+                 for key in ("ExecStart", "WorkingDirectory", "LoadCredential")}
+        name, _, secret = value["LoadCredential"].partition(":")
+        (self.folder / name).symlink_to(self.places(secret))
+        command = value["ExecStart"].replace("/var/lib/efictl-fleet", str(self.folder))
+        self.shell("cd %s && %s" % (self.places(value["WorkingDirectory"]), command),
+                   CREDENTIALS_DIRECTORY=str(self.folder), **environment)
+        self.assertEqual(len(self.controller.files()), PARTITIONS * len(BOARDS))
+
+    def test_a_timer_saves_one_board(self):
+        self.system()
+        lines = self.lines_after("`efictl-backup@.timer` saves one board a night")
+        self.shell("cp fleet/systemd/* etc/systemd/system/")
+        for line in lines:
+            self.shell(self.places(line), {"input": "admin\n"} if "password" in line
+                       else subprocess.DEVNULL)
+        wanted = self.folder / "etc/systemd/system/timers.target.wants"
+        self.assertEqual([path.name for path in wanted.iterdir()], ["efictl-backup@rack1.timer"])
+        self.assertIn("EFICTL_BOARD=" + address_of(self.boards["rack1"]),
+                      (self.folder / "etc/efictl/rack1.env").read_text(encoding="utf-8"))
+        password = self.folder / "etc/efictl/rack1.password"
+        self.assertEqual(password.stat().st_mode & 0o777, 0o600)
+
+    def save_with_parallel(self, line):
+        (self.folder / "boards.txt").write_text(
+            "".join("%s %s\n" % (name, address_of(board)) for name, board in self.boards.items()),
+            encoding="utf-8")
+        # The boards of the test are not signed by an authority that this machine trusts.
+        line = line.replace("efictl backup", "efictl backup --cacert %s" % self.certificates)
+        return subprocess.run(["bash", "-uc", line], cwd=self.folder, check=False,
+                              stdin=subprocess.DEVNULL, capture_output=True, text=True,
+                              env={**self.controller.environment, "EFICTL_USER": "admin",
+                                   "EFICTL_PASSWORD": "admin"})
+
+    def test_parallel_saves_every_board(self):
+        (line,) = self.lines_after("## GNU parallel")
+        result = self.save_with_parallel(line)
+        self.assertEqual(result.returncode, 0, result.stderr)
+        self.assertEqual(len(self.controller.files()), PARTITIONS * len(BOARDS))
+        self.boards["rack2"].control("refuse", "0x020100A3", 1603, PARTITIONS)
+        result = self.save_with_parallel(line)
+        self.boards["rack2"].control("reset")
+        self.assertEqual(result.returncode, 1, result.stderr)
+        log = (self.folder / "night.log").read_text(encoding="utf-8").splitlines()
+        column = log[0].split("\t").index(self.stated(r"the column (\w+) of night\.log"))
+        statuses = sorted(line.split("\t")[column] for line in log[1:])
+        self.assertEqual(statuses, ["0", "0", "4"])
+
+    def test_git_shows_which_settings_changed(self):
+        (line,) = self.lines_after("## GNU parallel")
+        self.assertEqual(self.save_with_parallel(line).returncode, 0)
+        once, nightly, shown = (self.lines_after("## History in git", each) for each in range(3))
+        who = {each: "operator" for each in ("GIT_AUTHOR_NAME", "GIT_COMMITTER_NAME")}
+        who |= {each: "operator@rack.example" for each in ("GIT_AUTHOR_EMAIL",
+                                                           "GIT_COMMITTER_EMAIL")}
+        for command in once + nightly:
+            self.shell("cd backups && " + command, **who)
+        self.change_setting(self.boards["rack1"])
+        self.assertEqual(self.save_with_parallel(line).returncode, 0)
+        for command in nightly:
+            self.shell("cd backups && " + command, **who)
+        (command,) = shown
+        output = self.shell("cd backups && " + command, **who)
+        self.assertRegex(output, r"(?m)^-.*Boot timeout.*10$")
+        self.assertRegex(output, r"(?m)^\+.*Boot timeout.*11$")
+        self.assertNotRegex(output, r"(?m)^[-+].*Boot mode.*UEFI$(?s:.*)^-.*Boot mode")
+
+    def change_setting(self, board):
+        raise NotImplementedError
+
+
+if __name__ == "__main__":
+    unittest.main()
