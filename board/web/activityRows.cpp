@@ -104,7 +104,7 @@ public:
     explicit Row(const Host::AuditRecord& record) : SkeletonRow(ROW_SKELETON) {
         const Host::AuditEvent& event = record.event;
         put("time", localTime(record.time));
-        put("time_utc", formatTime(record.time, false, "%Y-%m-%dT%H:%M:%SZ"));
+        put("time_utc", utcTime(record.time));
         put("time_utc_text", formatTime(record.time, false, "%Y-%m-%d %H:%M:%S UTC"));
         put("user", event.user);
         put("address", event.address);
@@ -186,6 +186,10 @@ std::string describeResult(const Host::AuditEvent& event) {
 
 std::string localTime(std::time_t time) {
     return formatTime(time, true, "%Y-%m-%d %H:%M:%S");
+}
+
+std::string utcTime(std::time_t time) {
+    return formatTime(time, false, "%Y-%m-%dT%H:%M:%SZ");
 }
 
 void printActivityRows(const LatestActions& actions) {

@@ -41,6 +41,9 @@ std::string describeResult(const Host::AuditEvent& event);
 // "2026-01-31 23:59:59" in the board's own time.
 std::string localTime(std::time_t time);
 
+// "2026-01-31T22:59:59Z", for programs.
+std::string utcTime(std::time_t time);
+
 // Prints the rows of the table.
 void printActivityRows(const LatestActions& actions);
 

@@ -96,6 +96,7 @@ private:
         }
         put(name + "_age", ageOf(last.time));
         put(name + "_time", localTime(last.time));
+        put(name + "_time_utc", utcTime(last.time));
         put(name + "_user", caption(BY) + " " + last.user);
         if (last.uncertain) {
             put(name + "_uncertain", caption(OUTCOME_UNKNOWN));

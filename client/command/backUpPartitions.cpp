@@ -1,0 +1,155 @@
+#include "board/inspector/FileReport.h"
+#include "board/inspector/whyNotUsable.h"
+#include "client/command/OpenBoard.h"
+#include "client/command/commands.h"
+#include "client/folder/BackupFolder.h"
+#include "client/report/printResult.h"
+#include "platform/host/base/sha256.h"
+#include "platform/host/html/escape.h"
+
+namespace Efictl {
+
+namespace {
+
+using nlohmann::ordered_json;
+using VeskLib::Host::ConfigurationFile;
+using VeskLib::Host::makeVisible;
+
+// What has become of one partition.
+struct Backup {
+    PartitionRow partition;
+    std::string status = "skipped";  // before it was tried
+    std::string file;
+    std::size_t size = 0;
+    std::string sha256;
+    std::uint32_t saveTime = 0;
+    std::vector<std::string> removed;
+    std::optional<Result::Reason> reason;
+};
+
+ordered_json toJSON(const Backup& backup) {
+    ordered_json json = {{"number", backup.partition.number},
+                         {"name", backup.partition.name},
+                         {"bios_version", versionToJSON(backup.partition.version)},
+                         {"status", backup.status},
+                         {"file", nullptr},
+                         {"size", nullptr},
+                         {"sha256", nullptr},
+                         {"saved_on", nullptr},
+                         {"removed", backup.removed},
+                         {"reason", nullptr}};
+    if (!backup.file.empty()) {
+        json["file"] = backup.file;
+        json["size"] = backup.size;
+        json["sha256"] = backup.sha256;
+        json["saved_on"] = VeskLib::Board::formatTime(backup.saveTime);
+    }
+    if (backup.reason) {
+        json["reason"] = toJSON(*backup.reason);
+    }
+    return json;
+}
+
+std::string describe(const Backup& backup) {
+    std::string text = describePartition(backup.partition.number, backup.partition.name) + ": " +
+                       backup.status;
+    text += backup.file.empty() ? "" : ", " + backup.file;
+    text += backup.reason ? ": " + backup.reason->text : "";
+    text += backup.removed.empty()
+                ? ""
+                : ", " + std::to_string(backup.removed.size()) + " older removed";
+    return text;
+}
+
+// Returns what a download holds. Throws Failure (UNREACHABLE) if it is not whole, or not a
+// configuration of this partition and its BIOS version.
+ConfigurationFile check(const Bytes& bytes, const PartitionRow& partition) {
+    ConfigurationFile file;
+    if (!decode(bytes, file)) {
+        throw Failure(ExitCode::UNREACHABLE, "The board sent a file that cannot be used: " +
+                                                 VeskLib::Board::whyNotUsable(bytes) + ".");
+    }
+    if (file.partition != partition.number) {
+        throw Failure(ExitCode::UNREACHABLE, "The board sent the configuration of partition " +
+                                                 std::to_string(file.partition) + " instead.");
+    }
+    if (partition.knowsVersion() && makeVisible(file.version) != partition.version) {
+        throw Failure(ExitCode::UNREACHABLE, "The board sent a file of BIOS version " +
+                                                 file.version + ", but shows " +
+                                                 partition.version + ".");
+    }
+    return file;
+}
+
+void backUp(const Options& options, BoardSession& board, BackupFolder& folder, Backup& backup) {
+    const unsigned int number = backup.partition.number;
+    showProgress(options, "Backing up " + describePartition(number, backup.partition.name));
+    const Bytes bytes = board.backUp(number);
+    const ConfigurationFile file = check(bytes, backup.partition);
+    ConfigurationFile former;
+    const std::optional<BackupName> newest =
+        options.onlyIfChanged ? folder.findNewest(number, former) : std::nullopt;
+    if (newest && compare(former, file, VeskLib::Board::SaveTime::IGNORED).empty()) {
+        backup.status = "unchanged";
+        backup.file = newest->name;
+        backup.saveTime = former.saveTime;
+        const Bytes formerBytes = encode(former);
+        backup.size = formerBytes.size();
+        backup.sha256 = VeskLib::Host::sha256Hex(formerBytes);
+    } else {
+        backup.file = folder.store(number, bytes).name;
+        backup.status = "stored";
+        backup.saveTime = file.saveTime;
+        backup.size = bytes.size();
+        backup.sha256 = VeskLib::Host::sha256Hex(bytes);
+    }
+    if (options.keep != 0) {
+        backup.removed = folder.removeOlder(number, options.keep);
+    }
+}
+
+// A failure after which the next partition need not be tried.
+bool endsAll(const Failure& failure) {
+    return failure.exitCode() != ExitCode::REFUSED;
+}
+
+void addTo(Result& result, const Backup& backup) {
+    result.partitions.push_back(toJSON(backup));
+    result.lines.push_back(describe(backup));
+    result.changed = result.changed || backup.status == "stored" || !backup.removed.empty();
+}
+
+}  // namespace
+
+void backUpPartitions(const Options& options, Result& result) {
+    BackupFolder folder(options.folder, BackupFolder::Use::WRITE);
+    result.details["folder"] = options.folder;
+    OpenBoard board(options);
+    const std::vector<PartitionRow> partitions = choosePartitions(board.session().menu(), options);
+    bool goesOn = true;
+    for (const PartitionRow& partition : partitions) {
+        Backup backup;
+        backup.partition = partition;
+        try {
+            if (goesOn) {
+                backUp(options, board.session(), folder, backup);
+            }
+        } catch (const Failure& failure) {
+            // A backup that was stored is one, whatever became of the older ones.
+            if (backup.file.empty()) {
+                backup.status = failure.exitCode() == ExitCode::REFUSED ? "refused" : "failed";
+            }
+            backup.reason = Result::Reason{failure.what(), failure.number()};
+            result.fail(failure);
+            goesOn = !endsAll(failure);
+        }
+        addTo(result, backup);
+    }
+    board.close(result);
+    if (result.exitCode == ExitCode::DONE && !result.changed && options.unchangedIsDifferent) {
+        result.exitCode = ExitCode::DIFFERENT;
+        result.reason = Result::Reason{"Nothing has changed since the last backup.", std::nullopt};
+    }
+}
+
+}  // namespace Efictl

@@ -1,0 +1,43 @@
+#include "client/command/OpenBoard.h"
+#include "client/command/commands.h"
+
+namespace Efictl {
+
+namespace {
+
+using nlohmann::ordered_json;
+
+ordered_json timeToJSON(const std::string& time) {
+    return time.empty() ? ordered_json() : ordered_json(time);
+}
+
+ordered_json toJSON(const PartitionRow& row) {
+    return {{"number", row.number},
+            {"name", row.name},
+            {"bios_version", versionToJSON(row.version)},
+            {"home_board_known", row.knowsVersion()},
+            {"last_backup", timeToJSON(row.lastBackup)},
+            {"last_restore", timeToJSON(row.lastRestore)}};
+}
+
+std::string describe(const PartitionRow& row) {
+    return describePartition(row.number, row.name) + ": BIOS " +
+           (row.knowsVersion() ? row.version : "unknown (no home board)") + ", last backup " +
+           (row.lastBackup.empty() ? "not in the board's log" : row.lastBackup);
+}
+
+}  // namespace
+
+void listPartitions(const Options& options, Result& result) {
+    OpenBoard board(options);
+    const BoardPage menu = board.session().menu();
+    result.details["board_name"] =
+        menu.boardName.empty() ? ordered_json() : ordered_json(menu.boardName);
+    for (const PartitionRow& row : menu.partitions) {
+        result.partitions.push_back(toJSON(row));
+        result.lines.push_back(describe(row));
+    }
+    board.close(result);
+}
+
+}  // namespace Efictl

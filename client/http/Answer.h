@@ -1,0 +1,28 @@
+#pragma once
+
+#include "client/http/Transport.h"
+
+#include <cstddef>
+#include <string_view>
+
+namespace Efictl {
+
+// Takes the header lines and the body of an answer, within limits.
+class Answer {
+public:
+    Answer(Response& response, std::size_t limit) : response(response), limit(limit) {}
+
+    // Both return false if there is too much of it.
+    bool takeHeader(std::string_view line);
+    bool takeBody(std::string_view bytes);
+
+    bool isTooLarge() const { return tooLarge; }
+
+private:
+    Response& response;
+    const std::size_t limit;
+    std::size_t headerSize = 0;
+    bool tooLarge = false;
+};
+
+}  // namespace Efictl

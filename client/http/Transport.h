@@ -1,0 +1,86 @@
+#pragma once
+
+#include "client/Schedule.h"
+
+#include <curl/curl.h>
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace Efictl {
+
+using Bytes = std::vector<unsigned char>;
+using Fields = std::vector<std::pair<std::string, std::string>>;
+
+// The largest page and, with docs/configuration-file.md, the largest download that is read.
+inline constexpr std::size_t LARGEST_PAGE = 512 * 1024;
+
+// What a request does to the board, beside reading.
+enum class Effect {
+    NONE,     // it may be sent again
+    PREPARES,  // it leaves something that is not a change yet: a session, an uploaded file
+    CHANGES,  // it must not be given up lightly either: its outcome would not be known
+};
+
+struct Request {
+    std::string path;              // with what follows "?"
+    bool isPost = false;           // with `fields`
+    Fields fields;
+    const Bytes* file = nullptr;   // sent as the field "filename", which makes the form multipart
+    Effect effect = Effect::NONE;
+    std::size_t limit = LARGEST_PAGE;
+};
+
+struct Response {
+    long status = 0;
+    std::string contentType;
+    std::string location;
+    std::string body;
+};
+
+struct ConnectionOptions {
+    std::string board;  // "https://name:port", without a slash at its end
+    std::string certificates;  // a file of PEM certificates to trust; empty for the system's
+    bool verify = true;
+};
+
+// Sends requests to one board, one after the other, and keeps its cookies. Nothing is sent twice, no
+// redirection is followed, and every answer is limited in size and in time.
+class Transport {
+public:
+    // The schedule must outlive it.
+    Transport(ConnectionOptions options, Schedule& schedule);
+    Transport(const Transport&) = delete;
+    Transport& operator=(const Transport&) = delete;
+    ~Transport();
+
+    // Throws Failure: UNREACHABLE if there is no answer (a PassingFailure if the request may be sent
+    // again); UNKNOWN if it changes something and may have arrived; FAILED if a signal has
+    // interrupted it.
+    Response send(const Request& request);
+
+    // Returns whether the board has given a cookie of this name, with or without "__Host-".
+    bool hasCookie(std::string_view name) const;
+
+private:
+    struct HandleEnd {
+        void operator()(CURL* handle) const { curl_easy_cleanup(handle); }
+    };
+
+    void prepare(const Request& request, const std::string& form, Response& response);
+    void setTimes();
+
+    const ConnectionOptions options;
+    Schedule& schedule;
+    std::unique_ptr<CURL, HandleEnd> handle;
+    char reason[CURL_ERROR_SIZE] = "";
+};
+
+// Returns `fields` as a form of the type application/x-www-form-urlencoded.
+std::string encodeForm(const Fields& fields);
+
+}  // namespace Efictl

@@ -1,0 +1,54 @@
+#include "client/page/BoundedHeap.h"
+
+#include <cstdlib>
+
+namespace Efictl {
+
+// What is kept of a piece of memory, directly before it.
+struct alignas(std::max_align_t) BoundedHeap::Block {
+    Block* former;
+    Block* next;
+    std::size_t size;
+};
+
+BoundedHeap::~BoundedHeap() {
+    while (blocks != nullptr) {
+        Block* const block = blocks;
+        blocks = block->next;
+        std::free(block);
+    }
+}
+
+void* BoundedHeap::allocate(std::size_t size) {
+    const std::size_t whole = size + sizeof(Block);
+    Block* block = nullptr;
+    if (size < limit && whole <= limit - used) {
+        block = static_cast<Block*>(std::malloc(whole));
+    }
+    if (block == nullptr) {
+        // NOLINTNEXTLINE(cert-err52-cpp): an exception would have to pass through C.
+        std::longjmp(escape, 1);
+    }
+    used += whole;
+    *block = {nullptr, blocks, whole};
+    if (blocks != nullptr) {
+        blocks->former = block;
+    }
+    blocks = block;
+    return block + 1;
+}
+
+void BoundedHeap::release(void* memory) {
+    if (memory == nullptr) {
+        return;
+    }
+    Block* const block = static_cast<Block*>(memory) - 1;
+    if (block->next != nullptr) {
+        block->next->former = block->former;
+    }
+    (block->former == nullptr ? blocks : block->former->next) = block->next;
+    used -= block->size;
+    std::free(block);
+}
+
+}  // namespace Efictl
