@@ -31,32 +31,32 @@ def proportional_memory(pid):
     return 0
 
 
-def peak_memory(pid):
-    """The most bytes in memory that the process has ever had, shared ones included."""
-    for line in Path(f"/proc/{pid}/status").read_text(encoding="utf-8").splitlines():
-        if line.startswith("VmHWM:"):
-            return 1024 * int(line.split()[1])
-    return 0
+def most_files(pid):
+    """Looks at a process until it has ended, without a pause; returns how many files it had open at
+    the same time. The process must be waited for later."""
+    most = 0
+    while True:
+        try:
+            most = max(most, len(os.listdir(f"/proc/{pid}/fd")))
+            if Path(f"/proc/{pid}/stat").read_text(encoding="utf-8").rpartition(")")[2].split()[0] == "Z":
+                return most
+        except OSError:
+            return most
 
 
 class Peaks:
-    """Of the whole tree, and of the one process of the name that used the most."""
+    """The most that a whole tree had at the same time, as far as it was looked at."""
 
-    def __init__(self, name):
-        self.name = name
-        self.found = dict.fromkeys(("memory", "files", "processes", "client_memory", "client_files"), 0)
+    def __init__(self):
+        self.found = {"memory": 0, "files": 0, "processes": 0}
 
     def look(self, pid):
         now = dict.fromkeys(self.found, 0)
         for each in descendants(pid):
             try:
-                files = len(os.listdir(f"/proc/{each}/fd"))
+                now["files"] += len(os.listdir(f"/proc/{each}/fd"))
                 now["memory"] += proportional_memory(each)
-                now["files"] += files
                 now["processes"] += 1
-                if Path(f"/proc/{each}/comm").read_text(encoding="utf-8").strip() == self.name:
-                    now["client_memory"] = max(now["client_memory"], peak_memory(each))
-                    now["client_files"] = max(now["client_files"], files)
             except OSError:
                 continue
         self.found = {key: max(value, now[key]) for key, value in self.found.items()}
@@ -66,9 +66,9 @@ class Peaks:
 
 
 @contextmanager
-def watch(pid, name):
+def watch(pid):
     """Looks at a tree until the block ends."""
-    peaks = Peaks(name)
+    peaks = Peaks()
     ended = threading.Event()
 
     def keep_looking():

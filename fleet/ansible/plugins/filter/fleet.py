@@ -4,8 +4,11 @@ import csv
 import io
 import unicodedata
 
-COLUMNS = ("board", "address", "partition", "name", "bios_version", "last_backup", "backup", "drift",
-           "restore", "failure")
+COLUMNS = ("board", "address", "partition", "name", "bios_version", "last_backup", "backup", "changed",
+           "drift", "restore", "failure")
+
+# The roles' steps, in the order of a run; each has registered a result.
+STEPS = ("drift", "backup", "verify", "restore")
 
 # A spreadsheet takes a cell that begins with one of these for a formula.
 FORMULA_STARTS = ("=", "+", "-", "@")
@@ -30,28 +33,29 @@ def fleet_rows(boards, hostvars):
 
 
 def rows_of(board, variables):
-    results = {step: result for step in ("backup", "verify", "drift", "restore")
+    results = {step: result for step in STEPS
                if isinstance(result := variables.get("efictl_%s_result" % step), dict)
                and not result.get("skipped")}
-    failure = failure_of(variables, results)
-    partitions = {}
-    for step in ("backup", "drift", "restore"):
-        for partition in results.get(step, {}).get("partitions") or []:
-            partitions.setdefault(partition["number"], {}).update(
+    shared = {**dict.fromkeys(COLUMNS, ""), "board": board, "failure": failure_of(variables, results),
+              "address": next((each["board"] for each in results.values() if each.get("board")), "")}
+    # What a later step knows of a partition counts.
+    known = {}
+    for result in results.values():
+        for partition in result.get("partitions") or []:
+            known.setdefault(partition["number"], {}).update(
                 {name: value for name, value in partition.items() if value is not None})
-    shared = {**dict.fromkeys(COLUMNS, ""), "board": board, "failure": failure,
-              "address": results and next(iter(results.values())).get("board") or ""}
-    newest = {each["number"]: each for each in results.get("verify", {}).get("partitions") or []}
+    saved = {each["partition"]: each["made_on"]
+             for each in results.get("verify", {}).get("files") or [] if each["newest"]}
     rows = []
-    for number in sorted(partitions):
-        known = partitions[number]
+    for number in sorted(known):
+        backup, drift, restore = (partition_of(results.get(step), number)
+                                  for step in ("backup", "drift", "restore"))
         rows.append({
-            **shared, "partition": number, "name": known.get("name") or "",
-            "bios_version": known.get("bios_version") or "",
-            "last_backup": newest.get(number, {}).get("newest") or "",
-            "backup": partition_of(results.get("backup"), number).get("status") or "",
-            "drift": drift_of(results.get("drift"), number),
-            "restore": partition_of(results.get("restore"), number).get("status") or "",
+            **shared, "partition": number, "name": known[number].get("name", ""),
+            "bios_version": known[number].get("bios_version", ""),
+            "last_backup": saved.get(number) or backup.get("saved_on") or "",
+            "backup": backup.get("status", ""), "changed": settings_in(backup),
+            "drift": settings_in(drift), "restore": restore.get("status", ""),
         })
     return rows or [shared]
 
@@ -68,8 +72,8 @@ def partition_of(result, number):
     return next((each for each in (result or {}).get("partitions") or [] if each["number"] == number), {})
 
 
-def drift_of(result, number):
-    return ", ".join(each["what"] for each in partition_of(result, number).get("differences") or [])
+def settings_in(partition):
+    return ", ".join(each["name"] for each in partition.get("differences") or [])
 
 
 def fleet_csv(rows):

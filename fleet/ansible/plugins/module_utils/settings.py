@@ -14,30 +14,40 @@ def newest_backups(folder):
             for match in map(BACKUP_NAME.fullmatch, names) if match}
 
 
-def compare_with_board(client, files, *words):
-    """Compares files with what the board has. Returns what efictl reports of each partition."""
-    if not files:
-        return []
-    return client.ask_board("diff", "--against-board", *words, *files)["partitions"]
+def listed(numbers):
+    """Returns numbers as efictl takes them."""
+    return ",".join(map(str, numbers))
 
 
-def compare_files(client, former, newer):
-    """Returns the differences of two files, as efictl reports them."""
-    return client.run("diff", former, newer)["differences"]
+def add_differences(report):
+    """Gives each partition in a report of diff the differences that were found in it."""
+    for partition in report["partitions"]:
+        partition["differences"] = [each for each in report["differences"]
+                                    if each["partition"] == partition["number"]]
+    return report["partitions"]
 
 
-def shown(header, differences):
-    """Returns differences as Ansible shows them in diff mode."""
-    return {"before_header": header, "after_header": header,
-            "before": text_of(differences, "first"), "after": text_of(differences, "second")}
+def restorable(partition):
+    """Returns the differences of a partition that a restore ends: it leaves the BIOS as it is."""
+    return [each for each in partition["differences"] if each["kind"] != "bios_version"]
 
 
-def shown_all(partitions):
-    """Returns the differences of partitions, as efictl reports them, for diff mode."""
-    return [shown("partition %d" % each["number"], each["differences"])
-            for each in partitions if each["differences"]]
+def shown(partitions):
+    """Returns the differences of partitions as Ansible shows them in diff mode."""
+    return [{"before_header": header, "after_header": header,
+             "before": text_of(each["differences"], "expected"),
+             "after": text_of(each["differences"], "found")}
+            for each in partitions if each["differences"]
+            for header in ["partition %d" % each["number"]]]
+
+
+def reversed_differences(partitions):
+    """Returns the differences seen from the other side: what was found becomes what was expected."""
+    return [{**partition, "differences": [{**each, "expected": each["found"], "found": each["expected"]}
+                                          for each in partition["differences"]]}
+            for partition in partitions]
 
 
 def text_of(differences, side):
-    return "".join("%s: %s\n" % (each["what"], "(none)" if each[side] is None else each[side])
-                   for each in differences)
+    return "".join("%s: %s\n" % (each["name"], each[side])
+                   for each in differences if each[side] is not None)

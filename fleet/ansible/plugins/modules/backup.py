@@ -60,7 +60,7 @@ from ansible.module_utils.basic import AnsibleModule  # noqa: E402
 from ansible_collections.vesk.efictl.plugins.module_utils.efictl import (  # noqa: E402
     BOARD_OPTIONS, Client, result_of)
 from ansible_collections.vesk.efictl.plugins.module_utils.settings import (  # noqa: E402
-    compare_files, compare_with_board, newest_backups, shown_all)
+    add_differences, listed, newest_backups, shown)
 
 # As efictl makes the folder itself: configurations are confidential.
 FOLDER_MODE = 0o700
@@ -75,36 +75,40 @@ OPTIONS = {
 
 
 def foresee(module, client, newest):
-    """Ends the module with what a backup would do, as far as it depends on the board."""
-    listed = client.ask_board("list")
-    chosen = [each["number"] for each in listed["partitions"]
-              if not module.params["partitions"] or each["number"] in module.params["partitions"]]
-    compared = compare_with_board(client, [newest[number] for number in chosen if number in newest])
-    new = [number for number in chosen if number not in newest]
-    changed = bool(new or not module.params["if_changed"]
-                   or any(each["differences"] for each in compared))
-    module.exit_json(changed=changed, diff=shown_all(compared), **result_of(listed))
+    """Ends the module with what a backup would do, as far as that depends on the board."""
+    report = client.ask_board("list")
+    wanted = module.params["partitions"]
+    chosen = [each["number"] for each in report["partitions"] if not wanted or each["number"] in wanted]
+    known = [number for number in chosen if number in newest]
+    compared = []
+    if known:
+        compared = add_differences(client.ask_board(
+            "diff", "--against-board", "--partition", listed(known), "--out", module.params["folder"]))
+    changed = len(known) < len(chosen) or not module.params["if_changed"] or any(
+        each["differences"] for each in compared)
+    module.exit_json(changed=changed, diff=shown(compared), **result_of(report))
 
 
 def save(module, client, newest):
-    words = ["--out", module.params["folder"]]
+    folder = module.params["folder"]
+    words = ["--out", folder]
     if module.params["partitions"]:
-        words += ["--partition", ",".join(map(str, module.params["partitions"]))]
+        words += ["--partition", listed(module.params["partitions"])]
     else:
         words.append("--all")
     if module.params["if_changed"]:
         words.append("--if-changed")
     if module.params["keep"]:
         words += ["--keep", str(module.params["keep"])]
-    os.makedirs(module.params["folder"], mode=FOLDER_MODE, exist_ok=True)
+    os.makedirs(folder, mode=FOLDER_MODE, exist_ok=True)
     report = client.ask_board("backup", *words)
-    result = {"changed": report["changed"], **result_of(report)}
-    for each in result["partitions"]:
+    for each in report["partitions"]:
         former = newest.get(each["number"])
-        is_new = each["status"] == "stored" and former and os.path.exists(former)
-        each["differences"] = compare_files(
-            client, former, os.path.join(module.params["folder"], each["file"])) if is_new else []
-    module.exit_json(diff=shown_all(result["partitions"]), **result)
+        each["differences"] = []
+        if each["status"] == "stored" and former and os.path.exists(former):
+            stored = os.path.join(folder, each["file"])
+            each["differences"] = client.run("diff", former, stored)["differences"]
+    module.exit_json(changed=report["changed"], diff=shown(report["partitions"]), **result_of(report))
 
 
 def main():

@@ -18,7 +18,7 @@ options:
     description: A file that the partitions are compared with.
     type: path
   partitions:
-    description: Numbers of the partitions to compare with I(file); all when the list is empty.
+    description: Numbers of the partitions; all that have a backup, or all that are installed, when empty.
     type: list
     elements: int
     default: []
@@ -55,7 +55,7 @@ from ansible.module_utils.basic import AnsibleModule  # noqa: E402
 from ansible_collections.vesk.efictl.plugins.module_utils.efictl import (  # noqa: E402
     BOARD_OPTIONS, Client)
 from ansible_collections.vesk.efictl.plugins.module_utils.settings import (  # noqa: E402
-    compare_with_board, newest_backups, shown_all)
+    add_differences, listed, newest_backups, reversed_differences, shown)
 
 OPTIONS = {
     **BOARD_OPTIONS,
@@ -70,18 +70,16 @@ def main():
                            required_one_of=[("folder", "file")],
                            mutually_exclusive=[("folder", "file")])
     client = Client(module)
-    if module.params["file"]:
-        partitions = compare_with_board(client, [module.params["file"]],
-                                        *chosen(module.params["partitions"]))
-    else:
-        partitions = compare_with_board(client, newest_backups(module.params["folder"]).values())
-    module.exit_json(changed=False, partitions=partitions, diff=shown_all(partitions),
-                     board=module.params["board"],
-                     different=any(each["differences"] for each in partitions))
-
-
-def chosen(partitions):
-    return ["--partition", ",".join(map(str, partitions))] if partitions else ["--all"]
+    folder, file = module.params["folder"], module.params["file"]
+    numbers = module.params["partitions"] or sorted(newest_backups(folder) if folder else ())
+    partitions = []
+    if file or numbers:
+        words = ["--partition", listed(numbers)] if numbers else []
+        partitions = add_differences(client.ask_board(
+            "diff", "--against-board", *words, *([file] if file else ["--out", folder])))
+    module.exit_json(changed=False, partitions=partitions, board=module.params["board"],
+                     different=any(each["differences"] for each in partitions),
+                     diff=shown(reversed_differences(partitions)))
 
 
 if __name__ == "__main__":

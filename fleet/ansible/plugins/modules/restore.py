@@ -63,7 +63,7 @@ from ansible.module_utils.basic import AnsibleModule  # noqa: E402
 from ansible_collections.vesk.efictl.plugins.module_utils.efictl import (  # noqa: E402
     BOARD_OPTIONS, Client, result_of)
 from ansible_collections.vesk.efictl.plugins.module_utils.settings import (  # noqa: E402
-    compare_with_board, shown_all)
+    add_differences, listed, restorable, reversed_differences, shown)
 
 OPTIONS = {
     **BOARD_OPTIONS,
@@ -83,22 +83,19 @@ def main():
         module.fail_json(msg="No partition is given. Name some in partitions, or set all.",
                          status="usage", exit=2)
     client = Client(module)
-    targets = ["--all"] if options["all"] else ["--partition", listed(options["partitions"])]
-    compared = compare_with_board(client, [options["file"]], *targets)
-    different = [each["number"] for each in compared if each["differences"]]
-    if not different:
+    words = [] if options["all"] else ["--partition", listed(options["partitions"])]
+    compared = add_differences(client.ask_board("diff", "--against-board", *words, options["file"]))
+    targets = [each["number"] for each in compared if restorable(each)]
+    if not targets:
         module.exit_json(changed=False, partitions=compared, board=options["board"])
-    words = [options["file"], "--to", listed(different)]
+    words = [options["file"], "--to", listed(targets)]
     words += ["--" + name.replace("_", "-") for name in ("require_same_version", "require_partition")
               if options[name]]
     if module.check_mode:
         words.append("--dry-run")
     report = client.ask_board("restore", *words)
-    module.exit_json(changed=True, diff=shown_all(compared), **result_of(report))
-
-
-def listed(numbers):
-    return ",".join(map(str, numbers))
+    diff = shown(reversed_differences([{**each, "differences": restorable(each)} for each in compared]))
+    module.exit_json(changed=True, diff=diff, **result_of(report))
 
 
 if __name__ == "__main__":
