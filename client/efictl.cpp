@@ -19,7 +19,10 @@ using namespace Efictl;
 
 using Command = void (*)(const Options&, Result&);
 const std::map<std::string, Command> COMMANDS = {{"backup", backUpPartitions},
-                                                 {"list", listPartitions}};
+                                                 {"diff", diffPartitions},
+                                                 {"list", listPartitions},
+                                                 {"restore", restorePartitions},
+                                                 {"verify", verifyFolder}};
 
 Result carryOut(const Options& options) {
     Result result;

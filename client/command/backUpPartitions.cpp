@@ -12,11 +12,12 @@ namespace Efictl {
 namespace {
 
 using nlohmann::ordered_json;
+using VeskLib::Board::SaveTime;
 using VeskLib::Host::ConfigurationFile;
 using VeskLib::Host::makeVisible;
 
 // What has become of one partition.
-struct Backup {
+struct PartitionBackup {
     PartitionRow partition;
     std::string status = "skipped";  // before it was tried
     std::string file;
@@ -27,7 +28,7 @@ struct Backup {
     std::optional<Result::Reason> reason;
 };
 
-ordered_json toJSON(const Backup& backup) {
+ordered_json toJSON(const PartitionBackup& backup) {
     ordered_json json = {{"number", backup.partition.number},
                          {"name", backup.partition.name},
                          {"bios_version", versionToJSON(backup.partition.version)},
@@ -50,7 +51,7 @@ ordered_json toJSON(const Backup& backup) {
     return json;
 }
 
-std::string describe(const Backup& backup) {
+std::string describe(const PartitionBackup& backup) {
     std::string text = describePartition(backup.partition.number, backup.partition.name) + ": " +
                        backup.status;
     text += backup.file.empty() ? "" : ", " + backup.file;
@@ -81,27 +82,30 @@ ConfigurationFile check(const Bytes& bytes, const PartitionRow& partition) {
     return file;
 }
 
-void backUp(const Options& options, BoardSession& board, BackupFolder& folder, Backup& backup) {
+void backUp(const Options& options, BoardSession& board, BackupFolder& folder,
+            PartitionBackup& backup) {
     const unsigned int number = backup.partition.number;
     showProgress(options, "Backing up " + describePartition(number, backup.partition.name));
-    const Bytes bytes = board.backUp(number);
+    Bytes bytes = board.backUp(number);
     const ConfigurationFile file = check(bytes, backup.partition);
-    ConfigurationFile former;
-    const std::optional<BackupName> newest =
-        options.onlyIfChanged ? folder.findNewest(number, former) : std::nullopt;
-    if (newest && compare(former, file, VeskLib::Board::SaveTime::IGNORED).empty()) {
-        backup.status = "unchanged";
-        backup.file = newest->name;
-        backup.saveTime = former.saveTime;
-        const Bytes formerBytes = encode(former);
-        backup.size = formerBytes.size();
-        backup.sha256 = VeskLib::Host::sha256Hex(formerBytes);
-    } else {
-        backup.file = folder.store(number, bytes).name;
-        backup.status = "stored";
-        backup.saveTime = file.saveTime;
-        backup.size = bytes.size();
-        backup.sha256 = VeskLib::Host::sha256Hex(bytes);
+    backup.status = "stored";
+    backup.saveTime = file.saveTime;
+    backup.size = bytes.size();
+    backup.sha256 = VeskLib::Host::sha256Hex(bytes);
+    if (options.onlyIfChanged) {
+        // What it was read from is made again if it is needed, so that it is not there meanwhile.
+        bytes = Bytes();
+        const std::optional<Backup> newest = folder.findNewest(number);
+        if (newest && compare(newest->file, file, SaveTime::IGNORED).empty()) {
+            backup.status = "unchanged";
+            backup.file = newest->name.name;
+            backup.saveTime = newest->file.saveTime;
+            backup.size = newest->size;
+            backup.sha256 = newest->sha256;
+        }
+    }
+    if (backup.file.empty()) {
+        backup.file = folder.store(number, bytes.empty() ? encode(file) : bytes).name;
     }
     if (options.keep != 0) {
         backup.removed = folder.removeOlder(number, options.keep);
@@ -113,7 +117,7 @@ bool endsAll(const Failure& failure) {
     return failure.exitCode() != ExitCode::REFUSED;
 }
 
-void addTo(Result& result, const Backup& backup) {
+void addTo(Result& result, const PartitionBackup& backup) {
     result.partitions.push_back(toJSON(backup));
     result.lines.push_back(describe(backup));
     result.changed = result.changed || backup.status == "stored" || !backup.removed.empty();
@@ -128,7 +132,7 @@ void backUpPartitions(const Options& options, Result& result) {
     const std::vector<PartitionRow> partitions = choosePartitions(board.session().menu(), options);
     bool goesOn = true;
     for (const PartitionRow& partition : partitions) {
-        Backup backup;
+        PartitionBackup backup;
         backup.partition = partition;
         try {
             if (goesOn) {

@@ -28,6 +28,9 @@ public:
                            STATUSES);
         addList();
         addBackup();
+        addRestore();
+        addDiff();
+        addVerify();
     }
 
     CLI::App application{"Backs up, compares and restores the BIOS configurations of a server "
@@ -90,6 +93,41 @@ private:
                           "End with 1 if nothing was stored and nothing failed");
     }
 
+    void addRestore() {
+        CLI::App* const command =
+            addForBoard("restore", "Restores a configuration file to partitions");
+        command->add_option("FILE", options.files, "The file")->required()->expected(1);
+        addPartitions(command, "--to", "Numbers of the partitions");
+        command->add_flag("--dry-run", options.dryRun,
+                          "Upload, compare, show the plan, discard; restore nothing");
+        command->add_flag("--require-same-version", options.requireSameVersion,
+                          "Only to partitions of exactly the BIOS version of the file");
+        command->add_flag("--require-partition", options.requirePartition,
+                          "Only to the partition that the file was saved from");
+    }
+
+    void addDiff() {
+        CLI::App* const command = addForBoard(
+            "diff", "Shows which settings differ between files, or between a board and files");
+        command->add_option("FILE", options.files,
+                            "The files; the first is compared with each other one");
+        command->add_flag("--against-board", options.againstBoard,
+                          "Compare partitions with FILE, or with their newest backups in DIR");
+        addPartitions(command, "--partition",
+                      "Numbers of partitions; that of FILE, or with --out all, if not given");
+        command->add_option("--out", options.folder, "The folder of the board's backups")
+            ->type_name("DIR");
+    }
+
+    void addVerify() {
+        CLI::App* const command = add("verify", "Looks at every file of a folder of backups");
+        command->add_option("DIR", options.folder, "The folder")->required();
+        command->add_option("--max-gap", options.longestGapHours,
+                            "Report more than so many hours between two backups of a partition")
+            ->check(CLI::Range(1U, 100000U))
+            ->type_name("HOURS");
+    }
+
     Options& options;
 };
 
@@ -97,6 +135,19 @@ private:
 std::string findContradiction(const Options& options) {
     if (options.command == "backup" && !options.allPartitions && options.partitions.empty()) {
         return "Say which partitions: --partition N,... or --all.";
+    }
+    if (options.command == "restore" && !options.allPartitions && options.partitions.empty()) {
+        return "Say where to: --to N,... or --all.";
+    }
+    if (options.command != "diff") {
+        return "";
+    }
+    if (!options.againstBoard) {
+        return options.files.size() < 2 ? "Name two files or more, or --against-board." : "";
+    }
+    const bool hasFolder = !options.folder.empty();
+    if (options.files.size() > 1 || options.files.empty() != hasFolder) {
+        return "With --against-board name either one file or --out DIR.";
     }
     return "";
 }

@@ -9,5 +9,8 @@ namespace Efictl {
 // early.
 void listPartitions(const Options& options, Result& result);
 void backUpPartitions(const Options& options, Result& result);
+void restorePartitions(const Options& options, Result& result);
+void diffPartitions(const Options& options, Result& result);
+void verifyFolder(const Options& options, Result& result);
 
 }  // namespace Efictl

@@ -1,6 +1,7 @@
 #include "client/folder/BackupFolder.h"
 
 #include "client/Failure.h"
+#include "platform/host/base/sha256.h"
 #include "platform/host/storage/files.h"
 
 #include <fcntl.h>
@@ -17,7 +18,6 @@ namespace Efictl {
 
 namespace {
 
-using VeskLib::Host::ConfigurationFile;
 using VeskLib::Host::Descriptor;
 
 // Configurations are confidential.
@@ -113,17 +113,23 @@ std::vector<BackupName> BackupFolder::list(unsigned int partition) const {
     return backups;
 }
 
-bool BackupFolder::isUsable(const BackupName& backup, ConfigurationFile& file) const {
+std::optional<Backup> BackupFolder::read(const BackupName& name) const {
     Bytes bytes;
-    return VeskLib::Host::readFile(pathOf(backup), VeskLib::Host::LARGEST_CONFIGURATION_FILE,
-                                   bytes) &&
-           decode(bytes, file) && file.partition == backup.partition;
+    Backup backup;
+    if (!VeskLib::Host::readFile(pathOf(name.name), VeskLib::Host::LARGEST_CONFIGURATION_FILE,
+                                 bytes) ||
+        !decode(bytes, backup.file) || backup.file.partition != name.partition) {
+        return std::nullopt;
+    }
+    backup.name = name;
+    backup.size = bytes.size();
+    backup.sha256 = VeskLib::Host::sha256Hex(bytes);
+    return backup;
 }
 
-std::optional<BackupName> BackupFolder::findNewest(unsigned int partition,
-                                                   ConfigurationFile& file) const {
-    for (const BackupName& backup : list(partition)) {
-        if (isUsable(backup, file)) {
+std::optional<Backup> BackupFolder::findNewest(unsigned int partition) const {
+    for (const BackupName& name : list(partition)) {
+        if (std::optional<Backup> backup = read(name)) {
             return backup;
         }
     }
@@ -134,7 +140,7 @@ BackupName BackupFolder::store(unsigned int partition, const Bytes& bytes) {
     std::time_t time = std::time(nullptr);
     for (int attempt = 0;; ++attempt, ++time) {
         const BackupName backup = BackupName::make(partition, time);
-        if (isMade(pathOf(backup), bytes)) {
+        if (isMade(pathOf(backup.name), bytes)) {
             return backup;
         }
         if (errno != EEXIST || attempt == MOST_NAMES) {
@@ -147,10 +153,9 @@ std::vector<std::string> BackupFolder::removeOlder(unsigned int partition, std::
     std::vector<std::string> removed;
     std::size_t usable = 0;
     for (const BackupName& backup : list(partition)) {
-        ConfigurationFile file;
         if (usable < keep) {
-            usable += isUsable(backup, file) ? 1 : 0;
-        } else if (unlink(pathOf(backup).c_str()) == 0) {
+            usable += read(backup) ? 1 : 0;
+        } else if (unlink(pathOf(backup.name).c_str()) == 0) {
             removed.push_back(backup.name);
         } else {
             throwSystemError("The old backup " + backup.name + " cannot be removed", errno);

@@ -24,6 +24,14 @@ struct BackupName {
     static BackupName make(unsigned int partition, std::time_t time);
 };
 
+// A usable backup with what is in it.
+struct Backup {
+    BackupName name;
+    VeskLib::Host::ConfigurationFile file;
+    std::size_t size = 0;
+    std::string sha256;
+};
+
 // The backups of one board in a folder, which belongs to one process as long as this lives.
 class BackupFolder {
 public:
@@ -40,8 +48,7 @@ public:
     std::vector<BackupName> list(unsigned int partition) const;
 
     // Returns the newest one of a partition that is usable; nothing if there is none.
-    std::optional<BackupName> findNewest(unsigned int partition,
-                                         VeskLib::Host::ConfigurationFile& file) const;
+    std::optional<Backup> findNewest(unsigned int partition) const;
 
     // Stores a backup that was made now and returns its name. The file has its name only once all of
     // it is on the disk. Throws Failure (FAILED) if it cannot be stored.
@@ -51,10 +58,10 @@ public:
     // returns their names. Damaged files do not count, so that the last usable one always stays.
     std::vector<std::string> removeOlder(unsigned int partition, std::size_t keep);
 
-    std::string pathOf(const BackupName& backup) const { return path + "/" + backup.name; }
+    std::string pathOf(const std::string& name) const { return path + "/" + name; }
 
 private:
-    bool isUsable(const BackupName& backup, VeskLib::Host::ConfigurationFile& file) const;
+    std::optional<Backup> read(const BackupName& name) const;
 
     const std::string path;
     std::unique_ptr<VeskLib::Host::Descriptor> hold;

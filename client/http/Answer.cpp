@@ -63,11 +63,11 @@ bool Answer::takeBody(std::string_view bytes) {
         return false;
     }
     if (response.body.capacity() - response.body.size() < bytes.size()) {
-        // Not twice the limit, as a text that grows by itself may take.
+        // Not twice the limit, as a vector that grows by itself may take.
         response.body.reserve(
             std::min(limit, std::max(2 * response.body.size(), response.body.size() + bytes.size())));
     }
-    response.body += bytes;
+    response.body.insert(response.body.end(), bytes.begin(), bytes.end());
     return true;
 }
 

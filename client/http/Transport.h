@@ -39,7 +39,7 @@ struct Response {
     long status = 0;
     std::string contentType;
     std::string location;
-    std::string body;
+    Bytes body;
 };
 
 struct ConnectionOptions {

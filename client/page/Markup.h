@@ -45,7 +45,7 @@ Element::Question hasTag(GumboTag tag);
 Element::Question hasAttribute(const char* name);
 Element::Question hasAttribute(const char* name, const std::string& value);
 
-// A page that was taken apart as browsers do it. Takes less than 3 MiB, whatever the page is.
+// A page that was taken apart as browsers do it. Takes less than 2 MiB, whatever the page is.
 class Markup {
 public:
     // Throws Failure (UNREACHABLE) for a page of more elements than any page of a board.

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "client/http/Transport.h"
+#include "platform/host/storage/ConfigurationFile.h"
+
+#include <string>
+
+namespace Efictl {
+
+// A configuration file of this machine.
+struct LocalFile {
+    std::string path;
+    std::string sha256;
+    VeskLib::Host::ConfigurationFile file;
+
+    Bytes bytes() const { return encode(file); }
+};
+
+// Reads such a file. Throws Failure (FAILED) with the reason if it is not usable.
+LocalFile readLocalFile(const std::string& path);
+
+}  // namespace Efictl
