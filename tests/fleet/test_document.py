@@ -22,8 +22,7 @@ class FleetDocument(DocumentTest):
     @classmethod
     def setUpClass(cls):
         super().setUpClass()
-        cls.fleet = cls.enterClassContext(Fleet(len(BOARDS)))
-        cls.boards = dict(zip(BOARDS, cls.fleet.boards))
+        cls.boards = cls.enterClassContext(Fleet(*BOARDS)).boards
 
     def setUp(self):
         self.controller = self.enterContext(Controller())
@@ -134,7 +133,7 @@ class FleetDocument(DocumentTest):
         result = self.save_with_parallel(line)
         self.assertEqual(result.returncode, 0, result.stderr)
         self.assertEqual(len(self.controller.files()), PARTITIONS * len(BOARDS))
-        self.boards["rack2"].control("refuse", "0x020100A3", 1603, PARTITIONS)
+        self.boards["rack2"].control("refuse", "0x020100A3", 1603, "--times", PARTITIONS)
         result = self.save_with_parallel(line)
         self.boards["rack2"].control("reset")
         self.assertEqual(result.returncode, 1, result.stderr)
@@ -152,7 +151,8 @@ class FleetDocument(DocumentTest):
                                                            "GIT_COMMITTER_EMAIL")}
         for command in once + nightly:
             self.shell("cd backups && " + command, **who)
-        self.change_setting(self.boards["rack1"])
+        self.controller.boards = self.boards
+        self.controller.change_setting("rack1", b"Boot timeout=10", b"Boot timeout=11")
         self.assertEqual(self.save_with_parallel(line).returncode, 0)
         for command in nightly:
             self.shell("cd backups && " + command, **who)
@@ -161,9 +161,6 @@ class FleetDocument(DocumentTest):
         self.assertRegex(output, r"(?m)^-.*Boot timeout.*10$")
         self.assertRegex(output, r"(?m)^\+.*Boot timeout.*11$")
         self.assertNotRegex(output, r"(?m)^[-+].*Boot mode.*UEFI$(?s:.*)^-.*Boot mode")
-
-    def change_setting(self, board):
-        raise NotImplementedError
 
 
 if __name__ == "__main__":

@@ -6,9 +6,9 @@ import time
 import unittest
 from pathlib import Path
 
-from fleet.boards import Fleet, address_of, certificate_of, staged_files
-from fleet.engine import EFICTL, Controller
-from fleet.files import configuration_file, is_whole, payloads_of
+from fleet.boards import Fleet, staged_files
+from fleet.engine import EFICTL, VERSION, Controller
+from fleet.files import configuration_file, decode, payloads_of
 
 NAMES = ("left", "right")
 POINTS = 20
@@ -34,15 +34,11 @@ def clients_in(folder):
 class Killed(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
-        cls.fleet = cls.enterClassContext(Fleet(len(NAMES)))
-        cls.boards = dict(zip(NAMES, cls.fleet.boards))
+        cls.boards = cls.enterClassContext(Fleet(*NAMES)).boards
 
     def setUp(self):
         self.controller = self.enterContext(Controller())
-        self.controller.write_inventory(
-            {name: {"efictl_board": address_of(board), "efictl_cacert": certificate_of(board)}
-             for name, board in self.boards.items()},
-            efictl_user="admin", efictl_password="admin")
+        self.controller.write_inventory(self.boards)
 
     def wait_for_clients(self):
         end = time.monotonic() + END_SECONDS
@@ -89,7 +85,7 @@ class Killed(unittest.TestCase):
         self.count = getattr(self, "count", 0) + 1
         self.payload = b"Boot mode=UEFI\nBoot timeout=%d\n" % self.count
         file = self.controller.folder / "golden.dat"
-        file.write_bytes(configuration_file(3, "1.23 B", self.payload))
+        file.write_bytes(configuration_file(3, VERSION, self.payload))
         return self.controller.start(
             "restore", "--extra-vars", '{"efictl_file": "%s", "efictl_targets": %s, '
             '"efictl_waves": ["100%%"]}' % (file, list(TARGETS)))
@@ -107,7 +103,7 @@ class Killed(unittest.TestCase):
     def check_backups(self):
         for path, data in self.controller.files().items():
             if path.endswith(".dat"):
-                self.assertTrue(is_whole(data), path)
+                self.assertIsNotNone(decode(data), path)
 
     def kill_everything(self, process):
         """Ends the run as a power cut does."""

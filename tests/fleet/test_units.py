@@ -83,25 +83,22 @@ class Units(unittest.TestCase):
             EFICTL_BOARD=address_of(board), EFICTL_USER="admin")
 
     def test_the_service_of_a_board_backs_it_up(self):
-        with Fleet(1) as fleet:
-            options = "--cacert %s --keep 1" % certificate_of(fleet[0])
+        with Fleet("rack1") as fleet:
+            board = fleet.boards["rack1"]
+            options = "--cacert %s --keep 1" % certificate_of(board)
             for _ in range(2):
-                result = self.start_backup(fleet[0], options)
+                result = self.start_backup(board, options)
                 self.assertEqual(result.returncode, 0, result.stdout + result.stderr)
             saved = list((self.controller.folder / "state/rack1").iterdir())
             self.assertEqual(len(saved), 5)
             # A failure is one for systemd, too: there is no unit whose status is ignored.
-            self.assertEqual(self.start_backup(fleet[0]).returncode, 3)
+            self.assertEqual(self.start_backup(board).returncode, 3)
 
     def test_the_service_of_a_fleet_backs_every_board_up(self):
         folder = self.controller.folder
         (folder / "vault").write_text("vault\n", encoding="utf-8")
-        with Fleet(2) as fleet:
-            self.controller.write_inventory(
-                {"rack%d" % number: {"efictl_board": address_of(board),
-                                     "efictl_cacert": certificate_of(board)}
-                 for number, board in enumerate(fleet.boards)},
-                efictl_user="admin", efictl_password="admin")
+        with Fleet("rack0", "rack1") as fleet:
+            self.controller.write_inventory(fleet.boards)
             environment = {**self.environment_of("efictl-fleet.service"),
                            "HOME": str(folder / "home"), "ANSIBLE_HOME": str(folder / "home/.ansible"),
                            "ANSIBLE_COLLECTIONS_PATH": str(folder / "collections"),

@@ -2,8 +2,8 @@
 
 import unittest
 
-from fleet.boards import RESTORE, Fleet, address_of, certificate_of, staged_files
-from fleet.engine import Controller
+from fleet.boards import RESTORE, Fleet, staged_files
+from fleet.engine import VERSION, Controller
 from fleet.files import configuration_file, payloads_of
 
 NAMES = ("first", "second", "third", "fourth", "fifth")
@@ -17,21 +17,17 @@ class Waves(unittest.TestCase):
 
     @classmethod
     def setUpClass(cls):
-        cls.fleet = cls.enterClassContext(Fleet(len(NAMES)))
-        cls.boards = dict(zip(NAMES, cls.fleet.boards))
+        cls.boards = cls.enterClassContext(Fleet(*NAMES)).boards
 
     def setUp(self):
         self.controller = self.enterContext(Controller())
-        self.controller.write_inventory(
-            {name: {"efictl_board": address_of(board), "efictl_cacert": certificate_of(board)}
-             for name, board in self.boards.items()},
-            efictl_user="admin", efictl_password="admin")
+        self.controller.write_inventory(self.boards)
         for board in self.boards.values():
             board.control("reset")
 
     def restore(self, payload, *options):
         file = self.controller.folder / "golden.dat"
-        file.write_bytes(configuration_file(3, "1.23 B", payload))
+        file.write_bytes(configuration_file(3, VERSION, payload))
         return self.controller.run(
             "restore", "--extra-vars", '{"efictl_file": "%s", "efictl_targets": %s, '
             '"efictl_waves": %s}' % (file, TARGETS, WAVES), *options)

@@ -10,32 +10,32 @@ assert TESTS
 CERTIFICATE = "/var/lib/tls/certificate.pem"
 BACKUP, RESTORE = "0x020100A3", "0x020100A4"
 STAGED = "restored_eficonf"
+AT_A_TIME = 4
 LOCK = STAGED + ".lock"
 
 
 class Fleet:
-    """Serves `count` boards. They start one beside the other, which is bound by their waits."""
+    """Serves a board for each name. They start one beside the other, because a start mostly waits.
+    `boards` are {name: board}."""
 
-    def __init__(self, count, *options):
-        self.boards = [Board("--tls", *options) for _ in range(count)]
+    def __init__(self, *names):
+        self.boards = {name: Board("--tls") for name in names}
 
     def __enter__(self):
-        with ThreadPoolExecutor(4) as pool:
-            started = [pool.submit(each.__enter__) for each in self.boards]
-        failures = [each.exception() for each in started if each.exception()]
+        boards = list(self.boards.values())
+        with ThreadPoolExecutor(AT_A_TIME) as pool:
+            starts = [pool.submit(each.__enter__) for each in boards]
+        failures = [each.exception() for each in starts if each.exception()]
         if failures:
-            for board, start in zip(self.boards, started):
+            for board, start in zip(boards, starts):
                 if not start.exception():
                     board.__exit__()
             raise failures[0]
         return self
 
     def __exit__(self, *_):
-        with ThreadPoolExecutor(4) as pool:
-            list(pool.map(lambda board: board.__exit__(), self.boards))
-
-    def __getitem__(self, index):
-        return self.boards[index]
+        with ThreadPoolExecutor(AT_A_TIME) as pool:
+            list(pool.map(Board.__exit__, self.boards.values()))
 
 
 def address_of(board):

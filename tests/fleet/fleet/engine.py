@@ -10,16 +10,17 @@ import tempfile
 from dataclasses import dataclass
 from pathlib import Path
 
-from fleet import TESTS  # makes `support` known
+from fleet.boards import address_of, certificate_of
+from fleet.files import configuration_file, decode, payloads_of
 from support.board import BUILD
 from support.document import PROJECT
-
-assert TESTS
 
 COLLECTION = PROJECT / "fleet/ansible"
 EFICTL = BUILD / "client/efictl"
 EFICONF = BUILD / "board/inspector/eficonf"
 RUN_SECONDS = 300
+# Of partition 3 of the demo board.
+VERSION = "1.23 B"
 
 
 @dataclass
@@ -74,12 +75,15 @@ class Controller:
     def reports(self):
         return self.folder / "reports"
 
-    def write_inventory(self, boards, **shared):
-        """`boards` are {name: {variable: value}}."""
+    def write_inventory(self, boards, **more):
+        """`boards` are {name: board}; `more` has further variables of some, {name: {variable: value}}."""
+        self.boards = boards
         lines = ["[boards]"]
-        for name, variables in boards.items():
+        for name, board in boards.items():
+            variables = {"efictl_board": address_of(board), "efictl_cacert": certificate_of(board),
+                         **more.get(name, {})}
             lines.append(" ".join([name, *("%s=%s" % each for each in variables.items())]))
-        lines += ["[boards:vars]", *("%s=%s" % each for each in shared.items())]
+        lines += ["[boards:vars]", "efictl_user=admin", "efictl_password=admin"]
         (self.folder / "inventory.ini").write_text("\n".join(lines) + "\n", encoding="utf-8")
 
     def start(self, playbook, *options, **environment):
@@ -110,6 +114,29 @@ class Controller:
         return subprocess.run([EFICTL, *map(str, words)], cwd=self.folder, check=False,
                               env={**self.environment, **environment}, stdin=subprocess.DEVNULL,
                               capture_output=True, text=True, timeout=RUN_SECONDS)
+
+    def newest(self, name, partition):
+        """The newest backup of a partition."""
+        return max((self.backups / name).glob("partition%03d-*.dat" % partition))
+
+    @staticmethod
+    def with_setting(file, former, newer):
+        """The bytes of a backup, with another setting."""
+        saved = decode(file.read_bytes())
+        assert former in saved.payload
+        saved.payload = saved.payload.replace(former, newer)
+        return saved.encode()
+
+    def change_setting(self, name, former, newer, partition=3):
+        """Changes a setting on a board, as someone else would."""
+        board = self.boards[name]
+        payload = payloads_of(board)[partition]
+        assert former in payload
+        file = self.folder / "changed.dat"
+        file.write_bytes(configuration_file(partition, VERSION, payload.replace(former, newer)))
+        result = self.efictl("restore", file, "--to", partition, "--board", address_of(board), "--cacert",
+                             certificate_of(board), EFICTL_USER="admin", EFICTL_PASSWORD="admin")
+        assert result.returncode == 0, result.stderr
 
     def report(self):
         """The rows of the report's CSV."""

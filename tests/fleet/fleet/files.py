@@ -16,9 +16,9 @@ def configuration_file(partition, version, payload, name="Test"):
     return _files.ConfigurationFile(partition, version, name, payload).encode()
 
 
-def is_whole(data):
-    """Returns true if the bytes are a configuration file without damage."""
-    return _files.decodeConfigurationFile(data) is not None
+def decode(data):
+    """The configuration file that the bytes are; None if they are none."""
+    return _files.decodeConfigurationFile(data)
 
 
 def payloads_of(board):

@@ -18,19 +18,22 @@ options:
     description: A file that the partitions are compared with.
     type: path
   partitions:
-    description: Numbers of the partitions; all that have a backup, or all that are installed, when empty.
+    description:
+      - Numbers of the partitions.
+      - When empty, those that have a backup in I(folder), or the one that I(file) was saved from.
     type: list
     elements: int
     default: []
 """
 
 EXAMPLES = r"""
-- name: Compare every partition with one file
+- name: Compare two partitions with one file
   vesk.efictl.drift:
     board: https://rack1.example/
     user: operator
     password: "{{ vault_password }}"
     file: /srv/golden.dat
+    partitions: [2, 3]
   delegate_to: localhost
   register: drift
 
@@ -55,7 +58,7 @@ from ansible.module_utils.basic import AnsibleModule  # noqa: E402
 from ansible_collections.vesk.efictl.plugins.module_utils.efictl import (  # noqa: E402
     BOARD_OPTIONS, Client)
 from ansible_collections.vesk.efictl.plugins.module_utils.settings import (  # noqa: E402
-    add_differences, listed, newest_backups, reversed_differences, shown)
+    add_differences, listed, newest_backups, shown)
 
 OPTIONS = {
     **BOARD_OPTIONS,
@@ -74,12 +77,12 @@ def main():
     numbers = module.params["partitions"] or sorted(newest_backups(folder) if folder else ())
     partitions = []
     if file or numbers:
-        words = ["--partition", listed(numbers)] if numbers else []
-        partitions = add_differences(client.ask_board(
-            "diff", "--against-board", *words, *([file] if file else ["--out", folder])))
+        words = [file] if file else ["--out", folder]
+        words += ["--partition", listed(numbers)] if numbers else []
+        partitions = add_differences(client.ask_board("diff", *words, "--against-board"))
     module.exit_json(changed=False, partitions=partitions, board=module.params["board"],
                      different=any(each["differences"] for each in partitions),
-                     diff=shown(reversed_differences(partitions)))
+                     diff=shown(partitions))
 
 
 if __name__ == "__main__":

@@ -76,15 +76,14 @@ OPTIONS = {
 
 
 def main():
-    module = AnsibleModule(argument_spec=OPTIONS, supports_check_mode=True,
-                           mutually_exclusive=[("partitions", "all")])
+    module = AnsibleModule(argument_spec=OPTIONS, supports_check_mode=True)
     options = module.params
-    if not options["all"] and not options["partitions"]:
-        module.fail_json(msg="No partition is given. Name some in partitions, or set all.",
+    if options["all"] == bool(options["partitions"]):
+        module.fail_json(msg="Name the targets: numbers in partitions, or set all, not both.",
                          status="usage", exit=2)
     client = Client(module)
-    words = [] if options["all"] else ["--partition", listed(options["partitions"])]
-    compared = add_differences(client.ask_board("diff", "--against-board", *words, options["file"]))
+    words = ["--all"] if options["all"] else ["--partition", listed(options["partitions"])]
+    compared = add_differences(client.ask_board("diff", options["file"], "--against-board", *words))
     targets = [each["number"] for each in compared if restorable(each)]
     if not targets:
         module.exit_json(changed=False, partitions=compared, board=options["board"])
