@@ -67,7 +67,8 @@ int run(int argumentCount, char** arguments) {
     if (line.isReady) {
         result = carryOut(line.options);
     } else {
-        result.fail(Failure(ExitCode::USAGE, line.text + " Try efictl --help."));
+        const char* const end = line.text.ends_with('.') ? "" : ".";
+        result.fail(Failure(ExitCode::USAGE, line.text + end + " Try efictl --help."));
     }
     return print(result, line.options);
 }

@@ -67,6 +67,7 @@ private:
     void addPartitions(CLI::App* command, const char* name, const char* description) {
         CLI::Option* const some = command->add_option(name, options.partitions, description)
                                       ->delimiter(',')
+                                      ->allow_extra_args(false)
                                       ->check(CLI::Range(0U, LARGEST_PARTITION))
                                       ->type_name("N,...");
         command->add_flag("--all", options.allPartitions, "Every installed partition")
