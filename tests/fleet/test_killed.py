@@ -1,4 +1,4 @@
-"""Runs that are killed at any point. Later than its end a run cannot be killed: that is a point, too."""
+"""Runs that are killed at any point. After its end a run cannot be killed: that is a point, too."""
 
 import os
 import signal
@@ -6,32 +6,30 @@ import time
 import unittest
 from pathlib import Path
 
-from fleet.boards import Fleet, staged_files
+from fleet.boards import Fleet, address_of, staged_files
 from fleet.engine import EFICTL, VERSION, Controller
 from fleet.files import configuration_file, decode, payloads_of
 
 NAMES = ("left", "right")
-POINTS = 20
+# The points of a run: Ansible takes most of its time for itself, parallel hardly any.
+ANSIBLE_POINTS, PARALLEL_POINTS = 2, 8
 END_SECONDS = 120
 TARGETS = (2, 3)
 
 
-def clients_in(folder):
-    """The processes of efictl that were started for a controller's folder."""
-    found = []
+def processes_of(controller):
+    """The processes that were started with a controller's environment, {number: program}."""
+    found = {}
     for entry in Path("/proc").iterdir():
-        if not entry.name.isdigit():
-            continue
         try:
-            if (Path(os.readlink(entry / "exe")) == EFICTL.resolve()
-                    and str(folder).encode() in (entry / "environ").read_bytes()):
-                found.append(int(entry.name))
+            if entry.name.isdigit() and os.fsencode(controller.home) in (entry / "environ").read_bytes():
+                found[int(entry.name)] = Path(os.readlink(entry / "exe"))
         except OSError:
             continue
     return found
 
 
-class Killed(unittest.TestCase):
+class KilledTest(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
         cls.boards = cls.enterClassContext(Fleet(*NAMES)).boards
@@ -39,12 +37,11 @@ class Killed(unittest.TestCase):
     def setUp(self):
         self.controller = self.enterContext(Controller())
         self.controller.write_inventory(self.boards)
-
-    def wait_for_clients(self):
-        end = time.monotonic() + END_SECONDS
-        while clients_in(self.controller.folder):
-            self.assertLess(time.monotonic(), end, "efictl goes on")
-            time.sleep(0.05)
+        (self.controller.folder / "boards.txt").write_text("".join(
+            "%s %s\n" % (name, address_of(board)) for name, board in self.boards.items()),
+            encoding="utf-8")
+        self.controller.write_certificates()
+        self.runs = 0
 
     def kill_at_every_point(self, start, kill, points, check):
         """Measures a whole run, then kills runs at points that are spread over that time."""
@@ -58,73 +55,88 @@ class Killed(unittest.TestCase):
             try:
                 time.sleep(whole * (point + 0.5) / points)
             finally:
-                kill(process)
+                kill()
                 process.communicate()
-            self.wait_for_clients()
             with self.subTest(point=point):
                 check()
 
-    def kill_engine(self, process):
-        """Ends the run as systemd does it: everything in it is asked to end."""
-        self._signal_group(process, signal.SIGTERM)
-        self._end(process)
+    def signal_everything(self, number):
+        for pid in processes_of(self.controller):
+            try:
+                os.kill(pid, number)
+            except ProcessLookupError:
+                pass
 
-    @staticmethod
-    def _signal_group(process, number):
-        try:
-            os.killpg(process.pid, number)
-        except ProcessLookupError:
-            pass
+    def stop(self):
+        """Ends a run as systemd does: everything is asked to end, and killed some time later. That is
+        time enough for efictl; the engines have nothing to tidy up."""
+        self.signal_everything(signal.SIGTERM)
+        end = time.monotonic() + END_SECONDS
+        while EFICTL.resolve() in processes_of(self.controller).values():
+            self.assertLess(time.monotonic(), end, "efictl goes on")
+            time.sleep(0.02)
+        self.kill()
 
-    def _end(self, process):
-        # The clients end in their own time; what is left of the engine has nothing to tidy up.
-        self.wait_for_clients()
-        self._signal_group(process, signal.SIGKILL)
+    def kill(self):
+        """Ends a run as a power cut does."""
+        while processes_of(self.controller):
+            self.signal_everything(signal.SIGKILL)
 
-    def start_restore(self):
-        self.count = getattr(self, "count", 0) + 1
-        self.payload = b"Boot mode=UEFI\nBoot timeout=%d\n" % self.count
+
+class KilledRestore(KilledTest):
+    def next_file(self):
+        self.runs += 1
         file = self.controller.folder / "golden.dat"
-        file.write_bytes(configuration_file(3, VERSION, self.payload))
-        return self.controller.start(
-            "restore", "--extra-vars", '{"efictl_file": "%s", "efictl_targets": %s, '
-            '"efictl_waves": ["100%%"]}' % (file, list(TARGETS)))
+        payload = b"Boot mode=UEFI\nBoot timeout=%d\n" % self.runs
+        file.write_bytes(configuration_file(3, VERSION, payload))
+        return file
 
-    def check_boards(self):
+    def check(self):
         for name, board in self.boards.items():
             self.assertEqual(staged_files(board), [], name)
             held = payloads_of(board)
             self.assertEqual(held[TARGETS[0]], held[TARGETS[1]], name)
 
-    def test_a_killed_restore_leaves_no_staged_file(self):
-        self.kill_at_every_point(self.start_restore, self.kill_engine, POINTS // 2,
-                                 self.check_boards)
+    def test_of_ansible_leaves_no_staged_file(self):
+        self.kill_at_every_point(
+            lambda: self.controller.start(
+                "restore", "--extra-vars", '{"efictl_file": "%s", "efictl_targets": %s, '
+                '"efictl_waves": ["100%%"]}' % (self.next_file(), list(TARGETS))),
+            self.stop, ANSIBLE_POINTS, self.check)
 
-    def check_backups(self):
+    def test_of_parallel_leaves_no_staged_file(self):
+        self.kill_at_every_point(
+            lambda: self.controller.start_parallel(
+                "efictl restore %s --to %s --board {2} --cacert boards.pem"
+                % (self.next_file(), ",".join(map(str, TARGETS)))),
+            self.stop, PARALLEL_POINTS, self.check)
+
+
+class KilledBackup(KilledTest):
+    def check(self):
         for path, data in self.controller.files().items():
             if path.endswith(".dat"):
                 self.assertIsNotNone(decode(data), path)
 
-    def kill_everything(self, process):
-        """Ends the run as a power cut does."""
-        self._signal_group(process, signal.SIGKILL)
-        for pid in clients_in(self.controller.folder):
-            try:
-                os.kill(pid, signal.SIGKILL)
-            except ProcessLookupError:
-                pass
-
-    def start_backup(self):
-        return self.controller.start("nightly", "--extra-vars", "efictl_if_changed=false")
-
-    def test_a_killed_backup_leaves_no_broken_file(self):
-        self.kill_at_every_point(self.start_backup, self.kill_everything, POINTS // 2,
-                                 self.check_backups)
-        # Nor does it keep the next run from its work.
+    def check_next_night(self):
+        """Nothing keeps the next run from its work, and it tidies up."""
         run = self.controller.run("nightly")
         self.assertEqual(run.status, 0, run.output)
-        leftovers = [path for path in self.controller.files() if not path.endswith(".dat")]
-        self.assertEqual(leftovers, [])
+        self.assertEqual([path for path in self.controller.files() if not path.endswith(".dat")], [])
+
+    def test_of_ansible_leaves_no_broken_file(self):
+        self.kill_at_every_point(
+            lambda: self.controller.start("nightly", "--extra-vars", "efictl_if_changed=false"),
+            self.kill, ANSIBLE_POINTS, self.check)
+        self.check_next_night()
+
+    def test_of_parallel_leaves_no_broken_file(self):
+        self.controller.backups.mkdir()
+        self.kill_at_every_point(
+            lambda: self.controller.start_parallel(
+                "efictl backup --all --board {2} --cacert boards.pem --out backups/{1}"),
+            self.kill, PARALLEL_POINTS, self.check)
+        self.check_next_night()
 
 
 if __name__ == "__main__":

@@ -86,16 +86,30 @@ class Controller:
         lines += ["[boards:vars]", "efictl_user=admin", "efictl_password=admin"]
         (self.folder / "inventory.ini").write_text("\n".join(lines) + "\n", encoding="utf-8")
 
-    def start(self, playbook, *options, **environment):
-        """Starts a playbook of the collection in a process group of its own."""
-        return subprocess.Popen(
-            ["ansible-playbook", "--inventory", "inventory.ini", "vesk.efictl." + playbook,
-             *map(str, options)],
-            cwd=self.folder, env={**self.environment, **environment}, stdin=subprocess.DEVNULL,
-            stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, start_new_session=True)
+    def write_certificates(self):
+        """Writes the certificates of all boards into boards.pem; each of several in a file is trusted."""
+        (self.folder / "boards.pem").write_text("".join(
+            certificate_of(each).read_text(encoding="ascii") for each in self.boards.values()),
+            encoding="ascii")
 
-    def run(self, playbook, *options, **environment):
-        process = self.start(playbook, *options, **environment)
+    def start(self, playbook, *options):
+        """Starts a playbook of the collection."""
+        return self._start(["ansible-playbook", "--inventory", "inventory.ini",
+                            "vesk.efictl." + playbook, *map(str, options)])
+
+    def start_parallel(self, command):
+        """Starts a command for each line of boards.txt, at the same time."""
+        return self._start(["parallel", "--jobs", "4", "--colsep", " ", command, "::::", "boards.txt"],
+                           EFICTL_USER="admin", EFICTL_PASSWORD="admin")
+
+    def _start(self, command, **environment):
+        return subprocess.Popen(
+            command, cwd=self.folder, env={**self.environment, **environment},
+            stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
+            start_new_session=True)
+
+    def run(self, playbook, *options):
+        process = self.start(playbook, *options)
         try:
             output = process.communicate(timeout=RUN_SECONDS)[0]
         except BaseException:
