@@ -60,7 +60,7 @@ class Controller:
             "HOME": str(self.home), "PATH": "%s:%s" % (programs, os.environ["PATH"]),
             "LC_ALL": "C.UTF-8", "TMPDIR": str(self.folder),
             "ANSIBLE_COLLECTIONS_PATH": str(self.folder / "collections"),
-            "ANSIBLE_NOCOLOR": "1", "ANSIBLE_LOCALHOST_WARNING": "0",
+            "ANSIBLE_NOCOLOR": "1", "ANSIBLE_LOCALHOST_WARNING": "0", "PYTHONDONTWRITEBYTECODE": "1",
         }
         return self
 

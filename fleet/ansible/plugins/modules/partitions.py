@@ -32,9 +32,11 @@ from ansible.module_utils.basic import AnsibleModule  # noqa: E402
 from ansible_collections.vesk.efictl.plugins.module_utils.efictl import (  # noqa: E402
     BOARD_OPTIONS, Client, result_of)
 
+OPTIONS = BOARD_OPTIONS
+
 
 def main():
-    module = AnsibleModule(argument_spec=BOARD_OPTIONS, supports_check_mode=True)
+    module = AnsibleModule(argument_spec=OPTIONS, supports_check_mode=True)
     module.exit_json(changed=False, **result_of(Client(module).ask_board("list")))
 
 
