@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <optional>
 
 namespace Efictl {
 
@@ -18,12 +19,16 @@ using Milliseconds = Schedule::Milliseconds;
 const Milliseconds LONGEST_CONNECT{10000};
 const Milliseconds LONGEST_REQUEST{30000};
 
+// How long a request is still waited for after a signal. An abandoned one may go on on the board, and
+// leave there what the logout has just removed.
+const Milliseconds LONGEST_GRACE{3000};
+
 // What libcurl calls while a request is under way.
 struct Conversation {
     Answer answer;
     bool changes;
-    bool cleaning;
     int interruptionsBefore;
+    std::optional<Schedule::Clock::time_point> interrupted;
 };
 
 std::size_t takeHeader(char* line, std::size_t size, std::size_t count, void* conversation) {
@@ -36,12 +41,20 @@ std::size_t takeBody(char* bytes, std::size_t size, std::size_t count, void* con
     return static_cast<Conversation*>(conversation)->answer.takeBody({bytes, length}) ? length : 0;
 }
 
-// Returns whether the request is to be given up. One that changes something goes on until its
-// answer has come, because else its outcome would not be known; a second signal ends it.
+// Returns whether the request is to be given up: a moment after a signal, or at the second one. One
+// that changes something goes on until its answer has come, because else its outcome would not be
+// known.
 int watch(void* conversation, curl_off_t, curl_off_t, curl_off_t, curl_off_t) {
-    const auto& now = *static_cast<Conversation*>(conversation);
-    const int signals = interruptions() - (now.cleaning ? now.interruptionsBefore : 0);
-    return signals > (now.changes || now.cleaning ? 1 : 0) ? 1 : 0;
+    auto& now = *static_cast<Conversation*>(conversation);
+    const int signals = interruptions() - now.interruptionsBefore;
+    if (signals != 1) {
+        return signals > 1 ? 1 : 0;
+    }
+    if (!now.interrupted) {
+        now.interrupted = Schedule::Clock::now();
+    }
+    const bool isOver = Schedule::Clock::now() - *now.interrupted > LONGEST_GRACE;
+    return isOver && !now.changes ? 1 : 0;
 }
 
 // A file that is sent, without a copy of it.
@@ -178,7 +191,7 @@ Response Transport::send(const Request& request) {
     prepare(request, form, response);
     CURL* const curl = handle.get();
     Conversation conversation{Answer(response, request.limit), request.effect == Effect::CHANGES,
-                              schedule.isCleaning(), interruptions()};
+                              interruptions(), std::nullopt};
     curl_easy_setopt(curl, CURLOPT_HEADERDATA, &conversation);
     curl_easy_setopt(curl, CURLOPT_WRITEDATA, &conversation);
     curl_easy_setopt(curl, CURLOPT_XFERINFODATA, &conversation);

@@ -1,0 +1,160 @@
+"""What the tests of efictl share."""
+
+import importlib.util
+import json
+import os
+import subprocess
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+
+TESTS = Path(__file__).resolve().parents[2]
+sys.path.append(str(TESTS / "documents"))
+
+from support.board import BUILD, Board  # noqa: E402 pylint: disable=wrong-import-position
+
+EFICTL = BUILD / "client/efictl"
+DONE, DIFFERENT, USAGE, UNREACHABLE, REFUSED, UNKNOWN, FAILED = range(7)
+STATUSES = ["done", "different", "usage", "unreachable", "refused", "unknown", "failed"]
+
+BACKUP, RESTORE = 0x020100A3, 0x020100A4  # the back-end's request numbers
+STATE = "/var/lib/board/configurations"
+SESSIONS = "/var/lib/session"
+TEMPORARY = "/var/tmp"
+
+
+def _load(path):
+    spec = importlib.util.spec_from_file_location("shared_" + path.stem, path)
+    module = importlib.util.module_from_spec(spec)
+    spec.loader.exec_module(module)
+    return module
+
+
+_files = _load(TESTS / "faults/support/configurationFile.py")
+
+
+def configuration_file(partition=3, version="1.23 B", name="Test", payload=b"Boot=1\n"):
+    return _files.ConfigurationFile(partition, version, name, payload).encode()
+
+
+def environment(**more):
+    """One that says nothing of a board, a user or a netrc, unless `more` does."""
+    kept = {name: value for name, value in os.environ.items()
+            if not name.startswith("EFICTL_") and name not in ("NETRC", "HOME")
+            and not name.lower().endswith("_proxy")}
+    return {**kept, **more}
+
+
+class Run:
+    """What a call of efictl has come to."""
+
+    def __init__(self, arguments, status, output, errors):
+        self.arguments = arguments
+        self.status = status
+        self.output = output.decode("utf-8", "replace")
+        self.errors = errors.decode("utf-8", "replace")
+        self.raw = output + errors
+
+    @property
+    def json(self):
+        return json.loads(self.output)
+
+    @property
+    def reason(self):
+        return self.json["reason"]["text"]
+
+    def partition(self, number):
+        return next(each for each in self.json["partitions"] if each["number"] == number)
+
+
+def efictl(*arguments, deadline=120, **variables):
+    """Runs efictl with variables of the environment."""
+    command = [EFICTL, *map(str, arguments)]
+    run = subprocess.run(command, env=environment(**variables), stdin=subprocess.DEVNULL,
+                         capture_output=True, timeout=deadline, check=False)
+    return Run(command, run.returncode, run.stdout, run.stderr)
+
+
+class Account:
+    """How a board is reached by a user, in variables of the environment."""
+
+    def __init__(self, address, user="admin", password=None):
+        self.variables = {"EFICTL_BOARD": address, "EFICTL_USER": user,
+                          "EFICTL_PASSWORD": password or user}
+
+    def efictl(self, *arguments, **more):
+        return efictl(*arguments, **{**self.variables, **more})
+
+
+class FolderTest(unittest.TestCase):
+    """A test with a folder of its own."""
+
+    maxDiff = None
+
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory(prefix="efictl-")
+        self.addCleanup(folder.cleanup)
+        self.folder = Path(folder.name)
+        self.out = self.folder / "out"
+
+    def write(self, name, content, mode=0o600):
+        path = self.folder / name
+        path.write_bytes(content)
+        path.chmod(mode)
+        return path
+
+    def backups(self):
+        """The names in the folder of backups, in order."""
+        return sorted(os.listdir(self.out)) if self.out.exists() else []
+
+    def assert_ended(self, run, status, *words):
+        """The run has ended so, and says so: in words for people or in JSON."""
+        self.assertEqual(run.status, status, run.output + run.errors)
+        if "--json" in run.arguments:
+            self.assertEqual(run.json["exit"], status)
+            self.assertEqual(run.json["status"], STATUSES[status])
+        for word in words:
+            self.assertIn(word, run.output + run.errors)
+
+
+class BoardTest(FolderTest):
+    """A test against a served board that the tests of the class share."""
+
+    options = ()
+
+    @classmethod
+    def setUpClass(cls):
+        cls.board = cls.enterClassContext(Board(*cls.options))
+
+    def setUp(self):
+        super().setUp()
+        self.board.control("reset")
+        self.account = Account(self.address)
+
+    @property
+    def address(self):
+        return f"{self.board.scheme}://127.0.0.1:{self.board.port}"
+
+    def efictl(self, *arguments, **more):
+        return self.account.efictl(*arguments, **more)
+
+    def state(self):
+        return self.board.path(STATE).read_bytes()
+
+    def left_on_board(self):
+        """What sessions and their files are on the board."""
+        names = os.listdir(self.board.path(SESSIONS)) + os.listdir(self.board.path(TEMPORARY))
+        return sorted(set(names) - {"restored_eficonf.lock"})
+
+    def events(self, name):
+        """How many lines of the audit log are about such an event."""
+        log = self.board.path("/var/log/audit.log")
+        lines = log.read_text(encoding="ascii").splitlines() if log.exists() else []
+        return sum(json.loads(line)["event"] == name for line in lines)
+
+    def back_up(self, partition):
+        """The path of a new backup."""
+        run = self.efictl("backup", "--partition", partition, "--out", self.out, "--json")
+        self.assert_ended(run, DONE)
+        return self.out / run.partition(partition)["file"]

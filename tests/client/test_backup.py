@@ -1,0 +1,209 @@
+"""efictl list and backup, against a served board."""
+
+import fcntl
+import hashlib
+import os
+import subprocess
+import unittest
+
+from client import (BACKUP, DIFFERENT, DONE, EFICTL, FAILED, REFUSED, UNREACHABLE, USAGE, BoardTest,
+                    Run, configuration_file, environment)
+
+INSTALLED = [0, 2, 3, 5, 7]
+
+
+class ListTest(BoardTest):
+    def test_shows_the_installed_partitions(self):
+        run = self.efictl("list", "--json")
+        self.assert_ended(run, DONE)
+        self.assertEqual([each["number"] for each in run.json["partitions"]], INSTALLED)
+        self.assertFalse(run.json["changed"])
+        self.assertEqual(run.json["board_name"], "Demo board")
+        self.assertEqual(run.partition(3)["bios_version"], "1.23 B")
+        self.assertTrue(run.partition(3)["home_board_known"])
+        self.assertIsNone(run.partition(5)["bios_version"])
+        self.assertFalse(run.partition(5)["home_board_known"])
+        self.assertEqual(run.partition(7)["name"], "Web front")
+
+    def test_shows_when_a_partition_was_last_backed_up(self):
+        self.back_up(7)
+        last = self.efictl("list", "--json").partition(7)["last_backup"]
+        self.assertRegex(last, r"^\d{4}-\d\d-\d\dT\d\d:\d\d:\d\dZ$")
+
+    def test_reads_a_board_in_any_language(self):
+        # The program asks for English, whatever the user's environment says.
+        run = self.efictl("list", "--json", LANG="ja_JP.UTF-8", LANGUAGE="ja")
+        self.assertEqual(len(run.json["partitions"]), len(INSTALLED))
+
+    def test_leaves_no_session(self):
+        self.efictl("list")
+        self.assertEqual(self.left_on_board(), [])
+
+    def test_text_names_version_and_partition(self):
+        run = self.efictl("list")
+        self.assertIn("Partition 7 (Web front): BIOS 1.40", run.output)
+
+
+class BackupTest(BoardTest):
+    def test_stores_what_the_board_has(self):
+        run = self.efictl("backup", "--all", "--out", self.out, "--json")
+        self.assert_ended(run, DONE)
+        self.assertTrue(run.json["changed"])
+        self.assertEqual([each["status"] for each in run.json["partitions"]], ["stored"] * 5)
+        self.assertEqual(self.backups(), sorted(each["file"] for each in run.json["partitions"]))
+        for each in run.json["partitions"]:
+            data = (self.out / each["file"]).read_bytes()
+            self.assertEqual(each["size"], len(data))
+            self.assertEqual(each["sha256"], hashlib.sha256(data).hexdigest())
+        self.assertEqual(self.left_on_board(), [])
+
+    def test_only_the_user_may_read_a_backup(self):
+        path = self.back_up(3)
+        self.assertEqual(path.stat().st_mode & 0o777, 0o600)
+        self.assertEqual(self.out.stat().st_mode & 0o777, 0o700)
+
+    def test_if_changed_keeps_no_second_copy(self):
+        first = self.back_up(3)
+        run = self.efictl("backup", "--partition", 3, "--out", self.out, "--if-changed", "--json")
+        self.assert_ended(run, DONE)
+        self.assertFalse(run.json["changed"])
+        self.assertEqual(run.partition(3)["status"], "unchanged")
+        self.assertEqual(run.partition(3)["file"], first.name)
+        self.assertEqual(self.backups(), [first.name])
+
+    def test_exit_code_says_that_nothing_changed(self):
+        self.back_up(3)
+        run = self.efictl("backup", "--partition", 3, "--out", self.out, "--if-changed",
+                          "--exit-code", "--json")
+        self.assert_ended(run, DIFFERENT)
+        self.assertFalse(run.json["changed"])
+
+    def test_if_changed_compares_with_the_newest_usable_backup(self):
+        self.back_up(3)
+        (self.out / "partition003-20991231T235959Z.dat").write_bytes(b"damaged")
+        run = self.efictl("backup", "--partition", 3, "--out", self.out, "--if-changed", "--json")
+        self.assertEqual(run.partition(3)["status"], "unchanged")
+
+    def test_if_changed_stores_another_configuration(self):
+        self.out.mkdir()
+        (self.out / "partition003-20200101T000000Z.dat").write_bytes(configuration_file())
+        run = self.efictl("backup", "--partition", 3, "--out", self.out, "--if-changed", "--json")
+        self.assertEqual(run.partition(3)["status"], "stored")
+        self.assertEqual(len(self.backups()), 2)
+
+    def test_keep_removes_the_oldest(self):
+        self.out.mkdir()
+        for year in (2020, 2021, 2022):
+            name = f"partition003-{year}0101T000000Z.dat"
+            (self.out / name).write_bytes(configuration_file())
+        (self.out / "partition007-20200101T000000Z.dat").write_bytes(configuration_file(7))
+        run = self.efictl("backup", "--partition", 3, "--out", self.out, "--keep", 2, "--json")
+        self.assertEqual(run.partition(3)["removed"], ["partition003-20210101T000000Z.dat",
+                                                       "partition003-20200101T000000Z.dat"])
+        self.assertEqual(self.backups(), sorted([
+            "partition003-20220101T000000Z.dat", run.partition(3)["file"],
+            "partition007-20200101T000000Z.dat"]))
+
+    def test_keep_does_not_count_damaged_files(self):
+        self.out.mkdir()
+        good = self.out / "partition003-20200101T000000Z.dat"
+        good.write_bytes(configuration_file())
+        for year in (2021, 2022):
+            (self.out / f"partition003-{year}0101T000000Z.dat").write_bytes(b"damaged")
+        run = self.efictl("backup", "--partition", 3, "--out", self.out, "--keep", 2, "--json")
+        self.assert_ended(run, DONE)
+        self.assertIn(good.name, self.backups())
+
+    def test_keep_removes_nothing_after_a_failure(self):
+        self.out.mkdir()
+        for year in (2020, 2021):
+            name = f"partition003-{year}0101T000000Z.dat"
+            (self.out / name).write_bytes(configuration_file())
+        self.board.control("refuse", BACKUP, 1603)
+        run = self.efictl("backup", "--partition", 3, "--out", self.out, "--keep", 1, "--json")
+        self.assert_ended(run, REFUSED)
+        self.assertEqual(len(self.backups()), 2)
+
+    def test_waits_while_the_board_is_busy(self):
+        self.board.control("refuse", BACKUP, 1047, "--times", 2)
+        self.back_up(3)
+
+    def test_a_board_that_stays_busy_is_refused_with_its_reason(self):
+        self.board.control("refuse", BACKUP, 1047, "--times", 50)
+        run = self.efictl("backup", "--partition", 3, "--out", self.out, "--timeout", 4, "--json")
+        self.assert_ended(run, REFUSED)
+        self.assertEqual((run.json["reason"]["message"], run.json["reason"]["code"]), (250, 1047))
+
+    def test_goes_on_after_a_refusal(self):
+        self.board.control("refuse", BACKUP, 1603)
+        run = self.efictl("backup", "--all", "--out", self.out, "--json")
+        self.assert_ended(run, REFUSED)
+        self.assertEqual([each["status"] for each in run.json["partitions"]],
+                         ["refused"] + ["stored"] * 4)
+        self.assertEqual(run.partition(0)["reason"]["code"], 1603)
+        self.assertEqual(len(self.backups()), 4)
+
+    def test_repeats_after_the_back_end_died(self):
+        self.board.control("die", "--back-in", 1500)
+        self.assert_ended(self.efictl("list"), DONE)
+
+    def test_every_code_of_a_backup_is_told_apart(self):
+        for code in (1602, 1603, 1604, 1605, 1606, 1608, 1609, 1611, 1612, 1599):
+            with self.subTest(code=code):
+                self.board.control("refuse", BACKUP, code)
+                run = self.efictl("backup", "--partition", 3, "--out", self.out, "--json")
+                self.assert_ended(run, REFUSED)
+                self.assertEqual(run.json["reason"]["code"], code)
+        self.assertEqual(self.backups(), [])
+
+    def test_answers_that_are_lost_are_told_apart(self):
+        for order, code in ((("torn", 3), 2003), (("silent",), 2002)):
+            with self.subTest(code=code):
+                self.board.control("reset")
+                self.board.control(*order, "--times", 100)
+                run = self.efictl("backup", "--partition", 3, "--out", self.out, "--json",
+                                  "--timeout", 14)
+                self.assertIn(run.status, (REFUSED, UNREACHABLE))
+                self.assertEqual(self.backups(), [])
+
+
+class FolderFailureTest(BoardTest):
+    def test_a_folder_that_is_not_writable(self):
+        self.out.mkdir(mode=0o500)
+        if os.access(self.out, os.W_OK):
+            self.out.rmdir()
+            self.out.symlink_to("/proc")  # where not even root may write
+        self.assert_ended(self.efictl("backup", "--all", "--out", self.out, "--json"), FAILED, "folder")
+
+    def test_a_file_in_the_place_of_the_folder(self):
+        self.out.write_bytes(b"")
+        self.assert_ended(self.efictl("backup", "--all", "--out", self.out), FAILED,
+                          "Not a directory")
+
+    def test_a_full_disk(self):
+        command = ["strace", "-f", "-qq", "-o", "/dev/null", "-e", "inject=fsync:error=ENOSPC",
+                   EFICTL, "backup", "--partition", "3", "--out", str(self.out)]
+        run = subprocess.run(command, env=environment(**self.account.variables), check=False,
+                             capture_output=True)
+        self.assert_ended(Run(command, run.returncode, run.stdout, run.stderr), FAILED,
+                          "the disk is full")
+        self.assertEqual(self.backups(), [])
+
+    def test_a_folder_is_written_by_one_at_a_time(self):
+        self.out.mkdir()
+        descriptor = os.open(self.out, os.O_RDONLY)
+        self.addCleanup(os.close, descriptor)
+        fcntl.flock(descriptor, fcntl.LOCK_EX)
+        self.assert_ended(self.efictl("backup", "--all", "--out", self.out), FAILED, "Another efictl")
+
+    def test_partitions_have_to_be_named(self):
+        self.assert_ended(self.efictl("backup", "--out", self.out), USAGE, "--all")
+
+    def test_a_partition_that_is_not_installed(self):
+        run = self.efictl("backup", "--partition", "3,4", "--out", self.out, "--json")
+        self.assert_ended(run, REFUSED, "4")
+        self.assertEqual(self.backups(), [])
+
+
+if __name__ == "__main__":
+    unittest.main()
