@@ -1,19 +1,54 @@
 """docs/fleet.md: its commands are run as printed, with the places and boards of the test for those of
 the document."""
 
-import os
 import re
 import subprocess
 import unittest
 
-from fleet.boards import Fleet, address_of, certificate_of
+from fleet.boards import Fleet, address_of
 from fleet.engine import COLLECTION, Controller
-from fleet.files import STATE
 from support.document import PROJECT, DocumentTest, codes_in
 from support.source import read
 
 BOARDS = ("rack1", "rack2", "rack3")
 PARTITIONS = 5
+
+
+class CollectionDocument(DocumentTest):
+    name = "docs/fleet.md"
+
+    def test_playbooks_and_roles_are_listed(self):
+        playbooks = [codes_in(row[0])[0] for row in self.table("playbook", "does")]
+        found = (COLLECTION / "playbooks").glob("*.yml")
+        self.assertEqual(sorted(playbooks), sorted("vesk.efictl." + path.stem for path in found))
+        roles = [codes_in(row[0])[0] for row in self.table("role", "does", "changed when")]
+        found = (COLLECTION / "roles").glob("*/tasks")
+        self.assertEqual(sorted(roles), sorted("vesk.efictl." + path.parent.name for path in found))
+
+    def test_variables_are_listed_with_their_defaults(self):
+        set_by_roles = {}
+        for path in (COLLECTION / "roles").glob("*/defaults/main.yml"):
+            text = path.read_text(encoding="utf-8")
+            set_by_roles |= dict(re.findall(r"(?m)^(efictl_\w+): *(.*)$", text))
+        waves = re.search(r"default\((\[.*?\])\)", read("fleet/ansible/playbooks/restore.yml"))[1]
+        set_by_roles |= {"efictl_waves": waves}
+        # Made of the others.
+        del set_by_roles["efictl_connection"]
+        listed = {}
+        for variables, _, defaults in self.table("variable", "says", "when not given"):
+            names, values = codes_in(variables), codes_in(defaults)
+            for number, name in enumerate(names):
+                listed[name] = values[number] if len(values) == len(names) else None
+        self.assertEqual(sorted(listed), sorted(set_by_roles))
+        for name, value in listed.items():
+            if value is not None:
+                self.assertEqual(value, set_by_roles[name].strip('"'), name)
+
+    def test_modules_are_listed(self):
+        named, others = self.stated(r"`ansible-doc vesk\.efictl\.(\w+)` describes the module of the role, "
+                                    r"and so for (.*?)\. Passwords")
+        found = (COLLECTION / "plugins/modules").glob("*.py")
+        self.assertEqual(sorted([named, *codes_in(others)]), sorted(path.stem for path in found))
 
 
 class FleetDocument(DocumentTest):
@@ -27,11 +62,8 @@ class FleetDocument(DocumentTest):
     def setUp(self):
         self.controller = self.enterContext(Controller())
         self.folder = self.controller.folder
-        # Several certificates in a file are all trusted.
-        self.certificates = self.folder / "boards.pem"
-        self.certificates.write_text("".join(
-            certificate_of(each).read_text(encoding="ascii") for each in self.boards.values()),
-            encoding="ascii")
+        self.controller.boards = self.boards
+        self.controller.write_certificates()
 
     def lines_after(self, words, block=0):
         return self.document.blocks(words)[block].splitlines()
@@ -59,7 +91,8 @@ class FleetDocument(DocumentTest):
         """Where the lines write, and programs that only this machine's administrator may start."""
         for place in ("etc/efictl", "etc/systemd/system", "usr/share/ansible/collections"):
             (self.folder / place).mkdir(parents=True)
-        (self.folder / "etc/efictl/boards.pem").write_bytes(self.certificates.read_bytes())
+        (self.folder / "etc/efictl/boards.pem").write_bytes(
+            (self.folder / "boards.pem").read_bytes())
         (self.folder / "fleet").symlink_to(PROJECT / "fleet")
         (self.folder / "efictl_1.deb").touch()
         self.program("apt", 'echo "$@" >apt.asked')
@@ -122,7 +155,7 @@ class FleetDocument(DocumentTest):
             "".join("%s %s\n" % (name, address_of(board)) for name, board in self.boards.items()),
             encoding="utf-8")
         # The boards of the test are not signed by an authority that this machine trusts.
-        line = line.replace("efictl backup", "efictl backup --cacert %s" % self.certificates)
+        line = line.replace("efictl backup", "efictl backup --cacert boards.pem")
         return subprocess.run(["bash", "-uc", line], cwd=self.folder, check=False,
                               stdin=subprocess.DEVNULL, capture_output=True, text=True,
                               env={**self.controller.environment, "EFICTL_USER": "admin",
@@ -151,7 +184,6 @@ class FleetDocument(DocumentTest):
                                                            "GIT_COMMITTER_EMAIL")}
         for command in once + nightly:
             self.shell("cd backups && " + command, **who)
-        self.controller.boards = self.boards
         self.controller.change_setting("rack1", b"Boot timeout=10", b"Boot timeout=11")
         self.assertEqual(self.save_with_parallel(line).returncode, 0)
         for command in nightly:

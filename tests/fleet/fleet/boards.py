@@ -2,10 +2,7 @@
 
 from concurrent.futures import ThreadPoolExecutor
 
-from fleet import TESTS  # makes `support` known
 from support.board import Board
-
-assert TESTS
 
 CERTIFICATE = "/var/lib/tls/certificate.pem"
 BACKUP, RESTORE = "0x020100A3", "0x020100A4"
