@@ -38,7 +38,8 @@ def most_files(pid):
     while True:
         try:
             most = max(most, len(os.listdir(f"/proc/{pid}/fd")))
-            if Path(f"/proc/{pid}/stat").read_text(encoding="utf-8").rpartition(")")[2].split()[0] == "Z":
+            status = Path(f"/proc/{pid}/stat").read_text(encoding="utf-8")
+            if status.rpartition(")")[2].split()[0] == "Z":
                 return most
         except OSError:
             return most

@@ -1,5 +1,4 @@
-"""docs/fleet.md: its commands are run as printed, with the places and boards of the test for those of
-the document."""
+"""docs/fleet.md: its commands are run as printed, but with places and boards of the test."""
 
 import re
 import subprocess
@@ -45,8 +44,8 @@ class CollectionDocument(DocumentTest):
                 self.assertEqual(value, set_by_roles[name].strip('"'), name)
 
     def test_modules_are_listed(self):
-        named, others = self.stated(r"`ansible-doc vesk\.efictl\.(\w+)` describes the module of the role, "
-                                    r"and so for (.*?)\. Passwords")
+        named, others = self.stated(r"`ansible-doc vesk\.efictl\.(\w+)` describes the module of "
+                                    r"the role, and so for (.*?)\. Passwords")
         found = (COLLECTION / "plugins/modules").glob("*.py")
         self.assertEqual(sorted([named, *codes_in(others)]), sorted(path.stem for path in found))
 

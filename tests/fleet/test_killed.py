@@ -22,7 +22,8 @@ def processes_of(controller):
     found = {}
     for entry in Path("/proc").iterdir():
         try:
-            if entry.name.isdigit() and os.fsencode(controller.home) in (entry / "environ").read_bytes():
+            environment = (entry / "environ").read_bytes() if entry.name.isdigit() else b""
+            if os.fsencode(controller.home) in environment:
                 found[int(entry.name)] = Path(os.readlink(entry / "exe"))
         except OSError:
             continue
@@ -68,8 +69,8 @@ class KilledTest(unittest.TestCase):
                 pass
 
     def stop(self):
-        """Ends a run as systemd does: everything is asked to end, and killed some time later. That is
-        time enough for efictl; the engines have nothing to tidy up."""
+        """Ends a run as systemd does: everything is asked to end, and killed some time later. That
+        is time enough for efictl; the engines have nothing to tidy up."""
         self.signal_everything(signal.SIGTERM)
         end = time.monotonic() + END_SECONDS
         while EFICTL.resolve() in processes_of(self.controller).values():
@@ -122,7 +123,8 @@ class KilledBackup(KilledTest):
         """Nothing keeps the next run from its work, and it tidies up."""
         run = self.controller.run("nightly")
         self.assertEqual(run.status, 0, run.output)
-        self.assertEqual([path for path in self.controller.files() if not path.endswith(".dat")], [])
+        files = self.controller.files()
+        self.assertEqual([path for path in files if not path.endswith(".dat")], [])
 
     def test_of_ansible_leaves_no_broken_file(self):
         self.kill_at_every_point(

@@ -1,4 +1,4 @@
-"""The units of systemd: what systemd itself finds in them, and that their commands do what they say.
+"""The units of systemd: what systemd itself finds in them, and that their commands do their work.
 The services are started by hand, in what systemd would give them."""
 
 import re
@@ -50,8 +50,8 @@ class Units(unittest.TestCase):
     def test_services_have_few_rights(self):
         for path in sorted(UNITS.glob("*.service")):
             with self.subTest(unit=path.name):
-                result = self.analyze("security", "--offline=true", "--threshold=%d" % MOST_EXPOSURE,
-                                      path)
+                result = self.analyze("security", "--offline=true",
+                                      "--threshold=%d" % MOST_EXPOSURE, path)
                 self.assertEqual(result.returncode, 0, result.stdout)
 
     def command_of(self, unit, instance, places):
@@ -100,7 +100,8 @@ class Units(unittest.TestCase):
         with Fleet("rack0", "rack1") as fleet:
             self.controller.write_inventory(fleet.boards)
             environment = {**self.environment_of("efictl-fleet.service"),
-                           "HOME": str(folder / "home"), "ANSIBLE_HOME": str(folder / "home/.ansible"),
+                           "HOME": str(folder / "home"),
+                           "ANSIBLE_HOME": str(folder / "home/.ansible"),
                            "ANSIBLE_COLLECTIONS_PATH": str(folder / "collections"),
                            "CREDENTIALS_DIRECTORY": str(folder)}
             command = self.command_of("efictl-fleet.service", "", {

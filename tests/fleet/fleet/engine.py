@@ -60,7 +60,8 @@ class Controller:
             "HOME": str(self.home), "PATH": "%s:%s" % (programs, os.environ["PATH"]),
             "LC_ALL": "C.UTF-8", "TMPDIR": str(self.folder),
             "ANSIBLE_COLLECTIONS_PATH": str(self.folder / "collections"),
-            "ANSIBLE_NOCOLOR": "1", "ANSIBLE_LOCALHOST_WARNING": "0", "PYTHONDONTWRITEBYTECODE": "1",
+            "ANSIBLE_NOCOLOR": "1", "ANSIBLE_LOCALHOST_WARNING": "0",
+            "PYTHONDONTWRITEBYTECODE": "1",
         }
         return self
 
@@ -76,7 +77,7 @@ class Controller:
         return self.folder / "reports"
 
     def write_inventory(self, boards, **more):
-        """`boards` are {name: board}; `more` has further variables of some, {name: {variable: value}}."""
+        """`boards` are {name: board}; `more` are further variables, {name: {variable: value}}."""
         self.boards = boards
         lines = ["[boards]"]
         for name, board in boards.items():
@@ -87,7 +88,7 @@ class Controller:
         (self.folder / "inventory.ini").write_text("\n".join(lines) + "\n", encoding="utf-8")
 
     def write_certificates(self):
-        """Writes the certificates of all boards into boards.pem; each of several in a file is trusted."""
+        """Writes the certificates of all boards into boards.pem; each one in a file is trusted."""
         (self.folder / "boards.pem").write_text("".join(
             certificate_of(each).read_text(encoding="ascii") for each in self.boards.values()),
             encoding="ascii")
@@ -99,8 +100,8 @@ class Controller:
 
     def start_parallel(self, command):
         """Starts a command for each line of boards.txt, at the same time."""
-        return self._start(["parallel", "--jobs", "4", "--colsep", " ", command, "::::", "boards.txt"],
-                           EFICTL_USER="admin", EFICTL_PASSWORD="admin")
+        return self._start(["parallel", "--jobs", "4", "--colsep", " ", command, "::::",
+                            "boards.txt"], EFICTL_USER="admin", EFICTL_PASSWORD="admin")
 
     def _start(self, command, **environment):
         return subprocess.Popen(
@@ -148,8 +149,9 @@ class Controller:
         assert former in payload
         file = self.folder / "changed.dat"
         file.write_bytes(configuration_file(partition, VERSION, payload.replace(former, newer)))
-        result = self.efictl("restore", file, "--to", partition, "--board", address_of(board), "--cacert",
-                             certificate_of(board), EFICTL_USER="admin", EFICTL_PASSWORD="admin")
+        result = self.efictl("restore", file, "--to", partition, "--board", address_of(board),
+                             "--cacert", certificate_of(board), EFICTL_USER="admin",
+                             EFICTL_PASSWORD="admin")
         assert result.returncode == 0, result.stderr
 
     def report(self):
@@ -162,7 +164,7 @@ class Controller:
         return {row["board"]: row["failure"] for row in self.report() if row["failure"]}
 
     def files(self):
-        """The backups, {path below the folder of backups: bytes}, the broken and unnamed ones too."""
+        """All files below the folder of backups, {path there: bytes}."""
         return {str(path.relative_to(self.backups)): path.read_bytes()
                 for path in sorted(self.backups.rglob("*")) if path.is_file()}
 

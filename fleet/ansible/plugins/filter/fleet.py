@@ -4,8 +4,8 @@ import csv
 import io
 import unicodedata
 
-COLUMNS = ("board", "address", "partition", "name", "bios_version", "last_backup", "backup", "changed",
-           "drift", "restore", "failure")
+COLUMNS = ("board", "address", "partition", "name", "bios_version", "last_backup", "backup",
+           "changed", "drift", "restore", "failure")
 
 # The roles' steps, in the order of a run; each has registered a result.
 STEPS = ("drift", "backup", "verify", "restore")
@@ -19,8 +19,9 @@ HIDDEN_CATEGORIES = ("Cc", "Cf", "Cs", "Zl", "Zp")
 
 def visible(text):
     """Returns the text with its hidden characters written as their numbers."""
-    return "".join("\\u%04x" % ord(each) if unicodedata.category(each) in HIDDEN_CATEGORIES else each
-                   for each in str(text))
+    return "".join(
+        "\\u%04x" % ord(each) if unicodedata.category(each) in HIDDEN_CATEGORIES else each
+        for each in str(text))
 
 
 def fleet_rows(boards, hostvars):
@@ -36,8 +37,10 @@ def rows_of(board, variables):
     results = {step: result for step in STEPS
                if isinstance(result := variables.get("efictl_%s_result" % step), dict)
                and not result.get("skipped")}
-    shared = {**dict.fromkeys(COLUMNS, ""), "board": board, "failure": failure_of(variables, results),
-              "address": next((each["board"] for each in results.values() if each.get("board")), "")}
+    shared = {
+        **dict.fromkeys(COLUMNS, ""), "board": board, "failure": failure_of(variables, results),
+        "address": next((each["board"] for each in results.values() if each.get("board")), ""),
+    }
     # What a later step knows of a partition counts.
     known = {}
     for result in results.values():
@@ -69,7 +72,8 @@ def failure_of(variables, results):
 
 def partition_of(result, number):
     """Returns what a result reports of a partition; nothing if it does not."""
-    return next((each for each in (result or {}).get("partitions") or [] if each["number"] == number), {})
+    partitions = (result or {}).get("partitions") or []
+    return next((each for each in partitions if each["number"] == number), {})
 
 
 def settings_in(partition):

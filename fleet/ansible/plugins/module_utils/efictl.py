@@ -29,8 +29,8 @@ BOARD_OPTIONS = {
 
 
 class Client:
-    """Runs commands of efictl with the options of a module. A command that fails ends the module with
-    the reason that efictl gives."""
+    """Runs commands of efictl with the options of a module. A command that fails ends the module
+    with the reason that efictl gives."""
 
     def __init__(self, module):
         self.module = module
@@ -51,9 +51,9 @@ class Client:
         report = self._report_of(command, words, seconds)
         if report["exit"] not in (DONE, DIFFERENT):
             reason = (report.get("reason") or {}).get("text")
-            self.module.fail_json(
-                msg=reason or "efictl %s ended with %d and gave no reason." % (command, report["exit"]),
-                changed=report["changed"], **result_of(report))
+            none = "efictl %s ended with %d and gave no reason." % (command, report["exit"])
+            self.module.fail_json(msg=reason or none, changed=report["changed"],
+                                  **result_of(report))
         return report
 
     def _report_of(self, command, words, seconds):
@@ -76,8 +76,8 @@ class Client:
             environment["EFICTL_PASSWORD"] = self.options["password"]
         set_option = ctypes.CDLL(None).prctl
         try:
-            # When the module is killed, efictl is asked to end: it logs out and leaves no staged file
-            # on the board.
+            # When the module is killed, efictl is asked to end: it logs out and leaves no staged
+            # file on the board.
             process = subprocess.Popen(
                 arguments, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
                 env=environment, text=True, errors="replace",
@@ -90,8 +90,8 @@ class Client:
         except subprocess.TimeoutExpired:
             end(process)
             self.module.fail_json(
-                msg="%s did not end in %d seconds and was ended. Look at the board before you try again."
-                % (arguments[0], seconds), status="unknown", exit=UNKNOWN)
+                msg="%s did not end in %d seconds and was ended. Look at the board before you try "
+                "again." % (arguments[0], seconds), status="unknown", exit=UNKNOWN)
         return process.returncode, output, errors
 
 
@@ -107,4 +107,5 @@ def end(process):
 
 def result_of(report):
     """Returns what a module returns of a report."""
-    return {name: value for name, value in report.items() if name not in ("schema", "command", "changed")}
+    return {name: value for name, value in report.items()
+            if name not in ("schema", "command", "changed")}

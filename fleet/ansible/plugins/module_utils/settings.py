@@ -42,10 +42,10 @@ def shown(partitions):
 
 
 def reversed_differences(partitions):
-    """Returns the differences seen from the other side: what was found becomes what was expected."""
-    return [{**partition, "differences": [{**each, "expected": each["found"], "found": each["expected"]}
-                                          for each in partition["differences"]]}
-            for partition in partitions]
+    """Returns the differences from the other side: what was found becomes what was expected."""
+    return [{**partition, "differences": [
+        {**each, "expected": each["found"], "found": each["expected"]}
+        for each in partition["differences"]]} for partition in partitions]
 
 
 def text_of(differences, side):

@@ -78,12 +78,14 @@ def foresee(module, client, newest):
     """Ends the module with what a backup would do, as far as that depends on the board."""
     report = client.ask_board("list")
     wanted = module.params["partitions"]
-    chosen = [each["number"] for each in report["partitions"] if not wanted or each["number"] in wanted]
+    chosen = [each["number"] for each in report["partitions"]
+              if not wanted or each["number"] in wanted]
     known = [number for number in chosen if number in newest]
     compared = []
     if known:
         compared = add_differences(client.ask_board(
-            "diff", "--against-board", "--partition", listed(known), "--out", module.params["folder"]))
+            "diff", "--against-board", "--partition", listed(known),
+            "--out", module.params["folder"]))
     changed = len(known) < len(chosen) or not module.params["if_changed"] or any(
         each["differences"] for each in compared)
     module.exit_json(changed=changed, diff=shown(compared), **result_of(report))
@@ -108,7 +110,8 @@ def save(module, client, newest):
         if each["status"] == "stored" and former and os.path.exists(former):
             stored = os.path.join(folder, each["file"])
             each["differences"] = client.run("diff", former, stored)["differences"]
-    module.exit_json(changed=report["changed"], diff=shown(report["partitions"]), **result_of(report))
+    module.exit_json(changed=report["changed"], diff=shown(report["partitions"]),
+                     **result_of(report))
 
 
 def main():

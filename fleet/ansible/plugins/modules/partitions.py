@@ -5,7 +5,9 @@ DOCUMENTATION = r"""
 ---
 module: partitions
 short_description: Lists the partitions of a board
-description: Reads number, name, BIOS version and last backup of each installed partition. Changes nothing.
+description:
+  - Reads number, name, BIOS version and last backup of each installed partition.
+  - Changes nothing.
 author: The maintainers of the board's software
 extends_documentation_fragment: vesk.efictl.board
 """

@@ -7,7 +7,7 @@ module: restore
 short_description: Restores a file to partitions of a board
 description:
   - Restores the file to those of the partitions that differ from it.
-  - In check mode, the board is asked what it would do; the file is discarded and nothing is restored.
+  - In check mode, the board is asked what it would do. The file is discarded, nothing is restored.
   - In diff mode, shows the settings that differ.
   - A restore with an outcome that cannot be known fails with I(exit) 5 and is not repeated.
 author: The maintainers of the board's software
@@ -88,13 +88,13 @@ def main():
     if not targets:
         module.exit_json(changed=False, partitions=compared, board=options["board"])
     words = [options["file"], "--to", listed(targets)]
-    words += ["--" + name.replace("_", "-") for name in ("require_same_version", "require_partition")
-              if options[name]]
+    demands = ("require_same_version", "require_partition")
+    words += ["--" + name.replace("_", "-") for name in demands if options[name]]
     if module.check_mode:
         words.append("--dry-run")
     report = client.ask_board("restore", *words)
-    diff = shown(reversed_differences([{**each, "differences": restorable(each)} for each in compared]))
-    module.exit_json(changed=True, diff=diff, **result_of(report))
+    restored = [{**each, "differences": restorable(each)} for each in compared]
+    module.exit_json(changed=True, diff=shown(reversed_differences(restored)), **result_of(report))
 
 
 if __name__ == "__main__":

@@ -15,7 +15,7 @@ options:
     type: path
     required: true
   max_gap:
-    description: Hours that may lie between two backups of a partition, and since its newest; 0 for any.
+    description: Hours that may lie between two backups, and since the newest; 0 for any.
     type: int
     default: 0
   executable:
@@ -61,7 +61,8 @@ def main():
 
 def findings(report):
     """Returns what is wrong with a folder in one sentence for each finding."""
-    found = ["%s: %s." % (each["name"], each["problem"]) for each in report["files"] if not each["usable"]]
+    found = ["%s: %s." % (each["name"], each["problem"])
+             for each in report["files"] if not each["usable"]]
     found += ["Partition %d has no backup for %s hours from %s."
               % (each["partition"], each["hours"], each["from"]) for each in report["gaps"]]
     return " ".join(found) or (report["reason"] or {}).get("text") or "There is no backup."
