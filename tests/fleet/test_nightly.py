@@ -72,6 +72,9 @@ class Night(unittest.TestCase):
     def test_no_password_is_printed_or_kept(self):
         self.assertNotIn(SECRET, self.night.output)
         self.assertEqual(self.controller.files_with(SECRET), [])
+        # Nor was it in a file for a while.
+        self.assertIn("Pipelining is enabled", self.night.output)
+        self.assertNotRegex(self.night.output, r"> PUT \S+ TO \S+/AnsiballZ_")
 
     def test_nothing_stays_on_the_boards(self):
         for name, board in self.boards.items():

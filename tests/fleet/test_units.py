@@ -102,6 +102,7 @@ class Units(unittest.TestCase):
             environment = {**self.environment_of("efictl-fleet.service"),
                            "HOME": str(folder / "home"),
                            "ANSIBLE_HOME": str(folder / "home/.ansible"),
+                           "ANSIBLE_REMOTE_TMP": str(folder / "home/.ansible/tmp"),
                            "ANSIBLE_COLLECTIONS_PATH": str(folder / "collections"),
                            "CREDENTIALS_DIRECTORY": str(folder)}
             command = self.command_of("efictl-fleet.service", "", {

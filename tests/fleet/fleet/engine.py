@@ -61,7 +61,7 @@ class Controller:
             "LC_ALL": "C.UTF-8", "TMPDIR": str(self.folder),
             "ANSIBLE_COLLECTIONS_PATH": str(self.folder / "collections"),
             "ANSIBLE_NOCOLOR": "1", "ANSIBLE_LOCALHOST_WARNING": "0",
-            "PYTHONDONTWRITEBYTECODE": "1",
+            "ANSIBLE_REMOTE_TMP": str(self.home / "tmp"), "PYTHONDONTWRITEBYTECODE": "1",
         }
         return self
 
