@@ -8,6 +8,14 @@ if(CMAKE_CROSSCOMPILING)
     set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE ${architecture_${CMAKE_SYSTEM_PROCESSOR}})
 endif()
 
+if(BUILD_CLIENT AND TARGET efictl)
+    # A package of its own, for machines that are no board.
+    #   cpack --config BUILD/CPackClient.cmake
+    set(CLIENT_PACKAGE_NAME efictl-${PROJECT_VERSION}-${CMAKE_SYSTEM_PROCESSOR})
+    configure_file(${PROJECT_SOURCE_DIR}/cmake/clientPackage.cmake.in
+        ${PROJECT_BINARY_DIR}/CPackClient.cmake @ONLY)
+endif()
+
 set(CPACK_GENERATOR TGZ DEB)
 set(CPACK_PACKAGE_NAME efi-backup-restore)
 set(CPACK_PACKAGE_CONTACT "The maintainers of the board's software <root@localhost>")

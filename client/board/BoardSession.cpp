@@ -134,13 +134,13 @@ BoardPage BoardSession::menu() {
     }
     if (page.partitions.empty()) {
         // The menu shows none to a user without rights; the screen says why.
-        requireScreen(std::string(SCREEN) + "?functionID=" + BACKUP_FUNCTION);
+        requireScreen(BACKUP_FUNCTION);
     }
     return page;
 }
 
-void BoardSession::requireScreen(const std::string& path) {
-    const Request request = makeGet(path);
+void BoardSession::requireScreen(const char* function) {
+    const Request request = makeGet(std::string(SCREEN) + "?functionID=" + function);
     repeat(schedule, [&] { ask(request); });
 }
 
@@ -168,6 +168,8 @@ Selection BoardSession::upload(const Bytes& file) {
     Request request = makePost(SCREEN, {{"functionID", RESTORE_FUNCTION}, {"hidden_status", "1"}},
                                Effect::PREPARES);
     request.file = &file;
+    // Says whether the user may restore, before anything is sent.
+    requireScreen(RESTORE_FUNCTION);
     staged = true;
     const BoardPage page = ask(request);
     if (!page.selection) {

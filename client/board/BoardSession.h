@@ -45,7 +45,7 @@ private:
     BoardPage ask(const Request& request);
     BoardPage read(const Request& request, const Response& response) const;
     void logIn(const Credentials& credentials);
-    void requireScreen(const std::string& path);
+    void requireScreen(const char* function);
 
     Transport& transport;
     Schedule& schedule;

@@ -33,7 +33,8 @@ std::string partOf(const URL& url, CURLUPart part) {
 }
 
 bool isThisMachine(const std::string& host) {
-    return host == "localhost" || host == "[::1]" || host.starts_with("127.");
+    return host == "localhost" || host == "[::1]" ||
+           (host.starts_with("127.") && host.find_first_not_of("0123456789.") == std::string::npos);
 }
 
 }  // namespace

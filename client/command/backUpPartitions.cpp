@@ -1,11 +1,9 @@
 #include "board/inspector/FileReport.h"
-#include "board/inspector/whyNotUsable.h"
+#include "client/board/checkDownload.h"
 #include "client/command/OpenBoard.h"
 #include "client/command/commands.h"
 #include "client/folder/BackupFolder.h"
-#include "client/report/printResult.h"
 #include "platform/host/base/sha256.h"
-#include "platform/host/html/escape.h"
 
 namespace Efictl {
 
@@ -14,7 +12,6 @@ namespace {
 using nlohmann::ordered_json;
 using VeskLib::Board::SaveTime;
 using VeskLib::Host::ConfigurationFile;
-using VeskLib::Host::makeVisible;
 
 // What has become of one partition.
 struct PartitionBackup {
@@ -62,32 +59,12 @@ std::string describe(const PartitionBackup& backup) {
     return text;
 }
 
-// Returns what a download holds. Throws Failure (UNREACHABLE) if it is not whole, or not a
-// configuration of this partition and its BIOS version.
-ConfigurationFile check(const Bytes& bytes, const PartitionRow& partition) {
-    ConfigurationFile file;
-    if (!decode(bytes, file)) {
-        throw Failure(ExitCode::UNREACHABLE, "The board sent a file that cannot be used: " +
-                                                 VeskLib::Board::whyNotUsable(bytes) + ".");
-    }
-    if (file.partition != partition.number) {
-        throw Failure(ExitCode::UNREACHABLE, "The board sent the configuration of partition " +
-                                                 std::to_string(file.partition) + " instead.");
-    }
-    if (partition.knowsVersion() && makeVisible(file.version) != partition.version) {
-        throw Failure(ExitCode::UNREACHABLE, "The board sent a file of BIOS version " +
-                                                 file.version + ", but shows " +
-                                                 partition.version + ".");
-    }
-    return file;
-}
-
 void backUp(const Options& options, BoardSession& board, BackupFolder& folder,
             PartitionBackup& backup) {
     const unsigned int number = backup.partition.number;
     showProgress(options, "Backing up " + describePartition(number, backup.partition.name));
     Bytes bytes = board.backUp(number);
-    const ConfigurationFile file = check(bytes, backup.partition);
+    const ConfigurationFile file = checkDownload(bytes, backup.partition);
     backup.status = "stored";
     backup.saveTime = file.saveTime;
     backup.size = bytes.size();

@@ -1,4 +1,5 @@
 #include "board/inspector/FileReport.h"
+#include "client/board/checkDownload.h"
 #include "client/command/OpenBoard.h"
 #include "client/command/commands.h"
 #include "client/command/localFile.h"
@@ -126,10 +127,7 @@ private:
 bool differs(const Options& options, BoardSession& board, const PartitionRow& partition,
              const Expectation& expectation, ordered_json& json, Result& result) {
     showProgress(options, "Reading " + describePartition(partition.number, partition.name));
-    ConfigurationFile found;
-    if (!decode(board.backUp(partition.number), found) || found.partition != partition.number) {
-        throw Failure(ExitCode::UNREACHABLE, "The board sent a file that cannot be used.");
-    }
+    const ConfigurationFile found = checkDownload(board.backUp(partition.number), partition);
     const LocalFile expected = expectation.of(partition.number);
     json["file"] = expected.path;
     return addDifferences(expected.file, found, {expected.path, "", partition.number}, result);

@@ -17,7 +17,7 @@ using Bytes = std::vector<unsigned char>;
 using Fields = std::vector<std::pair<std::string, std::string>>;
 
 // The largest page and, with docs/configuration-file.md, the largest download that is read.
-inline constexpr std::size_t LARGEST_PAGE = 512 * 1024;
+inline constexpr std::size_t LARGEST_PAGE = 448 * 1024;
 
 // What a request does to the board, beside reading.
 enum class Effect {

@@ -1,5 +1,7 @@
 #include "client/page/BoundedHeap.h"
 
+#include <malloc.h>
+
 #include <cstdlib>
 
 namespace Efictl {
@@ -8,7 +10,6 @@ namespace Efictl {
 struct alignas(std::max_align_t) BoundedHeap::Block {
     Block* former;
     Block* next;
-    std::size_t size;
 };
 
 BoundedHeap::~BoundedHeap() {
@@ -22,15 +23,15 @@ BoundedHeap::~BoundedHeap() {
 void* BoundedHeap::allocate(std::size_t size) {
     const std::size_t whole = size + sizeof(Block);
     Block* block = nullptr;
-    if (size < limit && whole <= limit - used) {
+    if (used < limit && size < limit && whole <= limit - used) {
         block = static_cast<Block*>(std::malloc(whole));
     }
     if (block == nullptr) {
         // NOLINTNEXTLINE(cert-err52-cpp): an exception would have to pass through C.
         std::longjmp(escape, 1);
     }
-    used += whole;
-    *block = {nullptr, blocks, whole};
+    used += malloc_usable_size(block);
+    *block = {nullptr, blocks};
     if (blocks != nullptr) {
         blocks->former = block;
     }
@@ -47,7 +48,7 @@ void BoundedHeap::release(void* memory) {
         block->next->former = block->former;
     }
     (block->former == nullptr ? blocks : block->former->next) = block->next;
-    used -= block->size;
+    used -= malloc_usable_size(block);
     std::free(block);
 }
 

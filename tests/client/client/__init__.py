@@ -76,6 +76,17 @@ def efictl(*arguments, deadline=120, **variables):
     return Run(command, run.returncode, run.stdout, run.stderr)
 
 
+def make_certificate(folder, *options, name="IP:127.0.0.1"):
+    """A self-signed certificate and its key, both PEM."""
+    certificate, key = folder / "certificate.pem", folder / "key.pem"
+    subprocess.run(["openssl", "req", "-x509", "-newkey", "ec", "-pkeyopt",
+                    "ec_paramgen_curve:P-256", "-nodes", "-keyout", key, "-out", certificate,
+                    "-subj", "/CN=board", "-addext", f"subjectAltName={name}", *options],
+                   check=True, capture_output=True)
+    key.chmod(0o600)
+    return certificate, key
+
+
 class Account:
     """How a board is reached by a user, in variables of the environment."""
 

@@ -48,7 +48,9 @@ class HostileBoard:
     A path may have "POST " before it, and what follows "?" and a step of the form after it. The
     login and the logout are answered well unless they are given."""
 
-    def __init__(self, answers):
+    def __init__(self, answers, tls=None):
+        """`tls` is an ssl.SSLContext to speak https with."""
+        self.tls = tls
         self.answers = {"/login.cgi": LOGGED_IN, "/logout.cgi": LOGGED_IN, **answers}
         self.requests = []
         self.ending = threading.Event()
@@ -56,7 +58,7 @@ class HostileBoard:
     def __enter__(self):
         self.listener = socket.create_server(("127.0.0.1", 0))
         self.port = self.listener.getsockname()[1]
-        self.address = f"http://127.0.0.1:{self.port}"
+        self.address = f"{'https' if self.tls else 'http'}://127.0.0.1:{self.port}"
         self.thread = threading.Thread(target=self.serve)
         self.thread.start()
         return self
@@ -83,7 +85,11 @@ class HostileBoard:
         with connection:
             connection.settimeout(60)
             try:
-                self.converse(connection)
+                if self.tls is None:
+                    self.converse(connection)
+                else:
+                    with self.tls.wrap_socket(connection, server_side=True) as encrypted:
+                        self.converse(encrypted)
             except OSError:
                 pass
 

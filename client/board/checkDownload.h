@@ -1,0 +1,13 @@
+#pragma once
+
+#include "client/http/Transport.h"
+#include "client/page/BoardPage.h"
+#include "platform/host/storage/ConfigurationFile.h"
+
+namespace Efictl {
+
+// Returns what a download holds. Throws Failure (UNREACHABLE) if it is not whole, or not a
+// configuration of this partition and its BIOS version.
+VeskLib::Host::ConfigurationFile checkDownload(const Bytes& bytes, const PartitionRow& partition);
+
+}  // namespace Efictl

@@ -1,0 +1,30 @@
+// Runs a command and writes the largest resident set that it had, in KiB, to the file that is named
+// first. A process takes over the peak of the one that has started it, so that a small program has to
+// do it; an interpreter's own would be measured.
+
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+
+int main(int argumentCount, char** arguments) {
+    if (argumentCount < 3) {
+        return 2;
+    }
+    const pid_t child = fork();
+    if (child == 0) {
+        execv(arguments[2], arguments + 2);
+        _exit(127);
+    }
+    int status = 0;
+    struct rusage usage = {};
+    if (wait4(child, &status, 0, &usage) != child) {
+        return 1;
+    }
+    std::FILE* const file = std::fopen(arguments[1], "w");
+    if (file == nullptr || std::fprintf(file, "%ld\n", usage.ru_maxrss) < 0) {
+        return 1;
+    }
+    return std::fclose(file) == 0 && WIFEXITED(status) ? WEXITSTATUS(status) : 1;
+}

@@ -1,0 +1,39 @@
+// The header lines and the body of an answer, as efictl takes them in whatever pieces they come.
+
+#include "client/http/Answer.h"
+#include "tests/fuzz/support/require.h"
+
+#include <algorithm>
+
+using namespace Efictl;
+using namespace VeskLib;
+
+namespace {
+
+const std::size_t LIMIT = 512;  // of the body
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string_view text(reinterpret_cast<const char*>(data), size);
+    Response response;
+    Answer answer(response, LIMIT);
+    std::size_t start = 0;
+    while (start < text.size()) {
+        const std::size_t end = std::min(text.find('\n', start), text.size() - 1) + 1;
+        if (!answer.takeHeader(text.substr(start, end - start))) {
+            Fuzz::require(answer.isTooLarge(), "a header line is only refused for its size");
+            return 0;
+        }
+        start = end;
+    }
+    for (const std::string& value : {response.contentType, response.location}) {
+        Fuzz::require(value.find('\n') == std::string::npos, "a value is one line");
+        Fuzz::require(value.empty() || (value.front() != ' ' && value.back() != ' '),
+                      "without space around it");
+    }
+    const bool isWhole = answer.takeBody(text) && answer.takeBody(text);
+    Fuzz::require(isWhole == (2 * size <= LIMIT), "a body is limited");
+    Fuzz::require(response.body.size() <= LIMIT, "no more than that is kept");
+    return 0;
+}

@@ -1,0 +1,48 @@
+// A page of a board, as efictl reads it; and what it prints of it.
+
+#include "client/Failure.h"
+#include "client/page/BoardPage.h"
+#include "client/report/printResult.h"
+#include "tests/fuzz/support/require.h"
+
+#include <algorithm>
+
+using namespace Efictl;
+using namespace VeskLib;
+
+namespace {
+
+void requireHarmless(const std::string& text) {
+    const std::string shown = forTerminal(text);
+    Fuzz::require(std::none_of(shown.begin(), shown.end(),
+                               [](char character) {
+                                   const auto byte = static_cast<unsigned char>(character);
+                                   return byte < 0x20 || byte == 0x7F;
+                               }),
+                  "nothing controls the terminal");
+    Fuzz::require(shown.find("\u009b") == std::string::npos &&
+                      shown.find("\u202e") == std::string::npos,
+                  "nothing turns its text");
+    Fuzz::require(forTerminal(shown) == shown, "what is fit for a terminal stays as it is");
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string text(reinterpret_cast<const char*>(data), size);
+    requireHarmless(text);
+    BoardPage page;
+    try {
+        page = readBoardPage(text);
+    } catch (const Failure& failure) {
+        Fuzz::require(failure.exitCode() == ExitCode::UNREACHABLE, "no board has such a page");
+        return 0;
+    }
+    Fuzz::require((page.notice() == nullptr) == page.notices.empty() || page.notice() == nullptr,
+                  "a notice is one of the page's");
+    for (const Notice& notice : page.notices) {
+        Fuzz::require(notice.message >= 0 && notice.message <= 0xFFFF && notice.code >= 0,
+                      "numbers are numbers");
+    }
+    return 0;
+}
