@@ -6,6 +6,7 @@ from contextlib import contextmanager
 from pathlib import Path
 
 PAUSE_SECONDS = 0.2
+CLIENT = "efictl"
 
 
 def descendants(pid):
@@ -31,18 +32,23 @@ def proportional_memory(pid):
     return 0
 
 
-def most_files(pid):
-    """Looks at a process until it has ended, without a pause; returns how many files it had open at
-    the same time. The process must be waited for later."""
-    most = 0
+def most_used(pid):
+    """Looks at a process until it has ended, without a pause; returns how many bytes it had in memory
+    and how many files it had open. The process must be waited for later. (What the kernel counts for
+    the parent has the parent's own memory in it, which the process had before it became another
+    program.)"""
+    most = {"memory": 0, "files": 0}
     while True:
         try:
-            most = max(most, len(os.listdir(f"/proc/{pid}/fd")))
-            status = Path(f"/proc/{pid}/stat").read_text(encoding="utf-8")
-            if status.rpartition(")")[2].split()[0] == "Z":
+            status = dict(line.split(":", 1) for line in
+                          Path(f"/proc/{pid}/status").read_text(encoding="utf-8").splitlines())
+            if status["State"].split()[0] == "Z":
                 return most
-        except OSError:
+            files = len(os.listdir(f"/proc/{pid}/fd"))
+            memory = 1024 * int(status["VmHWM"].split()[0]) if status["Name"].strip() == CLIENT else 0
+        except (KeyError, OSError):
             return most
+        most = {"memory": max(most["memory"], memory), "files": max(most["files"], files)}
 
 
 class Peaks:

@@ -93,7 +93,7 @@ class FleetDocument(DocumentTest):
         (self.folder / "etc/efictl/boards.pem").write_bytes(
             (self.folder / "boards.pem").read_bytes())
         (self.folder / "fleet").symlink_to(PROJECT / "fleet")
-        (self.folder / "efictl_1.deb").touch()
+        (self.folder / "efictl-1.deb").touch()
         self.program("apt", 'echo "$@" >apt.asked')
         self.program("systemctl", 'exec /usr/bin/systemctl --root="%s" "${@/--now/--quiet}"'
                      % self.folder)
