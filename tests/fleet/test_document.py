@@ -50,6 +50,36 @@ class CollectionDocument(DocumentTest):
         self.assertEqual(sorted([named, *codes_in(others)]), sorted(path.stem for path in found))
 
 
+class GrowthDocument(DocumentTest):
+    """The figures were measured once; what is said of them follows from them."""
+
+    name = "docs/fleet.md"
+
+    def test_the_sums_are_right(self):
+        checked = 0
+        for _, arithmetic, _ in self.table("what", "arithmetic", "what to do"):
+            match = re.match(r"([\d,. +×/a-zA-Z]+?) = ([\d,.]+) (\w+)", arithmetic)
+            if match is None:
+                continue
+            terms = re.sub(r"[a-zA-Z,]", "", match[1]).replace("×", "*")
+            self.assertRegex(terms, r"^[\d. +*/]+$")
+            factor = 1000 if match[3] == "GB" else 1
+            stated = float(match[2].replace(",", "")) * factor
+            self.assertAlmostEqual(eval(terms), stated, delta=stated / 50)  # pylint: disable=eval-used
+            checked += 1
+        self.assertEqual(checked, 5)
+
+    def test_the_growth_is_that_of_the_largest_fleet(self):
+        rows = self.table("boards", "engine", "night", "s", "CPU s", "MiB", "open files")
+        for engine, per_board in zip(
+                ("parallel", "Ansible"),
+                self.stated(r"parallel by ([\d.]+) s of processor time and no memory, Ansible by "
+                            r"([\d.]+) s")):
+            row = max((row for row in rows if row[1:3] == [engine, "first"]),
+                      key=lambda row: int(row[0]))
+            self.assertAlmostEqual(float(row[4]) / int(row[0]), float(per_board), delta=0.01)
+
+
 class FleetDocument(DocumentTest):
     name = "docs/fleet.md"
 
