@@ -23,8 +23,8 @@ struct MessageNumber {
     int code = 0;
 };
 
-// What keeps a command from going on: how efictl ends, a sentence for people and the board's message
-// if it has sent one.
+// What keeps a command from going on: how efictl ends, a sentence for people and the board's
+// message if it has sent one.
 class Failure : public std::runtime_error {
 public:
     Failure(ExitCode exitCode, const std::string& text,

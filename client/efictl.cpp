@@ -79,7 +79,8 @@ int main(int argumentCount, char** arguments) {
     VeskLib::Host::occupyStandardDescriptors();
     // A reader that has gone is to be reported as a full disk is.
     std::signal(SIGPIPE, SIG_IGN);
-    // Large buffers go back to the system when they are freed, so that few of them are there at once.
+    // Large buffers go back to the system when they are freed, so that few of them are there at
+    // once.
     const int largeBuffer = 64 * 1024;
     mallopt(M_MMAP_THRESHOLD, largeBuffer);
     catchInterruptions();

@@ -75,8 +75,7 @@ std::string describeUnknownPage(const Request& request, const Response& response
 
 }  // namespace
 
-BoardSession::BoardSession(Transport& transport, Schedule& schedule,
-                           const Credentials& credentials)
+BoardSession::BoardSession(Transport& transport, Schedule& schedule, const Credentials& credentials)
     : transport(transport), schedule(schedule) {
     repeat(schedule, [&] { logIn(credentials); });
 }
@@ -104,8 +103,8 @@ BoardPage BoardSession::read(const Request& request, const Response& response) c
     }
     BoardPage page;
     try {
-        page = readBoardPage({reinterpret_cast<const char*>(response.body.data()),
-                              response.body.size()});
+        page = readBoardPage(
+            {reinterpret_cast<const char*>(response.body.data()), response.body.size()});
     } catch (const Failure&) {
         if (request.effect == Effect::CHANGES) {
             throwUnknownPage(request, response);
@@ -180,9 +179,8 @@ Selection BoardSession::upload(const Bytes& file) {
 
 void BoardSession::restore(const std::string& stagedFile,
                            const std::vector<unsigned int>& partitions) {
-    Fields fields = {{"functionID", RESTORE_FUNCTION},
-                     {"hidden_status", "2"},
-                     {"staged_file", stagedFile}};
+    Fields fields = {
+        {"functionID", RESTORE_FUNCTION}, {"hidden_status", "2"}, {"staged_file", stagedFile}};
     for (const unsigned int partition : partitions) {
         fields.emplace_back("pid" + std::to_string(partition), std::to_string(partition));
     }

@@ -37,8 +37,8 @@ public:
     // whether it did.
     void restore(const std::string& stagedFile, const std::vector<unsigned int>& partitions);
 
-    // Discards an uploaded file that was not restored, and logs out, within the time that is kept for
-    // that. Returns what could not be done, in words for people; empty if everything was.
+    // Discards an uploaded file that was not restored, and logs out, within the time that is kept
+    // for that. Returns what could not be done, in words for people; empty if everything was.
     std::string end() noexcept;
 
 private:

@@ -21,8 +21,8 @@ ConfigurationFile checkDownload(const Bytes& bytes, const PartitionRow& partitio
     }
     if (partition.knowsVersion() && makeVisible(file.version) != partition.version) {
         throw Failure(ExitCode::UNREACHABLE, "The board sent a file of BIOS version " +
-                                                 file.version + ", but shows " +
-                                                 partition.version + ".");
+                                                 file.version + ", but shows " + partition.version +
+                                                 ".");
     }
     return file;
 }

@@ -18,7 +18,8 @@ const Milliseconds LOOK{50};
 }  // namespace
 
 void Attempts::waitAfter(const PassingFailure& failure) {
-    const Milliseconds wait = std::min<Milliseconds>(FIRST_WAIT * (1 << std::min(failed, 8)), LONGEST_WAIT);
+    const Milliseconds wait =
+        std::min<Milliseconds>(FIRST_WAIT * (1 << std::min(failed, 8)), LONGEST_WAIT);
     ++failed;
     const bool tooOften =
         failure.cause() == PassingFailure::Cause::CONNECTION && failed > MOST_REPEATS;

@@ -5,8 +5,8 @@
 
 namespace Efictl {
 
-// Decides whether and when what failed is tried again: after a failure of the connection a few times,
-// while the board is busy as long as there is time.
+// Decides whether and when what failed is tried again: after a failure of the connection a few
+// times, while the board is busy as long as there is time.
 class Attempts {
 public:
     explicit Attempts(const Schedule& schedule) : schedule(schedule) {}

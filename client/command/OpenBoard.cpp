@@ -47,8 +47,7 @@ std::vector<PartitionRow> choosePartitions(const BoardPage& menu, const Options&
     std::string missing;
     for (const unsigned int number : options.partitions) {
         const auto isOfNumber = [number](const PartitionRow& row) { return row.number == number; };
-        const auto row =
-            std::find_if(menu.partitions.begin(), menu.partitions.end(), isOfNumber);
+        const auto row = std::find_if(menu.partitions.begin(), menu.partitions.end(), isOfNumber);
         if (row == menu.partitions.end()) {
             missing += (missing.empty() ? "" : ", ") + std::to_string(number);
         } else if (std::none_of(chosen.begin(), chosen.end(), isOfNumber)) {

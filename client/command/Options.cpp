@@ -41,7 +41,8 @@ bool isThisMachine(const std::string& host) {
 
 std::string boardAddress(const Options& options) {
     if (options.board.empty()) {
-        throw Failure(ExitCode::USAGE, "No board is given. Name one with --board or in EFICTL_BOARD.");
+        throw Failure(ExitCode::USAGE,
+                      "No board is given. Name one with --board or in EFICTL_BOARD.");
     }
     const bool hasScheme = options.board.find("://") != std::string::npos;
     const URL url = parseURL((hasScheme ? "" : "https://") + options.board);
@@ -61,8 +62,9 @@ std::string boardAddress(const Options& options) {
         throw Failure(ExitCode::USAGE, wrong + " A user and a password have no place in it.");
     }
     if (scheme == "http" && !isThisMachine(host) && !options.insecure) {
-        throw Failure(ExitCode::USAGE, "http:// would send the password where others can read it. "
-                                       "Use https://, or --insecure if that is acceptable.");
+        throw Failure(ExitCode::USAGE,
+                      "http:// would send the password where others can read it. "
+                      "Use https://, or --insecure if that is acceptable.");
     }
     return scheme + "://" + host + (port.empty() ? "" : ":" + port);
 }

@@ -49,8 +49,8 @@ ordered_json toJSON(const PartitionBackup& backup) {
 }
 
 std::string describe(const PartitionBackup& backup) {
-    std::string text = describePartition(backup.partition.number, backup.partition.name) + ": " +
-                       backup.status;
+    std::string text =
+        describePartition(backup.partition.number, backup.partition.name) + ": " + backup.status;
     text += backup.file.empty() ? "" : ", " + backup.file;
     text += backup.reason ? ": " + backup.reason->text : "";
     text += backup.removed.empty()

@@ -11,7 +11,8 @@ namespace {
 
 const char* const STATUSES =
     "Exit status: 0 done; 1 something differs, or there was nothing to do where that was asked;\n"
-    "2 wrong usage; 3 no board answers, or none that can be trusted or understood; 4 refused; 5 the\n"
+    "2 wrong usage; 3 no board answers, or none that can be trusted or understood; 4 refused; 5 "
+    "the\n"
     "outcome of a change is not known; 6 something failed on this machine.";
 
 const unsigned int LONGEST_TIMEOUT = 24 * 60 * 60;
@@ -33,9 +34,10 @@ public:
         addVerify();
     }
 
-    CLI::App application{"Backs up, compares and restores the BIOS configurations of a server "
-                         "management board.",
-                         "efictl"};
+    CLI::App application{
+        "Backs up, compares and restores the BIOS configurations of a server "
+        "management board.",
+        "efictl"};
 
 private:
     CLI::App* add(const char* name, const char* description) {
@@ -74,9 +76,7 @@ private:
             ->excludes(some);
     }
 
-    void addList() {
-        addForBoard("list", "Shows the partitions: name, BIOS version, last backup");
-    }
+    void addList() { addForBoard("list", "Shows the partitions: name, BIOS version, last backup"); }
 
     void addBackup() {
         CLI::App* const command = addForBoard("backup", "Saves configurations into a folder");
@@ -86,8 +86,9 @@ private:
             ->type_name("DIR");
         command->add_flag("--if-changed", options.onlyIfChanged,
                           "Keep no copy of what is the same as the newest backup but for its time");
-        command->add_option("--keep", options.keep,
-                            "Remove what is older than the newest N usable backups of a partition")
+        command
+            ->add_option("--keep", options.keep,
+                         "Remove what is older than the newest N usable backups of a partition")
             ->check(CLI::Range(1U, 1000000U))
             ->type_name("N");
         command->add_flag("--exit-code", options.unchangedIsDifferent,
@@ -123,8 +124,9 @@ private:
     void addVerify() {
         CLI::App* const command = add("verify", "Looks at every file of a folder of backups");
         command->add_option("DIR", options.folder, "The folder")->required();
-        command->add_option("--max-gap", options.longestGapHours,
-                            "Report more than so many hours between two backups of a partition")
+        command
+            ->add_option("--max-gap", options.longestGapHours,
+                         "Report more than so many hours between two backups of a partition")
             ->check(CLI::Range(1U, 100000U))
             ->type_name("HOURS");
     }

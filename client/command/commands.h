@@ -5,8 +5,8 @@
 
 namespace Efictl {
 
-// The commands. Each puts what it does into `result` as it goes, and throws Failure for what ends it
-// early.
+// The commands. Each puts what it does into `result` as it goes, and throws Failure for what ends
+// it early.
 void listPartitions(const Options& options, Result& result);
 void backUpPartitions(const Options& options, Result& result);
 void restorePartitions(const Options& options, Result& result);

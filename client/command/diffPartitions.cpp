@@ -23,7 +23,7 @@ const std::string NOTHING = "(none)";
 // Two configurations, and where they come from.
 struct Pair {
     std::string file;
-    std::string other;                     // empty for a partition
+    std::string other;                      // empty for a partition
     std::optional<unsigned int> partition;  // empty between files
 };
 
@@ -33,9 +33,9 @@ ordered_json valueToJSON(const std::string& value) {
 
 ordered_json toJSON(const Difference& difference, const Pair& pair) {
     const bool isSetting = difference.what.starts_with(SETTING);
-    const char* const kind = isSetting                             ? "setting"
+    const char* const kind = isSetting                           ? "setting"
                              : difference.what == "BIOS version" ? "bios_version"
-                                                                   : "payload";
+                                                                 : "payload";
     ordered_json partition;
     if (pair.partition) {
         partition = *pair.partition;
@@ -143,8 +143,7 @@ void compareBoard(const Options& given, Result& result) {
     }
     OpenBoard board(options);
     bool goesOn = true;
-    for (const PartitionRow& partition :
-         choosePartitions(board.session().menu(), options)) {
+    for (const PartitionRow& partition : choosePartitions(board.session().menu(), options)) {
         ordered_json json = {{"number", partition.number},
                              {"name", partition.name},
                              {"bios_version", versionToJSON(partition.version)},

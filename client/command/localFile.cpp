@@ -8,8 +8,8 @@ namespace Efictl {
 LocalFile readLocalFile(const std::string& path) {
     VeskLib::Board::FileReport report = VeskLib::Board::inspect(path);
     if (report.verdict != VeskLib::Board::FileReport::Verdict::USABLE) {
-        throw Failure(ExitCode::FAILED, path + " is " + nameOf(report.verdict) + ": " +
-                                            report.reason + ".");
+        throw Failure(ExitCode::FAILED,
+                      path + " is " + nameOf(report.verdict) + ": " + report.reason + ".");
     }
     return {path, report.sha256, std::move(report.file)};
 }

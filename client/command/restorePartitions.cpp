@@ -36,8 +36,8 @@ void compareFile(const Selection& selection, const LocalFile& local) {
     demand(selection.version == makeVisible(local.file.version), "BIOS version");
 }
 
-// What the command line and the board demand of each target. Throws Failure (REFUSED) if it does not
-// hold.
+// What the command line and the board demand of each target. Throws Failure (REFUSED) if it does
+// not hold.
 void judgeTarget(const PartitionRow& target, const LocalFile& local, const Options& options) {
     const std::string name = "Partition " + std::to_string(target.number);
     const std::string version = makeVisible(local.file.version);
@@ -100,10 +100,10 @@ const char* statusOf(const Failure& failure) {
 
 void describePlan(const LocalFile& local, const std::vector<PartitionRow>& targets,
                   Result& result) {
-    result.lines.push_back(
-        local.path + ": saved from " +
-        describePartition(local.file.partition, local.file.partitionName) + " on " +
-        VeskLib::Board::formatTime(local.file.saveTime) + ", BIOS " + local.file.version);
+    result.lines.push_back(local.path + ": saved from " +
+                           describePartition(local.file.partition, local.file.partitionName) +
+                           " on " + VeskLib::Board::formatTime(local.file.saveTime) + ", BIOS " +
+                           local.file.version);
     for (const PartitionRow& target : targets) {
         result.lines.push_back("To " + describePartition(target.number, target.name) + ", BIOS " +
                                (target.knowsVersion() ? target.version : "unknown"));

@@ -47,15 +47,10 @@ CheckedFile checkFile(const BackupFolder& folder, const std::string& name) {
 }
 
 ordered_json toJSON(const CheckedFile& file) {
-    ordered_json json = {{"name", file.name},
-                         {"usable", file.isUsable()},
-                         {"problem", nullptr},
-                         {"partition", nullptr},
-                         {"made_on", nullptr},
-                         {"saved_on", nullptr},
-                         {"bios_version", nullptr},
-                         {"sha256", nullptr},
-                         {"newest", file.isNewest}};
+    ordered_json json = {
+        {"name", file.name},       {"usable", file.isUsable()}, {"problem", nullptr},
+        {"partition", nullptr},    {"made_on", nullptr},        {"saved_on", nullptr},
+        {"bios_version", nullptr}, {"sha256", nullptr},         {"newest", file.isNewest}};
     if (file.backup) {
         json["partition"] = file.backup->partition;
         json["made_on"] = formatTime(file.backup->time);
@@ -108,10 +103,11 @@ void addGap(unsigned int partition, std::time_t from, std::time_t to, bool isOpe
     if (to - from <= static_cast<std::time_t>(*options.longestGapHours) * HOUR) {
         return;
     }
-    result.details["gaps"].push_back({{"partition", partition},
-                                      {"from", formatTime(from)},
-                                      {"to", isOpen ? ordered_json() : ordered_json(formatTime(to))},
-                                      {"hours", hours}});
+    result.details["gaps"].push_back(
+        {{"partition", partition},
+         {"from", formatTime(from)},
+         {"to", isOpen ? ordered_json() : ordered_json(formatTime(to))},
+         {"hours", hours}});
     result.lines.push_back("Partition " + std::to_string(partition) + ": no backup for " +
                            std::to_string(hours) + " hours after " + formatTime(from));
     result.fail(Failure(ExitCode::DIFFERENT, "There are gaps between the backups."));

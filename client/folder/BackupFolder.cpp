@@ -107,9 +107,8 @@ std::vector<BackupName> BackupFolder::list() const {
 
 std::vector<BackupName> BackupFolder::list(unsigned int partition) const {
     std::vector<BackupName> backups = list();
-    std::erase_if(backups, [partition](const BackupName& backup) {
-        return backup.partition != partition;
-    });
+    std::erase_if(backups,
+                  [partition](const BackupName& backup) { return backup.partition != partition; });
     return backups;
 }
 

@@ -50,8 +50,8 @@ public:
     // Returns the newest one of a partition that is usable; nothing if there is none.
     std::optional<Backup> findNewest(unsigned int partition) const;
 
-    // Stores a backup that was made now and returns its name. The file has its name only once all of
-    // it is on the disk. Throws Failure (FAILED) if it cannot be stored.
+    // Stores a backup that was made now and returns its name. The file has its name only once all
+    // of it is on the disk. Throws Failure (FAILED) if it cannot be stored.
     BackupName store(unsigned int partition, const Bytes& bytes);
 
     // Removes all backups of a partition that are older than its `keep` newest usable ones, and

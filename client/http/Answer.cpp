@@ -64,8 +64,8 @@ bool Answer::takeBody(std::string_view bytes) {
     }
     if (response.body.capacity() - response.body.size() < bytes.size()) {
         // Not twice the limit, as a vector that grows by itself may take.
-        response.body.reserve(
-            std::min(limit, std::max(2 * response.body.size(), response.body.size() + bytes.size())));
+        response.body.reserve(std::min(
+            limit, std::max(2 * response.body.size(), response.body.size() + bytes.size())));
     }
     response.body.insert(response.body.end(), bytes.begin(), bytes.end());
     return true;

@@ -19,8 +19,8 @@ using Milliseconds = Schedule::Milliseconds;
 const Milliseconds LONGEST_CONNECT{10000};
 const Milliseconds LONGEST_REQUEST{30000};
 
-// How long a request is still waited for after a signal. An abandoned one may go on on the board, and
-// leave there what the logout has just removed.
+// How long a request is still waited for after a signal. An abandoned one may go on on the board,
+// and leave there what the logout has just removed.
 const Milliseconds LONGEST_GRACE{3000};
 
 // What libcurl calls while a request is under way.
@@ -75,8 +75,7 @@ struct FormEnd {
     void operator()(curl_mime* form) const { curl_mime_free(form); }
 };
 
-std::unique_ptr<curl_mime, FormEnd> makeForm(CURL* handle, const Request& request,
-                                             SentFile& file) {
+std::unique_ptr<curl_mime, FormEnd> makeForm(CURL* handle, const Request& request, SentFile& file) {
     std::unique_ptr<curl_mime, FormEnd> form(curl_mime_init(handle));
     for (const auto& [name, value] : request.fields) {
         curl_mimepart* const part = curl_mime_addpart(form.get());

@@ -21,16 +21,16 @@ inline constexpr std::size_t LARGEST_PAGE = 448 * 1024;
 
 // What a request does to the board, beside reading.
 enum class Effect {
-    NONE,     // it may be sent again
+    NONE,      // it may be sent again
     PREPARES,  // it leaves something that is not a change yet: a session, an uploaded file
-    CHANGES,  // it must not be given up lightly either: its outcome would not be known
+    CHANGES,   // it must not be given up lightly either: its outcome would not be known
 };
 
 struct Request {
-    std::string path;              // with what follows "?"
-    bool isPost = false;           // with `fields`
+    std::string path;     // with what follows "?"
+    bool isPost = false;  // with `fields`
     Fields fields;
-    const Bytes* file = nullptr;   // sent as the field "filename", which makes the form multipart
+    const Bytes* file = nullptr;  // sent as the field "filename", which makes the form multipart
     Effect effect = Effect::NONE;
     std::size_t limit = LARGEST_PAGE;
 };
@@ -43,13 +43,13 @@ struct Response {
 };
 
 struct ConnectionOptions {
-    std::string board;  // "https://name:port", without a slash at its end
+    std::string board;         // "https://name:port", without a slash at its end
     std::string certificates;  // a file of PEM certificates to trust; empty for the system's
     bool verify = true;
 };
 
-// Sends requests to one board, one after the other, and keeps its cookies. Nothing is sent twice, no
-// redirection is followed, and every answer is limited in size and in time.
+// Sends requests to one board, one after the other, and keeps its cookies. Nothing is sent twice,
+// no redirection is followed, and every answer is limited in size and in time.
 class Transport {
 public:
     // The schedule must outlive it.
@@ -58,8 +58,8 @@ public:
     Transport& operator=(const Transport&) = delete;
     ~Transport();
 
-    // Throws Failure: UNREACHABLE if there is no answer (a PassingFailure if the request may be sent
-    // again); UNKNOWN if it changes something and may have arrived; FAILED if a signal has
+    // Throws Failure: UNREACHABLE if there is no answer (a PassingFailure if the request may be
+    // sent again); UNKNOWN if it changes something and may have arrived; FAILED if a signal has
     // interrupted it.
     Response send(const Request& request);
 

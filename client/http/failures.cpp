@@ -7,7 +7,12 @@ namespace Efictl {
 namespace {
 
 // OpenSSL's X509_V_ERR_ numbers.
-enum CertificateError : long { NOT_YET_VALID = 9, EXPIRED = 10, OTHER_HOST = 62, OTHER_ADDRESS = 64 };
+enum CertificateError : long {
+    NOT_YET_VALID = 9,
+    EXPIRED = 10,
+    OTHER_HOST = 62,
+    OTHER_ADDRESS = 64
+};
 
 // Whether a request that failed so was never sent.
 bool wasNotSent(CURLcode error) {
@@ -82,8 +87,8 @@ void throwLostRequest(const LostRequest& request, const std::string& board) {
     if (request.error == CURLE_SSL_CACERT_BADFILE) {
         throw Failure(ExitCode::FAILED, text);
     }
-    const bool isFinal = (request.effect != Effect::NONE && mayHaveArrived) || request.tooLarge || request.hurried ||
-                         request.error == CURLE_PEER_FAILED_VERIFICATION ||
+    const bool isFinal = (request.effect != Effect::NONE && mayHaveArrived) || request.tooLarge ||
+                         request.hurried || request.error == CURLE_PEER_FAILED_VERIFICATION ||
                          request.error == CURLE_COULDNT_RESOLVE_HOST ||
                          request.error == CURLE_SSL_CONNECT_ERROR ||
                          request.error == CURLE_UNSUPPORTED_PROTOCOL;

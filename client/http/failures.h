@@ -11,7 +11,7 @@ namespace Efictl {
 // What is known of a request that has no answer.
 struct LostRequest {
     CURLcode error = CURLE_OK;
-    std::string reason;        // what libcurl says about it; may be empty
+    std::string reason;         // what libcurl says about it; may be empty
     long certificateError = 0;  // of OpenSSL's verification; 0 for none
     Effect effect = Effect::NONE;
     bool tooLarge = false;  // the answer was

@@ -34,8 +34,10 @@ std::optional<std::string> readSecret(const std::string& path, bool mayBeAbsent)
         throw Failure(ExitCode::FAILED, path + " cannot be read: " + std::strerror(errno) + ".");
     }
     if (S_ISREG(status.st_mode) && (status.st_mode & S_IRWXO) != 0) {
-        throw Failure(ExitCode::FAILED, path + " holds a password and is open to every user. Forbid "
-                                               "it: chmod o= '" + path + "'");
+        throw Failure(ExitCode::FAILED, path +
+                                            " holds a password and is open to every user. Forbid "
+                                            "it: chmod o= '" +
+                                            path + "'");
     }
     std::string text;
     char piece[4096];

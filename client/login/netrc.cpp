@@ -8,8 +8,8 @@ namespace {
 
 const std::string_view SPACE = " \t\r\n";
 
-// Takes the next word of `rest`, empty at its end. A comment lasts until the end of its line; a word
-// in quotes may have spaces in it, and its backslashes keep the character after them.
+// Takes the next word of `rest`, empty at its end. A comment lasts until the end of its line; a
+// word in quotes may have spaces in it, and its backslashes keep the character after them.
 std::string takeWord(std::string_view& rest) {
     rest.remove_prefix(std::min(rest.find_first_not_of(SPACE), rest.size()));
     while (!rest.empty() && rest.front() == '#') {

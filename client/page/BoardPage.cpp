@@ -31,7 +31,8 @@ int numberIn(const Element& element, const char* attribute) {
 std::string foldedText(const Element& element) {
     std::string folded;
     for (const char character : element.text()) {
-        const bool isSpace = std::string_view(" \t\r\n\f").find(character) != std::string_view::npos;
+        const bool isSpace =
+            std::string_view(" \t\r\n\f").find(character) != std::string_view::npos;
         if (!isSpace) {
             folded += character;
         } else if (!folded.empty() && folded.back() != ' ') {
@@ -141,9 +142,9 @@ void readHeader(const Element& root, BoardPage& page) {
 
 const Notice* BoardPage::notice() const {
     for (const char* const outcome : {"unknown", "refused", "done", ""}) {
-        const auto found = std::find_if(
-            notices.begin(), notices.end(),
-            [outcome](const Notice& notice) { return notice.outcome == outcome; });
+        const auto found =
+            std::find_if(notices.begin(), notices.end(),
+                         [outcome](const Notice& notice) { return notice.outcome == outcome; });
         if (found != notices.end()) {
             return &*found;
         }

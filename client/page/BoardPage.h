@@ -50,8 +50,8 @@ struct BoardPage {
     std::string downloadPath;              // of a finished backup
     std::optional<Selection> selection;
 
-    // Returns the notice that matters most, null if there is none: "unknown" before "refused" before
-    // "done".
+    // Returns the notice that matters most, null if there is none: "unknown" before "refused"
+    // before "done".
     const Notice* notice() const;
 };
 

@@ -7,8 +7,8 @@ namespace Efictl {
 namespace {
 
 // The worse, the later.
-const ExitCode SEVERITY[] = {ExitCode::DONE,        ExitCode::DIFFERENT, ExitCode::USAGE,
-                             ExitCode::REFUSED,     ExitCode::FAILED,    ExitCode::UNREACHABLE,
+const ExitCode SEVERITY[] = {ExitCode::DONE,    ExitCode::DIFFERENT, ExitCode::USAGE,
+                             ExitCode::REFUSED, ExitCode::FAILED,    ExitCode::UNREACHABLE,
                              ExitCode::UNKNOWN};
 
 std::ptrdiff_t severityOf(ExitCode code) {

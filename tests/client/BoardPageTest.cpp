@@ -20,7 +20,8 @@ std::string menuOf(int partitions) {
     }
     return "<!DOCTYPE html><title>Menu</title><form action=\"/logout.cgi\"><strong>admin</strong>"
            "</form><nav aria-labelledby=\"functions\"><a href=\"/activity.cgi\">A</a></nav>"
-           "<section aria-labelledby=\"round\"><table><thead><tr><th>Number</th></tr></thead><tbody>" +
+           "<section "
+           "aria-labelledby=\"round\"><table><thead><tr><th>Number</th></tr></thead><tbody>" +
            rows + "</tbody></table></section>";
 }
 
@@ -28,8 +29,8 @@ TEST(BoardPageTest, readsTheMenu) {
     const BoardPage page = readBoardPage(menuOf(2));
     EXPECT_TRUE(page.isMenu);
     EXPECT_EQ(page.user, "admin");
-    EXPECT_THAT(page.partitions, ElementsAre(Field(&PartitionRow::number, 0U),
-                                             Field(&PartitionRow::number, 1U)));
+    EXPECT_THAT(page.partitions,
+                ElementsAre(Field(&PartitionRow::number, 0U), Field(&PartitionRow::number, 1U)));
     EXPECT_EQ(page.partitions[1].name, "Partition of the board");
     EXPECT_EQ(page.partitions[1].lastBackup, "2026-01-02T03:04:05Z");
     EXPECT_EQ(page.partitions[1].lastRestore, "");

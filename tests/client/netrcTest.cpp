@@ -29,10 +29,11 @@ TEST(NetrcTest, takesTheDefaultEntry) {
 }
 
 TEST(NetrcTest, passesOverCommentsMacrosAndAccounts) {
-    EXPECT_EQ(find("# machine a password no\nmacdef m\nmachine a password no\n\nmachine a account x "
-                   "login u password p",
-                   "a"),
-              "u:p");
+    EXPECT_EQ(
+        find("# machine a password no\nmacdef m\nmachine a password no\n\nmachine a account x "
+             "login u password p",
+             "a"),
+        "u:p");
 }
 
 TEST(NetrcTest, readsQuotedWords) {

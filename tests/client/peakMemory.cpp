@@ -1,6 +1,6 @@
 // Runs a command and writes the largest resident set that it had, in KiB, to the file that is named
-// first. A process takes over the peak of the one that has started it, so that a small program has to
-// do it; an interpreter's own would be measured.
+// first. A process takes over the peak of the one that has started it, so that a small program has
+// to do it; an interpreter's own would be measured.
 
 #include <sys/resource.h>
 #include <sys/wait.h>

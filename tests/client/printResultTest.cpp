@@ -18,7 +18,9 @@ TEST(ForTerminalTest, showsWhatControlsTheTerminal) {
 }
 
 TEST(ForTerminalTest, showsBytesThatAreNotUTF8) {
-    EXPECT_EQ(forTerminal("\x9b" "1m\xff\xc2"), "\uFFFD1m\uFFFD\uFFFD");
+    EXPECT_EQ(forTerminal("\x9b"
+                          "1m\xff\xc2"),
+              "\uFFFD1m\uFFFD\uFFFD");
 }
 
 TEST(ForTerminalTest, endsWhatIsTooLong) {
