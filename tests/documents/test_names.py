@@ -12,8 +12,8 @@ from support.board import BUILD
 from support.document import PROJECT, Document, codes_in
 from support.source import read
 
-FOLDERS = ("bench", "board", "cmake", "data", "docs", "html", "main", "pages", "platform", "skel",
-           "tests", "tools")
+FOLDERS = ("bench", "board", "cmake", "data", "docs", "fleet", "html", "main", "pages", "platform",
+           "skel", "tests", "tools")
 PROGRAMS = ("board", "data", "html", "main", "pages", "platform")
 NOT_OURS = {".git", "build", "node_modules", "var"}
 

@@ -1,0 +1,72 @@
+#!/usr/bin/python3
+"""Checks a folder of backups."""
+
+DOCUMENTATION = r"""
+---
+module: verify
+short_description: Checks a folder of backups
+description:
+  - Reads every file of a folder. Changes nothing and asks no board.
+  - Fails when a file is not usable, when there is none, and with I(max_gap) when a gap is longer.
+author: The maintainers of the board's software
+options:
+  folder:
+    description: The folder.
+    type: path
+    required: true
+  max_gap:
+    description: Hours that may lie between two backups, and since the newest; 0 for any.
+    type: int
+    default: 0
+  executable:
+    description: The client.
+    type: path
+    default: efictl
+"""
+
+EXAMPLES = r"""
+- name: Check the backups
+  vesk.efictl.verify:
+    folder: /srv/backups/rack1
+  delegate_to: localhost
+"""
+
+RETURN = r"""
+files:
+  description: What efictl reports of each file.
+  type: list
+  elements: dict
+  returned: always
+"""
+
+from ansible.module_utils.basic import AnsibleModule  # noqa: E402
+from ansible_collections.vesk.efictl.plugins.module_utils.efictl import (  # noqa: E402
+    DONE, Client, result_of)
+
+OPTIONS = {
+    "folder": {"type": "path", "required": True},
+    "max_gap": {"type": "int", "default": 0},
+    "executable": {"type": "path", "default": "efictl"},
+}
+
+
+def main():
+    module = AnsibleModule(argument_spec=OPTIONS, supports_check_mode=True)
+    words = ["--max-gap", str(module.params["max_gap"])] if module.params["max_gap"] else []
+    report = Client(module).run("verify", *words, module.params["folder"])
+    if report["exit"] != DONE:
+        module.fail_json(msg=findings(report), **result_of(report))
+    module.exit_json(changed=False, **result_of(report))
+
+
+def findings(report):
+    """Returns what is wrong with a folder in one sentence for each finding."""
+    found = ["%s: %s." % (each["name"], each["problem"])
+             for each in report["files"] if not each["usable"]]
+    found += ["Partition %d has no backup for %s hours from %s."
+              % (each["partition"], each["hours"], each["from"]) for each in report["gaps"]]
+    return " ".join(found) or (report["reason"] or {}).get("text") or "There is no backup."
+
+
+if __name__ == "__main__":
+    main()

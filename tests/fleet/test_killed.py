@@ -1,0 +1,145 @@
+"""Runs that are killed at any point. After its end a run cannot be killed: that is a point, too."""
+
+import os
+import signal
+import time
+import unittest
+from pathlib import Path
+
+from fleet.boards import Fleet, address_of, staged_files
+from fleet.engine import EFICTL, VERSION, Controller
+from fleet.files import configuration_file, decode, payloads_of
+
+NAMES = ("left", "right")
+# The points of a run: Ansible takes most of its time for itself, parallel hardly any.
+ANSIBLE_POINTS, PARALLEL_POINTS = 2, 8
+END_SECONDS = 120
+TARGETS = (2, 3)
+
+
+def processes_of(controller):
+    """The processes that were started with a controller's environment, {number: program}."""
+    found = {}
+    for entry in Path("/proc").iterdir():
+        try:
+            environment = (entry / "environ").read_bytes() if entry.name.isdigit() else b""
+            if os.fsencode(controller.home) in environment:
+                found[int(entry.name)] = Path(os.readlink(entry / "exe"))
+        except OSError:
+            continue
+    return found
+
+
+class KilledTest(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.boards = cls.enterClassContext(Fleet(*NAMES)).boards
+
+    def setUp(self):
+        self.controller = self.enterContext(Controller())
+        self.controller.write_inventory(self.boards)
+        (self.controller.folder / "boards.txt").write_text("".join(
+            "%s %s\n" % (name, address_of(board)) for name, board in self.boards.items()),
+            encoding="utf-8")
+        self.controller.write_certificates()
+        self.runs = 0
+
+    def kill_at_every_point(self, start, kill, points, check):
+        """Measures a whole run, then kills runs at points that are spread over that time."""
+        begun = time.monotonic()
+        process = start()
+        output = process.communicate()[0]
+        self.assertEqual(process.returncode, 0, output)
+        whole = time.monotonic() - begun
+        for point in range(points):
+            process = start()
+            try:
+                time.sleep(whole * (point + 0.5) / points)
+            finally:
+                kill()
+                process.communicate()
+            with self.subTest(point=point):
+                check()
+
+    def signal_everything(self, number):
+        for pid in processes_of(self.controller):
+            try:
+                os.kill(pid, number)
+            except ProcessLookupError:
+                pass
+
+    def stop(self):
+        """Ends a run as systemd does: everything is asked to end, and killed some time later. That
+        is time enough for efictl; the engines have nothing to tidy up."""
+        self.signal_everything(signal.SIGTERM)
+        end = time.monotonic() + END_SECONDS
+        while EFICTL.resolve() in processes_of(self.controller).values():
+            self.assertLess(time.monotonic(), end, "efictl goes on")
+            time.sleep(0.02)
+        self.kill()
+
+    def kill(self):
+        """Ends a run as a power cut does."""
+        while processes_of(self.controller):
+            self.signal_everything(signal.SIGKILL)
+
+
+class KilledRestore(KilledTest):
+    def next_file(self):
+        self.runs += 1
+        file = self.controller.folder / "golden.dat"
+        payload = b"Boot mode=UEFI\nBoot timeout=%d\n" % self.runs
+        file.write_bytes(configuration_file(3, VERSION, payload))
+        return file
+
+    def check(self):
+        for name, board in self.boards.items():
+            self.assertEqual(staged_files(board), [], name)
+            held = payloads_of(board)
+            self.assertEqual(held[TARGETS[0]], held[TARGETS[1]], name)
+
+    def test_of_ansible_leaves_no_staged_file(self):
+        self.kill_at_every_point(
+            lambda: self.controller.start(
+                "restore", "--extra-vars", '{"efictl_file": "%s", "efictl_targets": %s, '
+                '"efictl_waves": ["100%%"]}' % (self.next_file(), list(TARGETS))),
+            self.stop, ANSIBLE_POINTS, self.check)
+
+    def test_of_parallel_leaves_no_staged_file(self):
+        self.kill_at_every_point(
+            lambda: self.controller.start_parallel(
+                "efictl restore %s --to %s --board {2} --cacert boards.pem"
+                % (self.next_file(), ",".join(map(str, TARGETS)))),
+            self.stop, PARALLEL_POINTS, self.check)
+
+
+class KilledBackup(KilledTest):
+    def check(self):
+        for path, data in self.controller.files().items():
+            if path.endswith(".dat"):
+                self.assertIsNotNone(decode(data), path)
+
+    def check_next_night(self):
+        """Nothing keeps the next run from its work, and it tidies up."""
+        run = self.controller.run("nightly")
+        self.assertEqual(run.status, 0, run.output)
+        files = self.controller.files()
+        self.assertEqual([path for path in files if not path.endswith(".dat")], [])
+
+    def test_of_ansible_leaves_no_broken_file(self):
+        self.kill_at_every_point(
+            lambda: self.controller.start("nightly", "--extra-vars", "efictl_if_changed=false"),
+            self.kill, ANSIBLE_POINTS, self.check)
+        self.check_next_night()
+
+    def test_of_parallel_leaves_no_broken_file(self):
+        self.controller.backups.mkdir()
+        self.kill_at_every_point(
+            lambda: self.controller.start_parallel(
+                "efictl backup --all --board {2} --cacert boards.pem --out backups/{1}"),
+            self.kill, PARALLEL_POINTS, self.check)
+        self.check_next_night()
+
+
+if __name__ == "__main__":
+    unittest.main()

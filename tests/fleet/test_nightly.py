@@ -1,0 +1,156 @@
+"""A night over five boards: one is dead, one slow, one has another password and one refuses."""
+
+import unittest
+
+from fleet.boards import BACKUP, Fleet, staged_files
+from fleet.engine import VERSION, Controller
+
+NAMES = ("well", "dead", "slow", "wrong", "refusing")
+DONE = ("well", "slow")
+FAILED = ("dead", "wrong", "refusing")
+PARTITIONS = 5
+STORAGE_FAILED = 1603
+SECRET = "not-the-Password-4711"
+MANY = 1000
+
+
+class Night(unittest.TestCase):
+    """What one night has come to."""
+
+    maxDiff = None
+
+    @classmethod
+    def setUpClass(cls):
+        cls.boards = cls.enterClassContext(Fleet(*NAMES)).boards
+        cls.controller = cls.enterClassContext(Controller())
+        cls.controller.write_inventory(cls.boards, wrong={"efictl_password": SECRET})
+        cls.boards["dead"].end()
+        cls.boards["slow"].control("slow", 1500, "--times", 3)
+        cls.boards["refusing"].control("refuse", BACKUP, STORAGE_FAILED, "--times", MANY)
+        cls.night = cls.controller.run("nightly", "-vvv", "--diff")
+
+    def test_the_run_ends_with_the_status_of_a_failure(self):
+        self.assertEqual(self.night.status, 2, self.night.output)
+        self.assertEqual(sorted(self.night.recap), sorted(NAMES))
+        failed = self.night.counted("failed")
+        self.assertEqual([name for name in NAMES if failed[name]], list(FAILED))
+
+    def test_only_boards_that_were_done_have_a_change(self):
+        changed = self.night.counted("changed")
+        self.assertEqual([name for name in NAMES if changed[name]], list(DONE), self.night.output)
+
+    def test_boards_that_can_be_done_are_done(self):
+        saved = self.controller.files()
+        for name in NAMES:
+            self.assertEqual(len([path for path in saved if path.startswith(name + "/")]),
+                             PARTITIONS if name in DONE else 0, name)
+
+    def test_the_report_names_each_failure(self):
+        failures = self.controller.failures()
+        self.assertEqual(sorted(failures), sorted(FAILED))
+        self.assertIn(str(self.boards["dead"].port), failures["dead"])
+        self.assertRegex(failures["wrong"], "(?i)password")
+        self.assertIn("could not store the backup", failures["refusing"])
+        page = (self.controller.reports / "fleet.html").read_text(encoding="utf-8")
+        for name in FAILED:
+            self.assertIn('<tr class="failed"><th scope="row">%s</th>' % name, page)
+
+    def test_the_report_has_the_partitions(self):
+        rows = [row for row in self.controller.report() if row["board"] in DONE]
+        self.assertEqual(len(rows), PARTITIONS * len(DONE))
+        for row in rows:
+            self.assertRegex(row["last_backup"], r"^20\d\d-\d\d-\d\dT\d\d:\d\d:\d\dZ$")
+            self.assertEqual(row["backup"], "stored")
+        self.assertEqual({row["bios_version"] for row in rows if row["partition"] == "3"},
+                         {VERSION})
+
+    def test_names_from_boards_are_texts_in_the_report(self):
+        page = (self.controller.reports / "fleet.html").read_text(encoding="utf-8")
+        self.assertIn("&lt;script&gt;alert(3)&lt;/script&gt; {{name}} &amp;amp; 100%", page)
+        self.assertNotIn("<script", page)
+
+    def test_no_password_is_printed_or_kept(self):
+        self.assertNotIn(SECRET, self.night.output)
+        self.assertEqual(self.controller.files_with(SECRET), [])
+        # Nor was it in a file for a while.
+        self.assertIn("Pipelining is enabled", self.night.output)
+        self.assertNotRegex(self.night.output, r"> PUT \S+ TO \S+/AnsiballZ_")
+
+    def test_nothing_stays_on_the_boards(self):
+        for name, board in self.boards.items():
+            self.assertEqual(staged_files(board), [], name)
+
+
+class Nights(unittest.TestCase):
+    """One night after the other, over boards that are well."""
+
+    maxDiff = None
+
+    @classmethod
+    def setUpClass(cls):
+        cls.boards = cls.enterClassContext(Fleet("left", "right")).boards
+
+    def setUp(self):
+        self.controller = self.enterContext(Controller())
+        self.controller.write_inventory(self.boards)
+
+    def assert_run(self, changed, *options):
+        """Runs a night in which so many tasks of each board have a change."""
+        run = self.controller.run("nightly", *options)
+        self.assertEqual(run.status, 0, run.output)
+        self.assertEqual(run.counted("changed"), dict.fromkeys(self.boards, changed), run.output)
+        return run
+
+    def reported(self, column):
+        return {row[column] for row in self.controller.report()}
+
+    def test_a_second_run_changes_nothing(self):
+        self.assert_run(1)
+        before = self.controller.files()
+        self.assert_run(0)
+        self.assertEqual(self.controller.files(), before)
+        self.assertEqual(self.reported("backup"), {"unchanged"})
+        self.assert_run(0, "--check")
+
+    def test_a_dry_run_keeps_nothing(self):
+        self.assert_run(1, "--check")
+        self.assertFalse(self.controller.backups.exists())
+        self.assertFalse(self.controller.reports.exists())
+
+    def test_a_changed_setting_is_shown_and_reported(self):
+        self.assert_run(1)
+        for name in self.boards:
+            self.controller.change_setting(name, b"Boot timeout=10", b"Boot timeout=11")
+        self.addCleanup(lambda: [self.controller.change_setting(
+            name, b"Boot timeout=11", b"Boot timeout=10") for name in self.boards])
+        before = self.controller.files()
+        for options in (["--check", "--diff"], ["--diff"]):
+            output = self.assert_run(1, *options).output
+            self.assertRegex(output, r"(?m)^-Boot timeout: 10$")
+            self.assertRegex(output, r"(?m)^\+Boot timeout: 11$")
+            if "--check" in options:
+                self.assertEqual(self.controller.files(), before)
+        self.assertEqual(self.reported("changed"), {"", "Boot timeout"})
+
+    def test_a_golden_file_shows_the_drift(self):
+        self.assert_run(1)
+        file = self.controller.newest("left", 3)
+        golden = self.controller.folder / "golden.dat"
+        golden.write_bytes(self.controller.with_setting(file, b"Secure boot=Enabled",
+                                                        b"Secure boot=Disabled"))
+        self.assert_run(0, "--extra-vars", "efictl_golden=%s" % golden)
+        self.assertEqual({row["drift"] for row in self.controller.report()
+                          if row["partition"] == "3"}, {"Secure boot"})
+
+    def test_a_damaged_backup_is_a_failure(self):
+        self.assert_run(1)
+        older = self.controller.backups / "left/partition003-20200101T000000Z.dat"
+        older.write_bytes(self.controller.newest("left", 3).read_bytes()[:-1])
+        run = self.controller.run("nightly")
+        self.assertEqual(run.status, 2, run.output)
+        self.assertEqual(list(self.controller.failures()), ["left"])
+        self.assertIn(older.name, self.controller.failures()["left"])
+
+
+if __name__ == "__main__":
+    unittest.main()
