@@ -31,11 +31,9 @@ def processes_of(controller):
 
 
 class KilledTest(unittest.TestCase):
-    @classmethod
-    def setUpClass(cls):
-        cls.boards = cls.enterClassContext(Fleet(*NAMES)).boards
-
     def setUp(self):
+        # Boards of each test's own: after some logins in a minute the next ones have to wait.
+        self.boards = self.enterContext(Fleet(*NAMES)).boards
         self.controller = self.enterContext(Controller())
         self.controller.write_inventory(self.boards)
         (self.controller.folder / "boards.txt").write_text("".join(
