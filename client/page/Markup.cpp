@@ -6,7 +6,7 @@ namespace Efictl {
 
 namespace {
 
-const std::size_t LARGEST_TREE = 1344 * 1024;
+const std::size_t LARGEST_TREE = 1792 * 1024;
 
 void* allocate(void* heap, std::size_t size) {
     return static_cast<BoundedHeap*>(heap)->allocate(size);

@@ -7,6 +7,7 @@
 #include "tests/fuzz/support/require.h"
 #include "tests/support/printedBy.h"
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -54,6 +55,18 @@ bool holdsControl(const std::string& text) {
     return false;
 }
 
+// `size` is how many bytes it was written with: a browser does not take more than it needs.
+bool isHidden(std::uint32_t character, std::size_t size) {
+    const std::uint32_t least[] = {0, 0, 0x80, 0x800, 0x10000};
+    static const std::pair<std::uint32_t, std::uint32_t> HIDDEN[] = {
+        {0x80, 0x9F},     {0xAD, 0xAD},     {0x61C, 0x61C},   {0x180E, 0x180E}, {0x200B, 0x200F},
+        {0x2028, 0x202E}, {0x2060, 0x206F}, {0xFEFF, 0xFEFF}, {0xFFF9, 0xFFFB}, {0xE0000, 0xE007F}};
+    return character >= least[size] &&
+           std::any_of(std::begin(HIDDEN), std::end(HIDDEN), [character](const auto& range) {
+               return character >= range.first && character <= range.second;
+           });
+}
+
 // The text as it must be seen: something in place of each character that is hidden.
 std::string makeVisible(const std::string& text) {
     std::string visible;
@@ -64,24 +77,17 @@ std::string makeVisible(const std::string& text) {
             visible += static_cast<char>(byte == 0x7F ? 0xA1 : 0x80 + byte);
             continue;
         }
-        std::uint32_t character = 0;
-        std::size_t size = 1;
-        const auto at = [&text, i](std::size_t place) {
-            return i + place < text.size() ? static_cast<unsigned char>(text[i + place]) : 0U;
-        };
-        if ((byte == 0xC2 || byte == 0xD8) && (at(1) & 0xC0U) == 0x80) {
-            character = (byte & 0x1FU) << 6 | (at(1) & 0x3FU);
-            size = 2;
-        } else if (byte == 0xE2 && (at(1) & 0xC0U) == 0x80 && (at(2) & 0xC0U) == 0x80) {
-            character = 0x2000U | (at(1) & 0x3FU) << 6 | (at(2) & 0x3FU);
-            size = 3;
+        const std::size_t size = byte < 0xC0 ? 1 : byte < 0xE0 ? 2 : byte < 0xF0 ? 3 : 4;
+        std::uint32_t character = byte & (0xFFU >> (size + 1));
+        bool whole = size > 1 && i + size <= text.size();
+        for (std::size_t place = 1; whole && place < size; ++place) {
+            const auto next = static_cast<unsigned char>(text[i + place]);
+            whole = (next & 0xC0U) == 0x80;
+            character = character << 6 | (next & 0x3FU);
         }
-        const bool hidden = (character >= 0x80 && character < 0xA0) || character == 0x61C ||
-                            character == 0x200E || character == 0x200F ||
-                            (character >= 0x2028 && character <= 0x202E) ||
-                            (character >= 0x2066 && character <= 0x2069);
-        visible += hidden ? "\xEF\xBF\xBD" : text.substr(i, size);
-        i += size - 1;
+        const bool hidden = whole && isHidden(character, size);
+        visible += hidden ? "\xEF\xBF\xBD" : text.substr(i, 1);
+        i += hidden ? size - 1 : 0;
     }
     return visible;
 }
