@@ -12,7 +12,7 @@ from pathlib import Path
 TESTS = Path(__file__).resolve().parents[2]
 sys.path.append(str(TESTS / "documents"))
 
-from support.board import BUILD, Board  # noqa: E402 pylint: disable=wrong-import-position
+from support.board import BUILD, PROJECT, Board  # noqa: E402 pylint: disable=wrong-import-position
 
 EFICTL = BUILD / "client/efictl"
 DONE, DIFFERENT, USAGE, UNREACHABLE, REFUSED, UNKNOWN, FAILED = range(7)
