@@ -108,12 +108,13 @@ std::optional<std::string> askForPassword(const CredentialOptions& options) {
     const std::string question = "Password of " + options.user + " on " + options.host + ": ";
     std::string password;
     char character = 0;
-    bool asked = write(terminal.get(), question.data(), question.size()) > 0;
+    const bool asked = write(terminal.get(), question.data(), question.size()) > 0;
     while (asked && read(terminal.get(), &character, 1) == 1 && character != '\n') {
         password += character;
     }
-    asked = write(terminal.get(), "\n", 1) == 1;
-    return password;
+    // The answer's own line feed was not shown.
+    const bool ended = write(terminal.get(), "\n", 1) == 1;
+    return asked && ended ? std::optional(password) : std::nullopt;
 }
 
 }  // namespace

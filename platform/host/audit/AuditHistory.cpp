@@ -44,11 +44,11 @@ bool readTime(const std::string& text, std::time_t& time) {
     int minute = 0;
     int second = 0;
     int end = 0;
-    const std::size_t SIZE = sizeof "2026-01-31T23:59:59.123Z" - 1;
-    if (text.size() != SIZE ||
+    const std::size_t length = sizeof "2026-01-31T23:59:59.123Z" - 1;
+    if (text.size() != length ||
         std::sscanf(text.c_str(), "%4d-%2u-%2uT%2d:%2d:%2d.%*3uZ%n", &year, &month, &day, &hour,
                     &minute, &second, &end) != 6 ||
-        end != static_cast<int>(SIZE)) {
+        end != static_cast<int>(length)) {
         return false;
     }
     const year_month_day date{std::chrono::year(year), std::chrono::month(month),
@@ -176,7 +176,7 @@ private:
 
     bool takeText(string_t& value) {
         AuditEvent& event = record.event;
-        const std::pair<const char*, std::string*> TEXTS[] = {
+        const std::pair<const char*, std::string*> texts[] = {
             {"event", &event.event},     {"user", &event.user},     {"address", &event.address},
             {"request", &event.request}, {"reason", &event.reason}, {"order", &event.order},
             {"result", &event.result}};
@@ -184,7 +184,7 @@ private:
             timed = readTime(value, record.time);
             return timed;
         }
-        for (const auto& [name, text] : TEXTS) {
+        for (const auto& [name, text] : texts) {
             if (key1 == name) {
                 *text = std::move(value);
                 return text->size() <= LONGEST_TEXT;
