@@ -5,9 +5,10 @@
 
 namespace VeskLib::Host {
 
-// Control characters, line ends among them, and those that show nothing or turn the direction of the
-// text around them are printed as visible ones: the pictures of the ASCII controls, and U+FFFD. So
-// no text looks like another, or like two lines. A tab stays: it is white space, and pages use it.
+// Control characters, line ends among them, and those that show nothing or turn the direction of
+// the text around them are printed as visible ones: the pictures of the ASCII controls, and U+FFFD.
+// So no text looks like another, or like two lines. A tab stays: it is white space, and pages use
+// it.
 
 // `text` with these characters made visible, and nothing else changed.
 std::string makeVisible(std::string_view text);
