@@ -1,5 +1,6 @@
 #include "client/http/Transport.h"
 
+#include "board/web/utf8.h"
 #include "client/Failure.h"
 #include "client/http/Answer.h"
 #include "client/http/failures.h"
@@ -14,6 +15,7 @@ namespace Efictl {
 namespace {
 
 using Milliseconds = Schedule::Milliseconds;
+using VeskLib::Board::percentEncode;
 
 // The time of each phase, at most.
 const Milliseconds LONGEST_CONNECT{10000};
@@ -92,36 +94,16 @@ std::unique_ptr<curl_mime, FormEnd> makeForm(CURL* handle, const Request& reques
     return form;
 }
 
-bool isUnreserved(char character) {
-    return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z') ||
-           (character >= '0' && character <= '9') ||
-           (character != '\0' && std::strchr("-._~", character) != nullptr);
-}
-
-void addEncoded(const std::string& text, std::string& form) {
-    const char* const digits = "0123456789ABCDEF";
-    for (const char character : text) {
-        const auto byte = static_cast<unsigned char>(character);
-        if (isUnreserved(character)) {
-            form += character;
-        } else {
-            form += {'%', digits[byte >> 4], digits[byte & 0x0F]};
-        }
-    }
-}
-
-}  // namespace
-
+// Returns `fields` as a form of the type application/x-www-form-urlencoded.
 std::string encodeForm(const Fields& fields) {
     std::string form;
     for (const auto& [name, value] : fields) {
-        form += form.empty() ? "" : "&";
-        addEncoded(name, form);
-        form += '=';
-        addEncoded(value, form);
+        form += (form.empty() ? "" : "&") + percentEncode(name) + '=' + percentEncode(value);
     }
     return form;
 }
+
+}  // namespace
 
 Transport::Transport(ConnectionOptions given, Schedule& schedule)
     : options(std::move(given)), schedule(schedule) {

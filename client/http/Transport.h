@@ -80,7 +80,4 @@ private:
     char reason[CURL_ERROR_SIZE] = "";
 };
 
-// Returns `fields` as a form of the type application/x-www-form-urlencoded.
-std::string encodeForm(const Fields& fields);
-
 }  // namespace Efictl
