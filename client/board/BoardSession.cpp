@@ -129,7 +129,7 @@ BoardPage BoardSession::menu() {
     const Request request = makeGet("/");
     BoardPage page = repeat(schedule, [&] { return ask(request); });
     if (!page.isMenu) {
-        throwUnknownPage(request, {200, "text/html", "", {}}, page.title);
+        throwUnknownPage(request, {200, "text/html", {}}, page.title);
     }
     if (page.partitions.empty()) {
         // The menu shows none to a user without rights; the screen says why.
@@ -151,7 +151,7 @@ Bytes BoardSession::backUp(unsigned int partition) {
         const BoardPage page = ask(request);
         // Only the board's own downloads are followed, wherever a page leads.
         if (!page.downloadPath.starts_with(DOWNLOAD)) {
-            throwUnknownPage(request, {200, "text/html", "", {}}, page.title);
+            throwUnknownPage(request, {200, "text/html", {}}, page.title);
         }
         Request download = makeGet(page.downloadPath);
         download.limit = VeskLib::Host::LARGEST_CONFIGURATION_FILE;
@@ -172,7 +172,7 @@ Selection BoardSession::upload(const Bytes& file) {
     staged = true;
     const BoardPage page = ask(request);
     if (!page.selection) {
-        throwUnknownPage(request, {200, "text/html", "", {}}, page.title);
+        throwUnknownPage(request, {200, "text/html", {}}, page.title);
     }
     return *page.selection;
 }
@@ -189,7 +189,7 @@ void BoardSession::restore(const std::string& stagedFile,
         const BoardPage page = ask(request);
         const Notice* const notice = page.notice();
         if (notice == nullptr || notice->outcome != "done" || notice->message != RESTORED) {
-            throwUnknownPage(request, {200, "text/html", "", {}}, page.title);
+            throwUnknownPage(request, {200, "text/html", {}}, page.title);
         }
         staged = false;
     } catch (const Failure& failure) {

@@ -1,34 +1,18 @@
 #include "client/http/Answer.h"
 
+#include "platform/host/web/headerValue.h"
+
 #include <algorithm>
-#include <cctype>
 
 namespace Efictl {
 
 namespace {
 
+using VeskLib::Host::equalsIgnoringCase;
+using VeskLib::Host::trim;
+
 // Of all header lines together, with those of interim answers and trailers.
 const std::size_t LARGEST_HEADER = 64 * 1024;
-
-bool isSpace(char character) {
-    return character == ' ' || character == '\t' || character == '\r' || character == '\n';
-}
-
-std::string_view trim(std::string_view text) {
-    while (!text.empty() && isSpace(text.front())) {
-        text.remove_prefix(1);
-    }
-    while (!text.empty() && isSpace(text.back())) {
-        text.remove_suffix(1);
-    }
-    return text;
-}
-
-bool isNamed(std::string_view name, std::string_view wanted) {
-    return std::equal(name.begin(), name.end(), wanted.begin(), wanted.end(), [](char a, char b) {
-        return std::tolower(static_cast<unsigned char>(a)) == b;
-    });
-}
 
 }  // namespace
 
@@ -41,18 +25,13 @@ bool Answer::takeHeader(std::string_view line) {
     if (line.starts_with("HTTP/")) {
         // Another answer begins: the one before was an interim one.
         response.contentType.clear();
-        response.location.clear();
         return true;
     }
+    line = line.substr(0, line.find_last_not_of("\r\n") + 1);
     const std::size_t colon = line.find(':');
-    if (colon != std::string_view::npos) {
-        const std::string_view name = line.substr(0, colon);
-        const std::string_view value = trim(line.substr(colon + 1));
-        if (isNamed(name, "content-type")) {
-            response.contentType = value;
-        } else if (isNamed(name, "location")) {
-            response.location = value;
-        }
+    if (colon != std::string_view::npos &&
+        equalsIgnoringCase(line.substr(0, colon), "content-type")) {
+        response.contentType = trim(line.substr(colon + 1));
     }
     return true;
 }

@@ -38,7 +38,6 @@ struct Request {
 struct Response {
     long status = 0;
     std::string contentType;
-    std::string location;
     Bytes body;
 };
 
