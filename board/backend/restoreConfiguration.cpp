@@ -6,6 +6,7 @@
 #include "platform/host/base/platformException.h"
 #include "platform/host/base/sha256.h"
 #include "platform/host/storage/ConfigurationFile.h"
+#include "platform/host/storage/biosVersion.h"
 #include "platform/host/storage/files.h"
 #include "platform/host/storage/obtainLock.h"
 
@@ -63,19 +64,6 @@ Host::ConfigurationFile readStagedFile(const RestoreRequest& request, Host::Audi
     return file;
 }
 
-bool isUnknownVersion(std::string_view version) {
-    return version.starts_with('-');
-}
-
-std::string_view majorNumber(std::string_view version) {
-    return version.substr(0, version.find('.'));
-}
-
-bool fitTogether(std::string_view fileVersion, std::string_view targetVersion) {
-    return isUnknownVersion(fileVersion) || isUnknownVersion(targetVersion) ||
-           majorNumber(fileVersion) == majorNumber(targetVersion);
-}
-
 // Why `target` cannot take the configuration in `file`; nothing when it can.
 std::optional<Refusal> judgeTarget(const BoardDescription& description,
                                    const Host::ConfigurationFile& file,
@@ -92,7 +80,7 @@ std::optional<Refusal> judgeTarget(const BoardDescription& description,
     Host::ConfigurationFile result = file;
     result.version = description.biosVersionOf(partition);
     result.partitionName = partition.name;
-    if (!fitTogether(file.version, result.version)) {
+    if (!Host::fitTogether(file.version, result.version)) {
         details = {.fileVersion = file.version, .partitions = {{target, result.version}}};
         return Refusal{
             Host::BACKEND_VERSION_DIFFERS,

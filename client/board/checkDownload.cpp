@@ -3,10 +3,12 @@
 #include "board/inspector/whyNotUsable.h"
 #include "client/Failure.h"
 #include "platform/host/html/escape.h"
+#include "platform/host/storage/biosVersion.h"
 
 namespace Efictl {
 
 using VeskLib::Host::ConfigurationFile;
+using VeskLib::Host::isKnownVersion;
 using VeskLib::Host::makeVisible;
 
 ConfigurationFile checkDownload(const Bytes& bytes, const PartitionRow& partition) {
@@ -19,7 +21,7 @@ ConfigurationFile checkDownload(const Bytes& bytes, const PartitionRow& partitio
         throw Failure(ExitCode::UNREACHABLE, "The board sent the configuration of partition " +
                                                  std::to_string(file.partition) + " instead.");
     }
-    if (partition.knowsVersion() && makeVisible(file.version) != partition.version) {
+    if (isKnownVersion(partition.version) && makeVisible(file.version) != partition.version) {
         throw Failure(ExitCode::UNREACHABLE, "The board sent a file of BIOS version " +
                                                  file.version + ", but shows " + partition.version +
                                                  ".");

@@ -1,11 +1,13 @@
 #include "client/command/OpenBoard.h"
 #include "client/command/commands.h"
+#include "platform/host/storage/biosVersion.h"
 
 namespace Efictl {
 
 namespace {
 
 using nlohmann::ordered_json;
+using VeskLib::Host::isKnownVersion;
 
 ordered_json timeToJSON(const std::string& time) {
     return time.empty() ? ordered_json() : ordered_json(time);
@@ -15,15 +17,15 @@ ordered_json toJSON(const PartitionRow& row) {
     return {{"number", row.number},
             {"name", row.name},
             {"bios_version", versionToJSON(row.version)},
-            {"home_board_known", row.knowsVersion()},
+            {"home_board_known", isKnownVersion(row.version)},
             {"last_backup", timeToJSON(row.lastBackup)},
             {"last_restore", timeToJSON(row.lastRestore)}};
 }
 
 std::string describe(const PartitionRow& row) {
     return describePartition(row.number, row.name) + ": BIOS " +
-           (row.knowsVersion() ? row.version : "unknown (no home board)") + ", last backup " +
-           (row.lastBackup.empty() ? "not in the board's log" : row.lastBackup);
+           (isKnownVersion(row.version) ? row.version : "unknown (no home board)") +
+           ", last backup " + (row.lastBackup.empty() ? "not in the board's log" : row.lastBackup);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include "client/command/commands.h"
 #include "client/command/localFile.h"
 #include "platform/host/html/escape.h"
+#include "platform/host/storage/biosVersion.h"
 
 #include <algorithm>
 
@@ -11,15 +12,9 @@ namespace Efictl {
 namespace {
 
 using nlohmann::ordered_json;
+using VeskLib::Host::fitTogether;
+using VeskLib::Host::isKnownVersion;
 using VeskLib::Host::makeVisible;
-
-bool isKnown(const std::string& version) {
-    return !version.empty() && version.front() != '-';
-}
-
-std::string majorNumber(const std::string& version) {
-    return version.substr(0, version.find('.'));
-}
 
 // What the board has read in the uploaded file has to be what is in the file here. Throws Failure
 // (REFUSED) if it is not.
@@ -41,7 +36,7 @@ void compareFile(const Selection& selection, const LocalFile& local) {
 void judgeTarget(const PartitionRow& target, const LocalFile& local, const Options& options) {
     const std::string name = "Partition " + std::to_string(target.number);
     const std::string version = makeVisible(local.file.version);
-    const bool areKnown = target.knowsVersion() && isKnown(version);
+    const bool areKnown = isKnownVersion(target.version) && isKnownVersion(version);
     const auto demand = [&name](bool holds, const std::string& why) {
         if (!holds) {
             throw Failure(ExitCode::REFUSED, name + why + " Nothing was restored.");
@@ -53,7 +48,7 @@ void judgeTarget(const PartitionRow& target, const LocalFile& local, const Optio
     demand(!options.requireSameVersion || (areKnown && target.version == version),
            " has the BIOS version " + target.version + ", the file " + version +
                ", and the same is required.");
-    demand(!areKnown || majorNumber(target.version) == majorNumber(version),
+    demand(fitTogether(version, target.version),
            " has the BIOS version " + target.version + " and does not take a file of " + version +
                ": the numbers before the first dot must be the same.");
 }
@@ -70,7 +65,7 @@ ordered_json makePlan(const LocalFile& local) {
 ordered_json toJSON(const PartitionRow& target, const LocalFile& local) {
     const std::string version = makeVisible(local.file.version);
     ordered_json same;
-    if (target.knowsVersion() && isKnown(version)) {
+    if (isKnownVersion(target.version) && isKnownVersion(version)) {
         same = target.version == version;
     }
     return {{"number", target.number},
@@ -106,7 +101,7 @@ void describePlan(const LocalFile& local, const std::vector<PartitionRow>& targe
                            local.file.version);
     for (const PartitionRow& target : targets) {
         result.lines.push_back("To " + describePartition(target.number, target.name) + ", BIOS " +
-                               (target.knowsVersion() ? target.version : "unknown"));
+                               (isKnownVersion(target.version) ? target.version : "unknown"));
     }
 }
 

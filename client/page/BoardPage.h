@@ -20,12 +20,9 @@ struct Notice {
 struct PartitionRow {
     unsigned int number = 0;
     std::string name;
-    std::string version;     // begins with "-" if there is none
+    std::string version;     // begins with "-" if the partition has no home board
     std::string lastBackup;  // ISO 8601, UTC; empty if unknown or never
     std::string lastRestore;
-
-    // Whether the board knows the version, for which it needs the partition's home board.
-    bool knowsVersion() const { return !version.empty() && version.front() != '-'; }
 };
 
 // The page after an upload: what the board has read in the file, and where it can go.

@@ -1,5 +1,7 @@
 #include "client/report/Result.h"
 
+#include "platform/host/storage/biosVersion.h"
+
 #include <algorithm>
 
 namespace Efictl {
@@ -34,8 +36,8 @@ nlohmann::ordered_json toJSON(const Result::Reason& reason) {
 }
 
 nlohmann::ordered_json versionToJSON(const std::string& version) {
-    return version.empty() || version.front() == '-' ? nlohmann::ordered_json()
-                                                     : nlohmann::ordered_json(version);
+    return VeskLib::Host::isKnownVersion(version) ? nlohmann::ordered_json(version)
+                                                  : nlohmann::ordered_json();
 }
 
 std::string describePartition(unsigned int number, const std::string& name) {

@@ -72,7 +72,7 @@ TEST(BoardPageTest, readsTheSelection) {
     EXPECT_EQ(page.selection->partitionName, " a <b> ");
     EXPECT_EQ(page.selection->stagedFile, "abc");
     ASSERT_EQ(page.selection->targets.size(), 1U);
-    EXPECT_FALSE(page.selection->targets[0].knowsVersion());
+    EXPECT_EQ(page.selection->targets[0].version, "-");
 }
 
 TEST(BoardPageTest, refusesTooManyElements) {

@@ -72,6 +72,15 @@ class RestoreTest(BoardTest):
         self.assert_ended(run, REFUSED, "10.20.30", "1.23 B")
         self.assert_nothing_done(before)
 
+    def test_a_file_without_a_version_fits_no_partition_that_has_one(self):
+        before = self.state()
+        self.write("new.dat", configuration_file(version=""))
+        for more in (), ("--dry-run",):
+            self.assert_ended(self.restore("--to", 3, *more), REFUSED, "1.23 B")
+        # The version of partition 2 is not known.
+        self.assert_ended(self.restore("--to", 2, "--dry-run"), DONE)
+        self.assert_nothing_done(before)
+
     def test_a_partition_that_is_not_installed(self):
         before = self.state()
         self.assert_ended(self.restore("--to", "3,4"), REFUSED, "installed: 4")
