@@ -26,16 +26,15 @@ struct PartitionBackup {
 };
 
 ordered_json toJSON(const PartitionBackup& backup) {
-    ordered_json json = {{"number", backup.partition.number},
-                         {"name", backup.partition.name},
-                         {"bios_version", versionToJSON(backup.partition.version)},
-                         {"status", backup.status},
-                         {"file", nullptr},
-                         {"size", nullptr},
-                         {"sha256", nullptr},
-                         {"saved_on", nullptr},
-                         {"removed", backup.removed},
-                         {"reason", nullptr}};
+    const PartitionRow& partition = backup.partition;
+    ordered_json json = partitionToJSON(partition.number, partition.name, partition.version);
+    json.update({{"status", backup.status},
+                 {"file", nullptr},
+                 {"size", nullptr},
+                 {"sha256", nullptr},
+                 {"saved_on", nullptr},
+                 {"removed", backup.removed},
+                 {"reason", nullptr}});
     if (!backup.file.empty()) {
         json["file"] = backup.file;
         json["size"] = backup.size;
@@ -118,7 +117,7 @@ void backUpPartitions(const Options& options, Result& result) {
         } catch (const Failure& failure) {
             // A backup that was stored is one, whatever became of the older ones.
             if (backup.file.empty()) {
-                backup.status = failure.exitCode() == ExitCode::REFUSED ? "refused" : "failed";
+                backup.status = statusOf(failure);
             }
             backup.reason = Result::Reason{failure.what(), failure.number()};
             result.fail(failure);

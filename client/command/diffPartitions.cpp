@@ -144,11 +144,8 @@ void compareBoard(const Options& given, Result& result) {
     OpenBoard board(options);
     bool goesOn = true;
     for (const PartitionRow& partition : choosePartitions(board.session().menu(), options)) {
-        ordered_json json = {{"number", partition.number},
-                             {"name", partition.name},
-                             {"bios_version", versionToJSON(partition.version)},
-                             {"status", "skipped"},
-                             {"file", nullptr}};
+        ordered_json json = partitionToJSON(partition.number, partition.name, partition.version);
+        json.update({{"status", "skipped"}, {"file", nullptr}});
         try {
             if (goesOn) {
                 json["status"] =
@@ -157,8 +154,7 @@ void compareBoard(const Options& given, Result& result) {
                         : "same";
             }
         } catch (const Failure& failure) {
-            const bool isRefused = failure.exitCode() == ExitCode::REFUSED;
-            json["status"] = isRefused ? "refused" : "failed";
+            json["status"] = statusOf(failure);
             result.lines.push_back(describePartition(partition.number, partition.name) + ": " +
                                    failure.what());
             result.fail(failure);

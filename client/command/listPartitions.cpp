@@ -14,12 +14,11 @@ ordered_json timeToJSON(const std::string& time) {
 }
 
 ordered_json toJSON(const PartitionRow& row) {
-    return {{"number", row.number},
-            {"name", row.name},
-            {"bios_version", versionToJSON(row.version)},
-            {"home_board_known", isKnownVersion(row.version)},
-            {"last_backup", timeToJSON(row.lastBackup)},
-            {"last_restore", timeToJSON(row.lastRestore)}};
+    ordered_json json = partitionToJSON(row.number, row.name, row.version);
+    json["home_board_known"] = isKnownVersion(row.version);
+    json["last_backup"] = timeToJSON(row.lastBackup);
+    json["last_restore"] = timeToJSON(row.lastRestore);
+    return json;
 }
 
 std::string describe(const PartitionRow& row) {

@@ -34,7 +34,7 @@ void compareFile(const Selection& selection, const LocalFile& local) {
 // What the command line and the board demand of each target. Throws Failure (REFUSED) if it does
 // not hold.
 void judgeTarget(const PartitionRow& target, const LocalFile& local, const Options& options) {
-    const std::string name = "Partition " + std::to_string(target.number);
+    const std::string name = describePartition(target.number);
     const std::string version = makeVisible(local.file.version);
     const bool areKnown = isKnownVersion(target.version) && isKnownVersion(version);
     const auto demand = [&name](bool holds, const std::string& why) {
@@ -68,28 +68,16 @@ ordered_json toJSON(const PartitionRow& target, const LocalFile& local) {
     if (isKnownVersion(target.version) && isKnownVersion(version)) {
         same = target.version == version;
     }
-    return {{"number", target.number},
-            {"name", target.name},
-            {"bios_version", versionToJSON(target.version)},
-            {"same_partition", target.number == local.file.partition},
-            {"same_version", same},
-            {"status", "planned"}};
+    ordered_json json = partitionToJSON(target.number, target.name, target.version);
+    json.update({{"same_partition", target.number == local.file.partition},
+                 {"same_version", same},
+                 {"status", "planned"}});
+    return json;
 }
 
 void setStatus(Result& result, const char* status) {
     for (ordered_json& partition : result.partitions) {
         partition["status"] = status;
-    }
-}
-
-const char* statusOf(const Failure& failure) {
-    switch (failure.exitCode()) {
-        case ExitCode::REFUSED:
-            return "refused";
-        case ExitCode::UNKNOWN:
-            return "unknown";
-        default:
-            return "failed";
     }
 }
 

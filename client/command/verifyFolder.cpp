@@ -108,7 +108,7 @@ void addGap(unsigned int partition, std::time_t from, std::time_t to, bool isOpe
          {"from", formatTime(from)},
          {"to", isOpen ? ordered_json() : ordered_json(formatTime(to))},
          {"hours", hours}});
-    result.lines.push_back("Partition " + std::to_string(partition) + ": no backup for " +
+    result.lines.push_back(describePartition(partition) + ": no backup for " +
                            std::to_string(hours) + " hours after " + formatTime(from));
     result.fail(Failure(ExitCode::DIFFERENT, "There are gaps between the backups."));
 }
@@ -135,8 +135,8 @@ void addPartition(unsigned int partition, const History& history, Result& result
                          {"newest", nullptr},
                          {"usable", history.usable.size()},
                          {"unusable", history.unusable}};
-    std::string text = "Partition " + std::to_string(partition) + ": " +
-                       std::to_string(history.usable.size()) + " usable";
+    std::string text =
+        describePartition(partition) + ": " + std::to_string(history.usable.size()) + " usable";
     text += history.unusable == 0 ? "" : ", " + std::to_string(history.unusable) + " not usable";
     if (!history.usable.empty()) {
         const CheckedFile& newest = *history.usable.back();

@@ -40,6 +40,22 @@ nlohmann::ordered_json versionToJSON(const std::string& version) {
                                                   : nlohmann::ordered_json();
 }
 
+nlohmann::ordered_json partitionToJSON(unsigned int number, const std::string& name,
+                                       const std::string& version) {
+    return {{"number", number}, {"name", name}, {"bios_version", versionToJSON(version)}};
+}
+
+const char* statusOf(const Failure& failure) {
+    switch (failure.exitCode()) {
+        case ExitCode::REFUSED:
+            return "refused";
+        case ExitCode::UNKNOWN:
+            return "unknown";
+        default:
+            return "failed";
+    }
+}
+
 std::string describePartition(unsigned int number, const std::string& name) {
     return "Partition " + std::to_string(number) + (name.empty() ? "" : " (" + name + ")");
 }

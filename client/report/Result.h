@@ -37,7 +37,14 @@ nlohmann::ordered_json toJSON(const Result::Reason& reason);
 // Returns the text for a partition's BIOS version: null if it is not known.
 nlohmann::ordered_json versionToJSON(const std::string& version);
 
-// Returns "Partition 3 (name)".
-std::string describePartition(unsigned int number, const std::string& name);
+// Returns the members that a partition has in every command.
+nlohmann::ordered_json partitionToJSON(unsigned int number, const std::string& name,
+                                       const std::string& version);
+
+// Returns the status of a partition at which a command failed: "refused", "unknown" or "failed".
+const char* statusOf(const Failure& failure);
+
+// Returns "Partition 3 (name)", without a name "Partition 3".
+std::string describePartition(unsigned int number, const std::string& name = "");
 
 }  // namespace Efictl
