@@ -94,7 +94,7 @@ void readMenu(const Element& root, BoardPage& page) {
     }
 }
 
-// The texts beside the file's number, in their order.
+// Reads partition, name, date and version of the file; the date is not needed.
 void readFileFacts(const Element& facts, Selection& selection) {
     const std::vector<Element> values = facts.all(hasTag(GUMBO_TAG_DD));
     const std::size_t count = 4;
@@ -102,7 +102,6 @@ void readFileFacts(const Element& facts, Selection& selection) {
         return;
     }
     selection.partitionName = values[1].text();
-    selection.date = values[2].text().substr(0, values[2].text().find(' '));
     selection.version = values[3].text();
 }
 
@@ -132,10 +131,6 @@ void readHeader(const Element& root, BoardPage& page) {
     page.title = title ? foldedText(title) : "";
     const Element name = root.first(hasAttribute("class", "board-name"));
     page.boardName = name ? name.text() : "";
-    const Element account = root.first(hasAttribute("action", "/logout.cgi"));
-    const Element user = account ? account.first(hasTag(GUMBO_TAG_STRONG)) : account;
-    page.user = user ? user.text() : "";
-    page.asksForLogin = bool(root.first(hasAttribute("action", "/login.cgi")));
 }
 
 }  // namespace

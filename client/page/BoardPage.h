@@ -30,7 +30,6 @@ struct Selection {
     std::string stagedFile;  // the SHA-256 of the file's bytes
     unsigned int partition = 0;
     std::string partitionName;
-    std::string date;  // YYYY-MM-DD in the time of the board
     std::string version;
     std::vector<PartitionRow> targets;
 };
@@ -39,8 +38,6 @@ struct Selection {
 struct BoardPage {
     std::string title;
     std::string boardName;
-    std::string user;  // who is logged in; empty for nobody
-    bool asksForLogin = false;
     bool isMenu = false;
     std::vector<Notice> notices;
     std::vector<PartitionRow> partitions;  // of the menu

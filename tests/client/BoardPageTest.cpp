@@ -28,7 +28,6 @@ std::string menuOf(int partitions) {
 TEST(BoardPageTest, readsTheMenu) {
     const BoardPage page = readBoardPage(menuOf(2));
     EXPECT_TRUE(page.isMenu);
-    EXPECT_EQ(page.user, "admin");
     EXPECT_THAT(page.partitions,
                 ElementsAre(Field(&PartitionRow::number, 0U), Field(&PartitionRow::number, 1U)));
     EXPECT_EQ(page.partitions[1].name, "Partition of the board");
