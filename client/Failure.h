@@ -6,14 +6,14 @@
 
 namespace Efictl {
 
-// How efictl ends. Scripts depend on the numbers; docs/automation.md describes them.
+// The exit status of efictl. Scripts depend on the numbers; docs/automation.md describes them.
 enum class ExitCode {
     DONE = 0,
-    DIFFERENT = 1,    // or nothing to do, where that was asked
-    USAGE = 2,        // the command line, or what it names, makes no sense
-    UNREACHABLE = 3,  // no board answers there, or none that can be trusted
-    REFUSED = 4,      // the board refused, or what the caller demanded does not hold
-    UNKNOWN = 5,      // a change was sent, and its outcome cannot be known
+    DIFFERENT = 1,    // something differs, or with --exit-code: there was nothing to do
+    USAGE = 2,        // the command line is wrong, or lacks a board, a user or a password
+    UNREACHABLE = 3,  // no board answers, or its answer cannot be trusted or understood
+    REFUSED = 4,      // the board refused, or a condition of the command line is not met
+    UNKNOWN = 5,      // a restore was sent, but its outcome is not known
     FAILED = 6,       // something failed on this machine: a folder, a disk, a file
 };
 
@@ -23,8 +23,8 @@ struct MessageNumber {
     int code = 0;
 };
 
-// What keeps a command from going on: how efictl ends, a sentence for people and the board's
-// message if it has sent one.
+// Ends a command: the exit status, a sentence for people, and the message of the board if it sent
+// one.
 class Failure : public std::runtime_error {
 public:
     Failure(ExitCode exitCode, const std::string& text,
@@ -39,7 +39,7 @@ private:
     std::optional<MessageNumber> messageNumber;
 };
 
-// A failure that may be over when the same request is sent again.
+// A failure after which the same request may succeed if it is sent again.
 class PassingFailure : public Failure {
 public:
     enum class Cause { CONNECTION, BUSY };

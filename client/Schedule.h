@@ -5,7 +5,7 @@
 
 namespace Efictl {
 
-// The time that a command has. A part at its end is kept for what has to happen even after a
+// The deadline of a command. Some of its time is reserved for the cleanup that follows even a
 // failure: the discard of an uploaded file, and the logout.
 class Schedule {
 public:
@@ -15,7 +15,7 @@ public:
     explicit Schedule(Milliseconds total)
         : reserve(std::min<Milliseconds>(LONGEST_CLEANUP, total / 4)), end(Clock::now() + total) {}
 
-    // Only the end is left to do. Ends soon, however much time there was for the work.
+    // Begins the cleanup, which has the reserved time at most, however much is left of the rest.
     void beginCleanup() {
         if (!cleaning) {
             cleaning = true;
@@ -25,7 +25,7 @@ public:
 
     bool isCleaning() const { return cleaning; }
 
-    // Returns the time that is left for what is going on now; never negative.
+    // Returns the time left for the work or, once it has begun, for the cleanup; never negative.
     Milliseconds left() const {
         const auto until = cleaning ? end : end - reserve;
         return std::max(Milliseconds(0),

@@ -36,7 +36,7 @@ Result carryOut(const Options& options) {
     return result;
 }
 
-// The address as it is shown; empty if there is none, or if it makes no sense.
+// Returns the address as it is printed; empty if there is none, or if it is malformed.
 std::string shownAddress(const Options& options) {
     try {
         return options.board.empty() ? "" : boardAddress(options) + "/";
@@ -77,10 +77,9 @@ int run(int argumentCount, char** arguments) {
 
 int main(int argumentCount, char** arguments) {
     VeskLib::Host::occupyStandardDescriptors();
-    // A reader that has gone is to be reported as a full disk is.
+    // Output that nobody reads is then reported like a full disk.
     std::signal(SIGPIPE, SIG_IGN);
-    // Large buffers go back to the system when they are freed, so that few of them are there at
-    // once.
+    // Returns large buffers to the system as soon as they are freed, to limit the peak memory.
     const int largeBuffer = 64 * 1024;
     mallopt(M_MMAP_THRESHOLD, largeBuffer);
     catchInterruptions();

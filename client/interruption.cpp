@@ -21,7 +21,7 @@ void catchInterruptions() {
     action.sa_handler = count;
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
         struct sigaction former = {};
-        // A command that was started with nohup, or in the background, stays deaf to it.
+        // A signal that nohup or a shell had set to be ignored stays ignored.
         if (sigaction(signal, nullptr, &former) == 0 && former.sa_handler != SIG_IGN) {
             sigaction(signal, &action, nullptr);
         }

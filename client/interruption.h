@@ -2,14 +2,14 @@
 
 namespace Efictl {
 
-// SIGINT, SIGTERM and SIGHUP do not end the process: what is going on ends early, and what has to
-// happen at the end still does.
+// Makes SIGINT, SIGTERM and SIGHUP end the command instead of the process, so that the cleanup
+// still runs.
 void catchInterruptions();
 
-// Returns how many of these signals have come.
+// Returns the number of these signals that were received.
 int interruptions();
 
-// Throws Failure (FAILED) if one has come.
+// Throws Failure (FAILED) if one was received.
 void endWhenInterrupted();
 
 }  // namespace Efictl

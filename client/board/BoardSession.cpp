@@ -16,7 +16,7 @@ const char* const RESTORE_FUNCTION = "106";
 // The board's message that something was restored.
 const int RESTORED = 70;
 const int BUSY = 1047;
-// The board's own connection to its back-end failed, and a later request may have one.
+// The board's pages could not talk to their back-end; a later request may succeed.
 const int FIRST_OF_BACKEND = 2001;
 const int LAST_OF_BACKEND = 2003;
 
@@ -96,7 +96,7 @@ void BoardSession::logIn(const Credentials& credentials) {
     throwUnknownPage(request, response, page.title);
 }
 
-// Returns the page that an answer is. Throws the refusal that it is.
+// Reads the page of an answer. Throws Failure if it is a refusal or an unknown page.
 BoardPage BoardSession::read(const Request& request, const Response& response) const {
     if (!response.contentType.starts_with("text/html")) {
         throwUnknownPage(request, response);
@@ -132,7 +132,7 @@ BoardPage BoardSession::menu() {
         throwUnknownPage(request, {200, "text/html", {}}, page.title);
     }
     if (page.partitions.empty()) {
-        // The menu shows none to a user without rights; the screen says why.
+        // A user without rights sees none in the menu; the screen then gives the reason.
         requireScreen(BACKUP_FUNCTION);
     }
     return page;
@@ -149,7 +149,7 @@ Bytes BoardSession::backUp(unsigned int partition) {
                                               {"radio_button", std::to_string(partition)}});
     return repeat(schedule, [&] {
         const BoardPage page = ask(request);
-        // Only the board's own downloads are followed, wherever a page leads.
+        // Follows links to the board's own downloads only.
         if (!page.downloadPath.starts_with(DOWNLOAD)) {
             throwUnknownPage(request, {200, "text/html", {}}, page.title);
         }
@@ -167,7 +167,7 @@ Selection BoardSession::upload(const Bytes& file) {
     Request request = makePost(SCREEN, {{"functionID", RESTORE_FUNCTION}, {"hidden_status", "1"}},
                                Effect::PREPARES);
     request.file = &file;
-    // Says whether the user may restore, before anything is sent.
+    // Fails if the user may not restore, before anything is sent.
     requireScreen(RESTORE_FUNCTION);
     staged = true;
     const BoardPage page = ask(request);
@@ -217,7 +217,7 @@ std::string BoardSession::end() noexcept {
     }
     try {
         const Response response = transport.send(makePost("/logout.cgi", {}));
-        // A session that has ended already needs no logout.
+        // 403: the session has ended already.
         if (response.status != 303 && response.status != 403) {
             left += (left.empty() ? "" : " ") +
                     describeUnknownPage(makePost("/logout.cgi", {}), response, "");

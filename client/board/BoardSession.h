@@ -10,9 +10,9 @@
 
 namespace Efictl {
 
-// A login on a board, and what can be asked of it. Every call throws Failure: REFUSED if the board
-// refuses, UNREACHABLE if it does not answer or answers with a page of an unknown kind. Calls that
-// change nothing are repeated while that makes sense.
+// A login session on a board. Every call throws Failure: REFUSED if the board refuses, UNREACHABLE
+// if it does not answer or answers with an unknown page. Requests that change nothing are repeated
+// as Attempts decides.
 class BoardSession {
 public:
     // Logs in. Transport and schedule must outlive it.
@@ -20,25 +20,25 @@ public:
     BoardSession(const BoardSession&) = delete;
     BoardSession& operator=(const BoardSession&) = delete;
 
-    // Ends the session, unless end() has.
+    // Calls end().
     ~BoardSession();
 
-    // Returns the menu with its partitions. Throws Failure (REFUSED) for a user who may not do
-    // anything with them.
+    // Returns the menu with its partitions. Throws Failure (REFUSED) if the user may neither back
+    // up nor restore.
     BoardPage menu();
 
-    // Makes a backup and returns the bytes of its file, which are not looked at.
+    // Makes a backup and returns the bytes of its file, which are not checked.
     Bytes backUp(unsigned int partition);
 
-    // Hands the board a file. It stays there until restore() has used it, or the session ends.
+    // Uploads a file. It stays on the board until restore() has used it or the session ends.
     Selection upload(const Bytes& file);
 
-    // Restores the file that the board has named so. Throws Failure (UNKNOWN) if it cannot be known
-    // whether it did.
+    // Restores the uploaded file, which `stagedFile` names as in the Selection. Throws Failure
+    // (UNKNOWN) if the outcome is not known.
     void restore(const std::string& stagedFile, const std::vector<unsigned int>& partitions);
 
-    // Discards an uploaded file that was not restored, and logs out, within the time that is kept
-    // for that. Returns what could not be done, in words for people; empty if everything was.
+    // Discards an uploaded file that was not restored, and logs out, within the time reserved for
+    // it. Returns a description of what failed, for people; empty if nothing did.
     std::string end() noexcept;
 
 private:

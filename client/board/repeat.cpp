@@ -13,7 +13,7 @@ using Milliseconds = Schedule::Milliseconds;
 const int MOST_REPEATS = 4;  // of a failed connection: the waits between them are 7.5 s
 const Milliseconds FIRST_WAIT{500};
 const Milliseconds LONGEST_WAIT{8000};
-const Milliseconds LOOK{50};
+const Milliseconds POLL_INTERVAL{50};  // for signals
 
 }  // namespace
 
@@ -29,7 +29,7 @@ void Attempts::waitAfter(const PassingFailure& failure) {
     const auto end = Schedule::Clock::now() + wait;
     while (Schedule::Clock::now() < end) {
         endWhenInterrupted();
-        std::this_thread::sleep_for(LOOK);
+        std::this_thread::sleep_for(POLL_INTERVAL);
     }
 }
 

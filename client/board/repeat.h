@@ -5,14 +5,14 @@
 
 namespace Efictl {
 
-// Decides whether and when what failed is tried again: after a failure of the connection a few
-// times, while the board is busy as long as there is time.
+// Decides whether and when a failed request is sent again: a few times after a failed connection,
+// and as long as there is time while the board is busy.
 class Attempts {
 public:
     explicit Attempts(const Schedule& schedule) : schedule(schedule) {}
 
-    // Waits until it is time for the next attempt. Throws `failure` if there is to be none, and
-    // Failure (FAILED) if a signal comes meanwhile.
+    // Waits until the next attempt is due. Throws `failure` if there is none left, and Failure
+    // (FAILED) if a signal is received meanwhile.
     void waitAfter(const PassingFailure& failure);
 
 private:
@@ -20,7 +20,7 @@ private:
     int failed = 0;
 };
 
-// Returns what `request` returns, which is called again after a PassingFailure.
+// Calls `request`, again after each PassingFailure, and returns its result.
 template <typename Call>
 auto repeat(const Schedule& schedule, Call request) {
     Attempts attempts(schedule);

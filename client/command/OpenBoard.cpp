@@ -22,7 +22,7 @@ Credentials credentialsOf(const Options& options) {
 
 }  // namespace
 
-// The time begins once a person has typed the password.
+// The password is asked for first, so that typing it takes nothing of the time.
 OpenBoard::OpenBoard(const Options& options) : OpenBoard(options, credentialsOf(options)) {
 }
 

@@ -15,7 +15,7 @@ public:
 
     BoardSession& session() { return open; }
 
-    // Logs out. What could not be done becomes a warning of `result`.
+    // Ends the session. A failure becomes a warning of `result`.
     void close(Result& result);
 
 private:
@@ -26,11 +26,11 @@ private:
     BoardSession open;
 };
 
-// Returns the partitions of the menu that the options choose, by number: those of --partition or
-// --to, or all. Throws Failure (REFUSED) if one is not installed.
+// Returns the partitions of `menu` that the command line names: those of --partition or --to, or
+// all. Throws Failure (REFUSED) if one of them is not installed.
 std::vector<PartitionRow> choosePartitions(const BoardPage& menu, const Options& options);
 
-// Says on standard error what is going on, if a person looks on.
+// Prints a line of progress if standard error is a terminal, unless --quiet or --json is given.
 void showProgress(const Options& options, const std::string& text);
 
 }  // namespace Efictl

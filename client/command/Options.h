@@ -10,7 +10,7 @@
 
 namespace Efictl {
 
-// What the command line says, and the environment where that is allowed.
+// The options of the command line; some have their default in the environment.
 struct Options {
     std::string command;
 
@@ -39,12 +39,12 @@ struct Options {
     std::optional<unsigned int> longestGapHours;
 };
 
-// Returns the address of the board as it is used and shown: "https://name:port", without user,
-// password, path or a slash at its end. Throws Failure (USAGE) for what is none, and for http to
+// Returns the address of the board in the form "https://name:port", without a slash at its end.
+// Throws Failure (USAGE) if it is malformed or has a user, a password or a path, and for http to
 // another machine without --insecure.
 std::string boardAddress(const Options& options);
 
-// Returns the host in such an address, as netrc names it.
+// Returns the host of such an address, in the form that netrc uses.
 std::string hostIn(const std::string& address);
 
 }  // namespace Efictl

@@ -13,7 +13,7 @@ using nlohmann::ordered_json;
 using VeskLib::Board::SaveTime;
 using VeskLib::Host::ConfigurationFile;
 
-// What has become of one partition.
+// The outcome of one partition.
 struct PartitionBackup {
     PartitionRow partition;
     std::string status = "skipped";  // before it was tried
@@ -69,7 +69,7 @@ void backUp(const Options& options, BoardSession& board, BackupFolder& folder,
     backup.size = bytes.size();
     backup.sha256 = VeskLib::Host::sha256Hex(bytes);
     if (options.onlyIfChanged) {
-        // What it was read from is made again if it is needed, so that it is not there meanwhile.
+        // Frees the download while the newest backup is in memory; encode() can make it again.
         bytes = Bytes();
         const std::optional<Backup> newest = folder.findNewest(number);
         if (newest && compare(newest->file, file, SaveTime::IGNORED).empty()) {
@@ -88,7 +88,7 @@ void backUp(const Options& options, BoardSession& board, BackupFolder& folder,
     }
 }
 
-// A failure after which the next partition need not be tried.
+// Returns true if the next partition would fail as well.
 bool endsAll(const Failure& failure) {
     return failure.exitCode() != ExitCode::REFUSED;
 }
@@ -115,7 +115,8 @@ void backUpPartitions(const Options& options, Result& result) {
                 backUp(options, board.session(), folder, backup);
             }
         } catch (const Failure& failure) {
-            // A backup that was stored is one, whatever became of the older ones.
+            // Keeps the status of a backup that was stored before an older one could not be
+            // removed.
             if (backup.file.empty()) {
                 backup.status = statusOf(failure);
             }

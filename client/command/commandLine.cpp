@@ -134,7 +134,7 @@ private:
     Options& options;
 };
 
-// What the grammar of single options cannot say. Empty if all is well.
+// Returns the error in a combination of options, which the grammar cannot express; empty for none.
 std::string findContradiction(const Options& options) {
     if (options.command == "backup" && !options.allPartitions && options.partitions.empty()) {
         return "Say which partitions: --partition N,... or --all.";

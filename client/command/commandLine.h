@@ -6,15 +6,15 @@
 
 namespace Efictl {
 
-// What is to be done with a command line.
+// A parsed command line: a command to run, or a text to print.
 struct CommandLine {
     Options options;
-    bool isReady = false;  // a command is to be carried out
-    std::string text;      // else what to print instead: the help, or what is wrong
+    bool isReady = false;  // `options` are those of a command to run
+    std::string text;      // otherwise the help, or the error
     bool isHelp = false;
 };
 
-// Reads the arguments of main(), and the variables of the environment that may replace them.
+// Parses the arguments of main(), with defaults from the environment.
 CommandLine readCommandLine(int argumentCount, const char* const* arguments);
 
 }  // namespace Efictl

@@ -5,8 +5,7 @@
 
 namespace Efictl {
 
-// The commands. Each puts what it does into `result` as it goes, and throws Failure for what ends
-// it early.
+// The commands. Each adds to `result` what it has done, and throws Failure if it cannot go on.
 void listPartitions(const Options& options, Result& result);
 void backUpPartitions(const Options& options, Result& result);
 void restorePartitions(const Options& options, Result& result);

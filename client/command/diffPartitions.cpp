@@ -20,7 +20,7 @@ const std::string SETTING = "setting ";
 const std::string PAYLOAD_SIZE = "payload size";
 const std::string NOTHING = "(none)";
 
-// Two configurations, and where they come from.
+// Where two compared configurations come from.
 struct Pair {
     std::string file;
     std::string other;                      // empty for a partition
@@ -49,7 +49,7 @@ ordered_json toJSON(const Difference& difference, const Pair& pair) {
             {"found", valueToJSON(difference.second)}};
 }
 
-// Returns how two configurations differ, apart from when and of what they were saved.
+// Returns the differences between two configurations, except for save time and partition.
 std::vector<Difference> findDifferences(const ConfigurationFile& one,
                                         const ConfigurationFile& other) {
     std::vector<Difference> all = compare(one, other, VeskLib::Board::SaveTime::IGNORED);
@@ -65,7 +65,7 @@ std::vector<Difference> findDifferences(const ConfigurationFile& one,
     return all;
 }
 
-// Compares, and adds what differs. Returns whether something does.
+// Adds the differences to `result`. Returns true if there are any.
 bool addDifferences(const ConfigurationFile& one, const ConfigurationFile& other, const Pair& pair,
                     Result& result) {
     const std::vector<Difference> differences = findDifferences(one, other);
@@ -103,10 +103,10 @@ public:
         }
     }
 
-    // The partition that the golden file was saved from.
+    // Returns the partition that the golden file was saved from.
     unsigned int home() const { return golden.file.partition; }
 
-    // Throws Failure (FAILED) if there is nothing for this partition.
+    // Returns the file for a partition. Throws Failure (FAILED) if there is none.
     LocalFile of(unsigned int partition) const {
         if (folder == nullptr) {
             return golden;

@@ -7,7 +7,7 @@
 
 namespace Efictl {
 
-// A configuration file of this machine.
+// A configuration file on this machine.
 struct LocalFile {
     std::string path;
     std::string sha256;
@@ -16,7 +16,7 @@ struct LocalFile {
     Bytes bytes() const { return encode(file); }
 };
 
-// Reads such a file. Throws Failure (FAILED) with the reason if it is not usable.
+// Reads a configuration file. Throws Failure (FAILED) with the reason if it is not usable.
 LocalFile readLocalFile(const std::string& path);
 
 }  // namespace Efictl

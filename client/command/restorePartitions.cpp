@@ -16,8 +16,7 @@ using VeskLib::Host::fitTogether;
 using VeskLib::Host::isKnownVersion;
 using VeskLib::Host::makeVisible;
 
-// What the board has read in the uploaded file has to be what is in the file here. Throws Failure
-// (REFUSED) if it is not.
+// Throws Failure (REFUSED) if the board has read anything else in the uploaded file than is in it.
 void compareFile(const Selection& selection, const LocalFile& local) {
     const auto demand = [](bool holds, const std::string& what) {
         if (!holds) {
@@ -31,8 +30,7 @@ void compareFile(const Selection& selection, const LocalFile& local) {
     demand(selection.version == makeVisible(local.file.version), "BIOS version");
 }
 
-// What the command line and the board demand of each target. Throws Failure (REFUSED) if it does
-// not hold.
+// Throws Failure (REFUSED) if the command line or the board does not allow a target.
 void judgeTarget(const PartitionRow& target, const LocalFile& local, const Options& options) {
     const std::string name = describePartition(target.number);
     const std::string version = makeVisible(local.file.version);
@@ -129,7 +127,7 @@ void restorePartitions(const Options& options, Result& result) {
         }
     } catch (const Failure& failure) {
         setStatus(result, statusOf(failure));
-        // Nobody knows; what depends on it has to expect a change.
+        // After an unknown outcome, callers have to assume a change.
         result.changed = failure.exitCode() == ExitCode::UNKNOWN;
         result.fail(failure);
     }

@@ -24,7 +24,7 @@ using VeskLib::Host::Descriptor;
 const mode_t FOLDER_MODE = 0700;
 const int FILE_MODE = 0600;
 
-// One second after the other is tried when a name is taken already.
+// How many names are tried, each a second later, when one is taken already.
 const int MOST_NAMES = 100;
 
 [[noreturn]] void throwSystemError(const std::string& what, int error) {
@@ -38,7 +38,7 @@ bool isMade(const std::string& path, const Bytes& bytes) {
     if (VeskLib::Host::createFile(path, bytes, FILE_MODE)) {
         return true;
     }
-    // Some file systems have no files without a name: there it is written aside.
+    // On a file system without unnamed files it is written under another name and then renamed.
     const bool lacksNameless = errno == EOPNOTSUPP || errno == EISDIR || errno == EINVAL;
     struct stat status = {};
     if (!lacksNameless || lstat(path.c_str(), &status) == 0) {

@@ -12,19 +12,19 @@
 
 namespace Efictl {
 
-// A file of a backup folder, as its name describes it: partition003-20261122T115427Z.dat is of
-// partition 3, made on 2026-11-22 at 11:54:27 UTC.
+// The parsed name of a backup: partition003-20261122T115427Z.dat is of partition 3, made on
+// 2026-11-22 at 11:54:27 UTC.
 struct BackupName {
     std::string name;
     unsigned int partition = 0;
     std::time_t time = 0;
 
-    // Returns nothing for a name of another kind.
+    // Returns nothing for a name of another form.
     static std::optional<BackupName> parse(const std::string& name);
     static BackupName make(unsigned int partition, std::time_t time);
 };
 
-// A usable backup with what is in it.
+// A usable backup and its contents.
 struct Backup {
     BackupName name;
     VeskLib::Host::ConfigurationFile file;
@@ -32,30 +32,30 @@ struct Backup {
     std::string sha256;
 };
 
-// The backups of one board in a folder, which belongs to one process as long as this lives.
+// The folder of the backups of one board. Opened for WRITE, it is locked against other writers.
 class BackupFolder {
 public:
     enum class Use { READ, WRITE };
 
-    // Opens the folder; for WRITE makes it if there is none, and takes hold of it. Throws Failure
-    // (FAILED) if that cannot be done.
+    // Opens the folder; for WRITE, creates it if it is absent, and locks it. Throws Failure
+    // (FAILED) on error.
     BackupFolder(const std::string& path, Use use);
 
-    // Returns the backups, by partition and the newest first.
+    // Returns all backups, sorted by partition, the newest first.
     std::vector<BackupName> list() const;
 
     // Returns those of one partition, the newest first.
     std::vector<BackupName> list(unsigned int partition) const;
 
-    // Returns the newest one of a partition that is usable; nothing if there is none.
+    // Returns the newest usable backup of a partition; nothing if there is none.
     std::optional<Backup> findNewest(unsigned int partition) const;
 
-    // Stores a backup that was made now and returns its name. The file has its name only once all
-    // of it is on the disk. Throws Failure (FAILED) if it cannot be stored.
+    // Stores a backup under the current time and returns its name. The file gets the name only
+    // after its contents are on the disk. Throws Failure (FAILED) on error.
     BackupName store(unsigned int partition, const Bytes& bytes);
 
-    // Removes all backups of a partition that are older than its `keep` newest usable ones, and
-    // returns their names. Damaged files do not count, so that the last usable one always stays.
+    // Removes the backups of a partition that are older than its `keep` newest usable ones, and
+    // returns their names. Unusable files do not count, so that the last usable one always stays.
     std::vector<std::string> removeOlder(unsigned int partition, std::size_t keep);
 
     std::string pathOf(const std::string& name) const { return path + "/" + name; }

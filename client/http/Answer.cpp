@@ -11,7 +11,7 @@ namespace {
 using VeskLib::Host::equalsIgnoringCase;
 using VeskLib::Host::trim;
 
-// Of all header lines together, with those of interim answers and trailers.
+// The size of all header lines together, including those of interim answers and trailers.
 const std::size_t LARGEST_HEADER = 64 * 1024;
 
 }  // namespace
@@ -23,7 +23,7 @@ bool Answer::takeHeader(std::string_view line) {
         return false;
     }
     if (line.starts_with("HTTP/")) {
-        // Another answer begins: the one before was an interim one.
+        // The start of an answer; one before it was an interim one.
         response.contentType.clear();
         return true;
     }

@@ -7,12 +7,12 @@
 
 namespace Efictl {
 
-// Takes the header lines and the body of an answer, within limits.
+// Collects the header lines and the body of an answer, within limits.
 class Answer {
 public:
     Answer(Response& response, std::size_t limit) : response(response), limit(limit) {}
 
-    // Both return false if there is too much of it.
+    // Both return false if the answer is too large.
     bool takeHeader(std::string_view line);
     bool takeBody(std::string_view bytes);
 

@@ -17,15 +17,15 @@ namespace {
 using Milliseconds = Schedule::Milliseconds;
 using VeskLib::Board::percentEncode;
 
-// The time of each phase, at most.
+// The longest time for each phase.
 const Milliseconds LONGEST_CONNECT{10000};
 const Milliseconds LONGEST_REQUEST{30000};
 
-// How long a request is still waited for after a signal. An abandoned one may go on on the board,
-// and leave there what the logout has just removed.
+// How long a request may still take after a signal. The board may carry on with an abandoned one,
+// and so leave a file behind after the logout has removed the session's files.
 const Milliseconds LONGEST_GRACE{3000};
 
-// What libcurl calls while a request is under way.
+// What the callbacks of libcurl need during a request.
 struct Conversation {
     Answer answer;
     bool changes;
@@ -43,8 +43,8 @@ std::size_t takeBody(char* bytes, std::size_t size, std::size_t count, void* con
     return static_cast<Conversation*>(conversation)->answer.takeBody({bytes, length}) ? length : 0;
 }
 
-// Returns whether the request is to be given up: a moment after a signal, or at the second one. One
-// that changes something goes on until its answer has come, because else its outcome would not be
+// Returns 1 to abort the request: some time after the first signal, or at the second one. A request
+// that changes something is aborted by the second signal only, because its outcome would not be
 // known.
 int watch(void* conversation, curl_off_t, curl_off_t, curl_off_t, curl_off_t) {
     auto& now = *static_cast<Conversation*>(conversation);
@@ -59,7 +59,7 @@ int watch(void* conversation, curl_off_t, curl_off_t, curl_off_t, curl_off_t) {
     return isOver && !now.changes ? 1 : 0;
 }
 
-// A file that is sent, without a copy of it.
+// The read position in a file that is sent.
 struct SentFile {
     const Bytes* bytes;
     std::size_t position;
@@ -86,7 +86,7 @@ std::unique_ptr<curl_mime, FormEnd> makeForm(CURL* handle, const Request& reques
     }
     curl_mimepart* const part = curl_mime_addpart(form.get());
     curl_mime_name(part, "filename");
-    // The board wants this ending; the name on this machine is nobody else's business.
+    // The board requires the extension. The file's own name is not sent, because it may be private.
     curl_mime_filename(part, "configuration.dat");
     curl_mime_type(part, "application/octet-stream");
     curl_mime_data_cb(part, static_cast<curl_off_t>(file.bytes->size()), readFile, nullptr, nullptr,
@@ -126,9 +126,9 @@ void Transport::setTimes() {
 void Transport::prepare(const Request& request, const std::string& form, Response& response) {
     response = {};
     CURL* const curl = handle.get();
-    // Keeps connections and cookies.
+    // Does not reset connections and cookies.
     curl_easy_reset(curl);
-    // No file: cookies are taken, and kept in memory.
+    // The empty name turns cookies on, in memory only.
     curl_easy_setopt(curl, CURLOPT_COOKIEFILE, "");
     curl_easy_setopt(curl, CURLOPT_URL, (options.board + request.path).c_str());
     curl_easy_setopt(curl, CURLOPT_PROTOCOLS_STR, "http,https");
@@ -149,7 +149,7 @@ void Transport::prepare(const Request& request, const std::string& form, Respons
         curl_easy_setopt(curl, CURLOPT_POSTFIELDSIZE, static_cast<long>(form.size()));
         curl_easy_setopt(curl, CURLOPT_POSTFIELDS, form.c_str());
     }
-    // On a connection that the board has closed meanwhile, libcurl would send the request again.
+    // On a reused connection that the board has just closed, libcurl would send the request twice.
     curl_easy_setopt(curl, CURLOPT_FRESH_CONNECT, request.effect == Effect::NONE ? 0L : 1L);
     curl_easy_setopt(curl, CURLOPT_HEADERFUNCTION, takeHeader);
     curl_easy_setopt(curl, CURLOPT_WRITEFUNCTION, takeBody);
@@ -179,7 +179,7 @@ Response Transport::send(const Request& request) {
     struct ListEnd {
         void operator()(curl_slist* list) const { curl_slist_free_all(list); }
     };
-    // The texts for people in one language, and no question before a body.
+    // Asks for texts in English, and sends bodies without waiting for "100 Continue".
     std::unique_ptr<curl_slist, ListEnd> headers(curl_slist_append(nullptr, "Accept-Language: en"));
     curl_slist_append(headers.get(), "Expect:");
     curl_easy_setopt(curl, CURLOPT_HTTPHEADER, headers.get());
@@ -214,7 +214,7 @@ bool Transport::hasCookie(std::string_view name) const {
     curl_easy_getinfo(handle.get(), CURLINFO_COOKIELIST, &cookies);
     bool found = false;
     for (const curl_slist* each = cookies; each != nullptr; each = each->next) {
-        // Of the seven fields of a line, between tabs, the name is the sixth.
+        // The sixth of seven fields, which are separated by tabs, is the name.
         std::string_view line = each->data;
         for (int field = 0; field < 5; ++field) {
             line.remove_prefix(std::min(line.find('\t'), line.size() - 1) + 1);

@@ -16,19 +16,19 @@ namespace Efictl {
 using Bytes = std::vector<unsigned char>;
 using Fields = std::vector<std::pair<std::string, std::string>>;
 
-// The largest page and, with docs/configuration-file.md, the largest download that is read.
+// The largest page that is read.
 inline constexpr std::size_t LARGEST_PAGE = 448 * 1024;
 
-// What a request does to the board, beside reading.
+// What a request does on the board besides reading.
 enum class Effect {
     NONE,      // it may be sent again
-    PREPARES,  // it leaves something that is not a change yet: a session, an uploaded file
-    CHANGES,   // it must not be given up lightly either: its outcome would not be known
+    PREPARES,  // it creates a session or stages a file, and is sent once
+    CHANGES,   // it is sent once and not aborted early, because its outcome would not be known
 };
 
 struct Request {
-    std::string path;     // with what follows "?"
-    bool isPost = false;  // with `fields`
+    std::string path;     // and query
+    bool isPost = false;  // sends `fields`
     Fields fields;
     const Bytes* file = nullptr;  // sent as the field "filename", which makes the form multipart
     Effect effect = Effect::NONE;
@@ -47,8 +47,8 @@ struct ConnectionOptions {
     bool verify = true;
 };
 
-// Sends requests to one board, one after the other, and keeps its cookies. Nothing is sent twice,
-// no redirection is followed, and every answer is limited in size and in time.
+// Sends requests to one board, one at a time, and keeps its cookies. Sends nothing twice, follows
+// no redirection, and limits the size and the time of every answer.
 class Transport {
 public:
     // The schedule must outlive it.
@@ -57,12 +57,12 @@ public:
     Transport& operator=(const Transport&) = delete;
     ~Transport();
 
-    // Throws Failure: UNREACHABLE if there is no answer (a PassingFailure if the request may be
-    // sent again); UNKNOWN if it changes something and may have arrived; FAILED if a signal has
-    // interrupted it.
+    // Sends a request and returns its answer. Throws Failure: UNREACHABLE if there is no answer (a
+    // PassingFailure if the request may be sent again); UNKNOWN if the request changes something
+    // and may have arrived; FAILED if a signal has interrupted it.
     Response send(const Request& request);
 
-    // Returns whether the board has given a cookie of this name, with or without "__Host-".
+    // Returns true if the board has set a cookie of this name, with or without "__Host-".
     bool hasCookie(std::string_view name) const;
 
 private:

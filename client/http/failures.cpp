@@ -14,7 +14,7 @@ enum CertificateError : long {
     OTHER_ADDRESS = 64
 };
 
-// Whether a request that failed so was never sent.
+// Returns true if a request with this error was never sent.
 bool wasNotSent(CURLcode error) {
     switch (error) {
         case CURLE_UNSUPPORTED_PROTOCOL:

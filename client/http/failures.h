@@ -8,17 +8,17 @@
 
 namespace Efictl {
 
-// What is known of a request that has no answer.
+// A request that was not answered.
 struct LostRequest {
     CURLcode error = CURLE_OK;
-    std::string reason;         // what libcurl says about it; may be empty
-    long certificateError = 0;  // of OpenSSL's verification; 0 for none
+    std::string reason;         // libcurl's description; may be empty
+    long certificateError = 0;  // OpenSSL's number; 0 for none
     Effect effect = Effect::NONE;
-    bool tooLarge = false;  // the answer was
-    bool hurried = false;   // there was no time left for it
+    bool tooLarge = false;  // the answer exceeded its limit
+    bool hurried = false;   // the time of the whole command was over
 };
 
-// Throws the Failure that `request` is to the board at the address `board`.
+// Throws the Failure for a request to the board at the address `board`.
 [[noreturn]] void throwLostRequest(const LostRequest& request, const std::string& board);
 
 }  // namespace Efictl

@@ -23,7 +23,7 @@ using VeskLib::Host::readEnvironment;
 
 const std::size_t LARGEST_SECRET_FILE = 64 * 1024;
 
-// Reads a file, also a pipe. Nothing if there is none and `mayBeAbsent`.
+// Reads a file or a pipe. Returns nothing if it is absent and `mayBeAbsent`.
 std::optional<std::string> readSecret(const std::string& path, bool mayBeAbsent) {
     const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
     struct stat status = {};
@@ -71,7 +71,7 @@ std::optional<Credentials> lookInNetrc(const CredentialOptions& options) {
     return text ? findInNetrc(*text, options.host, options.user) : std::nullopt;
 }
 
-// The terminal, which does not show what is typed for as long as this lives.
+// Turns the echo of the terminal off until it is destroyed.
 class SilentTerminal {
 public:
     explicit SilentTerminal(int descriptor) : descriptor(descriptor) {
@@ -112,7 +112,7 @@ std::optional<std::string> askForPassword(const CredentialOptions& options) {
     while (asked && read(terminal.get(), &character, 1) == 1 && character != '\n') {
         password += character;
     }
-    // The answer's own line feed was not shown.
+    // The line feed that ended the password was not echoed.
     const bool ended = write(terminal.get(), "\n", 1) == 1;
     return asked && ended ? std::optional(password) : std::nullopt;
 }

@@ -9,16 +9,16 @@ struct Credentials {
     std::string password;
 };
 
-// Where a command says that they are.
+// Where to look for them.
 struct CredentialOptions {
-    std::string host;          // of the board, as netrc names it
+    std::string host;          // of the board, in the form that netrc uses
     std::string user;          // empty if not given
     std::string passwordFile;  // empty if not given
 };
 
-// Finds user and password: the password in the file, in EFICTL_PASSWORD, in netrc, or by asking on
-// the terminal, whatever comes first. Throws Failure: USAGE if there is none, FAILED if a file
-// cannot be read or may be read by every user.
+// Returns user and password. Looks for the password in the file, in EFICTL_PASSWORD and in netrc,
+// then asks on the terminal. Throws Failure: USAGE if there is none, FAILED if a file cannot be
+// read or is readable for every user.
 Credentials findCredentials(const CredentialOptions& options);
 
 }  // namespace Efictl

@@ -8,8 +8,9 @@ namespace {
 
 const std::string_view SPACE = " \t\r\n";
 
-// Takes the next word of `rest`, empty at its end. A comment lasts until the end of its line; a
-// word in quotes may have spaces in it, and its backslashes keep the character after them.
+// Removes the next word from `rest` and returns it; empty at the end. Skips comments, which last
+// until the end of the line. A word in quotes may contain spaces; a backslash in it escapes the
+// next character.
 std::string takeWord(std::string_view& rest) {
     rest.remove_prefix(std::min(rest.find_first_not_of(SPACE), rest.size()));
     while (!rest.empty() && rest.front() == '#') {
@@ -34,7 +35,7 @@ std::string takeWord(std::string_view& rest) {
     return word;
 }
 
-// A macro lasts until an empty line.
+// Skips a macro, which lasts until an empty line.
 void skipMacro(std::string_view& rest) {
     const std::size_t end = rest.find("\n\n");
     rest.remove_prefix(end == std::string_view::npos ? rest.size() : end);

@@ -8,8 +8,8 @@
 
 namespace Efictl {
 
-// Returns what a netrc file of this text has for `host`, and for `user` unless that is empty: the
-// first entry of the machine, or the default one.
+// Returns the first entry for `host`, or the default entry, in the text of a netrc file; only one
+// for `user`, unless that is empty. Returns nothing if there is none with a password.
 std::optional<Credentials> findInNetrc(std::string_view text, const std::string& host,
                                        const std::string& user);
 

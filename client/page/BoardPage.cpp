@@ -27,7 +27,7 @@ int numberIn(const Element& element, const char* attribute) {
                : 0;
 }
 
-// A text for people: white space folded.
+// Returns the text of an element with each run of white space as one blank.
 std::string foldedText(const Element& element) {
     std::string folded;
     for (const char character : element.text()) {
@@ -54,7 +54,7 @@ Notice readNotice(const Element& element) {
         notice.code = numberIn(numbered, "data-code");
     }
     for (const Element& paragraph : element.all(hasTag(GUMBO_TAG_P))) {
-        // What the sign beside the notice says, its outcome has said.
+        // The label of the outcome, such as "Refused".
         if (paragraph.attribute("class") != "outcome") {
             notice.text += (notice.text.empty() ? "" : " ") + foldedText(paragraph);
         }

@@ -8,12 +8,12 @@
 
 namespace Efictl {
 
-// A message of the board, in what does not depend on the language; docs/messages.md lists them.
+// A message of the board; docs/messages.md lists them. Only the text depends on the language.
 struct Notice {
-    std::string outcome;  // "done", "refused" or "unknown"; empty if the page does not tell
+    std::string outcome;  // "done", "refused", "unknown" or empty
     int message = 0;      // its number; 0 for none
     int code = 0;
-    std::string text;  // for people, with the partitions that it is about
+    std::string text;  // for people, with the partitions that are concerned
 };
 
 // An installed partition, as the menu shows it.
@@ -25,7 +25,7 @@ struct PartitionRow {
     std::string lastRestore;
 };
 
-// The page after an upload: what the board has read in the file, and where it can go.
+// The page after an upload: the contents of the file as the board has read it, and the partitions.
 struct Selection {
     std::string stagedFile;  // the SHA-256 of the file's bytes
     unsigned int partition = 0;
@@ -34,7 +34,7 @@ struct Selection {
     std::vector<PartitionRow> targets;
 };
 
-// What efictl reads of a page of the board: every part that the page has.
+// The parts of a page that efictl reads. Those that the page does not have are empty.
 struct BoardPage {
     std::string title;
     std::string boardName;
@@ -49,8 +49,8 @@ struct BoardPage {
     const Notice* notice() const;
 };
 
-// Reads a page. Throws Failure (UNREACHABLE) if it has too many elements. All texts are as the page
-// has them: not yet fit for a terminal.
+// Parses a page. Throws Failure (UNREACHABLE) if it has too many elements. The texts may contain
+// any characters: forTerminal() makes them safe to print.
 BoardPage readBoardPage(std::string_view page);
 
 }  // namespace Efictl

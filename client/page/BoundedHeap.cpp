@@ -6,7 +6,7 @@
 
 namespace Efictl {
 
-// What is kept of a piece of memory, directly before it.
+// The header of each allocation, which links it into a list.
 struct alignas(std::max_align_t) BoundedHeap::Block {
     Block* former;
     Block* next;

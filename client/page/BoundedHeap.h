@@ -5,8 +5,9 @@
 
 namespace Efictl {
 
-// Memory for a C library that cannot be told that there is no more: at the limit it is left by
-// longjmp() to `escape`, which its caller has set. Everything is freed with the heap.
+// A heap with a limit, for a C library that does not check for a failed allocation: above the
+// limit, allocate() leaves the library by longjmp() to `escape`, which its caller has set by
+// setjmp(). The destructor frees everything.
 class BoundedHeap {
 public:
     explicit BoundedHeap(std::size_t limit) : limit(limit) {}
@@ -14,10 +15,10 @@ public:
     BoundedHeap& operator=(const BoundedHeap&) = delete;
     ~BoundedHeap();
 
-    // Never returns null.
+    // Never returns null: at the limit it does not return.
     void* allocate(std::size_t size);
 
-    // Frees what allocate() returned; nothing happens for null.
+    // Frees memory of allocate(); does nothing for null.
     void release(void* memory);
 
     std::jmp_buf escape;

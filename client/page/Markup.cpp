@@ -16,8 +16,8 @@ void release(void* heap, void* memory) {
     static_cast<BoundedHeap*>(heap)->release(memory);
 }
 
-// Returns null if the heap is too small. Has nothing that would have to be destroyed, because the
-// parser may be left in the middle.
+// Returns null if the heap is too small. Must not have an object with a destructor, because
+// longjmp() may leave the parser.
 GumboOutput* parseWithin(BoundedHeap& heap, const char* page, std::size_t size) {
     GumboOptions options = kGumboDefaultOptions;
     options.allocator = allocate;
@@ -41,7 +41,7 @@ bool isText(const GumboNode* node) {
 }
 
 // Returns the node after `node` in the order of the page, null after the last one in `root`. Not
-// recursive, because a page may be nested as deep as it likes.
+// recursive, because the nesting of a page has no limit.
 const GumboNode* nextNode(const GumboNode* node, const GumboNode* root) {
     if (isElement(node) && node->v.element.children.length != 0) {
         return static_cast<const GumboNode*>(node->v.element.children.data[0]);

@@ -11,12 +11,12 @@
 
 namespace Efictl {
 
-// An element of a page. Lives no longer than its Markup.
+// An element of a page. Its Markup must outlive it.
 class Element {
 public:
     explicit Element(const GumboNode* node) : node(node) {}
 
-    // Returns whether there is such an element; nothing else may be asked of one that is not there.
+    // Returns false for no element, of which no other member may be called.
     explicit operator bool() const { return node != nullptr; }
 
     bool is(GumboTag tag) const { return node->v.element.tag == tag; }
@@ -25,15 +25,15 @@ public:
     // Returns the value of an attribute; empty if there is none.
     std::string attribute(const char* name) const;
 
-    // Returns all text in it, as it is.
+    // Returns the text of the element and its descendants, unchanged.
     std::string text() const;
 
     using Question = std::function<bool(const Element&)>;
 
-    // Returns the elements in it for which `isWanted` says yes, in the order of the page.
+    // Returns the descendants for which `isWanted` returns true, in the order of the page.
     std::vector<Element> all(const Question& isWanted) const;
 
-    // Returns the first of them, or one that is not there.
+    // Returns the first of them, or no element.
     Element first(const Question& isWanted) const;
 
 private:
@@ -45,10 +45,10 @@ Element::Question hasTag(GumboTag tag);
 Element::Question hasAttribute(const char* name);
 Element::Question hasAttribute(const char* name, const std::string& value);
 
-// A page that was taken apart as browsers do it. Takes less than 2 MiB, whatever the page is.
+// A page, parsed as browsers do. Takes less than 2 MiB for any page.
 class Markup {
 public:
-    // Throws Failure (UNREACHABLE) for a page of more elements than any page of a board.
+    // Throws Failure (UNREACHABLE) if the page has more elements than any page of a board.
     explicit Markup(std::string_view page);
 
     Element root() const { return Element(output->root); }

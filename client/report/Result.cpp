@@ -8,7 +8,7 @@ namespace Efictl {
 
 namespace {
 
-// The worse, the later.
+// From the least to the most severe.
 const ExitCode SEVERITY[] = {ExitCode::DONE,    ExitCode::DIFFERENT, ExitCode::USAGE,
                              ExitCode::REFUSED, ExitCode::FAILED,    ExitCode::UNREACHABLE,
                              ExitCode::UNKNOWN};

@@ -10,8 +10,8 @@
 
 namespace Efictl {
 
-// What a command has come to, for people and for programs. Texts are as boards and files have them:
-// they become fit for a terminal when they are printed.
+// The result of a command, for people and for programs. The texts of boards and files in it may
+// contain any characters: they are made safe for a terminal when they are printed.
 struct Result {
     ExitCode exitCode = ExitCode::DONE;
     bool changed = false;
@@ -20,21 +20,21 @@ struct Result {
         std::string text;
         std::optional<MessageNumber> number;
     };
-    std::optional<Reason> reason;  // why it is not DONE
+    std::optional<Reason> reason;  // of an exit code other than DONE
 
     std::vector<std::string> lines;  // for people
     std::vector<std::string> warnings;
     nlohmann::ordered_json partitions = nlohmann::ordered_json::array();
-    nlohmann::ordered_json details = nlohmann::ordered_json::object();  // the command's own members
+    nlohmann::ordered_json details = nlohmann::ordered_json::object();  // other members
 
-    // Notes a failure. The worst of several counts: the one that has to be looked at first.
+    // Records a failure. Of several, the most severe sets exit code and reason.
     void fail(const Failure& failure);
 };
 
-// Returns what JSON has for a failure: its text, and the board's message or null.
+// Returns the text of a failure, with the number and the code of the board's message or null.
 nlohmann::ordered_json toJSON(const Result::Reason& reason);
 
-// Returns the text for a partition's BIOS version: null if it is not known.
+// Returns a BIOS version as JSON: null if it is not known.
 nlohmann::ordered_json versionToJSON(const std::string& version);
 
 // Returns the members that a partition has in every command.

@@ -14,7 +14,7 @@ using nlohmann::ordered_json;
 
 const int SCHEMA = 1;
 
-// A board may say more than a person reads.
+// Longer texts of a board are cut.
 const std::size_t LONGEST_LINE = 4096;
 
 const std::size_t LONGEST_CHARACTER = 4;
@@ -23,7 +23,7 @@ const std::size_t LONGEST_CHARACTER = 4;
 std::size_t characterSize(std::string_view text) {
     for (std::size_t size = 1; size <= std::min(LONGEST_CHARACTER, text.size()); ++size) {
         const std::string_view character = text.substr(0, size);
-        // Controls are well-formed, but not printable; they are looked at later.
+        // Control characters are well-formed; makeVisible() replaces them.
         if (size == 1 && static_cast<unsigned char>(character.front()) < 0x80) {
             return 1;
         }
