@@ -13,21 +13,21 @@ options:
     type: str
   password:
     description:
-      - Password of the user. It reaches efictl in the environment, never on a command line.
+      - Password of the user. It is passed to efictl in the environment, never on a command line.
       - Without I(password) and I(password_file), efictl looks into netrc.
     type: str
   password_file:
     description: File that contains the password, on the machine that runs the module.
     type: path
   cacert:
-    description: Certificates that the board's certificate is verified by, PEM.
+    description: PEM file of the certificates to trust instead of the system's.
     type: path
   insecure:
     description: Do not verify the board's certificate.
     type: bool
     default: false
   timeout:
-    description: Seconds that one command may take as a whole.
+    description: Time limit of one command, in seconds.
     type: int
     default: 60
   executable:

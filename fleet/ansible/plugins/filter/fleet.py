@@ -1,4 +1,4 @@
-"""What the report shows of a run."""
+"""Makes the rows of the report."""
 
 import csv
 import io
@@ -7,13 +7,13 @@ import unicodedata
 COLUMNS = ("board", "address", "partition", "name", "bios_version", "last_backup", "backup",
            "changed", "drift", "restore", "failure")
 
-# The roles' steps, in the order of a run; each has registered a result.
+# The steps of the roles, in the order of a run; each registers a result.
 STEPS = ("drift", "backup", "verify", "restore")
 
-# A spreadsheet takes a cell that begins with one of these for a formula.
+# A spreadsheet reads a cell that begins with one of these as a formula.
 FORMULA_STARTS = ("=", "+", "-", "@")
 
-# Characters that control, turn or hide a text.
+# Control characters, and characters that change the direction of text or are not visible.
 HIDDEN_CATEGORIES = ("Cc", "Cf", "Cs", "Zl", "Zp")
 
 
@@ -25,8 +25,8 @@ def visible(text):
 
 
 def fleet_rows(boards, hostvars):
-    """Returns a row for each partition of each board, and one for a board of which no partition is
-    known. A row maps each of COLUMNS to a text, which is empty for what is not known."""
+    """Returns a row for each partition of each board, and one for a board without known
+    partitions. A row maps each of COLUMNS to a text, which is empty if it is not known."""
     rows = []
     for board in boards:
         rows += rows_of(board, hostvars[board])
@@ -41,7 +41,7 @@ def rows_of(board, variables):
         **dict.fromkeys(COLUMNS, ""), "board": board, "failure": failure_of(variables, results),
         "address": next((each["board"] for each in results.values() if each.get("board")), ""),
     }
-    # What a later step knows of a partition counts.
+    # The values of a later step replace those of an earlier one.
     known = {}
     for result in results.values():
         for partition in result.get("partitions") or []:

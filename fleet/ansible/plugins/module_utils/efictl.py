@@ -9,7 +9,7 @@ import subprocess
 SCHEMA = 1
 DONE, DIFFERENT, UNKNOWN = 0, 1, 5
 
-# What efictl may take beyond its own deadline, and what it may take after SIGTERM to log out.
+# How long efictl may take after its own timeout, and to log out after SIGTERM.
 GRACE_SECONDS = 30
 END_SECONDS = 20
 
@@ -19,7 +19,7 @@ BOARD_OPTIONS = {
     "board": {"type": "str", "required": True},
     "user": {"type": "str"},
     "password": {"type": "str", "no_log": True},
-    # The name of a file is no secret.
+    # The path is not a secret.
     "password_file": {"type": "path", "no_log": False},
     "cacert": {"type": "path"},
     "insecure": {"type": "bool", "default": False},
@@ -29,8 +29,8 @@ BOARD_OPTIONS = {
 
 
 class Client:
-    """Runs commands of efictl with the options of a module. A command that fails ends the module
-    with the reason that efictl gives."""
+    """Runs commands of efictl with the options of a module. If a command fails, the module fails
+    with the reason that efictl prints."""
 
     def __init__(self, module):
         self.module = module
@@ -47,7 +47,7 @@ class Client:
         return self.run(command, *options, *words, seconds=self.options["timeout"] + GRACE_SECONDS)
 
     def run(self, command, *words, seconds=None):
-        """Runs a command; returns its report. Without `seconds` it takes as long as it needs."""
+        """Runs a command; returns its report. Without `seconds` it has no time limit."""
         report = self._report_of(command, words, seconds)
         if report["exit"] not in (DONE, DIFFERENT):
             reason = (report.get("reason") or {}).get("text")
@@ -96,7 +96,7 @@ class Client:
 
 
 def end(process):
-    """Asks a process to end, and kills it when it does not."""
+    """Terminates a process, and kills it if it does not end."""
     process.terminate()
     try:
         process.communicate(timeout=END_SECONDS)
@@ -106,6 +106,6 @@ def end(process):
 
 
 def result_of(report):
-    """Returns what a module returns of a report."""
+    """Returns the values that a module takes from a report."""
     return {name: value for name, value in report.items()
             if name not in ("schema", "command", "changed")}

@@ -15,12 +15,12 @@ def newest_backups(folder):
 
 
 def listed(numbers):
-    """Returns numbers as efictl takes them."""
+    """Returns numbers in the form of efictl's options."""
     return ",".join(map(str, numbers))
 
 
 def add_differences(report):
-    """Gives each partition in a report of diff the differences that were found in it."""
+    """Adds to each partition in a report of diff its differences; returns the partitions."""
     for partition in report["partitions"]:
         partition["differences"] = [each for each in report["differences"]
                                     if each["partition"] == partition["number"]]
@@ -28,12 +28,12 @@ def add_differences(report):
 
 
 def restorable(partition):
-    """Returns the differences of a partition that a restore ends: it leaves the BIOS as it is."""
+    """Returns the differences that a restore removes: all but that of the BIOS version."""
     return [each for each in partition["differences"] if each["kind"] != "bios_version"]
 
 
 def shown(partitions):
-    """Returns the differences of partitions as Ansible shows them in diff mode."""
+    """Returns the differences of partitions in the form of Ansible's diff mode."""
     return [{"before_header": header, "after_header": header,
              "before": text_of(each["differences"], "expected"),
              "after": text_of(each["differences"], "found")}
@@ -42,7 +42,7 @@ def shown(partitions):
 
 
 def reversed_differences(partitions):
-    """Returns the differences from the other side: what was found becomes what was expected."""
+    """Returns the partitions with "expected" and "found" exchanged in their differences."""
     return [{**partition, "differences": [
         {**each, "expected": each["found"], "found": each["expected"]}
         for each in partition["differences"]]} for partition in partitions]

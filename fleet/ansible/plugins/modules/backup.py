@@ -13,7 +13,7 @@ author: The maintainers of the board's software
 extends_documentation_fragment: vesk.efictl.board
 options:
   folder:
-    description: The folder of this board's backups; made when absent.
+    description: The folder of this board's backups; created if absent.
     type: path
     required: true
   partitions:
@@ -22,7 +22,7 @@ options:
     elements: int
     default: []
   if_changed:
-    description: Keep no copy of a configuration that is the one of the newest backup.
+    description: Keep no copy of a configuration that is the same as in the newest backup.
     type: bool
     default: true
   keep:
@@ -75,7 +75,7 @@ OPTIONS = {
 
 
 def foresee(module, client, newest):
-    """Ends the module with what a backup would do, as far as that depends on the board."""
+    """Ends the module with what a backup would do."""
     report = client.ask_board("list")
     wanted = module.params["partitions"]
     chosen = [each["number"] for each in report["partitions"]

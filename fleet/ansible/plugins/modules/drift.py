@@ -6,8 +6,8 @@ DOCUMENTATION = r"""
 module: drift
 short_description: Compares the partitions of a board with files
 description:
-  - Tells in which settings partitions differ from their newest backups, or from one file.
-  - Changes nothing. A difference is no failure; the return value I(different) tells of it.
+  - Returns the settings in which partitions differ from their newest backups, or from one file.
+  - Changes nothing. A difference is not a failure; it sets the return value I(different).
 author: The maintainers of the board's software
 extends_documentation_fragment: vesk.efictl.board
 options:

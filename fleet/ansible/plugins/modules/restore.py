@@ -7,9 +7,9 @@ module: restore
 short_description: Restores a file to partitions of a board
 description:
   - Restores the file to those of the partitions that differ from it.
-  - In check mode, the board is asked what it would do. The file is discarded, nothing is restored.
+  - In check mode, uploads the file, checks the targets and discards it; restores nothing.
   - In diff mode, shows the settings that differ.
-  - A restore with an outcome that cannot be known fails with I(exit) 5 and is not repeated.
+  - If the outcome of a restore is not known, fails with I(exit) 5 and does not try again.
 author: The maintainers of the board's software
 extends_documentation_fragment: vesk.efictl.board
 options:
@@ -23,7 +23,7 @@ options:
     elements: int
     default: []
   all:
-    description: Restore to every installed partition, in place of I(partitions).
+    description: Restore to every installed partition instead of I(partitions).
     type: bool
     default: false
   require_same_version:

@@ -6,8 +6,8 @@ DOCUMENTATION = r"""
 module: verify
 short_description: Checks a folder of backups
 description:
-  - Reads every file of a folder. Changes nothing and asks no board.
-  - Fails when a file is not usable, when there is none, and with I(max_gap) when a gap is longer.
+  - Reads every file of a folder. Changes nothing and needs no board.
+  - Fails if a file is not usable, if there is no backup, or if a gap is longer than I(max_gap).
 author: The maintainers of the board's software
 options:
   folder:
@@ -15,7 +15,7 @@ options:
     type: path
     required: true
   max_gap:
-    description: Hours that may lie between two backups, and since the newest; 0 for any.
+    description: Longest time between two backups, and since the newest, in hours; 0 for no limit.
     type: int
     default: 0
   executable:
@@ -60,7 +60,7 @@ def main():
 
 
 def findings(report):
-    """Returns what is wrong with a folder in one sentence for each finding."""
+    """Returns one sentence for each problem of a folder."""
     found = ["%s: %s." % (each["name"], each["problem"])
              for each in report["files"] if not each["usable"]]
     found += ["Partition %d has no backup for %s hours from %s."
