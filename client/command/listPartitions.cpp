@@ -24,7 +24,7 @@ ordered_json toJSON(const PartitionRow& row) {
 std::string describe(const PartitionRow& row) {
     return describePartition(row.number, row.name) + ": BIOS " +
            (isKnownVersion(row.version) ? row.version : "unknown (no home board)") +
-           ", last backup " + (row.lastBackup.empty() ? "not in the board's log" : row.lastBackup);
+           ", last backup " + (row.lastBackup.empty() ? "unknown" : row.lastBackup);
 }
 
 }  // namespace
