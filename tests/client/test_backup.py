@@ -3,11 +3,12 @@
 import fcntl
 import hashlib
 import os
+import shutil
 import subprocess
 import unittest
 
-from client import (BACKUP, DIFFERENT, DONE, EFICTL, FAILED, REFUSED, UNREACHABLE, USAGE, BoardTest,
-                    Run, configuration_file, environment)
+from client import (BACKUP, DIFFERENT, DONE, EFICTL, FAILED, REFUSED, USAGE, BoardTest, Run,
+                    configuration_file, environment)
 
 INSTALLED = [0, 2, 3, 5, 7]
 
@@ -156,15 +157,40 @@ class BackupTest(BoardTest):
                 self.assertEqual(run.json["reason"]["code"], code)
         self.assertEqual(self.backups(), [])
 
-    def test_answers_that_are_lost_are_told_apart(self):
-        for order, code in ((("torn", 3), 2003), (("silent",), 2002)):
+    def test_a_backup_that_the_back_end_does_not_answer_is_refused(self):
+        # The board itself answers, and its page says that nothing was changed.
+        for code, requests in ((2001, 5), (2002, 5), (2003, 5), (2004, 1)):
             with self.subTest(code=code):
-                self.board.control("reset")
-                self.board.control(*order, "--times", 100)
-                run = self.efictl("backup", "--partition", 3, "--out", self.out, "--json",
-                                  "--timeout", 14)
-                self.assertIn(run.status, (REFUSED, UNREACHABLE))
+                self.board.control("refuse", BACKUP, code, "--times", requests)
+                run = self.efictl("backup", "--partition", 3, "--out", self.out, "--json")
+                self.assert_ended(run, REFUSED)
+                self.assertEqual((run.json["reason"]["message"], run.json["reason"]["code"]),
+                                 (72, code))
+                self.assertEqual(run.partition(3)["status"], "refused")
+                self.assertFalse(run.json["changed"])
                 self.assertEqual(self.backups(), [])
+                # It was asked as often as that, and not once more.
+                self.assertNotIn("refused", self.board.control("status"))
+                self.back_up(3)
+                shutil.rmtree(self.out)
+
+    def test_a_backup_is_repeated_until_the_back_end_answers(self):
+        for code in (2001, 2002, 2003):
+            with self.subTest(code=code):
+                self.board.control("refuse", BACKUP, code, "--times", 2)
+                self.back_up(3)
+
+    def test_a_login_that_the_back_end_does_not_answer_is_refused(self):
+        self.board.control("torn", 3, "--times", 100)
+        run = self.efictl("backup", "--partition", 3, "--out", self.out, "--json")
+        self.assert_ended(run, REFUSED)
+        self.assertEqual((run.json["reason"]["message"], run.json["reason"]["code"]), (9105, 2003))
+
+    def test_a_lost_answer_is_asked_for_again(self):
+        for order in (("torn", 3), ("silent",)):
+            with self.subTest(order=order[0]):
+                self.board.control(*order)
+                self.back_up(3)
 
 
 class FolderFailureTest(BoardTest):

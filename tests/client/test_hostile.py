@@ -134,6 +134,47 @@ class RestoreTest(HostileTest):
                 self.assertEqual(requests[-2:], [f"POST {SCREEN} discard", "POST /logout.cgi"])
 
 
+class HeaderTest(HostileTest):
+    """Headers are limited to 64 KiB. libcurl has limits of its own, above that."""
+
+    LIMIT = 64 * 1024
+    TOO_LARGE = "larger than any answer"
+
+    @staticmethod
+    def menu_with(fields):
+        start, rest = menu().split(b"\r\n", 1)
+        return start + b"\r\n" + fields + rest
+
+    def test_headers_above_the_limit_are_refused(self):
+        line = b"X: " + b"y" * 90 + b"\r\n"
+        fields = {"many": lambda size: line * (size // len(line)),
+                  "one": lambda size: b"X: " + b"y" * size + b"\r\n",
+                  "interim": lambda size: b""}
+        for name, make in fields.items():
+            with self.subTest(lines=name):
+                answer = self.menu_with(make(self.LIMIT))
+                if name == "interim":
+                    answer = b"HTTP/1.1 100 Continue\r\n\r\n" * (self.LIMIT // 25) + answer
+                run, _, requests = self.run_against({"/": answer}, "list")
+                self.assert_ended(run, UNREACHABLE, self.TOO_LARGE)
+                self.assertEqual(requests.count("GET /"), 1)
+                run, _, _ = self.run_against({"/": self.menu_with(make(self.LIMIT - 1024))}, "list")
+                self.assert_ended(run, DONE)
+
+    def test_endless_headers_are_cut_off(self):
+        for name, piece in (("fields", b"X: " + b"y" * 90 + b"\r\n"), ("empty fields", b"X:\r\n"),
+                            ("cookies", b"Set-Cookie: a=b\r\n")):
+            with self.subTest(lines=name):
+                answer = endless(b"HTTP/1.1 200 OK\r\n", piece * 100)
+                run, _, _ = self.run_against({"/": answer}, "list", timeout=60)
+                self.assert_ended(run, UNREACHABLE, self.TOO_LARGE)
+
+    def test_an_endless_line_is_cut_off(self):
+        answer = endless(b"HTTP/1.1 200 OK\r\nX: ", b"y" * 65536)
+        run, _, _ = self.run_against({"/": answer}, "list", timeout=60)
+        self.assert_ended(run, UNREACHABLE, "broke")
+
+
 class TimeTest(HostileTest):
     """The board cannot make it hang: test cases check the time in run_against()."""
 

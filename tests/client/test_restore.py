@@ -1,12 +1,16 @@
 """efictl restore, against a served board."""
 
+import os
 import signal
 import subprocess
 import time
 import unittest
 
-from client import (DONE, EFICTL, FAILED, REFUSED, RESTORE, UNKNOWN, USAGE, BoardTest, Run,
-                    configuration_file, environment)
+from client import (DONE, EFICTL, FAILED, REFUSED, RESTORE, SESSIONS, UNKNOWN, USAGE, BoardTest,
+                    Run, configuration_file, environment)
+
+# A session without a request ends after this time; docs/automation.md says so.
+IDLE_SECONDS = 30 * 60
 
 
 class RestoreTest(BoardTest):
@@ -97,7 +101,7 @@ class RestoreTest(BoardTest):
     def test_every_refusal_is_told_apart(self):
         before = self.state()
         for code in (1047, 1539, 1549, 1551, 1601, 1602, 1603, 1604, 1605, 1606, 1608, 1609, 1611,
-                     1612, 1615, 1616):
+                     1612, 1615, 1616, 2001):
             with self.subTest(code=code):
                 self.board.control("refuse", RESTORE, code)
                 restores = self.events("restore")
@@ -109,7 +113,7 @@ class RestoreTest(BoardTest):
         self.assert_nothing_done(before)
 
     def test_an_unknown_outcome_is_said_to_be_one(self):
-        for code in (1613, 1599):
+        for code in (1613, 1599, 2002, 2003, 2004):
             with self.subTest(code=code):
                 self.board.control("refuse", RESTORE, code)
                 run = self.restore("--to", 3)
@@ -117,6 +121,14 @@ class RestoreTest(BoardTest):
                 self.assertEqual(run.json["reason"]["code"], code)
                 self.assertTrue(run.json["changed"])
                 self.assertEqual(run.partition(3)["status"], "unknown")
+
+    def test_a_restore_that_the_back_end_does_not_answer_is_sent_once(self):
+        for code in (2001, 2002, 2003):
+            with self.subTest(code=code):
+                self.board.control("refuse", RESTORE, code, "--times", 2)
+                self.restore("--to", 3)
+                self.assertRegex(self.board.control("status"), r"refused")
+                self.board.control("reset")
 
     def test_a_busy_board_is_asked_once(self):
         self.board.control("refuse", RESTORE, 1047)
@@ -159,6 +171,9 @@ class InterruptionTest(BoardTest):
         output, errors = process.communicate(timeout=60)
         return Run(process.args, process.returncode, output, errors)
 
+    def staged_files(self):
+        return [name for name in self.left_on_board() if name.startswith("restored_eficonf")]
+
     def wait_for(self, condition):
         end = time.monotonic() + 30
         while not condition():
@@ -179,12 +194,31 @@ class InterruptionTest(BoardTest):
                 self.wait_for(lambda: not self.left_on_board())
                 self.board.control("reset")
 
+    def test_after_sigkill_the_file_stays_until_its_session_ends(self):
+        file = self.write("new.dat", configuration_file(payload=b"Boot=killed\n"))
+        before = self.state()
+        # The page after the upload takes its time, so that the restore has not begun.
+        self.board.control("slow", 1500, "--times", 100)
+        process = self.start("restore", file, "--to", 3)
+        self.wait_for(self.staged_files)
+        process.kill()
+        process.communicate()
+        self.board.control("reset")
+        self.assertTrue(self.staged_files())
+        sessions = self.board.path(SESSIONS)
+        for name in os.listdir(sessions):
+            long_ago = time.time() - IDLE_SECONDS - 60
+            os.utime(sessions / name, (long_ago, long_ago))
+        # The next login ends such sessions.
+        self.assert_ended(self.efictl("list"), DONE)
+        self.wait_for(lambda: not self.left_on_board())
+        self.assertEqual(self.state(), before)
+
     def test_a_signal_during_a_restore_waits_for_its_outcome(self):
         file = self.write("new.dat", configuration_file(payload=b"Boot=signal\n"))
         before = self.state()
         process = self.start("restore", file, "--to", 3, "--json")
-        self.wait_for(lambda: [name for name in self.left_on_board()
-                               if name.startswith("restored_eficonf")])
+        self.wait_for(self.staged_files)
         # The requests of the page after the upload, and then the restore.
         self.board.control("slow", 1200, "--times", 8)
         time.sleep(0.3)
