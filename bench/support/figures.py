@@ -1,18 +1,29 @@
 """Measures processes, and requests through the web server."""
 
 import json
+import os
 import re
+import resource
 import shutil
 import statistics
 import subprocess
 import tempfile
+import time
 from pathlib import Path
 
 from support.board import BUILD, SCREEN
 
 
-def run_cases(cases, rounds):
+# Beside more than this share of a processor that others use, a measurement is made again.
+BUSY_SHARE = 0.25
+ATTEMPTS = 3
+
+
+def run_cases(cases, rounds, report_busy):
     """Measures cases, each (name, program, environment, input), in turn. See measure.cpp.
+
+    Measures again while others use the machine, and keeps the quietest of three; then calls
+    `report_busy` with the share of a processor that others used.
 
     What runs are copies, all made alike: how a file was written decides in how large pieces the
     kernel maps it, and a program as the linker leaves it takes a tenth longer than its copy.
@@ -24,14 +35,13 @@ def run_cases(cases, rounds):
             lines += ["case " + name, "program %s" % copy]
             lines += ["input %s" % body] if body else []
             lines += ["env %s=%s" % each for each in environment.items()]
-        result = subprocess.run(
-            [BUILD / "bench/measure", str(rounds)],
-            input="\n".join(lines) + "\n",
-            stdout=subprocess.PIPE,
-            text=True,
-            check=True,
-        )
-    measured = json.loads(result.stdout)
+        attempts = []
+        while not attempts or (attempts[-1][0] > BUSY_SHARE and len(attempts) < ATTEMPTS):
+            attempts.append(_measure("\n".join(lines) + "\n", rounds))
+    share, output = min(attempts, key=lambda attempt: attempt[0])
+    if share > BUSY_SHARE:
+        report_busy(share)
+    measured = json.loads(output)
     return {
         name: {
             "microseconds": statistics.median(values["wall"]),
@@ -42,6 +52,28 @@ def run_cases(cases, rounds):
         }
         for name, values in measured.items()
     }
+
+
+def _measure(cases, rounds):
+    """The share of a processor that others used meanwhile, and what measure.cpp prints."""
+    before = _others_seconds(), time.monotonic()
+    result = subprocess.run(
+        [BUILD / "bench/measure", str(rounds)],
+        input=cases,
+        stdout=subprocess.PIPE,
+        text=True,
+        check=True,
+    )
+    return (_others_seconds() - before[0]) / (time.monotonic() - before[1]), result.stdout
+
+
+def _others_seconds():
+    """Seconds that processors worked for others than the processes that this one has waited for."""
+    fields = Path("/proc/stat").read_text(encoding="ascii").split("\n", 1)[0].split()[1:9]
+    user, nice, system, _, _, interrupts, soft_interrupts, stolen = map(int, fields)
+    worked = user + nice + system + interrupts + soft_interrupts + stolen
+    own = resource.getrusage(resource.RUSAGE_CHILDREN)
+    return worked / os.sysconf("SC_CLK_TCK") - own.ru_utime - own.ru_stime
 
 
 def instructions(program, environment):

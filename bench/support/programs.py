@@ -14,6 +14,7 @@ EMPTY = {
 PAGES = {
     "page, C++, static": ["g++", "-O2", "-static", "-IPAGE", "page.cpp", "-o", "OUT"],
     "page, C++, dynamic": ["g++", "-O2", "-IPAGE", "page.cpp", "-o", "OUT"],
+    "floor": ["g++", "-O2", "-static", "-IPAGE", "floor.cpp", "-o", "OUT"],
     "page, libcgicc": ["g++", "-O2", "-IPAGE", "cgicc_page.cpp", "-lcgicc", "-o", "OUT"],
     "page, Perl CGI.pm": "page.pl",
     "page, Python cgi": "page.py",

@@ -62,6 +62,26 @@ def text_of(results):
     )
 
 
+def comparison(former, results):
+    """What each program took in a former run, and takes now."""
+
+    def change(before, now):
+        return "%.2f" % (now / before) if before and now else "-"
+
+    rows = []
+    for name, now in results["processes"].items():
+        before = former["processes"].get(name, {})
+        rows.append(
+            [name]
+            + [
+                change(before.get(key), now.get(key))
+                for key in ["microseconds", "processor", "peakKilobytes", "systemCalls", "instructions"]
+            ]
+        )
+    columns = ["program", "us", "CPU us", "peak KiB", "system calls", "instructions"]
+    return table("Now / then", columns, rows)
+
+
 def _plot(path, commands, data):
     script = "set terminal svg size 720,360 background '#ffffff' font 'sans-serif,12'\n"
     script += "set output '%s'\n%s\n" % (path, commands)

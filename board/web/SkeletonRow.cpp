@@ -9,9 +9,7 @@
 namespace VeskLib::Board {
 
 void SkeletonRow::print() const {
-    // The generator takes a map that it may change.
-    std::map<std::string, Gui::HTMLComponent*> places = components;
-    Gui::HTMLCodeGenerator(skeleton, &places).printHTML();
+    Gui::HTMLCodeGenerator(skeleton, &components).printHTML();
 }
 
 void SkeletonRow::put(const std::string& name, const std::string& text) {

@@ -170,4 +170,19 @@ TEST(ConfigurationFile, checksumIsTheUsualOne) {
     EXPECT_EQ(crc32(digits.data(), 0), 0U);
 }
 
+TEST(ConfigurationFile, checksumDoesNotDependOnThePieces) {
+    std::vector<unsigned char> bytes(23);
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        bytes[i] = static_cast<unsigned char>(37 * i + 200);
+    }
+    std::uint32_t expected = 0;
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        expected = crc32(&bytes[i], 1, expected);
+        for (std::size_t first = 0; first <= i + 1; ++first) {
+            const std::uint32_t start = crc32(bytes.data(), first);
+            EXPECT_EQ(crc32(bytes.data() + first, i + 1 - first, start), expected);
+        }
+    }
+}
+
 }  // namespace VeskLib::Test

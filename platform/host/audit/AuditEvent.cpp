@@ -5,6 +5,7 @@
 #include "platform/host/base/sha256.h"
 #include "platform/host/storage/ConfigurationFile.h"
 #include "platform/host/storage/ConfigurationFileReader.h"
+#include "platform/host/storage/checkFile.h"
 #include "platform/host/storage/files.h"
 
 #include <nlohmann/json.hpp>
@@ -94,29 +95,12 @@ void putCounts(Object& line, const std::map<std::string, unsigned int>& counts) 
     }
 }
 
-// Reads a file piece by piece.
-class Summary {
-public:
-    void take(const unsigned char* bytes, std::size_t size) {
-        sum.add({reinterpret_cast<const char*>(bytes), size});
-        reader.take(bytes, size);
-    }
-
-    std::optional<AuditedFile> finish() {
-        ConfigurationFile file;
-        if (!reader.finish(file)) {
-            return std::nullopt;
-        }
-        return AuditedFile{.sha256 = sum.finish(),
-                           .partition = file.partition,
-                           .version = file.version,
-                           .saved = file.saveTime};
-    }
-
-private:
-    SHA256 sum;
-    ConfigurationFileReader reader;
-};
+AuditedFile describe(const ConfigurationFile& file, const std::string& sha256) {
+    return {.sha256 = sha256,
+            .partition = file.partition,
+            .version = file.version,
+            .saved = file.saveTime};
+}
 
 }  // namespace
 
@@ -152,22 +136,23 @@ std::string encode(const AuditEvent& event, AuditTime time, const std::string& b
 }
 
 std::optional<AuditedFile> auditedFile(const std::vector<unsigned char>& bytes) {
-    Summary summary;
-    summary.take(bytes.data(), bytes.size());
-    return summary.finish();
+    ConfigurationFileReader reader;
+    reader.take(bytes.data(), bytes.size());
+    ConfigurationFile file;
+    if (!reader.finish(file)) {
+        return std::nullopt;
+    }
+    return describe(file, sha256Hex(bytes));
 }
 
 std::optional<AuditedFile> auditedFileAt(const std::string& path) {
     struct stat status = {};
     const Descriptor file(openOwnFile(path, LARGEST_CONFIGURATION_FILE, status));
-    Summary summary;
-    const auto take = [&summary](const unsigned char* bytes, std::size_t size) {
-        summary.take(bytes, size);
-    };
-    if (!file.isOpen() || !readPieces(file.get(), LARGEST_CONFIGURATION_FILE, take)) {
+    if (!file.isOpen()) {
         throw makePlatformException(FILE_NOT_READABLE, "The file cannot be read for the audit log");
     }
-    return summary.finish();
+    const std::optional<SummedFile> summed = sumFile(file.get());
+    return summed ? std::optional(describe(summed->file, summed->sha256)) : std::nullopt;
 }
 
 }  // namespace VeskLib::Host

@@ -1,5 +1,6 @@
 #include "platform/host/base/randomText.h"
 
+#include "platform/host/base/hexadecimal.h"
 #include "platform/host/base/platformException.h"
 
 #include <sys/random.h>
@@ -10,7 +11,6 @@
 namespace VeskLib::Host {
 
 std::string makeRandomText(std::size_t byteCount) {
-    static const char DIGITS[] = "0123456789abcdef";
     unsigned char bytes[32];
     ssize_t count = -1;
     do {
@@ -19,12 +19,7 @@ std::string makeRandomText(std::size_t byteCount) {
     if (count != static_cast<ssize_t>(byteCount)) {
         throw makePlatformException(NO_RANDOM_NUMBERS, "The kernel gives no random numbers");
     }
-    std::string text;
-    for (std::size_t i = 0; i < byteCount; ++i) {
-        text += DIGITS[bytes[i] >> 4];
-        text += DIGITS[bytes[i] & 0xF];
-    }
-    return text;
+    return toHexadecimal(bytes, byteCount);
 }
 
 }  // namespace VeskLib::Host

@@ -2,6 +2,7 @@
 
 #include "platform/host/base/scriptNonce.h"
 #include "platform/host/base/stagedFile.h"
+#include "platform/host/html/TextBuffer.h"
 #include "platform/host/html/escape.h"
 #include "platform/host/html/printText.h"
 #include "platform/host/html/sharedComponents.h"
@@ -10,40 +11,51 @@
 #include <VeskLib/Gui/MessageMgr.h>
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <iostream>
-#include <sstream>
 #include <utility>
 
 namespace VeskLib::Host {
 
 namespace {
 
-using Components = std::map<std::string, Gui::HTMLComponent*>;
+// A page has few components: searching them one by one is faster than searching the map.
+using Components = std::vector<std::pair<std::string_view, const Gui::HTMLComponent*>>;
 
 // Bytes of a skeleton for each of its pieces; most have fewer pieces.
 const std::size_t USUAL_PIECE = 32;
 
-bool isName(std::string_view text) {
-    return !text.empty() && std::all_of(text.begin(), text.end(), [](char character) {
-        return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z') ||
-               (character >= '0' && character <= '9') || character == '_';
-    });
+constexpr std::array<bool, 256> makeNameCharacters() {
+    std::array<bool, 256> table = {};
+    for (const char character :
+         std::string_view("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_")) {
+        table[static_cast<unsigned char>(character)] = true;
+    }
+    return table;
 }
 
-bool takeSuffix(std::string_view& text, std::string_view suffix) {
-    if (!text.ends_with(suffix)) {
-        return false;
-    }
-    text.remove_suffix(suffix.size());
-    return true;
+bool isNameCharacter(char character) {
+    static constexpr std::array<bool, 256> TABLE = makeNameCharacters();
+    return TABLE[static_cast<unsigned char>(character)];
 }
 
-Skeleton::Place takePlace(std::string_view& mark) {
-    if (takeSuffix(mark, "|script")) {
-        return Skeleton::Place::SCRIPT;
+// Removes the characters of a name from the start of `text` and returns them.
+std::string_view takeName(std::string_view& text) {
+    const auto end = std::find_if_not(text.begin(), text.end(), isNameCharacter);
+    const std::string_view name(text.begin(), end);
+    text.remove_prefix(name.size());
+    return name;
+}
+
+// Reads the place from the end of a mark. Returns false if it is not a place.
+bool readPlace(std::string_view ending, Skeleton::Place& place) {
+    if (ending == "|script") {
+        place = Skeleton::Place::SCRIPT;
+    } else if (ending == "|attribute") {
+        place = Skeleton::Place::ATTRIBUTE;
     }
-    return takeSuffix(mark, "|attribute") ? Skeleton::Place::ATTRIBUTE : Skeleton::Place::MARKUP;
+    return ending.empty() || place != Skeleton::Place::MARKUP;
 }
 
 // What a mark of one word prints.
@@ -54,22 +66,35 @@ Skeleton::Kind kindOf(std::string_view word) {
                                    : Skeleton::Kind::COMPONENT;
 }
 
-bool parseNumber(std::string_view text, int& number) {
+// Removes a number above 0 from the start of `text`. Returns false if there is none.
+bool takeNumber(std::string_view& text, int& number) {
     const std::from_chars_result result =
         std::from_chars(text.data(), text.data() + text.size(), number);
-    return result.ec == std::errc() && result.ptr == text.data() + text.size() && number > 0;
+    text.remove_prefix(static_cast<std::size_t>(result.ptr - text.data()));
+    return result.ec == std::errc() && number > 0;
+}
+
+// Removes a dash and the code of a message, 0 if it has none. Returns false if there is neither.
+bool takeCode(std::string_view& text, int& code) {
+    if (!text.starts_with('-')) {
+        return false;
+    }
+    text.remove_prefix(1);
+    if (text.starts_with('0')) {
+        text.remove_prefix(1);
+        return true;
+    }
+    return takeNumber(text, code);
 }
 
 const Gui::HTMLComponent* find(const Components& components, std::string_view name) {
-    static std::string key;  // keeps its memory from one name to the next
-    key.assign(name);
-    const auto entry = components.find(key);
-    return entry == components.end() ? findShared(key) : entry->second;
+    const auto entry = std::ranges::find(components, name, &Components::value_type::first);
+    return entry == components.end() ? findShared(name) : entry->second;
 }
 
 // What a component prints.
 std::string capture(const Gui::HTMLComponent& component) {
-    std::stringbuf buffer(std::ios::out);
+    TextBuffer buffer;
     std::streambuf* const page = std::cout.rdbuf(&buffer);
     try {
         component.printHTML();
@@ -78,10 +103,10 @@ std::string capture(const Gui::HTMLComponent& component) {
         throw;
     }
     std::cout.rdbuf(page);
-    return buffer.str();
+    return std::string(buffer.view());
 }
 
-std::string escapeFor(Skeleton::Place place, const std::string& text) {
+std::string escapeFor(Skeleton::Place place, std::string_view text) {
     return place == Skeleton::Place::SCRIPT ? escapeScript(text) : escapeHTML(text);
 }
 
@@ -144,34 +169,28 @@ void Skeleton::parse() {
 }
 
 bool Skeleton::parseMark(std::string_view mark, std::vector<std::size_t>& openConditions) {
-    const std::size_t blank = mark.find(' ');
-    if (blank == std::string_view::npos) {
-        return parseWord(mark, openConditions);
+    const std::string_view word = takeName(mark);
+    if (!mark.starts_with(' ')) {
+        return parseWord(word, mark, openConditions);
     }
-    const std::string_view kind = mark.substr(0, blank);
-    mark.remove_prefix(blank + 1);
-    if (kind == "if") {
+    mark.remove_prefix(1);
+    if (word == "if") {
         return parseCondition(Kind::IF, mark, openConditions);
     }
-    if (kind == "unless") {
+    if (word == "unless") {
         return parseCondition(Kind::UNLESS, mark, openConditions);
     }
     Piece& piece = pieces.emplace_back();
-    piece.place = takePlace(mark);
-    if (kind == "text") {
-        piece.kind = Kind::CAPTION;
-        return parseNumber(mark, piece.number);
-    }
-    piece.kind = Kind::MESSAGE;
-    const std::size_t dash = mark.find('-');
-    return kind == "message" && dash != std::string_view::npos &&
-           parseNumber(mark.substr(0, dash), piece.number) &&
-           (mark.substr(dash) == "-0" || parseNumber(mark.substr(dash + 1), piece.code));
+    piece.kind = word == "text" ? Kind::CAPTION : Kind::MESSAGE;
+    return takeNumber(mark, piece.number) &&
+           (word == "text" || (word == "message" && takeCode(mark, piece.code))) &&
+           readPlace(mark, piece.place);
 }
 
 // A mark of one word: a component, unless it is one of those that have a meaning.
-bool Skeleton::parseWord(std::string_view word, std::vector<std::size_t>& openConditions) {
-    if (word == "end") {
+bool Skeleton::parseWord(std::string_view word, std::string_view ending,
+                         std::vector<std::size_t>& openConditions) {
+    if (word == "end" && ending.empty()) {
         if (openConditions.empty()) {
             return false;
         }
@@ -181,20 +200,17 @@ bool Skeleton::parseWord(std::string_view word, std::vector<std::size_t>& openCo
     }
     Piece& piece = pieces.emplace_back();
     piece.kind = kindOf(word);
-    if (piece.kind != Kind::COMPONENT) {
-        return true;
-    }
-    piece.place = takePlace(word);
     piece.text = word;
-    // With an ending, a word that has a meaning would otherwise be a component that prints nothing.
-    return isName(word) && word != "end" && kindOf(word) == Kind::COMPONENT;
+    // Only a component can have a place.
+    return !word.empty() && word != "end" &&
+           (piece.kind == Kind::COMPONENT ? readPlace(ending, piece.place) : ending.empty());
 }
 
 bool Skeleton::parseCondition(Kind kind, std::string_view name,
                               std::vector<std::size_t>& openConditions) {
     openConditions.push_back(pieces.size());
-    pieces.push_back({.kind = kind, .text = name});
-    return isName(name);
+    pieces.push_back({.kind = kind, .text = takeName(name)});
+    return name.empty() && !pieces.back().text.empty();
 }
 
 void Skeleton::fail(std::size_t offset, const char* problem) const {
@@ -205,7 +221,8 @@ void Skeleton::fail(std::size_t offset, const char* problem) const {
                         static_cast<unsigned int>(offset - lineStart + 1), problem};
 }
 
-void Skeleton::print(const Components& components) const {
+void Skeleton::print(const std::map<std::string, Gui::HTMLComponent*>& map) const {
+    const Components components(map.begin(), map.end());
     for (std::size_t i = 0; i < pieces.size(); ++i) {
         const Piece& piece = pieces[i];
         switch (piece.kind) {

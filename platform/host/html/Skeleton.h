@@ -71,7 +71,8 @@ private:
     void parse();
     bool parseCondition(Kind kind, std::string_view name, std::vector<std::size_t>& openConditions);
     bool parseMark(std::string_view mark, std::vector<std::size_t>& openConditions);
-    bool parseWord(std::string_view word, std::vector<std::size_t>& openConditions);
+    bool parseWord(std::string_view word, std::string_view ending,
+                   std::vector<std::size_t>& openConditions);
     [[noreturn]] void fail(std::size_t offset, const char* problem) const;
 
     std::string source;

@@ -2,6 +2,7 @@
 
 #include "platform/host/html/printText.h"
 
+#include <algorithm>
 #include <array>
 
 namespace VeskLib::Host {
@@ -112,21 +113,23 @@ std::string_view findReference(std::string_view rest, std::size_t& size) {
 // Hands on `text` in pieces, with what `find` finds in place of its characters.
 template <typename Find, typename Consumer>
 void forEachPiece(std::string_view text, Find find, Consumer consume) {
-    std::size_t handedOn = 0;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (!FIRST_BYTES[static_cast<unsigned char>(text[i])]) {
-            continue;
-        }
-        std::size_t size = 0;
-        const std::string_view found = find(text.substr(i), size);
+    const auto mayBeReplaced = [](char character) {
+        return FIRST_BYTES[static_cast<unsigned char>(character)];
+    };
+    const char* handedOn = text.data();
+    const char* const end = text.data() + text.size();
+    const char* next = std::find_if(handedOn, end, mayBeReplaced);
+    while (next != end) {
+        std::size_t size = 1;
+        const std::string_view found = find({next, end}, size);
         if (!found.empty()) {
-            consume(text.substr(handedOn, i - handedOn));
+            consume({handedOn, next});
             consume(found);
-            handedOn = i + size;
-            i = handedOn - 1;
+            handedOn = next + size;
         }
+        next = std::find_if(found.empty() ? next + 1 : handedOn, end, mayBeReplaced);
     }
-    consume(text.substr(handedOn));
+    consume({handedOn, end});
 }
 
 }  // namespace

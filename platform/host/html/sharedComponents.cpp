@@ -2,31 +2,48 @@
 
 #include <VeskLib/Gui/TextString.h>
 
-#include <map>
+#include <algorithm>
 #include <memory>
+#include <vector>
 
 namespace VeskLib::Host {
 
 namespace {
 
-std::map<std::string, std::unique_ptr<Gui::HTMLComponent>>& sharedComponents() {
-    static std::map<std::string, std::unique_ptr<Gui::HTMLComponent>> components;
+struct Shared {
+    std::string name;
+    std::unique_ptr<Gui::HTMLComponent> component;
+};
+
+// There are few of them: a search goes through all.
+std::vector<Shared>& sharedComponents() {
+    static std::vector<Shared> components;
     return components;
+}
+
+std::vector<Shared>::iterator find(std::string_view name) {
+    return std::ranges::find(sharedComponents(), name, &Shared::name);
 }
 
 }  // namespace
 
-void shareText(const std::string& name, const std::string& text) {
-    sharedComponents()[name] = std::make_unique<Gui::TextString>(text);
+void shareText(std::string_view name, const std::string& text) {
+    auto component = std::make_unique<Gui::TextString>(text);
+    const auto known = find(name);
+    if (known != sharedComponents().end()) {
+        known->component = std::move(component);
+    } else {
+        sharedComponents().push_back({std::string(name), std::move(component)});
+    }
 }
 
-void unshare(const std::string& name) {
-    sharedComponents().erase(name);
+void unshare(std::string_view name) {
+    std::erase_if(sharedComponents(), [name](const Shared& shared) { return shared.name == name; });
 }
 
-const Gui::HTMLComponent* findShared(const std::string& name) {
-    const auto entry = sharedComponents().find(name);
-    return entry == sharedComponents().end() ? nullptr : entry->second.get();
+const Gui::HTMLComponent* findShared(std::string_view name) {
+    const auto known = find(name);
+    return known == sharedComponents().end() ? nullptr : known->component.get();
 }
 
 }  // namespace VeskLib::Host

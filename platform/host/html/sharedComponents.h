@@ -3,6 +3,7 @@
 #include <VeskLib/Gui/HTMLComponent.h>
 
 #include <string>
+#include <string_view>
 
 namespace VeskLib::Host {
 
@@ -10,13 +11,13 @@ namespace VeskLib::Host {
 // header of a page says. A component of the page's own map comes before one of the same name.
 
 // Makes `name` a component that prints `text`, escaped; one that had the name is replaced.
-void shareText(const std::string& name, const std::string& text);
+void shareText(std::string_view name, const std::string& text);
 
 // Removes the component `name`, if there is one.
-void unshare(const std::string& name);
+void unshare(std::string_view name);
 
 // Returns the shared component `name`, or null. It stays valid until the name is shared again or
 // removed.
-const Gui::HTMLComponent* findShared(const std::string& name);
+const Gui::HTMLComponent* findShared(std::string_view name);
 
 }  // namespace VeskLib::Host

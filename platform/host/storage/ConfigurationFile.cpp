@@ -10,19 +10,30 @@ namespace VeskLib::Host {
 
 namespace {
 
-constexpr std::array<std::uint32_t, 256> makeChecksumTable() {
-    std::array<std::uint32_t, 256> table = {};
-    for (std::uint32_t i = 0; i < table.size(); ++i) {
+const std::size_t STEP = 4;  // bytes that are looked up independently of each other
+
+using ChecksumTables = std::array<std::array<std::uint32_t, 256>, STEP>;
+
+// The first table has the CRC of each byte, each further one that of the byte and one more zero.
+constexpr ChecksumTables makeChecksumTables() {
+    ChecksumTables tables = {};
+    for (std::uint32_t i = 0; i < 256; ++i) {
         std::uint32_t value = i;
         for (int bit = 0; bit < 8; ++bit) {
             value = (value & 1) != 0 ? value >> 1 ^ 0xEDB88320U : value >> 1;
         }
-        table[i] = value;
+        tables[0][i] = value;
     }
-    return table;
+    for (std::size_t table = 1; table < STEP; ++table) {
+        for (std::size_t i = 0; i < 256; ++i) {
+            const std::uint32_t before = tables[table - 1][i];
+            tables[table][i] = before >> 8 ^ tables[0][before & 0xFF];
+        }
+    }
+    return tables;
 }
 
-constexpr std::array<std::uint32_t, 256> CHECKSUM_TABLE = makeChecksumTable();
+constexpr ChecksumTables CHECKSUM_TABLES = makeChecksumTables();
 
 }  // namespace
 
@@ -64,9 +75,17 @@ bool decode(const std::vector<unsigned char>& bytes, ConfigurationFile& file) {
 }
 
 std::uint32_t crc32(const unsigned char* bytes, std::size_t size, std::uint32_t before) {
+    const auto& [last, third, second, first] = CHECKSUM_TABLES;
     std::uint32_t value = ~before;
-    for (std::size_t i = 0; i < size; ++i) {
-        value = value >> 8 ^ CHECKSUM_TABLE[(value ^ bytes[i]) & 0xFF];
+    for (; size >= STEP; size -= STEP, bytes += STEP) {
+        value ^= static_cast<std::uint32_t>(bytes[0]) | static_cast<std::uint32_t>(bytes[1]) << 8 |
+                 static_cast<std::uint32_t>(bytes[2]) << 16 |
+                 static_cast<std::uint32_t>(bytes[3]) << 24;
+        value = first[value & 0xFF] ^ second[value >> 8 & 0xFF] ^ third[value >> 16 & 0xFF] ^
+                last[value >> 24];
+    }
+    for (; size != 0; --size, ++bytes) {
+        value = value >> 8 ^ last[(value ^ *bytes) & 0xFF];
     }
     return ~value;
 }

@@ -14,7 +14,6 @@
 #include <iostream>
 #include <new>
 #include <string_view>
-#include <utility>
 
 namespace VeskLib::Host {
 
@@ -93,18 +92,14 @@ bool sendLastResort() {
 }  // namespace
 
 Response::Response()
-    : body(std::ios::out),
-      original(std::cout.rdbuf(&body)),
-      originalExceptions(std::cout.exceptions()) {
+    : original(std::cout.rdbuf(&body)), originalExceptions(std::cout.exceptions()) {
     std::cout.exceptions(std::ios::badbit);
     // A browser that is gone and a full disk are errors that are reported, not deaths.
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
     occupyStandardDescriptors();
     try {
-        std::string room;
-        room.reserve(USUAL_PAGE);
-        body.str(std::move(room));
+        body.reserve(USUAL_PAGE);
     } catch (const std::bad_alloc&) {
         // It grows when it is printed to, or tells then that it cannot.
     }
@@ -133,7 +128,7 @@ void Response::addHeader(const std::string& name, const std::string& value) {
 }
 
 void Response::discard() {
-    body.str({});
+    body.clear();
     headers.clear();
     contentType.clear();
     std::cout.clear();

@@ -1,6 +1,8 @@
 #pragma once
 
-#include <sstream>
+#include "platform/host/html/TextBuffer.h"
+
+#include <ios>
 #include <streambuf>
 #include <string>
 
@@ -50,7 +52,7 @@ private:
     int status = 200;
     std::string contentType;  // empty for HTML_CONTENT, so that construction takes no memory
     std::string headers;
-    std::stringbuf body;
+    TextBuffer body;
     std::streambuf* original;
     std::ios::iostate originalExceptions;
 };

@@ -7,7 +7,7 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstdio>
+#include <cstdint>
 #include <ctime>
 #include <string>
 
@@ -25,6 +25,11 @@ void shareSeconds(const char* name, std::time_t seconds) {
     shareText(name, std::to_string(std::max<std::time_t>(seconds, 0)));
 }
 
+// Of a number below 100.
+std::string twoDigits(std::int64_t number) {
+    return {static_cast<char>('0' + number / 10), static_cast<char>('0' + number % 10)};
+}
+
 // Without gmtime_r(), which reads the board's time zone.
 void shareEnd(std::time_t time) {
     using namespace std::chrono;
@@ -32,17 +37,13 @@ void shareEnd(std::time_t time) {
     const sys_days day = floor<days>(end);
     const year_month_day date(day);
     const hh_mm_ss clock(end - day);
-    char text[64];
-    static_cast<void>(std::snprintf(
-        text, sizeof text, "%04d-%02u-%02uT%02d:%02d:%02dZ", static_cast<int>(date.year()),
-        static_cast<unsigned int>(date.month()), static_cast<unsigned int>(date.day()),
-        static_cast<int>(clock.hours().count()), static_cast<int>(clock.minutes().count()),
-        static_cast<int>(clock.seconds().count())));
-    shareText("session_end", text);
-    static_cast<void>(std::snprintf(text, sizeof text, "%02d:%02d UTC",
-                                    static_cast<int>(clock.hours().count()),
-                                    static_cast<int>(clock.minutes().count())));
-    shareText("session_end_utc", text);
+    const std::string minute =
+        twoDigits(clock.hours().count()) + ":" + twoDigits(clock.minutes().count());
+    shareText("session_end", std::to_string(static_cast<int>(date.year())) + "-" +
+                                 twoDigits(static_cast<unsigned int>(date.month())) + "-" +
+                                 twoDigits(static_cast<unsigned int>(date.day())) + "T" + minute +
+                                 ":" + twoDigits(clock.seconds().count()) + "Z");
+    shareText("session_end_utc", minute + " UTC");
 }
 
 }  // namespace

@@ -1,0 +1,160 @@
+"""Counts what requests cost: the instructions of the program from main() on, and its system calls.
+Other work on the machine does not change these counts.
+
+Fails if a request costs 2 % more instructions than costs.json says, or one system call more, and names
+the functions that grew. `test_counts.py --renew` writes the current counts to costs.json.
+"""
+
+import importlib.util
+import json
+import os
+import re
+import subprocess
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+
+TESTS = Path(__file__).resolve().parents[1]
+PROJECT = TESTS.parent
+sys.path.insert(0, str(TESTS / "faults"))
+sys.dont_write_bytecode = True
+
+from support.board import Installation  # noqa: E402
+from support.program import runProgram  # noqa: E402
+from support.requestTypes import REQUEST_TYPES  # noqa: E402
+from support.scene import Scene  # noqa: E402
+
+COSTS = Path(__file__).with_name("costs.json")
+REQUESTS = ("backup page", "restore page", "backup", "upload", "restore")
+TOLERANCE = 0.02
+# Functions with a smaller share of a request are not recorded.
+SMALLEST_SHARE = 0.005
+# The C library selects functions by processor. Without these features it selects the same ones on all.
+ENVIRONMENT = {"GLIBC_TUNABLES": "glibc.cpu.hwcaps=-AVX2,-AVX,-ERMS,-FSRM", "TZ": ":/etc/localtime"}
+
+
+class Counter:
+    """A board and what its requests cost on it."""
+
+    def __init__(self):
+        self.installation = Installation(str(PROJECT), os.environ.get("BOARD_PRESET", "release"))
+        self.folder = tempfile.TemporaryDirectory(prefix="costs-")
+        self.scene = Scene(self.installation)
+
+    def close(self):
+        self.scene.remove()
+        self.installation.remove()
+        self.folder.cleanup()
+
+    def count(self, kind):
+        return {"system calls": len(self.system_calls(kind)), **self.instructions(kind)}
+
+    def instructions(self, kind):
+        path = Path(self.folder.name, "callgrind")
+        self.run(kind, "valgrind", "--tool=callgrind", "--toggle-collect=main", "--compress-strings=no",
+                 "--compress-pos=no", f"--callgrind-out-file={path}")
+        return read_profile(path.read_text(encoding="utf-8"))
+
+    def system_calls(self, kind, program=None):
+        """The names of the program's system calls, without those of the C++ library's start."""
+        path = Path(self.folder.name, "strace")
+        self.run(kind, "strace", "-o", path, program=program)
+        calls = re.findall(r"^(\w+)\(", path.read_text(encoding="utf-8"), re.M)
+        return calls[calls.index("rt_sigaction"):]
+
+    def run(self, kind, *prefix, program=None):
+        request = REQUEST_TYPES[kind]().prepare(self.scene)
+        for path in self.scene.sessions:
+            os.utime(self.scene.board.path(path))  # otherwise the request records the use
+        if program is not None:
+            request["program"] = str(program)
+        run = runProgram(self.scene.board, request, prefix=prefix, more=ENVIRONMENT)
+        if run.exitStatus != 0 or not run.output.startswith(b"Status: 200"):
+            raise AssertionError(f"{kind}: {run.exitStatus} {run.output!r} {run.errors!r}")
+        return run.output
+
+    def page(self):
+        """The bytes of the backup page."""
+        return self.run("backup page").partition(b"\r\n\r\n")[2]
+
+
+def load(path):
+    """A module of another folder, which has a package of the same name."""
+    spec = importlib.util.spec_from_file_location("shared_" + path.stem, path)
+    module = importlib.util.module_from_spec(spec)
+    spec.loader.exec_module(module)
+    return module
+
+
+def read_profile(text):
+    """The total, and the cost of each large function without the functions that it calls."""
+    functions = {}
+    name = None
+    called = False
+    for line in text.splitlines():
+        if line.startswith("fn="):
+            name = line[3:]
+        elif line.startswith("calls="):
+            called = True
+        elif re.match(r"[+*\d-]", line):
+            # The line after "calls=" is the cost of the called function.
+            if not called:
+                functions[name] = functions.get(name, 0) + int(line.split()[1])
+            called = False
+    total = sum(functions.values())
+    large = {each: cost for each, cost in sorted(functions.items(), key=lambda item: -item[1])
+             if cost >= SMALLEST_SHARE * total}
+    return {"instructions": total, "functions": large}
+
+
+def growth_of(before, now):
+    """The functions that grew, the largest growth first."""
+    grown = {name: cost - before.get(name, 0) for name, cost in now.items()}
+    lines = [f"  {name}: {before.get(name, 0):,} to {now[name]:,}"
+             for name, more in sorted(grown.items(), key=lambda item: -item[1]) if more > 0]
+    return "\n".join(lines[:8])
+
+
+class Costs(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.counter = Counter()
+        cls.addClassCleanup(cls.counter.close)
+        cls.costs = json.loads(COSTS.read_text(encoding="utf-8"))
+
+    def test_no_request_costs_more_than_recorded(self):
+        for kind in REQUESTS:
+            with self.subTest(kind):
+                before, now = self.costs[kind], self.counter.count(kind)
+                self.assertLessEqual(now["system calls"], before["system calls"])
+                limit = before["instructions"] * (1 + TOLERANCE)
+                self.assertLessEqual(
+                    now["instructions"], limit,
+                    "more than 2 % above what costs.json has:\n"
+                    + growth_of(before["functions"], now["functions"]))
+                if now["instructions"] < before["instructions"] * (1 - TOLERANCE):
+                    print(f"{kind}: {now['instructions']:,} instructions, in costs.json "
+                          f"{before['instructions']:,}: renew it")
+
+    def test_the_floor_makes_the_system_calls_of_the_backup_page(self):
+        programs = load(PROJECT / "bench/support/programs.py")
+        floor = programs.build(["floor"], Path(self.counter.folder.name), self.counter.page())["floor"]
+        self.assertEqual(self.counter.system_calls("backup page", floor),
+                         self.counter.system_calls("backup page"))
+
+
+def renew():
+    counter = Counter()
+    try:
+        costs = {kind: counter.count(kind) for kind in REQUESTS}
+    finally:
+        counter.close()
+    COSTS.write_text(json.dumps(costs, indent=1) + "\n", encoding="utf-8")
+
+
+if __name__ == "__main__":
+    if sys.argv[1:] == ["--renew"]:
+        renew()
+    else:
+        unittest.main()
