@@ -11,8 +11,7 @@ target_precompile_headers(test_headers PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
 set_target_properties(test_headers PROPERTIES POSITION_INDEPENDENT_CODE OFF)
 
 # Lets only as many of these tests run at once as there are processors: ./check has four slots for each
-# processor, and such a test takes four. A test that mostly waits takes one. Of tests that take long
-# the longest start first.
+# processor, and such a test takes four. A test that mostly waits takes one.
 function(keeps_processor_busy)
     set_tests_properties(${ARGN} PROPERTIES PROCESSORS 4)
 endfunction()
@@ -31,8 +30,8 @@ endfunction()
 #
 # To run one test: PROGRAM --gtest_filter=SUITE.TEST. `tools/list_tests` prints the names of all.
 #
-# The longest test waits five seconds for a lock. What a test waits for has a deadline of up to two
-# minutes, after which the test ends with a message; the time limit is for what has none.
+# What a test waits for has a deadline of up to two minutes, after which the test ends with a message;
+# the time limit is for what has none.
 function(register_tests program group)
     cmake_parse_arguments(PARSE_ARGV 2 tests "QUICK;WORKS" SHARDS "")
     target_compile_options(${program} PRIVATE ${test_code_options})
