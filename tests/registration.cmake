@@ -10,29 +10,49 @@ target_precompile_headers(test_headers PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
 # As in a program.
 set_target_properties(test_headers PROPERTIES POSITION_INDEPENDENT_CODE OFF)
 
-# Adds the tests of a test program to ctest, with `prefix` before their names. In an emulator a
-# program's start costs more than its tests, so that they run in one process there.
+# Lets only as many of these tests run at once as there are processors: ./check has four slots for each
+# processor, and such a test takes four. A test that mostly waits takes one.
+function(keeps_processor_busy)
+    set_tests_properties(${ARGN} PROPERTIES PROCESSORS 4)
+endfunction()
+
+# Sets `variable` to the setting by which a test counts what it reaches, where a build counts, for
+# tools/coverage.
+function(profile_of group variable)
+    set(${variable} "LLVM_PROFILE_FILE=${PROJECT_BINARY_DIR}/profiles/${group}/%m.profraw" PARENT_SCOPE)
+endfunction()
+
+# Adds the tests of a test program to ctest, as `group`, or as `group`.1 to `group`.N with SHARDS N.
+# Each of these is one process, which runs its share of the program's tests in an order of its own:
+# to start a process costs more than most tests, and waiting for several at once no more than for one.
 #
-# The longest test waits five seconds for a lock. What a test waits for has a deadline of up to two
-# minutes, after which the test ends with a message; the time limit is for what has none.
-function(register_tests program prefix)
+# WORKS is for tests that keep a processor busy, QUICK for those of `./check quick`.
+#
+# To run one test: PROGRAM --gtest_filter=SUITE.TEST. `tools/list_tests` prints the names of all.
+#
+# What a test waits for has a deadline of up to two minutes, after which the test ends with a message;
+# the time limit is for what has none.
+function(register_tests program group)
+    cmake_parse_arguments(PARSE_ARGV 2 tests "QUICK;WORKS" SHARDS "")
     target_compile_options(${program} PRIVATE ${test_code_options})
     target_precompile_headers(${program} REUSE_FROM test_headers)
-    if(UNITY_TESTS)
-        set_target_properties(${program} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 9)
-        # A fixture in an anonymous namespace is still its file's own; and memory is cheaper than
-        # the compiler's search for what it no longer needs.
-        target_compile_options(${program} PRIVATE
-            -Wno-subobject-linkage --param=ggc-min-heapsize=1000000)
+    if(CMAKE_CROSSCOMPILING OR NOT tests_SHARDS)
+        # An emulator takes longer to start than to wait.
+        set(tests_SHARDS 1)
     endif()
-    if(CMAKE_CROSSCOMPILING)
-        add_test(NAME ${prefix}${program} COMMAND ${program} --gtest_brief=1)
-        set_tests_properties(${prefix}${program} PROPERTIES TIMEOUT 900)
-    else()
-        set(properties ${ARGN})
-        if(NOT properties)
-            set(properties PROPERTIES TIMEOUT 300)
+    profile_of(${group} profile)
+    foreach(shard RANGE 1 ${tests_SHARDS})
+        set(name ${group})
+        if(tests_SHARDS GREATER 1)
+            string(APPEND name .${shard})
         endif()
-        gtest_discover_tests(${program} TEST_PREFIX "${prefix}" DISCOVERY_TIMEOUT 60 ${properties})
-    endif()
+        math(EXPR index "${shard} - 1")
+        add_test(NAME ${name} COMMAND ${program} --gtest_shuffle)
+        set_tests_properties(${name} PROPERTIES TIMEOUT 900
+            LABELS "googletest$<$<BOOL:${tests_QUICK}>:;quick>"
+            ENVIRONMENT "GTEST_TOTAL_SHARDS=${tests_SHARDS};GTEST_SHARD_INDEX=${index};${profile}")
+        if(tests_WORKS)
+            keeps_processor_busy(${name})
+        endif()
+    endforeach()
 endfunction()

@@ -18,9 +18,9 @@ std::string quickHash(const std::string& password) {
 class AuthenticatorTest : public testing::Test {
 protected:
     AuthenticatorTest() {
-        board.users.push_back({"admin", quickHash("secret"), false, ",105,106,"});
-        board.users.push_back({"viewer", quickHash("päss"), false, ""});
-        board.users.push_back({"empty", quickHash(""), false, ""});
+        board.users.push_back({"admin", quickHash("secret"), {false, ",105,106,"}});
+        board.users.push_back({"viewer", quickHash("päss"), {false, ""}});
+        board.users.push_back({"empty", quickHash(""), {false, ""}});
     }
 
     // The user that is let in; "nobody" when none is.

@@ -8,7 +8,7 @@ import tempfile
 import unittest
 from pathlib import Path
 
-from support.board import BUILD
+from support.board import BUILD, listed_tests
 from support.document import PROJECT, Document, codes_in
 from support.source import read
 
@@ -149,9 +149,7 @@ class Names(unittest.TestCase):
         self.for_each(check)
 
     def test_tests_that_are_named_exist(self):
-        listed = subprocess.run(["ctest", "--test-dir", BUILD, "-N"], check=True,
-                                capture_output=True, text=True).stdout
-        tests = re.findall(r"Test\s+#\d+: (\S+)", listed)
+        tests = listed_tests()
 
         def check(document):
             listed = r"\bthe tests? ((?:`[\w.]+`(?:,? (?:and )?)?)+)"

@@ -7,7 +7,7 @@ import stat
 import subprocess
 import unittest
 
-from support.board import BUILD, SCREEN, BoardDocumentTest, Client
+from support.board import SCREEN, BoardDocumentTest, Client, listed_tests
 from support.document import PROJECT, Document, codes_in
 from support.source import constant, read
 
@@ -36,9 +36,7 @@ class Security(BoardDocumentTest):
             r"Tests named `x\.test` are in `([^`]+)`, the others in (.*?)\. \|")
         others = [each.removeprefix("tests/") for each in codes_in(rest)]
         suites = set().union(*(tests_of(each) for each in others)) | set(others)
-        listed = subprocess.run(["ctest", "--test-dir", BUILD, "-N"], check=True,
-                                capture_output=True, text=True).stdout
-        tests = set(re.findall(r"Test\s+#\d+: (\S+)", listed))
+        tests = set(listed_tests())
         porting = next(rows for cells, rows in Document("docs/porting.md").tables()
                        if cells == ["what the board must do", "here", "held by"])
         suites |= tests_of("contract")

@@ -9,13 +9,13 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-const std::chrono::seconds TIME_LIMIT(100);
+const std::chrono::seconds PATIENCE(100);
 const std::chrono::milliseconds PAUSE(1);
 
 }  // namespace
 
 bool happensInTime(const std::function<bool()>& condition) {
-    const Clock::time_point end = Clock::now() + TIME_LIMIT;
+    const Clock::time_point end = Clock::now() + PATIENCE;
     while (!condition()) {
         if (Clock::now() >= end) {
             return false;

@@ -111,8 +111,6 @@ void expectEnd(std::size_t end) {
 // Objects begin with the pointer to their virtual operations, if they have any.
 const std::size_t VIRTUAL = sizeof(void*);
 
-}  // namespace
-
 template struct Reveal<MetaTag, &MetaTag::name, &MetaTag::content, &MetaTag::contentUrl,
                        &MetaTag::reserved>;
 template struct Reveal<HTMLContainer, &HTMLContainer::children, &HTMLContainer::breakBetween>;
@@ -141,8 +139,6 @@ template struct Reveal<
     EFIBackupRestorePage, &EFIBackupRestorePage::processMode,
     &EFIBackupRestorePage::restoreFinished, &EFIBackupRestorePage::stagingFilePath,
     &EFIBackupRestorePage::stagingLockPath, &EFIBackupRestorePage::backupFilePath>;
-
-namespace {
 
 std::size_t expectBaseLayout() {
     return expectLayout<HTMLCodeGenerator*, MessageMgr&, ComponentMap, trace::VeskTrace, int*, int,

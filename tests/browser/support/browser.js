@@ -25,7 +25,8 @@ const FIREFOX = {
     executablePath: "/usr/bin/firefox-esr",
 };
 
-export const BROWSERS = ["chromium", "firefox"];
+// TEST_BROWSERS may name one of them only.
+export const BROWSERS = process.env.TEST_BROWSERS?.split(",") ?? ["chromium", "firefox"];
 
 const PATIENCE = {
     timeout: PATIENCE_MILLISECONDS,

@@ -20,6 +20,12 @@ SCREEN = "/maintenance/efi_backup_restore.cgi"
 BOUNDARY = "----documents"
 
 
+def listed_tests():
+    """The names of the build's tests, those of GoogleTest after their group's."""
+    return subprocess.run([PROJECT / "tools/list_tests", BUILD], check=True, capture_output=True,
+                          text=True).stdout.splitlines()
+
+
 class Board:
     """Serves the build without building it, on a free port and a root of its own."""
 
