@@ -1,4 +1,4 @@
-// A restore whose page has given up happens no more. In every browser, with and without scripts.
+// A restore does not happen once its page has given up. In every browser, with and without scripts.
 
 import assert from "node:assert/strict";
 import { readFile } from "node:fs/promises";

@@ -33,6 +33,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                   "without space around it");
     const bool isWhole = answer.takeBody(text) && answer.takeBody(text);
     Fuzz::require(isWhole == (2 * size <= LIMIT), "a body is limited");
-    Fuzz::require(response.body.size() <= LIMIT, "no more than that is kept");
+    Fuzz::require(response.body.size() <= LIMIT, "the body stays within the limit");
     return 0;
 }
