@@ -28,6 +28,16 @@ target_compile_options(program_options INTERFACE -ffunction-sections -fdata-sect
 if(STATIC_PROGRAM)
     # With machine code beside what the linker optimises, so that tests link as ever.
     target_compile_options(program_options INTERFACE -flto=auto -ffat-lto-objects)
+    # The index of a library is of its machine code, too. Left to itself, ar lists what only the
+    # optimiser sees; a test would be given the same object again for each library that is listed twice.
+    math(EXPR word_bits "8 * ${CMAKE_SIZEOF_VOID_P}")
+    string(TOLOWER ${CMAKE_CXX_BYTE_ORDER} byte_order)
+    string(REPLACE "_endian" "" byte_order ${byte_order})
+    set(CMAKE_CXX_ARCHIVE_CREATE
+        "<CMAKE_AR> --target=elf${word_bits}-${byte_order} qcs <TARGET> <OBJECTS>")
+    set(CMAKE_CXX_ARCHIVE_APPEND
+        "<CMAKE_AR> --target=elf${word_bits}-${byte_order} qs <TARGET> <OBJECTS>")
+    set(CMAKE_CXX_ARCHIVE_FINISH "")
 endif()
 
 # Links an executable of program_options so that it starts quickly.

@@ -16,6 +16,11 @@ function(keeps_processor_busy)
     set_tests_properties(${ARGN} PROPERTIES PROCESSORS 4)
 endfunction()
 
+# Starts these tests first, because the others take less than they do.
+function(takes_long)
+    set_tests_properties(${ARGN} PROPERTIES COST 100)
+endfunction()
+
 # Sets `variable` to the setting by which a test counts what it reaches, where a build counts, for
 # tools/coverage.
 function(profile_of group variable)

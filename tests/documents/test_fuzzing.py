@@ -96,7 +96,7 @@ class Fuzzing(DocumentTest):
         self.assertEqual("%.1f" % (100 * int(caught) / int(rest)), percent)
 
     def test_what_is_left_names_sources(self):
-        names = {path.name for folder in ("platform", "board")
+        names = {path.name for folder in ("platform", "board", "data", "pages")
                  for path in (PROJECT / folder).rglob("*.cpp")}
         for where, _, _ in self.table("where", "branches that are not reached", "why"):
             for name in codes_in(where):
@@ -107,7 +107,7 @@ class Fuzzing(DocumentTest):
         text = read("CMakeLists.txt")
         self.assertIn("-fsanitize=fuzzer-no-link", text)
         self.assertIn("-fsanitize=address,undefined", text)
-        presets = {each["name"]: each["cacheVariables"]
+        presets = {each["name"]: each.get("cacheVariables", {})
                    for each in json.loads(read("CMakePresets.json"))["configurePresets"]}
         for name in ("asan", "fuzz"):
             for variable, value in (("CMAKE_CXX_COMPILER", "clang++"), ("SANITIZE", "ON"),
