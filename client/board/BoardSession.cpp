@@ -212,7 +212,7 @@ std::string BoardSession::end() noexcept {
             ask(makePost(SCREEN, {{"functionID", RESTORE_FUNCTION}, {"hidden_status", "3"}}));
         }
     } catch (const std::exception& error) {
-        left = std::string("The uploaded file may still be on the board until the session ends: ") +
+        left = std::string("The uploaded file may stay on the board until the session ends: ") +
                error.what();
     }
     try {
@@ -224,7 +224,7 @@ std::string BoardSession::end() noexcept {
         }
     } catch (const std::exception& error) {
         left += (left.empty() ? "" : " ") +
-                std::string("The session could not be ended; it ends by itself: ") + error.what();
+                std::string("The logout failed; the session will end by itself: ") + error.what();
     }
     return left;
 }

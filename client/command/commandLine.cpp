@@ -10,10 +10,9 @@ namespace Efictl {
 namespace {
 
 const char* const STATUSES =
-    "Exit status: 0 done; 1 something differs, or there was nothing to do where that was asked;\n"
-    "2 wrong usage; 3 no board answers, or none that can be trusted or understood; 4 refused; 5 "
-    "the\n"
-    "outcome of a change is not known; 6 something failed on this machine.";
+    "Exit status: 0 done; 1 differences found, or nothing stored with --exit-code; 2 wrong usage;\n"
+    "3 no board answers, or its answer cannot be trusted or understood; 4 refused; 5 the outcome\n"
+    "of a restore is not known; 6 failure on this machine.";
 
 const unsigned int LONGEST_TIMEOUT = 24 * 60 * 60;
 const unsigned int LARGEST_PARTITION = 255;
@@ -61,7 +60,9 @@ private:
                             "PEM file with the certificates to trust instead of the system's");
         command->add_flag("--insecure", options.insecure,
                           "Trust any certificate, and allow http:// to other machines");
-        command->add_option("--timeout", options.timeoutSeconds, "Seconds for all of it (60)")
+        command
+            ->add_option("--timeout", options.timeoutSeconds,
+                         "Time limit of the command in seconds (60)")
             ->check(CLI::Range(1U, LONGEST_TIMEOUT));
         return command;
     }
@@ -84,11 +85,13 @@ private:
         command->add_option("--out", options.folder, "The folder, one for each board")
             ->required()
             ->type_name("DIR");
-        command->add_flag("--if-changed", options.onlyIfChanged,
-                          "Keep no copy of what is the same as the newest backup but for its time");
+        command->add_flag(
+            "--if-changed", options.onlyIfChanged,
+            "Store no copy of a configuration that is the same as in the newest backup");
         command
-            ->add_option("--keep", options.keep,
-                         "Remove what is older than the newest N usable backups of a partition")
+            ->add_option(
+                "--keep", options.keep,
+                "Remove backups that are older than the newest N usable ones of a partition")
             ->check(CLI::Range(1U, 1000000U))
             ->type_name("N");
         command->add_flag("--exit-code", options.unchangedIsDifferent,
@@ -101,7 +104,7 @@ private:
         command->add_option("FILE", options.files, "The file")->required()->expected(1);
         addPartitions(command, "--to", "Numbers of the partitions");
         command->add_flag("--dry-run", options.dryRun,
-                          "Upload, compare, show the plan, discard; restore nothing");
+                          "Upload and check the file, show the plan, restore nothing");
         command->add_flag("--require-same-version", options.requireSameVersion,
                           "Only to partitions of exactly the BIOS version of the file");
         command->add_flag("--require-partition", options.requirePartition,
@@ -116,17 +119,17 @@ private:
         command->add_flag("--against-board", options.againstBoard,
                           "Compare partitions with FILE, or with their newest backups in DIR");
         addPartitions(command, "--partition",
-                      "Numbers of partitions; that of FILE, or with --out all, if not given");
+                      "Numbers of partitions (that of FILE; with --out, all)");
         command->add_option("--out", options.folder, "The folder of the board's backups")
             ->type_name("DIR");
     }
 
     void addVerify() {
-        CLI::App* const command = add("verify", "Looks at every file of a folder of backups");
+        CLI::App* const command = add("verify", "Checks every file of a folder of backups");
         command->add_option("DIR", options.folder, "The folder")->required();
         command
             ->add_option("--max-gap", options.longestGapHours,
-                         "Report more than so many hours between two backups of a partition")
+                         "Report gaps of more than HOURS between two backups of a partition")
             ->check(CLI::Range(1U, 100000U))
             ->type_name("HOURS");
     }
@@ -137,20 +140,20 @@ private:
 // Returns the error in a combination of options, which the grammar cannot express; empty for none.
 std::string findContradiction(const Options& options) {
     if (options.command == "backup" && !options.allPartitions && options.partitions.empty()) {
-        return "Say which partitions: --partition N,... or --all.";
+        return "Name the partitions with --partition N,... or --all.";
     }
     if (options.command == "restore" && !options.allPartitions && options.partitions.empty()) {
-        return "Say where to: --to N,... or --all.";
+        return "Name the targets with --to N,... or --all.";
     }
     if (options.command != "diff") {
         return "";
     }
     if (!options.againstBoard) {
-        return options.files.size() < 2 ? "Name two files or more, or --against-board." : "";
+        return options.files.size() < 2 ? "Name at least two files, or use --against-board." : "";
     }
     const bool hasFolder = !options.folder.empty();
     if (options.files.size() > 1 || options.files.empty() != hasFolder) {
-        return "With --against-board name either one file or --out DIR.";
+        return "With --against-board, name either one file or --out DIR.";
     }
     return "";
 }

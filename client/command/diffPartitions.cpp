@@ -79,7 +79,7 @@ bool addDifferences(const ConfigurationFile& one, const ConfigurationFile& other
     if (differences.empty()) {
         result.lines.push_back(found + ": the same as " + pair.file);
     } else {
-        result.fail(Failure(ExitCode::DIFFERENT, "Something differs."));
+        result.fail(Failure(ExitCode::DIFFERENT, "There are differences."));
     }
     return !differences.empty();
 }

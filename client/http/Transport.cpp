@@ -107,8 +107,8 @@ std::string encodeForm(const Fields& fields) {
 
 Transport::Transport(ConnectionOptions given, Schedule& schedule)
     : options(std::move(given)), schedule(schedule) {
-    static const CURLcode ready = curl_global_init(CURL_GLOBAL_DEFAULT);
-    handle.reset(ready == CURLE_OK ? curl_easy_init() : nullptr);
+    static const CURLcode READY = curl_global_init(CURL_GLOBAL_DEFAULT);
+    handle.reset(READY == CURLE_OK ? curl_easy_init() : nullptr);
     if (handle == nullptr) {
         throw Failure(ExitCode::FAILED, "libcurl cannot be used.");
     }

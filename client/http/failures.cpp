@@ -57,7 +57,7 @@ std::string describe(const LostRequest& request, const std::string& board) {
         case CURLE_COULDNT_RESOLVE_HOST:
             return "There is no machine of the name in " + board + ".";
         case CURLE_COULDNT_CONNECT:
-            return "No board answers at " + board + ": the connection was not taken.";
+            return "No board answers at " + board + ": the connection failed.";
         case CURLE_OPERATION_TIMEDOUT:
             return request.hurried ? board + " did not answer within the time of --timeout."
                                    : board + " did not answer in time.";
@@ -66,7 +66,7 @@ std::string describe(const LostRequest& request, const std::string& board) {
         case CURLE_PEER_FAILED_VERIFICATION:
             return describeCertificate(request, board);
         case CURLE_SSL_CONNECT_ERROR:
-            return board + " does not speak TLS as it should (" + request.reason + ").";
+            return "There is no TLS connection to " + board + " (" + request.reason + ").";
         default:
             return "The connection to " + board + " broke" +
                    (request.reason.empty() ? "." : " (" + request.reason + ").");

@@ -35,8 +35,8 @@ std::optional<std::string> readSecret(const std::string& path, bool mayBeAbsent)
     }
     if (S_ISREG(status.st_mode) && (status.st_mode & S_IRWXO) != 0) {
         throw Failure(ExitCode::FAILED, path +
-                                            " holds a password and is open to every user. Forbid "
-                                            "it: chmod o= '" +
+                                            " contains a password and is open to every user. Run: "
+                                            "chmod o= '" +
                                             path + "'");
     }
     std::string text;
