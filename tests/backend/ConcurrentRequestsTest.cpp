@@ -31,6 +31,7 @@ namespace {
 
 const int CLIENTS_OF_EACH_KIND = 3;
 const int ROUNDS = 10;
+const int SESSIONS = 10;
 
 // The shape of a session's identifier, different for each client.
 std::string sessionOf(int client) {
@@ -43,14 +44,17 @@ RequestFrame controlFrame(const std::string& order) {
 
 class ConcurrentRequestsTest : public RootTest {
 protected:
-    // Has clients of several kinds at work at once, each in a thread and a session of its own.
+    // Runs clients of several kinds at once, each in a thread of its own, in ten sessions.
     void work(const std::vector<std::function<void(const std::string& session)>>& kinds) {
+        // Before the first client starts, which could otherwise read a file that is being
+        // rewritten.
+        for (int session = 0; session < SESSIONS; ++session) {
+            writeSession(sessionOf(session) + "-" + std::string(32, '0'), "admin");
+        }
         std::vector<std::thread> threads;
         for (const auto& kind : kinds) {
             for (int client = 0; client < CLIENTS_OF_EACH_KIND; ++client) {
-                const std::string session = sessionOf(static_cast<int>(threads.size() % 10));
-                writeSession(session + "-" + std::string(32, '0'), "admin");
-                threads.emplace_back(kind, session);
+                threads.emplace_back(kind, sessionOf(static_cast<int>(threads.size() % SESSIONS)));
             }
         }
         for (std::thread& thread : threads) {
