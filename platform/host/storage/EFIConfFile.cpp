@@ -14,8 +14,7 @@ namespace VeskLib::VeskUi {
 
 namespace {
 
-// The whole file is read and checked also when only its header is asked for: a header in front of
-// damaged content must not pass for a good file.
+// Returns what `file` has. Throws PException if it has nothing.
 template <typename File>
 File require(std::optional<File> file) {
     if (!file) {
@@ -37,6 +36,7 @@ EFIConfFile::~EFIConfFile() {
 }
 
 void EFIConfFile::getFileHeader(EFIConfFileHeader& header, std::string& version) {
+    // Checks the whole file, because the content after a good header may be damaged.
     Host::ConfigurationFile file = require(Host::checkFile(descriptor));
     header.revision = file.revision;
     header.saveTime = file.saveTime;
