@@ -1,3 +1,4 @@
+#!/usr/bin/python3
 """Counts what requests cost: the instructions of the program from main() on, and its system calls.
 Other work on the machine does not change these counts.
 
