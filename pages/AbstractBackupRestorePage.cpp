@@ -2,6 +2,7 @@
 
 #include "data/PrimitiveTypeWrapper.h"
 #include "data/requestNumbers.h"
+#include "data/uploadLimit.h"
 #include "html/componentMaps.h"
 #include "pages/catalogueNumbers.h"
 #include "pages/libraryText.h"
@@ -28,8 +29,6 @@ namespace {
 
 const mode_t BACKUP_FILE_MODE = 0666;  // less the process's umask
 const char* const DOWNLOAD_LINK = "/common/download.cgi?functionID=5&filename=";
-
-const unsigned int LARGEST_UPLOAD = 393216;  // 384 KiB
 
 std::string twoDigits(int number) {
     return (number < 10 ? "0" : "") + std::to_string(number);
@@ -150,7 +149,7 @@ bool AbstractBackupRestorePage::checkUpload() {
         addNotice(messageMgr.getMessage(Messages::FILE_EMPTY, Details::INVALID_SIZE));
         return false;
     }
-    if (size > LARGEST_UPLOAD) {
+    if (size > VeskUi::LARGEST_UPLOAD) {
         traceText(LibraryTexts::REFUSAL,
                   "AbstractBackupRestorePage::upload: Illegal file size:" + std::to_string(size));
         addNotice(messageMgr.getMessage(Messages::FILE_REFUSED, Details::INVALID_SIZE));

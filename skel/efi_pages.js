@@ -2,8 +2,8 @@
 
 "use strict";
 
-// Largest file that the board takes, in bytes.
-const LARGEST_FILE = 393216;
+// The size of the largest file that the board accepts, in bytes.
+const LARGEST_FILE = @LARGEST_UPLOAD@;
 
 // Returns why the board would refuse `file`: the text `none` without a file, else one of `refusals`
 // (empty, large, name); an empty text when the board would take it.

@@ -27,21 +27,8 @@ namespace {
 
 const std::size_t LONGEST_ORDER = 200;  // in the audit log; longer ones are malformed
 
-std::vector<unsigned char> serialize(const VeskUi::SerializableObject& object) {
-    std::vector<unsigned char> bytes(object.getSerializedSize());
-    object.getSerialized(bytes.data(), static_cast<unsigned int>(bytes.size()));
-    return bytes;
-}
-
-template <typename Packet>
-std::vector<unsigned char> makePacket(const BoardDescription& description) {
-    Packet packet;
-    fillPacket(description, packet);
-    return serialize(packet);
-}
-
-// The object that the payload holds; exactly that, because a client that sends more than it means
-// to cannot be trusted to mean what it sends.
+// Returns the object in the payload. Throws Refusal if it is malformed or other bytes follow, because
+// such a request is not to be trusted.
 template <typename Object>
 Object readPayload(const std::vector<unsigned char>& payload) {
     Object object;
@@ -143,16 +130,7 @@ BoardService::Bytes BoardService::get(const Host::RequestFrame& request) const {
     if (!request.payload.empty()) {
         throw Refusal{Host::BACKEND_MALFORMED_REQUEST, "a payload where none belongs"};
     }
-    switch (request.number) {
-        case VeskUi::GET_PARTITION_INFO:
-            return makePacket<VeskUi::PartitionInfoPacket>(description);
-        case VeskUi::GET_HARD_INSTALL_INFO:
-            return makePacket<VeskUi::HardInstallInfoPacket>(description);
-        case VeskUi::GET_VERSION_INFO:
-            return makePacket<VeskUi::VersionInfoPacket>(description);
-        default:
-            throw Refusal{Host::BACKEND_UNKNOWN_REQUEST, "nothing to get under this number"};
-    }
+    return packetFor(request.number, description);
 }
 
 void BoardService::set(const Host::RequestFrame& request, const IsAwaited& isAwaited) {

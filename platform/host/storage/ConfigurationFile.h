@@ -1,5 +1,7 @@
 #pragma once
 
+#include "data/uploadLimit.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -17,8 +19,7 @@ struct ConfigurationFile {
     std::vector<unsigned char> payload;
 };
 
-// The largest file that an upload may hold.
-inline constexpr std::size_t LARGEST_CONFIGURATION_FILE = 393216;
+inline constexpr std::size_t LARGEST_CONFIGURATION_FILE = VeskUi::LARGEST_UPLOAD;
 
 inline constexpr std::size_t LARGEST_VERSION = 255;
 inline constexpr std::size_t LARGEST_PARTITION_NAME = 1023;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "data/uploadLimit.h"
+
 #include <cstddef>
 
 namespace VeskLib::Host {
@@ -14,8 +16,8 @@ inline constexpr std::size_t FIELDS = 600;             // number; one per partit
 inline constexpr std::size_t NAME_LENGTH = 128;
 inline constexpr std::size_t VALUE_LENGTH = 4 * 1024;
 inline constexpr std::size_t FILE_NAME_LENGTH = 1024;
-inline constexpr std::size_t FILE_LENGTH = 393216;  // stored; the screen takes no more
-inline constexpr std::size_t BOUNDARY_LENGTH = 70;  // as RFC 2046 has it
+inline constexpr std::size_t FILE_LENGTH = VeskUi::LARGEST_UPLOAD;  // stored
+inline constexpr std::size_t BOUNDARY_LENGTH = 70;                  // as RFC 2046 has it
 inline constexpr std::size_t PART_HEADER_LENGTH = 4 * 1024;
 
 }  // namespace FormLimits

@@ -55,18 +55,21 @@ def limited(limits):
     return setLimits
 
 
-def runProgram(board, request, prefix=(), limits=None, more=None, deadline=150):
-    """Runs the program of `request` to its end, behind the command `prefix` when there is one."""
+def runProgram(board, request, prefix=(), limits=None, more=None, deadline=150, body=None):
+    """Runs the program of `request` to its end, under the command `prefix` if there is one.
+
+    The program reads the request's body from a pipe, in pieces of any size, or from the open file `body`.
+    """
     environment = environmentFor(board.root, request)
     environment.update(more or {})
     command = [*prefix, os.path.join(board.programs, request["program"])]
     started = time.monotonic()
-    process = subprocess.Popen(command, env=environment, stdin=subprocess.PIPE,
+    process = subprocess.Popen(command, env=environment, stdin=body or subprocess.PIPE,
                                stdout=subprocess.PIPE, stderr=subprocess.PIPE,
                                preexec_fn=limited(limits), start_new_session=True)
     timedOut = False
     try:
-        output, errors = process.communicate(request.get("body", b""), timeout=deadline)
+        output, errors = process.communicate(None if body else request.get("body", b""), timeout=deadline)
     except subprocess.TimeoutExpired:
         timedOut = True
         # strace leaves what it traces running when it is killed itself: the whole group goes.
