@@ -27,8 +27,8 @@ namespace {
 
 const std::size_t LONGEST_ORDER = 200;  // in the audit log; longer ones are malformed
 
-// Returns the object in the payload. Throws Refusal if it is malformed or other bytes follow, because
-// such a request is not to be trusted.
+// Returns the object in the payload. Throws Refusal if it is malformed or other bytes follow,
+// because such a request is not to be trusted.
 template <typename Object>
 Object readPayload(const std::vector<unsigned char>& payload) {
     Object object;
