@@ -114,15 +114,15 @@ function announceFile(file) {
     localStorage.setItem("stagedFile", file);
 }
 
-// Calls `tell` when another window has staged a file other than `file`, or discarded it.
-function watchFile(file, tell) {
-    const look = () => {
+// Calls `onChange` when another window has staged a file other than `file`, or discarded it.
+function watchFile(file, onChange) {
+    const check = () => {
         if (localStorage.getItem("stagedFile") !== file) {
-            tell();
+            onChange();
         }
     };
-    window.addEventListener("storage", look);
-    window.addEventListener("pageshow", look);
+    window.addEventListener("storage", check);
+    window.addEventListener("pageshow", check);
 }
 
 // Starts the download of a backup. `path` contains the file name unencoded, so it is encoded here. The

@@ -8,7 +8,7 @@ namespace VeskLib::Host {
 
 namespace {
 
-// Behind every answer, for objects that take a fixed number of bytes whatever they are given.
+// Follows every answer, for objects that read a fixed number of bytes whatever the size.
 const std::size_t PADDING = 4;
 
 }  // namespace
