@@ -7,8 +7,8 @@ namespace VeskLib::VeskUi {
 
 // Reads big-endian integers and bytes from a buffer, which must outlive the reader.
 //
-// A read past the end returns zero (readBytes(): null). From then on every read does, and failed()
-// is true, so that callers need to check for errors only once, at the end.
+// A read past the end returns zero (readBytes(): null) and sets failed(). So do all reads after it,
+// so that callers need to check for errors only once, at the end.
 class WireReader {
 public:
     WireReader(const unsigned char* bytes, std::size_t size) : bytes(bytes), size(size) {}
@@ -33,7 +33,7 @@ private:
 
 // Writes big-endian integers and bytes into a buffer, which must outlive the writer.
 //
-// A write past the end is dropped. From then on every write is, and failed() is true.
+// A write past the end is dropped, as are all writes after it, and sets failed().
 class WireWriter {
 public:
     WireWriter(unsigned char* bytes, std::size_t size) : bytes(bytes), size(size) {}

@@ -86,8 +86,8 @@ protected:
     // Throws PException, and leaves the file unchanged, if the lock cannot be acquired.
     void discardUploadedFile(std::string& stagingPath, std::string& lockPath);
 
-    // Asks the back-end to write the configuration of `partition` to `backupPath`, and adds the
-    // download link and the script call that follows it to the page. The suggested file name
+    // Asks the back-end to write the configuration of `partition` to `backupPath`, and adds to the
+    // page the download link and the script call that starts the download. The suggested file name
     // contains the partition number if `named` is set. If the back-end refuses, adds a notice and
     // no link. Throws PException if the header of the written file cannot be read.
     void backup(unsigned int partition, std::string& backupPath, bool named);

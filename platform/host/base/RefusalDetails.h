@@ -6,7 +6,7 @@
 
 namespace VeskLib::Host {
 
-// The reasons for the refusal of a change: the partitions concerned.
+// The partitions that caused the refusal of a change.
 struct RefusalDetails {
     struct Partition {
         std::uint32_t number = 0;

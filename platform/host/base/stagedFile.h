@@ -4,9 +4,9 @@
 
 namespace VeskLib::Host {
 
-// The staged file of this request, so that a restore cannot use a file other than the one that its
-// page showed. The name of a file is the SHA-256 of its bytes in lowercase hexadecimal digits, or
-// empty if there is no file.
+// Identifies the staged file of this request, so that a restore cannot use a file other than the
+// one that its page showed. The name of a file is the SHA-256 of its bytes in lowercase hexadecimal
+// digits, or empty if there is no file.
 
 // The hidden field in which the selection form posts the name of the file that its page showed.
 inline constexpr const char* STAGED_FILE_FIELD = "staged_file";

@@ -8,7 +8,8 @@ namespace VeskLib::Host {
 
 namespace {
 
-// Follows every answer, for objects that read a fixed number of bytes whatever the size.
+// Zero bytes appended to every answer, for objects that read a fixed number of bytes whatever its
+// size.
 const std::size_t PADDING = 4;
 
 }  // namespace

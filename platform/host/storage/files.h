@@ -47,8 +47,8 @@ int openOwnFile(const std::string& path, std::size_t limit, struct stat& status)
 // the rename; if that returns false, fails with ECANCELED.
 //
 // Returns false, with errno set, if any step fails; `path` is then unchanged and the temporary file
-// is removed. Exception: if only syncing the folder fails, `path` has the new bytes, but they may
-// not survive a power failure.
+// is removed. However, if only syncing the folder fails, `path` has the new bytes, but they may not
+// survive a power failure.
 bool replaceFile(
     const std::string& path, const std::vector<unsigned char>& bytes, int mode,
     const std::function<bool()>& isWanted = [] { return true; });

@@ -33,8 +33,8 @@ public:
     // Returns the error code of the last request; 0 if it succeeded or none was made.
     int getErrorCode() const;
 
-    // Returns the session's identifier, which is used in file names. It is not secret: it does not
-    // suffice to use the session.
+    // Returns the session's identifier, which is used in file names. It is not secret, because it
+    // is not sufficient to use the session.
     std::string getSessionId() const;
 
 private:

@@ -5,7 +5,7 @@
 
 namespace VeskLib::Gui {
 
-// Decides if the request's user may use a function.
+// Determines whether the request's user may use a function.
 class JudgeAuthority {
 public:
     // `authority` must outlive the object. `partition` is the partition to use the function on, or

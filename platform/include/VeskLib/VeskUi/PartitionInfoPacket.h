@@ -23,7 +23,7 @@ public:
     bool isInstalled(int partition) const;
     std::string getPartitionName(int partition) const;
 
-    // Replaces `ids` by the node identifiers of the partition, in the packet's order.
+    // Replaces `ids` with the node identifiers of the partition, in the packet's order.
     void getNodeIds(int partition, std::vector<unsigned char>& ids) const;
 
     // Appends the entry of the next partition number.
