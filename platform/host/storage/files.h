@@ -69,8 +69,8 @@ std::vector<std::string> listNames(const std::string& folder);
 // Returns the path of `name` in `folder`.
 std::string pathIn(const std::string& folder, const std::string& name);
 
-// Removes the temporary files of replaceFile() calls whose process was killed, for all paths that
-// begin with `pathStart`. No other process may be replacing these paths at the same time.
+// Removes the temporary files that killed processes left in replaceFile(), for all paths that begin
+// with `pathStart`. No other process may be replacing these paths at the same time.
 void removeFilesAside(const std::string& pathStart);
 
 }  // namespace VeskLib::Host

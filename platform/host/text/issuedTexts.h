@@ -35,8 +35,8 @@ std::string issueCaption(int caption, int code = 0);
 // Returns the note for `text`, valid until the next text is noted; null if there is none.
 const IssuedText* findIssuedText(std::string_view text);
 
-// Returns the outcome according to `text`. For a failed restore whose code has no special text, it
-// is UNKNOWN.
+// Returns the outcome according to `text`. It is UNKNOWN for a failed restore if the code has no
+// special text.
 Outcome outcomeOf(const IssuedText& text);
 
 }  // namespace VeskLib::Host
