@@ -134,12 +134,12 @@ public:
         return depth > LINE && takeNumber(value);
     }
 
-    bool number_integer(number_integer_t /*value*/) override { return isPassedOver(); }
+    bool number_integer(number_integer_t /*value*/) override { return isIgnored(); }
     bool number_float(number_float_t /*value*/, const string_t& /*text*/) override {
-        return isPassedOver();
+        return isIgnored();
     }
-    bool null() override { return isPassedOver(); }
-    bool boolean(bool /*value*/) override { return isPassedOver(); }
+    bool null() override { return isIgnored(); }
+    bool boolean(bool /*value*/) override { return isIgnored(); }
     bool binary(binary_t& /*value*/) override { return false; }
     bool parse_error(std::size_t /*position*/, const std::string& /*token*/,
                      const nlohmann::json::exception& /*problem*/) override {
@@ -170,7 +170,7 @@ private:
         return true;
     }
 
-    bool isPassedOver() const {
+    bool isIgnored() const {
         return depth == LINE ? isForeign() : depth > LINE && where == Place::OTHER;
     }
 

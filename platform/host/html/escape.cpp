@@ -116,20 +116,20 @@ void forEachPiece(std::string_view text, Find find, Consumer consume) {
     const auto mayBeReplaced = [](char character) {
         return FIRST_BYTES[static_cast<unsigned char>(character)];
     };
-    const char* handedOn = text.data();
+    const char* pending = text.data();
     const char* const end = text.data() + text.size();
-    const char* next = std::find_if(handedOn, end, mayBeReplaced);
+    const char* next = std::find_if(pending, end, mayBeReplaced);
     while (next != end) {
         std::size_t size = 1;
         const std::string_view found = find({next, end}, size);
         if (!found.empty()) {
-            consume({handedOn, next});
+            consume({pending, next});
             consume(found);
-            handedOn = next + size;
+            pending = next + size;
         }
-        next = std::find_if(found.empty() ? next + 1 : handedOn, end, mayBeReplaced);
+        next = std::find_if(found.empty() ? next + 1 : pending, end, mayBeReplaced);
     }
-    consume({handedOn, end});
+    consume({pending, end});
 }
 
 }  // namespace

@@ -4,8 +4,8 @@
 
 namespace VeskLib::Host {
 
-// The limits of what a request may hold, in bytes unless told otherwise. A request beyond one of
-// them is refused as a whole; only a file may be longer, and is then counted and not stored.
+// The limits of a request, in bytes unless noted. A request that exceeds one is refused as a whole.
+// Only a file may be longer; it is then counted but not stored.
 namespace FormLimits {
 
 inline constexpr std::size_t QUERY_LENGTH = 8 * 1024;
