@@ -330,7 +330,7 @@ class WithoutTheLog(AuditDocument):
             self.assertEqual(Client(restarted).get("/login.cgi").status, 200)
             restarted.end()
             restarted.log.seek(0)
-            self.assertIn("the audit log takes no line", restarted.log.read())
+            self.assertIn("the audit log cannot be written", restarted.log.read())
 
 
 if __name__ == "__main__":
