@@ -185,7 +185,7 @@ void recordRefusal(const AuditEvent& event) noexcept {
     try {
         AuditLog(0).appendLimited(event);
     } catch (...) {
-        trace::VeskTrace(1, 1, 1).putLog(0, "The audit log does not take a refusal");
+        trace::VeskTrace(1, 1, 1).putLog(0, "A refusal cannot be written to the audit log");
     }
 }
 

@@ -158,7 +158,8 @@ void recordEnd(const char* name, const std::string& identifier, const std::strin
     try {
         record(event);
     } catch (const PException&) {
-        trace::VeskTrace(1, 1, 1).putLog(0, "The audit log does not take the end of a session");
+        trace::VeskTrace(1, 1, 1).putLog(0,
+                                         "The end of a session cannot be written to the audit log");
     }
 }
 
