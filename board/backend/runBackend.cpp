@@ -53,7 +53,7 @@ Answer answerOrFail(BoardService& service, FaultSwitches& switches,
     return answer;
 }
 
-// Failure to write these lines does not stop the back-end, but it will refuse changes.
+// If the line cannot be written, the back-end still runs, but will refuse changes.
 void recordEvent(const char* name, const std::map<unsigned int, std::string>& configurations) {
     Host::AuditEvent event;
     event.event = name;

@@ -93,7 +93,7 @@ void recordRefusedLogin(int code) {
 }
 
 // Always starts a new session, because somebody else might know the one that the browser has. That
-// one ends when the new one exists.
+// one is ended once the new one exists.
 void startNewSession(const std::string& user, const std::string& function,
                      Host::Response& response) {
     const Host::RequestSession* const former = findRequestSession();

@@ -11,8 +11,7 @@ namespace VeskLib::Host {
 // The number of rotated files that are kept; audit.log.1 is the newest.
 inline constexpr int AUDIT_FORMER_FILES = 15;
 
-// The board's audit log, /var/log/audit.log: one line of JSON for each event. It is rotated at 1
-// MiB.
+// The board's audit log, /var/log/audit.log: one line of JSON per event. It is rotated at 1 MiB.
 //
 // While an AuditLog exists, no other process or thread can write to the log. A change made between
 // two appended lines therefore keeps its place in the log's order.

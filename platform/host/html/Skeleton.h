@@ -9,7 +9,7 @@
 
 namespace VeskLib::Host {
 
-// Where and why a skeleton is malformed; line and column count from 1.
+// The position and the reason of a syntax error. Line and column start at 1.
 struct SkeletonError {
     unsigned int line;
     unsigned int column;

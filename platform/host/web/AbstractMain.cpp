@@ -89,7 +89,7 @@ void AbstractMain::guiCheckSession(bool showError) {
 }
 
 void AbstractMain::errorExit(std::string title, std::string message) {
-    // A failure of the back-end is a server error, any other one a client error.
+    // The error is the server's if the back-end failed, otherwise the client's.
     const int backendCode = requester != nullptr ? requester->getErrorCode() : 0;
     // Thrown, so that unwinding to exec() releases everything that the request uses.
     throw ErrorPage{.status = backendCode != 0 ? 503 : 400,

@@ -30,7 +30,8 @@ void printExceptionPage(const PException& exception, Response& response);
 void printHandledException(Response& response) noexcept;
 
 // Returns a page's `message` with an explanation before each trace text in it, in the language of
-// the request. `backendCode` is that of the last request to the back-end, 0 if it succeeded.
+// the request. `backendCode` is the error code of the last request to the back-end, 0 if it
+// succeeded.
 std::string explain(const std::string& message, int backendCode);
 
 // Return the error pages of the checks that every program makes, in requestLanguage().
