@@ -9,7 +9,7 @@
 
 namespace VeskLib::Board {
 
-// What a client receives: a reply, or by a fault switch only a part of it.
+// A reply to a client. If a fault switch asks for it, only a part is sent.
 struct Answer {
     Answer(Host::ReplyFrame reply) : reply(std::move(reply)) {}  // NOLINT: a reply is an answer
 

@@ -20,7 +20,7 @@ public:
 private:
     const BoardDescription& board;
     std::string decoyHash;  // checked if there is no such user
-    std::mutex computing;   // only one hash at a time, which needs much memory
+    std::mutex computing;   // one hash at a time, because each needs much memory
 };
 
 }  // namespace VeskLib::Board

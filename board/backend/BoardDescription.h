@@ -39,7 +39,7 @@ struct BoardDescription {
     Boards ioBoards = {};  // true if installed
     Boards gspBoards = {};
     std::vector<User> users;
-    std::string name;                    // by which people know the board
+    std::string name;                    // shown to people
     std::vector<std::string> hostNames;  // as Host::normaliseHostName() returns them
     std::string syslogSocket;            // to which the audit log is also sent; may be empty
 

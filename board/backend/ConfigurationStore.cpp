@@ -85,7 +85,7 @@ bool ConfigurationStore::store(Payloads changed, const std::function<bool()>& is
     // Everything is allocated before the file is written, so that file and memory cannot diverge.
     auto next = std::make_shared<const Payloads>(std::move(changed));
     const std::vector<unsigned char> bytes = encode(*next);
-    // If only the folder could not be synced, the new file is in place and counts.
+    // If only syncing the folder failed, the new file is in place all the same, and counts.
     if (!Host::replaceFile(path, bytes, STATE_FILE_MODE, isWanted) && !holds(path, bytes)) {
         return false;
     }

@@ -14,9 +14,9 @@ struct ConnectionLimits {
     // The time for a client to receive its reply.
     int replyMilliseconds = 10000;
     // If all connections are in use and another client waits, the connection that has been silent
-    // the longest is closed, if it has been silent for this long. That is enough for a program that
-    // a busy machine delays between two requests, and well within the time that the other client
-    // waits.
+    // the longest is closed, provided that it has been silent for this long. That is enough for a
+    // program that a busy machine delays between two requests, and well within the time that the
+    // other client waits.
     int quietMilliseconds = 3000;
     // The time for current requests to finish when the back-end ends.
     int endMilliseconds = 2000;

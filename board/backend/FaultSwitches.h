@@ -26,8 +26,8 @@ public:
         std::optional<std::size_t> sentBytes;
     };
 
-    // Returns the fault of a new request, and counts it down. Delays the return if that is the
-    // fault.
+    // Returns the fault for a new request and counts it as used. Returns late if the fault is a
+    // delay.
     Fault next(std::uint32_t requestNumber);
 
     // Ends all delays. Called when the back-end ends.

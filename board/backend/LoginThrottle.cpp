@@ -65,7 +65,7 @@ void LoginThrottle::leave(LoginQueue::Entry& entry, bool succeeded) {
     const bool admitted = entry.state() == LoginQueue::State::ADMITTED;
     queue.leave(entry, succeeded, Clock::now());
     if (admitted) {
-        changed.notify_all();  // the next decision has changed
+        changed.notify_all();  // the time of the next decision has changed
     }
 }
 

@@ -52,7 +52,7 @@ const toml::node* makeSettingLines(const toml::table& settings,
 
 std::vector<unsigned char> makeFillBytes(unsigned int count, unsigned int seed) {
     std::vector<unsigned char> bytes(count);
-    // A linear congruential generator, with the high bits, which vary most.
+    // Uses the high bits of a linear congruential generator, because they vary most.
     std::uint32_t state = seed;
     for (unsigned char& byte : bytes) {
         state = state * 1664525U + 1013904223U;

@@ -10,7 +10,7 @@ void rememberArguments(char** arguments);
 // disk.
 [[noreturn]] void restartBackend(int milliseconds);
 
-// Called at the start of the process: after restartBackend(), waits for the rest of the given time.
+// Must be called at the start of the process. After restartBackend(), waits for the given time.
 void waitForReturn();
 
 }  // namespace VeskLib::Board

@@ -65,8 +65,8 @@ void recordEvent(const char* name, const std::map<unsigned int, std::string>& co
     }
 }
 
-// Records the start with each partition's configuration. This shows whether a restore that was
-// interrupted by the death of the last back-end was carried out.
+// Records the start with each partition's configuration. If the last back-end died during a
+// restore, this shows whether it was carried out.
 void recordStart(const ConfigurationStore& store, const BoardDescription& description) {
     std::map<unsigned int, std::string> configurations;
     for (unsigned int number = 0; number < description.partitions.size(); ++number) {

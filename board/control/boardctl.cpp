@@ -164,7 +164,7 @@ int run(int argumentCount, char** arguments) {
         "Exit status: 0 done; 1 the back-end cannot be reached or refuses, or the answer\n"
         "could not be printed; 2 wrong usage.");
     std::string root;
-    application.add_option("--root", root, "The board's root, as given to serve")
+    application.add_option("--root", root, "The board's root, as given to ./serve")
         ->envname("BOARD_ROOT")
         ->required();
     const Orders orders(application);

@@ -68,8 +68,9 @@ std::string describeFailure(int code) {
         case Host::CHANNEL_UNREACHABLE:
             return "cannot connect to the back-end at " + socket + ": " + whyUnreachable(socket);
         case Host::BACKEND_FAULTS_NOT_ALLOWED:
-            return "the back-end takes no orders: start it with --allow-faults, which an installed "
-                   "board does not";
+            return "the back-end accepts no orders: start it with --allow-faults, which an "
+                   "installed "
+                   "board does not use";
         case Host::BACKEND_NO_PARTITION:
             return "there is no such partition: the board description has none of this number "
                    "that is installed";

@@ -72,7 +72,7 @@ int compareFiles(const Options& options) {
     } else if (differences.empty()) {
         std::cout << (first.file.saveTime == second.file.saveTime
                           ? "The files have the same content.\n"
-                          : "The files have the same content, but other save times.\n");
+                          : "The files have the same content, but different save times.\n");
     } else {
         printDifferences(differences);
     }

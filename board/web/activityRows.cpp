@@ -99,7 +99,7 @@ std::string formatTime(std::time_t time, bool local, const char* format) {
     return std::string(text, std::strftime(text, sizeof text, format, &parts));
 }
 
-// One row with its texts.
+// One row of the table of actions.
 class Row : public SkeletonRow {
 public:
     explicit Row(const Host::AuditRecord& record) : SkeletonRow(ROW_SKELETON) {

@@ -16,7 +16,7 @@ struct LatestActions {
     bool unreadable = false;  // true if a file of the log could not be read
 };
 
-// Finds out which restores have an outcome, from the lines of the log in reverse order.
+// Collects the restores that have an outcome, from the events of the log in reverse order.
 class RestoreOutcomes {
 public:
     // Notes the outcome of a restore. Returns true if `event` is the start of a restore with an

@@ -29,7 +29,7 @@ bool isLanguage(const std::string& tag) {
 void chooseLanguage(const Gui::FormInfo& form, Host::Response& response) {
     std::string tag;
     if (!form.getFormData("language", tag) || !isLanguage(tag)) {
-        throw Host::makePlatformException(Host::REQUEST_MALFORMED, "No language of the board");
+        throw Host::makePlatformException(Host::REQUEST_MALFORMED, "Not a language of the board");
     }
     response.addHeader("Set-Cookie",
                        Host::makeCookie(Host::LANGUAGE_COOKIE, tag, LANGUAGE_LIFE_SECONDS));

@@ -70,7 +70,7 @@ bool isOverdue(Traffic& traffic, const tcp_info& info, Clock::time_point now) {
     return traffic.unanswered && arriving && now - traffic.since >= LONGEST_ARRIVAL;
 }
 
-// Returns the process's descriptors of sockets, with the names of these.
+// Returns the names of the process's open sockets, by descriptor.
 std::map<int, std::string> socketsOf(pid_t process) {
     std::map<int, std::string> sockets;
     const std::string folder = "/proc/" + std::to_string(process) + "/fd";
@@ -110,7 +110,7 @@ void lookAtConnections(const Process& server, Connections& connections) {
     connections.swap(seen);
 }
 
-// Runs in the child process. The server permits it access before it executes its own program.
+// Runs in the child process. The parent grants it access before it becomes the server.
 void watch(const Process& server) {
     Connections connections;
     pollfd end = {.fd = server.descriptor, .events = POLLIN, .revents = 0};
@@ -136,7 +136,7 @@ int main(int argc, char** argv) {
     }
     const Process server = {::getpid(), static_cast<int>(::syscall(SYS_pidfd_open, ::getpid(), 0))};
     if (server.descriptor < 0 || !isPossible(server)) {
-        std::cerr << "watch_requests: this machine does not let requests be watched ("
+        std::cerr << "watch_requests: requests cannot be watched on this machine ("
                   << std::strerror(errno) << "): slow ones are not ended\n";
     } else {
         const pid_t watcher = ::fork();

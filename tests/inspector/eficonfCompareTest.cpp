@@ -145,7 +145,7 @@ TEST_F(EficonfCompareTest, ignoresTheTimeOnlyWhenAskedTo) {
     const std::vector<std::string> command = {"compare", "--ignore-time", first, second};
     const ChildResult result = runInspector(command);
     EXPECT_EQ(result.exitStatus, SAME);
-    EXPECT_EQ(result.output, "The files have the same content, but other save times.\n");
+    EXPECT_EQ(result.output, "The files have the same content, but different save times.\n");
     EXPECT_EQ(runForJSON(command, SAME).at("differences"), json::array());
     later.partition = 4;
     const ChildResult other =

@@ -8,8 +8,8 @@ const SECOND = 1000;
 const MINUTE = 60 * SECOND;
 const WARNING = MINUTE;
 
-// The item of the local storage in which the browser's pages share the end of the session. Each
-// request extends it, so the newest page is right.
+// The key in local storage under which the browser's pages share the end of the session. Each
+// request extends the session, so the newest page is right.
 const ENDS = "sessionEnds";
 
 const line = document.getElementById("session");

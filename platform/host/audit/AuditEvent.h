@@ -31,8 +31,7 @@ struct AuditEvent {
     std::optional<AuditedFile> file;
     std::map<unsigned int, std::string> before;  // SHA-256 of a partition's configuration
     std::map<unsigned int, std::string> after;
-    std::map<std::string, unsigned int>
-        counts;  // by event name, of events without a line of their own
+    std::map<std::string, unsigned int> counts;  // of events without a line of their own, by name
     std::string result;
     int code = 0;
 };

@@ -48,7 +48,7 @@ private:
     long long size = 0;
 };
 
-// Locks the log and appends one line. Throws as AuditLog does.
+// Locks the log and appends one line. Throws like AuditLog.
 void record(const AuditEvent& event);
 
 // Appends a limited line about a refusal. Does not throw, because a refusal changes nothing and the

@@ -4,8 +4,8 @@
 
 namespace VeskLib::Host {
 
-// Prints `text` to std::cout unchanged. Bypasses the stream's formatting, which would take longer
-// than a page's short texts themselves. Throws if memory is exhausted.
+// Prints `text` to std::cout unchanged. Bypasses the stream's formatting, which takes longer than
+// writing the short texts of a page. Throws if memory is exhausted.
 void printText(std::string_view text);
 
 }  // namespace VeskLib::Host

@@ -33,7 +33,7 @@ namespace {
 const std::size_t LARGEST_SESSION_FILE = 16 * 1024;
 const int SESSION_FILE_MODE = 0600;
 const mode_t PERMISSIONS = 07777;
-// The last use is stored with this precision, so that not every request writes.
+// The last use is stored with this precision, so that not every request writes to the disk.
 const std::time_t USE_PRECISION_SECONDS = 60;
 // A session's times may be this far in the future: setting the clock back a little must not log
 // everybody out.
@@ -144,7 +144,7 @@ SessionState readState(const std::string& identifier, StoredSession& session) {
     throw makePlatformException(SESSION_NOT_READABLE, "The session cannot be read");
 }
 
-// Records a session's end that its user did not ask for. The session ends even if this fails.
+// Records the end of a session that its user did not ask for. The session ends even if this fails.
 void recordEnd(const char* name, const std::string& identifier, const std::string& user,
                const char* reason) {
     if (user.empty()) {

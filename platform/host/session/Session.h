@@ -54,7 +54,7 @@ bool findSessionByIdentifier(const std::string& identifier, Session& session);
 // to the next endExpiredSessions().
 bool endSession(const std::string& identifier);
 
-// Ends a session for another reason than its user's wish, and records the reason.
+// Ends a session without its user's request, and records the reason.
 void endSessionBecause(const Session& session, const char* reason);
 
 // Ends all expired sessions, and removes the uploads of requests that died.

@@ -51,7 +51,7 @@ void readUrlencodedBody(Fields& fields) {
     reader.finish();
 }
 
-// Sorts the parts of a form into its fields and its one file.
+// Stores the parts of a form as fields and the one file.
 class FormParts : public Host::MultipartHandler {
 public:
     FormParts(Fields& fields, std::string& fileName, Host::UploadFile& file)

@@ -10,7 +10,7 @@ namespace FormLimits {
 
 inline constexpr std::size_t QUERY_LENGTH = 8 * 1024;
 inline constexpr std::size_t BODY_LENGTH = 64 * 1024;  // of form fields, the file not counted
-inline constexpr std::size_t FIELDS = 600;             // number; one per partition, and room
+inline constexpr std::size_t FIELDS = 600;             // number; one per partition, and spare
 inline constexpr std::size_t NAME_LENGTH = 128;
 inline constexpr std::size_t VALUE_LENGTH = 4 * 1024;
 inline constexpr std::size_t FILE_NAME_LENGTH = 1024;

@@ -30,7 +30,7 @@ std::string findBoundary(const std::string& contentType) {
 
 }  // namespace
 
-// The first delimiter may lack the preceding line break, so one is put there for it.
+// The first delimiter may lack the preceding line break, so one is inserted here.
 MultipartReader::MultipartReader(const std::string& contentType, MultipartHandler& handler)
     : handler(handler), delimiter("\r\n--" + findBoundary(contentType)), pending(LINE_BREAK) {
 }
@@ -105,7 +105,7 @@ bool MultipartReader::endDelimiter() {
 
 bool MultipartReader::readHeader() {
     const std::size_t end = rest.find(HEADER_END, searched);
-    // The last three bytes may be the start of the header's end, which does not count.
+    // The last three bytes may belong to the header's end, which does not count towards the length.
     searched = rest.size() - std::min(rest.size(), HEADER_END.size() - 1);
     const std::size_t length = std::min(end, searched);
     if (length > FormLimits::PART_HEADER_LENGTH + LINE_BREAK.size()) {

@@ -11,8 +11,8 @@ namespace VeskLib::Host {
 // The name of the cookie (see cookieName()) that contains Session::cookieValue().
 inline constexpr const char* SESSION_COOKIE = "session";
 
-// The session of the request that this process serves, and the user's rights by the board
-// description.
+// The session of the request that this process serves, and the rights that the board description
+// gives its user.
 struct RequestSession {
     Session session;
     UserRights rights;

@@ -3,7 +3,8 @@
 namespace VeskLib::Host {
 
 // Between requests, a session has two files, its backup and its staged file. The program writes
-// them by system calls; these functions are called before and after a request that may change them.
+// them by its own system calls, so these functions are called before and after a request that may
+// change them.
 
 // Called before the request is processed. Throws PException (SESSION_FILE_REFUSED) and traces the
 // path if anything but a regular file of the board's own is in the place of one of the files,
