@@ -59,8 +59,9 @@ Host::AuditEvent makeEvent(const char* name, const Host::RequestFrame& request) 
     return event;
 }
 
-// The programs that send changes have checked the same; nothing that reaches the socket is believed
-// because of that. Fills in who it is.
+// Checks the user's right and fills in the event's user and session. The programs that request
+// changes have checked the right already, but the back-end does not rely on what reaches its
+// socket. Throws Refusal if the right is missing.
 void requireRight(const BoardDescription& description, const std::string& sessionIdentifier,
                   int function, Host::AuditEvent& event) {
     Host::Session session;
@@ -81,7 +82,7 @@ void appendOrRefuse(const Host::AuditEvent& event) {
     try {
         Host::record(event);
     } catch (const PException&) {
-        throw Refusal{Host::BACKEND_NOT_RECORDED, "the audit log takes no line"};
+        throw Refusal{Host::BACKEND_NOT_RECORDED, "the audit log cannot be written"};
     }
 }
 
@@ -148,7 +149,7 @@ void BoardService::set(const Host::RequestFrame& request, const IsAwaited& isAwa
                      isBackup ? Host::BACKUP_FUNCTION : Host::RESTORE_FUNCTION, event);
         isBackup ? backup(request, event) : restore(request, isAwaited, event);
     } catch (const Refusal& refusal) {
-        // One that got so far that its result is known has its lines.
+        // An event with a result has been recorded already.
         if (event.result.empty()) {
             event.result = "refused";
             event.code = refusal.code;
@@ -174,7 +175,7 @@ BoardService::Bytes BoardService::login(const Host::RequestFrame& request) {
     }
     const User* user = authenticator.authenticate(login.user, login.password);
     if (user == nullptr) {
-        // Not even the name is logged: people type their password into the wrong field.
+        // The name is not logged, because people type passwords into the wrong field.
         throw Refusal{Host::BACKEND_LOGIN_REFUSED, "wrong name or password"};
     }
     pass.succeeded();

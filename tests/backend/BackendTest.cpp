@@ -439,7 +439,7 @@ TEST_F(BackendTest, argumentsThatMakeNoSenseAreMisuse) {
         BackendProcess backend(misuse);
         EXPECT_FALSE(backend.waitUntilReady());
         EXPECT_EQ(backend.waitForEnd(), 2);
-        EXPECT_TRUE(backend.errors().ends_with("(--help tells more)\n")) << backend.errors();
+        EXPECT_TRUE(backend.errors().ends_with("(see --help)\n")) << backend.errors();
     }
 }
 

@@ -105,8 +105,8 @@ TEST_F(BoardctlTest, tellsWhatToDoWhereOrdersAreNotAllowed) {
     const ChildResult result = boardctl({"status"});
     EXPECT_EQ(result.exitStatus, FAILED);
     EXPECT_EQ(result.errors,
-              "boardctl: the back-end takes no orders: start it with --allow-faults, which an "
-              "installed board does not (code 1614)\n");
+              "boardctl: the back-end accepts no orders: start it with --allow-faults, which an "
+              "installed board does not use (code 1614)\n");
     EXPECT_EQ(boardctl({"die"}).exitStatus, FAILED);
 }
 

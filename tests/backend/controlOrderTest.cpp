@@ -72,16 +72,16 @@ TEST(ControlOrderTest, numbersMayBeAsLargeAsTheirLimits) {
     EXPECT_EQ(answerTo("refuse 4294967295 4294967295 4294967295"),
               "request 4294967295 is refused with code 4294967295, 4294967295 times\n");
     EXPECT_EQ(answerTo("slow 600000 1"), "requests wait 600000 ms, 1 times\n");
-    EXPECT_EQ(answerTo("slow 600001 1"), "refused: 600001 is no number that fits");
-    EXPECT_EQ(answerTo("silent 4294967296"), "refused: 4294967296 is no number that fits");
-    EXPECT_EQ(answerTo("die 600001"), "refused: 600001 is no number that fits");
+    EXPECT_EQ(answerTo("slow 600001 1"), "refused: 600001 is not a number in range");
+    EXPECT_EQ(answerTo("silent 4294967296"), "refused: 4294967296 is not a number in range");
+    EXPECT_EQ(answerTo("die 600001"), "refused: 600001 is not a number in range");
 }
 
 TEST(ControlOrderTest, theReasonNamesTheWord) {
     EXPECT_EQ(answerTo(""), "refused: the order is too short");
     EXPECT_EQ(answerTo("  "), "refused: the order is too short");
     EXPECT_EQ(answerTo("silent"), "refused: the order is too short");
-    EXPECT_EQ(answerTo("silent one"), "refused: one is no number that fits");
+    EXPECT_EQ(answerTo("silent one"), "refused: one is not a number in range");
     EXPECT_EQ(answerTo("silent 1 2"), "refused: 2 is one word too many");
     EXPECT_EQ(answerTo("partition 3 On"), "refused: On is neither on nor off");
     EXPECT_EQ(answerTo("quiet"), "refused: there is no order quiet");

@@ -234,7 +234,7 @@ TEST_F(AuditLogTest, aRefusalThatCannotBeRecordedIsTraced) {
     ASSERT_EQ(::mkfifo(path().c_str(), 0600), 0);
     recordRefusal(eventOf("refusal"));
     EXPECT_THAT(readText(boardFile("/var/log/trace.log")),
-                testing::HasSubstr("The audit log does not take a refusal"));
+                testing::HasSubstr("A refusal cannot be written to the audit log"));
 }
 
 TEST_F(AuditLogTest, isSentToTheSystemLogAsWell) {

@@ -81,7 +81,7 @@ TEST_F(SessionFilesTest, anExpiredSessionEndsAlsoWhenTheAuditLogTakesNothing) {
     EXPECT_NO_THROW(endExpiredSessions());
     EXPECT_TRUE(hasNothing(expired.identifier));
     EXPECT_THAT(readText(boardFile("/var/log/trace.log")),
-                testing::HasSubstr("The audit log does not take the end of a session"));
+                testing::HasSubstr("The end of a session cannot be written to the audit log"));
 }
 
 TEST_F(SessionFilesTest, anIdentifierThatIsNoneEndsNothing) {

@@ -45,7 +45,7 @@ TEST_F(EficonfCompareTest, filesThatHoldTheSameAreTheSame) {
     const std::string second = write("b.dat", makeSample("Boot mode=UEFI\n"));
     const ChildResult result = runInspector({"compare", first, second});
     EXPECT_EQ(result.exitStatus, SAME);
-    EXPECT_EQ(result.output, "The files hold the same.\n");
+    EXPECT_EQ(result.output, "The files have the same content.\n");
     const json report = runForJSON({"compare", first, second}, SAME);
     EXPECT_EQ(report.size(), 3U);
     EXPECT_EQ(report.at("differences"), json::array());
@@ -145,7 +145,7 @@ TEST_F(EficonfCompareTest, ignoresTheTimeOnlyWhenAskedTo) {
     const std::vector<std::string> command = {"compare", "--ignore-time", first, second};
     const ChildResult result = runInspector(command);
     EXPECT_EQ(result.exitStatus, SAME);
-    EXPECT_EQ(result.output, "The files hold the same, apart from the time.\n");
+    EXPECT_EQ(result.output, "The files have the same content, but different save times.\n");
     EXPECT_EQ(runForJSON(command, SAME).at("differences"), json::array());
     later.partition = 4;
     const ChildResult other =
@@ -153,7 +153,7 @@ TEST_F(EficonfCompareTest, ignoresTheTimeOnlyWhenAskedTo) {
     EXPECT_EQ(other.exitStatus, DIFFERENT);
     EXPECT_EQ(other.output, "partition: 3 -> 4\n");
     EXPECT_EQ(runInspector({"compare", "--ignore-time", first, first}).output,
-              "The files hold the same.\n");
+              "The files have the same content.\n");
     EXPECT_EQ(runInspector({"compare", "--ignore-time", first, at("missing")}).exitStatus,
               NOT_USABLE);
 }

@@ -140,11 +140,11 @@ TEST_F(EficonfShowTest, saysWhyAFileIsNotUsable) {
         return reason;
     };
     EXPECT_EQ(reasonOf(""), "the file is empty");
-    EXPECT_EQ(reasonOf("abc"), "it does not begin as a configuration file does");
-    EXPECT_EQ(reasonOf(std::string(100, 'x')), "it does not begin as a configuration file does");
+    EXPECT_EQ(reasonOf("abc"), "it does not begin like a configuration file");
+    EXPECT_EQ(reasonOf(std::string(100, 'x')), "it does not begin like a configuration file");
     EXPECT_EQ(reasonOf(sound.substr(0, 27)), "it ends within its header");
     EXPECT_EQ(reasonOf(sound.substr(0, sound.size() - 1)),
-              "it is cut off: by its header it has 1 byte more");
+              "it is cut off: by its header, it has 1 byte more");
     EXPECT_EQ(reasonOf(sound + "xy"), "2 bytes follow its end");
     std::string changed = sound;
     changed[30] = 'x';
@@ -201,7 +201,7 @@ TEST_F(EficonfShowTest, aFileThatIsNoneOfOursIsCalledSo) {
     EXPECT_THAT(linesOf(result.output),
                 ElementsAre("File: " + at("abc"),
                             std::string("Verdict: ") + NOT_A_FILE_OF_OURS +
-                                " (it does not begin as a configuration file does)",
+                                " (it does not begin like a configuration file)",
                             "Size: 3 bytes", "SHA-256: " + SUM_OF_ABC));
 }
 
