@@ -77,11 +77,11 @@ protected:
 
 }  // namespace
 
-TEST_F(BackupPageTest, englishPageHasItsBytes) {
+TEST_F(BackupPageTest, englishPageMatchesExpectedBytes) {
     expectBytes(answer("en"), "backup_page_en.txt");
 }
 
-TEST_F(BackupPageTest, japanesePageHasItsBytes) {
+TEST_F(BackupPageTest, japanesePageMatchesExpectedBytes) {
     expectBytes(answer("ja"), "backup_page_ja.txt");
 }
 

@@ -124,7 +124,7 @@ void addFramesAndFiles(WireForms& forms) {
 
 }  // namespace
 
-TEST(WireFormsTest, everyWireFormHasItsBytes) {
+TEST(WireFormsTest, everyWireFormMatchesExpectedBytes) {
     WireForms forms;
     addContainers(forms);
     addPackets(forms);

@@ -159,7 +159,7 @@ const void* pointerAt(const Class& object, std::size_t offset) {
 
 }  // namespace
 
-TEST(LayoutTest, ofComponents) {
+TEST(LayoutTest, componentsKeepLayout) {
     expectEnd<MetaTag>(expectLayout<std::string, std::string, std::string, std::string>(
         membersOf<MetaTag>(), VIRTUAL));
     expectEnd<HTMLContainer>(expectLayout<std::vector<std::unique_ptr<HTMLComponent>>, bool>(
@@ -173,14 +173,14 @@ TEST(LayoutTest, ofComponents) {
 }
 
 // A pointer in place of each container that a board's library sees as one of pointers.
-TEST(LayoutTest, ofOwnedPointersIsThatOfPointers) {
+TEST(LayoutTest, uniquePtrHasLayoutOfRawPointer) {
     EXPECT_EQ(sizeof(std::unique_ptr<HTMLComponent>), sizeof(HTMLComponent*));
     EXPECT_EQ(sizeof(std::vector<std::unique_ptr<ByteArray>>), sizeof(std::vector<ByteArray*>));
     const auto component = std::make_unique<ProbeComponent>("name");
     EXPECT_EQ(pointerAt(component, 0), component.get());
 }
 
-TEST(LayoutTest, ofTheMainObject) {
+TEST(LayoutTest, mainObjectKeepsLayout) {
     const std::size_t end =
         expectLayout<trace::VeskTrace, FormInfo*, CGIRequester*, MessageMgr*, int, int,
                      CGIAuthority, std::string, bool, int>(membersOf<AbstractMain>(), VIRTUAL);
@@ -191,7 +191,7 @@ TEST(LayoutTest, ofTheMainObject) {
 
 class PageLayoutTest : public PageTest {};
 
-TEST_F(PageLayoutTest, ofThePageBases) {
+TEST_F(PageLayoutTest, pageBasesKeepLayout) {
     const std::size_t base = expectBaseLayout();
     expectEnd<CommonDefaultPage>(base);
     expectEnd<AbstractBackupRestorePage>(expectPageLayout());
@@ -201,7 +201,7 @@ TEST_F(PageLayoutTest, ofThePageBases) {
     EXPECT_EQ(pointerAt(page, base + sizeof(void*)), &formInfo);
 }
 
-TEST_F(PageLayoutTest, ofThePages) {
+TEST_F(PageLayoutTest, pagesKeepLayout) {
     const std::size_t base = expectPageLayout();
     expectEnd<EFIBackupPage>(
         expectLayout<std::string, PartitionInfoPacket>(membersOf<EFIBackupPage>(), base));
@@ -212,7 +212,7 @@ TEST_F(PageLayoutTest, ofThePages) {
         membersOf<EFIBackupRestorePage>(), base));
 }
 
-TEST(LayoutTest, ofDataObjects) {
+TEST(LayoutTest, dataObjectsKeepLayout) {
     using Packet = HardInstallInfoPacket;
     using Collection = ComponentInfoCollection<ByteArray>;
     using Number = PrimitiveTypeWrapper<unsigned int>;

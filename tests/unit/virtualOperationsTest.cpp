@@ -53,7 +53,7 @@ std::vector<std::size_t> placesInPage() {
 
 }  // namespace
 
-TEST(VirtualOperationsTest, ofSerializableObjectsKeepTheirPlaces) {
+TEST(VirtualOperationsTest, serializableObjectsKeepSlots) {
     using ByteArray = VeskUi::PrimitiveTypeArray<unsigned char>;
     EXPECT_EQ(placesInSerializable<VeskUi::SerializableObject>(), THREE_OPERATIONS);
     EXPECT_EQ(placesInSerializable<VeskUi::PrimitiveTypeWrapper<unsigned int>>(), THREE_OPERATIONS);
@@ -61,7 +61,7 @@ TEST(VirtualOperationsTest, ofSerializableObjectsKeepTheirPlaces) {
     EXPECT_EQ(placesInSerializable<VeskUi::ComponentInfoCollection<ByteArray>>(), THREE_OPERATIONS);
 }
 
-TEST(VirtualOperationsTest, ofComponentsKeepTheirPlaces) {
+TEST(VirtualOperationsTest, componentsKeepSlots) {
     const std::vector<std::size_t> expected = {2, 3};
     EXPECT_EQ(placesInComponent<Gui::HTMLComponent>(), expected);
     EXPECT_EQ(placesInComponent<Gui::MetaTag>(), expected);
@@ -72,7 +72,7 @@ TEST(VirtualOperationsTest, ofComponentsKeepTheirPlaces) {
     EXPECT_EQ(placeOf(&Gui::HTMLItem::add), 4u);
 }
 
-TEST(VirtualOperationsTest, ofPagesKeepTheirPlaces) {
+TEST(VirtualOperationsTest, pagesKeepSlots) {
     const std::vector<std::size_t> expected = {2, 3, 4, 5};
     EXPECT_EQ(placesInPage<Gui::CommonDefaultPage>(), expected);
     EXPECT_EQ(placesInPage<Gui::AbstractBackupRestorePage>(), expected);
@@ -81,7 +81,7 @@ TEST(VirtualOperationsTest, ofPagesKeepTheirPlaces) {
     EXPECT_EQ(placesInPage<Gui::EFIRestorePage>(), expected);
 }
 
-TEST(VirtualOperationsTest, ofTheMainObjectKeepTheirPlaces) {
+TEST(VirtualOperationsTest, mainObjectKeepsSlots) {
     // The one with a text and a number; the other errorExit() is not virtual.
     void (Gui::AbstractMain::*errorExit)(std::string, int) = &Gui::AbstractMain::errorExit;
     EXPECT_EQ(placeOf(errorExit), 2u);

@@ -52,7 +52,7 @@ TEST_F(PageShellTest, isFilledPrintedAndDeletedInOrder) {
             "delete VeskTrace(1, 2, 29696)"));
 }
 
-TEST_F(PageShellTest, printsItsFiveComponents) {
+TEST_F(PageShellTest, printsFiveComponents) {
     script.formFields["functionID"] = "106";
     script.posted = true;  // without a step, so that the page is all but empty
     EXPECT_EQ(run(), 0);
@@ -65,7 +65,7 @@ TEST_F(PageShellTest, printsItsFiveComponents) {
               "|title=TextString(Backup/Restore BIOS Configuration, false, false, 6)]");
 }
 
-TEST_F(PageShellTest, aNoticeIsRaisedAfterTheCallOfInitialize) {
+TEST_F(PageShellTest, raisesNoticeAfterCallingInitialize) {
     postRefusedBackup();
     EXPECT_EQ(run(), 0);
     EXPECT_THAT(calls({"addFunction", "addAlertFunction", "insertIntoMap java_script"}),
@@ -75,7 +75,7 @@ TEST_F(PageShellTest, aNoticeIsRaisedAfterTheCallOfInitialize) {
                                              "{initialize();alert(message 72/1540);}|"));
 }
 
-TEST_F(PageShellTest, aPageErrorIsShownInsteadOfThePage) {
+TEST_F(PageShellTest, showsErrorInsteadOfPage) {
     script.displayMode = 0;
     EXPECT_EQ(endedBy([] { run(); }), "errorExit");
     EXPECT_THAT(calls({"errorExit"}),
@@ -85,7 +85,7 @@ TEST_F(PageShellTest, aPageErrorIsShownInsteadOfThePage) {
     EXPECT_EQ(output(), "");
 }
 
-TEST_F(PageShellTest, aPageErrorIsPrintedAsAPageWhenTheErrorPageReturns) {
+TEST_F(PageShellTest, printsPageDespiteErrorWhenErrorPageReturns) {
     script.errorExitReturns = true;
     script.displayMode = 0;
     EXPECT_EQ(run(), 0);
@@ -99,7 +99,7 @@ TEST_F(PageShellTest, aPageErrorIsPrintedAsAPageWhenTheErrorPageReturns) {
                 testing::HasSubstr("body=[/usr/local/www/skel/skeleton_efi_backup.txt]|"));
 }
 
-TEST_F(PageShellTest, anErrorWithANoticeIsAnError) {
+TEST_F(PageShellTest, treatsErrorWithNoticeAsError) {
     postRefusedBackup();
     script.replies[0x0201002F].errorCode = 1540;
     EXPECT_EQ(endedBy([] { run(); }), "errorExit");
@@ -109,7 +109,7 @@ TEST_F(PageShellTest, anErrorWithANoticeIsAnError) {
     EXPECT_EQ(output(), "");
 }
 
-TEST_F(PageShellTest, anErrorWithANoticeRaisesTheAlertWhenTheErrorPageReturns) {
+TEST_F(PageShellTest, raisesNoticeOfErrorWhenErrorPageReturns) {
     script.errorExitReturns = true;
     postRefusedBackup();
     script.replies[0x0201002F].errorCode = 1540;
@@ -121,7 +121,7 @@ TEST_F(PageShellTest, anErrorWithANoticeRaisesTheAlertWhenTheErrorPageReturns) {
                                      "lmsg 107 [the partition status]"));
 }
 
-TEST_F(PageShellTest, anExceptionWhileFillingOrPrintingFreesThePageAndTheShell) {
+TEST_F(PageShellTest, freesPageAndShellWhenFillingOrPrintingThrows) {
     for (const char* place : {"body", "css", "title", "java_script", "meta_frameid"}) {
         script.insertErrors = {{place, 7}};
         EXPECT_EQ(thrownDetail([] { run(); }), 7) << place;
@@ -139,7 +139,7 @@ TEST_F(PageShellTest, anExceptionWhileFillingOrPrintingFreesThePageAndTheShell) 
 }
 
 // The page is freed, the exception goes on to exec(), and nothing was printed.
-TEST_F(PageShellTest, anExceptionOfThePageConstructorLeavesNothing) {
+TEST_F(PageShellTest, freesEverythingWhenPageConstructorThrows) {
     postRefusedBackup();
     script.replies[0x020100A3].errorCode = 0;
     script.headerError = 1104;

@@ -40,7 +40,7 @@ protected:
     std::string lockPath = "/lock";
 };
 
-TEST_F(UploadTest, isCheckedAndThenMovedWhileTheLockIsHeld) {
+TEST_F(UploadTest, isCheckedThenMovedUnderLock) {
     upload();
     EXPECT_THAT(calls(),
                 testing::ElementsAre("getUploadFileSize", "getUploadFileName",
@@ -49,14 +49,14 @@ TEST_F(UploadTest, isCheckedAndThenMovedWhileTheLockIsHeld) {
     expectNothingSaid();
 }
 
-TEST_F(UploadTest, leavesAnEarlierNoticeAsItWas) {
+TEST_F(UploadTest, keepsEarlierNotice) {
     page.addMessage("first");
     upload();
     EXPECT_EQ(page.message, "first");
     EXPECT_FALSE(page.alertFlag);
 }
 
-TEST_F(UploadTest, ofNothingIsRefusedWhateverItsName) {
+TEST_F(UploadTest, isRejectedWhenEmptyWhateverItsName) {
     script.uploadSize = 0;
     upload();
     EXPECT_THAT(calls(),
@@ -66,7 +66,7 @@ TEST_F(UploadTest, ofNothingIsRefusedWhateverItsName) {
     expectNotice("message 33/1028");
 }
 
-TEST_F(UploadTest, thatFailsStandsBelowWhatWasSaidBefore) {
+TEST_F(UploadTest, failureIsAppendedToEarlierMessages) {
     page.addMessage("first");
     script.uploadSize = 0;
     upload();
@@ -87,7 +87,7 @@ INSTANTIATE_TEST_SUITE_P(OfTheUpload, AcceptedSizeTest, testing::Values(1, 39321
 class RefusedSizeTest : public UploadTest, public testing::WithParamInterface<unsigned int> {};
 
 // The size is looked at before the name.
-TEST_P(RefusedSizeTest, isTracedWithItsNumber) {
+TEST_P(RefusedSizeTest, isRejectedAndTracedWithSize) {
     script.uploadSize = GetParam();
     script.uploadName = "x.txt";
     upload();
@@ -122,7 +122,7 @@ INSTANTIATE_TEST_SUITE_P(OfTheUpload, AcceptedNameTest,
 
 class RefusedNameTest : public UploadTest, public testing::WithParamInterface<const char*> {};
 
-TEST_P(RefusedNameTest, isTracedAndNothingIsLockedOrMoved) {
+TEST_P(RefusedNameTest, isRejectedWithoutLockingOrMoving) {
     script.uploadName = GetParam();
     upload();
     EXPECT_THAT(calls(),
@@ -138,7 +138,7 @@ INSTANTIATE_TEST_SUITE_P(OfTheUpload, RefusedNameTest,
                                          "ab", "abcd", "xdat", "x.da", "x.Dat", "x.dat ", "abcde",
                                          "x.datx"));
 
-TEST_F(UploadTest, withoutTheLockIsNotMoved) {
+TEST_F(UploadTest, isNotMovedWithoutLock) {
     script.lockError = 1101;
     upload();
     EXPECT_THAT(calls(),
@@ -150,14 +150,14 @@ TEST_F(UploadTest, withoutTheLockIsNotMoved) {
 }
 
 // The detail of the lock's exception is shown behind 45 and never read as a back-end error.
-TEST_F(UploadTest, withoutTheLockHasNoMessageOfTheCodesOwn) {
+TEST_F(UploadTest, lockFailureAlwaysUsesMessage45) {
     script.lockError = 1549;
     upload();
     expectNotice("message 45/1549");
 }
 
 // errno is read before any platform call can change it.
-TEST_F(UploadTest, thatCannotBeMovedIsTracedWithTheErrorNumberWhileTheLockIsHeld) {
+TEST_F(UploadTest, failedMoveIsTracedWithErrnoUnderLock) {
     script.renameError = EXDEV;
     upload();
     EXPECT_THAT(calls(), testing::ElementsAre(
@@ -169,7 +169,7 @@ TEST_F(UploadTest, thatCannotBeMovedIsTracedWithTheErrorNumberWhileTheLockIsHeld
     expectNotice("message 45/1043");
 }
 
-TEST_F(UploadTest, anExceptionUnderTheLockReleasesItBeforeItIsReported) {
+TEST_F(UploadTest, releasesLockBeforeReportingException) {
     script.uploadPathError = 1103;
     upload();
     EXPECT_THAT(calls(), testing::ElementsAre(
@@ -181,7 +181,7 @@ TEST_F(UploadTest, anExceptionUnderTheLockReleasesItBeforeItIsReported) {
 }
 
 // Unlike without the lock, the detail is read as a back-end error's is.
-TEST_F(UploadTest, anExceptionUnderTheLockUsesTheCodesOwnMessage) {
+TEST_F(UploadTest, exceptionUnderLockUsesMessageOfErrorCode) {
     script.uploadPathError = 1047;
     upload();
     expectNotice("message 250/1047");
@@ -190,7 +190,7 @@ TEST_F(UploadTest, anExceptionUnderTheLockUsesTheCodesOwnMessage) {
 class UnknownUploadTest : public UploadTest, public testing::WithParamInterface<const char*> {};
 
 // The platform cannot say what was uploaded. Nothing is locked, moved or thrown.
-TEST_P(UnknownUploadTest, isTracedAndBecomesANotice) {
+TEST_P(UnknownUploadTest, isTracedAndBecomesNotice) {
     Scripted::throwAt(GetParam(), std::make_exception_ptr(Scripted::makeScriptedException(1103)));
     upload();
     EXPECT_THAT(calls({"new LockedFile", "rename", "putLog", "getMessage"}),
@@ -200,13 +200,13 @@ TEST_P(UnknownUploadTest, isTracedAndBecomesANotice) {
 }
 
 // The detail is read as a back-end error's is, as under the lock.
-TEST_P(UnknownUploadTest, usesTheCodesOwnMessage) {
+TEST_P(UnknownUploadTest, usesMessageOfErrorCode) {
     Scripted::throwAt(GetParam(), std::make_exception_ptr(Scripted::makeScriptedException(1047)));
     upload();
     expectNotice("message 250/1047");
 }
 
-TEST_P(UnknownUploadTest, letsAnExceptionOfAnotherTypePass) {
+TEST_P(UnknownUploadTest, propagatesOtherExceptions) {
     Scripted::throwAt(GetParam(), std::make_exception_ptr(std::runtime_error("other")));
     EXPECT_THROW(upload(), std::runtime_error);
     expectNothingSaid();
@@ -215,7 +215,7 @@ TEST_P(UnknownUploadTest, letsAnExceptionOfAnotherTypePass) {
 INSTANTIATE_TEST_SUITE_P(OfThePlatform, UnknownUploadTest,
                          testing::Values("getUploadFileSize", "getUploadFileName"));
 
-TEST_F(UploadTest, anExceptionOfAnotherTypePassesThroughAndReleasesTheLock) {
+TEST_F(UploadTest, propagatesOtherExceptionsAndReleasesLock) {
     Scripted::throwAt("getUploadFilePath", std::make_exception_ptr(std::runtime_error("other")));
     EXPECT_THROW(upload(), std::runtime_error);
     EXPECT_THAT(calls({"new LockedFile", "rename", "putLog", "getMessage", "delete"}),
@@ -223,7 +223,7 @@ TEST_F(UploadTest, anExceptionOfAnotherTypePassesThroughAndReleasesTheLock) {
     expectNothingSaid();
 }
 
-TEST_F(UploadTest, anExceptionOfAnotherTypeInsteadOfTheLockPassesThrough) {
+TEST_F(UploadTest, propagatesOtherExceptionsOfLock) {
     Scripted::throwAt("new LockedFile", std::make_exception_ptr(std::runtime_error("other")));
     EXPECT_THROW(upload(), std::runtime_error);
     EXPECT_THAT(calls({"rename", "putLog", "getMessage", "delete"}), testing::IsEmpty());
@@ -243,21 +243,21 @@ protected:
     TemporaryFolder folder;
 };
 
-TEST_F(UploadedFileTest, isTheStagedFileAfterwards) {
+TEST_F(UploadedFileTest, becomesStagedFile) {
     upload();
     EXPECT_EQ(namesIn(folder.path), Calls{"staged"});
     EXPECT_EQ(readText(stagingPath), "new content");
     expectNothingSaid();
 }
 
-TEST_F(UploadedFileTest, replacesAnEarlierOne) {
+TEST_F(UploadedFileTest, replacesEarlierFile) {
     writeText(stagingPath, "old content, which is longer");
     upload();
     EXPECT_EQ(namesIn(folder.path), Calls{"staged"});
     EXPECT_EQ(readText(stagingPath), "new content");
 }
 
-TEST_F(UploadedFileTest, thatIsRefusedLeavesAnEarlierOneInPlace) {
+TEST_F(UploadedFileTest, keepsEarlierFileWhenRejected) {
     writeText(stagingPath, "old content");
     for (const auto& spoil : std::vector<std::function<void()>>{
              [this] { script.uploadSize = 0; }, [this] { script.uploadSize = 393217; },
@@ -282,7 +282,7 @@ TEST_F(UploadedFileTest, thatIsRefusedLeavesAnEarlierOneInPlace) {
     }
 }
 
-TEST_F(UploadedFileTest, cannotBeMovedIntoAMissingFolder) {
+TEST_F(UploadedFileTest, isNotMovedIntoMissingFolder) {
     stagingPath = folder.path / "missing" / "staged";
     upload();
     EXPECT_THAT(
@@ -295,7 +295,7 @@ TEST_F(UploadedFileTest, cannotBeMovedIntoAMissingFolder) {
 
 // What the pages build of an upload.
 
-TEST_F(UploadTest, isChosenWithASelectorAndAButton) {
+TEST_F(UploadTest, usesFileSelectorAndButton) {
     page.putFileSelector();
     page.putUploadButton();
     page.printHTML();
@@ -304,7 +304,7 @@ TEST_F(UploadTest, isChosenWithASelectorAndAButton) {
               "|install=Button(install, caption 499, form_name, 0, \"uploadFunction()\", false)]");
 }
 
-TEST_F(UploadTest, aMessageAloneIsNoAlert) {
+TEST_F(UploadTest, messageAloneRaisesNoAlert) {
     page.addMessage("first");
     page.addMessage("second");
     EXPECT_EQ(page.message, "first<br>second");

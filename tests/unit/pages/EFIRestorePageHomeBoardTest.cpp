@@ -33,7 +33,7 @@ protected:
     }
 };
 
-TEST_F(HomeBoardTest, isTheFirstInstalledOneThatIsHome) {
+TEST_F(HomeBoardTest, isFirstInstalledHomeBoard) {
     setNodes({0x05, 0x02, 0x03, 0x04});
     script.setBoards({2, 3, 4, 15}, {3, 4, 5, 15});
     EXPECT_EQ(print(*makePage()), rowsWith("of board 3"));
@@ -48,7 +48,7 @@ TEST_F(HomeBoardTest, isTheFirstInstalledOneThatIsHome) {
 }
 
 // The order is that of the nodes and not that of the numbers.
-TEST_F(HomeBoardTest, isTheFirstInTheNodesOrder) {
+TEST_F(HomeBoardTest, isFirstInNodeOrder) {
     setNodes({0x09, 0x01});
     script.setBoards({1, 9, 15}, {1, 9, 15});
     EXPECT_EQ(print(*makePage()), rowsWith("of board 9"));
@@ -66,7 +66,7 @@ std::ostream& operator<<(std::ostream& stream, const NodeCase& testCase) {
 class SystemBoardNodeTest : public HomeBoardTest, public testing::WithParamInterface<NodeCase> {};
 
 // Bit 4 is ignored on purpose.
-TEST_P(SystemBoardNodeTest, namesTheBoardInItsLowFourBits) {
+TEST_P(SystemBoardNodeTest, namesBoardInLowFourBits) {
     setNodes({GetParam().node});
     script.setBoards({GetParam().board, 15}, {GetParam().board, 15});
     EXPECT_EQ(print(*makePage()), rowsWith("of board " + std::to_string(GetParam().board)));
@@ -81,14 +81,14 @@ INSTANTIATE_TEST_SUITE_P(OfAPartition, SystemBoardNodeTest,
 class OtherNodeTest : public HomeBoardTest, public testing::WithParamInterface<unsigned char> {};
 
 // Any of the top three bits makes it a board of another kind.
-TEST_P(OtherNodeTest, isPassedOver) {
+TEST_P(OtherNodeTest, isSkipped) {
     setNodes({GetParam()});
     script.setBoards({1, 15}, {1, 15});
     EXPECT_EQ(print(*makePage()), rowsWith("-"));
     EXPECT_THAT(questions(), testing::ElementsAre(absent("2")));
 }
 
-TEST_P(OtherNodeTest, doesNotEndTheSearch) {
+TEST_P(OtherNodeTest, doesNotEndSearch) {
     setNodes({GetParam(), 0x01});
     script.setBoards({1, 15}, {1, 15});
     EXPECT_EQ(print(*makePage()), rowsWith("of board 1"));
@@ -110,7 +110,7 @@ std::ostream& operator<<(std::ostream& stream, const AbsentCase& testCase) {
 
 class AbsentHomeBoardTest : public HomeBoardTest, public testing::WithParamInterface<AbsentCase> {};
 
-TEST_P(AbsentHomeBoardTest, isTracedAndTheVersionUnknown) {
+TEST_P(AbsentHomeBoardTest, isTracedAndShowsUnknownVersion) {
     setNodes(GetParam().nodes);
     script.setBoards(GetParam().installed, GetParam().home);
     const auto page = makePage();
@@ -133,7 +133,7 @@ INSTANTIATE_TEST_SUITE_P(
                     AbsentCase{"home but not installed", {0x01}, {15}, {1, 15}},
                     AbsentCase{"two halves of one", {0x01, 0x02}, {1, 15}, {2, 15}}));
 
-TEST_F(HomeBoardTest, isSearchedForEachPartitionAnew) {
+TEST_F(HomeBoardTest, isSearchedForEachPartition) {
     script.setPartitions(
         {{true, "a", {0x01}}, {true, "b", {}}, {true, "c", {0x02}}, {true, "d", {0x21}}});
     script.setBoards({1, 2}, {1, 2});

@@ -22,7 +22,7 @@ protected:
     }
 };
 
-TEST_F(RestoreStepTest, goesStepByStep) {
+TEST_F(RestoreStepTest, runsStepsInOrder) {
     script.maxPartitionNumbers = {2};
     script.formFields["pid1"] = "1";
     const auto page = makePage();
@@ -43,7 +43,7 @@ TEST_F(RestoreStepTest, goesStepByStep) {
     EXPECT_FALSE(page->isError());
 }
 
-TEST_F(RestoreStepTest, sendsTheTickedPartitionsInOrder) {
+TEST_F(RestoreStepTest, sendsSelectedPartitionsInOrder) {
     script.formFields["pid3"] = "3";
     script.formFields["pid1"] = "1";
     makePage();
@@ -52,14 +52,14 @@ TEST_F(RestoreStepTest, sendsTheTickedPartitionsInOrder) {
     EXPECT_THAT(calls({"getInfo", "PartitionInfoPacket::isInstalled"}), testing::IsEmpty());
 }
 
-TEST_F(RestoreStepTest, sendsAPartitionThatIsNotInstalled) {
+TEST_F(RestoreStepTest, sendsPartitionThatIsNotInstalled) {
     script.setPartitions({{false, "", {}}, {true, "name", {}}});
     script.formFields["pid0"] = "0";
     makePage();
     EXPECT_THAT(restoreRequests(), testing::ElementsAre(request("00 01 00")));
 }
 
-TEST_F(RestoreStepTest, looksAtNoFieldBeyondTheBoardsPartitions) {
+TEST_F(RestoreStepTest, ignoresFieldsBeyondPartitionCount) {
     script.maxPartitionNumbers = {3};
     script.formFields["pid2"] = "2";
     script.formFields["pid3"] = "3";
@@ -71,7 +71,7 @@ TEST_F(RestoreStepTest, looksAtNoFieldBeyondTheBoardsPartitions) {
                 testing::ElementsAre("getFormData pid0", "getFormData pid1", "getFormData pid2"));
 }
 
-TEST_F(RestoreStepTest, readsNumbersOfTwoDigits) {
+TEST_F(RestoreStepTest, readsTwoDigitNumbers) {
     script.maxPartitionNumbers = {12};
     script.formFields["pid11"] = "11";
     makePage();
@@ -90,7 +90,7 @@ std::ostream& operator<<(std::ostream& stream, const ValueCase& testCase) {
 class PostedTargetTest : public RestoreStepTest, public testing::WithParamInterface<ValueCase> {};
 
 // The posted value counts, cut to 8 bits, and not the number in the field's name.
-TEST_P(PostedTargetTest, isHandedOnUnchecked) {
+TEST_P(PostedTargetTest, isPassedOnUnchecked) {
     script.formFields["pid2"] = GetParam().posted;
     makePage();
     EXPECT_THAT(restoreRequests(),
@@ -112,7 +112,7 @@ TEST_F(RestoreStepTest, keepsDuplicates) {
 }
 
 // The verdict on an empty list is the back-end's.
-TEST_F(RestoreStepTest, sendsAnEmptyListAsWell) {
+TEST_F(RestoreStepTest, sendsEmptyList) {
     script.replies[0x020100A4].errorCode = 1540;
     const auto page = makePage();
     EXPECT_THAT(restoreRequests(), testing::ElementsAre(request("00 00")));
@@ -120,7 +120,7 @@ TEST_F(RestoreStepTest, sendsAnEmptyListAsWell) {
     EXPECT_EQ(print(*page), uploadForm("2"));
 }
 
-TEST_F(RestoreStepTest, sendsAnEmptyListWithoutPartitionNumbers) {
+TEST_F(RestoreStepTest, sendsEmptyListWhenPartitionCountIsZero) {
     script.maxPartitionNumbers = {0};
     script.formFields["pid0"] = "0";
     makePage();
@@ -137,14 +137,14 @@ TEST_F(RestoreStepTest, comparesPartitionNumbersSigned) {
                 testing::ElementsAre("getMaxPartitionNum"));
 }
 
-TEST_F(RestoreStepTest, neitherNeedsNorTouchesAStagedFile) {
+TEST_F(RestoreStepTest, doesNotAccessStagedFile) {
     script.formFields["pid0"] = "0";
     makePage();
     EXPECT_THAT(calls({"new LockedFile", "new EFIConfFile", "rename", "remove"}),
                 testing::IsEmpty());
 }
 
-TEST_F(RestoreStepTest, asksForTheNumberOfPartitionsBeforeEveryPass) {
+TEST_F(RestoreStepTest, readsPartitionCountBeforeEachPass) {
     script.maxPartitionNumbers = {1, 3, 3, 2};
     for (int partition = 0; partition < 8; ++partition) {
         script.formFields["pid" + std::to_string(partition)] = std::to_string(partition);
@@ -180,7 +180,7 @@ TEST_P(RestoreOfAllTest, sendsEveryInstalledPartitionOnce) {
     EXPECT_EQ(print(*page), uploadForm("2"));
 }
 
-TEST_P(RestoreOfAllTest, asksForTheNumberOfPartitionsBeforeEveryPass) {
+TEST_P(RestoreOfAllTest, readsPartitionCountBeforeEachPass) {
     script.maxPartitionNumbers = {1, 3, 3, 2};
     makePage();
     EXPECT_THAT(restoreRequests(), testing::ElementsAre(request("00 02 00 02")));
@@ -194,7 +194,7 @@ TEST_P(RestoreOfAllTest, comparesPartitionNumbersSigned) {
     EXPECT_THAT(calls({"getMaxPartitionNum"}), testing::SizeIs(1));
 }
 
-TEST_P(RestoreOfAllTest, cutsPartitionNumbersToEightBits) {
+TEST_P(RestoreOfAllTest, truncatesPartitionNumbersToEightBits) {
     std::vector<Partition> partitions(258);
     partitions[255] = partitions[257] = {true, "name", {}};
     script.setPartitions(partitions);
@@ -203,7 +203,7 @@ TEST_P(RestoreOfAllTest, cutsPartitionNumbersToEightBits) {
 }
 
 // Nothing is sent.
-TEST_P(RestoreOfAllTest, aFailedPartitionTableIsAllThatIsShown) {
+TEST_P(RestoreOfAllTest, failedPartitionTableShowsOnlyError) {
     script.replies[0x0201002F].errorCode = 1047;
     script.formFields["pid0"] = "0";
     const auto page = makePage();
@@ -224,7 +224,7 @@ TEST_P(RestoreOfAllTest, aFailedPartitionTableIsAllThatIsShown) {
 
 INSTANTIATE_TEST_SUITE_P(WhateverTheBoxSays, RestoreOfAllTest, testing::Values("", "0", "on"));
 
-TEST_F(RestoreStepTest, aRefusalIsANoticeOverTheForm) {
+TEST_F(RestoreStepTest, refusalShowsNoticeAndForm) {
     script.replies[0x020100A4].errorCode = 1540;
     script.formFields["pid0"] = "0";
     const auto page = makePage();
@@ -235,19 +235,19 @@ TEST_F(RestoreStepTest, aRefusalIsANoticeOverTheForm) {
     EXPECT_THAT(calls({"remove", "putLog"}), testing::IsEmpty());
 }
 
-TEST_F(RestoreStepTest, aRefusalUsesTheErrorCodesOwnMessage) {
+TEST_F(RestoreStepTest, refusalUsesMessageOfErrorCode) {
     script.replies[0x020100A4].errorCode = 1551;
     EXPECT_EQ(makePage()->getMessage(), "message 353/1551");
 }
 
-TEST_F(RestoreStepTest, theOutcomeStandsAboveTheNoticeOfAMessageField) {
+TEST_F(RestoreStepTest, messageFieldAppendsToOutcome) {
     script.replies[0x020100A4].errorCode = 1549;
     script.formFields["message"] = "";
     EXPECT_EQ(makePage()->getMessage(), "message 73/1549<br>message 70/0");
 }
 
 // Authority is asked about only when the form is built again.
-TEST_F(RestoreStepTest, withoutAuthorityIsSentAndThenAnError) {
+TEST_F(RestoreStepTest, sendsUnauthorizedRestoreThenShowsError) {
     displayMode = 0;
     script.formFields["pid0"] = "0";
     const auto page = makePage();

@@ -10,7 +10,7 @@ namespace VeskLib::Test {
 
 class EFIRestorePageSelectionTest : public SelectionTest {};
 
-TEST_F(EFIRestorePageSelectionTest, isBuiltStepByStep) {
+TEST_F(EFIRestorePageSelectionTest, isBuiltInFixedOrder) {
     script.setPartitions({{false, "", {}}, {true, "name", {0x03}}});
     script.setBoards({3}, {3});
     script.setVersions({"", "", "", "4.5"});
@@ -111,7 +111,7 @@ TEST_F(EFIRestorePageSelectionTest, isBuiltStepByStep) {
                 }));
 }
 
-TEST_F(EFIRestorePageSelectionTest, hasARowForEachInstalledPartition) {
+TEST_F(EFIRestorePageSelectionTest, showsRowForEachInstalledPartition) {
     script.setPartitions({{true, "first", {0x05}}, {false, "gap", {0x01}}, {true, "third", {}}});
     script.setBoards({1, 5}, {1, 5});
     script.setVersions({"", "wrong", "", "", "", "10.20.30"});
@@ -125,7 +125,7 @@ TEST_F(EFIRestorePageSelectionTest, hasARowForEachInstalledPartition) {
 }
 
 // Nothing decides for the operator: not the version, not where the file came from.
-TEST_F(EFIRestorePageSelectionTest, makesEveryRowAlike) {
+TEST_F(EFIRestorePageSelectionTest, treatsAllRowsAlike) {
     script.setPartitions({{true, "same version", {0x00}},
                           {true, "other version", {0x01}},
                           {true, "no home board", {}},
@@ -139,7 +139,7 @@ TEST_F(EFIRestorePageSelectionTest, makesEveryRowAlike) {
                             row("4", "the file's", "1.23 B")));
 }
 
-TEST_F(EFIRestorePageSelectionTest, givesNamesNumbersAndVersionsAsTheyAre) {
+TEST_F(EFIRestorePageSelectionTest, printsNamesNumbersAndVersionsUnescaped) {
     std::vector<Partition> partitions(11);
     partitions[10] = {true, "<&\"'> %s ü", {0x00}};
     script.setPartitions(partitions);
@@ -148,7 +148,7 @@ TEST_F(EFIRestorePageSelectionTest, givesNamesNumbersAndVersionsAsTheyAre) {
     EXPECT_EQ(print(*makePage()), selectionWith(row("10", "<&\"'> %s ü", "<1>")));
 }
 
-TEST_F(EFIRestorePageSelectionTest, saysWhatTheFileHolds) {
+TEST_F(EFIRestorePageSelectionTest, showsFileDetails) {
     script.filePartition = std::numeric_limits<unsigned int>::max();
     script.filePartitionName = "<file>";
     script.fileVersion = "-";
@@ -161,20 +161,20 @@ TEST_F(EFIRestorePageSelectionTest, saysWhatTheFileHolds) {
 }
 
 // The header's first field is no date.
-TEST_F(EFIRestorePageSelectionTest, datesTheFileInLocalTime) {
+TEST_F(EFIRestorePageSelectionTest, showsFileDateInLocalTime) {
     const ScopedEnvironment east("TZ", "JST-9");
     script.fileHeader.revision = 1794657600;
     script.fileHeader.saveTime = 1236384000 - 1;
     EXPECT_THAT(print(*makePage()), testing::HasSubstr("|date=" + text("2009-03-07") + "|"));
 }
 
-TEST_F(EFIRestorePageSelectionTest, datesTheFileInTheYearBeforeWhereThatIsLocalTime) {
+TEST_F(EFIRestorePageSelectionTest, showsPreviousYearWestOfGreenwich) {
     const ScopedEnvironment west("TZ", "EST5");
     script.fileHeader.saveTime = 1798761600;  // 1 January 2027, midnight in Greenwich
     EXPECT_THAT(print(*makePage()), testing::HasSubstr("|date=" + text("2026-12-31") + "|"));
 }
 
-TEST_F(EFIRestorePageSelectionTest, showsWhatTheDisplayModeIsWhenPrinted) {
+TEST_F(EFIRestorePageSelectionTest, usesDisplayModeAtPrintTime) {
     const auto page = makePage();
     displayMode = 0;
     const std::string printed = print(*page);
@@ -183,7 +183,7 @@ TEST_F(EFIRestorePageSelectionTest, showsWhatTheDisplayModeIsWhenPrinted) {
 }
 
 // The number of partitions is asked again before every pass.
-TEST_F(EFIRestorePageSelectionTest, endsWhereTheBoardSaysAtThatMoment) {
+TEST_F(EFIRestorePageSelectionTest, readsPartitionCountBeforeEachPass) {
     script.setPartitions(std::vector<Partition>(5, {true, "name", {}}));
     script.maxPartitionNumbers = {1, 3, 3, 2};
     EXPECT_EQ(print(*makePage()),
@@ -198,7 +198,7 @@ TEST_F(EFIRestorePageSelectionTest, comparesPartitionNumbersSigned) {
     EXPECT_THAT(calls({"getMaxPartitionNum"}), testing::SizeIs(1));
 }
 
-TEST_F(EFIRestorePageSelectionTest, withoutVersionsEveryRowReadsUnknown) {
+TEST_F(EFIRestorePageSelectionTest, showsUnknownVersionsWhenRequestFails) {
     script.setPartitions({{true, "first", {0x00}}, {true, "second", {0x01}}});
     script.setBoards({0, 1}, {0, 1});
     script.setVersions({"1.0", "2.0"});
@@ -214,7 +214,7 @@ TEST_F(EFIRestorePageSelectionTest, withoutVersionsEveryRowReadsUnknown) {
 }
 
 // What cannot be had is traced and shown in the same words, and the upload form is not built.
-TEST_F(EFIRestorePageSelectionTest, aFailedPartitionTableIsAllThatIsShown) {
+TEST_F(EFIRestorePageSelectionTest, failedPartitionTableShowsOnlyError) {
     script.replies[0x0201002F].errorCode = 1047;
     const auto page = makePage();
     EXPECT_EQ(page->getMessage(), "lmsg 107 [the partition status]");
@@ -230,7 +230,7 @@ TEST_F(EFIRestorePageSelectionTest, aFailedPartitionTableIsAllThatIsShown) {
                     "delete TextString(onLoadFunction(), false, false, 6)", "terminate"));
 }
 
-TEST_F(EFIRestorePageSelectionTest, failedInstalledHardwareIsAllThatIsShown) {
+TEST_F(EFIRestorePageSelectionTest, failedHardwareInfoShowsOnlyError) {
     script.replies[0x02010021].errorCode = 1047;
     const auto page = makePage();
     EXPECT_EQ(page->getMessage(), "lmsg 107 [the system status]");
@@ -253,7 +253,7 @@ protected:
 };
 
 // The exception's own code is not shown.
-TEST_P(UnreadableFileTest, isRemovedAndTheUploadFormShownAgain) {
+TEST_P(UnreadableFileTest, isRemovedAndUploadFormShownAgain) {
     const auto page = makePage();
     EXPECT_EQ(page->getMessage(), "message 64/1026");
     EXPECT_TRUE(page->isAlert());
@@ -279,7 +279,7 @@ TEST_P(UnreadableFileTest, isRemovedAndTheUploadFormShownAgain) {
                     "insertIntoMap message0", "terminate"));
 }
 
-TEST_P(UnreadableFileTest, thatCannotBeRemovedIsTracedAndShownTheSame) {
+TEST_P(UnreadableFileTest, failedRemovalIsTracedAndShowsSamePage) {
     script.removeError = 13;
     const auto page = makePage();
     EXPECT_EQ(page->getMessage(), "message 64/1026");
@@ -293,7 +293,7 @@ INSTANTIATE_TEST_SUITE_P(WhenOpenedOrRead, UnreadableFileTest, testing::Bool());
 
 // The lock is free while the file is read and is asked for once more to remove it; without it the
 // exception leaves the page, and nothing of the page is left.
-TEST_F(EFIRestorePageSelectionTest, anUnreadableFileThatCannotBeLockedEndsThePage) {
+TEST_F(EFIRestorePageSelectionTest, throwsWhenUnreadableFileCannotBeLocked) {
     script.headerError = 1104;
     const Calls held = Scripted::livingObjects();
     script.replies[0x02010021].fill = [this](VeskUi::SerializableObject&) {
@@ -305,7 +305,7 @@ TEST_F(EFIRestorePageSelectionTest, anUnreadableFileThatCannotBeLockedEndsThePag
     EXPECT_THAT(calls({"terminate"}), testing::IsEmpty());
 }
 
-TEST_F(EFIRestorePageSelectionTest, anExceptionOfAnotherTypePassesThroughAndKeepsTheFile) {
+TEST_F(EFIRestorePageSelectionTest, propagatesOtherExceptionsAndKeepsFile) {
     const Calls held = Scripted::livingObjects();
     for (const char* place : {"new EFIConfFile", "getFileHeader"}) {
         Scripted::forgetCalls();
@@ -319,7 +319,7 @@ TEST_F(EFIRestorePageSelectionTest, anExceptionOfAnotherTypePassesThroughAndKeep
     }
 }
 
-TEST_F(EFIRestorePageSelectionTest, withoutPartitionNumbersNoneIsInstalled) {
+TEST_F(EFIRestorePageSelectionTest, zeroPartitionCountMeansNoneInstalled) {
     script.maxPartitionNumbers = {0};
     const auto page = makePage();
     EXPECT_EQ(page->getMessage(), "message 46/1026");
@@ -328,7 +328,7 @@ TEST_F(EFIRestorePageSelectionTest, withoutPartitionNumbersNoneIsInstalled) {
     EXPECT_THAT(calls({"PartitionInfoPacket::isInstalled", "putLog"}), testing::IsEmpty());
 }
 
-TEST_F(EFIRestorePageSelectionTest, whenNoPartitionIsInstalledOnlyThatIsShownAndTheFileKept) {
+TEST_F(EFIRestorePageSelectionTest, keepsFileButShowsOnlyErrorWhenNoneInstalled) {
     script.setPartitions({{false, "name", {0x00}}, {false, "", {}}});
     const auto page = makePage();
     EXPECT_EQ(page->getMessage(), "message 46/1026");
@@ -347,7 +347,7 @@ TEST_F(EFIRestorePageSelectionTest, whenNoPartitionIsInstalledOnlyThatIsShownAnd
 }
 
 // Wherever the building breaks off, nothing of the page stays behind.
-TEST_F(EFIRestorePageSelectionTest, anExceptionWhileBuildingFreesThePage) {
+TEST_F(EFIRestorePageSelectionTest, freesPageWhenBuildingThrows) {
     script.setPartitions({{true, "first", {}}, {true, "second", {}}});
     const Calls held = Scripted::livingObjects();
     for (const char* place : {"form_action", "information", "tablepid", "part_name", "filename",
