@@ -31,8 +31,8 @@ const ExceptionArguments READ_FAULT = {
 
 class ComponentInfoCollectionTest : public ScriptedTest {
 protected:
-    // The bytes that each element holds.
-    std::vector<Bytes> held() const {
+    // Returns the bytes of each element.
+    std::vector<Bytes> elementBytes() const {
         std::vector<Bytes> contents;
         for (const auto& element : collection.elements) {
             contents.push_back(element->records);
@@ -75,7 +75,7 @@ TEST_F(ComponentInfoCollectionTest, writesTwoByteCountsAndLengths) {
               (Bytes{0x02, 0x03, 0x02, 0x01, 0x55}));
 }
 
-// Like an array of too many records: the number is cut, the bytes are not.
+// Intended: the length is truncated to 16 bits, the bytes are not.
 TEST_F(ComponentInfoCollectionTest, truncatesLengthAbove65535ButWritesWholeElement) {
     add(Bytes(0x10001 - 2, 0x55));
     add({0x41});
@@ -121,7 +121,7 @@ TEST_F(ComponentInfoCollectionTest, leavesRestOfLargerBufferUnchanged) {
     EXPECT_EQ(buffer.bytes(), (Bytes{0x00, 0x01, 0x00, 0x03, 0x00, 0x01, 0x41, 0xEE, 0xEE}));
 }
 
-// The size is asked of the object; what is returned are the bytes that were written.
+// getSerializedSize() is called virtually; the result is the number of bytes written.
 TEST_F(ComponentInfoCollectionTest, checksBufferAgainstVirtualSizeAndReturnsBytesWritten) {
     class LargerCollection : public Collection {
     public:
@@ -136,12 +136,12 @@ TEST_F(ComponentInfoCollectionTest, checksBufferAgainstVirtualSizeAndReturnsByte
 
 TEST_F(ComponentInfoCollectionTest, readsElements) {
     EXPECT_TRUE(deserialize(collection, THREE_ELEMENTS));
-    EXPECT_THAT(held(), testing::ElementsAre(Bytes{0x41, 0x42}, Bytes{}, Bytes{0x43}));
+    EXPECT_THAT(elementBytes(), testing::ElementsAre(Bytes{0x41, 0x42}, Bytes{}, Bytes{0x43}));
 }
 
 TEST_F(ComponentInfoCollectionTest, readsSmallestNonEmptyCollection) {
     EXPECT_TRUE(deserialize(collection, {0x00, 0x01, 0x00, 0x03, 0x00, 0x01, 0x41}));
-    EXPECT_THAT(held(), testing::ElementsAre(Bytes{0x41}));
+    EXPECT_THAT(elementBytes(), testing::ElementsAre(Bytes{0x41}));
 }
 
 TEST_F(ComponentInfoCollectionTest, rejectsTrailingByteAndKeepsElements) {
@@ -151,19 +151,19 @@ TEST_F(ComponentInfoCollectionTest, rejectsTrailingByteAndKeepsElements) {
                   },
                   2),
               READ_FAULT);
-    EXPECT_THAT(held(), testing::ElementsAre(Bytes{0x41}));
+    EXPECT_THAT(elementBytes(), testing::ElementsAre(Bytes{0x41}));
 }
 
-// No count, not even of 0.
+// Two bytes are needed even for a count of 0.
 TEST_F(ComponentInfoCollectionTest, rejectsTruncatedCount) {
     for (const std::size_t size : {0, 1}) {
         const Bytes wire(size, 0x00);
         EXPECT_EQ(thrownBy([&] { deserialize(collection, wire); }, 2), READ_FAULT) << size;
     }
-    EXPECT_THAT(held(), testing::IsEmpty());
+    EXPECT_THAT(elementBytes(), testing::IsEmpty());
 }
 
-// Whether the count, a length or an element is cut: the elements in front of the cut stay.
+// The truncation may hit the count, a length or an element; the elements before it are kept.
 TEST_F(ComponentInfoCollectionTest, rejectsEveryTruncationAndKeepsPrecedingElements) {
     const std::vector<std::size_t> ends = {8, 12, 17};
     for (std::size_t size = 0; size < THREE_ELEMENTS.size(); ++size) {
@@ -184,28 +184,28 @@ TEST_F(ComponentInfoCollectionTest, addsNoElementForLengthPastEnd) {
                   },
                   2),
               READ_FAULT);
-    EXPECT_THAT(held(), testing::IsEmpty());
+    EXPECT_THAT(elementBytes(), testing::IsEmpty());
 }
 
 TEST_F(ComponentInfoCollectionTest, acceptsZeroCountWhateverFollows) {
     EXPECT_TRUE(deserialize(collection, {0x00, 0x00}));
     EXPECT_TRUE(deserialize(collection, {0x00, 0x00, 0x41}));
     EXPECT_TRUE(deserialize(collection, Bytes(50, 0x00)));
-    EXPECT_THAT(held(), testing::IsEmpty());
+    EXPECT_THAT(elementBytes(), testing::IsEmpty());
 }
 
 TEST_F(ComponentInfoCollectionTest, leavesElementEmptyWhenItRejectsItsBytes) {
     EXPECT_TRUE(deserialize(collection, {0x00, 0x04,                    // four elements
-                                         0x00, 0x00,                    // no bytes at all
+                                         0x00, 0x00,                    // empty
                                          0x00, 0x01, 0x00,              // half a count
-                                         0x00, 0x03, 0x00, 0x02, 0x41,  // two announced, one there
+                                         0x00, 0x03, 0x00, 0x02, 0x41,  // a count of two, one byte
                                          0x00, 0x03, 0x00, 0x01, 0x42}));
-    EXPECT_THAT(held(), testing::ElementsAre(Bytes{}, Bytes{}, Bytes{}, Bytes{0x42}));
+    EXPECT_THAT(elementBytes(), testing::ElementsAre(Bytes{}, Bytes{}, Bytes{}, Bytes{0x42}));
 }
 
 TEST_F(ComponentInfoCollectionTest, allowsElementToIgnoreTrailingBytes) {
     EXPECT_TRUE(deserialize(collection, {0x00, 0x01, 0x00, 0x05, 0x00, 0x01, 0x41, 0x42, 0x43}));
-    EXPECT_THAT(held(), testing::ElementsAre(Bytes{0x41}));
+    EXPECT_THAT(elementBytes(), testing::ElementsAre(Bytes{0x41}));
 }
 
 TEST_F(ComponentInfoCollectionTest, readsTwoByteCountsAndLengths) {
@@ -225,7 +225,8 @@ TEST_F(ComponentInfoCollectionTest, appendsToExistingContents) {
     EXPECT_TRUE(deserialize(collection, {0x00, 0x01, 0x00, 0x03, 0x00, 0x01, 0x41}));
     EXPECT_TRUE(deserialize(collection, {0x00, 0x01, 0x00, 0x03, 0x00, 0x01, 0x42}));
     EXPECT_THROW(deserialize(collection, {0x00, 0x02, 0x00, 0x03, 0x00, 0x01, 0x43}), PException);
-    EXPECT_THAT(held(), testing::ElementsAre(Bytes{0x40}, Bytes{0x41}, Bytes{0x42}, Bytes{0x43}));
+    EXPECT_THAT(elementBytes(),
+                testing::ElementsAre(Bytes{0x40}, Bytes{0x41}, Bytes{0x42}, Bytes{0x43}));
 }
 
 TEST_F(ComponentInfoCollectionTest, deletesEveryElementOnceInOrder) {

@@ -58,7 +58,7 @@ TEST_F(HardInstallInfoMemoryTest, releasesMemoryOfItsContainers) {
     EXPECT_EQ(after.releases - before.releases, 2u);
 }
 
-// A board's library may walk the records in memory.
+// A board's library may access the records as an array in memory.
 TEST_F(HardInstallInfoPacketTest, packsRecordsInMemory) {
     HardInstallInfoPacket packet;
     packet.ioBoards.records.resize(3);
@@ -100,7 +100,7 @@ TEST_F(HardInstallInfoPacketTest, isDeletableAsSerializableObject) {
     EXPECT_THAT(calls({"delete"}), testing::ElementsAre("delete board"));
 }
 
-// On memory that is not zero, so that a field nobody sets shows.
+// Uses nonzero memory, so that an uninitialized field shows.
 TEST_F(HardInstallInfoPacketTest, zeroInitializesRecords) {
     std::array<std::uint32_t, 2> memory;
     const auto makeOnUsedMemory = [&]<typename Record>(Record*) {

@@ -17,7 +17,7 @@ namespace {
 
 const unsigned int MOST_COUNTED = 65535;
 
-// A record and its wire form, for each type of record.
+// Set `record` to a value made of `seed`, and append its wire form to `wire`.
 void give(unsigned char& record, Bytes& wire, unsigned int seed) {
     record = static_cast<unsigned char>(seed);
     wire.push_back(record);
@@ -40,13 +40,13 @@ void give(Record& record, Bytes& wire, unsigned int seed) {
     wire.insert(wire.end(), {0x85, 0xF6});
 }
 
-// What all four arrays have in common.
+// Tests of what all four array types have in common.
 template <typename Array>
 class PrimitiveTypeArrayTest : public testing::Test {
 protected:
     using Record = typename decltype(Array::records)::value_type;
 
-    // Fills `array` with `count` records, whose wire form becomes `wire`.
+    // Sets `array` to `count` records, and `wire` to its wire form.
     void fill(unsigned int count) {
         wire = {static_cast<unsigned char>(count >> 8), static_cast<unsigned char>(count)};
         array.records.resize(count);
@@ -144,7 +144,7 @@ TYPED_TEST(PrimitiveTypeArrayTest, acceptsZeroCountWhateverFollows) {
     EXPECT_EQ(copy.records.size(), 2u);
 }
 
-// Not a mistake: a second call adds to what the array holds.
+// Intended: a second call appends to the records of the first.
 TYPED_TEST(PrimitiveTypeArrayTest, appendsToExistingContents) {
     this->fill(3);
     const Bytes three = this->wire;
@@ -158,7 +158,7 @@ TYPED_TEST(PrimitiveTypeArrayTest, appendsToExistingContents) {
     EXPECT_EQ(serialize(copy), all);
 }
 
-// Not a mistake either: the count is cut to 16 bits, the records are all written.
+// Intended: the count is truncated to 16 bits, but all records are written.
 TYPED_TEST(PrimitiveTypeArrayTest, writesAllRecordsWhenCountIsTruncated) {
     for (const unsigned int count : {MOST_COUNTED, MOST_COUNTED + 1, MOST_COUNTED + 4}) {
         this->fill(count);
@@ -173,7 +173,7 @@ TYPED_TEST(PrimitiveTypeArrayTest, checksBufferAgainstAllRecordsWhenCountIsTrunc
     EXPECT_THROW(this->array.getSerialized(buffer.data(), buffer.length()), PException);
 }
 
-// The size is asked of the object, so a derived class may need a larger buffer.
+// getSerializedSize() is called virtually, so a derived class may require a larger buffer.
 TYPED_TEST(PrimitiveTypeArrayTest, checksBufferAgainstVirtualSize) {
     class LargerArray : public TypeParam {
     public:

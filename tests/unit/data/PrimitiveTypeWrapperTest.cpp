@@ -66,8 +66,8 @@ TEST(PrimitiveTypeWrapperTest, rejectsMoreThanFourBytes) {
     EXPECT_EQ(wrapper.value, 7u);
 }
 
-// Not a mistake: only sizes above four are refused, and four bytes are always taken, which the
-// caller's buffer holds.
+// Intended: only sizes above four are rejected. Four bytes are always read, so the caller's buffer
+// must have four.
 TEST(PrimitiveTypeWrapperTest, readsFourBytesEvenWhenSizeIsSmaller) {
     for (unsigned int size = 0; size <= 4; ++size) {
         ExactBuffer buffer(Bytes{0x01, 0x02, 0x03, 0x04});

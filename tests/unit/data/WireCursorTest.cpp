@@ -32,7 +32,7 @@ TEST(WireReaderTest, failsForGoodAfterReadPastEnd) {
         EXPECT_EQ(reader.readU32(), 0u) << size;
         EXPECT_TRUE(reader.failed());
         EXPECT_EQ(reader.remaining(), size);
-        // Bytes are left, but what they mean is not known any more.
+        // Bytes remain, but their meaning is no longer known.
         EXPECT_EQ(reader.readU16(), 0u);
         EXPECT_EQ(reader.readBytes(0), nullptr);
         EXPECT_TRUE(reader.failed());

@@ -18,7 +18,7 @@ TEST(ContainerExceptionsTest, differentBufferSizeNamesOperation) {
                                                              {0, 0, 0, 0, 0, 0}}));
 }
 
-// The exception carries the pointer and no copy, so a constant text stays readable in every copy.
+// The exception stores the pointer only, so a static text stays valid in every copy.
 TEST(ContainerExceptionsTest, carriesTextByPointer) {
     static const char TEXT[] = "constant text";
     const PException copy = PException(VeskUi::makeBufferTooSmall(19200, TEXT));

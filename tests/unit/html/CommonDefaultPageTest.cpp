@@ -10,7 +10,7 @@ namespace VeskLib::Test {
 
 using Gui::CommonDefaultPage;
 
-// Shows what a page class sees of its base.
+// Makes the protected members of the base public.
 class OpenPage : public CommonDefaultPage {
 public:
     using CommonDefaultPage::alertFlag;
@@ -37,7 +37,7 @@ TEST_F(CommonDefaultPageTest, createsGeneratorAndTraceLog) {
         testing::ElementsAre("new HTMLCodeGenerator(/page.txt)", "new VeskTrace(1, 2, 29697)"));
 }
 
-// On memory that is not zero, so that a field nobody sets shows.
+// Uses nonzero memory, so that an uninitialized field shows.
 TEST_F(CommonDefaultPageTest, initializesEveryField) {
     alignas(OpenPage) std::array<unsigned char, sizeof(OpenPage)> memory;
     memory.fill(0xA5);
@@ -53,11 +53,11 @@ TEST_F(CommonDefaultPageTest, initializesEveryField) {
 }
 
 TEST_F(CommonDefaultPageTest, freesGeneratorWhenTraceLogThrows) {
-    const Calls held = Scripted::livingObjects();
+    const Calls livingBefore = Scripted::livingObjects();
     Scripted::throwAt("new VeskTrace(1, 2, 29697)",
                       std::make_exception_ptr(Scripted::makeScriptedException(1101)));
     EXPECT_EQ(thrownDetail([&] { OpenPage(messageMgr, &displayMode, "/page.txt"); }), 1101);
-    EXPECT_EQ(Scripted::livingObjects(), held);
+    EXPECT_EQ(Scripted::livingObjects(), livingBefore);
     EXPECT_THAT(calls({"delete"}), testing::ElementsAre("delete HTMLCodeGenerator(/page.txt)"));
 }
 

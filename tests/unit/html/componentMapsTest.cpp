@@ -22,9 +22,9 @@ TEST_F(ComponentMapsTest, takesOwnershipOfInsertedComponent) {
 TEST_F(ComponentMapsTest, deletesReplacedComponentOnce) {
     Gui::insertComponent(components, "name", std::make_unique<ProbeComponent>("old"));
     Gui::insertComponent(components, "name", std::make_unique<ProbeComponent>("new"));
-    EXPECT_THAT(calls({"insertIntoMap", "delete"}),
-                testing::ElementsAre("insertIntoMap name", "insertIntoMap name, which displaces",
-                                     "delete old"));
+    EXPECT_THAT(
+        calls({"insertIntoMap", "delete"}),
+        testing::ElementsAre("insertIntoMap name", "insertIntoMap name, replacing", "delete old"));
 }
 
 TEST_F(ComponentMapsTest, deletesComponentOnceWhenInsertionFails) {

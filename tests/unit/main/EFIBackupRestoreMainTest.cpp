@@ -17,7 +17,7 @@ TEST_F(EFIBackupRestoreMainTest, createsTraceLogAndFormAndReadsCookie) {
                 testing::ElementsAre("new VeskTrace(1, 2, 29696)", "new FormInfo()", "getCookie"));
 }
 
-// On memory that is not zero, so that a field nobody sets shows.
+// Uses nonzero memory, so that an uninitialized field shows.
 TEST_F(EFIBackupRestoreMainTest, initializesEveryField) {
     script.sessionText.reset();
     alignas(OpenMain) std::array<unsigned char, sizeof(OpenMain)> memory;
@@ -90,7 +90,7 @@ TEST_F(EFIBackupRestoreMainTest, deletesChannelOrCatalogueAlone) {
                 testing::ElementsAre("delete MessageMgr(0)", "delete CGIRequester(text)"));
 }
 
-// What is derived from the channel and the catalogue is deleted as a whole.
+// The destructors of classes derived from the channel and the catalogue run too.
 TEST_F(EFIBackupRestoreMainTest, deletesThroughVirtualDestructors) {
     class DerivedRequester : public Gui::CGIRequester {
     public:

@@ -1,4 +1,4 @@
-// The program's main(), which is built under another name here.
+// The program's main(), built under another name.
 
 #include "tests/unit/support/MainTest.h"
 
@@ -34,8 +34,8 @@ TEST_F(EntryTest, createsRunsAndDeletesOneMainObject) {
                                               "delete VeskTrace(1, 2, 29696)"));
 }
 
-// Of the platform or of the language's library, from the request or from the main object: uncaught,
-// it ends the process abnormally.
+// An exception ends the process abnormally, whether the request or the main object throws it, and
+// whether it is a PException or one of the standard library.
 TEST_F(EntryTest, catchesNoException) {
     script.formError = 1107;
     EXPECT_EQ(thrownDetail([] { efiBackupRestoreEntry(); }), 1107);

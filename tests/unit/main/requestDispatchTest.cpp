@@ -1,4 +1,4 @@
-// EFIBackupRestoreMain::individualProc(): who may see which page.
+// Tests of EFIBackupRestoreMain::individualProc(): which page a request gets, and who is refused.
 
 #include "tests/unit/support/MainTest.h"
 
@@ -6,14 +6,15 @@ namespace VeskLib::Test {
 
 class RequestDispatchTest : public MainTest {
 protected:
-    // The calls of the dispatcher itself that decide about the request.
+    // Returns the calls with which the dispatcher decides about the request.
     static Calls decisions() {
         return calls({"guiCheckSession", "new MessageMgr", "new CGIRequester",
                       "getFormData functionID", "preCheck", "getDisplayMode", "putLog",
                       "errorExit"});
     }
 
-    // The skeletons for which generators were made: every page and the shell makes one.
+    // Returns the skeletons for which generators were created. Every page creates one, as does the
+    // shell.
     static Calls generators() {
         const std::string beginning = "new HTMLCodeGenerator(";
         Calls skeletons = calls({beginning});
@@ -77,7 +78,7 @@ TEST_F(RequestDispatchTest, function106BuildsRestorePage) {
     EXPECT_THAT(calls({"preCheck"}), testing::ElementsAre("preCheckDisplayMode(0, 106, -1)"));
 }
 
-// The page's own refusal: it is built, and then shown as an error.
+// The page itself refuses: it is built, then shown as an error.
 TEST_F(RequestDispatchTest, restorePageRefusesUnauthorizedUser) {
     script.formFields["functionID"] = "106";
     script.displayMode = 0;
@@ -112,7 +113,7 @@ TEST_F(RequestDispatchTest, freesEverythingWhenRestorePageThrows) {
 class AcceptedNumberTest : public RequestDispatchTest,
                            public testing::WithParamInterface<const char*> {};
 
-// The conversion stops at the first character that is no digit.
+// The conversion stops at the first character that is not a digit.
 TEST_P(AcceptedNumberTest, isReadAs105) {
     script.formFields["functionID"] = GetParam();
     EXPECT_EQ(run(), 0);
@@ -177,7 +178,7 @@ TEST_F(RequestDispatchTest, missingFunctionNumberShowsErrorPageUntraced) {
                                      "errorExit Error|lmsg 107 [the screen information]"));
 }
 
-// On a platform whose error page returns, the missing number reads as 0 and is refused.
+// If errorExit() returns, the missing number is taken as 0 and refused.
 TEST_F(RequestDispatchTest, missingFunctionNumberIsRefusedAsZeroWhenErrorPageReturns) {
     script.errorExitReturns = true;
     script.formFields.clear();
@@ -225,7 +226,7 @@ INSTANTIATE_TEST_SUITE_P(PreCheck, OtherPreCheckTest, testing::Values(2, -1, 0))
 class AllowingDisplayModeTest : public RequestDispatchTest,
                                 public testing::WithParamInterface<int> {};
 
-// The page gets 2 or 0 and never the raw number: the pages test for exactly 2.
+// Pages test for exactly 2, so they get 2 or 0, never the raw number.
 TEST_P(AllowingDisplayModeTest, passesTwoToPage) {
     script.displayMode = GetParam();
     EXPECT_EQ(run(), 0);

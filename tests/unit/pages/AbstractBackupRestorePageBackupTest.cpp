@@ -1,4 +1,4 @@
-// How AbstractBackupRestorePage has a backup made and offers it for download.
+// Tests of AbstractBackupRestorePage: how it requests a backup and offers it for download.
 
 #include "tests/support/ScopedEnvironment.h"
 #include "tests/support/files.h"
@@ -31,7 +31,7 @@ protected:
 
     void backup(unsigned int partition, bool named) { page.backup(partition, path, named); }
 
-    // The page after a backup of which the browser fetches `name`.
+    // Returns the printed page that makes the browser download the backup as `name`.
     static std::string pageThatFetches(const std::string& name) {
         return "[/page.txt|filepath=TextString(/common/download.cgi?functionID=5&filename=" + name +
                ", false, true, 6)|onload_function=TextString(downloadFunction(), false, false, 6)]";
@@ -111,7 +111,7 @@ TEST_F(BackupTest, succeedsWhenOnlyBackEndCanWriteFile) {
     EXPECT_EQ(printedPage(), pageThatFetches("Partition3_20261114_123B.dat"));
 }
 
-// In a process without a standard input, 0 is a descriptor like any other.
+// In a process without standard input, 0 is an ordinary file descriptor.
 TEST_F(BackupTest, acceptsDescriptorZero) {
     script.descriptor = 0;
     backup(3, true);
@@ -222,7 +222,7 @@ class BackupDateTest : public BackupTest, public testing::WithParamInterface<Dat
 TEST_P(BackupDateTest, isLocalCalendarDay) {
     const ScopedEnvironment local("TZ", GetParam().timeZone);
     script.fileHeader.saveTime = GetParam().saveTime;
-    // The other number of the header is not a time.
+    // The header's other number is not a time.
     script.fileHeader.revision = 86400 * 400;
     backup(3, true);
     EXPECT_EQ(printedPage(),
@@ -233,14 +233,14 @@ INSTANTIATE_TEST_SUITE_P(
     OfTheFile, BackupDateTest,
     testing::Values(DateCase{"UTC0", NOON_OF_1_JANUARY_2027, "20270101"},
                     DateCase{"UTC0", NOON_OF_14_NOVEMBER_2026, "20261114"},
-                    // The evening before in UTC, and still the last day of the year in the west.
+                    // The local day is one later in the east, and one earlier in the west.
                     DateCase{"JST-9", NOON_OF_14_NOVEMBER_2026 - 16 * 3600, "20261114"},
                     DateCase{"EST5", NOON_OF_1_JANUARY_2027 - 10 * 3600, "20261231"},
                     DateCase{"UTC0", 0, "19700101"},
-                    // Two digits from ten on.
+                    // Months and days have no leading zero from ten on.
                     DateCase{"UTC0", 1791547200, "20261009"},
                     DateCase{"UTC0", 1791633600, "20261010"},
-                    // The largest number is in the future, not in the past.
+                    // The save time is unsigned.
                     DateCase{"UTC0", 0xFFFFFFFF, "21060207"}));
 
 }  // namespace VeskLib::Test

@@ -1,4 +1,4 @@
-// What AbstractBackupRestorePage does with the staged file.
+// Tests of AbstractBackupRestorePage: how it restores and discards the staged file.
 
 #include "tests/support/files.h"
 #include "tests/unit/support/PageTest.h"
@@ -96,7 +96,7 @@ TEST_F(StagedFileTest, removalKeepsEarlierNotice) {
 TEST_F(StagedFileTest, staysWhenLockFails) {
     script.lockError = 1101;
     EXPECT_EQ(thrownDetail([&] { page.discardUploadedFile(stagingPath, lockPath); }), 1101);
-    EXPECT_THAT(calls(), testing::ElementsAre("LockedFile cannot be had: /lock"));
+    EXPECT_THAT(calls(), testing::ElementsAre("LockedFile cannot be locked: /lock"));
     EXPECT_EQ(page.message, "");
     EXPECT_FALSE(page.alertFlag);
 }

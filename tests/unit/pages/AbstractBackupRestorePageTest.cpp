@@ -20,7 +20,7 @@ TEST_F(AbstractBackupRestorePageTest, createsGeneratorAndTraceLog) {
                                               "new VeskTrace(1, 2, 29697)"));
 }
 
-// On memory that is not zero, so that a field nobody sets shows.
+// Uses nonzero memory, so that an uninitialized field shows.
 TEST_F(AbstractBackupRestorePageTest, initializesEveryField) {
     alignas(TestPage) std::array<unsigned char, sizeof(TestPage)> memory;
     memory.fill(0xA5);
@@ -109,7 +109,7 @@ TEST_P(ErrorCodeTest, becomesNotice) {
     EXPECT_EQ(page.message, GetParam().text);
     EXPECT_TRUE(page.alertFlag);
     EXPECT_FALSE(page.errorFlag);
-    // Just one text is asked for.
+    // Only one text is looked up.
     EXPECT_THAT(calls({"getMessage"}),
                 testing::ElementsAre("getMessage " + std::string(GetParam().text)));
 }

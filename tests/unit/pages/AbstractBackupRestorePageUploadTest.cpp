@@ -1,4 +1,4 @@
-// What AbstractBackupRestorePage does with an uploaded file.
+// Tests of AbstractBackupRestorePage: how it checks and stages an uploaded file.
 
 #include "tests/support/files.h"
 #include "tests/unit/support/PageTest.h"
@@ -29,7 +29,7 @@ protected:
         EXPECT_FALSE(page.errorFlag);
     }
 
-    void expectNothingSaid() const {
+    void expectNoMessage() const {
         EXPECT_EQ(page.message, "");
         EXPECT_FALSE(page.alertFlag);
         EXPECT_FALSE(page.errorFlag);
@@ -46,7 +46,7 @@ TEST_F(UploadTest, isCheckedThenMovedUnderLock) {
                 testing::ElementsAre("getUploadFileSize", "getUploadFileName",
                                      "new LockedFile(/lock)", "getUploadFilePath",
                                      "rename /uploaded /staged", "delete LockedFile(/lock)"));
-    expectNothingSaid();
+    expectNoMessage();
 }
 
 TEST_F(UploadTest, keepsEarlierNotice) {
@@ -79,14 +79,14 @@ TEST_P(AcceptedSizeTest, isMoved) {
     script.uploadSize = GetParam();
     upload();
     EXPECT_THAT(calls({"rename", "putLog"}), testing::ElementsAre("rename /uploaded /staged"));
-    expectNothingSaid();
+    expectNoMessage();
 }
 
 INSTANTIATE_TEST_SUITE_P(OfTheUpload, AcceptedSizeTest, testing::Values(1, 393215, 393216));
 
 class RefusedSizeTest : public UploadTest, public testing::WithParamInterface<unsigned int> {};
 
-// The size is looked at before the name.
+// The size is checked before the name.
 TEST_P(RefusedSizeTest, isRejectedAndTracedWithSize) {
     script.uploadSize = GetParam();
     script.uploadName = "x.txt";
@@ -106,14 +106,14 @@ INSTANTIATE_TEST_SUITE_P(OfTheUpload, RefusedSizeTest,
 
 class AcceptedNameTest : public UploadTest, public testing::WithParamInterface<const char*> {};
 
-// The last ".dat" counts. A name of three characters passes on purpose: "not found" and its length
-// minus 4 are the same number.
+// The last ".dat" counts. Intended: a name of three characters is accepted, because its length
+// minus 4 equals the value for "not found".
 TEST_P(AcceptedNameTest, isMoved) {
     script.uploadName = GetParam();
     upload();
     EXPECT_THAT(calls({"new LockedFile", "rename", "putLog"}),
                 testing::ElementsAre("new LockedFile(/lock)", "rename /uploaded /staged"));
-    expectNothingSaid();
+    expectNoMessage();
 }
 
 INSTANTIATE_TEST_SUITE_P(OfTheUpload, AcceptedNameTest,
@@ -143,20 +143,20 @@ TEST_F(UploadTest, isNotMovedWithoutLock) {
     upload();
     EXPECT_THAT(calls(),
                 testing::ElementsAre("getUploadFileSize", "getUploadFileName",
-                                     "LockedFile cannot be had: /lock", "lmsg_getmsg 20003",
+                                     "LockedFile cannot be locked: /lock", "lmsg_getmsg 20003",
                                      "putLog 0 lmsg 20003 [AbstractBackupRestorePage::upload]",
                                      "getMessage message 45/1101"));
     expectNotice("message 45/1101");
 }
 
-// The detail of the lock's exception is shown behind 45 and never read as a back-end error.
+// The detail of the lock's exception follows 45 and is never taken as a back-end error.
 TEST_F(UploadTest, lockFailureAlwaysUsesMessage45) {
     script.lockError = 1549;
     upload();
     expectNotice("message 45/1549");
 }
 
-// errno is read before any platform call can change it.
+// errno is read before any platform call that may change it.
 TEST_F(UploadTest, failedMoveIsTracedWithErrnoUnderLock) {
     script.renameError = EXDEV;
     upload();
@@ -180,7 +180,7 @@ TEST_F(UploadTest, releasesLockBeforeReportingException) {
     expectNotice("message 30/1103");
 }
 
-// Unlike without the lock, the detail is read as a back-end error's is.
+// Unlike that of a lock failure, the detail is taken as a back-end error.
 TEST_F(UploadTest, exceptionUnderLockUsesMessageOfErrorCode) {
     script.uploadPathError = 1047;
     upload();
@@ -189,7 +189,7 @@ TEST_F(UploadTest, exceptionUnderLockUsesMessageOfErrorCode) {
 
 class UnknownUploadTest : public UploadTest, public testing::WithParamInterface<const char*> {};
 
-// The platform cannot say what was uploaded. Nothing is locked, moved or thrown.
+// The platform cannot describe the upload. Nothing is locked, moved or thrown.
 TEST_P(UnknownUploadTest, isTracedAndBecomesNotice) {
     Scripted::throwAt(GetParam(), std::make_exception_ptr(Scripted::makeScriptedException(1103)));
     upload();
@@ -199,7 +199,7 @@ TEST_P(UnknownUploadTest, isTracedAndBecomesNotice) {
     expectNotice("message 30/1103");
 }
 
-// The detail is read as a back-end error's is, as under the lock.
+// The detail is taken as a back-end error, as under the lock.
 TEST_P(UnknownUploadTest, usesMessageOfErrorCode) {
     Scripted::throwAt(GetParam(), std::make_exception_ptr(Scripted::makeScriptedException(1047)));
     upload();
@@ -209,7 +209,7 @@ TEST_P(UnknownUploadTest, usesMessageOfErrorCode) {
 TEST_P(UnknownUploadTest, propagatesOtherExceptions) {
     Scripted::throwAt(GetParam(), std::make_exception_ptr(std::runtime_error("other")));
     EXPECT_THROW(upload(), std::runtime_error);
-    expectNothingSaid();
+    expectNoMessage();
 }
 
 INSTANTIATE_TEST_SUITE_P(OfThePlatform, UnknownUploadTest,
@@ -220,17 +220,17 @@ TEST_F(UploadTest, propagatesOtherExceptionsAndReleasesLock) {
     EXPECT_THROW(upload(), std::runtime_error);
     EXPECT_THAT(calls({"new LockedFile", "rename", "putLog", "getMessage", "delete"}),
                 testing::ElementsAre("new LockedFile(/lock)", "delete LockedFile(/lock)"));
-    expectNothingSaid();
+    expectNoMessage();
 }
 
 TEST_F(UploadTest, propagatesOtherExceptionsOfLock) {
     Scripted::throwAt("new LockedFile", std::make_exception_ptr(std::runtime_error("other")));
     EXPECT_THROW(upload(), std::runtime_error);
     EXPECT_THAT(calls({"rename", "putLog", "getMessage", "delete"}), testing::IsEmpty());
-    expectNothingSaid();
+    expectNoMessage();
 }
 
-// An upload on the disk.
+// Fixture for uploads of real files.
 class UploadedFileTest : public UploadTest {
 protected:
     UploadedFileTest() {
@@ -247,7 +247,7 @@ TEST_F(UploadedFileTest, becomesStagedFile) {
     upload();
     EXPECT_EQ(namesIn(folder.path), Calls{"staged"});
     EXPECT_EQ(readText(stagingPath), "new content");
-    expectNothingSaid();
+    expectNoMessage();
 }
 
 TEST_F(UploadedFileTest, replacesEarlierFile) {
@@ -293,7 +293,7 @@ TEST_F(UploadedFileTest, isNotMovedIntoMissingFolder) {
     EXPECT_EQ(readText(script.uploadPath), "new content");
 }
 
-// What the pages build of an upload.
+// The components of an upload form.
 
 TEST_F(UploadTest, usesFileSelectorAndButton) {
     page.putFileSelector();

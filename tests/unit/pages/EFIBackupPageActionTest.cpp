@@ -1,4 +1,4 @@
-// The posted form of EFIBackupPage.
+// Tests of EFIBackupPage with a posted form.
 
 #include "pages/EFIBackupPage.h"
 
@@ -46,7 +46,7 @@ TEST_F(EFIBackupPageActionTest, backsUpThenShowsListAndTerminatesForm) {
                     "getFormData radio_button", "getCGIPath /var/tmp/efi_backup", "getSessionId",
                     "creat /board/var/tmp/efi_backupS1 0666", "setInfo 0x020100A3 [00 00 00 03]",
                     "new EFIConfFile(/board/var/tmp/efi_backupS1)", "insertIntoMap filepath",
-                    "insertIntoMap onload_function, which displaces",
+                    "insertIntoMap onload_function, replacing",
                     "delete TextString(onLoadFunction(), false, false, 6)",
                     "delete EFIConfFile(/board/var/tmp/efi_backupS1)", "getInfo 0x0201002F",
                     "insertIntoMap table_pid", "terminate"));
@@ -118,7 +118,7 @@ std::ostream& operator<<(std::ostream& stream, const ChoiceCase& testCase) {
 class ChoiceTest : public EFIBackupPageActionTest,
                    public testing::WithParamInterface<ChoiceCase> {};
 
-// The back-end knows which partitions it can back up; the page hands on what it reads.
+// The page passes on what was posted; the back-end knows which partitions it can back up.
 TEST_P(ChoiceTest, isPassedOnUnchecked) {
     script.formFields["radio_button"] = GetParam().posted;
     makePage();
@@ -162,7 +162,7 @@ TEST_F(EFIBackupPageActionTest, emptyListDropsDownload) {
     EXPECT_EQ(print(*page), emptyPage);
 }
 
-// The authority is examined only when the list is built again.
+// Authority is checked only when the list is rebuilt.
 TEST_F(EFIBackupPageActionTest, sendsUnauthorizedBackupThenShowsOnlyError) {
     displayMode = 0;
     const auto page = makePage();
@@ -193,7 +193,7 @@ TEST_F(EFIBackupPageActionTest, freesPageWhenFileIsUnreadable) {
         EXPECT_EQ(thrownDetail([&] { makePage(); }), 1104);
         error->reset();
         EXPECT_THAT(calls({"getInfo", "terminate", "printHTML"}), testing::IsEmpty());
-        // What the test itself holds is all that lives.
+        // Only the test's own objects are alive.
         EXPECT_THAT(Scripted::livingObjects(),
                     testing::UnorderedElementsAre("CGIRequester(the session)", "FormInfo()",
                                                   "MessageMgr(0)"));

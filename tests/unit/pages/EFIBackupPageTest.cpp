@@ -21,7 +21,7 @@ protected:
         return output().substr(before);
     }
 
-    // The form with these rows.
+    // Returns the printed form with these rows.
     static std::string formWith(const std::string& rows) {
         return "[/usr/local/www/skel/skeleton_efi_backup.txt"
                "|form_action=TextString(/maintenance/efi_backup_restore.cgi, false, false, 6)"
@@ -131,19 +131,19 @@ TEST_F(EFIBackupPageTest, deletesEverythingOnDestruction) {
             "delete VeskTrace(1, 2, 29697)"));
 }
 
-// Wherever the building breaks off, nothing of the page stays behind.
+// Wherever building throws, every component is freed.
 TEST_F(EFIBackupPageTest, freesPageWhenBuildingThrows) {
     script.setPartitions({{true, "first", {}}, {true, "second", {}}});
-    const Calls held = Scripted::livingObjects();
+    const Calls livingBefore = Scripted::livingObjects();
     for (const char* place : {"onload_function", "form_action", "item_part_name", "radio_button",
                               "part_name", "table_pid"}) {
         script.insertErrors = {{place, 7}};
         EXPECT_EQ(thrownDetail([&] { makePage(); }), 7) << place;
-        EXPECT_EQ(Scripted::livingObjects(), held) << place;
+        EXPECT_EQ(Scripted::livingObjects(), livingBefore) << place;
     }
 }
 
-// The number of partitions is asked again before every pass.
+// The loop ends at the count that the board reports before each pass.
 TEST_F(EFIBackupPageTest, readsPartitionCountBeforeEachPass) {
     script.setPartitions(std::vector<Partition>(5, {true, "name", {}}));
     script.maxPartitionNumbers = {1, 3, 3, 2};
@@ -212,7 +212,7 @@ TEST_F(EFIBackupPageTest, dropsBuiltPageWhenNoPartitionIsInstalled) {
     EXPECT_FALSE(page->isAlert());
     EXPECT_EQ(print(*page), emptyPage);
     EXPECT_THAT(calls({"putLog"}), testing::IsEmpty());
-    // Eight components with a record of their own, the row container aside.
+    // Eight components that record their deletion; the row container does not.
     EXPECT_THAT(calls({"delete TextString", "delete HiddenField"}), testing::SizeIs(8));
     EXPECT_THAT(
         calls({"insertIntoMap table_pid", "getMessage message 46", "terminate"}),

@@ -1,4 +1,4 @@
-// The posted steps of EFIBackupRestorePage.
+// Tests of the steps posted to EFIBackupRestorePage.
 
 #include "tests/support/files.h"
 #include "tests/unit/support/CombinedPageTest.h"
@@ -23,7 +23,7 @@ TEST_F(EFIBackupRestorePageActionTest, missingStatusOnlyDisplaysPage) {
 class OtherModeTest : public EFIBackupRestorePageActionTest,
                       public testing::WithParamInterface<const char*> {};
 
-// The mode goes back to 0, so that no other number is ever posted back.
+// The mode is reset to 0, so that no other number is ever posted back.
 TEST_P(OtherModeTest, onlyDisplaysPage) {
     post(GetParam());
     script.formFields["hidden_procname"] = "install";
@@ -52,15 +52,15 @@ TEST_F(CombinedBackupTest, makesBrowserDownloadFile) {
     EXPECT_EQ(print(*page), form("3", "downloadFunction()", link));
     EXPECT_EQ(page->getMessage(), "");
     EXPECT_FALSE(page->isAlert());
-    EXPECT_THAT(calls({"getFormData", "creat", "setInfo", "new EFIConf", "getFileHeader",
-                       "insertIntoMap filepath", "insertIntoMap onload_function, ",
-                       "insertIntoMap form_action", "getInfo", "terminate"}),
-                testing::ElementsAre(
-                    "getFormData hidden_status", "creat /board/var/tmp/efi_backupS1 0666",
-                    "setInfo 0x020100A3 [00 00 00 00]",
-                    "new EFIConfFile(/board/var/tmp/efi_backupS1)", "getFileHeader",
-                    "insertIntoMap filepath", "insertIntoMap onload_function, which displaces",
-                    "getFormData message", "insertIntoMap form_action", "terminate"));
+    EXPECT_THAT(
+        calls({"getFormData", "creat", "setInfo", "new EFIConf", "getFileHeader",
+               "insertIntoMap filepath", "insertIntoMap onload_function, ",
+               "insertIntoMap form_action", "getInfo", "terminate"}),
+        testing::ElementsAre("getFormData hidden_status", "creat /board/var/tmp/efi_backupS1 0666",
+                             "setInfo 0x020100A3 [00 00 00 00]",
+                             "new EFIConfFile(/board/var/tmp/efi_backupS1)", "getFileHeader",
+                             "insertIntoMap filepath", "insertIntoMap onload_function, replacing",
+                             "getFormData message", "insertIntoMap form_action", "terminate"));
 }
 
 TEST_F(CombinedBackupTest, alwaysBacksUpPartition0) {
@@ -90,10 +90,10 @@ TEST_F(CombinedBackupTest, refusalShowsNoticeAndForm) {
 }
 
 TEST_F(CombinedBackupTest, throwsWhenFileIsUnreadable) {
-    const Calls held = Scripted::livingObjects();
+    const Calls livingBefore = Scripted::livingObjects();
     script.headerError = 1104;
     EXPECT_EQ(thrownDetail([&] { makePage(); }), 1104);
-    EXPECT_EQ(Scripted::livingObjects(), held);
+    EXPECT_EQ(Scripted::livingObjects(), livingBefore);
     EXPECT_THAT(calls({"getMessage", "terminate"}), testing::IsEmpty());
 }
 
@@ -115,7 +115,7 @@ protected:
                              "delete LockedFile(/board/var/tmp/restored_eficonf.lock)"};
 };
 
-// The line breaks are two characters each, for use inside a script.
+// Line breaks are written as "\n" in two characters, because the text goes into a script.
 TEST_F(CombinedUploadTest, makesBrowserAskWhetherToRestore) {
     const auto page = makePage();
     EXPECT_EQ(print(*page), form("1", "confirmFunction()", "",
@@ -133,13 +133,13 @@ TEST_F(CombinedUploadTest, makesBrowserAskWhetherToRestore) {
                     "rename /uploaded /board/var/tmp/restored_eficonfS1",
                     "new EFIConfFile(/board/var/tmp/restored_eficonfS1)", "getFileHeader",
                     "getString caption 1358", "getString caption 973", "getString caption 1359",
-                    "insertIntoMap information", "insertIntoMap onload_function, which displaces",
+                    "insertIntoMap information", "insertIntoMap onload_function, replacing",
                     "insertIntoMap form_action"));
 }
 
 TEST_F(CombinedUploadTest, asksWithLocalDateAndUnescapedVersion) {
     const ScopedEnvironment east("TZ", "JST-9");
-    script.fileHeader.saveTime = 1798761600 - 1;  // the last second of 2026 in Greenwich
+    script.fileHeader.saveTime = 1798761600 - 1;  // the last second of 2026 in UTC
     script.fileVersion = "-<\"";
     EXPECT_THAT(print(*makePage()),
                 testing::HasSubstr("|information=TextString(caption 1358:\t\\n\tcaption 973"
@@ -203,14 +203,14 @@ TEST_P(CombinedUnreadableFileTest, isRemovedAndFormShownAgain) {
 INSTANTIATE_TEST_SUITE_P(WhenOpenedOrRead, CombinedUnreadableFileTest, testing::Bool());
 
 TEST_F(CombinedUploadTest, propagatesOtherExceptionsAndKeepsFile) {
-    const Calls held = Scripted::livingObjects();
+    const Calls livingBefore = Scripted::livingObjects();
     Scripted::throwAt("getFileHeader", std::make_exception_ptr(std::runtime_error("other")));
     EXPECT_THROW(makePage(), std::runtime_error);
-    EXPECT_EQ(Scripted::livingObjects(), held);
+    EXPECT_EQ(Scripted::livingObjects(), livingBefore);
     EXPECT_EQ(calls(stagedFileCalls), onlyMoved);
 }
 
-// Authority is asked about only when the form is built.
+// Authority is checked only when the form is built.
 TEST_F(CombinedUploadTest, stagesUnauthorizedUploadThenShowsError) {
     displayMode = 0;
     const auto page = makePage();
@@ -230,7 +230,7 @@ protected:
     }
 };
 
-// Unlike on the restore screen the file goes, because a success is a notice, too.
+// Unlike on the restore screen, the file is removed, because a success is also a notice.
 TEST_F(CombinedRestoreTest, restoresPartition0AndRemovesFile) {
     script.formFields.insert({{"check_box", ""}, {"pid3", "3"}});
     const auto page = makePage();
@@ -272,10 +272,10 @@ TEST_F(CombinedRestoreTest, tracesFailedRemovalOfFile) {
 }
 
 TEST_F(CombinedRestoreTest, throwsWhenLockFails) {
-    const Calls held = Scripted::livingObjects();
+    const Calls livingBefore = Scripted::livingObjects();
     script.lockError = 1101;
     EXPECT_EQ(thrownDetail([&] { makePage(); }), 1101);
-    EXPECT_EQ(Scripted::livingObjects(), held);
+    EXPECT_EQ(Scripted::livingObjects(), livingBefore);
     EXPECT_THAT(calls({"setInfo", "remove", "terminate"}),
                 testing::ElementsAre("setInfo 0x020100A4 [00 01 00]"));
 }

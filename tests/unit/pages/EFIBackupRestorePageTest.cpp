@@ -52,7 +52,7 @@ TEST_F(EFIBackupRestorePageTest, isBuiltInFixedOrder) {
                     "terminate"));
 }
 
-// It reads no partition table.
+// The page does not read the partition table.
 TEST_F(EFIBackupRestorePageTest, showsFormOnFirstVisit) {
     script.formFields["hidden_status"] = "3";
     const auto page = makePage();
@@ -64,7 +64,7 @@ TEST_F(EFIBackupRestorePageTest, showsFormOnFirstVisit) {
                 testing::ElementsAre("getFormData message"));
 }
 
-// On memory that is not zero, so that a field nobody sets shows.
+// Uses nonzero memory, so that an uninitialized field shows.
 TEST_F(EFIBackupRestorePageTest, initializesEveryField) {
     alignas(EFIBackupRestorePage) std::array<unsigned char, sizeof(EFIBackupRestorePage)> memory;
     memory.fill(0xA5);
@@ -77,7 +77,7 @@ TEST_F(EFIBackupRestorePageTest, initializesEveryField) {
 class CombinedMessageFieldTest : public EFIBackupRestorePageTest,
                                  public testing::WithParamInterface<const char*> {};
 
-// Unlike on the restore screen the file goes, and the form shows the text instead of an alert.
+// Unlike on the restore screen, the file is removed, and the text is in the form, not in an alert.
 TEST_P(CombinedMessageFieldTest, discardsFileAndReportsRestore) {
     script.formFields["message"] = GetParam();
     const auto page = makePage();
@@ -111,7 +111,7 @@ TEST_F(EFIBackupRestorePageTest, messageFieldAppendsToEarlierNotice) {
 class UnauthorizedCombinedPageTest : public EFIBackupRestorePageTest,
                                      public testing::WithParamInterface<int> {};
 
-// No trace line, unlike the other screens, and nothing is built.
+// Unlike on the other screens, there is no trace line, and nothing is built.
 TEST_P(UnauthorizedCombinedPageTest, showsOnlyError) {
     displayMode = GetParam();
     script.formFields["message"] = "";
@@ -153,14 +153,14 @@ TEST_F(EFIBackupRestorePageTest, deletesEverythingOnDestruction) {
             "delete VeskTrace(1, 2, 29697)"));
 }
 
-// Wherever the building breaks off, nothing of the page stays behind.
+// Wherever building throws, every component is freed.
 TEST_F(EFIBackupRestorePageTest, freesPageWhenBuildingThrows) {
-    const Calls held = Scripted::livingObjects();
+    const Calls livingBefore = Scripted::livingObjects();
     for (const char* place : {"onload_function", "form_action", "hidden_status", "download",
                               "item_title", "filename", "install", "message0"}) {
         script.insertErrors = {{place, 7}};
         EXPECT_EQ(thrownDetail([&] { makePage(); }), 7) << place;
-        EXPECT_EQ(Scripted::livingObjects(), held) << place;
+        EXPECT_EQ(Scripted::livingObjects(), livingBefore) << place;
     }
 }
 

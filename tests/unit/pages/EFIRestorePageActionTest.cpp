@@ -1,4 +1,4 @@
-// The posted steps of EFIRestorePage, but for the restore itself.
+// Tests of the steps posted to EFIRestorePage, except the restore.
 
 #include "tests/unit/support/RestorePageTest.h"
 
@@ -20,7 +20,7 @@ TEST_F(EFIRestorePageActionTest, missingStatusShowsBareSkeleton) {
                 testing::ElementsAre("getFormData hidden_status", "terminate"));
 }
 
-// Even authority is not asked about.
+// Authority is not checked.
 TEST_F(EFIRestorePageActionTest, missingStatusIgnoresAuthority) {
     script.posted = true;
     displayMode = 0;
@@ -60,7 +60,7 @@ std::ostream& operator<<(std::ostream& stream, const StepCase& testCase) {
 class KnownStepTest : public EFIRestorePageActionTest,
                       public testing::WithParamInterface<StepCase> {};
 
-// The conversion stops at the first character that is no digit.
+// The conversion stops at the first character that is not a digit.
 TEST_P(KnownStepTest, runsStepOfNumber) {
     post(GetParam().status);
     makePage();
@@ -123,7 +123,7 @@ TEST_F(FailedUploadTest, exceptionShowsFormAgain) {
     expectUploadFormWith("message 30/1103");
 }
 
-// Authority is asked about by the form; the notice comes first.
+// The form checks authority, so the notice comes first.
 TEST_F(FailedUploadTest, unauthorizedUserGetsNoticeAndError) {
     script.uploadSize = 0;
     displayMode = 0;
@@ -134,7 +134,7 @@ TEST_F(FailedUploadTest, unauthorizedUserGetsNoticeAndError) {
     EXPECT_EQ(print(*page), emptyUploadForm);
 }
 
-// A success makes the selection, and the form is not built over it.
+// A successful upload shows the selection; the form is not built.
 TEST_F(EFIRestorePageActionTest, successfulUploadReadsOnlyStatus) {
     post("1");
     script.formFields["message"] = "";
@@ -178,13 +178,13 @@ TEST_F(DiscardStepTest, onlyTracesFailedRemoval) {
 
 TEST_F(DiscardStepTest, throwsWhenLockFails) {
     script.lockError = 1101;
-    const Calls held = Scripted::livingObjects();
+    const Calls livingBefore = Scripted::livingObjects();
     EXPECT_EQ(thrownDetail([&] { makePage(); }), 1101);
-    EXPECT_EQ(Scripted::livingObjects(), held);
+    EXPECT_EQ(Scripted::livingObjects(), livingBefore);
     EXPECT_THAT(calls({"remove", "insertIntoMap form_action", "terminate"}), testing::IsEmpty());
 }
 
-// Authority is asked about only when the form is built again.
+// Authority is checked only when the form is rebuilt.
 TEST_F(DiscardStepTest, removesFileOfUnauthorizedUserThenShowsError) {
     displayMode = 0;
     const auto page = makePage();

@@ -1,4 +1,4 @@
-// The restore across its requests, with the staged file on the disk.
+// Tests of EFIRestorePage over several requests, with the staged file on disk.
 
 #include "tests/support/files.h"
 #include "tests/unit/support/SelectionTest.h"
@@ -15,7 +15,7 @@ protected:
         script.posted = true;
     }
 
-    // One request to the screen; gives the page as it is printed.
+    // Sends one request to the screen, and returns the printed page.
     std::string request(const std::map<std::string, std::string>& fields) {
         script.formFields = fields;
         Gui::FormInfo form;

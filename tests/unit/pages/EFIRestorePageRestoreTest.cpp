@@ -1,4 +1,4 @@
-// The restore that is posted to EFIRestorePage: which partitions the back-end is told.
+// Tests of a restore posted to EFIRestorePage: which partitions it sends to the back-end.
 
 #include "tests/unit/support/RestorePageTest.h"
 
@@ -14,7 +14,7 @@ protected:
         script.setPartitions(std::vector<Partition>(8, {true, "name", {}}));
     }
 
-    // What the back-end was sent.
+    // Returns the requests sent to the back-end.
     static Calls restoreRequests() { return calls({"setInfo"}); }
 
     static std::string request(const std::string& bytes) {
@@ -48,7 +48,7 @@ TEST_F(RestoreStepTest, sendsSelectedPartitionsInOrder) {
     script.formFields["pid1"] = "1";
     makePage();
     EXPECT_THAT(restoreRequests(), testing::ElementsAre(request("00 02 01 03")));
-    // The table is not asked for: nothing checks that a partition is installed.
+    // The partition table is not read, so nothing checks that a partition is installed.
     EXPECT_THAT(calls({"getInfo", "PartitionInfoPacket::isInstalled"}), testing::IsEmpty());
 }
 
@@ -89,7 +89,7 @@ std::ostream& operator<<(std::ostream& stream, const ValueCase& testCase) {
 
 class PostedTargetTest : public RestoreStepTest, public testing::WithParamInterface<ValueCase> {};
 
-// The posted value counts, cut to 8 bits, and not the number in the field's name.
+// The target is the posted value, truncated to 8 bits, not the number in the field's name.
 TEST_P(PostedTargetTest, isPassedOnUnchecked) {
     script.formFields["pid2"] = GetParam().posted;
     makePage();
@@ -111,7 +111,7 @@ TEST_F(RestoreStepTest, keepsDuplicates) {
     EXPECT_THAT(restoreRequests(), testing::ElementsAre(request("00 02 05 05")));
 }
 
-// The verdict on an empty list is the back-end's.
+// The back-end decides about an empty list.
 TEST_F(RestoreStepTest, sendsEmptyList) {
     script.replies[0x020100A4].errorCode = 1540;
     const auto page = makePage();
@@ -127,7 +127,7 @@ TEST_F(RestoreStepTest, sendsEmptyListWhenPartitionCountIsZero) {
     EXPECT_THAT(restoreRequests(), testing::ElementsAre(request("00 00")));
 }
 
-// A number beyond the largest int is a negative one.
+// A count above the largest int is negative.
 TEST_F(RestoreStepTest, comparesPartitionNumbersSigned) {
     script.maxPartitionNumbers = {0x80000000U, 2};
     script.formFields["pid0"] = "0";
@@ -162,8 +162,8 @@ protected:
     }
 };
 
-// All means every partition that is installed now: the table is asked for anew, and the boxes of
-// the partitions are not read.
+// "All" means every partition that is installed now: the table is read again, and the partitions'
+// own check boxes are ignored.
 TEST_P(RestoreOfAllTest, sendsEveryInstalledPartitionOnce) {
     script.formFields["pid1"] = "1";
     script.formFields["pid2"] = "2";
@@ -202,7 +202,7 @@ TEST_P(RestoreOfAllTest, truncatesPartitionNumbersToEightBits) {
     EXPECT_THAT(restoreRequests(), testing::ElementsAre(request("00 02 FF 01")));
 }
 
-// Nothing is sent.
+// No restore is sent.
 TEST_P(RestoreOfAllTest, failedPartitionTableShowsOnlyError) {
     script.replies[0x0201002F].errorCode = 1047;
     script.formFields["pid0"] = "0";
@@ -246,7 +246,7 @@ TEST_F(RestoreStepTest, messageFieldAppendsToOutcome) {
     EXPECT_EQ(makePage()->getMessage(), "message 73/1549<br>message 70/0");
 }
 
-// Authority is asked about only when the form is built again.
+// Authority is checked only when the form is rebuilt.
 TEST_F(RestoreStepTest, sendsUnauthorizedRestoreThenShowsError) {
     displayMode = 0;
     script.formFields["pid0"] = "0";

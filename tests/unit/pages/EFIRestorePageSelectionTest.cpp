@@ -1,4 +1,4 @@
-// EFIRestorePage after an upload: the target selection.
+// Tests of the target selection, which EFIRestorePage shows after an upload.
 
 #include "tests/unit/support/SelectionTest.h"
 
@@ -124,7 +124,7 @@ TEST_F(EFIRestorePageSelectionTest, showsRowForEachInstalledPartition) {
     EXPECT_THAT(calls({"putLog"}), testing::ElementsAre(absent("2")));
 }
 
-// Nothing decides for the operator: not the version, not where the file came from.
+// No row is preselected or disabled, whatever its version and whatever partition the file is from.
 TEST_F(EFIRestorePageSelectionTest, treatsAllRowsAlike) {
     script.setPartitions({{true, "same version", {0x00}},
                           {true, "other version", {0x01}},
@@ -152,7 +152,7 @@ TEST_F(EFIRestorePageSelectionTest, showsFileDetails) {
     script.filePartition = std::numeric_limits<unsigned int>::max();
     script.filePartitionName = "<file>";
     script.fileVersion = "-";
-    script.fileHeader.saveTime = 1796083199;  // 30 November 2026, the last second
+    script.fileHeader.saveTime = 1796083199;  // the last second of 30 November 2026
     EXPECT_THAT(print(*makePage()),
                 testing::AllOf(testing::HasSubstr("|pid=" + text("4294967295") + "|"),
                                testing::HasSubstr("|part_name=" + text("<file>") + "|"),
@@ -160,7 +160,7 @@ TEST_F(EFIRestorePageSelectionTest, showsFileDetails) {
                                testing::HasSubstr("|date=" + text("2026-11-30") + "|")));
 }
 
-// The header's first field is no date.
+// The header's first field is not a date.
 TEST_F(EFIRestorePageSelectionTest, showsFileDateInLocalTime) {
     const ScopedEnvironment east("TZ", "JST-9");
     script.fileHeader.revision = 1794657600;
@@ -170,7 +170,7 @@ TEST_F(EFIRestorePageSelectionTest, showsFileDateInLocalTime) {
 
 TEST_F(EFIRestorePageSelectionTest, showsPreviousYearWestOfGreenwich) {
     const ScopedEnvironment west("TZ", "EST5");
-    script.fileHeader.saveTime = 1798761600;  // 1 January 2027, midnight in Greenwich
+    script.fileHeader.saveTime = 1798761600;  // 1 January 2027, midnight UTC
     EXPECT_THAT(print(*makePage()), testing::HasSubstr("|date=" + text("2026-12-31") + "|"));
 }
 
@@ -182,7 +182,7 @@ TEST_F(EFIRestorePageSelectionTest, usesDisplayModeAtPrintTime) {
     EXPECT_THAT(printed, testing::HasSubstr("CheckBox(, , form_name, 0){box(pid0"));
 }
 
-// The number of partitions is asked again before every pass.
+// The loop ends at the count that the board reports before each pass.
 TEST_F(EFIRestorePageSelectionTest, readsPartitionCountBeforeEachPass) {
     script.setPartitions(std::vector<Partition>(5, {true, "name", {}}));
     script.maxPartitionNumbers = {1, 3, 3, 2};
@@ -191,7 +191,7 @@ TEST_F(EFIRestorePageSelectionTest, readsPartitionCountBeforeEachPass) {
     EXPECT_THAT(calls({"getMaxPartitionNum"}), testing::SizeIs(4));
 }
 
-// Unlike on the backup screen: a number beyond the largest int is a negative one.
+// Unlike on the backup screen, a count above the largest int is negative.
 TEST_F(EFIRestorePageSelectionTest, comparesPartitionNumbersSigned) {
     script.maxPartitionNumbers = {std::numeric_limits<unsigned int>::max(), 1};
     EXPECT_EQ(makePage()->getMessage(), "message 46/1026");
@@ -213,7 +213,7 @@ TEST_F(EFIRestorePageSelectionTest, showsUnknownVersionsWhenRequestFails) {
     EXPECT_EQ(calls(stagedFileCalls), onlyMoved);
 }
 
-// What cannot be had is traced and shown in the same words, and the upload form is not built.
+// Unavailable data is traced and shown with the same text, and the upload form is not built.
 TEST_F(EFIRestorePageSelectionTest, failedPartitionTableShowsOnlyError) {
     script.replies[0x0201002F].errorCode = 1047;
     const auto page = makePage();
@@ -252,7 +252,7 @@ protected:
     UnreadableFileTest() { (GetParam() ? script.openError : script.headerError) = 1104; }
 };
 
-// The exception's own code is not shown.
+// The exception's code is not shown.
 TEST_P(UnreadableFileTest, isRemovedAndUploadFormShownAgain) {
     const auto page = makePage();
     EXPECT_EQ(page->getMessage(), "message 64/1026");
@@ -261,22 +261,21 @@ TEST_P(UnreadableFileTest, isRemovedAndUploadFormShownAgain) {
     EXPECT_EQ(print(*page), uploadForm("2", true));
     EXPECT_EQ(calls(stagedFileCalls), movedAndRemoved);
     EXPECT_THAT(calls({"putLog", "new VersionInfo", "getMaxPartitionNum"}), testing::IsEmpty());
-    EXPECT_THAT(calls({"setSkeletonFile", "getMessage", "remove", "insertIntoMap form_action",
-                       "insertIntoMap hidden_status", "insertIntoMap message", "delete HiddenField",
-                       "delete TextString", "terminate"}),
-                testing::ElementsAre(
-                    "setSkeletonFile /usr/local/www/skel/skeleton_efi_rstr_slct.txt",
-                    "insertIntoMap form_action", "insertIntoMap hidden_status",
-                    "insertIntoMap message", "getMessage message 64/1026",
-                    "setSkeletonFile /usr/local/www/skel/skeleton_efi_rstr.txt",
-                    "remove /board/var/tmp/restored_eficonfS1",
-                    "insertIntoMap form_action, which displaces",
-                    "delete TextString(/maintenance/efi_backup_restore.cgi, false, false, 6)",
-                    "insertIntoMap hidden_status, which displaces",
-                    "delete HiddenField(hidden_status, 2, form_name)",
-                    "insertIntoMap message, which displaces",
-                    "delete TextString(caption 1003, false, false, 6)", "getMessage message 354/0",
-                    "insertIntoMap message0", "terminate"));
+    EXPECT_THAT(
+        calls({"setSkeletonFile", "getMessage", "remove", "insertIntoMap form_action",
+               "insertIntoMap hidden_status", "insertIntoMap message", "delete HiddenField",
+               "delete TextString", "terminate"}),
+        testing::ElementsAre(
+            "setSkeletonFile /usr/local/www/skel/skeleton_efi_rstr_slct.txt",
+            "insertIntoMap form_action", "insertIntoMap hidden_status", "insertIntoMap message",
+            "getMessage message 64/1026",
+            "setSkeletonFile /usr/local/www/skel/skeleton_efi_rstr.txt",
+            "remove /board/var/tmp/restored_eficonfS1", "insertIntoMap form_action, replacing",
+            "delete TextString(/maintenance/efi_backup_restore.cgi, false, false, 6)",
+            "insertIntoMap hidden_status, replacing",
+            "delete HiddenField(hidden_status, 2, form_name)", "insertIntoMap message, replacing",
+            "delete TextString(caption 1003, false, false, 6)", "getMessage message 354/0",
+            "insertIntoMap message0", "terminate"));
 }
 
 TEST_P(UnreadableFileTest, failedRemovalIsTracedAndShowsSamePage) {
@@ -291,30 +290,30 @@ TEST_P(UnreadableFileTest, failedRemovalIsTracedAndShowsSamePage) {
 
 INSTANTIATE_TEST_SUITE_P(WhenOpenedOrRead, UnreadableFileTest, testing::Bool());
 
-// The lock is free while the file is read and is asked for once more to remove it; without it the
-// exception leaves the page, and nothing of the page is left.
+// The lock is released while the file is read, and acquired again to remove it. If that fails, the
+// exception leaves the constructor, and every component is freed.
 TEST_F(EFIRestorePageSelectionTest, throwsWhenUnreadableFileCannotBeLocked) {
     script.headerError = 1104;
-    const Calls held = Scripted::livingObjects();
+    const Calls livingBefore = Scripted::livingObjects();
     script.replies[0x02010021].fill = [this](VeskUi::SerializableObject&) {
         script.lockError = 1101;
     };
     EXPECT_EQ(thrownDetail([&] { makePage(); }), 1101);
-    EXPECT_EQ(Scripted::livingObjects(), held);
+    EXPECT_EQ(Scripted::livingObjects(), livingBefore);
     EXPECT_EQ(calls(stagedFileCalls), onlyMoved);
     EXPECT_THAT(calls({"terminate"}), testing::IsEmpty());
 }
 
 TEST_F(EFIRestorePageSelectionTest, propagatesOtherExceptionsAndKeepsFile) {
-    const Calls held = Scripted::livingObjects();
+    const Calls livingBefore = Scripted::livingObjects();
     for (const char* place : {"new EFIConfFile", "getFileHeader"}) {
         Scripted::forgetCalls();
         Scripted::throwAt(place, std::make_exception_ptr(std::runtime_error("other")));
         EXPECT_THROW(makePage(), std::runtime_error) << place;
-        EXPECT_EQ(Scripted::livingObjects(), held) << place;
+        EXPECT_EQ(Scripted::livingObjects(), livingBefore) << place;
         EXPECT_EQ(calls(stagedFileCalls), onlyMoved) << place;
         EXPECT_THAT(calls({"getMessage", "putLog", "terminate"}), testing::IsEmpty()) << place;
-        // The next one is to be reached.
+        // Let the next call be reached.
         Scripted::throwAt(place, nullptr);
     }
 }
@@ -337,7 +336,7 @@ TEST_F(EFIRestorePageSelectionTest, keepsFileButShowsOnlyErrorWhenNoneInstalled)
     EXPECT_EQ(print(*page), emptySelection);
     EXPECT_EQ(calls(stagedFileCalls), onlyMoved);
     EXPECT_THAT(calls({"putLog", "getNodeIds"}), testing::IsEmpty());
-    // Twenty-three components with a record of their own, the row container aside.
+    // Twenty-three components that record their deletion; the row container does not.
     EXPECT_THAT(calls({"delete TextString", "delete HiddenField", "delete SelectFile",
                        "delete Button", "delete CheckBox"}),
                 testing::SizeIs(23));
@@ -346,15 +345,15 @@ TEST_F(EFIRestorePageSelectionTest, keepsFileButShowsOnlyErrorWhenNoneInstalled)
         testing::ElementsAre("insertIntoMap table_pid", "getMessage message 46/1026", "terminate"));
 }
 
-// Wherever the building breaks off, nothing of the page stays behind.
+// Wherever building throws, every component is freed.
 TEST_F(EFIRestorePageSelectionTest, freesPageWhenBuildingThrows) {
     script.setPartitions({{true, "first", {}}, {true, "second", {}}});
-    const Calls held = Scripted::livingObjects();
+    const Calls livingBefore = Scripted::livingObjects();
     for (const char* place : {"form_action", "information", "tablepid", "part_name", "filename",
                               "install", "check_box", "pid", "version", "table_pid"}) {
         script.insertErrors = {{place, 7}};
         EXPECT_EQ(thrownDetail([&] { makePage(); }), 7) << place;
-        EXPECT_EQ(Scripted::livingObjects(), held) << place;
+        EXPECT_EQ(Scripted::livingObjects(), livingBefore) << place;
     }
 }
 

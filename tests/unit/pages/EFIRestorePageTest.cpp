@@ -47,14 +47,14 @@ TEST_F(EFIRestorePageTest, showsUploadFormOnFirstVisit) {
     EXPECT_FALSE(page->isAlert());
 }
 
-// "hidden_status" belongs to posted steps.
+// "hidden_status" applies to posted steps only.
 TEST_F(EFIRestorePageTest, plainDisplayIgnoresStatus) {
     script.formFields["hidden_status"] = "3";
     EXPECT_EQ(print(*makePage()), uploadForm("0"));
     EXPECT_THAT(calls({"getFormData", "remove"}), testing::ElementsAre("getFormData message"));
 }
 
-// On memory that is not zero, so that a field nobody sets shows.
+// Uses nonzero memory, so that an uninitialized field shows.
 TEST_F(EFIRestorePageTest, initializesEveryField) {
     alignas(EFIRestorePage) std::array<unsigned char, sizeof(EFIRestorePage)> memory;
     memory.fill(0xA5);
@@ -63,7 +63,7 @@ TEST_F(EFIRestorePageTest, initializesEveryField) {
     page->~EFIRestorePage();
 }
 
-// Whether the restore is finished decides about the form; it is not.
+// If restoreFinished were left uninitialized, it would be true here, which suppresses the form.
 TEST_F(EFIRestorePageTest, initializesRestoreFinished) {
     post("2");
     alignas(EFIRestorePage) std::array<unsigned char, sizeof(EFIRestorePage)> memory;
@@ -104,7 +104,7 @@ TEST_F(EFIRestorePageTest, messageFieldAppendsToEarlierNotice) {
 class UnauthorizedRestorePageTest : public EFIRestorePageTest,
                                     public testing::WithParamInterface<int> {};
 
-// The form is built all the same and dropped at the end of the construction.
+// The form is built anyway, and dropped at the end of construction.
 TEST_P(UnauthorizedRestorePageTest, buildsFormButShowsOnlyError) {
     displayMode = GetParam();
     script.formFields["message"] = "";
@@ -154,18 +154,18 @@ TEST_F(EFIRestorePageTest, deletesEverythingOnDestruction) {
             "delete VeskTrace(1, 2, 29697)"));
 }
 
-// Wherever the building breaks off, nothing of the page stays behind.
+// Wherever building throws, every component is freed.
 TEST_F(EFIRestorePageTest, freesPageWhenBuildingThrows) {
-    const Calls held = Scripted::livingObjects();
+    const Calls livingBefore = Scripted::livingObjects();
     for (const char* place : {"onload_function", "form_action", "hidden_status", "filename",
                               "hidden_procname", "message0"}) {
         script.insertErrors = {{place, 7}};
         EXPECT_EQ(thrownDetail([&] { makePage(); }), 7) << place;
-        EXPECT_EQ(Scripted::livingObjects(), held) << place;
+        EXPECT_EQ(Scripted::livingObjects(), livingBefore) << place;
     }
 }
 
-// Two sessions have a staged file each, and one lock.
+// Each session has its own staged file; all sessions share one lock.
 TEST_F(EFIRestorePageTest, sessionsHaveOwnStagedFilesButShareLock) {
     post("3");
     makePage();

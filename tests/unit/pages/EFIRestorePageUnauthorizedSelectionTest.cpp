@@ -1,4 +1,4 @@
-// EFIRestorePage after an upload by somebody who may not use the screen.
+// Tests of EFIRestorePage after an upload by an unauthorized user.
 
 #include "tests/unit/support/SelectionTest.h"
 
@@ -12,7 +12,7 @@ protected:
         "putLog 0 lmsg 20020 [EFIRestorePage::makeSelectPage(): Authorization required.]";
 };
 
-// The back-end is asked all the same, and what is built is dropped at the end.
+// The back-end is queried anyway, and the components are dropped at the end.
 TEST_P(UnauthorizedSelectionTest, isBuiltButShowsOnlyError) {
     const auto page = makePage();
     EXPECT_EQ(page->getMessage(), "message 12/1033");
@@ -43,7 +43,7 @@ TEST_P(UnauthorizedSelectionTest, appendsTextOfEmptyList) {
     EXPECT_EQ(makePage()->getMessage(), "message 12/1033<br>message 46/1026");
 }
 
-// The upload form that follows asks about authority once more.
+// The upload form that follows checks authority again.
 TEST_P(UnauthorizedSelectionTest, removesUnreadableFile) {
     script.headerError = 1104;
     const auto page = makePage();

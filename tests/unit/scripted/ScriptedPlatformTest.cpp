@@ -1,4 +1,4 @@
-// What the tests of the program rely on: the scripted platform sees what it is there to see.
+// Tests of the scripted platform, on which the tests of the program rely.
 
 #include "data/HardInstallInfoPacket.h"
 #include "tests/scripted/systemCalls.h"
@@ -48,7 +48,7 @@ TEST_F(ScriptedPlatformTest, deletesReplacedComponent) {
     Gui::HTMLMapUtil::insertIntoMap(components, "name", new ProbeComponent("old"));
     Gui::HTMLMapUtil::insertIntoMap(components, "name", new ProbeComponent("new"));
     EXPECT_THAT(calls(), testing::ElementsAre("new old", "insertIntoMap name", "new new",
-                                              "insertIntoMap name, which displaces", "delete old"));
+                                              "insertIntoMap name, replacing", "delete old"));
     delete components["name"];
 }
 
@@ -122,7 +122,7 @@ TEST_F(ScriptedPlatformTest, returnsScriptedUploadUntilFormIsTerminated) {
     EXPECT_EQ(thrownDetail([&] { form.getUploadFilePath(); }), 1103);
 }
 
-// A board is known only from a request for the boards.
+// Boards are unknown until the program has requested them.
 TEST_F(ScriptedPlatformTest, fillsBoardsAndVersionsOnRequest) {
     script.setBoards({3}, {3});
     script.setVersions({"1.0", "2.0"});
