@@ -20,7 +20,7 @@ public:
         guiCheckSession(true);
         messageMgr = new MessageMgr(messageSet);
         requester = new CGIRequester(sessionText.c_str());
-        // The query can simulate a board where errorExit() returns.
+        // This field of the query simulates a board on which errorExit() returns.
         std::string ignored;
         const bool errorPageReturns = formInfo->getFormData("error_page_returns", ignored);
         int displayMode = JudgeAuthority(&authority, 105, -1).getDisplayMode() != 0 ? 2 : 0;

@@ -6,7 +6,7 @@
 
 namespace VeskLib::Scripted {
 
-// Records the program's calls of the platform, in order, as one readable line each, and keeps track
+// Records the program's calls to the platform, in order, as one readable line each, and keeps track
 // of the platform objects that are alive. A line starts with the operation's name. Construction and
 // deletion of an object are lines too, for instance "new HiddenField(name, value, form)".
 
@@ -22,7 +22,7 @@ std::vector<std::string> recordedCalls(const std::vector<std::string>& beginning
 void forgetCalls();
 
 // Makes every call with a line that starts with `beginning` throw `exception`, of any type, after
-// recording the line. Null cancels that. Must not be used for deletions.
+// recording the line. Null undoes that. Must not be used for deletions.
 void throwAt(const std::string& beginning, const std::exception_ptr& exception);
 
 // Discards lines, objects and exceptions.
@@ -39,7 +39,7 @@ std::vector<std::string> livingObjects();
 // Returns how often a destructor ran for an object that was not alive.
 unsigned int wrongDeletions();
 
-// Return values as text, as the lines show them.
+// Return the text that represents `value` in a line.
 std::string toText(const std::string& value);
 std::string toText(const char* value);
 std::string toText(bool value);

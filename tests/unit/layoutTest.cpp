@@ -109,7 +109,7 @@ void expectEnd(std::size_t end) {
     EXPECT_EQ(sizeof(Class), roundUp(end, alignof(Class)));
 }
 
-// The size of the vtable pointer, with which objects with virtual functions begin.
+// Objects with virtual functions begin with a vtable pointer of this size.
 const std::size_t VIRTUAL = sizeof(void*);
 
 template struct Reveal<MetaTag, &MetaTag::name, &MetaTag::content, &MetaTag::contentUrl,

@@ -233,11 +233,11 @@ INSTANTIATE_TEST_SUITE_P(
     OfTheFile, BackupDateTest,
     testing::Values(DateCase{"UTC0", NOON_OF_1_JANUARY_2027, "20270101"},
                     DateCase{"UTC0", NOON_OF_14_NOVEMBER_2026, "20261114"},
-                    // The local day is one later in the east, and one earlier in the west.
+                    // Compared with UTC, it is already the next day or still the day before.
                     DateCase{"JST-9", NOON_OF_14_NOVEMBER_2026 - 16 * 3600, "20261114"},
                     DateCase{"EST5", NOON_OF_1_JANUARY_2027 - 10 * 3600, "20261231"},
                     DateCase{"UTC0", 0, "19700101"},
-                    // Months and days have no leading zero from ten on.
+                    // The month and the day may have two digits.
                     DateCase{"UTC0", 1791547200, "20261009"},
                     DateCase{"UTC0", 1791633600, "20261010"},
                     // The save time is unsigned.

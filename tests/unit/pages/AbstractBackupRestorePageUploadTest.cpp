@@ -149,7 +149,7 @@ TEST_F(UploadTest, isNotMovedWithoutLock) {
     expectNotice("message 45/1101");
 }
 
-// The detail of the lock's exception follows 45 and is never taken as a back-end error.
+// The detail of the lock's exception follows message 45 and is never taken as a back-end error.
 TEST_F(UploadTest, lockFailureAlwaysUsesMessage45) {
     script.lockError = 1549;
     upload();

@@ -53,7 +53,7 @@ TEST_F(EFIBackupPageTest, hasExpectedConstants) {
     EXPECT_STREQ(EFIBackupPage::FILE_EXTENSION, ".dat");
 }
 
-TEST_F(EFIBackupPageTest, isBuiltInFixedOrder) {
+TEST_F(EFIBackupPageTest, buildsInFixedOrder) {
     script.setPartitions({{false, "", {}}, {true, "name", {}}});
     const auto page = makePage();
     EXPECT_THAT(
@@ -143,7 +143,7 @@ TEST_F(EFIBackupPageTest, freesPageWhenBuildingThrows) {
     }
 }
 
-// The loop ends at the count that the board reports before each pass.
+// The count may change during the loop.
 TEST_F(EFIBackupPageTest, readsPartitionCountBeforeEachPass) {
     script.setPartitions(std::vector<Partition>(5, {true, "name", {}}));
     script.maxPartitionNumbers = {1, 3, 3, 2};

@@ -18,7 +18,7 @@ TEST_F(EFIBackupRestorePageTest, hasExpectedConstants) {
     EXPECT_STREQ(EFIBackupRestorePage::FILE_EXTENSION, ".dat");
 }
 
-TEST_F(EFIBackupRestorePageTest, isBuiltInFixedOrder) {
+TEST_F(EFIBackupRestorePageTest, buildsInFixedOrder) {
     const auto page = makePage();
     const Calls& all = calls();
     const auto first =

@@ -131,7 +131,7 @@ INSTANTIATE_TEST_SUITE_P(
                     AbsentCase{"only other kinds", {0x21, 0xFF}, {1, 15}, {1, 15}},
                     AbsentCase{"installed but not home", {0x01}, {1, 15}, {15}},
                     AbsentCase{"home but not installed", {0x01}, {15}, {1, 15}},
-                    AbsentCase{"two halves of one", {0x01, 0x02}, {1, 15}, {2, 15}}));
+                    AbsentCase{"one installed, another home", {0x01, 0x02}, {1, 15}, {2, 15}}));
 
 TEST_F(HomeBoardTest, isSearchedForEachPartition) {
     script.setPartitions(

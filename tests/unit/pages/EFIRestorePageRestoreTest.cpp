@@ -222,7 +222,7 @@ TEST_P(RestoreOfAllTest, failedPartitionTableShowsOnlyError) {
                              "delete SelectFile(filename, , form_name, 70, 0)"));
 }
 
-INSTANTIATE_TEST_SUITE_P(WhateverTheBoxSays, RestoreOfAllTest, testing::Values("", "0", "on"));
+INSTANTIATE_TEST_SUITE_P(AnyBoxValue, RestoreOfAllTest, testing::Values("", "0", "on"));
 
 TEST_F(RestoreStepTest, refusalShowsNoticeAndForm) {
     script.replies[0x020100A4].errorCode = 1540;

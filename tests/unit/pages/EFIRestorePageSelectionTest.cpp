@@ -10,7 +10,7 @@ namespace VeskLib::Test {
 
 class EFIRestorePageSelectionTest : public SelectionTest {};
 
-TEST_F(EFIRestorePageSelectionTest, isBuiltInFixedOrder) {
+TEST_F(EFIRestorePageSelectionTest, buildsInFixedOrder) {
     script.setPartitions({{false, "", {}}, {true, "name", {0x03}}});
     script.setBoards({3}, {3});
     script.setVersions({"", "", "", "4.5"});
@@ -182,7 +182,7 @@ TEST_F(EFIRestorePageSelectionTest, usesDisplayModeAtPrintTime) {
     EXPECT_THAT(printed, testing::HasSubstr("CheckBox(, , form_name, 0){box(pid0"));
 }
 
-// The loop ends at the count that the board reports before each pass.
+// The count may change during the loop.
 TEST_F(EFIRestorePageSelectionTest, readsPartitionCountBeforeEachPass) {
     script.setPartitions(std::vector<Partition>(5, {true, "name", {}}));
     script.maxPartitionNumbers = {1, 3, 3, 2};
@@ -313,7 +313,7 @@ TEST_F(EFIRestorePageSelectionTest, propagatesOtherExceptionsAndKeepsFile) {
         EXPECT_EQ(Scripted::livingObjects(), livingBefore) << place;
         EXPECT_EQ(calls(stagedFileCalls), onlyMoved) << place;
         EXPECT_THAT(calls({"getMessage", "putLog", "terminate"}), testing::IsEmpty()) << place;
-        // Let the next call be reached.
+        // Otherwise the next place would not be reached.
         Scripted::throwAt(place, nullptr);
     }
 }

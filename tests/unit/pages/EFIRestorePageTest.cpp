@@ -18,7 +18,7 @@ TEST_F(EFIRestorePageTest, hasExpectedConstants) {
     EXPECT_STREQ(EFIRestorePage::FILE_EXTENSION, ".dat");
 }
 
-TEST_F(EFIRestorePageTest, isBuiltInFixedOrder) {
+TEST_F(EFIRestorePageTest, buildsInFixedOrder) {
     const auto page = makePage();
     EXPECT_THAT(
         calls(),
