@@ -108,7 +108,7 @@ TEST_F(BoardServiceTest, doesNotUseFileOfAnotherSession) {
 }
 
 // A configuration from a partition with a short name may be too large for one with a long name.
-TEST_F(BoardServiceTest, configurationTooLargeForBackupOfTargetIsRefused) {
+TEST_F(BoardServiceTest, configurationTooLargeForTargetIsRefused) {
     ConfigurationFile file;
     file.version = "1";
     file.payload.assign(LARGEST_CONFIGURATION_FILE - 32 - file.version.size(), 'x');
