@@ -87,7 +87,7 @@ std::string formOf(std::size_t size) {
 
 }  // namespace
 
-TEST(FormInfoHostTest, theFileThatThePostedPageShowedIsNoted) {
+TEST(FormInfoHostTest, notesFileShownByPostedPage) {
     const auto notedOf = [](const std::string& body, const std::string& query) {
         ChildSetup request = post(body, std::to_string(body.size()));
         request.environment["QUERY_STRING"] = query;
@@ -107,7 +107,7 @@ TEST(FormInfoHostTest, theFileThatThePostedPageShowedIsNoted) {
     EXPECT_EQ(notedOf("staged_file=" + std::string(1000, 'c'), ""), std::string(65, 'c'));
 }
 
-TEST(FormInfoHostTest, theBodyMayComeFromAPipeOrAFile) {
+TEST(FormInfoHostTest, readsBodyFromPipeOrFile) {
     for (const InputKind kind : {InputKind::PIPE, InputKind::FILE}) {
         EXPECT_EQ(askPosted("a=1&b=2", "7", kind), "[1]");
         EXPECT_EQ(askPosted(formOf(BODY_LENGTH), std::to_string(BODY_LENGTH), kind), "[1]");
@@ -115,14 +115,14 @@ TEST(FormInfoHostTest, theBodyMayComeFromAPipeOrAFile) {
     }
 }
 
-TEST(FormInfoHostTest, withoutALengthTheBodyIsReadToItsEnd) {
+TEST(FormInfoHostTest, readsBodyToEndWithoutLength) {
     for (const InputKind kind : {InputKind::PIPE, InputKind::FILE}) {
         EXPECT_EQ(askPosted("b=2&a=last", "", kind), "[last]");
         EXPECT_EQ(askPosted("", "", kind), "absent");
     }
 }
 
-TEST(FormInfoHostTest, aBodyThatIsCutShortIsRefused) {
+TEST(FormInfoHostTest, rejectsTruncatedBody) {
     for (const InputKind kind : {InputKind::PIPE, InputKind::FILE}) {
         EXPECT_EQ(askPosted("a=1", "4", kind), MALFORMED);
         EXPECT_EQ(askPosted("", "1", kind), MALFORMED);
@@ -130,26 +130,26 @@ TEST(FormInfoHostTest, aBodyThatIsCutShortIsRefused) {
     }
 }
 
-TEST(FormInfoHostTest, whatStandsBehindTheAnnouncedLengthIsNotRead) {
+TEST(FormInfoHostTest, ignoresBytesAfterAnnouncedLength) {
     EXPECT_EQ(askPosted("a=1234", "3"), "[1]");
     EXPECT_EQ(askPosted("a=1&b=2", "0"), "absent");
 }
 
-TEST(FormInfoHostTest, aLengthThatIsNoNumberIsRefused) {
+TEST(FormInfoHostTest, rejectsInvalidLength) {
     for (const char* length :
          {"abc", "-1", "+3", "3x", " 3", "3 ", "0x3", "3.0", "1e1", "99999999999999999999999"}) {
         EXPECT_EQ(askPosted("a=1", length), MALFORMED) << length;
     }
 }
 
-TEST(FormInfoHostTest, aLengthAboveTheLimitIsRefusedWhateverFollows) {
+TEST(FormInfoHostTest, rejectsLengthAboveLimit) {
     EXPECT_EQ(askPosted("a=1", std::to_string(BODY_LENGTH + 1)), TOO_LARGE);
     EXPECT_EQ(askPosted("a=1", "9999999999"), TOO_LARGE);
     // The largest number that there is, which must not pass for "no length".
     EXPECT_EQ(askPosted("a=1", "18446744073709551615"), TOO_LARGE);
 }
 
-TEST(FormInfoHostTest, aProgramMayTakeLess) {
+TEST(FormInfoHostTest, appliesLowerLimitOfProgram) {
     EXPECT_EQ(askSmall(formOf(SMALL_BODY), std::to_string(SMALL_BODY)), "[1]");
     EXPECT_EQ(askSmall(formOf(SMALL_BODY), ""), "[1]");
     EXPECT_EQ(askSmall(formOf(SMALL_BODY + 1), std::to_string(SMALL_BODY + 1)), TOO_LARGE);
@@ -158,17 +158,17 @@ TEST(FormInfoHostTest, aProgramMayTakeLess) {
     EXPECT_EQ(askSmall("", std::to_string(SMALL_BODY + 1)), TOO_LARGE);
 }
 
-TEST(FormInfoHostTest, aBodyMayBeAsLongAsItsLimitAlsoUnannounced) {
+TEST(FormInfoHostTest, acceptsUnannouncedBodyUpToLimit) {
     EXPECT_EQ(askPosted(formOf(BODY_LENGTH), ""), "[1]");
     EXPECT_EQ(askPosted(formOf(BODY_LENGTH + 1), ""), TOO_LARGE);
 }
 
-TEST(FormInfoHostTest, withoutStandardInputAFormIsRefused) {
+TEST(FormInfoHostTest, rejectsFormWithoutStandardInput) {
     EXPECT_EQ(askPosted("", "3", InputKind::CLOSED), MALFORMED);
     EXPECT_EQ(askPosted("", "", InputKind::CLOSED), MALFORMED);
 }
 
-TEST(FormInfoHostTest, aReadingRequestHasNoBody) {
+TEST(FormInfoHostTest, ignoresBodyOfGetAndHead) {
     ChildSetup request = post("a=1", "3");
     for (const char* method : {"GET", "HEAD"}) {
         request.environment["REQUEST_METHOD"] = method;
@@ -179,7 +179,7 @@ TEST(FormInfoHostTest, aReadingRequestHasNoBody) {
     EXPECT_EQ(ask(request, "a"), "absent");
 }
 
-TEST(FormInfoHostTest, onlyAFormIsReadAsAForm) {
+TEST(FormInfoHostTest, ignoresOtherContentTypes) {
     EXPECT_EQ(askTyped("application/x-www-form-urlencoded; charset=UTF-8"), "[1]");
     EXPECT_EQ(askTyped("application/x-www-form-urlencoded;charset=UTF-8"), "[1]");
     EXPECT_EQ(askTyped(""), "[1]");
@@ -193,12 +193,12 @@ TEST(FormInfoHostTest, onlyAFormIsReadAsAForm) {
     }
 }
 
-TEST(FormInfoHostTest, aQueryMayBeAsLongAsItsLimit) {
+TEST(FormInfoHostTest, acceptsQueryUpToLimit) {
     EXPECT_EQ(askQuery(formOf(QUERY_LENGTH)), "[1]");
     EXPECT_EQ(askQuery(formOf(QUERY_LENGTH + 1)), TOO_LARGE);
 }
 
-TEST(FormInfoHostTest, aSignalDoesNotEndTheReading) {
+TEST(FormInfoHostTest, continuesReadingAfterSignal) {
     const auto readSlowBody = [] {
         interruptOften();
         int ends[2] = {};

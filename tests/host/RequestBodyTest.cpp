@@ -43,7 +43,7 @@ int makeInput() {
 
 }  // namespace
 
-TEST(RequestBodyTest, aBodyThatNeverComesIsRefused) {
+TEST(RequestBodyTest, rejectsMissingBodyAfterTimeout) {
     const ChildResult result = runInChild([] {
         makeInput();
         return endOf(SHORT) == Host::REQUEST_TOO_SLOW ? 0 : 1;
@@ -51,7 +51,7 @@ TEST(RequestBodyTest, aBodyThatNeverComesIsRefused) {
     EXPECT_EQ(result.exitStatus, 0);
 }
 
-TEST(RequestBodyTest, aByteNowAndThenMakesTheTimeNoLonger) {
+TEST(RequestBodyTest, doesNotExtendDeadlineForSlowBytes) {
     const ChildResult result = runInChild([] {
         const int end = makeInput();
         std::thread([end] {
@@ -67,7 +67,7 @@ TEST(RequestBodyTest, aByteNowAndThenMakesTheTimeNoLonger) {
     EXPECT_EQ(result.exitStatus, 0);
 }
 
-TEST(RequestBodyTest, aBodyInTimeIsWholeWhateverInterruptsIt) {
+TEST(RequestBodyTest, readsWholeBodyDespiteSignals) {
     const std::string body(100000, 'x');
     const ChildResult result = runInChild(
         [&body] {
@@ -84,7 +84,7 @@ TEST(RequestBodyTest, aBodyInTimeIsWholeWhateverInterruptsIt) {
 }
 
 // The web server ends a request that is still arriving after 28 s.
-TEST(RequestBodyTest, isGivenUpBeforeTheServerEndsItsConnection) {
+TEST(RequestBodyTest, timesOutBeforeServer) {
     EXPECT_LT(RequestBody::DEADLINE_MILLISECONDS, 28000);
     EXPECT_GE(RequestBody::DEADLINE_MILLISECONDS, 20000);
 }

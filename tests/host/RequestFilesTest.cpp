@@ -99,7 +99,7 @@ protected:
 
 }  // namespace
 
-TEST_F(RequestFilesTest, filesOfTheBoardsOwnAreFine) {
+TEST_F(RequestFilesTest, acceptsOwnFiles) {
     EXPECT_EQ(request([] {}), 0);
     writeText(backup, "backup");
     writeText(staged, "staged");
@@ -108,7 +108,7 @@ TEST_F(RequestFilesTest, filesOfTheBoardsOwnAreFine) {
     EXPECT_THAT(events(), IsEmpty());
 }
 
-TEST_F(RequestFilesTest, whatIsNotARegularFileOfTheBoardsOwnIsRefusedBeforeTheWork) {
+TEST_F(RequestFilesTest, rejectsForeignFilesBeforeWork) {
     const std::string precious = boardFile("/var/precious");
     writeText(precious, "precious");
     for (const std::string& path : {backup, staged}) {
@@ -137,7 +137,7 @@ TEST_F(RequestFilesTest, whatIsNotARegularFileOfTheBoardsOwnIsRefusedBeforeTheWo
     EXPECT_EQ(readText(precious), "precious");
 }
 
-TEST_F(RequestFilesTest, anUploadIsRecordedWithWhatItHolds) {
+TEST_F(RequestFilesTest, recordsUploadWithFileDetails) {
     ASSERT_EQ(request([this] { upload(configuration()); }), 0);
     ASSERT_EQ(events().size(), 1U);
     const JSON event = events()[0];
@@ -152,7 +152,7 @@ TEST_F(RequestFilesTest, anUploadIsRecordedWithWhatItHolds) {
     EXPECT_EQ(events().size(), 2U);
 }
 
-TEST_F(RequestFilesTest, anUploadThatIsNotStagedIsRecordedAsRefused) {
+TEST_F(RequestFilesTest, recordsUnstagedUploadAsRefused) {
     writeText(staged, "staged");
     const auto refuse = [] {
         Host::UploadFile file;
@@ -167,7 +167,7 @@ TEST_F(RequestFilesTest, anUploadThatIsNotStagedIsRecordedAsRefused) {
     EXPECT_EQ(readText(staged), "staged");
 }
 
-TEST_F(RequestFilesTest, aDiscardIsRecorded) {
+TEST_F(RequestFilesTest, recordsDiscard) {
     writeText(staged, "staged");
     ASSERT_EQ(request([this] { std::filesystem::remove(staged); }), 0);
     ASSERT_EQ(events().size(), 1U);
@@ -175,20 +175,20 @@ TEST_F(RequestFilesTest, aDiscardIsRecorded) {
     EXPECT_EQ(events()[0]["result"], "done");
 }
 
-TEST_F(RequestFilesTest, anUploadThatCannotBeRecordedIsRemoved) {
+TEST_F(RequestFilesTest, removesUploadThatCannotBeRecorded) {
     breakAuditLog();
     EXPECT_EQ(request([this] { upload(configuration()); }), statusOf(Host::AUDIT_NOT_WRITTEN));
     EXPECT_FALSE(exists(staged));
 }
 
-TEST_F(RequestFilesTest, aDiscardThatCannotBeRecordedIsNoSuccess) {
+TEST_F(RequestFilesTest, failsIfDiscardCannotBeRecorded) {
     writeText(staged, "staged");
     breakAuditLog();
     EXPECT_EQ(request([this] { std::filesystem::remove(staged); }),
               statusOf(Host::AUDIT_NOT_WRITTEN));
 }
 
-TEST_F(RequestFilesTest, nothingOfARefusedUserStays) {
+TEST_F(RequestFilesTest, removesFilesOfRefusedUser) {
     struct Case {
         const char* functions;
         bool backupStays;
@@ -209,7 +209,7 @@ TEST_F(RequestFilesTest, nothingOfARefusedUserStays) {
     }
 }
 
-TEST_F(RequestFilesTest, whatIsWrittenForAnEndedSessionIsRemoved) {
+TEST_F(RequestFilesTest, removesFilesOfEndedSession) {
     const auto work = [this] {
         Host::endSession(session.identifier);
         writeText(backup, "backup");
@@ -221,7 +221,7 @@ TEST_F(RequestFilesTest, whatIsWrittenForAnEndedSessionIsRemoved) {
     EXPECT_THAT(events(), IsEmpty());
 }
 
-TEST_F(RequestFilesTest, aRequestThatPostsNothingRecordsARefusalOnly) {
+TEST_F(RequestFilesTest, recordsOnlyRefusalForGet) {
     writeText(backup, "backup");
     publishUser("user", false, "");
     ASSERT_EQ(request([] { Host::noteRefusedPage(); }, "GET"), 0);

@@ -78,7 +78,7 @@ protected:
 
 }  // namespace
 
-TEST_F(RequestSessionTest, theRightsAreThoseOfTheDescriptionNow) {
+TEST_F(RequestSessionTest, usesCurrentRights) {
     const Session session = startSession("user", false, ",105,");
     EXPECT_EQ(whoIs(session.cookieValue()), "user10");
     publishUser("user", false, ",106,");
@@ -88,7 +88,7 @@ TEST_F(RequestSessionTest, theRightsAreThoseOfTheDescriptionNow) {
     EXPECT_EQ(whoIs(FORGED), "nobody");
 }
 
-TEST_F(RequestSessionTest, aUserWhoIsNotDescribedAnyMoreHasNoSession) {
+TEST_F(RequestSessionTest, endsSessionOfRemovedUser) {
     const Session session = startSession("user", false, ",105,");
     writeText(backupFile(session.identifier), "backup");
     describeOnly("another");
@@ -105,14 +105,14 @@ TEST_F(RequestSessionTest, aUserWhoIsNotDescribedAnyMoreHasNoSession) {
     EXPECT_EQ(whoIs(session.cookieValue()), "nobody");
 }
 
-TEST_F(RequestSessionTest, withoutAnyDescriptionNobodyIsLetInAndNoSessionEnds) {
+TEST_F(RequestSessionTest, rejectsButKeepsSessionWithoutDescription) {
     const Session session = startSession("user", false, ",105,");
     describeNobody();
     EXPECT_EQ(whoIs(session.cookieValue()), "nobody");
     EXPECT_TRUE(exists(session));
 }
 
-TEST_F(RequestSessionTest, ofSeveralCookiesTheOneOfALivingSessionCounts) {
+TEST_F(RequestSessionTest, prefersCookieOfLiveSession) {
     const std::string good = startSession("user", false, "").cookieValue();
     for (const std::string& other : {std::string(), std::string("x"), FORGED}) {
         EXPECT_EQ(cookieOf("session=" + other + "; session=" + good), good) << other;
@@ -123,13 +123,13 @@ TEST_F(RequestSessionTest, ofSeveralCookiesTheOneOfALivingSessionCounts) {
     EXPECT_EQ(cookieOf("language=ja"), "");
 }
 
-TEST_F(RequestSessionTest, overHTTPSOnlyTheGuardedCookieCounts) {
+TEST_F(RequestSessionTest, acceptsOnlyHostPrefixedCookieOverHTTPS) {
     EXPECT_EQ(cookieOf("session=plain; __Host-session=guarded", true), "guarded");
     EXPECT_EQ(cookieOf("session=plain", true), "");
     EXPECT_EQ(cookieOf("session=plain; __Host-session=guarded"), "plain");
 }
 
-TEST_F(RequestSessionTest, aSessionThatEndsMeanwhileIsRequiredInVain) {
+TEST_F(RequestSessionTest, rejectsSessionEndedMeanwhile) {
     const Session session = startSession("user", false, ",105,");
     const std::string output = run([&session] {
         Host::requireLivingSession();  // nothing is asked of a request without a session
@@ -146,7 +146,7 @@ TEST_F(RequestSessionTest, aSessionThatEndsMeanwhileIsRequiredInVain) {
     EXPECT_EQ(output, "alive, 4031");
 }
 
-TEST_F(RequestSessionTest, anEventSaysWhoAskedAndFromWhere) {
+TEST_F(RequestSessionTest, eventNamesUserSessionAndAddress) {
     const Session session = startSession("user", false, ",105,");
     const std::string output = run(
         [&session] {

@@ -49,13 +49,13 @@ protected:
     std::string path;
 };
 
-TEST_F(SessionExpiryTest, aSessionLivesWhileItIsUsed) {
+TEST_F(SessionExpiryTest, staysAliveWithinIdleLimit) {
     setAge(path, SESSION_IDLE_SECONDS - MARGIN);
     EXPECT_TRUE(isAlive());
 }
 
 // What a page shows as the rest of the session, found out by letting time pass.
-TEST_F(SessionExpiryTest, aSessionEndsWhenItSays) {
+TEST_F(SessionExpiryTest, reportsTimeOfExpiry) {
     const auto endOf = [this] {
         Session found;
         EXPECT_TRUE(Host::findSession(session.cookieValue(), found));
@@ -77,19 +77,19 @@ TEST_F(SessionExpiryTest, aSessionEndsWhenItSays) {
     EXPECT_GE(endOf(), now + MARGIN - 1);
 }
 
-TEST_F(SessionExpiryTest, aSessionThatNobodyUsesExpires) {
+TEST_F(SessionExpiryTest, expiresWhenIdle) {
     setAge(path, SESSION_IDLE_SECONDS + 1);
     EXPECT_FALSE(isAlive());
 }
 
-TEST_F(SessionExpiryTest, aUsedSessionExpiresInTheEndAsWell) {
+TEST_F(SessionExpiryTest, expiresAtEndOfLifeDespiteUse) {
     createdAgo(SESSION_LIFE_SECONDS - MARGIN);
     EXPECT_TRUE(isAlive());
     createdAgo(SESSION_LIFE_SECONDS + 1);
     EXPECT_FALSE(isAlive());
 }
 
-TEST_F(SessionExpiryTest, halfAnHourAndHalfADayAreTheLimits) {
+TEST_F(SessionExpiryTest, usesLimitsOfHalfHourAndHalfDay) {
     setAge(path, 29 * 60);
     EXPECT_TRUE(isAlive());
     createdAgo(11 * 60 * 60);
@@ -98,25 +98,25 @@ TEST_F(SessionExpiryTest, halfAnHourAndHalfADayAreTheLimits) {
     EXPECT_FALSE(isAlive());
 }
 
-TEST_F(SessionExpiryTest, aUseIsNoted) {
+TEST_F(SessionExpiryTest, recordsUse) {
     setAge(path, SESSION_IDLE_SECONDS - MARGIN);
     EXPECT_TRUE(isAlive());
     EXPECT_LT(ageOf(path), MARGIN);
 }
 
-TEST_F(SessionExpiryTest, aForgedCookieIsNoUse) {
+TEST_F(SessionExpiryTest, doesNotCountForgedCookieAsUse) {
     setAge(path, SESSION_IDLE_SECONDS - MARGIN);
     EXPECT_FALSE(isLetIn(session.identifier + "-" + std::string(32, 'f')));
     EXPECT_GE(ageOf(path), SESSION_IDLE_SECONDS - MARGIN);
 }
 
-TEST_F(SessionExpiryTest, notEveryRequestWrites) {
+TEST_F(SessionExpiryTest, doesNotWriteOnEveryRequest) {
     setAge(path, 10);
     EXPECT_TRUE(isAlive());
     EXPECT_GE(ageOf(path), 10);
 }
 
-TEST_F(SessionExpiryTest, aTimeOfCreationThatIsNoneIsLongAgo) {
+TEST_F(SessionExpiryTest, rejectsInvalidCreationTime) {
     for (const char* created :
          {"", "x", "-1", "-9223372036854775808", "12", "1e18", "99999999999999999999999999"}) {
         const Session other = Host::startSession("operator");
@@ -125,7 +125,7 @@ TEST_F(SessionExpiryTest, aTimeOfCreationThatIsNoneIsLongAgo) {
     }
 }
 
-TEST_F(SessionExpiryTest, anExpiredSessionIsRemoved) {
+TEST_F(SessionExpiryTest, removesExpiredSession) {
     setAge(path, SESSION_IDLE_SECONDS + 1);
     EXPECT_FALSE(isAlive());
     EXPECT_FALSE(exists(path));

@@ -80,7 +80,7 @@ std::string printBackupPage(const std::string& filepath) {
 
 }  // namespace
 
-TEST(SkeletonFilesTest, shellPlacesWhatTheDispatcherPutsIn) {
+TEST(SkeletonFilesTest, shellPlacesDispatcherComponents) {
     expectPlaces(PLATFORM + "/skeleton_shell.txt",
                  {{"body", 1}, {"css", 1}, {"java_script", 1}, {"meta_frameid", 1}, {"title", 1}});
 }
@@ -168,7 +168,7 @@ TEST(SkeletonFilesTest, unfilledSkeletonPrintsNoPartOfAMark) {
     }
 }
 
-TEST(SkeletonFilesTest, aHostileDownloadNameStaysInItsPlacesOnTheBackupPage) {
+TEST(SkeletonFilesTest, backupPageEscapesDownloadName) {
     const std::string link = "/common/download.cgi?functionID=5&filename=";
     const std::string harmless = printBackupPage(link + "partition0.dat");
     // The first script is a file of its own.

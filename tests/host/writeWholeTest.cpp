@@ -45,7 +45,7 @@ protected:
 };
 
 // A signal makes the system return with what it has written until then.
-TEST_F(WriteWholeTest, interruptedPiecesAreTheWhole) {
+TEST_F(WriteWholeTest, writesWholeTextDespiteSignals) {
     struct sigaction interrupting = {};
     struct sigaction before = {};
     interrupting.sa_handler = ignoreSignal;
@@ -70,13 +70,13 @@ TEST_F(WriteWholeTest, interruptedPiecesAreTheWhole) {
     EXPECT_TRUE(received == first + second);
 }
 
-TEST_F(WriteWholeTest, whatIsNotTakenIsAFailure) {
+TEST_F(WriteWholeTest, failsOnPartialWrite) {
     ASSERT_EQ(::fcntl(ends[1], F_SETFL, O_NONBLOCK), 0);
     EXPECT_FALSE(Host::writeWhole(ends[1], countUpTo(10000), "the end"));
     EXPECT_EQ(errno, EAGAIN);
 }
 
-TEST_F(WriteWholeTest, nothingIsWrittenAtOnce) {
+TEST_F(WriteWholeTest, acceptsEmptyText) {
     EXPECT_TRUE(Host::writeWhole(-1, ""));
 }
 
