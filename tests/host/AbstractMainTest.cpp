@@ -36,7 +36,7 @@ namespace {
 
 const int FAILED = 1;
 
-// Prints a page; a request that must not get so far is known by its text.
+// Prints a page. Tests of failing requests expect its text to be absent.
 int printPage(TestMain& /*main*/) {
     std::cout << "<p>THE PAGE</p>";
     return 0;
@@ -59,7 +59,7 @@ protected:
     void makeConfigPage() override {}
 };
 
-// Asks whether the user may use function 106 and begins its page, as a dispatcher does.
+// Checks the user's right to function 106 and begins its page, as a dispatcher does.
 void beginPage(TestMain& main) {
     main.requester = std::make_unique<Gui::CGIRequester>("").release();
     int displayMode = Gui::JudgeAuthority(&main.authority, 106, -1).getDisplayMode();
@@ -76,7 +76,7 @@ protected:
         return exists(path) ? linesOf(readText(path)) : std::vector<std::string>();
     }
 
-    // The response of a request that ends in an error page.
+    // Runs a request that must end in an error page and returns its response.
     static CGIResponse runFailing(const TestMain::Work& work, const Environment& environment) {
         const ChildResult result = runRequest(work, environment);
         EXPECT_EQ(result.exitStatus, FAILED) << result.errors;
@@ -87,7 +87,7 @@ protected:
         return response;
     }
 
-    // The response to a cookie that is not let in.
+    // Expects the login page in response to a request with this cookie value.
     static void expectLoginPage(const std::string& cookieValue) {
         const CGIResponse response = runFailing(printGuardedPage, getRequest(cookieValue));
         EXPECT_EQ(response.status, "403 Forbidden");

@@ -85,7 +85,7 @@ TEST_F(AuditHistoryTest, stopsAtByteLimit) {
     for (std::size_t most = 0; most <= 20; ++most) {
         AuditHistory history(most);
         const std::vector<std::string> lines = linesOf(history);
-        // The first line is only known to be whole when the byte before it was read.
+        // The first line is known to be whole only if the byte before it was read.
         const std::size_t expected = most == 20   ? 4
                                      : most >= 15 ? 3
                                      : most == 0  ? 0

@@ -17,7 +17,7 @@ AuditEvent eventOf(const std::string& name, const std::string& user = "") {
     return event;
 }
 
-// How many of `count` events at that time get a line.
+// Returns how many of `count` events at `now` get a line.
 unsigned int admitted(AuditLimits& limits, unsigned int count, std::time_t now,
                       const std::string& user = "") {
     unsigned int lines = 0;
@@ -73,7 +73,7 @@ TEST(AuditLimits, admitFewerAndFewerLinesOfLongFlood) {
 TEST(AuditLimits, resetAfterQuietTime) {
     AuditLimits limits;
     admitted(limits, 20, START);
-    admitted(limits, 20, START + 60);  // two minutes long
+    admitted(limits, 20, START + 60);  // begins a period of two minutes
     EXPECT_EQ(admitted(limits, 20, START + 600), 10U);
     EXPECT_EQ(admitted(limits, 20, START + 659), 0U);
     EXPECT_EQ(admitted(limits, 20, START + 661), 10U);

@@ -219,7 +219,7 @@ TEST_F(AuditLogTest, countsFloodOfRefusals) {
         recordRefusal(eventOf("refusal"));
     }
     EXPECT_EQ(lines().size(), 10U);
-    // As if the minute were over.
+    // Moves the start of the period back, as if the minute had passed.
     std::string counts = readText(boardFile("/var/log/audit.counts"));
     JSON saved = JSON::parse(counts);
     saved[""]["start"] = saved[""]["start"].get<long>() - 60;

@@ -23,7 +23,7 @@ namespace {
 
 const std::size_t SMALL_BODY = 4 * 1024;
 
-// The field as the first question of a process finds it.
+// Returns a field as a new process reads it: "[value]", "absent" or a refusal.
 std::string ask(const ChildSetup& request, const std::string& name) {
     const ChildResult result = runInChild(
         [&name] {
@@ -40,7 +40,7 @@ std::string ask(const ChildSetup& request, const std::string& name) {
     return result.output;
 }
 
-// A posted form; `contentLength` empty announces none.
+// Returns a posted form. If `contentLength` is empty, the length is not announced.
 ChildSetup post(const std::string& body, const std::string& contentLength,
                 InputKind kind = InputKind::PIPE) {
     Environment environment = {{"REQUEST_METHOD", "POST"},
@@ -67,7 +67,7 @@ std::string askQuery(const std::string& query) {
                "a");
 }
 
-// The field as a program finds it that takes SMALL_BODY bytes.
+// Same as askPosted(), for a program that accepts SMALL_BODY bytes.
 std::string askSmall(const std::string& body, const std::string& contentLength) {
     Host::formPolicy().bodyLength = SMALL_BODY;
     const std::string answer = askPosted(body, contentLength);
@@ -75,7 +75,7 @@ std::string askSmall(const std::string& body, const std::string& contentLength) 
     return answer;
 }
 
-// A form of exactly `size` bytes that begins with "a=1".
+// Returns a form of exactly `size` bytes that begins with "a=1".
 std::string formOf(std::size_t size) {
     std::string form = "a=1";
     while (form.size() < size) {
@@ -145,7 +145,7 @@ TEST(FormInfoHostTest, rejectsInvalidLength) {
 TEST(FormInfoHostTest, rejectsLengthAboveLimit) {
     EXPECT_EQ(askPosted("a=1", std::to_string(BODY_LENGTH + 1)), TOO_LARGE);
     EXPECT_EQ(askPosted("a=1", "9999999999"), TOO_LARGE);
-    // The largest number that there is, which must not pass for "no length".
+    // The largest number must not be taken for "no length".
     EXPECT_EQ(askPosted("a=1", "18446744073709551615"), TOO_LARGE);
 }
 
@@ -154,7 +154,7 @@ TEST(FormInfoHostTest, appliesLowerLimitOfProgram) {
     EXPECT_EQ(askSmall(formOf(SMALL_BODY), ""), "[1]");
     EXPECT_EQ(askSmall(formOf(SMALL_BODY + 1), std::to_string(SMALL_BODY + 1)), TOO_LARGE);
     EXPECT_EQ(askSmall(formOf(SMALL_BODY + 1), ""), TOO_LARGE);
-    // Refused by what it announces, without waiting for it.
+    // Rejected because of the announced length, without waiting for the body.
     EXPECT_EQ(askSmall("", std::to_string(SMALL_BODY + 1)), TOO_LARGE);
 }
 

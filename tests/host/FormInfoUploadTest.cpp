@@ -34,7 +34,7 @@ std::string fieldOf(const FormInfo& form, const std::string& name) {
     return form.getFormData(name, value) ? name + " [" + value + "]" : "no " + name;
 }
 
-// What a program of the board finds: the fields "a" and "b", and the file with its content.
+// Returns what a program of the board reads: the fields "a" and "b", and the file with its content.
 std::string contentOf(const FormInfo& form) {
     try {
         std::string found = fieldOf(form, "a") + ", " + fieldOf(form, "b");
@@ -51,7 +51,7 @@ class FormInfoUploadTest : public BoardTest {
 protected:
     static std::vector<std::string> names() { return namesIn(boardFile("/var/tmp")); }
 
-    // What `work` prints in a process of its own, a line each.
+    // Runs `work` in a child process and returns the lines that it prints.
     static std::vector<std::string> run(const std::function<void()>& work,
                                         const ChildSetup& request) {
         const ChildResult result = runInChild(
@@ -64,7 +64,7 @@ protected:
         return linesOf(result.output);
     }
 
-    // What is found in a request. The object goes in the end, and with it the file.
+    // Returns what is found in a request. Expects that the destroyed form leaves no file.
     static std::string find(const ChildSetup& request) {
         const ChildResult result = runInChild(
             [] {
@@ -77,7 +77,7 @@ protected:
         return result.output;
     }
 
-    // The same by a program that does with a file what `policy` says.
+    // Same as find(), for a program with this policy.
     static std::string findBy(const Host::FormPolicy& policy, const ChildSetup& request) {
         Host::formPolicy() = policy;
         const std::string found = find(request);
@@ -85,7 +85,8 @@ protected:
         return found;
     }
 
-    // Reads a request that is refused, and looks whether anything of it is to be found after that.
+    // Reads a request that must be refused and returns the refusal. Expects that nothing of it is
+    // kept.
     static std::string findRefused(const ChildSetup& request) {
         const std::vector<std::string> lines = run(
             [] {
@@ -282,7 +283,7 @@ TEST_F(FormInfoUploadTest, terminateLeavesMovedFile) {
 
 TEST_F(FormInfoUploadTest, leavesNoUnrequestedFileWithoutTerminate) {
     const auto work = [] {
-        // As the program has it: nobody deletes the object.
+        // As in the program, the object is never deleted.
         FormInfo::myInstance = std::make_unique<FormInfo>().release();
         std::cout << fieldOf(*FormInfo::myInstance, "a") << std::endl;
     };

@@ -30,7 +30,7 @@ const std::map<std::string, Gui::HTMLComponent*> NO_COMPONENTS;
 
 class HTMLCodeGeneratorHostTest : public BoardTest {
 protected:
-    // What the process prints for the skeleton, or the detail code with which it refuses.
+    // Returns what a child process prints for the skeleton, or the refusal with its detail code.
     static std::string print() {
         const ChildResult result = runInChild([] {
             try {
@@ -99,7 +99,7 @@ TEST_F(HTMLCodeGeneratorHostTest, retriesMissingSkeleton) {
     EXPECT_EQ(result.output, "here now");
 }
 
-// The shell is read first; without one, nothing else would be.
+// Creates a shell, because it is read ahead first; without it, nothing is read ahead.
 class SkeletonAheadTest : public HTMLCodeGeneratorHostTest {
 protected:
     SkeletonAheadTest() { writeText(boardFile(Host::SHELL_SKELETON), "shell"); }

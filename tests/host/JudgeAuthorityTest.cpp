@@ -20,7 +20,7 @@ int preCheck(const CGIAuthority& authority, int function) {
     return JudgeAuthority(&authority, function, WHOLE_SERVER).preCheckDisplayMode(requester);
 }
 
-// A refusal lasts until the process ends, so every question has a process of its own.
+// Runs in a child process, because a refusal lasts until the process ends.
 int displayMode(const CGIAuthority& authority, int function) {
     return runInChild([&authority, function] {
                return JudgeAuthority(&authority, function, WHOLE_SERVER).getDisplayMode();

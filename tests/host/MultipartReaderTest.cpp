@@ -20,8 +20,7 @@ using Host::FormLimits::PART_HEADER_LENGTH;
 
 namespace {
 
-// Writes down what it is given: "<name>value</>" for a field, "<name|file name>bytes</>" for a
-// file.
+// Records its calls: "<name>value</>" for a field, "<name|file name>bytes</>" for a file.
 class Recorder : public Host::MultipartHandler {
 public:
     void beginPart(const std::string& name, const std::string* fileName) override {
@@ -38,7 +37,8 @@ public:
     std::string text;
 };
 
-// What is found in a body that comes in these pieces; after a refusal what was found before it.
+// Returns what is found in a body that arrives in these pieces. A refusal follows what was found
+// before it.
 std::string readPieces(const std::vector<std::string_view>& pieces,
                        const std::string& contentType = MULTIPART_TYPE) {
     Recorder recorder;
@@ -62,7 +62,7 @@ std::vector<std::string_view> piecesOf(std::string_view body, std::size_t size) 
     return pieces;
 }
 
-// What is found in a body, which must be the same however it is cut into pieces.
+// Returns what is found in a body. Expects the same result however the body is split.
 std::string readEachWay(const std::string& body, const std::string& contentType = MULTIPART_TYPE) {
     const std::string_view view = body;
     const std::string whole = readPieces({view}, contentType);
@@ -80,14 +80,14 @@ std::string readParts(const std::string& parts) {
     return readEachWay(parts + LAST_BOUNDARY);
 }
 
-// What is found in a body with one part of these header lines.
+// Returns what is found in a body with one part that has these header lines.
 std::string readHeader(const std::string& lines) {
     return readParts(partOf(lines, "content"));
 }
 
 std::string headerOfSize(std::size_t size) {
     std::string lines = "Content-Disposition: form-data; name=a\r\nX-Padding: ";
-    // The last line break belongs to the header's end.
+    // The last line break is not counted: it belongs to the end of the header.
     lines.append(size - lines.size(), 'x');
     return lines + "\r\n";
 }
@@ -125,7 +125,8 @@ TEST(MultipartReaderTest, skipsPreamble) {
 
 TEST(MultipartReaderTest, requiresBoundaryAtLineStart) {
     const std::string parts = fieldPart("a", "1") + LAST_BOUNDARY;
-    // The part's own boundary is none, and all up to the last one stands in front of the first.
+    // The part's boundary does not start a line, so everything before the last boundary is
+    // preamble.
     EXPECT_EQ(readEachWay("x" + parts), "");
     EXPECT_EQ(readEachWay("\n" + parts), "");
 }
@@ -258,8 +259,7 @@ TEST(MultipartReaderTest, acceptsNameUpToLimit) {
     EXPECT_EQ(readFileName(FILE_NAME_LENGTH + 1), TOO_LARGE);
 }
 
-// The limit once held only for a body that came in one piece: a header of just its length was
-// refused when its end came in two.
+// Regression test: a header of exactly the limit was refused if its end arrived in two pieces.
 TEST(MultipartReaderTest, acceptsHeaderUpToLimitInAnyPieces) {
     EXPECT_EQ(readHeader(headerOfSize(PART_HEADER_LENGTH)), "<a>content</>");
     EXPECT_EQ(readHeader(headerOfSize(PART_HEADER_LENGTH + 1)), TOO_LARGE);

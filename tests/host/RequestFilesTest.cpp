@@ -31,7 +31,7 @@ using testing::IsEmpty;
 
 namespace {
 
-// What surrounds a request that may change a session's files.
+// Tests of the checks around a request that may change a session's files.
 class RequestFilesTest : public BoardTest {
 protected:
     RequestFilesTest()
@@ -39,7 +39,7 @@ protected:
           backup(backupFile(session.identifier)),
           staged(stagingFile(session.identifier)) {}
 
-    // A request whose work is `work`; the code of what refuses it, 0 for nothing.
+    // Runs a request that does `work`. Returns 0, or statusOf() of the code that refuses it.
     int request(const std::function<void()>& work, const char* method = "POST") const {
         const ChildResult result = runInChild(
             [&] {
@@ -59,10 +59,10 @@ protected:
         return result.exitStatus;
     }
 
-    // A code of the platform's as an exit status.
+    // Returns an error code of the platform as an exit status.
     static int statusOf(int code) { return code - 1000; }
 
-    // Puts an upload in place as the program does.
+    // Stages an upload as the program does.
     void upload(const std::string& bytes) const {
         Host::UploadFile file;
         file.write(bytes);
@@ -147,7 +147,7 @@ TEST_F(RequestFilesTest, recordsUploadWithFileDetails) {
     EXPECT_EQ(event["session"], session.identifier);
     EXPECT_EQ(event["address"], "192.0.2.1");
     EXPECT_EQ(event["file"]["partition"], 3);
-    // The same bytes again are another upload.
+    // Uploading the same bytes again is another upload.
     ASSERT_EQ(request([this] { upload(configuration()); }), 0);
     EXPECT_EQ(events().size(), 2U);
 }

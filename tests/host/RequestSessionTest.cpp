@@ -21,7 +21,7 @@ namespace {
 
 const std::string FORGED = "0123456789abcdef-" + std::string(32, '0');
 
-// Each request is a process of its own: it reads the board's properties once.
+// Runs each request in a child process, because a process reads the board's properties once.
 class RequestSessionTest : public BoardTest {
 protected:
     static std::string run(const std::function<void()>& work, const Environment& environment = {}) {
@@ -35,7 +35,8 @@ protected:
         return result.output;
     }
 
-    // The user of a cookie's session, and whether they may use the functions 105 and 106.
+    // Returns the user of a cookie's session, followed by 1 or 0 for the right to use function 105
+    // and function 106.
     static std::string whoIs(const std::string& cookieValue) {
         return run([&cookieValue] {
             const Host::RequestSession* const found = Host::findRequestSession(cookieValue);
@@ -100,7 +101,7 @@ TEST_F(RequestSessionTest, endsSessionOfRemovedUser) {
     EXPECT_EQ(line["reason"], "user");
     EXPECT_EQ(line["user"], "user");
     EXPECT_EQ(line["session"], session.identifier);
-    // Who is described again later does not get it back.
+    // Describing the user again does not restore the session.
     publishUser("user", false, ",105,");
     EXPECT_EQ(whoIs(session.cookieValue()), "nobody");
 }
@@ -132,7 +133,7 @@ TEST_F(RequestSessionTest, acceptsOnlyHostPrefixedCookieOverHTTPS) {
 TEST_F(RequestSessionTest, rejectsSessionEndedMeanwhile) {
     const Session session = startSession("user", false, ",105,");
     const std::string output = run([&session] {
-        Host::requireLivingSession();  // nothing is asked of a request without a session
+        Host::requireLivingSession();  // accepts a request without a session
         Host::findRequestSession(session.cookieValue());
         Host::requireLivingSession();
         std::cout << "alive, ";

@@ -32,7 +32,8 @@ const ChildSetup HEAD = {.environment = {{"REQUEST_METHOD", "HEAD"}}, .input = {
 const int NOT_SENT = 9;
 const int NOT_PREPARED = 8;
 
-// Sends a response in a process of its own; its exit status tells whether send() was content.
+// Sends a response in a child process, which exits with 0 if send() succeeds, with NOT_SENT if it
+// fails, and with NOT_PREPARED if `prepare` fails.
 ChildResult respond(
     const Work& work, const ChildSetup& setup = GET,
     const std::function<bool()>& prepare = [] { return true; }) {
@@ -228,7 +229,7 @@ TEST_F(ResponseTest, writesNothingBeforeSend) {
 
 TEST_F(ResponseTest, sendsHeaderAndBodyInOneWrite) {
     int ends[2] = {};
-    // Every write to such a socket is one message.
+    // Each write to such a socket is one message.
     ASSERT_EQ(::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends), 0);
     const std::string page(20000, 'p');
     const ChildResult result = respond([&page](Response&) { std::cout << page; }, GET,
@@ -254,7 +255,7 @@ TEST_F(ResponseTest, sendsLargePageDespiteSignals) {
             return response.send() ? 0 : NOT_SENT;
         },
         GET);
-    ::usleep(50000);  // the pipe is full and the writer interrupted
+    ::usleep(50000);  // until the pipe is full and the writer interrupted
     const ChildResult result = child.wait();
     EXPECT_EQ(result.exitStatus, 0) << result.errors;
     EXPECT_EQ(parseResponse(result.output).body.size(), page.size());
@@ -288,7 +289,7 @@ TEST_F(ResponseTest, survivesFileSizeLimit) {
     const std::string path = boardFile("/var/tmp/response");
     const ChildResult result = respond(
         [](Response&) {
-            // From here on, so that nothing but the response meets the limit.
+            // Set here, so that the limit applies only to the response.
             const rlimit limit = {.rlim_cur = 100, .rlim_max = RLIM_INFINITY};
             ::setrlimit(RLIMIT_FSIZE, &limit);
             std::cout << "page";

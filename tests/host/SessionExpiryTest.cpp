@@ -16,7 +16,7 @@ using Host::SESSION_LIFE_SECONDS;
 
 namespace {
 
-// Far more than a test takes between setting a time and asking.
+// Far more seconds than pass between setting a time and checking it.
 const std::time_t MARGIN = 30;
 
 std::time_t ageOf(const std::string& path) {
@@ -32,7 +32,7 @@ protected:
     SessionExpiryTest()
         : session(Host::startSession("operator")), path(sessionFile(session.identifier)) {}
 
-    // Has the session been created `seconds` ago; its file's time is set anew as well.
+    // Sets the session's creation time to `seconds` ago. This also updates the time of its file.
     void createdAgo(std::time_t seconds) {
         setField(session, "created", std::to_string(std::time(nullptr) - seconds));
     }
@@ -54,7 +54,7 @@ TEST_F(SessionExpiryTest, staysAliveWithinIdleLimit) {
     EXPECT_TRUE(isAlive());
 }
 
-// What a page shows as the rest of the session, found out by letting time pass.
+// Pages show how long the session still lasts, computed from its end.
 TEST_F(SessionExpiryTest, reportsTimeOfExpiry) {
     const auto endOf = [this] {
         Session found;
@@ -62,7 +62,7 @@ TEST_F(SessionExpiryTest, reportsTimeOfExpiry) {
         return found.ends;
     };
     EXPECT_EQ(session.ends, session.created + SESSION_IDLE_SECONDS);
-    // A use within a minute of the last one is not noted, so that it adds nothing.
+    // A use within a minute of the last one is not recorded and extends nothing.
     setAge(path, 40);
     EXPECT_EQ(endOf(), lastUse() + SESSION_IDLE_SECONDS);
     EXPECT_LE(endOf(), std::time(nullptr) + SESSION_IDLE_SECONDS - 40);
@@ -70,7 +70,7 @@ TEST_F(SessionExpiryTest, reportsTimeOfExpiry) {
     const std::time_t before = std::time(nullptr);
     EXPECT_GE(endOf(), before + SESSION_IDLE_SECONDS);
     EXPECT_EQ(endOf(), lastUse() + SESSION_IDLE_SECONDS);
-    // No use prolongs it beyond its life.
+    // No use extends the session beyond its longest life.
     createdAgo(SESSION_LIFE_SECONDS - MARGIN);
     const std::time_t now = std::time(nullptr);
     EXPECT_LE(endOf(), now + MARGIN);

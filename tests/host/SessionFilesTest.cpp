@@ -33,7 +33,7 @@ const std::string ORPHAN = "00000000000000ff";
 
 }  // namespace
 
-// What becomes of the files of sessions that end.
+// Tests of the files of sessions that end.
 class SessionFilesTest : public BoardTest {
 protected:
     // A session with a backup and an upload.
@@ -124,7 +124,7 @@ TEST_F(SessionFilesTest, removesUploadUnderStagingLock) {
     });
     ASSERT_EQ(ending.readLine(), "ending");
     EXPECT_TRUE(happensInTime([&session] { return !exists(backupFile(session.identifier)); }));
-    ::usleep(20000);  // for a removal that does not wait for the lock
+    ::usleep(20000);  // enough for a removal that does not wait for the lock
     EXPECT_TRUE(exists(stagingFile(session.identifier)));
     holder.kill();
     EXPECT_EQ(ending.wait().exitStatus, 0);
@@ -139,13 +139,13 @@ TEST_F(SessionFilesTest, endsSessionWithoutStagingLock) {
     EXPECT_FALSE(exists(sessionFile(session.identifier)));
     EXPECT_FALSE(exists(backupFile(session.identifier)));
     EXPECT_TRUE(exists(stagingFile(session.identifier)));
-    // It is an orphan now, and is found when the lock is sound again.
+    // The upload is an orphan now. It is removed once the lock can be taken again.
     ASSERT_EQ(::unlink(lockPath.c_str()), 0);
     endExpiredSessions();
     EXPECT_TRUE(hasNothing(session.identifier));
 }
 
-// A limit of open files is what makes every file unreadable for a while.
+// A limit on open files makes every file unreadable for a while.
 TEST_F(SessionFilesTest, keepsUnreadableSession) {
     if (SANITIZED) {
         GTEST_SKIP() << "the sanitizers need descriptors";
@@ -170,7 +170,7 @@ TEST_F(SessionFilesTest, reportsFailureToEndSession) {
     const std::string path = sessionFile(session.identifier);
     ASSERT_EQ(::unlink(path.c_str()), 0);
     EXPECT_TRUE(endSession(session.identifier));
-    // Only an empty folder could be removed.
+    // A folder that is not empty cannot be removed.
     ASSERT_EQ(::mkdir(path.c_str(), 0700), 0);
     writeText(path + "/file", "");
     EXPECT_FALSE(endSession(session.identifier));

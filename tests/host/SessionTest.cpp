@@ -30,8 +30,8 @@ using testing::IsEmpty;
 
 namespace {
 
-// From now on the kernel says EPERM to this process when it asks for a file's status, as a security
-// module may do.
+// Makes the kernel deny this process the status of files with EPERM from now on, as a security
+// module might.
 void denyStatus() {
     sock_filter rules[] = {
         BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
@@ -51,7 +51,7 @@ class SessionTest : public BoardTest {
 protected:
     static Session start() { return Host::startSession("operator"); }
 
-    // The session that this cookie value finds; one without an identifier when there is none.
+    // Returns the session with this cookie value, or one without an identifier if there is none.
     static Session find(const std::string& cookieValue) {
         Session session;
         Host::findSession(cookieValue, session);
@@ -103,7 +103,7 @@ TEST_F(SessionTest, variesEveryDigitOfSecret) {
         }
     }
     for (std::size_t place = 0; place < seen.size(); ++place) {
-        // 200 random digits that show fewer than 8 of 16 values do not occur.
+        // It is practically impossible that 200 random digits have fewer than 8 of 16 values.
         EXPECT_GE(seen[place].size(), 8u) << place;
     }
 }
@@ -254,7 +254,7 @@ TEST_F(SessionTest, endsOldestSessionOverLimit) {
     std::vector<Session> sessions;
     for (std::size_t i = 0; i < Host::SESSIONS_OF_A_USER + 2; ++i) {
         sessions.push_back(start());
-        // The clock's seconds do not tell the sessions apart.
+        // Sets distinct times, because the sessions may start within the same second.
         setField(sessions.back(), "created",
                  std::to_string(std::time(nullptr) - 100 + static_cast<std::time_t>(i)));
     }
@@ -274,7 +274,7 @@ TEST_F(SessionTest, endsOldestSessionOfSameSecond) {
         sessions[session.identifier] = session;
     }
     const std::time_t second = std::time(nullptr);
-    long nanoseconds = 999;  // the first identifier is that of the newest
+    long nanoseconds = 999;  // the session with the first identifier is the newest
     for (const auto& [identifier, session] : sessions) {
         setField(session, "created", std::to_string(second));
         const timespec moment = {.tv_sec = second, .tv_nsec = nanoseconds--};

@@ -130,12 +130,12 @@ TEST(SkeletonMarksTest, rejectsMalformedConditions) {
     EXPECT_EQ(problemOf("{{unless a}}{{end}}\n {{end}}"), "2:2 not a mark");
 }
 
-// It was once taken for "{{if a}}".
+// Regression test: the mark was taken for "{{if a}}".
 TEST(SkeletonMarksTest, rejectsTwoConditionsInOneMark) {
     EXPECT_EQ(problemOf("{{if unless a}}{{end}}"), "1:1 not a mark");
 }
 
-// It was once shown four columns beside where it stands, and before the skeleton's own start.
+// Regression test: the reported column was four off, and could be before the start of the skeleton.
 TEST(SkeletonMarksTest, reportsStartOfUnclosedCondition) {
     EXPECT_EQ(problemOf("{{unless a}}"), "1:1 the condition has no end");
     EXPECT_EQ(problemOf("a\n {{unless a}} b"), "2:2 the condition has no end");

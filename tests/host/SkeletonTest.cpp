@@ -75,7 +75,7 @@ TEST(SkeletonTest, escapesTextForAttribute) {
 }
 
 TEST(SkeletonTest, usesOneNoncePerPage) {
-    // In a process of its own, because a process keeps its nonce.
+    // Runs in a child process, because a process keeps its nonce.
     const ChildResult result = runInChild([] {
         Skeleton("{{nonce}} {{nonce}} ").print({});
         std::cout << Host::scriptNonce();

@@ -30,7 +30,7 @@ class UploadFileTest : public BoardTest {
 protected:
     static std::vector<std::string> names() { return namesIn(boardFile("/var/tmp")); }
 
-    // The sizes of the files without a name that this process holds open under /var/tmp.
+    // Returns the sizes of the unnamed files under /var/tmp that this process has open.
     static std::vector<std::size_t> unnamedSizes() {
         std::vector<std::size_t> sizes;
         const std::string start = boardFile("/var/tmp/#");
@@ -46,7 +46,7 @@ protected:
         return sizes;
     }
 
-    // path(), or the code of the exception that it throws.
+    // Returns path(), or the code of the exception that it throws.
     static std::string pathOf(UploadFile& file) {
         try {
             return file.path();

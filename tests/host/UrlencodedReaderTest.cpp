@@ -16,7 +16,7 @@ namespace {
 
 using Fields = std::map<std::string, std::string>;
 
-// The fields of `text` read in pieces of `size` bytes; null fields for a refused text.
+// Returns the fields of `text`, read in pieces of `size` bytes. Throws PException if it is refused.
 Fields read(const std::string& text, std::size_t size = std::string::npos) {
     Fields fields;
     UrlencodedReader reader(fields);
@@ -29,7 +29,7 @@ Fields read(const std::string& text, std::size_t size = std::string::npos) {
     return fields;
 }
 
-// Whether the text is refused for its size.
+// Returns true if the text is refused as too large.
 bool isTooLarge(const std::string& text) {
     try {
         read(text);

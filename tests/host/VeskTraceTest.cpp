@@ -32,7 +32,7 @@ void put(const std::string& text) {
     VeskTrace(1, 2, 29697).putLog(0, text.c_str());
 }
 
-// A log of `size` bytes, made of lines.
+// Returns a log of `size` bytes that consists of lines.
 std::string fill(std::size_t size) {
     std::string text;
     while (text.size() < size) {
@@ -185,7 +185,7 @@ TEST_F(VeskTraceHostTest, doesNotFollowLink) {
 
 TEST_F(VeskTraceHostTest, skipsPipeWithoutBlocking) {
     ASSERT_EQ(::mkfifo(boardFile(LOG).c_str(), 0600), 0);
-    // A child, which would be killed if it waited for the pipe's other end.
+    // Runs in a child process, which is killed if it waits for the pipe's other end.
     const auto putInChild = [] {
         return runInChild([] {
                    put("text");

@@ -50,7 +50,7 @@ TEST_F(CheckFileTest, returnsHeaderAndHash) {
 TEST_F(CheckFileTest, readsUnchangedFileOnce) {
     writeText(path, bytesOf("1.23 B"));
     const std::string first = sum()->sha256;
-    // What is open for writing only cannot be read.
+    // A file opened for writing only cannot be read, so this result was remembered.
     EXPECT_EQ(sum(O_WRONLY)->sha256, first);
     writeText(boardFile("/var/tmp/other"), bytesOf("2.00"));
     std::filesystem::rename(boardFile("/var/tmp/other"), path);
@@ -62,7 +62,7 @@ TEST_F(CheckFileTest, rereadsFileChangedInPlace) {
     struct stat before = {};
     ASSERT_EQ(::stat(path.c_str(), &before), 0);
     ASSERT_TRUE(sum());
-    // The same length, and made to look as old as before: its change stands in the file system.
+    // The same length and modification time as before: only the change time differs.
     struct stat after = {};
     do {
         writeText(path, bytesOf("1.24 B"));

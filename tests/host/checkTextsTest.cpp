@@ -6,7 +6,7 @@
 
 #include <filesystem>
 
-// The check that holds the texts together while the board is built.
+// Tests of check_texts, which checks catalogues and skeletons while the board is built.
 
 namespace VeskLib::Test {
 
@@ -36,7 +36,7 @@ protected:
         ASSERT_EQ(result.exitStatus, 0) << result.errors;
     }
 
-    // The Japanese catalogue with a line added.
+    // Rebuilds the Japanese catalogue with a line added to a set.
     void addToJapanese(const std::string& set, const std::string& line) const {
         std::string text = readSource("ja");
         const std::string start = "$set " + set + "\n";

@@ -28,7 +28,8 @@ namespace {
 
 using Work = std::function<void(Response&)>;
 
-// The response that `work` makes in a process of its own, half a page printed before.
+// Returns the response of `work`, run in a child process after half a page was printed. Expects
+// nothing of that half page.
 CGIResponse respondInstead(const Work& work, const std::string& language = "en") {
     const ChildResult result = runInChild(
         [&work] {

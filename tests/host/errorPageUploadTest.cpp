@@ -23,7 +23,7 @@ namespace {
 
 const std::string URLENCODED = "application/x-www-form-urlencoded";
 
-// A program that looks at a posted form before it prints its page.
+// Reads a posted form after it has begun to print its page.
 int readForm(TestMain& /*main*/) {
     std::cout << "half a page";
     std::string value;

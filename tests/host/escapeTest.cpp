@@ -25,12 +25,12 @@ bool isControl(int value) {
     return (value < 0x20 && value != '\t') || value == 0x7F;
 }
 
-// The picture of an ASCII control character.
+// Returns the visible symbol for an ASCII control character.
 std::string pictureOf(int value) {
     return encodeUTF8(value == 0x7F ? 0x2421 : 0x2400 + static_cast<char32_t>(value));
 }
 
-// What shows nothing, turns the direction of a text, or ends its line.
+// Returns the characters that are invisible, change the direction of text, or end a line.
 std::vector<char32_t> hiddenCharacters() {
     std::vector<char32_t> all = {0xAD, 0x061C, 0x180E, 0xFEFF};
     for (const auto& [first, last] : {std::pair<char32_t, char32_t>(0x80, 0x9F),

@@ -14,7 +14,8 @@ using Host::trim;
 
 namespace {
 
-// "[value]", or "absent" with `value` as it was; the error code of a refused header.
+// Returns "[value]" if the parameter is found. Otherwise returns "absent" or the error code of a
+// refused header, followed by the unchanged `value`.
 std::string find(const std::string& header, const std::string& name) {
     std::string value = "unchanged";
     try {
@@ -25,7 +26,7 @@ std::string find(const std::string& header, const std::string& name) {
     }
 }
 
-// `text` as a quoted parameter holds it.
+// Returns `text` as the value of a quoted parameter.
 std::string quoted(const std::string& text) {
     std::string result = "\"";
     for (const char character : text) {
@@ -141,7 +142,8 @@ TEST(HeaderValueTest, ignoresCaseOfLettersOnly) {
     EXPECT_FALSE(equalsIgnoringCase("a", "b"));
     EXPECT_FALSE(equalsIgnoringCase("a", "ab"));
     EXPECT_FALSE(equalsIgnoringCase("ab", "a"));
-    // The characters beside the capitals, with the bit set that makes small letters.
+    // The neighbours of the capitals, compared with the same characters with the lower-case bit
+    // set.
     EXPECT_FALSE(equalsIgnoringCase("@", "`"));
     EXPECT_FALSE(equalsIgnoringCase("[", "{"));
     EXPECT_FALSE(equalsIgnoringCase("\r", "-"));

@@ -36,7 +36,7 @@ TEST(MessageLinesTest, printsLinesAsEscapedParagraphs) {
     }
 }
 
-// What is printed of a message with the code of the last refusal.
+// Tests of the details printed below a message that has the code of the last refusal.
 class RefusalDetailsTest : public testing::Test {
 protected:
     RefusalDetailsTest() {

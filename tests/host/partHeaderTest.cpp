@@ -11,7 +11,7 @@ using Host::PartHeader;
 
 namespace {
 
-// "name", or "name|file name" of a file; or that it was refused.
+// Returns "name" for a field, "name|file name" for a file, or the refusal.
 std::string parse(const std::string& lines) {
     try {
         const PartHeader header = parsePartHeader(lines);

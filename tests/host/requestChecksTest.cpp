@@ -33,18 +33,18 @@ RequestVerdict check(const Value& method, const Value& site = {}, const Value& o
     return checkRequest();
 }
 
-// Another site's link to a page with this query.
+// Checks a request that follows another site's link to a page with this query.
 RequestVerdict follow(const char* method, const char* query, const Value& site = "cross-site") {
     const ScopedEnvironment queryVariable("QUERY_STRING", query);
     return check(method, site);
 }
 
-// A request to a board whose properties are `properties`, in a process of its own, which reads them
-// once.
-RequestVerdict ask(const std::string& properties, const Value& host, const Value& more = {}) {
+// Checks a request to a board with these properties. Runs in a child process, because a process
+// reads them once.
+RequestVerdict ask(const std::string& properties, const Value& host, const Value& origin = {}) {
     writeText(boardFile("/var/run/board_properties"), properties);
     const ChildResult result =
-        runInChild([&] { return static_cast<int>(check("GET", {}, more, host)); });
+        runInChild([&] { return static_cast<int>(check("GET", {}, origin, host)); });
     EXPECT_EQ(result.signal, 0) << result.errors;
     return static_cast<RequestVerdict>(result.exitStatus);
 }

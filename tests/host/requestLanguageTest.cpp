@@ -8,7 +8,7 @@ namespace VeskLib::Test {
 
 namespace {
 
-// The language is found once per process, so every request is a process of its own.
+// Runs in a child process, because a process determines its language once.
 std::string languageOf(const Environment& environment) {
     const ChildResult result = runInChild([] { return Host::requestLanguage(); },
                                           {.environment = environment, .input = {}});

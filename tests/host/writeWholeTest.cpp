@@ -15,7 +15,7 @@ namespace VeskLib::Test {
 
 namespace {
 
-// Different everywhere, so that no two pieces can be taken for each other.
+// Returns a text without repetition, so that its pieces cannot be confused.
 std::string countUpTo(int last) {
     std::string text;
     for (int number = 0; number < last; ++number) {
@@ -44,7 +44,7 @@ protected:
     int ends[2] = {-1, -1};
 };
 
-// A signal makes the system return with what it has written until then.
+// A signal makes write() return after a part of the text.
 TEST_F(WriteWholeTest, writesWholeTextDespiteSignals) {
     struct sigaction interrupting = {};
     struct sigaction before = {};

@@ -13,23 +13,23 @@ namespace {
 
 class EficonfCompareTest : public InspectorTest {
 protected:
-    // The lines that tell how the files differ; the JSON must tell the same.
+    // Returns the differences that are printed. Expects the same ones in the JSON report.
     std::vector<std::string> differences(const Host::ConfigurationFile& first,
                                          const Host::ConfigurationFile& second) const {
         const std::vector<std::string> command = {"compare", write("first.dat", first),
                                                   write("second.dat", second)};
         const ChildResult result = runInspector(command);
         EXPECT_EQ(result.exitStatus, DIFFERENT) << result.errors;
-        std::vector<std::string> told;
+        std::vector<std::string> reported;
         const json report = runForJSON(command, DIFFERENT);
         for (const json& difference : report.at("differences")) {
             EXPECT_EQ(difference.size(), 3U);
-            told.push_back(difference.at("what").get<std::string>() + ": " +
-                           difference.at("first").get<std::string>() + " -> " +
-                           difference.at("second").get<std::string>());
+            reported.push_back(difference.at("what").get<std::string>() + ": " +
+                               difference.at("first").get<std::string>() + " -> " +
+                               difference.at("second").get<std::string>());
         }
-        EXPECT_EQ(linesOf(result.output), told);
-        return told;
+        EXPECT_EQ(linesOf(result.output), reported);
+        return reported;
     }
 
     std::vector<std::string> payloadDifferences(const std::string& first,
@@ -114,7 +114,7 @@ TEST_F(EficonfCompareTest, reportsFirstDifferingByte) {
 }
 
 TEST_F(EficonfCompareTest, showsFirstByteIfNoSettingDiffers) {
-    // No end of the last line; a line without "="; control characters.
+    // An unterminated last line, a line without "=", control characters.
     EXPECT_THAT(payloadDifferences("a=1\nb=2", "a=1\nb=3"),
                 ElementsAre("payload byte 6: 50 -> 51"));
     EXPECT_THAT(payloadDifferences("a=1\nb:2\n", "a=1\nb:3\n"),

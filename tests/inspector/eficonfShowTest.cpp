@@ -21,7 +21,7 @@ using testing::Not;
 
 namespace {
 
-// The sums of "abc" and of nothing, as FIPS 180-4 and every book on it have them.
+// The well-known SHA-256 sums (FIPS 180-4) of "abc" and of the empty string.
 const std::string SUM_OF_ABC = "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad";
 const std::string SUM_OF_NOTHING =
     "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855";
@@ -30,7 +30,8 @@ const char* const NOT_A_FILE_OF_OURS = "not a configuration file, or damaged";
 
 class EficonfShowTest : public InspectorTest {
 protected:
-    // The verdict on a file that is not usable, the same in both kinds of output.
+    // Returns the verdict on a file that is not usable. Expects the same verdict in both output
+    // formats.
     static std::string verdictOn(const std::string& path) {
         const ChildResult text = runInspector({"show", path});
         EXPECT_EQ(text.exitStatus, NOT_USABLE) << text.errors;
@@ -102,7 +103,7 @@ TEST_F(EficonfShowTest, listsTheSettingsOfThePayload) {
 
 TEST_F(EficonfShowTest, listsSettingsAmongOtherBytes) {
     // A line without a name, one without "=", one with a control character, one that is not UTF-8,
-    // and a last line without an end.
+    // and an unterminated last line.
     const std::string path =
         write("a.dat", makeSample("=1\na=1\nb\nc=\t\nd=\xFF\n\nname=\xE5\x80\xA4\ne=1"));
     EXPECT_THAT(runInspector({"show", path}).output, EndsWith("\nSettings: 2\n"
