@@ -34,7 +34,7 @@ std::string fieldOf(const FormInfo& form, const std::string& name) {
     return form.getFormData(name, value) ? name + " [" + value + "]" : "no " + name;
 }
 
-// Returns what a program of the board reads: the fields "a" and "b", and the file with its content.
+// Returns the contents as a program of the board reads them: the fields "a" and "b", and the file.
 std::string contentOf(const FormInfo& form) {
     try {
         std::string found = fieldOf(form, "a") + ", " + fieldOf(form, "b");
@@ -64,7 +64,7 @@ protected:
         return linesOf(result.output);
     }
 
-    // Returns what is found in a request. Expects that the destroyed form leaves no file.
+    // Returns the contents of a request. Expects that the destroyed form leaves no file.
     static std::string find(const ChildSetup& request) {
         const ChildResult result = runInChild(
             [] {

@@ -30,7 +30,8 @@ const std::map<std::string, Gui::HTMLComponent*> NO_COMPONENTS;
 
 class HTMLCodeGeneratorHostTest : public BoardTest {
 protected:
-    // Returns what a child process prints for the skeleton, or the refusal with its detail code.
+    // Prints the skeleton in a child process. Returns the output, or the refusal with its detail
+    // code.
     static std::string print() {
         const ChildResult result = runInChild([] {
             try {

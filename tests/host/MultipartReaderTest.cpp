@@ -37,8 +37,8 @@ public:
     std::string text;
 };
 
-// Returns what is found in a body that arrives in these pieces. A refusal follows what was found
-// before it.
+// Returns the recorded parts of a body that arrives in these pieces, followed by the refusal if
+// there is one.
 std::string readPieces(const std::vector<std::string_view>& pieces,
                        const std::string& contentType = MULTIPART_TYPE) {
     Recorder recorder;
@@ -62,7 +62,7 @@ std::vector<std::string_view> piecesOf(std::string_view body, std::size_t size) 
     return pieces;
 }
 
-// Returns what is found in a body. Expects the same result however the body is split.
+// Returns the recorded parts of a body. Expects the same parts however the body is split.
 std::string readEachWay(const std::string& body, const std::string& contentType = MULTIPART_TYPE) {
     const std::string_view view = body;
     const std::string whole = readPieces({view}, contentType);
@@ -80,7 +80,7 @@ std::string readParts(const std::string& parts) {
     return readEachWay(parts + LAST_BOUNDARY);
 }
 
-// Returns what is found in a body with one part that has these header lines.
+// Returns the recorded parts of a body with one part that has these header lines.
 std::string readHeader(const std::string& lines) {
     return readParts(partOf(lines, "content"));
 }

@@ -16,7 +16,7 @@ using Host::SESSION_LIFE_SECONDS;
 
 namespace {
 
-// Far more seconds than pass between setting a time and checking it.
+// In seconds; far longer than the time between setting a time and checking it.
 const std::time_t MARGIN = 30;
 
 std::time_t ageOf(const std::string& path) {
@@ -54,7 +54,7 @@ TEST_F(SessionExpiryTest, staysAliveWithinIdleLimit) {
     EXPECT_TRUE(isAlive());
 }
 
-// Pages show how long the session still lasts, computed from its end.
+// Pages compute the remaining time of a session from `ends`.
 TEST_F(SessionExpiryTest, reportsTimeOfExpiry) {
     const auto endOf = [this] {
         Session found;

@@ -30,8 +30,8 @@ using testing::IsEmpty;
 
 namespace {
 
-// Makes the kernel deny this process the status of files with EPERM from now on, as a security
-// module might.
+// Makes system calls that read a file's status fail with EPERM in this process from now on, as a
+// security module might.
 void denyStatus() {
     sock_filter rules[] = {
         BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
@@ -303,7 +303,7 @@ TEST_F(SessionTest, keepsSessionIfStatusIsDenied) {
     EXPECT_TRUE(isLetIn(session.cookieValue()));
 }
 
-TEST_F(SessionTest, findsLiveSessionByIdentifierAndEndsNone) {
+TEST_F(SessionTest, findsByIdentifierWithoutEndingSessions) {
     const Session session = start();
     Session found;
     EXPECT_TRUE(Host::findSessionByIdentifier(session.identifier, found));

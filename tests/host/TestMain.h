@@ -34,7 +34,7 @@ private:
 // Runs a request in a child process, which exits with the result of exec().
 ChildResult runRequest(const TestMain::Work& work, const Environment& environment);
 
-// Return an ordinary request. It has a session's cookie if `cookieValue` is not empty.
+// Return a GET or POST request, with a session's cookie if `cookieValue` is not empty.
 Environment getRequest(const std::string& cookieValue = "");
 Environment postRequest(const std::string& cookieValue = "");
 

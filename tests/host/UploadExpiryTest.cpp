@@ -79,7 +79,7 @@ TEST_F(UploadExpiryTest, keepsUploadsElsewhere) {
     EXPECT_TRUE(exists(elsewhere));
 }
 
-TEST_F(UploadExpiryTest, removesLinkWithoutFollowing) {
+TEST_F(UploadExpiryTest, removesLinkButKeepsTarget) {
     const std::string elsewhere = boardFile("/var/run/precious");
     writeText(elsewhere, "precious");
     ASSERT_EQ(::symlink(elsewhere.c_str(), at("upload_link").c_str()), 0);

@@ -28,8 +28,8 @@ namespace {
 
 using Work = std::function<void(Response&)>;
 
-// Returns the response of `work`, run in a child process after half a page was printed. Expects
-// nothing of that half page.
+// Returns the response of `work`, run in a child process after half a page was printed. Expects the
+// response to contain nothing of that page.
 CGIResponse respondInstead(const Work& work, const std::string& language = "en") {
     const ChildResult result = runInChild(
         [&work] {

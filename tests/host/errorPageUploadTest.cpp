@@ -23,7 +23,7 @@ namespace {
 
 const std::string URLENCODED = "application/x-www-form-urlencoded";
 
-// Reads a posted form after it has begun to print its page.
+// Reads a posted form while a page is being printed.
 int readForm(TestMain& /*main*/) {
     std::cout << "half a page";
     std::string value;

@@ -12,7 +12,7 @@
 
 namespace {
 
-// Returns the peak of this process alone, without that of the process that started it.
+// Returns the peak memory use of this process in KiB, without that of the process that started it.
 std::string readPeakMemory() {
     std::ifstream status("/proc/self/status");
     std::string word;

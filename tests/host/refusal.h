@@ -8,7 +8,7 @@
 
 namespace VeskLib::Test {
 
-// Returns the text that tests use in place of a result that was refused with this code.
+// Returns the text with which tests report a refusal with this code.
 inline std::string refused(int code) {
     return "refused " + std::to_string(code);
 }

@@ -26,7 +26,7 @@ namespace {
 const std::string PROGRAM = PROGRAM_SKELETONS;
 const std::string PLATFORM = PLATFORM_SKELETONS;
 
-// How many places each component has.
+// The number of places of each component, by name.
 using Places = std::map<std::string, int>;
 
 Places placesIn(const std::string& path) {
@@ -57,7 +57,7 @@ std::string withoutScripts(std::string printed) {
     return printed;
 }
 
-// Returns what the skeleton prints with these texts as components, which print verbatim.
+// Prints a skeleton with these texts as components, which are not escaped, and returns the output.
 std::string printFile(const std::string& path, const std::map<std::string, std::string>& texts) {
     const ChildResult result = runInChild([&] {
         std::map<std::string, std::unique_ptr<TextString>> owned;

@@ -5,10 +5,10 @@
 
 namespace VeskLib::Test {
 
-// Returns what `work` prints to std::cout. Exceptions of `work` propagate.
+// Returns the output of `work` to std::cout. Exceptions of `work` propagate.
 std::string printedBy(const std::function<void()>& work);
 
-// Returns what a component or a generator prints.
+// Returns the output of a component or a generator.
 template <typename Printable>
 std::string printedHTML(const Printable& printable) {
     return printedBy([&printable] { printable.printHTML(); });
