@@ -1,4 +1,4 @@
-"""Many sessions at once, and races inside one session: no file is mixed or lost."""
+"""Runs many sessions at once, and races within one session: no file may be mixed or lost."""
 
 import bisect
 import hashlib
@@ -38,7 +38,7 @@ def digest(data):
 
 
 def payloadOf(session, number):
-    """A payload that nobody else has, and that says everywhere whose it is."""
+    """Returns a unique payload that repeats the session and the number throughout."""
     mark = f"session {session} upload {number} ".encode()
     return mark * (UPLOAD_SIZES[number % len(UPLOAD_SIZES)] // len(mark) + 1)
 
@@ -48,13 +48,13 @@ def fileOf(payload):
 
 
 def saidIn(answer):
-    """What a page tells, in its notices or as an error."""
+    """Returns the text of a page's main part, shortened."""
     return "no answer" if answer is None else " ".join(
         re.sub(r"<[^>]*>", " ", answer.text.split("<main>")[-1]).split())[:300]
 
 
 class Session:
-    """One operator. Keeps what was asked for and what was answered."""
+    """One operator. Records requests and answers."""
 
     def __init__(self, board, number, cookie):
         self.board = board
@@ -64,16 +64,16 @@ class Session:
         self.requests = 0
         self.rounds = 0
         self.busy = 0
-        self.restores = []  # (begin, end, digest of the payload, whether it was confirmed)
+        self.restores = []  # confirmed ones: (begin, end, digest of the payload)
         self.backups = []  # (begin, end, digest of the payload)
-        self.told = []  # (time, event, session, digest of the file): what the audit log must have
+        self.told = []  # expected in the audit log: (time, event, session, digest of the file)
 
     def tell(self, event, data=None):
         self.told.append((time.time(), event, identifierOf(self.cookie),
                           None if data is None else digest(data)))
 
     def ask(self, request):
-        """The answer, None when there is no valid one."""
+        """Returns the answer, or None if it is not valid."""
         run = runProgram(self.board, request, deadline=DEADLINE_SECONDS)
         self.requests += 1
         try:
@@ -96,14 +96,14 @@ class Session:
         self.discard()
 
     def isBusy(self, answer):
-        """Whether the lock that all sessions share could not be had in time, and the page says so:
-        a machine that is busy enough gets there."""
+        """Returns true if the page reports a timeout of the lock that all sessions share, which can
+        happen on a busy machine."""
         busy = answer is not None and LOCK_NOT_OBTAINED.search(answer.text) is not None
         self.busy += busy
         return busy
 
     def upload(self, data):
-        """Whether the file is staged now."""
+        """Returns true if the file was staged, or False if the lock timed out."""
         before = self.board.read(stagedFile(self.cookie))
         answer = self.ask(postParts(self.cookie, multipart(
             {"functionID": 106, "hidden_status": 1}, "conf.dat", data)))
@@ -125,7 +125,7 @@ class Session:
         answer = self.ask(postParts(self.cookie, multipart(fields)))
         notice = noticesOf(answer) if answer else ""
         confirmed = "configuration was restored." in notice
-        # Another session's restore is under way.
+        # [250-1047]: the restore of another session is running.
         self.expect(confirmed or "[250-1047]" in notice, f"a restore failed: {notice}")
         if confirmed:
             self.restores.append((begin, time.monotonic(), digest(payload)))
@@ -163,7 +163,8 @@ class Session:
 
 
 def findLost(restores, backups, initial):
-    """Backups that hold what no restore has put there, or what another had surely replaced."""
+    """Reports backups with a configuration that no restore wrote, or that another restore had
+    certainly replaced."""
     problems = []
     made = {restore[2]: restore for restore in restores}
     byEnd = sorted(restores, key=lambda restore: restore[1])
@@ -174,17 +175,17 @@ def findLost(restores, backups, initial):
     for begin, end, payload in backups:
         known = made.get(payload)
         if known is None and payload not in initial:
-            problems.append("a backup holds what no confirmed restore has put there")
+            problems.append("a backup contains a configuration that no confirmed restore wrote")
             continue
         before = bisect.bisect_left(ends, begin)
         replaced = before > 0 and (known[1] if known else 0) < latestBegin[before - 1]
         if replaced or (known and known[0] > end):
-            problems.append("a backup holds what was not the configuration then")
+            problems.append("a backup contains a configuration of another time")
     return problems
 
 
 def runSessions(context, root, programs, numbers, cookies, rounds, queue):
-    """The sessions of one process, each in a thread."""
+    """Runs the sessions of one process, each in a thread."""
     board = RunningBoard(root, programs)
     sessions = [Session(board, number, cookie) for number, cookie in zip(numbers, cookies)]
 
@@ -206,7 +207,7 @@ def runSessions(context, root, programs, numbers, cookies, rounds, queue):
 
 
 class RunningBoard:
-    """A board that another process looks after."""
+    """A board that another process started and stops."""
 
     def __init__(self, root, programs):
         self.root = root
@@ -244,22 +245,22 @@ def runManySessions(context, board, count, rounds):
     now = time.monotonic()
     backups += [(now, now, digest(state[target])) for target in TARGETS]
     if state[TARGETS[0]] != state[TARGETS[1]]:
-        problems.append("the targets of a restore hold different configurations")
+        problems.append("the targets of a restore have different configurations")
     problems += findLost(restores, backups, initial)
     problems += leftovers(board) + findUnrecorded(board, told, state)
     return requests, min(allRounds), len(restores), problems
 
 
 def findUnrecorded(board, told, state):
-    """What the audit log lacks of what it should still have; how often it rotates is its own."""
+    """Reports confirmed actions missing from the audit log, unless they may have rotated out."""
     lines, damaged, rest = auditLog.parseLines(auditLog.readLog(board))
     problems = auditLog.unexplained(lines, state)
     if damaged or rest:
-        problems.append(f"the audit log holds what is no line: {[*damaged, rest]!r:.300}")
+        problems.append(f"the audit log contains malformed lines: {[*damaged, rest]!r:.300}")
     recorded = Counter((line["event"], line["session"], line.get("file", {}).get("sha256"))
                        for line in lines if line.get("result") == "done")
     first = datetime.fromisoformat(lines[0]["time"].replace("Z", "+00:00")).timestamp()
-    # A line is written before it is told of, but not as long before as an answer may take.
+    # A line is written before its answer, by no more than the time limit of an answer.
     since = first + DEADLINE_SECONDS if isRotated(board) else 0
     expected = Counter(tuple(what) for when, *what in told if when > since)
     missing = expected - recorded
@@ -268,7 +269,7 @@ def findUnrecorded(board, told, state):
 
 
 def isRotated(board):
-    """Whether lines of the log are gone."""
+    """Returns true if a rotation may have removed lines."""
     return os.path.exists(board.path(auditLog.formerFiles()[-1]))
 
 
@@ -277,8 +278,8 @@ def userOf(number):
 
 
 def describeUsers(installation, count):
-    """A board description with a user for every so many sessions, all with the operator's
-    password."""
+    """Writes a board description with a user for every SESSIONS_OF_A_USER sessions, all with the
+    operator's password; returns its path."""
     with open(installation.description, encoding="utf-8") as file:
         text = file.read()
     found = re.search(r'\[\[user\]\]\nname = "%s"\n(password_hash = .*\n)' % OPERATOR, text)
@@ -296,7 +297,8 @@ def leftovers(board):
 
 
 def race(board, session, one, other):
-    """Two requests of one session at the same time; afterwards every file is one that belongs."""
+    """Makes two requests of one session at the same time; then every file must be one of theirs or
+    unchanged."""
     before = {path: board.read(path) for path in (stagedFile(session.cookie),
                                                   backupFile(session.cookie))}
     staged = {None, before[stagedFile(session.cookie)]}
@@ -330,7 +332,7 @@ def race(board, session, one, other):
 
 
 def steps(number):
-    """What may race: (a function from the cookie to the request, what it may stage)."""
+    """Returns the steps that may race: (function from cookie to request, file that it stages)."""
 
     def upload(data):
         return (lambda cookie: postParts(cookie, multipart(

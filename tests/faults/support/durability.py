@@ -1,9 +1,9 @@
-"""Whether what a log of system calls shows would outlive a power cut at any moment.
+"""Checks in a log of system calls that a power cut at any moment would lose nothing.
 
-A file that is kept is replaced as a whole: written under another name or none, synced, given its
-name, and the folder synced, all before anybody is told. Then a power cut leaves the old or the new
-file, and the new one once it was told of. A line of the audit log is written in place, and synced
-before what it tells of is done or told.
+A kept file is replaced as a whole: it is written under a temporary name or none, synced and
+renamed, and then its folder is synced, all before the change is reported. A power cut then leaves
+the old or the new file, and after the report the new one. A line of the audit log is written in
+place, and synced before its action is done or reported.
 """
 
 import os
@@ -21,7 +21,7 @@ FOR_WRITING = re.compile(r"O_WRONLY|O_RDWR|O_TRUNC")
 
 
 class Step:
-    """One thing that a process did to a file, or "told" for what others learn of."""
+    """A process's operation on a file, or "told" for output that others receive."""
 
     def __init__(self, kind, path, source=None):
         self.kind = kind
@@ -79,8 +79,8 @@ def readStep(call, arguments):
 
 
 def nameSources(steps):
-    """Puts the open file's own name into the steps that name it as /proc/self/fd/N: it is the file
-    without a name that was synced last."""
+    """Replaces the source /proc/self/fd/N in the steps by the open file: the unnamed file that was
+    synced last."""
     unnamed = None
     for step in steps:
         if step.kind == "synced" and "/#" in step.path:
@@ -91,8 +91,8 @@ def nameSources(steps):
 
 
 def check(steps, isKept, isLog, logIsNew=False):
-    """What is wrong with the steps, a line each; how often a kept file was replaced, and how often
-    the log was written."""
+    """Returns the problems of the steps, the number of kept files that were replaced, and the
+    number of writes to the log."""
     problems = []
     replaced = appended = 0
     dirty = set()
@@ -125,7 +125,7 @@ def check(steps, isKept, isLog, logIsNew=False):
                 problems.append(f"{step.path} gets its name before its bytes are synced")
             unsynced[step.path] = True
         elif step.kind == "told":
-            problems += [f"{path} is told of before its folder is synced" for path in unsynced]
+            problems += [f"{path} is reported before its folder is synced" for path in unsynced]
             unsynced.clear()
     problems += [f"the folder of {path} is never synced" for path in unsynced]
     problems += [f"{path} is never synced" for path in dirty if isLog(path)]
