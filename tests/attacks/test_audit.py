@@ -115,7 +115,7 @@ class Actions(AuditTest):
         self.assertEqual(run.answered, 403)
         self.last(event="refusal", reason="cross_site", address="127.0.7.5")
 
-    def test_request_to_the_backend_is_recorded(self):
+    def test_direct_request_to_the_backend_is_recorded(self):
         frames.back_up(self.board, "0123456789abcdef")
         self.last(event="backup", code=frames.NO_SESSION)
 

@@ -87,7 +87,7 @@ class Lockout(LockoutTest):
 
 
 class BehindProxy(LockoutTest):
-    """Only this proxy is trusted."""
+    """A board that trusts only the proxy 127.0.0.9."""
 
     options = ("--proxy", "127.0.0.9")
     users = {"target": [105, 106], "colleague": [105], "other": []}

@@ -216,7 +216,7 @@ for (const kind of BROWSERS) {
             }
         });
 
-        test("an unknown version differs from no version", async () => {
+        test("a file with an unknown version is not marked as differing", async () => {
             await upload(page, board, "a.dat", makeFile("x", { version: "-" }));
             const remarks = await page.$$eval("tbody tr", (rows) =>
                 rows.map((row) => row.cells[4].textContent));

@@ -8,7 +8,7 @@ namespace {
 
 using namespace Board;
 
-TEST(utf8, printableTextIsPrintable) {
+TEST(utf8, wellFormedTextIsPrintable) {
     for (const std::string text :
          {"", " ", "~", "\xC2\xA0", "\xDF\xBF", "\xE0\xA0\x80", "\xED\x9F\xBF", "\xEE\x80\x80",
           "\xEF\xBF\xBD", "\xF0\x90\x80\x80", "\xF4\x8F\xBF\xBF"}) {

@@ -16,7 +16,7 @@ REJECTED, TOO_SOON, LOGGED_IN = 403, 429, 303
 
 
 class Browser:
-    """Keeps all cookies. It connects from `address` and adds `headers` to each request."""
+    """Keeps all cookies, connects from `address`, and adds `headers` to each request."""
 
     def __init__(self, board, user=None, password=None, address="127.0.0.1", headers=()):
         self.board = board
@@ -169,7 +169,7 @@ class Connection:
 
 
 def keep_trying(log_in, limit, pause=1.0):
-    """Retries to log in, as a person would. Returns the seconds it took, or None after `limit`."""
+    """Tries to log in until it succeeds. Returns the seconds it took, or None after `limit`."""
     started = time.monotonic()
     while True:
         if log_in().status == LOGGED_IN:
