@@ -40,7 +40,7 @@ class Description(AttackTest):
             self.assertEqual(mover.restore(3).status, 403)
             run = self.board.run(SCREEN[1:], query="functionID=106", cookie=mover.cookie_header)
             self.assertEqual(run.answered, 403)
-        with self.subTest("the back-end refuses both by itself"):
+        with self.subTest("the back-end itself refuses both"):
             self.assertEqual(frames.back_up(self.board, leaver.identifier), frames.NO_SESSION)
             self.assertEqual(frames.restore(self.board, leaver.identifier, 3), frames.NO_SESSION)
             self.assertEqual(frames.restore(self.board, mover.identifier, 3), frames.NOT_ALLOWED)

@@ -64,7 +64,7 @@ class GivenHosts(HostTest):
                 self.assertEqual(self.run_status(host), 200)
 
     def test_given_name_without_port_is_served(self):
-        # A proxy before the board listens on a port of its own.
+        # A proxy before the board uses another port.
         self.assertEqual(self.status("board.example"), 200)
 
     def test_foreign_names_are_refused(self):

@@ -52,7 +52,7 @@ class LockoutTest(AttackTest):
         taken = keep_trying(lambda: browser.log_in(user, "admin"), limit)
         self.assertIsNotNone(taken, f"{user} could not log in for {limit} s")
         self.assertLessEqual(taken, limit)
-        print(f"{self.id()}: in after {taken:.1f} s, asked for {seconds} s")
+        print(f"{self.id()}: logged in after {taken:.1f} s, expected within {seconds} s")
 
 
 class Lockout(LockoutTest):

@@ -6,7 +6,7 @@ import { after, before, describe, test } from "node:test";
 import { Board } from "./support/board.js";
 import { DirectClient } from "./support/directClient.js";
 
-describe("the program by hand", () => {
+describe("the program without a web server", () => {
     let board;
     let client;
 

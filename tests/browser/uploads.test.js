@@ -17,9 +17,9 @@ const SCREEN = "/maintenance/efi_backup_restore.cgi";
 const LARGEST_FILE = 393216;
 
 const WAYS = {
-    "behind the web server": WebClient,
-    "by hand, through a pipe": DirectClient.from("pipe"),
-    "by hand, from a file": DirectClient.from("file"),
+    "through the web server": WebClient,
+    "directly, through a pipe": DirectClient.from("pipe"),
+    "directly, from a file": DirectClient.from("file"),
 };
 
 function makeFile(payload, more = {}) {

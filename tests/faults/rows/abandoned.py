@@ -13,7 +13,7 @@ from support.configurationFile import decodeState
 from support.scene import STATE, TARGETS, stagedFile
 from support.worker import RequestWorker
 
-HELP = "a restore whose client goes while the back-end is held up, at each of its system calls"
+HELP = "a restore abandoned by its client while the back-end is delayed at each system call"
 
 SHORT_RUNS = 12
 HOLD_MICROSECONDS = 800000
@@ -72,13 +72,13 @@ class Worker(RequestWorker):
             trace = log.read()
         problems = self.judgeRun(reply, went, trace, payload)
         board.start()
-        changed = self.holds(payload)
+        changed = self.hasConfiguration(payload)
         tally = ("answered" if reply else "changed after the client left" if changed else
                  "not changed")
         return Outcome(problems, "(DELAYED)" in trace, {"trace": trace[-4000:]} if problems else {},
                        tally)
 
-    def holds(self, payload):
+    def hasConfiguration(self, payload):
         payloads = decodeState(self.board.read(STATE))
         return all(payloads[target] == payload for target in TARGETS)
 
@@ -88,9 +88,9 @@ class Worker(RequestWorker):
         result = last[0].get("result") if last else None
         looked = lastTime(LOOK, trace)
         if reply is not None:
-            ok = reply[4:8] == bytes(4) and self.holds(payload) and result == "done"
+            ok = reply[4:8] == bytes(4) and self.hasConfiguration(payload) and result == "done"
             return [] if ok else [f"the answer {reply!r} does not match the result: {last}"]
-        if not self.holds(payload):
+        if not self.hasConfiguration(payload):
             # A restore that the back-end had not begun when it was stopped has no line.
             fine = not last or (result == "refused" and last[0].get("code") == ABANDONED)
             return [] if fine else [f"nothing was changed, but the log says {last}"]

@@ -1,4 +1,4 @@
-"""Makes every memory allocation of the programs and the back-end fail, once and permanently."""
+"""Makes every memory allocation of the programs and the back-end fail, once and lasting."""
 
 import os
 import tempfile
@@ -10,7 +10,7 @@ from support.requestTypes import BACKEND_REQUESTS, REQUEST_TYPES
 from support.scene import Scene
 from support.worker import RequestWorker
 
-HELP = "each allocation of memory failing, once and from then on"
+HELP = "failure of each memory allocation, once and lasting"
 SHORT_PROGRAM_RUNS = 120
 SHORT_BACKEND_RUNS = 40
 

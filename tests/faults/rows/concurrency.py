@@ -20,7 +20,7 @@ from support.requestTypes import get, multipart, noticesOf, post, postParts
 from support.response import MalformedResponse, parseResponse
 from support.scene import STATE, TARGETS, backupFile, stagedFile
 
-HELP = "many sessions at once and races inside one session, by SHA-256"
+HELP = "many sessions at once and races within one session; files are compared by SHA-256"
 
 # (sessions, rounds of each, races)
 SHORT = (8, 5, 60)
@@ -66,10 +66,10 @@ class Session:
         self.busy = 0
         self.restores = []  # confirmed ones: (begin, end, digest of the payload)
         self.backups = []  # (begin, end, digest of the payload)
-        self.told = []  # expected in the audit log: (time, event, session, digest of the file)
+        self.noted = []  # expected in the audit log: (time, event, session, digest of the file)
 
-    def tell(self, event, data=None):
-        self.told.append((time.time(), event, identifierOf(self.cookie),
+    def note(self, event, data=None):
+        self.noted.append((time.time(), event, identifierOf(self.cookie),
                           None if data is None else digest(data)))
 
     def ask(self, request):
@@ -103,7 +103,7 @@ class Session:
         return busy
 
     def upload(self, data):
-        """Returns true if the file was staged, or False if the lock timed out."""
+        """Returns true if the file was staged, false if the lock timed out."""
         before = self.board.read(stagedFile(self.cookie))
         answer = self.ask(postParts(self.cookie, multipart(
             {"functionID": 106, "hidden_status": 1}, "conf.dat", data)))
@@ -116,7 +116,7 @@ class Session:
         staged = self.board.read(stagedFile(self.cookie))
         self.expect(staged is not None and digest(staged) == digest(data),
                     "the staged file is not the one that was uploaded")
-        self.tell("upload", data)
+        self.note("upload", data)
         return True
 
     def restore(self, payload):
@@ -129,7 +129,7 @@ class Session:
         self.expect(confirmed or "[250-1047]" in notice, f"a restore failed: {notice}")
         if confirmed:
             self.restores.append((begin, time.monotonic(), digest(payload)))
-            self.tell("restore", fileOf(payload))
+            self.note("restore", fileOf(payload))
 
     def backup(self, number):
         begin = time.monotonic()
@@ -140,26 +140,26 @@ class Session:
             return
         saved = self.board.read(backupFile(self.cookie)) or b""
         file = decodeConfigurationFile(saved)
-        self.expect(file and file.partition == TARGETS[number % 2], "a backup is not whole")
+        self.expect(file and file.partition == TARGETS[number % 2], "a backup is incomplete")
         if file:
             self.backups.append((begin, time.monotonic(), digest(file.payload)))
-            self.tell("backup", saved)
+            self.note("backup", saved)
         if number % DOWNLOAD_EVERY == 0:
             name = answer.text.split('id="download_link" href="')[1].split('"')[0].split("=")[-1]
             download = self.ask(get(self.cookie, f"functionID=5&filename={name}",
                                     "common/download.cgi"))
             self.expect(download and digest(download.body) == digest(saved),
                         "a download is not the backup")
-            self.tell("download", saved)
+            self.note("download", saved)
 
     def discard(self):
         before = self.board.read(stagedFile(self.cookie))
         answer = self.ask(post(self.cookie, b"functionID=106&hidden_status=3"))
         if self.isBusy(answer):
             return
-        self.expect(self.board.read(stagedFile(self.cookie)) is None, "a discarded file is there")
+        self.expect(self.board.read(stagedFile(self.cookie)) is None, "a discarded file remains")
         if before is not None:
-            self.tell("discard")
+            self.note("discard")
 
 
 def findLost(restores, backups, initial):
@@ -203,7 +203,7 @@ def runSessions(context, root, programs, numbers, cookies, rounds, queue):
         thread.join()
     for session in sessions:
         queue.put((session.requests, session.rounds, session.restores, session.backups,
-                   session.told, session.problems))
+                   session.noted, session.problems))
 
 
 class RunningBoard:
@@ -229,14 +229,14 @@ def runManySessions(context, board, count, rounds):
             queue)))
     for process in processes:
         process.start()
-    requests, allRounds, restores, backups, told, problems = 0, [], [], [], [], []
+    requests, allRounds, restores, backups, noted, problems = 0, [], [], [], [], []
     for _ in range(count):
-        asked, done, restored, saved, heard, wrong = queue.get()
+        asked, done, restored, saved, logged, wrong = queue.get()
         requests += asked
         allRounds.append(done)
         restores += restored
         backups += saved
-        told += heard
+        noted += logged
         problems += wrong
     for process in processes:
         process.join()
@@ -247,11 +247,11 @@ def runManySessions(context, board, count, rounds):
     if state[TARGETS[0]] != state[TARGETS[1]]:
         problems.append("the targets of a restore have different configurations")
     problems += findLost(restores, backups, initial)
-    problems += leftovers(board) + findUnrecorded(board, told, state)
+    problems += leftovers(board) + findUnrecorded(board, noted, state)
     return requests, min(allRounds), len(restores), problems
 
 
-def findUnrecorded(board, told, state):
+def findUnrecorded(board, noted, state):
     """Reports confirmed actions missing from the audit log, unless they may have rotated out."""
     lines, damaged, rest = auditLog.parseLines(auditLog.readLog(board))
     problems = auditLog.unexplained(lines, state)
@@ -262,7 +262,7 @@ def findUnrecorded(board, told, state):
     first = datetime.fromisoformat(lines[0]["time"].replace("Z", "+00:00")).timestamp()
     # A line is written before its answer, by no more than the time limit of an answer.
     since = first + DEADLINE_SECONDS if isRotated(board) else 0
-    expected = Counter(tuple(what) for when, *what in told if when > since)
+    expected = Counter(tuple(what) for when, *what in noted if when > since)
     missing = expected - recorded
     problems += [f"the audit log lacks {what}" for what in list(missing)[:20]]
     return problems

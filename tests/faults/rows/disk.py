@@ -11,7 +11,7 @@ from support.response import parseResponse
 from support.smallDisk import PAGE, SmallDisk, whyImpossible
 from support.worker import RequestWorker
 
-HELP = "a disk that is full at every 4 KiB, no inodes, limits of file size and of descriptors"
+HELP = "a disk full after every 4 KiB, without inodes; limits of file size and descriptors"
 SHORT_DISK_RUNS = 90
 SHORT_LIMIT_RUNS = 110
 
@@ -36,7 +36,7 @@ class Worker(RequestWorker):
     def run(self, case):
         kind, request, before = self.begin(case)
         run = self.runShort(case, request)
-        fault = Fault(unbegun=run.exitStatus == LOADER_FAILED, told=kind.writes)
+        fault = Fault(unbegun=run.exitStatus == LOADER_FAILED, mustReport=kind.writes)
         problems = self.judge.judge(kind, before, run, fault)
         if self.disk:
             self.disk.empty()

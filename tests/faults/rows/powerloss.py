@@ -12,7 +12,7 @@ from support.requestTypes import REQUEST_TYPES, multipart, postParts
 from support.scene import STATE, stagedFile
 from support.worker import RequestWorker
 
-HELP = "the order of write, sync, rename and folder sync of everything that is kept"
+HELP = "the order of write, sync, rename and folder sync of all kept files"
 
 KEPT = re.compile(r"/var/(lib/board/configurations|run/board_properties|tmp/efi_backup[0-9a-f]{16}"
                   r"|lib/session/[0-9a-f]{16})$")
@@ -109,7 +109,7 @@ def lastBeforeWord(later):
     for step in later:
         if step.kind == "synced" and isLog(step.path):
             return False
-        if step.kind in ("named", "told"):
+        if step.kind in ("named", "reported"):
             return True
     return True
 

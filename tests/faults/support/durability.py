@@ -21,7 +21,7 @@ FOR_WRITING = re.compile(r"O_WRONLY|O_RDWR|O_TRUNC")
 
 
 class Step:
-    """A process's operation on a file, or "told" for output that others receive."""
+    """A process's operation on a file, or "reported" for output that others receive."""
 
     def __init__(self, kind, path, source=None):
         self.kind = kind
@@ -62,8 +62,8 @@ def readStep(call, arguments):
     if call == "ftruncate":
         return [Step("cut", descriptor[1])]
     if call in ("write", "pwrite64", "writev") and descriptor:
-        told = arguments.startswith("1<")
-        return [Step("told" if told else "written", descriptor[1])]
+        reported = arguments.startswith("1<")
+        return [Step("reported" if reported else "written", descriptor[1])]
     if call == "truncate":
         return [Step("written", texts[0])]
     if call in ("fsync", "fdatasync"):
@@ -74,7 +74,7 @@ def readStep(call, arguments):
         unnamed = DESCRIPTOR.match(arguments.split("fd/")[-1])
         return [Step("named", texts[1], unnamed[1] if unnamed else texts[0])]
     if call in ("sendto", "exit_group"):
-        return [Step("told", call)]
+        return [Step("reported", call)]
     return []
 
 
@@ -98,7 +98,7 @@ def check(steps, isKept, isLog, logIsNew=False):
     dirty = set()
     unsynced = {}
     for step in steps:
-        if step.kind in ("told", "named"):
+        if step.kind in ("reported", "named"):
             problems += [f"{path} is not synced when {step}" for path in dirty if isLog(path)]
         if step.kind == "opened" and isLog(step.path):
             if logIsNew:
@@ -124,7 +124,7 @@ def check(steps, isKept, isLog, logIsNew=False):
             if step.source in dirty:
                 problems.append(f"{step.path} gets its name before its bytes are synced")
             unsynced[step.path] = True
-        elif step.kind == "told":
+        elif step.kind == "reported":
             problems += [f"{path} is reported before its folder is synced" for path in unsynced]
             unsynced.clear()
     problems += [f"the folder of {path} is never synced" for path in unsynced]

@@ -49,15 +49,15 @@ class Fault:
     """The fault of a run, as far as it changes the expected answer.
 
     `killed`: the program was killed and may have printed nothing. `mute`: it could not print.
-    `unbegun`: the fault hit the dynamic loader, before the program's own code. `told`: the request
-    could not be carried out, and the page must say so.
+    `unbegun`: the fault hit the dynamic loader, before the program's own code. `mustReport`: the
+    request could not be carried out, and the page must say so.
     """
 
-    def __init__(self, killed=False, mute=False, unbegun=False, told=False):
+    def __init__(self, killed=False, mute=False, unbegun=False, mustReport=False):
         self.killed = killed
         self.mute = mute or unbegun
         self.unbegun = unbegun
-        self.told = told
+        self.mustReport = mustReport
 
 
 class Judge:
@@ -134,7 +134,7 @@ class Judge:
                 problems.append("the page reports a success that did not happen")
             return
         notice = noticesOf(response)
-        if fault.told and not notice and response.status < 400:
+        if fault.mustReport and not notice and response.status < 400:
             problems.append("the page does not report the failure")
         if UNCHANGED.search(notice) and not UNSURE.search(notice):
             for path, values in kind.allowed.items():
@@ -251,9 +251,9 @@ def isPassing(path, data, kind, response, fault):
     folder, name = path.rsplit("/", 1)
     if folder == SESSIONS and kind.name == "login":
         # An unreported session ends when it has been idle.
-        told = response is not None and response.status < 400
+        reported = response is not None and response.status < 400
         return (".aside-" in name and fault.killed) or (
-            WHOLE_SESSION.fullmatch(data) is not None and (told or fault.killed or fault.mute))
+            WHOLE_SESSION.fullmatch(data) is not None and (reported or fault.killed or fault.mute))
     return fault.killed and (name.startswith("upload_") or ".aside-" in name)
 
 
