@@ -1,5 +1,5 @@
-// Tests of uploads that no browser sends: each answer says what is wrong, and an earlier staged file
-// is kept or removed as it should be.
+// Tests of uploads that no browser sends: each answer says what is wrong, and an earlier staged
+// file is kept or removed as it should be.
 
 import assert from "node:assert/strict";
 import { once } from "node:events";

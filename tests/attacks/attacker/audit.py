@@ -51,7 +51,7 @@ def reconstruct(events):
         if event["event"] == "start":
             for partition, value in after.items():
                 if value not in possible.get(partition, {value}):
-                    raise Contradiction(f"no line has led to {event}")
+                    raise Contradiction(f"no line explains {event}")
                 possible[partition] = {value}
         elif event["event"] == "restore" and after:
             settle(possible, event, after)
@@ -64,7 +64,8 @@ def settle(possible, event, after):
         known = possible.get(partition, {before[partition]})
         if event["result"] == BEGUN:
             if before[partition] not in known:
-                raise Contradiction(f"partition {partition} was another before {event}")
+                raise Contradiction(
+                    f"partition {partition} had another configuration before {event}")
             possible[partition] = {before[partition], value}
         else:
             if not known <= {before[partition], value}:

@@ -1,5 +1,5 @@
-// A client that starts the board's programs itself: a web server could hide errors in a request from
-// them. Standard input is a pipe or a file, and empty without a body.
+// A client that starts the board's programs itself, because a web server could hide errors in a
+// request from them. Standard input is a pipe or a file, and empty without a body.
 
 import { spawn } from "node:child_process";
 import { once } from "node:events";

@@ -145,13 +145,13 @@ class Worker(RequestWorker):
 
     @staticmethod
     def missedMistakes(steps, logIsNew):
-        """Omits each sync in turn; reports those that the check would not miss."""
+        """Omits each sync in turn; reports those that the check does not notice."""
         missed = []
         for index, step in enumerate(steps):
             if step.kind == "synced" and isLog(step.path) and lastBeforeWord(steps[index + 1:]):
                 less = steps[:index] + steps[index + 1:]
                 if not durability.check(less, isKept, isLog, logIsNew)[0]:
-                    missed.append(f"the check does not miss a sync of {step.path}")
+                    missed.append(f"a missing sync of {step.path} would go unnoticed")
             if step.kind == "named" and isKept(step.path):
                 folder = os.path.dirname(step.path)
                 own = max((i for i, other in enumerate(steps[:index])
@@ -162,7 +162,7 @@ class Worker(RequestWorker):
                 for left in (own, following):
                     less = [other for i, other in enumerate(steps) if i != left]
                     if left is None or not durability.check(less, isKept, isLog, logIsNew)[0]:
-                        missed.append(f"the check does not miss a sync of {step.path}")
+                        missed.append(f"a missing sync of {step.path} would go unnoticed")
         return missed
 
 

@@ -44,5 +44,5 @@ def parseResponse(output, withoutBody=False):
     kind = headers.get("content-type", "")
     if kind.startswith("text/html") and body and not (
             body.startswith(b"<!DOCTYPE html>") and body.endswith(b"</html>\n")):
-        raise MalformedResponse("the page is not whole")
+        raise MalformedResponse("the page is incomplete")
     return Response(int(status[1]), headers, body)
