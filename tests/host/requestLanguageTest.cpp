@@ -8,7 +8,7 @@ namespace VeskLib::Test {
 
 namespace {
 
-// The language is found once per process, so every request is a process of its own.
+// Runs in a child process, because a process determines its language once.
 std::string languageOf(const Environment& environment) {
     const ChildResult result = runInChild([] { return Host::requestLanguage(); },
                                           {.environment = environment, .input = {}});
@@ -22,12 +22,12 @@ std::string acceptedLanguage(const std::string& header) {
 
 }  // namespace
 
-TEST(RequestLanguageTest, withoutAnyWishItIsEnglish) {
+TEST(RequestLanguageTest, defaultsToEnglish) {
     EXPECT_EQ(languageOf({}), "en");
     EXPECT_EQ(acceptedLanguage(""), "en");
 }
 
-TEST(RequestLanguageTest, theFirstLanguageThatTheBoardHasIsTaken) {
+TEST(RequestLanguageTest, picksFirstAvailableLanguage) {
     const std::map<std::string, std::string> table = {
         {"ja", "ja"},
         {"en", "en"},
@@ -55,7 +55,7 @@ TEST(RequestLanguageTest, theFirstLanguageThatTheBoardHasIsTaken) {
     }
 }
 
-TEST(RequestLanguageTest, aVeryLongWishIsReadToItsEnd) {
+TEST(RequestLanguageTest, readsLongHeaderToEnd) {
     std::string header;
     for (int i = 0; i < 10000; ++i) {
         header += "fr,";
@@ -63,13 +63,13 @@ TEST(RequestLanguageTest, aVeryLongWishIsReadToItsEnd) {
     EXPECT_EQ(acceptedLanguage(header + "ja"), "ja");
 }
 
-TEST(RequestLanguageTest, theOperatorsChoiceWinsOverTheBrowsers) {
+TEST(RequestLanguageTest, prefersOperatorChoiceOverBrowser) {
     EXPECT_EQ(languageOf({{"HTTP_COOKIE", "language=ja"}, {"HTTP_ACCEPT_LANGUAGE", "en"}}), "ja");
     EXPECT_EQ(languageOf({{"HTTP_COOKIE", "a=b; language=en"}, {"HTTP_ACCEPT_LANGUAGE", "ja"}}),
               "en");
 }
 
-TEST(RequestLanguageTest, aChoiceThatTheBoardDoesNotHaveIsPassedOver) {
+TEST(RequestLanguageTest, ignoresUnknownLanguage) {
     for (const char* choice : {"fr", "", "jaa", "../../x", "1", "%s"}) {
         SCOPED_TRACE(choice);
         const std::string cookie = std::string("language=") + choice;
@@ -78,7 +78,7 @@ TEST(RequestLanguageTest, aChoiceThatTheBoardDoesNotHaveIsPassedOver) {
     }
 }
 
-TEST(RequestLanguageTest, anUnknownNumberIsEnglish) {
+TEST(RequestLanguageTest, tagsUnknownNumberAsEnglish) {
     EXPECT_STREQ(Host::languageTag(Host::ENGLISH), "en");
     EXPECT_STREQ(Host::languageTag(Host::JAPANESE), "ja");
     EXPECT_STREQ(Host::languageTag(-1), "en");

@@ -16,7 +16,7 @@ namespace {
 
 const char* const TAGS[LANGUAGE_COUNT] = {"en", "ja"};
 
-// The number of a language tag such as "ja" or "ja-JP"; -1 when it is not one of ours.
+// Returns the number of a language tag such as "ja" or "ja-JP"; -1 if it is not one of ours.
 int findLanguage(std::string_view tag) {
     for (int language = 0; language < LANGUAGE_COUNT; ++language) {
         const std::string_view ours = TAGS[language];
@@ -27,7 +27,7 @@ int findLanguage(std::string_view tag) {
     return -1;
 }
 
-// Browsers list the languages in order of preference, so the weights need not be read.
+// Ignores the weights, because browsers list the languages in order of preference.
 int findAccepted(std::string_view accepted) {
     while (!accepted.empty()) {
         const std::size_t end = accepted.find(',');

@@ -56,19 +56,23 @@ def limited(limits):
     return setLimits
 
 
-def runProgram(board, request, prefix=(), limits=None, more=None, deadline=150):
+def runProgram(board, request, prefix=(), limits=None, more=None, deadline=150, body=None):
     """Runs the program of `request`, as arguments of the command `prefix` if given, and waits for
-    its end; kills it after `deadline` seconds."""
+    its end; kills it after `deadline` seconds.
+
+    The program reads the request's body from a pipe, in pieces of any size, or from the open file
+    `body`.
+    """
     environment = environmentFor(board.root, request)
     environment.update(more or {})
     command = [*prefix, os.path.join(board.programs, request["program"])]
     started = time.monotonic()
-    process = subprocess.Popen(command, env=environment, stdin=subprocess.PIPE,
+    process = subprocess.Popen(command, env=environment, stdin=body or subprocess.PIPE,
                                stdout=subprocess.PIPE, stderr=subprocess.PIPE,
                                preexec_fn=limited(limits), start_new_session=True)
     timedOut = False
     try:
-        output, errors = process.communicate(request.get("body", b""), timeout=deadline)
+        output, errors = process.communicate(None if body else request.get("body", b""), timeout=deadline)
     except subprocess.TimeoutExpired:
         timedOut = True
         # Kills the whole group, because a killed strace leaves its program running.
