@@ -36,7 +36,7 @@ class Readme(BoardDocumentTest):
         port = self.stated(r"builds a board and serves it on http://127\.0\.0\.1:(\d+)/")
         options = subprocess.run([PROJECT / "serve", "--help"], check=True, capture_output=True,
                                  text=True).stdout
-        self.assertRegex(options, r"--port N +the port, %d when not given" % port)
+        self.assertRegex(options, r"--port N +the port \(default %d\)" % port)
         self.assertRegex(read("serve"), r"(?m)^port=%d$" % port)
 
     def test_the_accounts_may_do_what_is_stated(self):
