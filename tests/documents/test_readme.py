@@ -1,4 +1,4 @@
-"""README.md: its commands are run as printed, and what it says of the builds is looked up."""
+"""Checks README.md: runs its commands as printed, and compares its statements with the sources."""
 
 import json
 import os
@@ -15,12 +15,12 @@ class Readme(BoardDocumentTest):
     name = "README.md"
 
     def shell(self, script):
-        """What a reader's shell prints; the folder has the board where ./serve puts it."""
+        """Runs a script in a folder with the board's root in the default place. Returns its output."""
         result = subprocess.run(["bash", "-euc", script], cwd=self.board.folder, check=True,
                                 capture_output=True, text=True)
         return result.stdout
 
-    def test_the_two_commands_are_there(self):
+    def test_the_two_commands_exist(self):
         commands = [line.split("#")[0].strip() for line in self.document.blocks()[0].splitlines()]
         self.assertEqual(commands, ["./serve", "./check"])
         for command in commands:
@@ -32,14 +32,14 @@ class Readme(BoardDocumentTest):
         self.stated(r"(Both install what is missing from \[packages\.txt\])")
         self.assertIn("packages.txt", read("tools/install_packages"))
 
-    def test_serve_serves_where_it_is_stated(self):
+    def test_serve_uses_the_stated_port(self):
         port = self.stated(r"builds a board and serves it on http://127\.0\.0\.1:(\d+)/")
         options = subprocess.run([PROJECT / "serve", "--help"], check=True, capture_output=True,
                                  text=True).stdout
         self.assertRegex(options, r"--port N +the port \(default %d\)" % port)
         self.assertRegex(read("serve"), r"(?m)^port=%d$" % port)
 
-    def test_the_accounts_may_do_what_is_stated(self):
+    def test_accounts_have_the_stated_rights(self):
         accounts = re.findall(r"`(\w+)`/`(\w+)`, who may ([\w ]+)", self.document.words)
         self.assertEqual(len(accounts), 2)
         for name, password, rights in accounts:
@@ -49,7 +49,7 @@ class Readme(BoardDocumentTest):
                 answer = Client(self.board, name).get(SCREEN + "?functionID=" + function)
                 self.assertEqual(answer.status, status)
 
-    def test_the_commands_without_a_web_server_answer_a_request(self):
+    def test_commands_without_a_web_server_answer_a_request(self):
         blocks = self.document.blocks("## Without a web server")
         login = blocks[1].replace(":8080", ":%d" % self.board.port)
         cookie = re.search(r"set-cookie: (session=[^;]+)", self.shell(login), re.IGNORECASE)[1]
@@ -63,26 +63,26 @@ class Readme(BoardDocumentTest):
         command = [self.board.path("/usr/local/bin/" + name), *words]
         return subprocess.run(command, check=False, capture_output=True, text=True)
 
-    def test_the_tools_are_installed_where_it_is_stated(self):
+    def test_tools_are_installed_where_stated(self):
         folder = self.stated(r"Both are installed under `([^`]+)` of the board's root and explain")
         for name in ("eficonf", "boardctl"):
             self.assertTrue(self.board.path(folder + "/" + name).exists())
             self.assertEqual(self.tool(name, "--help").returncode, 0)
 
-    def test_the_manual_pages_are_installed_where_it_is_stated(self):
+    def test_manual_pages_are_installed_where_stated(self):
         folder = self.stated(r"manual pages and that of `\./serve` are in `([^`]+)` there")
         self.stated(r"`man -M var/board/%s (eficonf)`" % folder)
         for name in ("eficonf", "boardctl", "serve"):
             page = self.board.path("/%s/man1/%s.1" % (folder, name)).read_text(encoding="utf-8")
             self.assertIn(".SH SYNOPSIS", page)
 
-    def test_the_logs_are_where_it_is_stated(self):
+    def test_logs_are_where_stated(self):
         log = self.stated(r"`(build/check\.log)` has everything")
         self.assertIn("begin_steps " + log, read("check"))
         log = self.stated(r"`(var/log/build\.log)` of the board's root")
         self.assertIn("$root/" + log, read("serve"))
 
-    def test_eficonf_is_used_as_stated(self):
+    def test_eficonf_works_as_stated(self):
         client = Client(self.board, "admin")
         client.post(SCREEN, {"functionID": "105", "hidden_status": "BACKUP", "radio_button": "3"})
         file = self.board.path("/var/tmp/efi_backup" + client.identifier)
@@ -96,7 +96,7 @@ class Readme(BoardDocumentTest):
         self.assertEqual(self.tool(*words, self.stated(r"`(--\S+)` compares two backups")).returncode,
                          0)
 
-    def test_boardctl_does_what_is_stated(self):
+    def test_boardctl_works_as_stated(self):
         self.stated(r"`(boardctl --root DIR)` makes a running back-end go wrong: refuse, be slow "
                     r"or silent, tear its answers, die and come back, switch partitions on and off")
         for words in ("refuse 1 2", "slow 1", "silent", "torn 1", "partition 3 on",
@@ -109,16 +109,16 @@ class Readme(BoardDocumentTest):
         return {each["name"]: each for each in json.loads(read("CMakePresets.json"))[kind]
                 if not each.get("hidden")}
 
-    def test_the_presets_are_those_of_cmake(self):
+    def test_presets_match_those_of_cmake(self):
         listed = [name for row in self.table("preset", "builds") for name in codes_in(row[0])]
-        # Those whose tests can be run, as the commands above the table do.
+        # The presets with tests, because the commands above the table also run the tests.
         self.assertEqual(sorted(listed), sorted(self.presets("testPresets")))
         for name in listed:
             self.assertIn(name, self.presets("configurePresets"))
             self.assertIn(name, self.presets("buildPresets"))
             self.assertEqual(self.presets("testPresets")[name]["configurePreset"], name)
 
-    def test_the_presets_build_what_is_stated(self):
+    def test_presets_build_what_is_stated(self):
         rows = {name: row[1] for row in self.table("preset", "builds") for name in codes_in(row[0])}
         presets = self.presets("configurePresets")
         variables = {name: presets[name].get("cacheVariables", {}) for name in rows}
@@ -127,11 +127,11 @@ class Readme(BoardDocumentTest):
         self.assertEqual([name for name in rows if "other processors" in rows[name]],
                          [name for name in rows if "toolchainFile" in presets[name]])
 
-    def test_the_build_knows_the_stated_variable(self):
+    def test_build_has_the_stated_variable(self):
         variable = self.stated(r"Build with `cmake -D(\w+)=DIR`")
         self.assertIn(variable, read("cmake/platform.cmake"))
 
-    def test_packages_are_what_is_stated(self):
+    def test_packages_contain_the_stated_files(self):
         self.stated(r"`cpack` makes (a tarball and a Debian package) of them")
         self.assertRegex(read("cmake/packaging.cmake"), r"CPACK_GENERATOR TGZ DEB|\"?TGZ;DEB")
 
