@@ -59,7 +59,7 @@ std::vector<Case> readCases(std::istream& stream) {
         } else if (word == "env") {
             cases.back().environment.push_back(rest);
         } else if (!word.empty()) {
-            throw std::runtime_error("a line that means nothing: " + line);
+            throw std::runtime_error("an unknown line: " + line);
         }
     }
     return cases;

@@ -9,7 +9,7 @@ namespace Efictl {
 // The exit status of efictl. Scripts depend on the numbers; docs/automation.md describes them.
 enum class ExitCode {
     DONE = 0,
-    DIFFERENT = 1,    // something differs, or with --exit-code: there was nothing to do
+    DIFFERENT = 1,    // something differs, or nothing was stored with --exit-code
     USAGE = 2,        // the command line is wrong, or lacks a board, a user or a password
     UNREACHABLE = 3,  // no board answers, or its response cannot be trusted or understood
     REFUSED = 4,      // the board refused, or a condition of the command line is not met

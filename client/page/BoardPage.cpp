@@ -94,7 +94,7 @@ void readMenu(const Element& root, BoardPage& page) {
     }
 }
 
-// Reads partition, name, date and version of the file; the date is not needed.
+// Reads partition, name and version of the file. Ignores the date.
 void readFileFacts(const Element& facts, Selection& selection) {
     const std::vector<Element> values = facts.all(hasTag(GUMBO_TAG_DD));
     const std::size_t count = 4;

@@ -35,7 +35,7 @@ TEST(BoardPageTest, readsTheMenu) {
     EXPECT_EQ(page.partitions[1].lastRestore, "");
 }
 
-TEST(BoardPageTest, readsAMenuOfManyPartitions) {
+TEST(BoardPageTest, readsMenuOfManyPartitions) {
     EXPECT_EQ(readBoardPage(menuOf(128)).partitions.size(), 128U);
 }
 

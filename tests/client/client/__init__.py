@@ -99,7 +99,7 @@ class Account:
 
 
 class FolderTest(unittest.TestCase):
-    """A test with a folder of its own."""
+    """A test with its own folder."""
 
     maxDiff = None
 
