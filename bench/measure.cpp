@@ -1,13 +1,13 @@
-// Measures processes from start to end, some runs of each in turn, so that noise meets all of them
+// Measures processes from start to exit, a few runs of each in turn, so that noise affects all
 // alike.
 //
 // Usage: measure ROUNDS < CASES > RESULT
 //
-// CASES are lines: "case NAME" begins a case, "program PATH" names what is started, "input PATH"
-// where its standard input comes from (nothing without it), "env NAME=VALUE" adds to its
-// environment, which is empty otherwise. RESULT is a JSON object, a case each: the microseconds
-// from start to end and of CPU time, sorted, and of one run of its own, the peak resident memory
-// in KiB and the number of system calls. A program that fails ends the measurement with 1.
+// CASES are lines: "case NAME" begins a case, "program PATH" sets its program, "input PATH" its
+// standard input (empty without it), and "env NAME=VALUE" adds a variable to its environment, which
+// is empty otherwise. RESULT is a JSON object with a member for each case: the sorted microseconds
+// from start to exit and of CPU time and, from a separate run, the peak resident memory in KiB and
+// the number of system calls. If a program fails, the measurement exits with 1.
 
 #include <fcntl.h>
 #include <signal.h>
@@ -59,7 +59,7 @@ std::vector<Case> readCases(std::istream& stream) {
         } else if (word == "env") {
             cases.back().environment.push_back(rest);
         } else if (!word.empty()) {
-            throw std::runtime_error("a line that means nothing: " + line);
+            throw std::runtime_error("an unknown line: " + line);
         }
     }
     return cases;
@@ -110,7 +110,8 @@ void runOnce(Case& measured) {
                                              microseconds(usage.ru_stime));
 }
 
-// The first run finds the processor's caches full of the program before it and does not count.
+// Runs a case BLOCK_RUNS times. Discards a first run, in which the processor's caches still contain
+// the previous program.
 void runBlock(Case& measured) {
     for (int run = 0; run <= BLOCK_RUNS; ++run) {
         runOnce(measured);
@@ -144,8 +145,8 @@ long peakMemory(pid_t process) {
     std::_Exit(127);
 }
 
-// The numbers that measuring the time would disturb. They count from the program's start on; its
-// execve() is one of the system calls.
+// Measures peak memory and system calls in a separate run, because this would disturb the times.
+// Counts from the program's start on, including its execve().
 void countOnce(Case& measured) {
     const pid_t child = fork();
     if (child == 0) {
@@ -154,7 +155,7 @@ void countOnce(Case& measured) {
     int status = 0;
     waitpid(child, &status, 0);
     ptrace(PTRACE_SETOPTIONS, child, nullptr, PTRACE_O_TRACEEXIT | PTRACE_O_TRACESYSGOOD);
-    long stops = 1;  // behind execve()
+    long stops = 1;  // after execve()
     while (!WIFEXITED(status) && !WIFSIGNALED(status)) {
         int signalNumber = 0;
         if (WIFSTOPPED(status) && status >> 8 == (SIGTRAP | PTRACE_EVENT_EXIT << 8)) {
@@ -168,8 +169,8 @@ void countOnce(Case& measured) {
         waitpid(child, &status, 0);
     }
     requireSuccess(measured, status);
-    // Two stops for each call but execve(), whose entry came before, and the last, which never
-    // returns.
+    // There are two stops for each call, except for execve(), which was entered before, and for the
+    // last call, which never returns.
     measured.systemCalls = stops / 2 + 1;
 }
 

@@ -9,9 +9,9 @@ namespace Efictl {
 // The exit status of efictl. Scripts depend on the numbers; docs/automation.md describes them.
 enum class ExitCode {
     DONE = 0,
-    DIFFERENT = 1,    // something differs, or with --exit-code: there was nothing to do
+    DIFFERENT = 1,    // something differs, or nothing was stored with --exit-code
     USAGE = 2,        // the command line is wrong, or lacks a board, a user or a password
-    UNREACHABLE = 3,  // no board answers, or its answer cannot be trusted or understood
+    UNREACHABLE = 3,  // no board answers, or its response cannot be trusted or understood
     REFUSED = 4,      // the board refused, or a condition of the command line is not met
     UNKNOWN = 5,      // a restore was sent, but its outcome is not known
     FAILED = 6,       // something failed on this machine: a folder, a disk, a file
@@ -23,8 +23,8 @@ struct MessageNumber {
     int code = 0;
 };
 
-// Ends a command: the exit status, a sentence for people, and the message of the board if it sent
-// one.
+// Thrown to end a command. Has the exit status, a sentence for people and, if the board sent a
+// message, its number.
 class Failure : public std::runtime_error {
 public:
     Failure(ExitCode exitCode, const std::string& text,
@@ -39,7 +39,7 @@ private:
     std::optional<MessageNumber> messageNumber;
 };
 
-// A failure after which the same request may succeed if it is sent again.
+// A transient failure: the same request may succeed if it is sent again.
 class PassingFailure : public Failure {
 public:
     enum class Cause { CONNECTION, BUSY };

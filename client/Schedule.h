@@ -5,8 +5,8 @@
 
 namespace Efictl {
 
-// The deadline of a command. Some of its time is reserved for the cleanup that follows even a
-// failure: the discard of an uploaded file, and the logout.
+// The deadline of a command. Reserves some of the time for the cleanup, which also follows a
+// failure: discarding an uploaded file, and logging out.
 class Schedule {
 public:
     using Clock = std::chrono::steady_clock;
@@ -15,7 +15,7 @@ public:
     explicit Schedule(Milliseconds total)
         : reserve(std::min<Milliseconds>(LONGEST_CLEANUP, total / 4)), end(Clock::now() + total) {}
 
-    // Begins the cleanup, which has the reserved time at most, however much is left of the rest.
+    // Begins the cleanup. It gets at most the reserved time, even if more is left.
     void beginCleanup() {
         if (!cleaning) {
             cleaning = true;
@@ -25,7 +25,7 @@ public:
 
     bool isCleaning() const { return cleaning; }
 
-    // Returns the time left for the work or, once it has begun, for the cleanup; never negative.
+    // Returns the time left for the work, or for the cleanup once that has begun; never negative.
     Milliseconds left() const {
         const auto until = cleaning ? end : end - reserve;
         return std::max(Milliseconds(0),

@@ -1,4 +1,4 @@
-// Backs up, compares and restores the BIOS configurations of a board, for operators of many.
+// efictl backs up, compares and restores the BIOS configurations of a board from scripts.
 
 #include "client/command/commandLine.h"
 #include "client/command/commands.h"
@@ -36,7 +36,7 @@ Result carryOut(const Options& options) {
     return result;
 }
 
-// Returns the address as it is printed; empty if there is none, or if it is malformed.
+// Returns the address to print; empty if there is none or it is malformed.
 std::string shownAddress(const Options& options) {
     try {
         return options.board.empty() ? "" : boardAddress(options) + "/";
@@ -77,9 +77,9 @@ int run(int argumentCount, char** arguments) {
 
 int main(int argumentCount, char** arguments) {
     VeskLib::Host::occupyStandardDescriptors();
-    // Output that nobody reads is then reported like a full disk.
+    // Makes writing to a closed pipe an error, reported like a full disk.
     std::signal(SIGPIPE, SIG_IGN);
-    // Returns large buffers to the system as soon as they are freed, to limit the peak memory.
+    // Returns large buffers to the system as soon as they are freed, which limits peak memory.
     const int largeBuffer = 64 * 1024;
     mallopt(M_MMAP_THRESHOLD, largeBuffer);
     catchInterruptions();

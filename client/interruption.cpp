@@ -21,7 +21,7 @@ void catchInterruptions() {
     action.sa_handler = count;
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
         struct sigaction former = {};
-        // A signal that nohup or a shell had set to be ignored stays ignored.
+        // A signal that nohup or the shell ignores stays ignored.
         if (sigaction(signal, nullptr, &former) == 0 && former.sa_handler != SIG_IGN) {
             sigaction(signal, &action, nullptr);
         }
@@ -34,7 +34,7 @@ int interruptions() {
 
 void endWhenInterrupted() {
     if (caught != 0) {
-        throw Failure(ExitCode::FAILED, "Interrupted before it was done.");
+        throw Failure(ExitCode::FAILED, "Interrupted before completion.");
     }
 }
 

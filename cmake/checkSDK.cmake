@@ -1,6 +1,6 @@
-# What makes a board's SDK unusable, told when configuring and not by the compiler or the linker.
+# Checks of a board's SDK when configuring, so that errors do not come from compiler or linker.
 
-# Ends with an error unless `folder` has every header of the board that the program includes.
+# Fails unless `folder` has every header of the board that the program includes.
 function(check_headers folder)
     set(sources)
     foreach(part main html pages data)
@@ -25,8 +25,8 @@ function(check_headers folder)
     endif()
 endfunction()
 
-# Sets `variable` to the machine, the word size and the byte order of an ELF file, or of the first
-# file in an archive; to "" for another file.
+# Sets `variable` to the word size, the byte order and the machine of an ELF file, or of the first
+# member of an archive; to "" for other files.
 function(read_machine file variable)
     execute_process(COMMAND ${CMAKE_READELF} --file-header ${file}
         OUTPUT_VARIABLE output ERROR_QUIET RESULT_VARIABLE ignored)
@@ -40,8 +40,8 @@ function(read_machine file variable)
     set(${variable} "${machine}" PARENT_SCOPE)
 endfunction()
 
-# Ends with an error unless there is a library and each is for the processor that the compiler
-# compiles for. A file that is not an ELF library, such as a linker script, is left to the linker.
+# Fails unless there is a library in `folder` and each of the given libraries is for the compiler's
+# target processor. Ignores files that are not ELF libraries, such as linker scripts.
 function(check_libraries folder)
     if(NOT ARGN)
         message(FATAL_ERROR "There is no library in ${folder}.")
@@ -63,7 +63,8 @@ function(check_libraries folder)
     endforeach()
 endfunction()
 
-# Warns if times of the program end in January 2038: a 32-bit C library may ignore _TIME_BITS.
+# Warns if the program's times overflow in January 2038, because a 32-bit C library may ignore
+# _TIME_BITS.
 function(check_times)
     if(NOT CMAKE_SIZEOF_VOID_P EQUAL 4)
         return()

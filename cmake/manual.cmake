@@ -1,7 +1,7 @@
-# Manual pages, made from what the programs print as their help, so that there is one text.
+# Manual pages, made from the --help of the programs, so that each text exists once.
 
 # make_manual(PAGE PROGRAM DESCRIPTION [INCLUDED]): makes PAGE, a path of the form FOLDER/name.section,
-# of PROGRAM and its subcommands, with the sections of the file INCLUDED.
+# from the help of PROGRAM and its subcommands and the sections of the file INCLUDED.
 function(make_manual page program description)
     find_program(HELP2MAN help2man REQUIRED)
     set(print_help ${CMAKE_CURRENT_FUNCTION_LIST_DIR}/print_help)
@@ -9,7 +9,7 @@ function(make_manual page program description)
     string(SUBSTRING ${section} 1 -1 section)
     set(include ${ARGN})
     list(TRANSFORM include PREPEND --include=)
-    # Without a date, so that the same sources make the same page.
+    # Without a date, so that the same sources give the same page.
     add_custom_command(OUTPUT ${page}
         COMMAND ${CMAKE_COMMAND} -E env SOURCE_DATE_EPOCH=0 LC_ALL=C.UTF-8
             ${HELP2MAN} --no-info --section=${section}
@@ -18,10 +18,10 @@ function(make_manual page program description)
         DEPENDS ${program} ${print_help} ${ARGN} VERBATIM)
 endfunction()
 
-# compress_manual(PAGE [TARGET]): makes PAGE.gz. A page of another folder is made by TARGET.
+# compress_manual(PAGE [TARGET]): makes PAGE.gz. If another folder makes PAGE, TARGET does so.
 function(compress_manual page)
     find_program(GZIP gzip REQUIRED)
-    # Without a date as well.
+    # Without a date, too.
     add_custom_command(OUTPUT ${page}.gz
         COMMAND ${GZIP} -9nkf ${page}
         DEPENDS ${page} ${ARGN} VERBATIM)

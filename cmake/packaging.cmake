@@ -1,6 +1,6 @@
-# `cmake --install BUILD --component NAME` installs `program` (what goes to a board), `demo` (the
-# board that ./serve serves) or `sdk` (the host platform as a board's SDK); without a component all
-# but the SDK. `cpack` packs the program as a tarball and as a Debian package.
+# `cmake --install BUILD --component NAME` installs `program` (the files for a board), `demo` (the
+# board that ./serve serves) or `sdk` (the host platform as a board's SDK); without a component,
+# everything except the SDK. `cpack` packs the program as a tarball and as a Debian package.
 if(CMAKE_CROSSCOMPILING)
     set(architecture_powerpc powerpc)
     set(architecture_aarch64 arm64)
@@ -9,7 +9,7 @@ if(CMAKE_CROSSCOMPILING)
 endif()
 
 if(BUILD_CLIENT AND TARGET efictl)
-    # A package of its own, for machines that are no board.
+    # A separate package, for machines that are not boards:
     #   cpack --config BUILD/CPackClient.cmake
     set(CLIENT_PACKAGE_NAME efictl-${PROJECT_VERSION}-${CMAKE_SYSTEM_PROCESSOR})
     configure_file(${PROJECT_SOURCE_DIR}/cmake/clientPackage.cmake.in

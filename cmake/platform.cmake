@@ -1,5 +1,5 @@
-# The board's software: `platform_headers` is what the program is compiled against, and
-# `board_platform` what it is linked with. Both are platform/ unless BOARD_SDK names another.
+# The board's software: the program is compiled with `platform_headers` and linked with
+# `board_platform`. Both come from platform/, or from the SDK in BOARD_SDK if that is set.
 set(BOARD_SDK "" CACHE PATH "A board's headers (include/) and libraries (lib/) instead of platform/")
 
 include(${CMAKE_CURRENT_LIST_DIR}/checkSDK.cmake)
@@ -11,7 +11,7 @@ if(BOARD_SDK)
     check_headers(${BOARD_SDK}/include)
     check_libraries(${BOARD_SDK}/lib ${board_libraries})
     target_include_directories(platform_headers INTERFACE ${BOARD_SDK}/include)
-    # The board's libraries and the program's need each other, in no order.
+    # The board's libraries and the program's depend on each other in any order.
     list(JOIN board_libraries "," libraries)
     target_link_libraries(board_platform INTERFACE
         $<LINK_GROUP:RESCAN,efi_program,efi_data,${libraries}>)

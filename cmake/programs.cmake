@@ -1,6 +1,6 @@
-# How the programs are linked that the web server starts for each request. A process that lives for
-# less than a millisecond spends most of it on being loaded, so they are linked statically and as a
-# whole: nothing is looked up at run time, and what is not used is left out.
+# Linking of the programs that the web server starts for each request. Such a process lives for less
+# than a millisecond and spends most of that on loading. Therefore they are linked statically, with
+# link-time optimisation: no symbol is looked up at run time, and unused code is left out.
 include(CheckCXXSourceCompiles)
 
 if(CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT SANITIZE AND NOT COVERAGE)
@@ -11,25 +11,25 @@ endif()
 option(STATIC_PROGRAM "Link the CGI programs statically; OFF for a board of shared libraries"
     ${static_by_default})
 
-# Whether programs can be linked with `option`; one that the linker passes over does not count.
+# Sets `variable` to true if programs can be linked with `option` and the linker does not ignore it.
 function(check_link_option option variable)
     set(CMAKE_REQUIRED_LINK_OPTIONS ${option})
     check_cxx_source_compiles("int main() {}" ${variable} FAIL_REGEX "ignored")
 endfunction()
 
-# A static program that can be loaded at any address: not every C library has the start-up code.
+# A static program that can be loaded at any address. Some C libraries lack the start-up code.
 check_link_option(-static-pie HAS_STATIC_PIE)
 check_link_option(LINKER:-z,pack-relative-relocs CAN_PACK_RELOCATIONS)
 
-# What the libraries are built with that such a program consists of.
+# The compiler options for the libraries of such programs.
 add_library(program_options INTERFACE)
 target_link_libraries(program_options INTERFACE build_options)
 target_compile_options(program_options INTERFACE -ffunction-sections -fdata-sections)
 if(STATIC_PROGRAM)
-    # With machine code beside what the linker optimises, so that tests link as ever.
+    # Adds machine code to the linker's intermediate code, so that tests link without optimisation.
     target_compile_options(program_options INTERFACE -flto=auto -ffat-lto-objects)
-    # The index of a library is of its machine code, too. Left to itself, ar lists what only the
-    # optimiser sees; a test would be given the same object again for each library that is listed twice.
+    # Makes ar index the machine code as well. By default it indexes only the intermediate code, and a
+    # test would get the same object again for each library that is listed twice.
     math(EXPR word_bits "8 * ${CMAKE_SIZEOF_VOID_P}")
     string(TOLOWER ${CMAKE_CXX_BYTE_ORDER} byte_order)
     string(REPLACE "_endian" "" byte_order ${byte_order})
@@ -50,10 +50,10 @@ function(link_as_program target)
     if(NOT BOARD_SDK)
         target_sources(${target} PRIVATE ${PROJECT_SOURCE_DIR}/platform/host/base/requestMemory.cpp)
     endif()
-    # g++ 12 sees overflows across the whole program where there are none.
+    # g++ 12 gives false warnings of overflows when it optimises the whole program.
     target_link_options(${target} PRIVATE -flto=auto -Wno-stringop-overflow)
     if(HAS_STATIC_PIE)
-        # Among the libraries, because CMake writes its own -pie behind all options.
+        # Given as a library, because CMake appends its own -pie after all options.
         target_link_libraries(${target} PRIVATE -static-pie)
     else()
         set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE OFF)

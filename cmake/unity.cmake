@@ -1,10 +1,10 @@
-# How builds that only test compile several sources at once (CMAKE_UNITY_BUILD): sooner, as every
-# header is then read once, and rebuilt later. Builds that are for a board compile each alone.
+# Settings of unity builds (CMAKE_UNITY_BUILD), which compile several sources at once: faster, because
+# each header is read once, but slower to rebuild. Only test builds use them, not builds for a board.
 if(NOT CMAKE_UNITY_BUILD)
     return()
 endif()
 
-# Compiles files of a target alone.
+# Compiles the given files of a target separately.
 function(compile_alone target)
     if(TARGET ${target})
         list(TRANSFORM ARGN PREPEND ${PROJECT_SOURCE_DIR}/)
@@ -13,7 +13,7 @@ function(compile_alone target)
     endif()
 endfunction()
 
-# What is these files' own has a name that another file of the target has for its own.
+# These files have a local name that another file of the target also uses.
 compile_alone(efi_data data/PrimitiveTypeArray.cpp)
 compile_alone(efi_program pages/EFIRestorePage.cpp)
 compile_alone(platform_channel platform/host/channel/VersionInfoPacket.cpp
@@ -23,12 +23,12 @@ compile_alone(platform_web
 compile_alone(board_backend board/backend/Server.cpp board/backend/initialPayload.cpp)
 compile_alone(board_web board/web/dailyRound.cpp)
 
-# These need what the program defines; programs without it use other files of the libraries.
+# These need definitions of the program; programs without them use other files of the libraries.
 compile_alone(platform_html platform/host/html/HTMLPage.cpp)
 compile_alone(platform_web
     platform/host/web/AbstractMain.cpp platform/host/web/CommonDefaultPage.cpp)
-# A source of both libraries.
+# Both libraries contain this source.
 compile_alone(board_inspector board/web/utf8.cpp)
 compile_alone(board_web board/web/utf8.cpp)
-# The tests' scripted platform has its own.
+# The scripted platform of the tests defines the same function.
 compile_alone(platform_base platform/host/base/getCGIPath.cpp)

@@ -1,6 +1,6 @@
 # Adds each test_NAME.py of the current folder to ctest as PREFIX.NAME, with a time limit in seconds
-# and any further properties. They are added to the release build only, because they try the
-# programs as they are shipped.
+# and any further properties. Only in the release build, because these tests run the programs as
+# shipped.
 function(add_python_tests prefix timeout)
     if(NOT CMAKE_BUILD_TYPE STREQUAL "Release" OR SANITIZE)
         return()

@@ -1,4 +1,4 @@
-// The containers' two directions, against copying the same bytes.
+// Benchmarks of reading and writing the containers, compared with copying the same bytes.
 
 #include "data/PrimitiveTypeArray.h"
 
@@ -12,11 +12,11 @@ namespace {
 using VeskLib::VeskUi::PrimitiveTypeArray;
 using Bytes = std::vector<unsigned char>;
 
-// The most that a count of 16 bits can tell.
+// The largest 16-bit count.
 const std::size_t MOST_BYTES = 65535;
 const std::size_t COUNT_SIZE = 2;
 
-// An array of the most bytes, and its wire form.
+// An array of MOST_BYTES bytes and its wire form.
 struct Fixture {
     Fixture() : wire(COUNT_SIZE + MOST_BYTES, 0xFF) {
         array.setSerialized(wire.data(), static_cast<unsigned int>(wire.size()));
@@ -26,8 +26,8 @@ struct Fixture {
     PrimitiveTypeArray<unsigned char> array;
 };
 
-// Copying takes much longer between some addresses than between others, so that each direction is
-// compared with a copy between the very same ones.
+// Copying takes much longer between some addresses than between others. Therefore each direction is
+// compared with a copy between the same addresses.
 
 void copyOut(benchmark::State& state) {
     Fixture fixture;

@@ -1,4 +1,4 @@
-// Printing the backup page's rows. BOARD_ROOT names a board with its skeletons.
+// Benchmark of printing the rows of the backup page. BOARD_ROOT is a board with its skeletons.
 
 #include "html/HTMLContainer.h"
 #include "html/HTMLItem.h"
@@ -34,7 +34,7 @@ std::unique_ptr<HTMLItem> makeRow(int partition) {
     return row;
 }
 
-// The rows are made and printed, as each request does it.
+// Makes and prints the rows, as each request does.
 void printRows(benchmark::State& state) {
     std::stringbuf page;
     std::streambuf* const output = std::cout.rdbuf();

@@ -1,4 +1,4 @@
-// Answers a fixed page with Debian's CGI library for C++.
+// Answers with a fixed page, using Debian's CGI library for C++.
 #include "page.h"
 
 #include <cgicc/Cgicc.h>

@@ -1,4 +1,4 @@
-// What every C++ program pays before it does anything.
+// The cost of a C++ program that does nothing.
 #include <iostream>
 
 int main() {

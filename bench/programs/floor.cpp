@@ -1,7 +1,7 @@
-// The least that the backup page can cost: makes the same system calls as our program, in the same
-// order and on the same files, but computes nothing. Its answer is compiled in.
+// The lower limit for the cost of the backup page: makes the same system calls as our program, in
+// the same order and on the same files, but computes nothing. Its response is compiled in.
 //
-// costs.counts fails when the two lists of system calls differ.
+// costs.counts fails if the two lists of system calls differ.
 #include "page.h"
 
 #include <fcntl.h>
@@ -30,7 +30,7 @@ const char* pathOf(const char* file) {
     return std::strcat(path, file);
 }
 
-// Reads a file whole. The owner of a file is checked only if it is the board's `own`.
+// Reads a whole file. With `own`, makes the system call for checking its owner.
 void readFile(const char* file, bool own = false) {
     const int descriptor = open(pathOf(file), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC);
     struct stat status;

@@ -1,4 +1,4 @@
-// Answers a fixed page, and does nothing else.
+// Answers with a fixed page and does nothing else.
 #include "page.h"
 
 #include <iostream>

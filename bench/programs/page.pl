@@ -1,5 +1,5 @@
 #!/usr/bin/perl
-# Answers a fixed page with Perl's CGI library.
+# Answers with a fixed page, using Perl's CGI library.
 use strict;
 use warnings;
 use CGI;

@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-# Answers a fixed page with Python's CGI library.
+# Answers with a fixed page, using Python's CGI library.
 import warnings
 
 warnings.simplefilter("ignore", DeprecationWarning)

@@ -1,4 +1,4 @@
-"""A board of the bench build, served on a free port with a root of its own."""
+"""A board of the bench build, served on a free port with its own root."""
 
 import http.client
 import re
@@ -58,7 +58,7 @@ class Board:
         return response, response.read()
 
     def backup_page(self):
-        """The bytes of the backup page."""
+        """Returns the bytes of the backup page."""
         response, body = self.request(
             "GET", SCREEN + "?functionID=105", headers={"Cookie": self.cookie}
         )
@@ -67,7 +67,7 @@ class Board:
         return body
 
     def environment(self, method="GET", query="", **more):
-        """The CGI environment of a request to the screen."""
+        """Returns the CGI environment of a request to the screen."""
         return {
             "BOARD_ROOT": str(self.root),
             "REQUEST_METHOD": method,
@@ -88,7 +88,7 @@ class Board:
 
 
 def describe_board(partitions):
-    """A board with so many partitions, whose user is the demo board's."""
+    """Returns the description of a board with this number of partitions and the demo board's admin."""
     demo = (PROJECT / "board/demo/demo.toml").read_text()
     admin = next(part for part in demo.split("[[user]]")[1:] if 'name = "admin"' in part)
     rows = "".join(

@@ -14,7 +14,7 @@ from pathlib import Path
 from support.board import BUILD, SCREEN
 
 
-# Beside more than this share of a processor that others use, a measurement is made again.
+# If other work uses more than this share of a processor, the measurement is repeated.
 BUSY_SHARE = 0.25
 ATTEMPTS = 3
 
@@ -22,11 +22,12 @@ ATTEMPTS = 3
 def run_cases(cases, rounds, report_busy):
     """Measures cases, each (name, program, environment, input), in turn. See measure.cpp.
 
-    Measures again while others use the machine, and keeps the quietest of three; then calls
-    `report_busy` with the share of a processor that others used.
+    Repeats the measurement while other work uses the machine. If all ATTEMPTS were disturbed, keeps
+    the least disturbed one and calls `report_busy` with the share of a processor that others used.
 
-    What runs are copies, all made alike: how a file was written decides in how large pieces the
-    kernel maps it, and a program as the linker leaves it takes a tenth longer than its copy.
+    Runs copies of the programs, all made in the same way: the way a file is written determines the
+    size of the pages in which the kernel maps it, and a program as written by the linker takes a
+    tenth longer than its copy.
     """
     lines = []
     with tempfile.TemporaryDirectory(prefix="bench-") as folder:
@@ -55,7 +56,7 @@ def run_cases(cases, rounds, report_busy):
 
 
 def _measure(cases, rounds):
-    """The share of a processor that others used meanwhile, and what measure.cpp prints."""
+    """Runs measure.cpp. Returns the share of a processor that others used meanwhile, and its output."""
     before = _others_seconds(), time.monotonic()
     result = subprocess.run(
         [BUILD / "bench/measure", str(rounds)],
@@ -68,7 +69,7 @@ def _measure(cases, rounds):
 
 
 def _others_seconds():
-    """Seconds that processors worked for others than the processes that this one has waited for."""
+    """Returns the processor seconds used so far, except by ended child processes of this one."""
     fields = Path("/proc/stat").read_text(encoding="ascii").split("\n", 1)[0].split()[1:9]
     user, nice, system, _, _, interrupts, soft_interrupts, stolen = map(int, fields)
     worked = user + nice + system + interrupts + soft_interrupts + stolen
@@ -77,7 +78,7 @@ def _others_seconds():
 
 
 def instructions(program, environment):
-    """How many instructions a run takes in user space."""
+    """Returns the number of instructions of a run in user space."""
     result = subprocess.run(
         ["valgrind", "--tool=callgrind", "--callgrind-out-file=/dev/null", program],
         env={"PATH": "/usr/bin:/bin", **environment},
@@ -90,7 +91,7 @@ def instructions(program, environment):
 
 
 def stripped_size(program, folder):
-    """Bytes of a program without its symbols."""
+    """Returns the size of a program without symbols, in bytes."""
     copy = folder / "stripped"
     subprocess.run(["strip", "-o", copy, program], check=True)
     size = copy.stat().st_size
@@ -99,7 +100,7 @@ def stripped_size(program, folder):
 
 
 def web_load(board, programs, clients, seconds, rounds):
-    """Requests per second and latency in milliseconds, each program in turn."""
+    """Measures each program in turn. Returns requests per second and latencies in milliseconds."""
     folder = board.htdocs / "bench"
     folder.mkdir()
     targets = {"backup page": SCREEN + "?functionID=105"}

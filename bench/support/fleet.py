@@ -1,4 +1,4 @@
-"""Boards that are served at the same time over https, each with a root of its own."""
+"""Boards served at the same time over https, each with its own root."""
 
 import re
 import subprocess
@@ -63,17 +63,17 @@ class Fleet:
             list(pool.map(FleetBoard.end, self.boards))
 
     def described(self):
-        """Name, address and certificate of each board."""
+        """Returns name, address and certificate of each board."""
         return [(each.name, each.address, each.certificate) for each in self.boards]
 
 
 def memory_of(board):
-    """Bytes that the processes of a board have in memory."""
+    """Returns the memory used by the processes of a board, in bytes."""
     return sum(map(proportional_memory, descendants(board.process.pid)))
 
 
 def free_memory():
-    """Bytes that this machine has left for programs."""
+    """Returns the memory available to programs on this machine, in bytes."""
     for line in Path("/proc/meminfo").read_text(encoding="ascii").splitlines():
         if line.startswith("MemAvailable:"):
             return 1024 * int(line.split()[1])

@@ -1,4 +1,4 @@
-"""What the processes of a tree use at most, by looking at them again and again."""
+"""Peak usage of the processes in a tree, measured by polling."""
 
 import os
 import threading
@@ -10,7 +10,7 @@ CLIENT = "efictl"
 
 
 def descendants(pid):
-    """The process and everything below it."""
+    """Returns the pids of the process and all its descendants."""
     found = []
     left = [pid]
     while left:
@@ -25,7 +25,7 @@ def descendants(pid):
 
 
 def proportional_memory(pid):
-    """Bytes in memory; a page that several processes share counts for each in part."""
+    """Returns the memory of a process in bytes. Divides shared pages among the processes."""
     for line in Path(f"/proc/{pid}/smaps_rollup").read_text(encoding="ascii").splitlines():
         if line.startswith("Pss:"):
             return 1024 * int(line.split()[1])
@@ -33,10 +33,10 @@ def proportional_memory(pid):
 
 
 def most_used(pid):
-    """Looks at a process until it has ended, without a pause; returns how many bytes it had in memory
-    and how many files it had open. The process must be waited for later. (What the kernel counts for
-    the parent has the parent's own memory in it, which the process had before it became another
-    program.)"""
+    """Polls a process until it ends, without pauses. Returns its peak memory in bytes and its peak
+    number of open files. The caller must wait for the process afterwards. (The kernel's resource
+    usage of children is of no use: it includes the memory that the process had as a copy of its
+    parent, before execve().)"""
     most = {"memory": 0, "files": 0}
     while True:
         try:
@@ -52,7 +52,7 @@ def most_used(pid):
 
 
 class Peaks:
-    """The most that a whole tree had at the same time, as far as it was looked at."""
+    """The peak usage of a whole tree, among the times when it was polled."""
 
     def __init__(self):
         self.found = {"memory": 0, "files": 0, "processes": 0}
@@ -74,7 +74,7 @@ class Peaks:
 
 @contextmanager
 def watch(pid):
-    """Looks at a tree until the block ends."""
+    """Polls a tree until the block ends."""
     peaks = Peaks()
     ended = threading.Event()
 

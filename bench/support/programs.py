@@ -1,11 +1,11 @@
-"""The programs that ours is compared with. Those that answer a page answer the backup page's."""
+"""The programs for comparison. Those that answer with a page contain the backup page."""
 
 import subprocess
 from pathlib import Path
 
 SOURCES = Path(__file__).resolve().parents[1] / "programs"
 
-# Name: the command that compiles it; "OUT" is where to.
+# The command that compiles each program. "OUT" stands for its path, "PAGE" for the folder of page.h.
 EMPTY = {
     "empty C, static": ["gcc", "-O2", "-static", "empty.c", "-o", "OUT"],
     "empty C++, static": ["g++", "-O2", "-static", "empty.cpp", "-o", "OUT"],
@@ -22,7 +22,7 @@ PAGES = {
 
 
 def build(names, folder, page):
-    """Makes the programs in `folder` and gives their paths by their names."""
+    """Builds the programs in `folder`. Returns their paths by name."""
     (folder / "page.h").write_bytes(b'static const char PAGE[] = R"page(' + page + b')page";\n')
     programs = {}
     for number, name in enumerate(names):

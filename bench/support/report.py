@@ -1,4 +1,4 @@
-"""What a run found: a text table, JSON, and plots for the documents."""
+"""The report of a run: a text table, JSON, and plots for the documents."""
 
 import json
 import subprocess
@@ -63,7 +63,7 @@ def text_of(results):
 
 
 def comparison(former, results):
-    """What each program took in a former run, and takes now."""
+    """Returns a table that compares the costs of each program with those of an earlier run."""
 
     def change(before, now):
         return "%.2f" % (now / before) if before and now else "-"

@@ -13,10 +13,10 @@ const char* const DOWNLOAD = "/common/download.cgi?";
 const char* const BACKUP_FUNCTION = "105";
 const char* const RESTORE_FUNCTION = "106";
 
-// The board's message that something was restored.
+// The board's message that reports a finished restore.
 const int RESTORED = 70;
 const int BUSY = 1047;
-// The board's pages could not talk to their back-end; a later request may succeed.
+// Codes for a failed connection between the board's pages and their back-end. A retry may succeed.
 const int FIRST_OF_BACKEND = 2001;
 const int LAST_OF_BACKEND = 2003;
 
@@ -96,7 +96,7 @@ void BoardSession::logIn(const Credentials& credentials) {
     throwUnknownPage(request, response, page.title);
 }
 
-// Reads the page of an answer. Throws Failure if it is a refusal or an unknown page.
+// Parses the page of a response. Throws Failure if it is a refusal or an unknown page.
 BoardPage BoardSession::read(const Request& request, const Response& response) const {
     if (!response.contentType.starts_with("text/html")) {
         throwUnknownPage(request, response);
@@ -132,7 +132,7 @@ BoardPage BoardSession::menu() {
         throwUnknownPage(request, {200, "text/html", {}}, page.title);
     }
     if (page.partitions.empty()) {
-        // A user without rights sees none in the menu; the screen then gives the reason.
+        // The menu lists no partitions for a user without rights; the screen gives the reason.
         requireScreen(BACKUP_FUNCTION);
     }
     return page;
@@ -149,7 +149,7 @@ Bytes BoardSession::backUp(unsigned int partition) {
                                               {"radio_button", std::to_string(partition)}});
     return repeat(schedule, [&] {
         const BoardPage page = ask(request);
-        // Follows links to the board's own downloads only.
+        // Follows no link except to the board's own downloads.
         if (!page.downloadPath.starts_with(DOWNLOAD)) {
             throwUnknownPage(request, {200, "text/html", {}}, page.title);
         }
@@ -167,7 +167,7 @@ Selection BoardSession::upload(const Bytes& file) {
     Request request = makePost(SCREEN, {{"functionID", RESTORE_FUNCTION}, {"hidden_status", "1"}},
                                Effect::PREPARES);
     request.file = &file;
-    // Fails if the user may not restore, before anything is sent.
+    // Throws if the user may not restore, before the file is sent.
     requireScreen(RESTORE_FUNCTION);
     staged = true;
     const BoardPage page = ask(request);
@@ -217,7 +217,7 @@ std::string BoardSession::end() noexcept {
     }
     try {
         const Response response = transport.send(makePost("/logout.cgi", {}));
-        // 403: the session has ended already.
+        // 403: the session had already ended.
         if (response.status != 303 && response.status != 403) {
             left += (left.empty() ? "" : " ") +
                     describeUnknownPage(makePost("/logout.cgi", {}), response, "");

@@ -11,11 +11,11 @@
 namespace Efictl {
 
 // A login session on a board. Every call throws Failure: REFUSED if the board refuses, UNREACHABLE
-// if it does not answer or answers with an unknown page. Requests that change nothing are repeated
-// as Attempts decides.
+// if it does not answer or answers with an unknown page. Retries requests that change nothing, as
+// Attempts decides.
 class BoardSession {
 public:
-    // Logs in. Transport and schedule must outlive it.
+    // Logs in. `transport` and `schedule` must outlive the session.
     BoardSession(Transport& transport, Schedule& schedule, const Credentials& credentials);
     BoardSession(const BoardSession&) = delete;
     BoardSession& operator=(const BoardSession&) = delete;
@@ -27,18 +27,18 @@ public:
     // up nor restore.
     BoardPage menu();
 
-    // Makes a backup and returns the bytes of its file, which are not checked.
+    // Makes a backup and returns the bytes of its file, unchecked.
     Bytes backUp(unsigned int partition);
 
     // Uploads a file. It stays on the board until restore() has used it or the session ends.
     Selection upload(const Bytes& file);
 
-    // Restores the uploaded file, which `stagedFile` names as in the Selection. Throws Failure
+    // Restores the uploaded file; `stagedFile` is the one of its Selection. Throws Failure
     // (UNKNOWN) if the outcome is not known.
     void restore(const std::string& stagedFile, const std::vector<unsigned int>& partitions);
 
     // Discards an uploaded file that was not restored, and logs out, within the time reserved for
-    // it. Returns a description of what failed, for people; empty if nothing did.
+    // the cleanup. Returns a sentence for people about what failed; empty if nothing did.
     std::string end() noexcept;
 
 private:

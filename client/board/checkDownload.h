@@ -6,8 +6,8 @@
 
 namespace Efictl {
 
-// Decodes a download. Throws Failure (UNREACHABLE) if it is not a whole configuration file of this
-// partition and its BIOS version.
+// Decodes a download. Throws Failure (UNREACHABLE) if it is not a complete configuration file of
+// this partition and its BIOS version.
 VeskLib::Host::ConfigurationFile checkDownload(const Bytes& bytes, const PartitionRow& partition);
 
 }  // namespace Efictl

@@ -10,7 +10,7 @@ namespace {
 
 using Milliseconds = Schedule::Milliseconds;
 
-const int MOST_REPEATS = 4;  // of a failed connection: the waits between them are 7.5 s
+const int MOST_REPEATS = 4;  // after a failed connection; the waits add up to 7.5 s
 const Milliseconds FIRST_WAIT{500};
 const Milliseconds LONGEST_WAIT{8000};
 const Milliseconds POLL_INTERVAL{50};  // for signals

@@ -5,14 +5,14 @@
 
 namespace Efictl {
 
-// Decides whether and when a failed request is sent again: a few times after a failed connection,
-// and as long as there is time while the board is busy.
+// Decides whether and when to retry a failed request: a few times after a failed connection, and
+// until the deadline while the board is busy.
 class Attempts {
 public:
     explicit Attempts(const Schedule& schedule) : schedule(schedule) {}
 
-    // Waits until the next attempt is due. Throws `failure` if there is none left, and Failure
-    // (FAILED) if a signal is received meanwhile.
+    // Waits until the next attempt is due. Throws `failure` if no attempt is left, and Failure
+    // (FAILED) if a signal arrives during the wait.
     void waitAfter(const PassingFailure& failure);
 
 private:
@@ -20,7 +20,7 @@ private:
     int failed = 0;
 };
 
-// Calls `request`, again after each PassingFailure, and returns its result.
+// Calls `request`, retries it after each PassingFailure, and returns its result.
 template <typename Call>
 auto repeat(const Schedule& schedule, Call request) {
     Attempts attempts(schedule);

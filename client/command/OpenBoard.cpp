@@ -22,7 +22,7 @@ Credentials credentialsOf(const Options& options) {
 
 }  // namespace
 
-// The password is asked for first, so that typing it takes nothing of the time.
+// Asks for the password before the schedule starts, so that the timeout does not include typing.
 OpenBoard::OpenBoard(const Options& options) : OpenBoard(options, credentialsOf(options)) {
 }
 
@@ -56,7 +56,7 @@ std::vector<PartitionRow> choosePartitions(const BoardPage& menu, const Options&
     }
     if (!missing.empty()) {
         throw Failure(ExitCode::REFUSED, "No such partition is installed: " + missing +
-                                             ". `efictl list` shows those that are.");
+                                             ". `efictl list` shows the installed ones.");
     }
     return chosen;
 }

@@ -7,10 +7,10 @@
 
 namespace Efictl {
 
-// The board that a command works on, for as long as the command lasts.
+// The connection and session of a command on its board.
 class OpenBoard {
 public:
-    // Connects and logs in. Throws Failure if that cannot be done.
+    // Connects and logs in. Throws Failure on error.
     explicit OpenBoard(const Options& options);
 
     BoardSession& session() { return open; }
@@ -26,8 +26,8 @@ private:
     BoardSession open;
 };
 
-// Returns the partitions of `menu` that the command line names: those of --partition or --to, or
-// all. Throws Failure (REFUSED) if one of them is not installed.
+// Returns the partitions of `menu` that were selected by --partition, --to or --all. Throws Failure
+// (REFUSED) if one of them is not installed.
 std::vector<PartitionRow> choosePartitions(const BoardPage& menu, const Options& options);
 
 // Prints a line of progress if standard error is a terminal, unless --quiet or --json is given.

@@ -42,7 +42,7 @@ bool isThisMachine(const std::string& host) {
 std::string boardAddress(const Options& options) {
     if (options.board.empty()) {
         throw Failure(ExitCode::USAGE,
-                      "No board is given. Name one with --board or in EFICTL_BOARD.");
+                      "No board is given. Give one with --board or in EFICTL_BOARD.");
     }
     const bool hasScheme = options.board.find("://") != std::string::npos;
     const URL url = parseURL((hasScheme ? "" : "https://") + options.board);
@@ -59,7 +59,7 @@ std::string boardAddress(const Options& options) {
                         !partOf(url, CURLUPART_QUERY).empty() ||
                         !partOf(url, CURLUPART_FRAGMENT).empty() || path != "/";
     if ((scheme != "https" && scheme != "http") || host.empty() || isMore) {
-        throw Failure(ExitCode::USAGE, wrong + " A user and a password have no place in it.");
+        throw Failure(ExitCode::USAGE, wrong + " It must not contain a user or a password.");
     }
     if (scheme == "http" && !isThisMachine(host) && !options.insecure) {
         throw Failure(ExitCode::USAGE,

@@ -10,11 +10,11 @@
 
 namespace Efictl {
 
-// The options of the command line; some have their default in the environment.
+// The options of the command line; some take their default from the environment.
 struct Options {
     std::string command;
 
-    // Of every command that talks to a board.
+    // Options of every command that talks to a board.
     std::string board;
     std::string user;
     std::string passwordFile;
@@ -24,7 +24,7 @@ struct Options {
     bool asJSON = false;
     bool quiet = false;
 
-    // Of some commands.
+    // Options of single commands.
     std::vector<unsigned int> partitions;
     bool allPartitions = false;
     std::string folder;
@@ -39,9 +39,9 @@ struct Options {
     std::optional<unsigned int> longestGapHours;
 };
 
-// Returns the address of the board in the form "https://name:port", without a slash at its end.
-// Throws Failure (USAGE) if it is malformed or has a user, a password or a path, and for http to
-// another machine without --insecure.
+// Returns the address of the board in the form "https://name:port", without a trailing slash.
+// Throws Failure (USAGE) if it is malformed, contains a user, a password or a path, or uses http
+// to another machine without --insecure.
 std::string boardAddress(const Options& options);
 
 // Returns the host of such an address, in the form that netrc uses.

@@ -16,7 +16,7 @@ using VeskLib::Host::ConfigurationFile;
 // The outcome of one partition.
 struct PartitionBackup {
     PartitionRow partition;
-    std::string status = "skipped";  // before it was tried
+    std::string status = "skipped";  // until it is tried
     std::string file;
     std::size_t size = 0;
     std::string sha256;
@@ -69,7 +69,8 @@ void backUp(const Options& options, BoardSession& board, BackupFolder& folder,
     backup.size = bytes.size();
     backup.sha256 = VeskLib::Host::sha256Hex(bytes);
     if (options.onlyIfChanged) {
-        // Frees the download while the newest backup is in memory; encode() can make it again.
+        // Frees the download to save memory while the newest backup is read. encode(file)
+        // restores it.
         bytes = Bytes();
         const std::optional<Backup> newest = folder.findNewest(number);
         if (newest && compare(newest->file, file, SaveTime::IGNORED).empty()) {
@@ -88,7 +89,7 @@ void backUp(const Options& options, BoardSession& board, BackupFolder& folder,
     }
 }
 
-// Returns true if the next partition would fail as well.
+// Returns true if the next partition would also fail.
 bool endsAll(const Failure& failure) {
     return failure.exitCode() != ExitCode::REFUSED;
 }
@@ -115,8 +116,7 @@ void backUpPartitions(const Options& options, Result& result) {
                 backUp(options, board.session(), folder, backup);
             }
         } catch (const Failure& failure) {
-            // Keeps the status of a backup that was stored before an older one could not be
-            // removed.
+            // With a file, the backup was stored and only the removal of older ones failed.
             if (backup.file.empty()) {
                 backup.status = statusOf(failure);
             }

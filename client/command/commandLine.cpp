@@ -11,8 +11,8 @@ namespace {
 
 const char* const STATUSES =
     "Exit status: 0 done; 1 differences found, or nothing stored with --exit-code; 2 wrong usage;\n"
-    "3 no board answers, or its answer cannot be trusted or understood; 4 refused; 5 the outcome\n"
-    "of a restore is not known; 6 failure on this machine.";
+    "3 no board answers, or its response cannot be trusted or understood; 4 refused;\n"
+    "5 the outcome of a restore is not known; 6 failure on this machine.";
 
 const unsigned int LONGEST_TIMEOUT = 24 * 60 * 60;
 const unsigned int LARGEST_PARTITION = 255;
@@ -23,8 +23,8 @@ public:
     explicit Grammar(Options& options) : options(options) {
         application.require_subcommand(1);
         application.set_version_flag("--version", "efictl " EFICTL_VERSION, "Print the version");
-        application.footer(std::string("Each command has a --help of its own. Passwords are never "
-                                       "taken from the command line.\n\n") +
+        application.footer(std::string("Each command has its own --help. A password is never read "
+                                       "from the command line.\n\n") +
                            STATUSES);
         addList();
         addBackup();
@@ -54,15 +54,15 @@ private:
             ->envname("EFICTL_BOARD");
         command->add_option("--user", options.user, "Name of the user")->envname("EFICTL_USER");
         command->add_option("--password-file", options.passwordFile,
-                            "File with the password in its first line; without it the password "
-                            "is taken from EFICTL_PASSWORD, netrc or the terminal");
+                            "File with the password on its first line; without this option, the "
+                            "password is read from EFICTL_PASSWORD, netrc or the terminal");
         command->add_option("--cacert", options.certificates,
                             "PEM file with the certificates to trust instead of the system's");
         command->add_flag("--insecure", options.insecure,
                           "Trust any certificate, and allow http:// to other machines");
         command
             ->add_option("--timeout", options.timeoutSeconds,
-                         "Time limit of the command in seconds (60)")
+                         "Time limit of the whole command in seconds (60)")
             ->check(CLI::Range(1U, LONGEST_TIMEOUT));
         return command;
     }
@@ -81,55 +81,57 @@ private:
 
     void addBackup() {
         CLI::App* const command = addForBoard("backup", "Saves configurations into a folder");
-        addPartitions(command, "--partition", "Numbers of partitions");
-        command->add_option("--out", options.folder, "The folder, one for each board")
+        addPartitions(command, "--partition", "Numbers of the partitions");
+        command->add_option("--out", options.folder, "Folder for the backups, one for each board")
             ->required()
             ->type_name("DIR");
-        command->add_flag(
-            "--if-changed", options.onlyIfChanged,
-            "Store no copy of a configuration that is the same as in the newest backup");
+        command->add_flag("--if-changed", options.onlyIfChanged,
+                          "Store nothing if a configuration is the same as in its newest backup");
         command
             ->add_option(
                 "--keep", options.keep,
-                "Remove backups that are older than the newest N usable ones of a partition")
+                "Remove the backups of a partition that are older than its newest N usable ones")
             ->check(CLI::Range(1U, 1000000U))
             ->type_name("N");
         command->add_flag("--exit-code", options.unchangedIsDifferent,
-                          "End with 1 if nothing was stored and nothing failed");
+                          "Exit with status 1 if nothing was stored and nothing failed");
     }
 
     void addRestore() {
         CLI::App* const command =
             addForBoard("restore", "Restores a configuration file to partitions");
-        command->add_option("FILE", options.files, "The file")->required()->expected(1);
+        command->add_option("FILE", options.files, "The configuration file")
+            ->required()
+            ->expected(1);
         addPartitions(command, "--to", "Numbers of the partitions");
         command->add_flag("--dry-run", options.dryRun,
-                          "Upload and check the file, show the plan, restore nothing");
+                          "Upload and check the file and show the plan, but restore nothing");
         command->add_flag("--require-same-version", options.requireSameVersion,
-                          "Only to partitions of exactly the BIOS version of the file");
+                          "Refuse partitions with another BIOS version than the file");
         command->add_flag("--require-partition", options.requirePartition,
-                          "Only to the partition that the file was saved from");
+                          "Refuse any partition except the one that the file was saved from");
     }
 
     void addDiff() {
         CLI::App* const command = addForBoard(
             "diff", "Shows which settings differ between files, or between a board and files");
         command->add_option("FILE", options.files,
-                            "The files; the first is compared with each other one");
+                            "The files; the first is compared with each of the others");
         command->add_flag("--against-board", options.againstBoard,
                           "Compare partitions with FILE, or with their newest backups in DIR");
         addPartitions(command, "--partition",
-                      "Numbers of partitions (that of FILE; with --out, all)");
-        command->add_option("--out", options.folder, "The folder of the board's backups")
+                      "Numbers of the partitions (that of FILE; with --out, all)");
+        command->add_option("--out", options.folder, "Folder of the board's backups")
             ->type_name("DIR");
     }
 
     void addVerify() {
-        CLI::App* const command = add("verify", "Checks every file of a folder of backups");
-        command->add_option("DIR", options.folder, "The folder")->required();
+        CLI::App* const command = add("verify", "Checks every file in a folder of backups");
+        command->add_option("DIR", options.folder, "Folder of a board's backups")->required();
         command
             ->add_option("--max-gap", options.longestGapHours,
-                         "Report gaps of more than HOURS between two backups of a partition")
+                         "Report gaps of more than HOURS between the backups of a partition, or "
+                         "since its newest one")
             ->check(CLI::Range(1U, 100000U))
             ->type_name("HOURS");
     }
@@ -137,7 +139,7 @@ private:
     Options& options;
 };
 
-// Returns the error in a combination of options, which the grammar cannot express; empty for none.
+// Returns the error in a combination of options that the grammar cannot check; empty if none.
 std::string findContradiction(const Options& options) {
     if (options.command == "backup" && !options.allPartitions && options.partitions.empty()) {
         return "Name the partitions with --partition N,... or --all.";

@@ -9,8 +9,8 @@ namespace Efictl {
 // A parsed command line: a command to run, or a text to print.
 struct CommandLine {
     Options options;
-    bool isReady = false;  // `options` are those of a command to run
-    std::string text;      // otherwise the help, or the error
+    bool isReady = false;  // true if there is a command to run
+    std::string text;      // if not ready: the help or the error
     bool isHelp = false;
 };
 

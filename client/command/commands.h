@@ -5,7 +5,7 @@
 
 namespace Efictl {
 
-// The commands. Each adds to `result` what it has done, and throws Failure if it cannot go on.
+// The commands. Each adds what it has done to `result`, and throws Failure if it cannot continue.
 void listPartitions(const Options& options, Result& result);
 void backUpPartitions(const Options& options, Result& result);
 void restorePartitions(const Options& options, Result& result);

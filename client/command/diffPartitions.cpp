@@ -20,7 +20,7 @@ const std::string SETTING = "setting ";
 const std::string PAYLOAD_SIZE = "payload size";
 const std::string NOTHING = "(none)";
 
-// Where two compared configurations come from.
+// The sources of two compared configurations.
 struct Pair {
     std::string file;
     std::string other;                      // empty for a partition
@@ -49,7 +49,7 @@ ordered_json toJSON(const Difference& difference, const Pair& pair) {
             {"found", valueToJSON(difference.second)}};
 }
 
-// Returns the differences between two configurations, except for save time and partition.
+// Returns the differences between two configurations, ignoring save time and partition.
 std::vector<Difference> findDifferences(const ConfigurationFile& one,
                                         const ConfigurationFile& other) {
     std::vector<Difference> all = compare(one, other, VeskLib::Board::SaveTime::IGNORED);
@@ -92,7 +92,7 @@ void compareFiles(const Options& options, Result& result) {
     }
 }
 
-// What partitions are compared with: one golden file, or each with its newest backup.
+// The files to compare partitions with: one golden file, or the newest backup of each.
 class Expectation {
 public:
     explicit Expectation(const Options& options) {

@@ -16,12 +16,12 @@ using VeskLib::Host::fitTogether;
 using VeskLib::Host::isKnownVersion;
 using VeskLib::Host::makeVisible;
 
-// Throws Failure (REFUSED) if the board has read anything else in the uploaded file than is in it.
+// Throws Failure (REFUSED) if the board's page shows other values than the uploaded file contains.
 void compareFile(const Selection& selection, const LocalFile& local) {
     const auto demand = [](bool holds, const std::string& what) {
         if (!holds) {
             throw Failure(ExitCode::REFUSED, "The board shows another " + what +
-                                                 " than the file has. Nothing was restored.");
+                                                 " than the file contains. Nothing was restored.");
         }
     };
     demand(selection.stagedFile == local.sha256, "SHA-256");
@@ -30,7 +30,7 @@ void compareFile(const Selection& selection, const LocalFile& local) {
     demand(selection.version == makeVisible(local.file.version), "BIOS version");
 }
 
-// Throws Failure (REFUSED) if the command line or the board does not allow a target.
+// Throws Failure (REFUSED) if the options or the BIOS versions do not allow a target.
 void judgeTarget(const PartitionRow& target, const LocalFile& local, const Options& options) {
     const std::string name = describePartition(target.number);
     const std::string version = makeVisible(local.file.version);
@@ -41,13 +41,13 @@ void judgeTarget(const PartitionRow& target, const LocalFile& local, const Optio
         }
     };
     demand(!options.requirePartition || target.number == local.file.partition,
-           " is not the one that the file was saved from, which is " +
+           " is not the partition that the file was saved from, which is " +
                std::to_string(local.file.partition) + ".");
     demand(!options.requireSameVersion || (areKnown && target.version == version),
-           " has the BIOS version " + target.version + ", the file " + version +
-               ", and the same is required.");
+           " has the BIOS version " + target.version + ", the file has " + version +
+               ", and --require-same-version is given.");
     demand(fitTogether(version, target.version),
-           " has the BIOS version " + target.version + " and does not take a file of " + version +
+           " has the BIOS version " + target.version + " and does not accept a file of " + version +
                ": the numbers before the first dot must be the same.");
 }
 
@@ -127,7 +127,7 @@ void restorePartitions(const Options& options, Result& result) {
         }
     } catch (const Failure& failure) {
         setStatus(result, statusOf(failure));
-        // After an unknown outcome, callers have to assume a change.
+        // If the outcome is unknown, callers must assume a change.
         result.changed = failure.exitCode() == ExitCode::UNKNOWN;
         result.fail(failure);
     }

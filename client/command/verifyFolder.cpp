@@ -19,10 +19,10 @@ std::string formatTime(std::time_t time) {
     return VeskLib::Board::formatTime(static_cast<std::uint32_t>(time));
 }
 
-// A file of the folder, and the result of its check.
+// A file in the folder and the result of its check.
 struct CheckedFile {
     std::string name;
-    std::optional<BackupName> backup;  // empty if the name is not of the form that efictl uses
+    std::optional<BackupName> backup;  // empty if the name is not one that efictl makes
     FileReport report;
     std::string problem;
     bool isNewest = false;
@@ -35,7 +35,7 @@ CheckedFile checkFile(const BackupFolder& folder, const std::string& name) {
     file.name = name;
     file.backup = BackupName::parse(name);
     file.report = VeskLib::Board::inspect(folder.pathOf(name));
-    // Frees the settings, which are not needed: there may be thousands of files.
+    // Frees the settings, which are not needed, because there may be thousands of files.
     file.report.file.payload = {};
     if (file.report.verdict != FileReport::Verdict::USABLE) {
         file.problem = std::string(nameOf(file.report.verdict)) + ": " + file.report.reason;
@@ -65,7 +65,7 @@ ordered_json toJSON(const CheckedFile& file) {
     return json;
 }
 
-// The backups of one partition: the usable ones, the oldest first, and the number of the others.
+// The backups of one partition: the usable ones, oldest first, and the number of unusable ones.
 struct History {
     std::vector<CheckedFile*> usable;
     std::size_t unusable = 0;

@@ -24,7 +24,7 @@ using VeskLib::Host::Descriptor;
 const mode_t FOLDER_MODE = 0700;
 const int FILE_MODE = 0600;
 
-// How many names are tried, each a second later, when one is taken already.
+// The number of names to try, each one second later, while the name is already taken.
 const int MOST_NAMES = 100;
 
 [[noreturn]] void throwSystemError(const std::string& what, int error) {
@@ -38,7 +38,7 @@ bool isMade(const std::string& path, const Bytes& bytes) {
     if (VeskLib::Host::createFile(path, bytes, FILE_MODE)) {
         return true;
     }
-    // On a file system without unnamed files it is written under another name and then renamed.
+    // On a file system without unnamed files, writes it under another name and then renames it.
     const bool lacksNameless = errno == EOPNOTSUPP || errno == EISDIR || errno == EINVAL;
     struct stat status = {};
     if (!lacksNameless || lstat(path.c_str(), &status) == 0) {
@@ -73,7 +73,7 @@ BackupName BackupName::make(unsigned int partition, std::time_t time) {
 
 BackupFolder::BackupFolder(const std::string& path, Use use) : path(path) {
     if (use == Use::WRITE && mkdir(path.c_str(), FOLDER_MODE) != 0 && errno != EEXIST) {
-        throwSystemError("The folder " + path + " cannot be made", errno);
+        throwSystemError("The folder " + path + " cannot be created", errno);
     }
     hold = std::make_unique<Descriptor>(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!hold->isOpen()) {
@@ -86,7 +86,7 @@ BackupFolder::BackupFolder(const std::string& path, Use use) : path(path) {
         throw Failure(ExitCode::FAILED, "Another efictl is writing into the folder " + path + ".");
     }
     if (access(path.c_str(), W_OK | X_OK) != 0) {
-        throwSystemError("The folder " + path + " cannot be written", errno);
+        throwSystemError("The folder " + path + " is not writable", errno);
     }
     VeskLib::Host::removeFilesAside(path + "/partition");
 }

@@ -19,7 +19,7 @@ struct BackupName {
     unsigned int partition = 0;
     std::time_t time = 0;
 
-    // Returns nothing for a name of another form.
+    // Returns nothing if the name has another form.
     static std::optional<BackupName> parse(const std::string& name);
     static BackupName make(unsigned int partition, std::time_t time);
 };
@@ -32,7 +32,7 @@ struct Backup {
     std::string sha256;
 };
 
-// The folder of the backups of one board. Opened for WRITE, it is locked against other writers.
+// The folder of one board's backups. While open for WRITE, it is locked against other writers.
 class BackupFolder {
 public:
     enum class Use { READ, WRITE };
@@ -41,21 +41,21 @@ public:
     // (FAILED) on error.
     BackupFolder(const std::string& path, Use use);
 
-    // Returns all backups, sorted by partition, the newest first.
+    // Returns all backups, sorted by partition, newest first.
     std::vector<BackupName> list() const;
 
-    // Returns those of one partition, the newest first.
+    // Returns the backups of one partition, newest first.
     std::vector<BackupName> list(unsigned int partition) const;
 
     // Returns the newest usable backup of a partition; nothing if there is none.
     std::optional<Backup> findNewest(unsigned int partition) const;
 
-    // Stores a backup under the current time and returns its name. The file gets the name only
-    // after its contents are on the disk. Throws Failure (FAILED) on error.
+    // Stores a backup under the current time and returns its name. The name appears only after the
+    // contents are on disk. Throws Failure (FAILED) on error.
     BackupName store(unsigned int partition, const Bytes& bytes);
 
     // Removes the backups of a partition that are older than its `keep` newest usable ones, and
-    // returns their names. Unusable files do not count, so that the last usable one always stays.
+    // returns their names. Does not count unusable files, so that the last usable one is kept.
     std::vector<std::string> removeOlder(unsigned int partition, std::size_t keep);
 
     std::string pathOf(const std::string& name) const { return path + "/" + name; }

@@ -11,7 +11,7 @@ namespace {
 using VeskLib::Host::equalsIgnoringCase;
 using VeskLib::Host::trim;
 
-// The size of all header lines together, including those of interim answers and trailers.
+// The limit for all header lines together, including those of interim responses and trailers.
 const std::size_t LARGEST_HEADER = 64 * 1024;
 
 }  // namespace
@@ -23,7 +23,7 @@ bool Answer::takeHeader(std::string_view line) {
         return false;
     }
     if (line.starts_with("HTTP/")) {
-        // The start of an answer; one before it was an interim one.
+        // A status line: any response before it was an interim one.
         response.contentType.clear();
         return true;
     }
@@ -42,7 +42,7 @@ bool Answer::takeBody(std::string_view bytes) {
         return false;
     }
     if (response.body.capacity() - response.body.size() < bytes.size()) {
-        // Not twice the limit, as a vector that grows by itself may take.
+        // A vector that grows by itself could take up to twice the limit.
         response.body.reserve(std::min(
             limit, std::max(2 * response.body.size(), response.body.size() + bytes.size())));
     }

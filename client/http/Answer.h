@@ -7,12 +7,12 @@
 
 namespace Efictl {
 
-// Collects the header lines and the body of an answer, within limits.
+// Collects the header lines and the body of a response, within limits.
 class Answer {
 public:
     Answer(Response& response, std::size_t limit) : response(response), limit(limit) {}
 
-    // Both return false if the answer is too large.
+    // Both return false if the response is too large.
     bool takeHeader(std::string_view line);
     bool takeBody(std::string_view bytes);
 

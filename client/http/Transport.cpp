@@ -17,15 +17,15 @@ namespace {
 using Milliseconds = Schedule::Milliseconds;
 using VeskLib::Board::percentEncode;
 
-// The longest time for each phase.
+// Timeouts of a connection and of a whole request.
 const Milliseconds LONGEST_CONNECT{10000};
 const Milliseconds LONGEST_REQUEST{30000};
 
-// How long a request may still take after a signal. The board may carry on with an abandoned one,
-// and so leave a file behind after the logout has removed the session's files.
+// How long a request may continue after a signal. The board may finish an aborted request after the
+// logout has removed the session's files, and then leave a file.
 const Milliseconds LONGEST_GRACE{3000};
 
-// What the callbacks of libcurl need during a request.
+// State for the callbacks of libcurl during a request.
 struct Conversation {
     Answer answer;
     bool changes;
@@ -43,9 +43,8 @@ std::size_t takeBody(char* bytes, std::size_t size, std::size_t count, void* con
     return static_cast<Conversation*>(conversation)->answer.takeBody({bytes, length}) ? length : 0;
 }
 
-// Returns 1 to abort the request: some time after the first signal, or at the second one. A request
-// that changes something is aborted by the second signal only, because its outcome would not be
-// known.
+// Returns 1 to abort the request: LONGEST_GRACE after the first signal, or at the second one. Only
+// the second signal aborts a request that changes something, because its outcome would be unknown.
 int watch(void* conversation, curl_off_t, curl_off_t, curl_off_t, curl_off_t) {
     auto& now = *static_cast<Conversation*>(conversation);
     const int signals = interruptions() - now.interruptionsBefore;
@@ -59,7 +58,7 @@ int watch(void* conversation, curl_off_t, curl_off_t, curl_off_t, curl_off_t) {
     return isOver && !now.changes ? 1 : 0;
 }
 
-// The read position in a file that is sent.
+// The read position in an uploaded file.
 struct SentFile {
     const Bytes* bytes;
     std::size_t position;
@@ -86,7 +85,7 @@ std::unique_ptr<curl_mime, FormEnd> makeForm(CURL* handle, const Request& reques
     }
     curl_mimepart* const part = curl_mime_addpart(form.get());
     curl_mime_name(part, "filename");
-    // The board requires the extension. The file's own name is not sent, because it may be private.
+    // The board requires the extension. Does not send the real name, because it may be private.
     curl_mime_filename(part, "configuration.dat");
     curl_mime_type(part, "application/octet-stream");
     curl_mime_data_cb(part, static_cast<curl_off_t>(file.bytes->size()), readFile, nullptr, nullptr,
@@ -126,9 +125,9 @@ void Transport::setTimes() {
 void Transport::prepare(const Request& request, const std::string& form, Response& response) {
     response = {};
     CURL* const curl = handle.get();
-    // Does not reset connections and cookies.
+    // Keeps connections and cookies.
     curl_easy_reset(curl);
-    // The empty name turns cookies on, in memory only.
+    // The empty name enables cookies, in memory only.
     curl_easy_setopt(curl, CURLOPT_COOKIEFILE, "");
     curl_easy_setopt(curl, CURLOPT_URL, (options.board + request.path).c_str());
     curl_easy_setopt(curl, CURLOPT_PROTOCOLS_STR, "http,https");
@@ -166,8 +165,7 @@ Response Transport::send(const Request& request) {
     const std::string form = encodeForm(request.fields);
     const Milliseconds left = schedule.left();
     if (left.count() == 0) {
-        throw Failure(ExitCode::UNREACHABLE,
-                      options.board + " did not answer within the time of --timeout.");
+        throw Failure(ExitCode::UNREACHABLE, options.board + " did not answer within --timeout.");
     }
     prepare(request, form, response);
     CURL* const curl = handle.get();
@@ -204,7 +202,7 @@ Response Transport::send(const Request& request) {
                    schedule.left() < Milliseconds(100);
     curl_easy_getinfo(curl, CURLINFO_SSL_VERIFYRESULT, &lost.certificateError);
     if (error == CURLE_ABORTED_BY_CALLBACK && request.effect != Effect::CHANGES) {
-        throw Failure(ExitCode::FAILED, "Interrupted before it was done.");
+        throw Failure(ExitCode::FAILED, "Interrupted before completion.");
     }
     throwLostRequest(lost, options.board);
 }
@@ -214,7 +212,7 @@ bool Transport::hasCookie(std::string_view name) const {
     curl_easy_getinfo(handle.get(), CURLINFO_COOKIELIST, &cookies);
     bool found = false;
     for (const curl_slist* each = cookies; each != nullptr; each = each->next) {
-        // The sixth of seven fields, which are separated by tabs, is the name.
+        // The name is the sixth of seven fields, separated by tabs.
         std::string_view line = each->data;
         for (int field = 0; field < 5; ++field) {
             line.remove_prefix(std::min(line.find('\t'), line.size() - 1) + 1);

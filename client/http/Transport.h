@@ -16,18 +16,18 @@ namespace Efictl {
 using Bytes = std::vector<unsigned char>;
 using Fields = std::vector<std::pair<std::string, std::string>>;
 
-// The largest page that is read.
+// The largest page that efictl reads.
 inline constexpr std::size_t LARGEST_PAGE = 448 * 1024;
 
-// What a request does on the board besides reading.
+// The effect of a request on the board.
 enum class Effect {
-    NONE,      // it may be sent again
-    PREPARES,  // it creates a session or stages a file, and is sent once
-    CHANGES,   // it is sent once and not aborted early, because its outcome would not be known
+    NONE,      // only reads; may be sent again
+    PREPARES,  // creates a session or stages a file; is sent once
+    CHANGES,   // is sent once and not aborted early, because its outcome would be unknown
 };
 
 struct Request {
-    std::string path;     // and query
+    std::string path;     // with the query
     bool isPost = false;  // sends `fields`
     Fields fields;
     const Bytes* file = nullptr;  // sent as the field "filename", which makes the form multipart
@@ -42,24 +42,24 @@ struct Response {
 };
 
 struct ConnectionOptions {
-    std::string board;         // "https://name:port", without a slash at its end
+    std::string board;         // "https://name:port", without a trailing slash
     std::string certificates;  // a file of PEM certificates to trust; empty for the system's
     bool verify = true;
 };
 
-// Sends requests to one board, one at a time, and keeps its cookies. Sends nothing twice, follows
-// no redirection, and limits the size and the time of every answer.
+// Sends requests to one board, one at a time, and keeps its cookies. Never sends a request twice,
+// follows no redirection, and limits the size and the time of every response.
 class Transport {
 public:
-    // The schedule must outlive it.
+    // `schedule` must outlive the transport.
     Transport(ConnectionOptions options, Schedule& schedule);
     Transport(const Transport&) = delete;
     Transport& operator=(const Transport&) = delete;
     ~Transport();
 
-    // Sends a request and returns its answer. Throws Failure: UNREACHABLE if there is no answer (a
+    // Sends a request and returns the response. Throws Failure: UNREACHABLE if there is none (a
     // PassingFailure if the request may be sent again); UNKNOWN if the request changes something
-    // and may have arrived; FAILED if a signal has interrupted it.
+    // and may have arrived; FAILED if a signal interrupted it.
     Response send(const Request& request);
 
     // Returns true if the board has set a cookie of this name, with or without "__Host-".

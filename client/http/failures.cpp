@@ -40,33 +40,33 @@ std::string describeCertificate(const LostRequest& request, const std::string& b
             return start + " is not valid yet. Check the clocks of this machine and of the board.";
         case OTHER_HOST:
         case OTHER_ADDRESS:
-            return start + " is for another name. Use the board's own name.";
+            return start + " is for another name. Use the name in the certificate.";
         default:
             break;
     }
     if (request.reason.find("subject name") != std::string::npos ||
         request.reason.find("no alternative") != std::string::npos) {
-        return start + " is for another name. Use the board's own name.";
+        return start + " is for another name. Use the name in the certificate.";
     }
     return start + " is not trusted (" + request.reason +
-           "). Name the certificate, or that of its issuer, with --cacert.";
+           "). Give the certificate or that of its issuer with --cacert.";
 }
 
 std::string describe(const LostRequest& request, const std::string& board) {
     switch (request.error) {
         case CURLE_COULDNT_RESOLVE_HOST:
-            return "There is no machine of the name in " + board + ".";
+            return "The host name in " + board + " is unknown.";
         case CURLE_COULDNT_CONNECT:
             return "No board answers at " + board + ": the connection failed.";
         case CURLE_OPERATION_TIMEDOUT:
-            return request.hurried ? board + " did not answer within the time of --timeout."
+            return request.hurried ? board + " did not answer within --timeout."
                                    : board + " did not answer in time.";
         case CURLE_SSL_CACERT_BADFILE:
-            return "The file of --cacert cannot be read, or has no certificate in it.";
+            return "The file of --cacert cannot be read or contains no certificate.";
         case CURLE_PEER_FAILED_VERIFICATION:
             return describeCertificate(request, board);
         case CURLE_SSL_CONNECT_ERROR:
-            return "There is no TLS connection to " + board + " (" + request.reason + ").";
+            return "The TLS connection to " + board + " failed (" + request.reason + ").";
         default:
             return "The connection to " + board + " broke" +
                    (request.reason.empty() ? "." : " (" + request.reason + ").");
@@ -77,7 +77,7 @@ std::string describe(const LostRequest& request, const std::string& board) {
 
 void throwLostRequest(const LostRequest& request, const std::string& board) {
     const std::string text =
-        request.tooLarge ? "The answer of " + board + " is larger than any answer of a board."
+        request.tooLarge ? "The response of " + board + " is larger than any response of a board."
                          : describe(request, board);
     const bool mayHaveArrived = !wasNotSent(request.error);
     if (request.effect == Effect::CHANGES && mayHaveArrived) {

@@ -23,7 +23,7 @@ using VeskLib::Host::readEnvironment;
 
 const std::size_t LARGEST_SECRET_FILE = 64 * 1024;
 
-// Reads a file or a pipe. Returns nothing if it is absent and `mayBeAbsent`.
+// Reads a file or a pipe. Returns nothing if it is absent and `mayBeAbsent` is true.
 std::optional<std::string> readSecret(const std::string& path, bool mayBeAbsent) {
     const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
     struct stat status = {};
@@ -71,7 +71,7 @@ std::optional<Credentials> lookInNetrc(const CredentialOptions& options) {
     return text ? findInNetrc(*text, options.host, options.user) : std::nullopt;
 }
 
-// Turns the echo of the terminal off until it is destroyed.
+// Disables the terminal's echo during its lifetime.
 class SilentTerminal {
 public:
     explicit SilentTerminal(int descriptor) : descriptor(descriptor) {
@@ -112,7 +112,7 @@ std::optional<std::string> askForPassword(const CredentialOptions& options) {
     while (asked && read(terminal.get(), &character, 1) == 1 && character != '\n') {
         password += character;
     }
-    // The line feed that ended the password was not echoed.
+    // The terminal did not echo the line feed after the password.
     const bool ended = write(terminal.get(), "\n", 1) == 1;
     return asked && ended ? std::optional(password) : std::nullopt;
 }
@@ -134,10 +134,10 @@ Credentials findCredentials(const CredentialOptions& options) {
     }
     if (found.user.empty()) {
         throw Failure(ExitCode::USAGE,
-                      "No user is given. Name one with --user, in EFICTL_USER or in netrc.");
+                      "No user is given. Give one with --user, in EFICTL_USER or in netrc.");
     }
     if (found.password.empty()) {
-        throw Failure(ExitCode::USAGE, "There is no password of " + found.user +
+        throw Failure(ExitCode::USAGE, "There is no password for " + found.user +
                                            ". Give it with --password-file, in EFICTL_PASSWORD, in "
                                            "netrc or on a terminal.");
     }

@@ -8,9 +8,9 @@ namespace {
 
 const std::string_view SPACE = " \t\r\n";
 
-// Removes the next word from `rest` and returns it; empty at the end. Skips comments, which last
-// until the end of the line. A word in quotes may contain spaces; a backslash in it escapes the
-// next character.
+// Removes the next word from `rest` and returns it; empty at the end. Skips comments, which extend
+// to the end of the line. A quoted word may contain spaces, and a backslash in it escapes the next
+// character.
 std::string takeWord(std::string_view& rest) {
     rest.remove_prefix(std::min(rest.find_first_not_of(SPACE), rest.size()));
     while (!rest.empty() && rest.front() == '#') {
@@ -35,7 +35,7 @@ std::string takeWord(std::string_view& rest) {
     return word;
 }
 
-// Skips a macro, which lasts until an empty line.
+// Skips a macro, which extends to the next empty line.
 void skipMacro(std::string_view& rest) {
     const std::size_t end = rest.find("\n\n");
     rest.remove_prefix(end == std::string_view::npos ? rest.size() : end);

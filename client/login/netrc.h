@@ -8,8 +8,8 @@
 
 namespace Efictl {
 
-// Returns the first entry for `host`, or the default entry, in the text of a netrc file; only one
-// for `user`, unless that is empty. Returns nothing if there is none with a password.
+// Returns the first entry in the text of a netrc file that has a password and is for `host` or the
+// default, and for `user` unless that is empty. Returns nothing if there is none.
 std::optional<Credentials> findInNetrc(std::string_view text, const std::string& host,
                                        const std::string& user);
 

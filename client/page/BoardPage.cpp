@@ -27,7 +27,7 @@ int numberIn(const Element& element, const char* attribute) {
                : 0;
 }
 
-// Returns the text of an element with each run of white space as one blank.
+// Returns the text of an element with each run of white space replaced by one space.
 std::string foldedText(const Element& element) {
     std::string folded;
     for (const char character : element.text()) {
@@ -54,7 +54,7 @@ Notice readNotice(const Element& element) {
         notice.code = numberIn(numbered, "data-code");
     }
     for (const Element& paragraph : element.all(hasTag(GUMBO_TAG_P))) {
-        // The label of the outcome, such as "Refused".
+        // Leaves out the label of the outcome, such as "Refused".
         if (paragraph.attribute("class") != "outcome") {
             notice.text += (notice.text.empty() ? "" : " ") + foldedText(paragraph);
         }
@@ -94,7 +94,7 @@ void readMenu(const Element& root, BoardPage& page) {
     }
 }
 
-// Reads partition, name, date and version of the file; the date is not needed.
+// Reads partition, name and version of the file. Ignores the date.
 void readFileFacts(const Element& facts, Selection& selection) {
     const std::vector<Element> values = facts.all(hasTag(GUMBO_TAG_DD));
     const std::size_t count = 4;

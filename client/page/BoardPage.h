@@ -13,19 +13,19 @@ struct Notice {
     std::string outcome;  // "done", "refused", "unknown" or empty
     int message = 0;      // its number; 0 for none
     int code = 0;
-    std::string text;  // for people, with the partitions that are concerned
+    std::string text;  // for people, with the affected partitions
 };
 
 // An installed partition, as the menu shows it.
 struct PartitionRow {
     unsigned int number = 0;
     std::string name;
-    std::string version;     // begins with "-" if the partition has no home board
+    std::string version;     // starts with "-" if the partition has no home board
     std::string lastBackup;  // ISO 8601, UTC; empty if unknown or never
     std::string lastRestore;
 };
 
-// The page after an upload: the contents of the file as the board has read it, and the partitions.
+// The page after an upload: the contents of the file as the board read it, and the partitions.
 struct Selection {
     std::string stagedFile;  // the SHA-256 of the file's bytes
     unsigned int partition = 0;
@@ -34,7 +34,7 @@ struct Selection {
     std::vector<PartitionRow> targets;
 };
 
-// The parts of a page that efictl reads. Those that the page does not have are empty.
+// The parts of a page that efictl reads. Parts missing from the page are empty.
 struct BoardPage {
     std::string title;
     std::string boardName;
@@ -44,13 +44,13 @@ struct BoardPage {
     std::string downloadPath;              // of a finished backup
     std::optional<Selection> selection;
 
-    // Returns the notice that matters most, null if there is none: "unknown" before "refused"
-    // before "done".
+    // Returns the most important notice, null if there is none: "unknown" before "refused" before
+    // "done".
     const Notice* notice() const;
 };
 
 // Parses a page. Throws Failure (UNREACHABLE) if it has too many elements. The texts may contain
-// any characters: forTerminal() makes them safe to print.
+// any characters; use forTerminal() before printing them.
 BoardPage readBoardPage(std::string_view page);
 
 }  // namespace Efictl

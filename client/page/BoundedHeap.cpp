@@ -6,7 +6,7 @@
 
 namespace Efictl {
 
-// The header of each allocation, which links it into a list.
+// The header of each allocation. Links the allocations into a list.
 struct alignas(std::max_align_t) BoundedHeap::Block {
     Block* former;
     Block* next;

@@ -5,8 +5,8 @@
 
 namespace Efictl {
 
-// A heap with a limit, for a C library that does not check for a failed allocation: above the
-// limit, allocate() leaves the library by longjmp() to `escape`, which its caller has set by
+// A heap with a limit, for a C library that does not check for failed allocations: above the limit,
+// allocate() leaves the library by longjmp() to `escape`, which the library's caller has set with
 // setjmp(). The destructor frees everything.
 class BoundedHeap {
 public:
@@ -15,7 +15,7 @@ public:
     BoundedHeap& operator=(const BoundedHeap&) = delete;
     ~BoundedHeap();
 
-    // Never returns null: at the limit it does not return.
+    // Never returns null: above the limit, calls longjmp().
     void* allocate(std::size_t size);
 
     // Frees memory of allocate(); does nothing for null.

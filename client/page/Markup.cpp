@@ -16,8 +16,8 @@ void release(void* heap, void* memory) {
     static_cast<BoundedHeap*>(heap)->release(memory);
 }
 
-// Returns null if the heap is too small. Must not have an object with a destructor, because
-// longjmp() may leave the parser.
+// Returns null if the heap is too small. Must not have local objects with destructors, because
+// longjmp() may skip them.
 GumboOutput* parseWithin(BoundedHeap& heap, const char* page, std::size_t size) {
     GumboOptions options = kGumboDefaultOptions;
     options.allocator = allocate;
@@ -40,8 +40,8 @@ bool isText(const GumboNode* node) {
            node->type == GUMBO_NODE_CDATA;
 }
 
-// Returns the node after `node` in the order of the page, null after the last one in `root`. Not
-// recursive, because the nesting of a page has no limit.
+// Returns the node after `node` in document order, null after the last one in `root`. Not
+// recursive, because nesting is unlimited.
 const GumboNode* nextNode(const GumboNode* node, const GumboNode* root) {
     if (isElement(node) && node->v.element.children.length != 0) {
         return static_cast<const GumboNode*>(node->v.element.children.data[0]);
@@ -117,7 +117,7 @@ Markup::Markup(std::string_view page) : heap(LARGEST_TREE) {
     output = parseWithin(heap, page.data(), page.size());
     if (output == nullptr) {
         throw Failure(ExitCode::UNREACHABLE,
-                      "The answer is a page of more elements than any page of a board.");
+                      "The response has more elements than any page of a board.");
     }
 }
 

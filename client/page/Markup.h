@@ -11,12 +11,12 @@
 
 namespace Efictl {
 
-// An element of a page. Its Markup must outlive it.
+// An element of a page, or no element. Its Markup must outlive it.
 class Element {
 public:
     explicit Element(const GumboNode* node) : node(node) {}
 
-    // Returns false for no element, of which no other member may be called.
+    // Returns false for no element; then no other member may be called.
     explicit operator bool() const { return node != nullptr; }
 
     bool is(GumboTag tag) const { return node->v.element.tag == tag; }
@@ -30,22 +30,22 @@ public:
 
     using Question = std::function<bool(const Element&)>;
 
-    // Returns the descendants for which `isWanted` returns true, in the order of the page.
+    // Returns the descendants for which `isWanted` returns true, in document order.
     std::vector<Element> all(const Question& isWanted) const;
 
-    // Returns the first of them, or no element.
+    // Returns the first such descendant, or no element.
     Element first(const Question& isWanted) const;
 
 private:
     const GumboNode* node;
 };
 
-// Questions for all() and first().
+// Predicates for all() and first().
 Element::Question hasTag(GumboTag tag);
 Element::Question hasAttribute(const char* name);
 Element::Question hasAttribute(const char* name, const std::string& value);
 
-// A page, parsed as browsers do. Takes less than 2 MiB for any page.
+// A page, parsed as browsers parse it. Uses less than 2 MiB for any page.
 class Markup {
 public:
     // Throws Failure (UNREACHABLE) if the page has more elements than any page of a board.

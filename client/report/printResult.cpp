@@ -14,7 +14,7 @@ using nlohmann::ordered_json;
 
 const int SCHEMA = 1;
 
-// Longer texts of a board are cut.
+// The limit in bytes for a text; the rest is cut off.
 const std::size_t LONGEST_LINE = 4096;
 
 const std::size_t LONGEST_CHARACTER = 4;

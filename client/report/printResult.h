@@ -7,11 +7,11 @@
 
 namespace Efictl {
 
-// Returns `text` in a form that is safe for a terminal: control characters, characters that change
-// the direction of text, and bytes that are not UTF-8 are replaced by visible characters.
+// Returns `text` made safe for a terminal: replaces control characters, characters that change the
+// text direction, and bytes that are not UTF-8 by visible characters, and cuts long text.
 std::string forTerminal(std::string_view text);
 
-// Prints a result to standard output, and warnings and the reason of a failure to standard error.
+// Prints the lines to standard output unless `quiet`, warnings and reason to standard error.
 void printText(const Result& result, bool quiet);
 
 // Prints a result as one JSON object in ASCII; docs/automation.md describes it.

@@ -2,6 +2,6 @@
 set(target_triple arm-linux-gnueabihf)
 set(CMAKE_SYSTEM_PROCESSOR arm)
 set(emulator qemu-arm)
-# Nothing here was compiled by a g++ before 7.1, which passed some values in another way.
+# Silences notes about values that g++ before 7.1 passed differently. Nothing was compiled by it.
 set(CMAKE_CXX_FLAGS_INIT -Wno-psabi)
 include(${CMAKE_CURRENT_LIST_DIR}/common.cmake)

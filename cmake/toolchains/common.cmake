@@ -1,5 +1,5 @@
-# What Debian's cross compilers have in common. The including file names the target_triple, the
-# CMAKE_SYSTEM_PROCESSOR and the emulator.
+# Common settings of Debian's cross compilers. The including file sets target_triple,
+# CMAKE_SYSTEM_PROCESSOR and emulator.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_C_COMPILER ${target_triple}-gcc)
 set(CMAKE_CXX_COMPILER ${target_triple}-g++)

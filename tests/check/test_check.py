@@ -1,4 +1,4 @@
-"""./check with faked steps: what it runs, what it prints, and how it ends."""
+"""Tests of ./check with faked steps: what it runs and prints, and its exit status."""
 
 import os
 import re
@@ -10,8 +10,8 @@ from pathlib import Path
 
 PROJECT = Path(__file__).resolve().parents[2]
 
-# Each command of a step appends its words to "ran" and does what the file named after them has,
-# with "-" for every blank and slash. How many tests run at once depends on the machine.
+# Appends its command line to "ran" and runs the file named after it, with "-" for every space and
+# slash. Leaves out the number of parallel tests, which depends on the machine.
 FAKE = """#!/bin/bash
 words="$(basename "$0") $*"
 words=$(sed 's/ --parallel [0-9]*//' <<<"${words% }")
@@ -95,7 +95,7 @@ Errors while running CTest
 
 
 def log_of_ctest(*tests):
-    """What ctest writes to its log of tests, each given as its output and its result."""
+    """Returns a log as ctest writes it. Each test is given as (output, result)."""
     blocks = ["%d/%d Testing: a.b\n%d/%d Test: a.b\nCommand: \"x\"\nOutput:\n%s\n%s<end of output>\n"
               "Test time =   0.01 sec\n%s\nTest %s\n\"a.b\" time elapsed: 00:00:00\n%s\n\n"
               % (number, len(tests), number, len(tests), "-" * 58, output, "-" * 58, result, "-" * 58)
@@ -117,11 +117,11 @@ GOOGLETEST = """Running main() from gtest_main.cc
 [  SKIPPED ] OneTest.c
 """
 
-# 2 passed, none failed, one skipped; and a script.
+# GoogleTest: 2 passed, none failed, 1 skipped. A script: 1 passed.
 PASSED_LOG = log_of_ctest((GOOGLETEST, "Passed."), ("formatted", "Passed."))
 
-# 1, 2 and 1 of GoogleTest, of which the last ended the process; 2, 1, 0 of node; none, 1, 0 of a
-# script; 2, 2, 1 of Python.
+# Passed, failed and skipped tests: 1, 2, 1 of GoogleTest, the last of which ended the process; 2, 1, 0
+# of node; 0, 1, 0 of a script; 2, 2, 1 of Python.
 FAILED_LOG = log_of_ctest(
     ("""[ RUN      ] OneTest.passes
 [       OK ] OneTest.passes (0 ms)
@@ -174,7 +174,7 @@ class Check(unittest.TestCase):
                         encoding="utf-8")
 
     def fake_tests(self, preset, output, log, status=0, options=""):
-        """Lets a ctest print `output` and leave the log of its tests."""
+        """Makes ctest print `output`, and writes the log of its tests."""
         self.fake("ctest --preset " + preset + options, output, status)
         folder = self.folder / "build" / preset / "Testing/Temporary"
         folder.mkdir(parents=True, exist_ok=True)
@@ -218,20 +218,20 @@ class Check(unittest.TestCase):
         self.assertEqual(lines[-1], "18 passed, 0 failed, 6 skipped")
         self.assertLess(len(lines), 25)
 
-    def test_quick_runs_less_and_says_what_it_leaves_out(self):
+    def test_quick_names_the_steps_left_out(self):
         self.fake_tests("release", PASSED, PASSED_LOG, options=" --label-regex ^quick$")
         status, output = self.run_check("quick")
         self.assertEqual((status, self.ran()), (0, QUICK_STEPS), output)
         self.assertIn("\nLeft out: the other tests, the other builds, ", output)
         self.assertTrue(output.endswith("\n3 passed, 0 failed, 1 skipped\n"), output)
 
-    def test_quick_fails_when_a_test_does(self):
+    def test_quick_fails_if_a_test_fails(self):
         self.fake_tests("release", FAILED, FAILED_LOG, 8, " --label-regex ^quick$")
         status, output = self.run_check("quick")
         self.assertEqual(status, 1)
         self.assertIn("-- unit.1: OneTest.fails\n", output)
 
-    def test_counts_what_earlier_runs_have_counted_no_more(self):
+    def test_removes_profiles_of_earlier_runs(self):
         profiles = self.folder / "build/asan/profiles/unit"
         profiles.mkdir(parents=True)
         self.run_check()
@@ -245,7 +245,7 @@ class Check(unittest.TestCase):
         self.assertNotIn("compiled a file", output)
         self.assertNotIn("unit.one", output)
 
-    def test_begins_the_log_anew(self):
+    def test_truncates_the_log(self):
         self.run_check()
         size = len(self.log())
         self.run_check()
@@ -271,7 +271,7 @@ class Check(unittest.TestCase):
         self.assertTrue(output.endswith(
             "Failed: Testing release\n20 passed, 6 failed, 7 skipped\n"), output)
 
-    def test_shows_the_failures_of_every_build(self):
+    def test_shows_failures_of_every_build(self):
         self.fake_tests("arm32", FAILED.replace("one.cpp:7", "arm.cpp:1"), FAILED_LOG, 8)
         self.fake_tests("tsan", FAILED.replace("one.cpp:7", "race.cpp:1"), FAILED_LOG, 8)
         status, output = self.run_check()
@@ -279,7 +279,7 @@ class Check(unittest.TestCase):
         self.assertLess(output.index("race.cpp:1: Failure"), output.index("arm.cpp:1: Failure"))
         self.assertTrue(output.endswith("22 passed, 12 failed, 8 skipped\n"), output)
 
-    def test_shows_why_a_long_output_means_failure(self):
+    def test_shows_the_failure_in_a_long_output(self):
         early = "not ok 2 - asks about a file\n  error: 'expected a question'\n"
         output_of_test = early + "".join("ok %d\n" % number for number in range(3, 3000))
         self.fake_tests("release", FAILED.replace("the server did not answer\n", output_of_test),
@@ -291,7 +291,7 @@ class Check(unittest.TestCase):
         self.assertLess(len(output.splitlines()), 160)
         self.assertIn("ok 1500\n", self.log())
 
-    def test_ends_when_a_build_fails(self):
+    def test_stops_when_a_build_fails(self):
         self.fake_tests("release", FAILED, FAILED_LOG, 8)
         lines = ["line %d of the compiler" % number for number in range(200)]
         self.fake("cmake --build --preset asan", "\n".join(lines) + "\n", 3)
@@ -304,13 +304,13 @@ class Check(unittest.TestCase):
         self.assertIn("one.cpp:7: Failure\n", output)
         self.assertTrue(output.endswith("5 passed, 6 failed, 2 skipped\n"), output)
 
-    def test_does_not_build_what_is_not_configured(self):
+    def test_does_not_build_after_a_failed_configuration(self):
         self.fake("cmake --preset tsan", "no such compiler\n", 1)
         status, _ = self.run_check()
         self.assertEqual(status, 1)
         self.assertEqual(self.ran()[-1], "cmake --preset tsan")
 
-    def test_shows_why_the_coverage_or_the_fuzzing_failed(self):
+    def test_shows_why_coverage_or_fuzzing_failed(self):
         self.fake("coverage --counted", COVERAGE + "That is less than 98 %.\n", 1)
         self.fake("run short", FUZZING.replace("9         0", "9         1") + "crash\n", 1)
         status, output = self.run_check()
@@ -321,31 +321,31 @@ class Check(unittest.TestCase):
         self.assertTrue(output.endswith(
             "Failed: Measuring the coverage\nFailed: Fuzzing\n18 passed, 0 failed, 6 skipped\n"), output)
 
-    def test_shows_what_the_linter_finds(self):
+    def test_shows_findings_of_the_linter(self):
         self.fake("lint --changed", "a.cpp:1: warning: no\n", 1)
         status, output = self.run_check()
         self.assertEqual(status, 1)
         self.assertIn("a.cpp:1: warning: no\n", output)
 
-    def test_a_ctest_that_runs_nothing_is_a_failure(self):
+    def test_fails_if_ctest_runs_no_tests(self):
         self.fake("ctest --preset asan", "No tests were found!!!\n", 8)
         status, output = self.run_check()
         self.assertEqual(status, 1)
         self.assertIn("No tests were found!!!\n", output)
 
-    def test_no_log_of_the_tests_is_a_failure(self):
+    def test_fails_without_a_log_of_the_tests(self):
         shutil.rmtree(self.folder / "build/tsan")
         status, output = self.run_check()
         self.assertEqual(status, 1)
         self.assertIn("count_tests: there is no build/tsan/", output)
 
-    def test_counts_what_a_brief_googletest_prints(self):
+    def test_counts_brief_googletest_output(self):
         brief = "[==========] 12 tests from 2 test suites ran. (1 ms total)\n[  PASSED  ] 12 tests.\n"
         self.fake_tests("arm64", PASSED, log_of_ctest((brief, "Passed.")))
         _, output = self.run_check()
         self.assertRegex(output, r"Testing arm64 \.\.\. done \(\d+ s, 12 passed, 0 failed\)\n")
 
-    def test_takes_no_other_words(self):
+    def test_rejects_other_arguments(self):
         status, output = self.run_check("--help")
         self.assertEqual(status, 0)
         self.assertIn("Usage: ./check [quick]\n", output)

@@ -1,4 +1,4 @@
-"""tools/lint with a faked linter: which sources it looks at."""
+"""Tests of tools/lint with a faked linter: which sources it selects."""
 
 import os
 import re
@@ -10,7 +10,7 @@ from pathlib import Path
 
 PROJECT = Path(__file__).resolve().parents[2]
 
-# Leaves its last word, the pattern of the sources, and finds what is in "findings".
+# Writes its last argument, the pattern of the sources, to "pattern", and prints the file "findings".
 LINTER = """#!/bin/bash
 echo "${@: -1}" >"$FAKES/pattern"
 if [ -e "$FAKES/findings" ]; then
@@ -55,7 +55,7 @@ class Lint(unittest.TestCase):
         self.git("commit", "-qm", "a change")
 
     def lint(self, *words):
-        """The exit status, the output and which of the project's sources were looked at."""
+        """Runs tools/lint. Returns its exit status, its output and the sources that it selected."""
         result = subprocess.run([self.project / "tools/lint", *words], check=False, text=True,
                                 stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
                                 env=self.environment())
@@ -72,12 +72,12 @@ class Lint(unittest.TestCase):
         self.commit()
         self.git("checkout", "-qb", "branch")
 
-    def test_looks_at_everything_but_the_tests(self):
+    def test_lints_everything_except_tests(self):
         self.write("data/a.cpp")
         self.write("tests/a.cpp")
         self.assertEqual(self.lint(), (0, "", ["data/a.cpp", "pages/old.cpp"]))
 
-    def test_looks_at_what_a_branch_changed_in_any_commit_or_since(self):
+    def test_lints_committed_and_uncommitted_changes_of_a_branch(self):
         self.start_branch()
         self.write("data/a.cpp")
         self.commit()
@@ -89,14 +89,14 @@ class Lint(unittest.TestCase):
         self.assertIn("Linted: data/a.cpp\n", output)
         self.assertNotIn("Left out", output)
 
-    def test_a_header_counts_as_its_source(self):
+    def test_lints_the_source_of_a_changed_header(self):
         self.start_branch()
         self.write("pages/old.h")
         self.write("data/alone.h")
         self.commit()
         self.assertEqual(self.lint("--changed")[2], ["pages/old.cpp"])
 
-    def test_what_main_did_meanwhile_is_not_the_branchs(self):
+    def test_ignores_later_commits_on_main(self):
         self.start_branch()
         self.write("data/a.cpp")
         self.commit()
@@ -106,7 +106,7 @@ class Lint(unittest.TestCase):
         self.git("checkout", "-q", "branch")
         self.assertEqual(self.lint("--changed")[2], ["data/a.cpp"])
 
-    def test_on_main_the_last_commit_counts(self):
+    def test_lints_the_last_commit_on_main(self):
         self.start_branch()
         self.git("checkout", "-q", "main")
         for name in ("data/a.cpp", "data/b.cpp"):
@@ -114,7 +114,7 @@ class Lint(unittest.TestCase):
             self.commit()
         self.assertEqual(self.lint("--changed")[2], ["data/b.cpp"])
 
-    def test_looks_at_no_more_than_it_may_and_names_the_rest(self):
+    def test_limits_the_sources_and_names_the_rest(self):
         self.start_branch()
         names = ["data/%d.cpp" % number for number in range(15)]
         for name in names:
@@ -126,7 +126,7 @@ class Lint(unittest.TestCase):
             left_out = re.findall("Left out: (.*)", output)
             self.assertEqual(sorted(files + left_out), sorted(names))
 
-    def test_without_changes_the_linter_is_not_started(self):
+    def test_does_not_start_the_linter_without_changes(self):
         self.start_branch()
         self.write("README.md")
         self.commit()
@@ -134,7 +134,7 @@ class Lint(unittest.TestCase):
         self.assertEqual((status, files), (0, []))
         self.assertIn("no source was changed", output)
 
-    def test_without_git_nothing_is_linted(self):
+    def test_lints_nothing_without_git(self):
         status, output, files = self.lint("--changed")
         self.assertEqual((status, files), (0, []))
         self.assertIn("without git", output)
@@ -144,7 +144,7 @@ class Lint(unittest.TestCase):
         (self.fakes / "findings").write_text(finding + "a line\n" + finding, encoding="utf-8")
         self.assertEqual(self.lint()[:2], (1, finding))
 
-    def test_takes_no_other_options(self):
+    def test_rejects_other_options(self):
         self.assertEqual(self.lint("--help")[0], 0)
         for words in (["--all"], ["a", "b"], ["--changed", "x", "y"]):
             self.assertEqual(self.lint(*words)[0], 2)

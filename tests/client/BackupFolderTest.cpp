@@ -42,7 +42,7 @@ protected:
     std::string path;
 };
 
-TEST_F(BackupFolderTest, namesSayPartitionAndTime) {
+TEST_F(BackupFolderTest, nameContainsPartitionAndTime) {
     const BackupName made = BackupName::make(3, 1795348467);
     EXPECT_EQ(made.name, "partition003-20261122T115427Z.dat");
     const std::optional<BackupName> read = BackupName::parse(made.name);
@@ -51,7 +51,7 @@ TEST_F(BackupFolderTest, namesSayPartitionAndTime) {
     EXPECT_EQ(read->time, made.time);
 }
 
-TEST_F(BackupFolderTest, otherNamesAreNone) {
+TEST_F(BackupFolderTest, rejectsOtherNames) {
     for (const char* const name :
          {"", "a.dat", "partition3-20261122T115427Z.dat", "partition003-20261122T115427Z.dat~",
           "partition003-2026112T115427Z.dat", "../partition003-20261122T115427Z.dat",
@@ -60,7 +60,7 @@ TEST_F(BackupFolderTest, otherNamesAreNone) {
     }
 }
 
-TEST_F(BackupFolderTest, storesTwiceInASecondUnderTwoNames) {
+TEST_F(BackupFolderTest, givesTwoBackupsOfOneSecondDifferentNames) {
     BackupFolder folder(path, BackupFolder::Use::WRITE);
     const BackupName first = folder.store(1, fileOf(1));
     const BackupName second = folder.store(1, fileOf(1));
@@ -68,13 +68,13 @@ TEST_F(BackupFolderTest, storesTwiceInASecondUnderTwoNames) {
     EXPECT_EQ(folder.list(1).size(), 2U);
 }
 
-TEST_F(BackupFolderTest, isWrittenByOneAtATime) {
+TEST_F(BackupFolderTest, isLockedAgainstOtherWriters) {
     const BackupFolder folder(path, BackupFolder::Use::WRITE);
     EXPECT_THROW(BackupFolder(path, BackupFolder::Use::WRITE), Failure);
     EXPECT_NO_THROW(BackupFolder(path, BackupFolder::Use::READ));
 }
 
-TEST_F(BackupFolderTest, findsTheNewestUsableBackupOfThePartition) {
+TEST_F(BackupFolderTest, findsNewestUsableBackup) {
     put("partition001-20200101T000000Z.dat", fileOf(1, "old"));
     put("partition001-20210101T000000Z.dat", fileOf(1, "new"));
     put("partition001-20220101T000000Z.dat", fileOf(2, "of another partition"));
@@ -86,7 +86,7 @@ TEST_F(BackupFolderTest, findsTheNewestUsableBackupOfThePartition) {
     EXPECT_FALSE(folder.findNewest(2));
 }
 
-TEST_F(BackupFolderTest, neverRemovesTheLastUsableBackup) {
+TEST_F(BackupFolderTest, keepsLastUsableBackup) {
     put("partition001-20200101T000000Z.dat", fileOf(1));
     put("partition001-20210101T000000Z.dat", {1});
     put("partition001-20220101T000000Z.dat", {});
@@ -97,7 +97,7 @@ TEST_F(BackupFolderTest, neverRemovesTheLastUsableBackup) {
                 testing::ElementsAre("partition001-20190101T000000Z.dat"));
 }
 
-TEST_F(BackupFolderTest, aFolderThatIsNotThereIsAFailureForReaders) {
+TEST_F(BackupFolderTest, throwsIfFolderToReadIsAbsent) {
     EXPECT_THROW(BackupFolder(path, BackupFolder::Use::READ), Failure);
 }
 

@@ -35,11 +35,11 @@ TEST(BoardPageTest, readsTheMenu) {
     EXPECT_EQ(page.partitions[1].lastRestore, "");
 }
 
-TEST(BoardPageTest, readsAMenuOfManyPartitions) {
+TEST(BoardPageTest, readsMenuOfManyPartitions) {
     EXPECT_EQ(readBoardPage(menuOf(128)).partitions.size(), 128U);
 }
 
-TEST(BoardPageTest, leavesOutRowsThatAreNoPartitions) {
+TEST(BoardPageTest, skipsRowsWithoutPartitionNumber) {
     for (const char* const number : {"", "x", "-1", "1x", " 1", "99999999999999"}) {
         std::string page = menuOf(1);
         page.replace(page.find(">0<"), 3, ">" + std::string(number) + "<");
@@ -47,7 +47,7 @@ TEST(BoardPageTest, leavesOutRowsThatAreNoPartitions) {
     }
 }
 
-TEST(BoardPageTest, readsTheNoticeThatMattersMost) {
+TEST(BoardPageTest, returnsMostImportantNotice) {
     const BoardPage page = readBoardPage(
         "<div data-outcome=\"done\"><p data-message=\"70\" data-code=\"0\">Done</p></div>"
         "<div data-outcome=\"unknown\"><p class=\"outcome\">?</p><p data-message=\"71\" "
@@ -74,7 +74,7 @@ TEST(BoardPageTest, readsTheSelection) {
     EXPECT_EQ(page.selection->targets[0].version, "-");
 }
 
-TEST(BoardPageTest, refusesTooManyElements) {
+TEST(BoardPageTest, rejectsTooManyElements) {
     std::string page;
     for (int i = 0; i < 60000; ++i) {
         page += "<b a" + std::to_string(i) + ">";
@@ -82,7 +82,7 @@ TEST(BoardPageTest, refusesTooManyElements) {
     EXPECT_THROW(readBoardPage(page), Failure);
 }
 
-TEST(BoardPageTest, readsNothingInAnEmptyPage) {
+TEST(BoardPageTest, readsNothingFromEmptyPage) {
     const BoardPage page = readBoardPage("");
     EXPECT_FALSE(page.isMenu);
     EXPECT_EQ(page.notice(), nullptr);

@@ -27,7 +27,7 @@ TEST(CommandLineTest, readsPartitionsInEveryForm) {
     EXPECT_THAT(line.options.files, testing::ElementsAre("a.dat"));
 }
 
-TEST(CommandLineTest, refusesWhatMakesNoSense) {
+TEST(CommandLineTest, rejectsInvalidCommandLines) {
     EXPECT_FALSE(read({}).isReady);
     EXPECT_FALSE(read({"backup", "--out", "o"}).isReady);
     EXPECT_FALSE(read({"backup", "--out", "o", "--all", "--partition", "1"}).isReady);

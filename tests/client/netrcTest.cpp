@@ -24,11 +24,11 @@ TEST(NetrcTest, findsTheUser) {
     EXPECT_EQ(find(text, "a", "w"), "none");
 }
 
-TEST(NetrcTest, takesTheDefaultEntry) {
+TEST(NetrcTest, usesDefaultEntry) {
     EXPECT_EQ(find("machine a login u password p default login d password e", "b"), "d:e");
 }
 
-TEST(NetrcTest, passesOverCommentsMacrosAndAccounts) {
+TEST(NetrcTest, skipsCommentsMacrosAndAccounts) {
     EXPECT_EQ(
         find("# machine a password no\nmacdef m\nmachine a password no\n\nmachine a account x "
              "login u password p",
@@ -40,7 +40,7 @@ TEST(NetrcTest, readsQuotedWords) {
     EXPECT_EQ(find("machine a login u password \"p q\\\"r\"", "a"), "u:p q\"r");
 }
 
-TEST(NetrcTest, takesNoEntryWithoutAPassword) {
+TEST(NetrcTest, ignoresEntriesWithoutPassword) {
     EXPECT_EQ(find("machine a login u", "a"), "none");
     EXPECT_EQ(find("", "a"), "none");
     EXPECT_EQ(find("machine", "a"), "none");

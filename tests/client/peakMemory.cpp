@@ -1,6 +1,6 @@
-// Runs a command and writes the largest resident set that it had, in KiB, to the file that is named
-// first. A process takes over the peak of the one that has started it, so that a small program has
-// to do it; an interpreter's own would be measured.
+// Runs a command and writes its peak resident set size, in KiB, to the file given as the first
+// argument. A process inherits the peak of its parent: started by an interpreter, it would report
+// the interpreter's.
 
 #include <sys/resource.h>
 #include <sys/wait.h>

@@ -1,4 +1,4 @@
-"""efictl list and backup, against a served board."""
+"""Tests of efictl list and backup against a served board."""
 
 import fcntl
 import hashlib
@@ -31,12 +31,12 @@ class ListTest(BoardTest):
         last = self.efictl("list", "--json").partition(7)["last_backup"]
         self.assertRegex(last, r"^\d{4}-\d\d-\d\dT\d\d:\d\d:\d\dZ$")
 
-    def test_reads_a_board_in_any_language(self):
-        # The program asks for English, whatever the user's environment says.
+    def test_reads_board_in_any_language(self):
+        # efictl asks the board for English, whatever the locale.
         run = self.efictl("list", "--json", LANG="ja_JP.UTF-8", LANGUAGE="ja")
         self.assertEqual(len(run.json["partitions"]), len(INSTALLED))
 
-    def test_leaves_no_session(self):
+    def test_ends_its_session(self):
         self.efictl("list")
         self.assertEqual(self.left_on_board(), [])
 
@@ -46,7 +46,7 @@ class ListTest(BoardTest):
 
 
 class BackupTest(BoardTest):
-    def test_stores_what_the_board_has(self):
+    def test_stores_every_partition(self):
         run = self.efictl("backup", "--all", "--out", self.out, "--json")
         self.assert_ended(run, DONE)
         self.assertTrue(run.json["changed"])
@@ -58,7 +58,7 @@ class BackupTest(BoardTest):
             self.assertEqual(each["sha256"], hashlib.sha256(data).hexdigest())
         self.assertEqual(self.left_on_board(), [])
 
-    def test_only_the_user_may_read_a_backup(self):
+    def test_makes_backups_private(self):
         path = self.back_up(3)
         self.assertEqual(path.stat().st_mode & 0o777, 0o600)
         self.assertEqual(self.out.stat().st_mode & 0o777, 0o700)
@@ -72,7 +72,7 @@ class BackupTest(BoardTest):
         self.assertEqual(run.partition(3)["file"], first.name)
         self.assertEqual(self.backups(), [first.name])
 
-    def test_exit_code_says_that_nothing_changed(self):
+    def test_exit_code_reports_that_nothing_changed(self):
         self.back_up(3)
         run = self.efictl("backup", "--partition", 3, "--out", self.out, "--if-changed",
                           "--exit-code", "--json")
@@ -129,13 +129,13 @@ class BackupTest(BoardTest):
         self.board.control("refuse", BACKUP, 1047, "--times", 2)
         self.back_up(3)
 
-    def test_a_board_that_stays_busy_is_refused_with_its_reason(self):
+    def test_reports_a_board_that_stays_busy(self):
         self.board.control("refuse", BACKUP, 1047, "--times", 50)
         run = self.efictl("backup", "--partition", 3, "--out", self.out, "--timeout", 4, "--json")
         self.assert_ended(run, REFUSED)
         self.assertEqual((run.json["reason"]["message"], run.json["reason"]["code"]), (250, 1047))
 
-    def test_goes_on_after_a_refusal(self):
+    def test_continues_after_a_refusal(self):
         self.board.control("refuse", BACKUP, 1603)
         run = self.efictl("backup", "--all", "--out", self.out, "--json")
         self.assert_ended(run, REFUSED)
@@ -144,11 +144,11 @@ class BackupTest(BoardTest):
         self.assertEqual(run.partition(0)["reason"]["code"], 1603)
         self.assertEqual(len(self.backups()), 4)
 
-    def test_repeats_after_the_back_end_died(self):
+    def test_retries_after_the_back_end_died(self):
         self.board.control("die", "--back-in", 1500)
         self.assert_ended(self.efictl("list"), DONE)
 
-    def test_every_code_of_a_backup_is_told_apart(self):
+    def test_reports_every_code_of_a_refused_backup(self):
         for code in (1602, 1603, 1604, 1605, 1606, 1608, 1609, 1611, 1612, 1599):
             with self.subTest(code=code):
                 self.board.control("refuse", BACKUP, code)
@@ -157,8 +157,8 @@ class BackupTest(BoardTest):
                 self.assertEqual(run.json["reason"]["code"], code)
         self.assertEqual(self.backups(), [])
 
-    def test_a_backup_that_the_back_end_does_not_answer_is_refused(self):
-        # The board itself answers, and its page says that nothing was changed.
+    def test_reports_a_back_end_that_does_not_answer(self):
+        # The board itself responds: its page reports that nothing was changed.
         for code, requests in ((2001, 5), (2002, 5), (2003, 5), (2004, 1)):
             with self.subTest(code=code):
                 self.board.control("refuse", BACKUP, code, "--times", requests)
@@ -169,24 +169,24 @@ class BackupTest(BoardTest):
                 self.assertEqual(run.partition(3)["status"], "refused")
                 self.assertFalse(run.json["changed"])
                 self.assertEqual(self.backups(), [])
-                # It was asked as often as that, and not once more.
+                # All refusals are used up, so that no fewer requests were sent.
                 self.assertNotIn("refused", self.board.control("status"))
                 self.back_up(3)
                 shutil.rmtree(self.out)
 
-    def test_a_backup_is_repeated_until_the_back_end_answers(self):
+    def test_retries_a_backup_until_the_back_end_answers(self):
         for code in (2001, 2002, 2003):
             with self.subTest(code=code):
                 self.board.control("refuse", BACKUP, code, "--times", 2)
                 self.back_up(3)
 
-    def test_a_login_that_the_back_end_does_not_answer_is_refused(self):
+    def test_reports_a_login_without_back_end(self):
         self.board.control("torn", 3, "--times", 100)
         run = self.efictl("backup", "--partition", 3, "--out", self.out, "--json")
         self.assert_ended(run, REFUSED)
         self.assertEqual((run.json["reason"]["message"], run.json["reason"]["code"]), (9105, 2003))
 
-    def test_a_lost_answer_is_asked_for_again(self):
+    def test_retries_after_a_lost_response(self):
         for order in (("torn", 3), ("silent",)):
             with self.subTest(order=order[0]):
                 self.board.control(*order)
@@ -194,19 +194,19 @@ class BackupTest(BoardTest):
 
 
 class FolderFailureTest(BoardTest):
-    def test_a_folder_that_is_not_writable(self):
+    def test_folder_not_writable(self):
         self.out.mkdir(mode=0o500)
         if os.access(self.out, os.W_OK):
             self.out.rmdir()
-            self.out.symlink_to("/proc")  # where not even root may write
+            self.out.symlink_to("/proc")  # not even root may write there
         self.assert_ended(self.efictl("backup", "--all", "--out", self.out, "--json"), FAILED, "folder")
 
-    def test_a_file_in_the_place_of_the_folder(self):
+    def test_file_instead_of_folder(self):
         self.out.write_bytes(b"")
         self.assert_ended(self.efictl("backup", "--all", "--out", self.out), FAILED,
                           "Not a directory")
 
-    def test_a_full_disk(self):
+    def test_disk_full(self):
         command = ["strace", "-f", "-qq", "-o", "/dev/null", "-e", "inject=fsync:error=ENOSPC",
                    EFICTL, "backup", "--partition", "3", "--out", str(self.out)]
         run = subprocess.run(command, env=environment(**self.account.variables), check=False,
@@ -215,17 +215,17 @@ class FolderFailureTest(BoardTest):
                           "the disk is full")
         self.assertEqual(self.backups(), [])
 
-    def test_a_folder_is_written_by_one_at_a_time(self):
+    def test_folder_locked_by_another_efictl(self):
         self.out.mkdir()
         descriptor = os.open(self.out, os.O_RDONLY)
         self.addCleanup(os.close, descriptor)
         fcntl.flock(descriptor, fcntl.LOCK_EX)
         self.assert_ended(self.efictl("backup", "--all", "--out", self.out), FAILED, "Another efictl")
 
-    def test_partitions_have_to_be_named(self):
+    def test_requires_partitions(self):
         self.assert_ended(self.efictl("backup", "--out", self.out), USAGE, "--all")
 
-    def test_a_partition_that_is_not_installed(self):
+    def test_partition_not_installed(self):
         run = self.efictl("backup", "--partition", "3,4", "--out", self.out, "--json")
         self.assert_ended(run, REFUSED, "4")
         self.assertEqual(self.backups(), [])

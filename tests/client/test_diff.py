@@ -1,4 +1,4 @@
-"""efictl diff and verify, and the recipe for those who have only curl."""
+"""Tests of efictl diff and verify, and of the documented recipe with curl alone."""
 
 import re
 import subprocess
@@ -24,28 +24,28 @@ class FileDiffTest(FolderTest):
         self.assertEqual(found, [("setting", "B", "2", "3"), ("setting", "C", None, "4")])
         self.assertFalse(run.json["changed"])
 
-    def test_compares_the_first_with_each_other(self):
+    def test_compares_the_first_with_each_of_the_others(self):
         files = self.files(b"A=1\n", b"A=1\n", b"A=2\n")
         run = efictl("diff", *files, "--json")
         self.assertEqual([each["other"] for each in run.json["differences"]], [str(files[2])])
 
-    def test_same_files(self):
+    def test_equal_files(self):
         self.assert_ended(efictl("diff", *self.files(b"A=1\n", b"A=1\n"), "--json"), DONE)
 
-    def test_a_damaged_file(self):
+    def test_damaged_file(self):
         good = self.write("good.dat", configuration_file())
         run = efictl("diff", good, self.write("bad.dat", b"bad"), "--json")
         self.assert_ended(run, FAILED, "bad.dat")
 
 
 class BoardDiffTest(BoardTest):
-    def test_a_board_that_is_as_its_backups(self):
+    def test_board_equal_to_its_backups(self):
         self.assert_ended(self.efictl("backup", "--all", "--out", self.out), DONE)
         run = self.efictl("diff", "--against-board", "--out", self.out, "--json")
         self.assert_ended(run, DONE)
         self.assertEqual({each["status"] for each in run.json["partitions"]}, {"same"})
 
-    def test_drift_is_shown_by_setting(self):
+    def test_reports_drift_by_setting(self):
         self.assert_ended(self.efictl("backup", "--all", "--out", self.out), DONE)
         golden = self.write("new.dat", configuration_file(payload=b"Boot mode=Drift\n"))
         self.assert_ended(self.efictl("restore", golden, "--to", 3), DONE)
@@ -55,14 +55,14 @@ class BoardDiffTest(BoardTest):
                       [(each["name"], each["expected"], each["found"])
                        for each in run.json["differences"]])
         self.assertEqual({each["partition"] for each in run.json["differences"]}, {3})
-        # And it is as the golden file.
+        # It is now equal to the golden file.
         self.assert_ended(self.efictl("diff", "--against-board", golden), DONE)
         many = self.efictl("diff", "--against-board", golden, "--partition", "3,7", "--json")
         self.assertEqual(many.partition(3)["status"], "same")
         self.assertEqual(many.partition(7)["status"], "different")
         self.assertEqual(self.left_on_board(), [])
 
-    def test_a_partition_without_a_backup(self):
+    def test_partition_without_backup(self):
         self.back_up(3)
         run = self.efictl("diff", "--against-board", "--out", self.out, "--json")
         self.assert_ended(run, FAILED, "no usable backup")
@@ -77,7 +77,7 @@ class VerifyTest(FolderTest):
     def verify(self, *options):
         return efictl("verify", self.out, *options, "--json")
 
-    def test_a_folder_in_order(self):
+    def test_usable_folder(self):
         self.put("partition003-20260101T000000Z.dat", configuration_file())
         self.put("partition003-20260102T000000Z.dat", configuration_file())
         run = self.verify()
@@ -86,7 +86,7 @@ class VerifyTest(FolderTest):
         self.assertEqual(run.partition(3)["newest"], "partition003-20260102T000000Z.dat")
         self.assertEqual(run.partition(3)["usable"], 2)
 
-    def test_files_that_are_not_usable(self):
+    def test_unusable_files(self):
         self.put("partition003-20260101T000000Z.dat", configuration_file())
         self.put("partition003-20260102T000000Z.dat", configuration_file()[:-1])
         self.put("partition005-20260102T000000Z.dat", configuration_file())
@@ -98,7 +98,7 @@ class VerifyTest(FolderTest):
         self.assertIn("partition 3 instead", problems[2])
         self.assertEqual(run.partition(3)["newest"], "partition003-20260101T000000Z.dat")
 
-    def test_gaps(self):
+    def test_reports_gaps(self):
         self.put("partition003-20260101T000000Z.dat", configuration_file())
         self.put("partition003-20260103T000000Z.dat", configuration_file())
         run = self.verify("--max-gap", 24)
@@ -109,7 +109,7 @@ class VerifyTest(FolderTest):
         self.assertIsNone(gaps[1]["to"])
         self.assertEqual(self.verify().json["gaps"], [])
 
-    def test_an_empty_folder_and_none(self):
+    def test_empty_and_absent_folder(self):
         self.out.mkdir()
         self.assert_ended(self.verify(), DIFFERENT, "no backup")
         self.out.rmdir()
@@ -117,7 +117,7 @@ class VerifyTest(FolderTest):
 
 
 class CurlTest(BoardTest):
-    def test_the_recipe_makes_a_backup(self):
+    def test_recipe_makes_a_backup(self):
         text = DOCUMENT.read_text(encoding="utf-8").split("## With curl alone")[1]
         recipe = "\n".join(re.findall(r"^    (.*)$", text, re.MULTILINE))
         self.assertIn("curl", recipe)

@@ -1,4 +1,4 @@
-"""efictl against boards that do not mean well."""
+"""Tests of efictl against hostile boards."""
 
 import hashlib
 import os
@@ -12,7 +12,7 @@ from client import (BUILD, DONE, EFICTL, REFUSED, UNKNOWN, UNREACHABLE, Account,
 from client.hostile import (SCREEN, HostileBoard, backup, endless, file, hang_up, html, menu,
                             selection, silence)
 
-# More than efictl may need for its answers, so that a busy machine does not fail a test.
+# Added to the timeout, so that a test does not fail on a busy machine.
 SLACK_SECONDS = 20
 PEAK_MEMORY = BUILD / "tests/client/peak_memory"
 MEMORY_KIB = 16 * 1024
@@ -24,7 +24,7 @@ DIGEST = hashlib.sha256(GOOD).hexdigest()
 
 class HostileTest(FolderTest):
     def run_against(self, answers, *words, timeout=6):
-        """The run, the seconds it took and the requests that the board has had."""
+        """Runs efictl. Returns the run, its duration in seconds and the board's requests."""
         with HostileBoard(answers) as board:
             started = time.monotonic()
             run = Account(board.address).efictl(*words, "--json", "--timeout", timeout)
@@ -44,9 +44,9 @@ class HostileTest(FolderTest):
 
 
 class PlaceTest(HostileTest):
-    """Nothing is written outside of --out, whatever the board calls a file."""
+    """Nothing is written outside --out, whatever name the board gives a file."""
 
-    def test_names_of_the_board_are_not_used(self):
+    def test_ignores_the_board_s_file_names(self):
         for name in ("../../evil", "/tmp/evil", "partition000-20260101T000000Z.dat\0.txt"):
             with self.subTest(name=name):
                 answer = file(GOOD, name.replace("\0", "%00"))
@@ -58,7 +58,7 @@ class PlaceTest(HostileTest):
                 for each in self.backups():
                     self.assertRegex(each, r"^partition000-\d{8}T\d{6}Z\.dat$")
 
-    def test_only_the_board_s_own_downloads_are_followed(self):
+    def test_follows_only_the_board_s_own_downloads(self):
         for link in ("http://127.0.0.1:1/common/download.cgi?a", "//evil/common/download.cgi?a",
                      "/common/../logout.cgi?a", "file:///etc/passwd", "@evil/", ""):
             with self.subTest(link=link):
@@ -67,7 +67,7 @@ class PlaceTest(HostileTest):
                 self.assertNotIn("GET " + DOWNLOAD, requests)
         self.assertEqual(self.backups(), [])
 
-    def test_redirections_are_not_followed(self):
+    def test_follows_no_redirection(self):
         moved = (b"HTTP/1.1 302 Found\r\nLocation: /evil\r\nContent-Type: text/html\r\n"
                  b"Content-Length: 0\r\n\r\n")
         run, _, requests = self.run_against({"/": moved}, "list")
@@ -76,7 +76,7 @@ class PlaceTest(HostileTest):
 
 
 class FileTest(HostileTest):
-    def test_downloads_that_are_not_what_they_should_be(self):
+    def test_rejects_wrong_downloads(self):
         damaged = GOOD[:-1] + bytes([GOOD[-1] ^ 1])
         for data, why in ((damaged, "checksum"), (GOOD[:-9], "cut off"), (b"", "empty"),
                           (configuration_file(partition=1, version="1.2"), "partition 1"),
@@ -88,7 +88,7 @@ class FileTest(HostileTest):
                 self.assertFalse(run.json["changed"])
                 self.assertEqual(self.backups(), [])
 
-    def test_a_download_that_breaks_off(self):
+    def test_retries_a_truncated_download(self):
         run, _, requests = self.back_up({DOWNLOAD: file(GOOD)[:-5]}, timeout=4)
         self.assert_ended(run, UNREACHABLE)
         self.assertEqual(self.backups(), [])
@@ -96,13 +96,13 @@ class FileTest(HostileTest):
 
 
 class RestoreTest(HostileTest):
-    def test_a_board_that_means_well_is_restored(self):
+    def test_restores_to_an_honest_board(self):
         run, _, requests = self.restore({SCREEN + " restore": html(
             '<div data-outcome="done"><p data-message="70" data-code="0">Restored</p></div>')})
         self.assert_ended(run, DONE)
         self.assertEqual(requests.count(f"POST {SCREEN} restore"), 1)
 
-    def test_what_the_board_shows_of_the_file_is_compared(self):
+    def test_compares_the_file_with_the_board_s_page(self):
         for shown in (selection("0" * 64), selection(""), selection(DIGEST, number=1),
                       selection(DIGEST, name="Other"), selection(DIGEST, version="1.3")):
             run, _, requests = self.restore({SCREEN + " upload": shown})
@@ -110,7 +110,7 @@ class RestoreTest(HostileTest):
             self.assertNotIn(f"POST {SCREEN} restore", requests)
             self.assertEqual(requests[-2:], [f"POST {SCREEN} discard", "POST /logout.cgi"])
 
-    def test_a_restore_is_sent_once_and_its_loss_is_said(self):
+    def test_sends_a_restore_once_and_reports_its_loss(self):
         for name, answer in (("hang up", hang_up), ("silence", silence),
                              ("half", HEAD + b"Content-Length: 100\r\n\r\n<p>"),
                              ("unknown page", html("<title>?</title>")),
@@ -125,7 +125,7 @@ class RestoreTest(HostileTest):
                 self.assertEqual(requests.count(f"POST {SCREEN} restore"), 1)
                 self.assertEqual(requests[-1], "POST /logout.cgi")
 
-    def test_an_upload_is_sent_once(self):
+    def test_sends_an_upload_once(self):
         for name, answer in (("hang up", hang_up), ("silence", silence)):
             with self.subTest(answer=name):
                 run, _, requests = self.restore({SCREEN + " upload": answer})
@@ -135,17 +135,17 @@ class RestoreTest(HostileTest):
 
 
 class HeaderTest(HostileTest):
-    """Headers are limited to 64 KiB. libcurl has limits of its own, above that."""
+    """Headers are limited to 64 KiB. libcurl's own limits are higher."""
 
     LIMIT = 64 * 1024
-    TOO_LARGE = "larger than any answer"
+    TOO_LARGE = "larger than any response"
 
     @staticmethod
     def menu_with(fields):
         start, rest = menu().split(b"\r\n", 1)
         return start + b"\r\n" + fields + rest
 
-    def test_headers_above_the_limit_are_refused(self):
+    def test_rejects_headers_above_the_limit(self):
         line = b"X: " + b"y" * 90 + b"\r\n"
         fields = {"many": lambda size: line * (size // len(line)),
                   "one": lambda size: b"X: " + b"y" * size + b"\r\n",
@@ -161,7 +161,7 @@ class HeaderTest(HostileTest):
                 run, _, _ = self.run_against({"/": self.menu_with(make(self.LIMIT - 1024))}, "list")
                 self.assert_ended(run, DONE)
 
-    def test_endless_headers_are_cut_off(self):
+    def test_aborts_endless_headers(self):
         for name, piece in (("fields", b"X: " + b"y" * 90 + b"\r\n"), ("empty fields", b"X:\r\n"),
                             ("cookies", b"Set-Cookie: a=b\r\n")):
             with self.subTest(lines=name):
@@ -169,16 +169,16 @@ class HeaderTest(HostileTest):
                 run, _, _ = self.run_against({"/": answer}, "list", timeout=60)
                 self.assert_ended(run, UNREACHABLE, self.TOO_LARGE)
 
-    def test_an_endless_line_is_cut_off(self):
+    def test_aborts_an_endless_header_line(self):
         answer = endless(b"HTTP/1.1 200 OK\r\nX: ", b"y" * 65536)
         run, _, _ = self.run_against({"/": answer}, "list", timeout=60)
         self.assert_ended(run, UNREACHABLE, "broke")
 
 
 class TimeTest(HostileTest):
-    """The board cannot make it hang: test cases check the time in run_against()."""
+    """A board cannot make efictl hang: run_against() checks the time."""
 
-    def test_answers_that_do_not_end(self):
+    def test_endless_responses(self):
         for name, answer in (
                 ("silence", silence),
                 ("trickling header", endless(b"HTTP/1.1 200 OK\r\nX: ", b"x", 0.1)),
@@ -190,12 +190,12 @@ class TimeTest(HostileTest):
                     run, _, _ = self.run_against({path: answer}, "list", timeout=3)
                     self.assert_ended(run, UNREACHABLE)
 
-    def test_a_logout_that_does_not_end(self):
+    def test_endless_logout(self):
         run, _, _ = self.run_against({"/": menu(), "/logout.cgi": silence}, "list", timeout=3)
         self.assert_ended(run, DONE)
         self.assertIn("session", run.json["warnings"][0])
 
-    def test_everything_slow_ends_with_the_command_s_time(self):
+    def test_slow_board_ends_at_the_timeout(self):
         slow = endless(HEAD + b"\r\n", b" ", 0.1)
         _, taken, _ = self.run_against({"/": slow, "/logout.cgi": slow}, "list", timeout=4)
         self.assertLess(taken, 4 + SLACK_SECONDS)
@@ -211,13 +211,13 @@ class TerminalTest(HostileTest):
             self.assertNotIn(character.encode(), run.raw)
         self.assertNotIn(b"\x9b31", run.raw.replace(b"\xc2\x9b", b""))
 
-    def test_names_do_not_reach_the_terminal_as_they_are(self):
+    def test_makes_names_safe_for_the_terminal(self):
         for rows in ((("0", self.EVIL, self.EVIL),), (("0", "a\x1bb", "1"),)):
             for words in (["list"], ["list", "--json"]):
                 with HostileBoard({"/": menu(rows)}) as board:
                     self.assert_harmless(Account(board.address).efictl(*words))
 
-    def test_reasons_do_not_either(self):
+    def test_makes_reasons_safe_for_the_terminal(self):
         page = html(f'<title>{self.EVIL}</title><div data-outcome="refused"><p data-message="1">'
                     f"{self.EVIL}</p></div>")
         raw = html(b"<title>\x9b31m\xff\xfe</title>")
@@ -230,7 +230,7 @@ class TerminalTest(HostileTest):
 
 class MemoryTest(HostileTest):
     def peak(self, address, *words):
-        """The largest resident set of a call, in KiB."""
+        """Returns the peak resident set size of a call, in KiB."""
         measured = self.folder / "peak"
         subprocess.run([PEAK_MEMORY, measured, EFICTL, *map(str, words), "--timeout", "20"],
                        env=environment(**Account(address).variables), check=False,
@@ -271,7 +271,7 @@ class MemoryTest(HostileTest):
             with HostileBoard({**rest, DOWNLOAD: answer}, context) as board:
                 peaks[name] = self.peak(board.address, "backup", "--all", "--out", self.out,
                                         "--if-changed", *trust)
-        print("largest resident sets in KiB:", peaks)
+        print("peak resident set sizes in KiB:", peaks)
         self.assertLess(max(peaks.values()), MEMORY_KIB, peaks)
 
 

@@ -1,4 +1,4 @@
-"""efictl and the largest board there can be."""
+"""Tests of efictl against a board with as many partitions as possible."""
 
 import tempfile
 import unittest
@@ -10,7 +10,7 @@ PARTITIONS = 256
 
 
 def description():
-    """A board with every partition, each with a long name."""
+    """Returns the description of a board with every partition, each with a long name."""
     lines = [f"max_partitions = {PARTITIONS}", 'name = "Large"']
     for number in range(PARTITIONS):
         name = f"{number}: " + "a partition with a long name, " * 5
@@ -32,7 +32,7 @@ class LargeBoardTest(BoardTest):
         cls.options = ("--board", file)
         super().setUpClass()
 
-    def test_lists_saves_and_restores_every_partition(self):
+    def test_lists_and_restores_every_partition(self):
         listed = self.efictl("list", "--json")
         self.assert_ended(listed, DONE)
         self.assertEqual([each["number"] for each in listed.json["partitions"]],

@@ -1,5 +1,5 @@
-"""efictl against a board of older software. Its pages were recorded: its menu has the times of the
-last backup and restore for people only, not in <time> elements."""
+"""Tests of efictl against recorded pages of a board with older software. Its menu has the times of
+the last backup and restore only as text, not in <time> elements."""
 
 import unittest
 from pathlib import Path
@@ -17,7 +17,7 @@ def page(name):
 
 class OlderBoardTest(FolderTest):
     def efictl(self, *words, screen="backup"):
-        """Runs a command against a board that shows the page `screen` for its screen at first."""
+        """Runs a command against a board that answers requests of the screen with page `screen`."""
         answers = {"/": page("menu"), SCREEN: page(screen), SCREEN + " upload": page("selection"),
                    SCREEN + " restore": page("restored"), SCREEN + " discard": page("upload"),
                    "/common/download.cgi": file(SAVED.read_bytes())}
@@ -26,7 +26,7 @@ class OlderBoardTest(FolderTest):
             self.requests = board.requests
         return run
 
-    def test_the_recorded_menu_has_times_for_people_only(self):
+    def test_recorded_menu_has_no_time_elements(self):
         rows = (PAGES / "menu.html").read_text(encoding="utf-8").split("<tbody>")[1]
         self.assertIn('<span class="detail time">', rows)
         self.assertNotIn("<time", rows)

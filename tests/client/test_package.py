@@ -1,4 +1,4 @@
-"""The Debian package of efictl: what an operator's machine gets, and the completion of bash."""
+"""Tests of the Debian package of efictl: its files, its dependencies and the bash completion."""
 
 import os
 import subprocess
@@ -25,13 +25,13 @@ class PackageTest(FolderTest):
                               capture_output=True, **more).stdout
 
     def complete(self, *words):
-        """What bash offers in place of the last word."""
+        """Returns the completions that bash offers for the last word."""
         script = self.root / "usr/share/bash-completion/completions/efictl"
         return self.run_installed(
             "bash", "-c", 'source "$0"; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _efictl; '
             'printf "%s\\n" "${COMPREPLY[@]}"', script, *words).split()
 
-    def test_holds_the_client_and_nothing_of_a_board(self):
+    def test_contains_only_the_client(self):
         files = {str(path.relative_to(self.root)) for path in self.root.rglob("*")
                  if not path.is_dir()}
         self.assertEqual(files, FILES)
@@ -40,7 +40,7 @@ class PackageTest(FolderTest):
         self.assertEqual({each.split()[0] for each in needs.split(",")},
                          {"libc6", "libcurl4", "libgumbo1", "libgcc-s1", "libstdc++6"})
 
-    def test_its_programs_and_pages_are_whole(self):
+    def test_programs_and_pages_work(self):
         self.assertIn("backup", self.run_installed("efictl", "--help"))
         self.assertIn("show", self.run_installed("eficonf", "--help"))
         for name, word in (("efictl", "restore"), ("eficonf", "compare")):
@@ -48,7 +48,7 @@ class PackageTest(FolderTest):
             self.assertIn(".TH", page)
             self.assertIn(word, page)
 
-    def test_commands_and_options_are_completed(self):
+    def test_completes_commands_and_options(self):
         self.assertEqual(self.complete("efictl", "re"), ["restore"])
         self.assertEqual(set(self.complete("efictl", "")),
                          {"list", "backup", "restore", "diff", "verify"})

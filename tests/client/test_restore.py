@@ -1,4 +1,4 @@
-"""efictl restore, against a served board."""
+"""Tests of efictl restore against a served board."""
 
 import os
 import signal
@@ -9,7 +9,7 @@ import unittest
 from client import (DONE, EFICTL, FAILED, REFUSED, RESTORE, SESSIONS, UNKNOWN, USAGE, BoardTest,
                     Run, configuration_file, environment)
 
-# A session without a request ends after this time; docs/automation.md says so.
+# An idle session ends after this time, as docs/automation.md states.
 IDLE_SECONDS = 30 * 60
 
 
@@ -35,10 +35,10 @@ class RestoreTest(BoardTest):
             self.assertIn(self.file.read_bytes()[-24:-4], self.back_up(partition).read_bytes())
         self.assertEqual(self.left_on_board(), [])
 
-    def test_the_file_may_follow_the_partitions(self):
+    def test_accepts_the_file_after_the_partitions(self):
         self.assert_ended(self.efictl("restore", "--to", 3, "--to", 5, self.file), DONE)
 
-    def test_a_dry_run_shows_the_plan_and_changes_nothing(self):
+    def test_dry_run_shows_the_plan_and_changes_nothing(self):
         before, discards = self.state(), self.events("discard")
         run = self.restore("--to", 3, "--dry-run")
         self.assert_ended(run, DONE)
@@ -70,27 +70,27 @@ class RestoreTest(BoardTest):
         self.assertEqual(run.partition(5)["status"], "refused")
         self.assert_nothing_done(before)
 
-    def test_a_version_that_does_not_fit(self):
+    def test_version_does_not_fit(self):
         before = self.state()
         run = self.restore("--to", 0)
         self.assert_ended(run, REFUSED, "10.20.30", "1.23 B")
         self.assert_nothing_done(before)
 
-    def test_a_file_without_a_version_fits_no_partition_that_has_one(self):
+    def test_refuses_a_file_without_version_for_a_partition_with_one(self):
         before = self.state()
         self.write("new.dat", configuration_file(version=""))
         for more in (), ("--dry-run",):
             self.assert_ended(self.restore("--to", 3, *more), REFUSED, "1.23 B")
-        # The version of partition 2 is not known.
+        # Partition 2 has no known version.
         self.assert_ended(self.restore("--to", 2, "--dry-run"), DONE)
         self.assert_nothing_done(before)
 
-    def test_a_partition_that_is_not_installed(self):
+    def test_partition_not_installed(self):
         before = self.state()
         self.assert_ended(self.restore("--to", "3,4"), REFUSED, "installed: 4")
         self.assert_nothing_done(before)
 
-    def test_a_running_partition_is_refused_with_the_board_s_reason(self):
+    def test_reports_a_running_partition(self):
         before = self.state()
         self.board.control("partition", 3, "on")
         run = self.restore("--to", 3)
@@ -98,7 +98,7 @@ class RestoreTest(BoardTest):
         self.assertEqual((run.json["reason"]["message"], run.json["reason"]["code"]), (73, 1549))
         self.assert_nothing_done(before)
 
-    def test_every_refusal_is_told_apart(self):
+    def test_reports_every_code_of_a_refused_restore(self):
         before = self.state()
         for code in (1047, 1539, 1549, 1551, 1601, 1602, 1603, 1604, 1605, 1606, 1608, 1609, 1611,
                      1612, 1615, 1616, 2001):
@@ -112,7 +112,7 @@ class RestoreTest(BoardTest):
                 self.assertLessEqual(self.events("restore"), restores + 1)
         self.assert_nothing_done(before)
 
-    def test_an_unknown_outcome_is_said_to_be_one(self):
+    def test_reports_an_unknown_outcome(self):
         for code in (1613, 1599, 2002, 2003, 2004):
             with self.subTest(code=code):
                 self.board.control("refuse", RESTORE, code)
@@ -122,7 +122,7 @@ class RestoreTest(BoardTest):
                 self.assertTrue(run.json["changed"])
                 self.assertEqual(run.partition(3)["status"], "unknown")
 
-    def test_a_restore_that_the_back_end_does_not_answer_is_sent_once(self):
+    def test_does_not_retry_a_restore_without_response(self):
         for code in (2001, 2002, 2003):
             with self.subTest(code=code):
                 self.board.control("refuse", RESTORE, code, "--times", 2)
@@ -130,12 +130,12 @@ class RestoreTest(BoardTest):
                 self.assertRegex(self.board.control("status"), r"refused")
                 self.board.control("reset")
 
-    def test_a_busy_board_is_asked_once(self):
+    def test_does_not_retry_a_restore_on_a_busy_board(self):
         self.board.control("refuse", RESTORE, 1047)
-        # The order would be used up by the first of two requests.
+        # The board refuses once only: a retry would succeed.
         self.assert_ended(self.restore("--to", 3), REFUSED)
 
-    def test_a_damaged_file_never_reaches_the_board(self):
+    def test_refuses_a_damaged_file_before_login(self):
         logins = self.events("login")
         for content, why in ((b"", "empty"), (b"x" * 100, "does not begin"),
                              (configuration_file()[:-1], "cut off"),
@@ -148,10 +148,10 @@ class RestoreTest(BoardTest):
         self.assert_ended(self.restore("--to", 3), FAILED, "No such file")
         self.assertEqual(self.events("login"), logins)
 
-    def test_targets_have_to_be_named(self):
+    def test_requires_targets(self):
         self.assert_ended(self.restore(), USAGE, "--to")
 
-    def test_names_of_any_kind_come_back_as_they_are(self):
+    def test_accepts_partition_names_of_any_characters(self):
         for name in ("<b>&amp;\"'", " spaced  out ", "tab\there", "\u202eturned", "line\nend",
                      "\u65e5\u672c", "a" * 1000):
             with self.subTest(name=name):
@@ -160,7 +160,7 @@ class RestoreTest(BoardTest):
 
 
 class InterruptionTest(BoardTest):
-    """Whatever is going on when a signal comes, nothing stays on the board."""
+    """A signal leaves nothing on the board, whenever it comes."""
 
     def start(self, *arguments):
         return subprocess.Popen([EFICTL, *map(str, arguments)], stdout=subprocess.PIPE,
@@ -180,7 +180,7 @@ class InterruptionTest(BoardTest):
             self.assertLess(time.monotonic(), end, f"left on the board: {self.left_on_board()}")
             time.sleep(0.01)
 
-    def test_a_signal_ends_the_session(self):
+    def test_signal_ends_the_session(self):
         for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
             with self.subTest(signal=number):
                 self.board.control("slow", 1500, "--times", 3)
@@ -194,10 +194,10 @@ class InterruptionTest(BoardTest):
                 self.wait_for(lambda: not self.left_on_board())
                 self.board.control("reset")
 
-    def test_after_sigkill_the_file_stays_until_its_session_ends(self):
+    def test_file_stays_after_sigkill_until_its_session_ends(self):
         file = self.write("new.dat", configuration_file(payload=b"Boot=killed\n"))
         before = self.state()
-        # The page after the upload takes its time, so that the restore has not begun.
+        # Slows down the page after the upload, so that the restore has not begun.
         self.board.control("slow", 1500, "--times", 100)
         process = self.start("restore", file, "--to", 3)
         self.wait_for(self.staged_files)
@@ -209,23 +209,23 @@ class InterruptionTest(BoardTest):
         for name in os.listdir(sessions):
             long_ago = time.time() - IDLE_SECONDS - 60
             os.utime(sessions / name, (long_ago, long_ago))
-        # The next login ends such sessions.
+        # The next login removes expired sessions.
         self.assert_ended(self.efictl("list"), DONE)
         self.wait_for(lambda: not self.left_on_board())
         self.assertEqual(self.state(), before)
 
-    def test_a_signal_during_a_restore_waits_for_its_outcome(self):
+    def test_signal_waits_for_the_outcome_of_a_restore(self):
         file = self.write("new.dat", configuration_file(payload=b"Boot=signal\n"))
         before = self.state()
         process = self.start("restore", file, "--to", 3, "--json")
         self.wait_for(self.staged_files)
-        # The requests of the page after the upload, and then the restore.
+        # Slows down the requests of the page after the upload, and then the restore.
         self.board.control("slow", 1200, "--times", 8)
         time.sleep(0.3)
         process.send_signal(signal.SIGINT)
         run = self.end(process)
         self.board.control("reset")
-        # Whether the restore had begun by then or not: what it says is so, and nothing stays.
+        # The restore may or may not have begun. Either way the report is true and nothing is left.
         if run.status == DONE:
             self.assertNotEqual(self.state(), before)
         else:

@@ -1,5 +1,5 @@
-// What `new` and `delete` are in the programs that the web server starts, in a program that is
-// linked with them.
+// Tests of `new` and `delete` of the programs that the web server starts. This program is linked
+// with them.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -47,14 +47,14 @@ void release(const std::vector<Allocation>& made) {
     }
 }
 
-TEST(RequestMemoryTest, objectsLieApartWhateverTheirSize) {
-    // More than the block holds, and some too large for it.
+TEST(RequestMemoryTest, keepsObjectsOfAllSizesApart) {
+    // More than fits into the block, and some objects too large for it.
     const std::vector<Allocation> made = allocate(5000, 600);
     expectUntouched(made);
     release(made);
 }
 
-TEST(RequestMemoryTest, objectsWithoutASizeHavePlacesOfTheirOwn) {
+TEST(RequestMemoryTest, givesEmptyObjectsDistinctAddresses) {
     void* const one = operator new(0);
     void* const other = operator new(0);
     EXPECT_NE(one, other);
@@ -63,7 +63,7 @@ TEST(RequestMemoryTest, objectsWithoutASizeHavePlacesOfTheirOwn) {
     operator delete(nullptr);
 }
 
-TEST(RequestMemoryTest, whatTheBlockHasNoRoomForIsGivenBack) {
+TEST(RequestMemoryTest, freesObjectsOutsideTheBlock) {
     release(allocate(5000, 600));  // the block is full now
     const std::size_t before = mallinfo2().uordblks;
     for (int round = 0; round < 10; ++round) {
@@ -72,8 +72,8 @@ TEST(RequestMemoryTest, whatTheBlockHasNoRoomForIsGivenBack) {
     EXPECT_EQ(mallinfo2().uordblks, before);
 }
 
-TEST(RequestMemoryTest, memoryThatThereIsNotIsAnException) {
-    // Not known to the compiler, which would refuse it.
+TEST(RequestMemoryTest, throwsIfMemoryIsExhausted) {
+    // Volatile, because the compiler would reject a known size.
     volatile std::size_t everything = std::numeric_limits<std::size_t>::max() / 2;
     EXPECT_THROW(operator delete(operator new(everything)), std::bad_alloc);
     EXPECT_EQ(operator new(everything, std::nothrow), nullptr);

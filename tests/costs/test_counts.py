@@ -1,9 +1,9 @@
 #!/usr/bin/python3
-"""Counts what requests cost: the instructions of the program from main() on, and its system calls.
+"""Counts the costs of requests: the program's instructions from main() on, and its system calls.
 Other work on the machine does not change these counts.
 
-Fails if a request costs 2 % more instructions than costs.json says, or one system call more, and names
-the functions that grew. `test_counts.py --renew` writes the current counts to costs.json.
+Fails if a request takes 2 % more instructions than recorded in costs.json, or one more system call,
+and names the functions that grew. `test_counts.py --renew` writes the current counts to costs.json.
 """
 
 import importlib.util
@@ -31,12 +31,13 @@ REQUESTS = ("backup page", "restore page", "backup", "upload", "restore")
 TOLERANCE = 0.02
 # Functions with a smaller share of a request are not recorded.
 SMALLEST_SHARE = 0.005
-# The C library selects functions by processor. Without these features it selects the same ones on all.
+# The C library selects functions by processor features. Disables these to get the same functions
+# everywhere.
 ENVIRONMENT = {"GLIBC_TUNABLES": "glibc.cpu.hwcaps=-AVX2,-AVX,-ERMS,-FSRM", "TZ": ":/etc/localtime"}
 
 
 class Counter:
-    """A board and what its requests cost on it."""
+    """A board, and the costs of requests on it."""
 
     def __init__(self):
         self.installation = Installation(str(PROJECT), os.environ.get("BOARD_PRESET", "release"))
@@ -58,7 +59,7 @@ class Counter:
         return read_profile(path.read_text(encoding="utf-8"))
 
     def system_calls(self, kind, program=None):
-        """The names of the program's system calls, without those of the C++ library's start."""
+        """Returns the names of the program's system calls, without those of the libraries' start."""
         path = Path(self.folder.name, "strace")
         self.run(kind, "strace", "-o", path, program=program)
         calls = re.findall(r"^(\w+)\(", path.read_text(encoding="utf-8"), re.M)
@@ -67,7 +68,7 @@ class Counter:
     def run(self, kind, *prefix, program=None):
         request = REQUEST_TYPES[kind]().prepare(self.scene)
         for path in self.scene.sessions:
-            os.utime(self.scene.board.path(path))  # otherwise the request records the use
+            os.utime(self.scene.board.path(path))  # otherwise the request would do so
         if program is not None:
             request["program"] = str(program)
         # A file is read in pieces of the same size every time, a pipe is not.
@@ -80,12 +81,12 @@ class Counter:
         return run.output
 
     def page(self):
-        """The bytes of the backup page."""
+        """Returns the bytes of the backup page."""
         return self.run("backup page").partition(b"\r\n\r\n")[2]
 
 
 def load(path):
-    """A module of another folder, which has a package of the same name."""
+    """Loads a module by path, because its package has the same name as another one."""
     spec = importlib.util.spec_from_file_location("shared_" + path.stem, path)
     module = importlib.util.module_from_spec(spec)
     spec.loader.exec_module(module)
@@ -93,7 +94,7 @@ def load(path):
 
 
 def read_profile(text):
-    """The total, and the cost of each large function without the functions that it calls."""
+    """Returns the total cost, and the cost of each large function without its callees."""
     functions = {}
     name = None
     called = False
@@ -103,7 +104,7 @@ def read_profile(text):
         elif line.startswith("calls="):
             called = True
         elif re.match(r"[+*\d-]", line):
-            # The line after "calls=" is the cost of the called function.
+            # The line after "calls=" has the cost of the called function.
             if not called:
                 functions[name] = functions.get(name, 0) + int(line.split()[1])
             called = False
@@ -114,7 +115,7 @@ def read_profile(text):
 
 
 def growth_of(before, now):
-    """The functions that grew, the largest growth first."""
+    """Returns the functions that grew as lines, largest growth first."""
     grown = {name: cost - before.get(name, 0) for name, cost in now.items()}
     lines = [f"  {name}: {before.get(name, 0):,} to {now[name]:,}"
              for name, more in sorted(grown.items(), key=lambda item: -item[1]) if more > 0]
@@ -136,13 +137,13 @@ class Costs(unittest.TestCase):
                 limit = before["instructions"] * (1 + TOLERANCE)
                 self.assertLessEqual(
                     now["instructions"], limit,
-                    "more than 2 % above what costs.json has:\n"
+                    "more than 2 % above costs.json:\n"
                     + growth_of(before["functions"], now["functions"]))
                 if now["instructions"] < before["instructions"] * (1 - TOLERANCE):
                     print(f"{kind}: {now['instructions']:,} instructions, in costs.json "
-                          f"{before['instructions']:,}: renew it")
+                          f"{before['instructions']:,}: renew the file")
 
-    def test_the_floor_makes_the_system_calls_of_the_backup_page(self):
+    def test_floor_makes_the_system_calls_of_the_backup_page(self):
         programs = load(PROJECT / "bench/support/programs.py")
         floor = programs.build(["floor"], Path(self.counter.folder.name), self.counter.page())["floor"]
         self.assertEqual(self.counter.system_calls("backup page", floor),

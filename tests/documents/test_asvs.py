@@ -1,4 +1,4 @@
-"""docs/asvs.md: its counts, and the tests that it names."""
+"""Checks docs/asvs.md: its counts, and the tests that it names."""
 
 import re
 import unittest
@@ -14,14 +14,14 @@ class ASVS(DocumentTest):
     name = "docs/asvs.md"
 
     def requirements(self):
-        """{number of a chapter: its rows}"""
+        """Returns the rows of each chapter as {number: rows}."""
         found = {}
         for cells, rows in self.document.tables():
             if cells == list(HEADER):
                 found[rows[0][0].split(".")[0]] = rows
         return found
 
-    def test_the_counts_are_those_of_the_rows(self):
+    def test_counts_match_the_rows(self):
         chapters = self.requirements()
         total = [0] * (len(VERDICTS) + 1)
         for name, *counts in self.table("chapter", "met", "partly", "not met", "n/a", "all"):
@@ -36,7 +36,7 @@ class ASVS(DocumentTest):
                 self.assertEqual([int(count.strip("*")) for count in counts], counted)
         self.assertEqual(chapters, {})
 
-    def test_every_row_has_a_verdict_and_a_reason(self):
+    def test_each_row_has_a_verdict_and_a_reason(self):
         numbers = []
         for chapter, rows in self.requirements().items():
             for number, level, requirement, verdict, reason in rows:

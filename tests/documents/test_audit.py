@@ -1,4 +1,4 @@
-"""docs/audit.md against a served board and the sources that write the log."""
+"""Checks docs/audit.md against a served board and the sources that write the log."""
 
 import hashlib
 import json
@@ -18,7 +18,7 @@ LOG = "platform/host/audit/AuditLog.cpp"
 PATHS = "platform/host/base/SystemPath.h"
 SET_BACKUP = 0x020100A3
 UNKNOWN_SESSION = b"0123456789abcdef"
-# What every line has.
+# The fields of every line.
 FIELDS = {"time", "event", "board"}
 
 
@@ -60,7 +60,7 @@ class AuditDocument(BoardDocumentTest):
 
 
 class Answers(AuditDocument):
-    """A board on which everything has happened once."""
+    """Checks a board on which each kind of event has occurred once."""
 
     @classmethod
     def setUpClass(cls):
@@ -98,7 +98,7 @@ class Answers(AuditDocument):
             script = script.replace(name, value)
         return self.shell(script)
 
-    def test_restores_are_told(self):
+    def test_recipe_lists_restores(self):
         told = self.recipe("Who restored which file onto which")
         restores = [line for line in self.lines()
                     if line["event"] == "restore" and line["result"] == "done"]
@@ -107,7 +107,7 @@ class Answers(AuditDocument):
             "%s admin 127.0.0.1 %s 2 3" % (line["time"], hashlib.sha256(self.file).hexdigest())
             for line in restores])
 
-    def test_a_file_is_followed(self):
+    def test_recipe_follows_a_file(self):
         file = self.board.folder / "file.dat"
         file.write_bytes(self.file)
         told = [json.loads(line)["event"] for line in
@@ -115,29 +115,29 @@ class Answers(AuditDocument):
         for event in ("backup", "download", "upload", "restore"):
             self.assertIn(event, told)
 
-    def test_what_partitions_hold_is_told(self):
+    def test_recipe_lists_the_contents_of_partitions(self):
         told = dict(line.split() for line in self.recipe("What each partition holds").splitlines())
         start = self.last("start")["after"]
         self.assertEqual(set(told), set(start))
         self.assertEqual(told["2"], start["3"])
         self.assertEqual(told["7"], start["7"])
 
-    def test_a_session_is_followed(self):
+    def test_recipe_follows_a_session(self):
         told = self.recipe("What one session did", IDENTIFIER=self.admin.identifier)
         self.assertIn('"event":"discard"', told)
         for line in told.splitlines():
             self.assertEqual(json.loads(line)["user"], "admin")
 
-    def test_guessing_addresses_are_counted(self):
+    def test_recipe_counts_guesses_by_address(self):
         self.assertRegex(self.recipe("Which addresses guess passwords"),
                          r'^ +1 "address":"127\.0\.0\.1"\n$')
 
     def events(self):
-        """{event: [the names of the fields, the results]} of the table."""
+        """Returns the table of events as {event: (further fields, results)}."""
         return {codes_in(event)[0]: (also, result) for event, _, also, result in
                 self.table("event", "written by", "has also", "result")}
 
-    def test_every_event_has_the_stated_fields_and_results(self):
+    def test_each_event_has_the_stated_fields_and_results(self):
         listed = self.events()
         seen = {}
         for line in self.lines():
@@ -155,11 +155,11 @@ class Answers(AuditDocument):
                 found = set().union(*lines) - FIELDS
                 results = {line.get("result", "") for line in lines} - {""}
                 self.assertEqual(found - {"result"}, names)
-                # A restore that fails needs a disk that fails.
+                # A restore fails only if a disk fails.
                 self.assertEqual(results | ({"failed"} if event == "restore" else set()),
                                  set(codes_in(result)))
 
-    def test_the_events_are_those_of_the_sources(self):
+    def test_events_match_the_sources(self):
         sources = "".join(
             path.read_text(encoding="utf-8") for folder in ("platform/host", "board")
             for path in (PROJECT / folder).rglob("*.cpp"))
@@ -171,7 +171,7 @@ class Answers(AuditDocument):
         names |= set(re.search(r'user\.empty\(\) \? "(\w+)" : "(\w+)"', sources).groups())
         self.assertEqual(names, set(self.events()))
 
-    def test_the_fields_are_those_of_the_sources(self):
+    def test_fields_match_the_sources(self):
         written = set(re.findall(r'(?:put\w+\(line, |line\.put\w*\()"(\w+)"', read(EVENT)))
         listed = {name for field, _ in self.table("field", "says") for name in codes_in(field)}
         self.assertEqual(written - FIELDS - {"reason", "order", "counts"}, listed)
@@ -180,22 +180,22 @@ class Answers(AuditDocument):
         file = next(says for field, says in self.table("field", "says") if field == "`file`")
         self.assertEqual(set(codes_in(file)), set(self.last("upload", result="done")["file"]))
 
-    def test_reasons_are_those_that_are_seen(self):
+    def test_reasons_match_the_log(self):
         for event in ("refusal", "session_ended"):
             reasons = set(codes_in(self.events()[event][0]))
             seen = {line["reason"] for line in self.lines() if line["event"] == event}
-            # The other is of a user who is not in the description any more.
+            # "user" is for a user who was removed from the description.
             self.assertEqual(reasons - {"user"}, seen)
         self.assertIn('endSessionBecause(found.session, "user")',
                       read("platform/host/web/requestSession.cpp"))
 
-    def test_an_upload_without_the_right_is_a_refusal(self):
+    def test_logs_an_upload_without_permission_as_a_refusal(self):
         self.stated(r"(An upload that a user without the right sends is a `refusal`)")
         lines = [line for line in self.lines() if line.get("session") == self.viewer.identifier]
         self.assertEqual([line["event"] for line in lines if line["event"] != "session_ended"][:2],
                          ["login", "refusal"])
 
-    def test_a_restore_is_two_lines_with_nothing_between(self):
+    def test_logs_a_restore_as_two_consecutive_lines(self):
         self.stated(r"(no other line stands between them)")
         lines = self.lines()
         begun = [number for number, line in enumerate(lines) if line.get("result") == "begun"]
@@ -204,32 +204,32 @@ class Answers(AuditDocument):
             self.assertEqual(lines[number + 1]["result"], "done")
             self.assertEqual(lines[number + 1]["request"], lines[number]["request"])
 
-    def test_what_was_typed_and_tokens_are_not_logged(self):
+    def test_logs_neither_typed_text_nor_tokens(self):
         self.stated(r"(Passwords and whatever else was typed into a login, session tokens)")
         text = self.path().read_text(encoding="ascii")
         for secret in ("typed-name", "typed-password", self.admin.value.split("-")[1]):
             self.assertNotIn(secret, text)
 
-    def test_the_file_has_the_stated_mode(self):
+    def test_file_has_the_stated_mode(self):
         mode = self.stated(r"one JSON object a line, mode (0\d+)\.")
         self.assertEqual(self.path().stat().st_mode & 0o7777, int(str(mode), 8))
 
 
 class Sources(AuditDocument):
-    def test_sizes_are_those_of_the_sources(self):
+    def test_sizes_match_the_sources(self):
         self.assertEqual(text_constant(PATHS, "AUDIT_LOG"), "/var/log/audit.log")
         mebibytes, files = self.stated(r"At (\d+) MiB the file becomes .*; (\d+) former files")
         self.assertEqual(constant(LOG, "LARGEST_FILE"), mebibytes * 1024 * 1024)
         self.assertEqual(constant("platform/host/audit/AuditLog.h", "AUDIT_FORMER_FILES"), files)
 
-    def test_limits_are_those_of_the_sources(self):
+    def test_limits_match_the_sources(self):
         self.stated(r"(ten times in a minute for each user)")
         self.assertEqual(constant(LIMITS, "LINES"), 10)
         self.assertEqual(constant(LIMITS, "SHORTEST_PERIOD"), 60)
         self.stated(r"the minute becomes (two, four and so on, up to a day)")
         self.assertEqual(constant(LIMITS, "LONGEST_PERIOD"), 24 * 60 * 60)
 
-    def test_further_refusals_are_counted(self):
+    def test_counts_further_refusals(self):
         viewer = Client(self.board, "viewer")
         for _ in range(12):
             viewer.get(SCREEN + "?functionID=105")
@@ -244,13 +244,13 @@ class Sources(AuditDocument):
         self.assertEqual(self.last(event)["counts"], {"refusal": 2})
         self.assertEqual(self.lines()[-1]["event"], "login")
 
-    def test_the_system_log_gets_what_is_stated(self):
+    def test_system_log_gets_the_stated_lines(self):
         facility, severity, name = self.stated(
             r"\(facility (\w+), severity (\w+), name `(\w+)`\)")
         self.assertEqual((facility, severity), ("authpriv", "notice"))
         self.assertIn('"<%d>%s: "' % (10 * 8 + 5, name), read("platform/host/audit/systemLog.cpp"))
 
-    def test_an_unfinished_restore_is_decided_by_the_next_start(self):
+    def test_next_start_logs_the_result_of_an_unfinished_restore(self):
         self.stated(r"(The next `start` tells: its `after` has the sums)")
         before = self.last("start")["after"]
         self.board.control("die")
@@ -259,7 +259,7 @@ class Sources(AuditDocument):
 
 
 class WithoutTheLog(AuditDocument):
-    """What the last table says, with a pipe in the place of the log."""
+    """Checks the last table of the document, with a pipe in place of the log."""
 
     def setUp(self):
         self.admin = Client(self.board, "admin")
@@ -282,7 +282,7 @@ class WithoutTheLog(AuditDocument):
         self.assertEqual(answer.status, 500)
         self.assertIn("-%s]" % code, answer.text)
 
-    def test_changes_are_refused(self):
+    def test_refuses_changes(self):
         code = re.search(r"refused with (\d+); nothing changes", self.rows()["restore"])[1]
         self.assertIn("-%s]" % code, restore(self.admin, 2).text)
         self.assertIn(code, back_up(self.admin, 3).text)
@@ -292,33 +292,33 @@ class WithoutTheLog(AuditDocument):
                                 check=False)
         self.assertIn(code, result.stdout + result.stderr)
 
-    def test_an_upload_is_removed(self):
+    def test_removes_an_upload(self):
         self.assert_error_page("upload", self.admin.upload(self.file))
         self.assertFalse(self.staged.exists())
 
-    def test_a_download_is_not_handed_out(self):
+    def test_refuses_a_download(self):
         self.assert_error_page("download", download(self.admin, self.page))
 
-    def test_no_session_begins(self):
+    def test_starts_no_session(self):
         before = set(self.board.path("/var/lib/session").iterdir())
         answer = Client(self.board).post("/login.cgi", {"user": "admin", "password": "admin"})
         self.assert_error_page("login", answer)
         self.assertEqual(set(self.board.path("/var/lib/session").iterdir()), before)
 
-    def test_a_discard_and_a_logout_happen(self):
+    def test_carries_out_discard_and_logout(self):
         self.assert_error_page("discard", self.admin.post(
             SCREEN, {"functionID": "106", "hidden_status": "3"}))
         self.assertFalse(self.staged.exists())
         self.assert_error_page("logout", self.admin.post("/logout.cgi", {}))
         self.assertEqual(self.admin.get(SCREEN + "?functionID=105").status, 403)
 
-    def test_the_rest_is_traced(self):
+    def test_traces_the_rest(self):
         self.assertIn("`trace.log` says so", self.rows()["all others"])
         self.assertEqual(self.admin.request("DELETE", SCREEN).status, 405)
         trace = self.board.path("/var/log/trace.log").read_text()
         self.assertIn("A refusal cannot be written to the audit log", trace)
 
-    def test_the_back_end_serves(self):
+    def test_back_end_keeps_serving(self):
         self.assertIn("says so on standard error and serves", self.rows()["start"])
         restarted = Board()
         with restarted:

@@ -1,4 +1,4 @@
-"""docs/board-description.md: each row of its tables is tried on the back-end itself."""
+"""Checks docs/board-description.md: tries each row of its tables on the back-end."""
 
 import re
 import subprocess
@@ -14,7 +14,7 @@ from support.source import constant, read
 BACKEND = BUILD / "board/backend/efi_backend"
 PASSWORD = next(re.finditer(r'password_hash = "([^"]+)"',
                             (PROJECT / "board/demo/demo.toml").read_text(encoding="utf-8")))[1]
-# Every key of each table with a usable value, as TOML; the names are those of the headings.
+# The required keys of each table with usable values, as TOML, by the headings of the document.
 USABLE = {
     "The board": {"max_partitions": "8"},
     "[[system_board]]": {"number": "0"},
@@ -34,7 +34,7 @@ class BoardDescription(DocumentTest):
         self.root.mkdir()
 
     def start(self, text):
-        """The back-end's error with this description; nothing when it starts."""
+        """Returns the back-end's error with this description; None if it starts."""
         board = self.folder / "board.toml"
         board.touch(mode=0o600)
         board.write_text(text, encoding="utf-8")
@@ -51,7 +51,7 @@ class BoardDescription(DocumentTest):
         return error.removeprefix("efi_backend: ").strip()
 
     def describe(self, table, **values):
-        """A description that has one table of each kind, with these values in one of them."""
+        """Returns a description with one table of each kind. `values` replace those in `table`."""
         text = ""
         for heading, keys in USABLE.items():
             keys = {**keys, **(values if heading == table else {})}
@@ -60,18 +60,18 @@ class BoardDescription(DocumentTest):
         return text
 
     def rows(self):
-        """Heading, key, value and default of every row."""
+        """Yields heading, key, value and default of every row."""
         sections = re.split(r"^## ", self.document.text, flags=re.MULTILINE)[1:]
         for section in sections:
             heading = re.match(r"`?([^`:\n]+)", section)[1]
             for row in re.findall(r"^\| (.*) \| (.*) \| (.*) \|$", section, re.MULTILINE)[1:]:
                 yield heading, codes_in(row[0])[0], row[1], row[2]
 
-    def test_a_description_without_anything_else_is_usable(self):
+    def test_description_with_only_the_required_keys_is_usable(self):
         self.assertIsNone(self.start(self.describe("The board")))
         self.assertIsNone(self.start("max_partitions = 0"))
 
-    def test_keys_are_needed_or_not_as_stated(self):
+    def test_keys_are_required_as_stated(self):
         for heading, key, _, default in self.rows():
             if key.startswith("["):
                 continue
@@ -81,7 +81,7 @@ class BoardDescription(DocumentTest):
                     error = self.start(self.describe(heading, **{key: None}))
                     self.assertIn('"%s"' % key, error)
 
-    def test_defaults_are_those_of_the_reader(self):
+    def test_defaults_match_the_reader(self):
         reader = read("board/backend/DescriptionReader.cpp")
         for heading, key, _, default in self.rows():
             if default == "needed":
@@ -105,7 +105,7 @@ class BoardDescription(DocumentTest):
             with self.subTest(table=heading, key=key):
                 for number, usable in ((first, True), (last, True), (first - 1, False),
                                        (last + 1, False)):
-                    # No partition, so that every number of them is enough.
+                    # Without partitions, so that every maximum is large enough.
                     text = self.describe(heading, **{key: wrap % number})
                     if key == "max_partitions":
                         text = "max_partitions = %d\n" % number
@@ -127,21 +127,21 @@ class BoardDescription(DocumentTest):
                         self.assertEqual(self.start(text) is None, usable, (key, size))
         self.assertEqual(found, 5)
 
-    def test_a_partition_is_below_the_stated_key(self):
+    def test_partition_numbers_have_the_stated_limit(self):
         key = next(codes_in(value)[0] for heading, key, value, _ in self.rows()
                    if (heading, key) == ("[[partition]]", "number"))
         below = self.describe("The board", **{key: "2"})
         self.assertIsNone(self.start(below))
         self.assertIsNotNone(self.start(self.describe("The board", **{key: "1"})))
 
-    def test_a_password_hash_begins_as_stated(self):
+    def test_password_hashes_begin_as_stated(self):
         first = next(re.search(r'beginning with "(.)"', value)[1]
                      for _, key, value, _ in self.rows() if key == "password_hash")
         self.assertTrue(PASSWORD.startswith(first))
         error = self.start(self.describe("[[user]]", password_hash='"%s"' % PASSWORD[1:]))
         self.assertIn("not a password hash of crypt(3)", error)
 
-    def test_methods_of_password_hashes_are_taken_or_refused_as_stated(self):
+    def test_methods_of_password_hashes_are_accepted_as_stated(self):
         value = next(value for _, key, value, _ in self.rows() if key == "password_hash")
         taken = codes_in(value)
         self.assertEqual(taken, ["$y$", "$gy$", "$7$", "$6$"])
@@ -161,7 +161,7 @@ class BoardDescription(DocumentTest):
             error = self.start(self.describe("[[user]]", password_hash='"%s"' % each))
             self.assertIn(advice, error)
 
-    def test_the_file_and_the_folders_are_private_as_stated(self):
+    def test_file_and_folders_are_private_as_stated(self):
         advice = self.stated(r"nobody else may read or write it: `(chmod 600) FILE`")
         board = self.folder / "board.toml"
         for mode in (0o640, 0o620, 0o604, 0o602):
@@ -182,13 +182,13 @@ class BoardDescription(DocumentTest):
         again = self.describe("[[user]]") + '[[user]]\nname = "x"\npassword_hash = "%s"' % PASSWORD
         self.assertIn(":", self.start(again))
 
-    def test_mistakes_are_reported_as_stated(self):
+    def test_reports_mistakes_as_stated(self):
         self.stated(r"(`FILE:LINE:COLUMN: what is wrong`; an unknown key is a mistake too)")
         for text in ("max_partitions = 1\nunknown = 2", "max_partitions = 1\nmax", "\nx=300"):
             place = "^%s:[0-9]+:[0-9]+: ." % (self.folder / "board.toml")
             self.assertRegex(self.start(text), place)
 
-    def test_the_command_starts_the_back_end_with_the_example(self):
+    def test_command_starts_the_back_end_with_the_example(self):
         command = self.document.blocks()[0].split()
         self.assertEqual(command, ["efi_backend", "--root", "DIR", "--board", "FILE"])
         example = self.stated(r"`([^`]+)` is an example")
@@ -199,11 +199,11 @@ class BoardDescription(DocumentTest):
         return read_states((self.root / "var/lib/board/configurations").read_bytes())
 
     def settings(self, settings, **values):
-        """The description of one partition with these settings."""
+        """Returns the description of one partition with these settings."""
         return "max_partitions = 8\n[[partition]]\nnumber = 1\nname = \"x\"\n" + "".join(
             "%s = %s\n" % item for item in values.items()) + "[partition.settings]\n" + settings
 
-    def test_the_initial_configuration_is_made_as_stated(self):
+    def test_makes_the_initial_configuration_as_stated(self):
         self.stated(r"one line `(name=value)` for each setting, in the order of the names, then "
                     r"the fill bytes")
         payload = self.states(self.settings('z = "text"\na = 5\nm = true\n', fill_bytes="100"))[1]
@@ -214,17 +214,17 @@ class BoardDescription(DocumentTest):
         self.root.mkdir()
         self.assertEqual(self.states(self.settings("", fill_bytes="100"))[1], fill)
 
-    def test_settings_that_are_no_line_are_refused(self):
+    def test_refuses_malformed_settings(self):
         self.stated(r"(Names must not be empty or hold \"=\"; neither names nor values hold contr)")
         for setting in ('"" = "x"', '"a=b" = "x"', 'a = "\\n"', '"a\\t" = "x"', "a = 1.5"):
             self.assertIsNotNone(self.start(self.settings(setting)), setting)
 
-    def test_the_roots_own_state_counts_after_the_first_start(self):
+    def test_uses_the_root_s_state_after_the_first_start(self):
         self.stated(r"(after that, the root's own state counts)")
         self.assertEqual(self.states(self.settings("a = 1"))[1], b"a=1\n")
         self.assertEqual(self.states(self.settings("a = 2"))[1], b"a=1\n")
 
-    def test_a_configuration_file_has_the_stated_length(self):
+    def test_configuration_files_have_the_stated_length(self):
         limit = self.stated(r"configuration file must not be longer than (\d+) bytes")
         self.assertEqual(limit, constant("data/uploadLimit.h", "LARGEST_UPLOAD"))
         # Header, the version "-", the name "x" and the checksum.

@@ -1,5 +1,5 @@
-"""docs/configuration-file.md against real files. The examples are made anew by
-tests/backend/documentsTest.cpp; here the tables read them."""
+"""Checks docs/configuration-file.md against real files. Reads the examples with the document's tables;
+tests/backend/documentsTest.cpp generates the examples."""
 
 import json
 import re
@@ -22,7 +22,7 @@ FILE_EXAMPLE, STATE_EXAMPLE = "## Example", "Partition 0 holds"
 
 
 def seal(data):
-    """The file with a right checksum."""
+    """Returns the file with a correct checksum."""
     return data[:-4] + struct.pack(">I", zlib.crc32(data[:-4]))
 
 
@@ -33,7 +33,7 @@ class ConfigurationFile(DocumentTest):
         self.example = self.document.bytes_after(FILE_EXAMPLE)
 
     def show(self, data):
-        """What eficonf, which reads with the code of the platform, tells of a file."""
+        """Returns exit status and report of eficonf, which reads a file with the platform's code."""
         with tempfile.NamedTemporaryFile(suffix=".dat") as file:
             file.write(data)
             file.flush()
@@ -44,7 +44,7 @@ class ConfigurationFile(DocumentTest):
     def is_usable(self, data):
         return self.show(data)[0] == 0
 
-    def test_the_table_reads_the_example_as_the_text_tells_it(self):
+    def test_table_reads_the_example_as_the_text_describes_it(self):
         partition, name, date, version, payload = self.stated(
             r"Partition (\d+), called \"([^\"]+)\", saved on (\S+) at 00:00:00 UTC, BIOS version "
             r"\"([^\"]+)\", payload \"([^\"]+)\" and a line feed")
@@ -60,7 +60,7 @@ class ConfigurationFile(DocumentTest):
         self.assertEqual(fields["crc"], zlib.crc32(self.example[:-4]))
         self.assertEqual(fields["end"], len(self.example))
 
-    def test_the_platform_reads_the_example_as_the_table_does(self):
+    def test_platform_reads_the_example_as_the_table_does(self):
         fields = read_file(self.example)
         status, shown = self.show(self.example)
         self.assertEqual(status, 0)
@@ -69,7 +69,7 @@ class ConfigurationFile(DocumentTest):
             self.assertIn('"%s"' % value, text)
         self.assertIn(": %d" % fields["number"], text)
 
-    def test_magic_and_revision_are_those_stated(self):
+    def test_magic_and_revision_are_as_stated(self):
         rows = {field: codes for _, _, field in layout()
                 for codes in [re.findall(r"\"(\w+)\" and 0x(\w+)|layout: (\d+)", field)]}
         magic = next(codes[0] for field, codes in rows.items() if field.startswith("magic"))
@@ -91,7 +91,7 @@ class ConfigurationFile(DocumentTest):
                 self.assertEqual(self.is_usable(seal(bytes(head) + b"x" * length + bytes(4))),
                                  usable)
 
-    def test_a_file_has_the_stated_size(self):
+    def test_files_have_the_stated_size(self):
         limit = self.stated(r"A file is at most (\d+) bytes long")
         self.assertEqual(limit, constant("data/uploadLimit.h", "LARGEST_UPLOAD"))
         for size, usable in ((limit, True), (limit + 1, False)):
@@ -99,7 +99,7 @@ class ConfigurationFile(DocumentTest):
             head = self.example[:20] + struct.pack(">HHI", 0, 0, payload)
             self.assertEqual(self.is_usable(seal(head + bytes(payload + 4))), usable)
 
-    def test_whatever_is_wrong_makes_it_no_configuration_file(self):
+    def test_damaged_files_are_rejected(self):
         self.stated(r"(Any other magic or revision, a length that does not add up to the file's "
                     r"own, a byte too few, a byte too many, or a wrong CRC: not a configuration f)")
         for position in range(len(self.example)):
@@ -112,7 +112,7 @@ class ConfigurationFile(DocumentTest):
         self.assertFalse(self.is_usable(self.example + b"\0"))
         self.assertFalse(self.is_usable(self.example[:-1]))
 
-    def test_the_checksum_is_the_one_stated(self):
+    def test_checksum_is_as_stated(self):
         characters, checksum = self.stated(r"CRC-32 of the nine characters `(\d+)` is (\w+)\.")
         self.assertEqual("%X" % zlib.crc32(str(characters).encode()), checksum)
         polynomial = int(self.stated(r"polynomial (0x\w+) reflected, initial value and final XOR "
@@ -125,13 +125,13 @@ class ConfigurationFile(DocumentTest):
                 value = value >> 1 ^ (reflected if value & 1 else 0)
         self.assertEqual("%X" % (value ^ 0xFFFFFFFF), checksum)
 
-    def test_the_save_time_lasts_as_long_as_stated(self):
+    def test_save_time_has_the_stated_range(self):
         year = self.stated(r"save time is an unsigned number and lasts until (\d+)")
         self.assertEqual(time.gmtime(0xFFFFFFFF).tm_year, year)
         data = self.example[:12] + b"\xff" * 4 + self.example[16:]
         self.assertIn(str(year), json.dumps(self.show(seal(data))[1]))
 
-    def test_a_backup_is_such_a_file(self):
+    def test_backups_are_configuration_files(self):
         with Board() as board:
             client = Client(board, "admin")
             before = int(time.time())
@@ -149,7 +149,7 @@ class ConfigurationFile(DocumentTest):
             self.check_replacement(board, client, states)
 
     def check_replacement(self, board, client, states):
-        """A restore replaces the state file as a whole and leaves nothing aside."""
+        """Checks that a restore replaces the whole state file and leaves no temporary file."""
         self.stated(r"(replaced as a whole: written aside, synced, renamed, the folder synced)")
         before = states.stat().st_ino
         backup = board.path("/var/tmp/efi_backup" + client.identifier)
@@ -161,12 +161,12 @@ class ConfigurationFile(DocumentTest):
         self.assertEqual(payloads[5], payloads[3])
         self.assertEqual([each for each in states.parent.iterdir() if "aside" in each.name], [])
 
-    def test_the_price_of_a_restore_is_the_one_stated(self):
+    def test_restore_has_the_stated_cost(self):
         megabytes, count = self.stated(r"payloads of all partitions again, (\d+) MB for (\w+) full")
         self.assertEqual(count, "eight")
         self.assertEqual(8 * constant("data/uploadLimit.h", "LARGEST_UPLOAD") // 10 ** 6, megabytes)
 
-    def test_the_table_of_the_state_file_reads_its_example(self):
+    def test_table_reads_the_example_of_the_state_file(self):
         sizes = [row[0] for row in self.table("size", "field")]
         self.assertEqual(sizes, ["8", "4", "4", "4 + 4 + L each", "4"])
         fields = [row[1] for row in self.table("size", "field")]
@@ -177,7 +177,7 @@ class ConfigurationFile(DocumentTest):
                          {partitions[0]: partitions[1].encode(), partitions[2]: b""})
 
     def start(self, root, states=None):
-        """Starts a back-end with partitions 1 and 2; its states, or nothing when it does not."""
+        """Starts a back-end with partitions 1 and 2. Returns its states; None if it does not start."""
         path = Path(root) / "var/lib/board/configurations"
         board = Path(root) / "board.toml"
         board.touch(mode=0o600)
@@ -195,7 +195,7 @@ class ConfigurationFile(DocumentTest):
                 process.terminate()
         return read_states(path.read_bytes()) if ready else None
 
-    def test_states_are_kept_and_completed_as_stated(self):
+    def test_keeps_and_completes_states_as_stated(self):
         self.stated(r"(Entries of partitions that the board description no longer names are kept)")
         self.stated(r"(A partition without an entry gets the initial configuration)")
         body = b"EFISTOR\x1a" + struct.pack(">IIII", 1, 1, 0, 1) + b"A"
@@ -203,7 +203,7 @@ class ConfigurationFile(DocumentTest):
             states = self.start(root, body + struct.pack(">I", zlib.crc32(body)))
             self.assertEqual(states, {0: b"A", 1: b"a=1\n", 2: b"a=2\n"})
 
-    def test_a_damaged_state_file_is_never_overwritten(self):
+    def test_never_overwrites_a_damaged_state_file(self):
         self.stated(r"(A damaged file keeps the back-end from starting, and is never overwritten)")
         with tempfile.TemporaryDirectory() as root:
             path = Path(root) / "var/lib/board/configurations"

@@ -1,4 +1,4 @@
-"""Compares CONTRIBUTING.md with the presets."""
+"""Checks CONTRIBUTING.md: compares its presets with those of CMake."""
 
 import json
 import unittest
@@ -14,16 +14,16 @@ class Contributing(DocumentTest):
         return {each["name"]: each for each in json.loads(read("CMakePresets.json"))[kind]
                 if not each.get("hidden")}
 
-    def test_the_presets_are_those_of_cmake(self):
+    def test_presets_match_those_of_cmake(self):
         listed = [name for row in self.table("preset", "builds") for name in codes_in(row[0])]
-        # Those whose tests can be run, as the commands above the table do.
+        # The presets with tests, because the command above the table also runs the tests.
         self.assertEqual(sorted(listed), sorted(self.presets("testPresets")))
         for name in listed:
             self.assertIn(name, self.presets("configurePresets"))
             self.assertIn(name, self.presets("buildPresets"))
             self.assertEqual(self.presets("testPresets")[name]["configurePreset"], name)
 
-    def test_the_presets_build_what_is_stated(self):
+    def test_presets_build_what_is_stated(self):
         rows = {name: row[1] for row in self.table("preset", "builds") for name in codes_in(row[0])}
         presets = self.presets("configurePresets")
         variables = {name: presets[name].get("cacheVariables", {}) for name in rows}

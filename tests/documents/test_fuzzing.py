@@ -1,5 +1,5 @@
-"""docs/reliability/fuzzing.md against the targets and the commands. Its figures were measured once;
-what they say of each other is checked."""
+"""Checks docs/reliability/fuzzing.md against the targets and the commands. Its figures were measured
+once; checks that they agree with each other."""
 
 import importlib.machinery
 import importlib.util
@@ -16,7 +16,7 @@ FUZZ = PROJECT / "tests/fuzz"
 
 
 def growth():
-    """The script as a module, for its table of inputs."""
+    """Loads the script as a module, for its table of inputs."""
     loader = importlib.machinery.SourceFileLoader("growth", str(FUZZ / "growth"))
     module = importlib.util.module_from_spec(importlib.util.spec_from_loader("growth", loader))
     loader.exec_module(module)
@@ -31,11 +31,11 @@ class Fuzzing(DocumentTest):
     name = "docs/reliability/fuzzing.md"
     targets = sorted(path.stem for path in (FUZZ / "targets").glob("*.cpp"))
 
-    def test_every_target_is_listed(self):
+    def test_lists_every_target(self):
         rows = self.table("parser", "targets")
         self.assertEqual(sorted({name for row in rows for name in codes_in(row[1])}), self.targets)
 
-    def test_every_target_has_seeds_and_is_a_test(self):
+    def test_each_target_has_seeds_and_is_a_test(self):
         seeds = self.stated(r"`([\w/]+)/TARGET` holds small inputs")
         replayed = self.stated(r"replayed as the tests `(\w+)\.TARGET`")
         tests = listed_tests()
@@ -48,7 +48,7 @@ class Fuzzing(DocumentTest):
         for path in (PROJECT / folder).iterdir():
             self.assertIn(path.name, self.targets)
 
-    def test_the_runs_add_up_as_stated(self):
+    def test_runs_add_up_as_stated(self):
         rows = self.table("target", "runs")
         self.assertEqual([codes_in(row[0])[0] for row in rows], self.targets)
         runs = {codes_in(row[0])[0]: number(row[1]) for row in rows}
@@ -58,7 +58,7 @@ class Fuzzing(DocumentTest):
                          set(codes_in(newest)))
         self.assertEqual(sum(runs.values()), number(whole))
 
-    def test_the_forms_have_the_stated_lengths(self):
+    def test_forms_have_the_stated_lengths(self):
         script = read("tests/fuzz/run")
         self.assertEqual(self.stated(r"`tests/fuzz/run short`: (\d+) runs of each target"),
                          int(re.search(r"short_runs=(\d+)", script)[1]))
@@ -78,13 +78,13 @@ class Fuzzing(DocumentTest):
         self.assertLess(float(largest), module.LIMIT)
         self.assertIn(("payloadSettings", "settings"), [kind[:2] for kind in module.KINDS])
 
-    def test_growth_is_run_with_the_stated_folder(self):
+    def test_growth_takes_the_stated_folder(self):
         folder = self.stated(r"`tests/fuzz/growth (build/release/tests/fuzz)`")
         self.assertTrue((BUILD / folder.removeprefix("build/release/")).is_dir())
         self.assertEqual(subprocess.run([FUZZ / "growth"], check=False,
                                         stdout=subprocess.DEVNULL).returncode, 2)
 
-    def test_percentages_follow_from_their_counts(self):
+    def test_percentages_match_their_counts(self):
         found = re.findall(r"(\d+) of (\d+), (\d+) %", self.document.words)
         self.assertEqual(len(found), 2)
         for reached, whole, percent in found:
@@ -95,14 +95,14 @@ class Fuzzing(DocumentTest):
         self.assertEqual(int(changes) - int(useless), int(rest))
         self.assertEqual("%.1f" % (100 * int(caught) / int(rest)), percent)
 
-    def test_what_is_left_names_sources(self):
+    def test_remaining_lines_name_existing_sources(self):
         names = {path.name for folder in ("platform", "board", "data", "pages")
                  for path in (PROJECT / folder).rglob("*.cpp")}
         for where, _, _ in self.table("where", "branches that are not reached", "why"):
             for name in codes_in(where):
                 self.assertIn(name, names)
 
-    def test_the_targets_are_built_as_stated(self):
+    def test_targets_are_built_as_stated(self):
         self.stated(r"(built by clang with its fuzzer, AddressSanitizer and UndefinedBehaviorSan)")
         text = read("CMakeLists.txt")
         self.assertIn("-fsanitize=fuzzer-no-link", text)

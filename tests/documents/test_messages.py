@@ -1,4 +1,4 @@
-"""docs/messages.md against the catalogues, and every text in it on a page of a served board."""
+"""Checks docs/messages.md against the catalogues, and each of its texts on a page of a served board."""
 
 import html
 import re
@@ -12,14 +12,14 @@ from support.source import enumerators, read
 HEADER = ("number", "code", "text", "outcome", "cause")
 LANGUAGES = ("en", "ja")
 
-# Texts for codes that this board does not have; they are there for others.
+# Texts for codes that this board does not have, but others may.
 NOT_HERE = {(30, "other"), (45, "other"), (63, "other"), (64, "other")}
 # Texts that only the scripts of a page show.
 IN_SCRIPTS = {293, 303, 354}
 
 
 def catalogue(language):
-    """The texts of a catalogue by set and number."""
+    """Returns the texts of a catalogue by set and number."""
     sets = {}
     for line in read("board/catalogue/messages_%s.msg" % language).splitlines():
         if match := re.match(r"\$set (\d+)", line):
@@ -30,7 +30,7 @@ def catalogue(language):
 
 
 def text_of(sets, number, code):
-    """What a page shows of a message with a code; "other" stands for OTHER_CODE."""
+    """Returns the text that a page shows for a message and a code; "other" means OTHER_CODE."""
     if number > 9000:
         return sets[2][number]
     if number == 107:
@@ -40,7 +40,7 @@ def text_of(sets, number, code):
 
 
 class MessageTable(DocumentTest):
-    """The tables name every message with its English text, and nothing else."""
+    """Checks that the tables list every message with its English text, and no others."""
 
     name = "docs/messages.md"
 
@@ -49,14 +49,14 @@ class MessageTable(DocumentTest):
         return [row for cells, rows in cls.document.tables() if cells == list(HEADER)
                 for row in rows]
 
-    def test_each_text_is_the_catalogues(self):
+    def test_texts_match_the_catalogue(self):
         sets = catalogue("en")
         for number, code, text, _, cause in self.rows():
             with self.subTest(number=number, code=code):
                 self.assertEqual(text_of(sets, int(number), code), text)
                 self.assertTrue(cause)
 
-    def test_each_message_of_the_catalogue_is_there_once(self):
+    def test_lists_each_message_once(self):
         sets = catalogue("en")
         rows = [(int(number), code) for number, code, *_ in self.rows()]
         self.assertEqual(len(rows), len(set(rows)))
@@ -73,12 +73,12 @@ class MessageTable(DocumentTest):
         codes = set(enumerators("platform/host/channel/BackendError.h", "BackendError").values())
         codes |= {int(code) for code in re.findall(r"CHANNEL_\w+ = (\d{4});",
                                                    read("platform/host/channel/Channel.h"))}
-        # Those with a message of their own, and those of a login and of boardctl.
+        # Leaves out codes with their own message, and codes of a login and of boardctl.
         codes -= {1047, 1539, 1549, 1551, 1607, 1610, 1614}
         self.assertLessEqual(codes, set(catalogue("en")[71]))
         self.assertLessEqual(codes - {1601, 1613, 1615, 1616}, set(catalogue("en")[72]))
 
-    def test_no_text_has_a_code_that_the_reader_must_interpret(self):
+    def test_no_text_needs_its_code_to_be_understood(self):
         for language in LANGUAGES:
             for texts in catalogue(language).values():
                 for number, text in texts.items():
@@ -87,7 +87,7 @@ class MessageTable(DocumentTest):
 
 
 class MessagesOnPages(Provocations, BoardDocumentTest):
-    """Each row is brought about by a request, in both languages."""
+    """Provokes the message of each row by a request, in both languages."""
 
     name = "docs/messages.md"
 

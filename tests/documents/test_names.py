@@ -1,5 +1,5 @@
-"""What every document names is there: documents, headings, pictures, files, commands, options and
-tests."""
+"""Checks that everything named in a document exists: documents, headings, pictures, files, commands,
+options and tests."""
 
 import os
 import re
@@ -19,7 +19,7 @@ NOT_OURS = {".git", "build", "node_modules", "var"}
 
 
 def tree():
-    """The project's own files, by their paths."""
+    """Returns the paths of the project's own files."""
     found = []
     for folder, folders, files in os.walk(PROJECT):
         folders[:] = [each for each in folders if each not in NOT_OURS]
@@ -33,24 +33,24 @@ DOCUMENTS = [Document(str(path)) for path in sorted(FILES)
 
 
 def slug(heading):
-    """The anchor of a heading."""
+    """Returns the anchor of a heading."""
     return re.sub(r"[^\w\- ]", "", heading.lower()).replace(" ", "-")
 
 
 def links(document):
-    """Text and target of each link and picture, whether it is a picture or not."""
+    """Returns each link and picture as ("!" for a picture, text, target)."""
     return re.findall(r"(!?)\[([^\]]*)\]\(([^)]+)\)", document.words)
 
 
 def commands(document):
-    """What a document has in code: between backticks, and the lines of its blocks."""
+    """Returns the code in a document: text between backticks, and the lines of its blocks."""
     text = document.words
     lines = "\n".join(document.blocks()).replace("\\\n", " ").splitlines()
     return codes_in(re.sub(r"```.*?```", "", text)) + lines
 
 
 def glob_of(path):
-    """A path whose placeholders, words in capitals, match anything."""
+    """Returns a glob for a path. Its placeholders, which are words in capitals, match anything."""
     return re.sub(r"(?<![\w.])[A-Z]{2,}(?![\w.])", "*", path).rstrip("/")
 
 
@@ -62,7 +62,7 @@ class Names(unittest.TestCase):
             with self.subTest(document=document.name):
                 check(document)
 
-    def test_links_lead_to_a_document_and_a_heading(self):
+    def test_links_lead_to_documents_and_headings(self):
         def check(document):
             for _, text, target in links(document):
                 path, _, anchor = target.partition("#")
@@ -72,20 +72,20 @@ class Names(unittest.TestCase):
                 if anchor:
                     linked = Document(str(found.resolve().relative_to(PROJECT)))
                     self.assertIn(anchor, [slug(each) for each in linked.headings()], target)
-                # A link whose text is a path leads where it says.
+                # If the text is a path, the link must lead there.
                 if re.fullmatch(r"[\w/.-]+\.(md|txt)", text):
                     self.assertEqual(Path(path).name, Path(text).name)
 
         self.for_each(check)
 
-    def test_every_picture_is_shown(self):
+    def test_shows_every_picture(self):
         shown = {(PROJECT / Path(document.name).parent / target).resolve()
                  for document in DOCUMENTS for mark, _, target in links(document) if mark}
         pictures = {PROJECT / path for path in FILES
                     if path.parts[:2] == ("docs", "pictures") and path.suffix in (".png", ".svg")}
         self.assertEqual(shown, {each.resolve() for each in pictures})
 
-    def test_the_readme_leads_to_every_document(self):
+    def test_readme_links_to_every_document(self):
         for document in DOCUMENTS[1:]:
             self.assertTrue(any(document.name == str(Path(target.partition("#")[0]))
                                 for _, _, target in links(DOCUMENTS[0])), document.name)
@@ -102,7 +102,7 @@ class Names(unittest.TestCase):
 
         self.for_each(check)
 
-    def test_files_that_are_named_alone_exist(self):
+    def test_files_named_without_a_path_exist(self):
         names = {path.name for path in FILES} | {"backend.sock"}
 
         def check(document):
@@ -112,7 +112,7 @@ class Names(unittest.TestCase):
 
         self.for_each(check)
 
-    def test_files_of_the_board_are_installed_or_named_by_the_sources(self):
+    def test_board_files_are_installed_or_in_the_sources(self):
         sources = "".join(read(path) for path in FILES
                           if path.suffix in (".cpp", ".h") and path.parts[0] in PROGRAMS)
         with tempfile.TemporaryDirectory() as root:
@@ -128,7 +128,7 @@ class Names(unittest.TestCase):
 
             self.for_each(check)
 
-    def test_commands_can_be_run_and_take_their_options(self):
+    def test_commands_exist_and_take_their_options(self):
         def check(document):
             for code in commands(document):
                 words = code.split()
@@ -148,7 +148,7 @@ class Names(unittest.TestCase):
 
         self.for_each(check)
 
-    def test_tests_that_are_named_exist(self):
+    def test_named_tests_exist(self):
         tests = listed_tests()
 
         def check(document):

@@ -1,5 +1,5 @@
-"""docs/performance.md against bench/run and the recorded costs. The times were measured once; what the
-document says of them is checked against its own tables."""
+"""Checks docs/performance.md against bench/run and the recorded costs. The times were measured once;
+checks the statements about them against the document's own tables."""
 
 import json
 import re
@@ -18,25 +18,25 @@ class Performance(DocumentTest):
     name = "docs/performance.md"
 
     def processes(self):
-        """The figures of each program by their names."""
+        """Returns the figures of each program by name."""
         header = ["program", "µs", "CPU µs", "peak KiB", "system calls", "instructions"]
         return {row[0].strip("*"): dict(zip(header[1:], row[1:])) for row in self.table(*header)}
 
     def bounds(self):
-        """Each bound: what it is of, the number, whether it is a minimum, what was measured, and
-        whether the document says that it was reached."""
+        """Yields for each bound: the figure, the limit, whether it is a minimum, the measured values,
+        and whether it was reached according to the document."""
         for what, wanted, measured, reached in self.table("figure", "wanted", "measured", "reached"):
             limit = re.fullmatch(r"at (most|least) ([\d.]+)", wanted)
             values = [float(each) for each in measured.split(", ")]
             yield what, float(limit[2]), limit[1] == "least", values, reached
 
     def growth(self):
-        """The first two lines of the table of sizes."""
+        """Returns the first two rows of the table of sizes."""
         lines = self.document.text.partition("## How it grows")[2].splitlines()
         rows = [cells_of(line) for line in lines if line.startswith("|")]
         return rows[2:4]
 
-    def test_the_costs_are_the_recorded_ones(self):
+    def test_costs_match_the_recorded_ones(self):
         costs = json.loads(read("tests/costs/costs.json"))
         recorded = [[name, f"{each['instructions']:,}", str(each["system calls"])]
                     for name, each in costs.items()]
@@ -44,7 +44,7 @@ class Performance(DocumentTest):
         tolerance = self.stated(r"fails if a request takes (\d+) % more instructions")
         self.assertIn("TOLERANCE = 0.%02d\n" % tolerance, read("tests/costs/test_counts.py"))
 
-    def test_the_command_has_the_stated_options(self):
+    def test_command_has_the_stated_options(self):
         usage = self.document.blocks()[0].strip()
         text = subprocess.run([PROJECT / "bench/run", "--help"], check=True, capture_output=True,
                               text=True).stdout
@@ -52,7 +52,7 @@ class Performance(DocumentTest):
         for option in re.findall(r"--\w+", usage):
             self.assertIn("  " + option, text)
 
-    def test_preset_and_results_are_those_of_the_command(self):
+    def test_preset_and_results_match_the_command(self):
         script = read("bench/run")
         preset = self.stated(r"builds the preset `(\w+)` \(the release build\)")
         self.assertIn('"--preset", "%s"' % preset, script)
@@ -62,20 +62,20 @@ class Performance(DocumentTest):
         self.assertRegex(presets, r'"name": "%s",\s*"displayName": "[^"]*",\s*"inherits": "release"'
                          % preset)
 
-    def test_the_bounds_are_those_of_the_command(self):
+    def test_bounds_match_the_command(self):
         found = re.findall(r"(?s)\bwant\(.*?,\s+([\d.]+)(?:,\s*at_least=(True),?\s*)?\)\n",
                            read("bench/run"))
         theirs = [(float(limit), bool(least)) for limit, least in found]
-        # One row has both sizes of the table of partitions.
+        # The document has one row for both ranges of partitions.
         del theirs[theirs.index((3.0, False))]
         self.assertEqual([(limit, least) for _, limit, least, _, _ in self.bounds()], theirs)
 
-    def test_a_bound_is_reached_where_the_document_says_so(self):
+    def test_bounds_are_reached_where_stated(self):
         for what, limit, least, measured, reached in self.bounds():
             meets = all(value >= limit if least else value <= limit for value in measured)
             self.assertEqual(reached, "yes" if meets else "no", what)
 
-    def test_the_ratios_follow_from_the_tables(self):
+    def test_ratios_match_the_tables(self):
         processes = self.processes()
         ours, floor = processes["our backup page"], processes["floor"]
         measured = {what: values for what, _, _, values, _ in self.bounds()}
@@ -102,14 +102,14 @@ class Performance(DocumentTest):
                 # The tables are rounded.
                 self.assertAlmostEqual(value, computed, delta=0.02, msg=what)
 
-    def test_the_programs_are_those_that_are_measured(self):
+    def test_programs_match_those_measured(self):
         script = read("bench/run") + read("bench/support/programs.py")
         for name in self.processes():
             plain = re.sub(r"^our (.*)", r"\1", name)
             plain = re.sub(r"\d+ KiB", "%d KiB", plain)
             self.assertIn('"%s"' % plain.replace("empty, C", "empty C"), script)
 
-    def test_the_numbers_of_the_text_are_those_of_the_tables(self):
+    def test_numbers_in_the_text_match_the_tables(self):
         processes = self.processes()
         total = number(self.stated(r"The ([\d,]+) instructions of the backup page"))
         self.assertAlmostEqual(number(processes["our backup page"]["instructions"]), total, delta=1000)
@@ -122,7 +122,7 @@ class Performance(DocumentTest):
                 - number(processes["upload of 1 KiB"]["µs"])) / 383
         self.assertAlmostEqual(cost, each, delta=0.5)
 
-    def test_every_plot_is_one_that_the_command_draws(self):
+    def test_command_draws_every_plot(self):
         report = read("bench/support/report.py")
         for picture in re.findall(r"pictures/performance-(\w+)\.svg", self.document.text):
             self.assertRegex(report, r"\b%s\b" % picture)

@@ -1,5 +1,5 @@
-"""docs/reliability.md against the fault tests and the sources. Its figures were measured once; what
-they say of each other and of the commands is checked."""
+"""Checks docs/reliability.md against the fault tests and the sources. Its figures were measured once;
+checks that they agree with each other and with the commands."""
 
 import re
 import subprocess
@@ -21,7 +21,7 @@ class Reliability(DocumentTest):
     def number(self, text):
         return int(re.match(r"[\d,]+", text)[0].replace(",", ""))
 
-    def test_the_times_are_those_of_the_sources(self):
+    def test_times_match_the_sources(self):
         exchange, lock = self.stated(
             r"An exchange with the back-end has (\d+) s, a wait for the lock (\d+) s")
         self.assertEqual(1000 * exchange, constant("platform/host/channel/Channel.h",
@@ -29,7 +29,7 @@ class Reliability(DocumentTest):
         self.assertEqual(1000 * lock, constant("platform/host/storage/LockedFile.cpp",
                                                "WAIT_MILLISECONDS"))
 
-    def test_the_logs_are_kept_to_the_stated_size(self):
+    def test_logs_have_the_stated_size_limit(self):
         trace, web, count, size = self.stated(
             r"`(\w+\.log)` and `(\w+\.log)` are each kept to (\w+) files of (\d+) MiB")
         self.assertEqual(size * 1024 * 1024, constant("platform/host/storage/boundedLog.cpp",
@@ -38,19 +38,19 @@ class Reliability(DocumentTest):
         self.assertIn("/var/log/" + trace, read("platform/host/base/SystemPath.h"))
         self.assertRegex(read("board/web/lighttpd.conf"), r"keep_log .*/var/log/%s" % web)
 
-    def test_the_table_has_every_row_of_the_fault_tests(self):
+    def test_lists_every_row_of_the_fault_tests(self):
         text = subprocess.run([RUN, "--help"], check=True, capture_output=True, text=True).stdout
         helped = re.findall(r"^  (\w+) +\S", text[text.index("Rows:"):], re.MULTILINE)
         self.assertEqual(sorted(codes_in(row[0])[0] for row in self.rows()), sorted(helped))
 
-    def test_the_command_of_a_row_is_taken(self):
+    def test_command_of_a_row_is_valid(self):
         form = self.stated(r"each row with the command `tests/faults/run (\w+) ROW`")
         self.assertIn(form, subprocess.run([RUN, "--help"], check=True, capture_output=True,
                                            text=True).stdout)
         wrong = subprocess.run([RUN, form, "nothing"], capture_output=True, text=True, check=False)
         self.assertEqual(wrong.returncode, 2)
 
-    def test_violations_are_kept_where_it_is_stated(self):
+    def test_violations_are_stored_where_stated(self):
         folder = self.stated(r"A violation is written to `([^`]+)` with all that")
         text = subprocess.run([RUN, "--help"], check=True, capture_output=True, text=True).stdout
         self.assertIn(folder, text)
@@ -58,11 +58,11 @@ class Reliability(DocumentTest):
         self.assertIn("tests/faults/run repeat FILE", text)
         self.assertIn(self.stated(r"in equal steps whose start is `(--\w+)`"), text)
 
-    def test_the_requests_are_those_of_the_fault_tests(self):
+    def test_requests_match_the_fault_tests(self):
         listed = self.stated(r"The requests: (.*?)\. ##")
         names = []
         for part in re.sub(r" \([^)]*\)", "", listed).split(", "):
-            # "unusable, too large and broken upload"
+            # Splits "unusable, too large and broken upload".
             names += part.split(" and ")
         names = [each + " upload" if each in ("unusable", "too large") else each for each in names]
         types = re.findall(r'^    name = "(.+)"', read("tests/faults/support/requestTypes.py"),
@@ -72,7 +72,7 @@ class Reliability(DocumentTest):
     def test_no_row_had_a_violation(self):
         self.assertEqual([row[3] for row in self.rows()], ["0"] * len(self.rows()))
 
-    def test_the_figures_of_a_row_agree(self):
+    def test_figures_of_a_row_agree(self):
         for row in self.rows():
             met = re.search(r"([\d,]+) cases, of which ([\d,]+) met their call", row[1])
             if met:
@@ -85,7 +85,7 @@ class Reliability(DocumentTest):
         self.assertEqual(self.number(str(last)),
                          self.number(next(row[2] for row in self.rows() if "soak" in row[0])))
 
-    def test_the_judge_asks_in_the_stated_rows(self):
+    def test_judge_asks_in_the_stated_rows(self):
         rows, module = self.stated(r"In the rows (.*?) one module, `tests/faults/support/(\w+)\.py`"
                                    r", asks the same questions")
 
@@ -110,7 +110,7 @@ class NotPromised(BoardDocumentTest):
         return self.client.post(SCREEN, {"functionID": "105", "hidden_status": "BACKUP",
                                          "radio_button": partition})
 
-    def test_a_failed_backup_leaves_an_empty_file_that_is_not_downloaded(self):
+    def test_empty_file_of_a_failed_backup_is_not_downloaded(self):
         self.stated(r"A backup that fails may (leave an empty file)")
         link = re.search(r'href="(/common/download[^"]+)"', self.back_up("3").text)[1]
         link = link.replace("&amp;", "&")
@@ -120,7 +120,7 @@ class NotPromised(BoardDocumentTest):
         self.stated(r"(the download refuses it)")
         self.assertEqual(self.client.get(link).status, 404)
 
-    def test_a_session_without_its_file_has_ended(self):
+    def test_session_without_its_file_has_ended(self):
         self.stated(r"(A session without its file has ended, and its staged file and backup go)")
         self.back_up("3")
         self.assertTrue(self.backup.exists())

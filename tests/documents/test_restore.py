@@ -1,4 +1,4 @@
-"""docs/restore.md against a served board."""
+"""Checks docs/restore.md against a served board."""
 
 import re
 import time
@@ -11,7 +11,7 @@ from support.source import constant, enumerators, read, text_constant
 CONFIGURATION_LIMIT = "platform/host/web/FormLimits.h"
 SET_RESTORE = "0x020100A4"
 
-# What each kind of page has and no other.
+# Predicates that recognise each kind of page.
 PAGES = {
     "upload form": lambda text: 'type="file"' in text and 'id="table' not in text
     and 'name="pid' not in text,
@@ -49,7 +49,7 @@ class Restore(BoardDocumentTest):
         return (client or self.client).post(self.screen, {"functionID": self.function, **fields})
 
     def send(self, step, request, client=None):
-        """Sends what a row of the table of steps says."""
+        """Sends the request of a row in the table of steps."""
         client = client or self.client
         if request == "GET":
             return client.get(self.screen + "?functionID=" + self.function)
@@ -64,7 +64,7 @@ class Restore(BoardDocumentTest):
                          else {"hidden_status": status}, client)
 
     def steps(self):
-        """The rows of the table of steps; "the same" is written out."""
+        """Yields the rows of the table of steps, with "the same" replaced by the request."""
         upload = ""
         for step, request, page, file in self.table("step", "request", "page that follows",
                                                     "staged file"):
@@ -72,7 +72,7 @@ class Restore(BoardDocumentTest):
             yield step, upload if request == "the same" else request, page, file
 
     def follow(self, step, request):
-        """The answer of a step, and what was staged before and what was sent."""
+        """Carries out a step with a staged file. Returns the response and the bytes staged before."""
         self.client.upload(self.backup)
         before = self.staged()
         self.assertEqual(before, self.backup)
@@ -106,7 +106,7 @@ class Restore(BoardDocumentTest):
                             "removed": None}[file]
                 self.assertEqual(self.staged(), expected)
 
-    def test_a_user_without_the_right_gets_the_stated_status_and_message(self):
+    def test_user_without_permission_gets_the_stated_status_and_message(self):
         status, message = self.stated(
             r"every answer has the status (\d+) and .* shows message (\d+) in place of a form")
         viewer = Client(self.board, "viewer")
@@ -121,21 +121,21 @@ class Restore(BoardDocumentTest):
                 self.stated(r"(after a POST the session has no staged file)")
                 self.assertEqual(self.staged(viewer), None if request != "GET" else b"staged")
 
-    def test_the_posted_value_counts_and_not_the_name(self):
+    def test_uses_the_posted_value_and_not_the_name(self):
         self.stated(r"(`pidN`) with the value N; the value counts")
         self.client.upload(self.backup)
         self.assertIn("[73-1549]", self.step({"hidden_status": "2", "pid2": "7"}).text)
         self.assertIn("was restored", self.step({"hidden_status": "2", "pid7": "2"}).text)
 
-    def test_every_installed_partition_is_a_target_of_the_select_all_box(self):
+    def test_select_all_includes_every_installed_partition(self):
         box = self.stated(r"select-all box posts `(\w+)`")
         self.client.upload(self.backup)
         self.assertIn('name="%s"' % box, self.client.upload(self.backup).text)
         self.board.control("reset")
-        # Partition 0 has another version: it is among the targets.
+        # Partition 0 has another version, so the refusal shows that it is among the targets.
         self.assertIn("[353-1551]", self.step({"hidden_status": "2", box: ""}).text)
 
-    def test_an_empty_list_is_refused_by_the_back_end(self):
+    def test_back_end_refuses_an_empty_list(self):
         self.stated(r"(An empty list) is sent as well; the back-end refuses it")
         self.client.upload(self.backup)
         self.assertIn("[71-1601]", self.step({"hidden_status": "2"}).text)
@@ -154,43 +154,43 @@ class Restore(BoardDocumentTest):
             self.assertIn("[%s-%d]" % (rows[-1][2], code),
                           self.step({"hidden_status": "2", "pid2": "2"}).text)
 
-    def test_the_lock_is_the_one_that_is_stated(self):
+    def test_uses_the_stated_lock(self):
         lock = self.stated(r"holds the lock `([^`]+)`")
         self.assertEqual(lock, text_constant("platform/host/base/SystemPath.h",
                                              "STAGING_LOCK_FILE"))
         self.step({"hidden_status": "3"})
         self.assertTrue(self.board.path(lock).exists())
 
-    def test_a_file_may_have_the_stated_length(self):
+    def test_files_have_the_stated_length_limit(self):
         limit = self.stated(r"A file may hold (\d+) bytes")
         self.assertEqual(limit, constant("data/uploadLimit.h", "LARGEST_UPLOAD"))
         # The longest file is read, and found to be no configuration.
         self.assertIn("[64-1026]", self.client.upload(bytes(limit)).text)
         self.assertIn("[63-1028]", self.client.upload(bytes(limit + 1)).text)
 
-    def test_the_web_server_refuses_a_body_above_its_limit(self):
+    def test_web_server_refuses_a_body_above_its_limit(self):
         mebibytes, status = self.stated(r"above (\d+) MiB the web server answers (\d+) itself")
         self.assertEqual(self.client.upload(bytes(mebibytes * 1024 * 1024 - 4096)).status, 200)
-        # The length alone is enough, so that nothing has to be sent.
+        # The header with the length is enough; the body need not be sent.
         head = ("POST %s HTTP/1.0\r\nHost: 127.0.0.1:%d\r\nContent-Length: %d\r\n\r\n"
                 % (SCREEN, self.board.port, mebibytes * 1024 * 1024 + 1))
         self.assertEqual(int(self.board.raw(head.encode()).split()[1]), status)
 
-    def test_a_form_beyond_a_limit_is_refused(self):
+    def test_refuses_a_form_above_a_limit(self):
         status = self.stated(r"a form beyond one of them is refused \((\d+)\)")
         value = "x" * (constant(CONFIGURATION_LIMIT, "VALUE_LENGTH") + 1)
         self.assertEqual(self.step({"message": value}).status, status)
         name = "n" * (constant(CONFIGURATION_LIMIT, "NAME_LENGTH") + 1)
         self.assertEqual(self.step({name: ""}).status, status)
 
-    def test_a_body_has_the_stated_time(self):
+    def test_body_has_the_stated_time_limit(self):
         seconds, status = self.stated(r"has not come within (\d+) s is refused \((\d+)\), and one")
         self.assertEqual(1000 * seconds,
                          constant("platform/host/web/RequestBody.h", "DEADLINE_MILLISECONDS"))
         self.assertRegex(read("platform/host/web/errorPage.cpp"),
                          r"REQUEST_TOO_SLOW\) \{\s+page.status = %d;" % status)
 
-    def test_a_malformed_body_is_refused_whole(self):
+    def test_refuses_the_whole_of_a_malformed_body(self):
         status, message = self.stated(r"refused whole \((\d+); with message (\d+) for a form with")
         self.client.upload(self.backup)
         body = upload_body(b"other")
@@ -200,7 +200,7 @@ class Restore(BoardDocumentTest):
             self.assertIn("[%d-" % message, answer.text)
             self.assertEqual(self.staged(), self.backup)
 
-    def test_an_upload_that_breaks_off_leaves_nothing(self):
+    def test_truncated_upload_leaves_nothing(self):
         self.stated(r"(an upload that breaks off leaves nothing)")
         before = set(self.board.path("/var/tmp").iterdir())
         body = upload_body(bytes(50000))
@@ -208,7 +208,7 @@ class Restore(BoardDocumentTest):
                 "Content-Type: multipart/form-data; boundary=----documents\r\n\r\n"
                 % (SCREEN, self.board.port, self.client.cookie, len(body)))
         self.board.raw(head.encode() + body[:30000])
-        # The program of the broken upload ends after the connection.
+        # The program may end after the connection does.
         self.wait_until(lambda: not [each for each in self.board.path("/var/tmp").iterdir()
                                      if each not in before])
 

@@ -1,4 +1,4 @@
-"""docs/security.md against a served board and the tests that it names."""
+"""Checks docs/security.md against a served board and the tests that it names."""
 
 import hashlib
 import os
@@ -16,7 +16,7 @@ QUEUE = "board/backend/LoginQueue.h"
 
 
 def tests_of(folder):
-    """The suites of a folder's tests, and its sources by their names."""
+    """Returns the names of a folder's test suites and sources."""
     sources = list((PROJECT / "tests" / folder).glob("*.cpp"))
     text = "".join(path.read_text(encoding="utf-8") for path in sources)
     suites = re.findall(r"\b(?:TEST|TEST_F|TEST_P)\((\w+),", text)
@@ -31,7 +31,7 @@ class Security(BoardDocumentTest):
         super().setUpClass()
         cls.client = Client(cls.board, "admin")
 
-    def test_every_test_that_holds_a_defence_exists(self):
+    def test_named_tests_of_defences_exist(self):
         browser, rest = self.stated(
             r"Tests named `x\.test` are in `([^`]+)`, the others in (.*?)\. \|")
         others = [each.removeprefix("tests/") for each in codes_in(rest)]
@@ -49,7 +49,7 @@ class Security(BoardDocumentTest):
                     else:
                         self.assertTrue(holder in suites or holder in tests)
 
-    def test_what_a_board_must_do_is_done_where_it_is_stated(self):
+    def test_board_duties_are_done_where_stated(self):
         sources = "".join(path.read_text(encoding="utf-8")
                           for folder in ("platform/host", "board")
                           for path in (PROJECT / folder).rglob("*.cpp"))
@@ -65,7 +65,7 @@ class Security(BoardDocumentTest):
                             name.rpartition("/")[2].replace(".cgi", ".cpp") if "." in name
                             else name + ".h")) for folder in ("platform/host", "board")))
 
-    def test_the_cookie_is_as_stated(self):
+    def test_cookie_is_as_stated(self):
         bits = self.stated(r"the cookie holds (\d+) random bits that are compared in")
         identifier, token = self.client.value.split("-")
         self.assertEqual(4 * len(token), bits)
@@ -79,7 +79,7 @@ class Security(BoardDocumentTest):
         self.stated(r"The cookie is (not marked Secure)")
         self.assertNotIn("Secure", self.client.set_cookie)
 
-    def test_a_session_ends_as_stated(self):
+    def test_sessions_end_as_stated(self):
         idle, life = self.stated(r"ends at logout, after (\d+) idle minutes and after (\d+) hours, "
                                  r"with its files")
         self.assertEqual(60 * idle, constant(SESSION, "SESSION_IDLE_SECONDS"))
@@ -94,7 +94,7 @@ class Security(BoardDocumentTest):
         self.assertFalse(any(each.exists() for each in files))
         self.assertEqual(client.get(SCREEN + "?functionID=105").status, 403)
 
-    def test_limits_are_those_of_the_sources(self):
+    def test_limits_match_the_sources(self):
         self.assertEqual(self.stated(r"a user has at most (\d+) sessions, the oldest ends"),
                          constant(SESSION, "SESSIONS_OF_A_USER"))
         form, own = self.stated(r"a form has at most (\d+) KiB, one of the login or the menu (\d+) KiB; a f")
@@ -107,14 +107,14 @@ class Security(BoardDocumentTest):
                          constant("platform/host/web/RequestBody.h", "DEADLINE_MILLISECONDS"))
         self.assertEqual(status, 408)
 
-    def test_a_session_keeps_the_sum_of_its_token_only(self):
+    def test_session_file_contains_only_a_hash_of_the_token(self):
         self.stated(r"of which the session's file has the (SHA-256) only")
         identifier, token = self.client.value.split("-")
         text = self.board.path("/var/lib/session/" + identifier).read_text()
         self.assertNotIn(token, text)
         self.assertIn(hashlib.sha256(token.encode()).hexdigest(), text)
 
-    def test_what_is_kept_is_where_it_is_stated_and_the_owners_alone(self):
+    def test_stored_files_are_private_and_where_stated(self):
         rows = self.table("data", "class", "where, under the board's root", "until")
         self.assertEqual({row[1] for row in rows}, {"secret", "confidential", "internal"})
         paths = {path for row in rows for path in re.findall(r"`(var/[^`]+)`", row[2])}
@@ -127,7 +127,7 @@ class Security(BoardDocumentTest):
                 self.assertEqual("%o" % (path.stat().st_mode & 0o7777), str(modes[path.is_dir()]),
                                  path)
 
-    def test_the_algorithms_are_those_of_the_sources(self):
+    def test_algorithms_match_the_sources(self):
         rows = self.table("use", "algorithm", "from")
         self.assertEqual(len(rows), 6)
         rounds = self.stated(r"sha512crypt with (\d+) rounds or more")
@@ -137,7 +137,7 @@ class Security(BoardDocumentTest):
         self.assertIn("CERTIFICATE_DAYS=%d\n" % days, read("serve"))
         self.assertIn("ec_paramgen_curve:P-256", read("serve"))
 
-    def test_the_back_end_checks_changes_itself(self):
+    def test_back_end_checks_changes_itself(self):
         no_session, no_right = self.stated(
             r"the back-end reads the session's file and its user's rights itself \((\d+), (\d+)\)")
         viewer = Client(self.board, "viewer")
@@ -145,14 +145,14 @@ class Security(BoardDocumentTest):
             for number in (0x020100A3, 0x020100A4):
                 self.assertEqual(self.board.ask(2, number, session.encode(), bytes(4))[0], code)
 
-    def test_a_login_makes_the_session_anew(self):
+    def test_login_creates_a_new_session(self):
         self.stated(r"(made anew at login, never taken from outside)")
         client = Client(self.board)
         client.cookie = "session=" + "0" * 16 + "-" + "0" * 32
         answer = client.post("/login.cgi", {"user": "admin", "password": "admin"})
         self.assertNotIn("0" * 16, answer.headers["Set-Cookie"])
 
-    def test_guessing_is_slowed_down_as_stated(self):
+    def test_slows_guessing_down_as_stated(self):
         first, later, wait = self.stated(
             r"of the guesses at one account, (\d+) are looked at in the first minute and (\d+) in "
             r"each after that, .* others wait up to (\d+) s for their turn")
@@ -172,14 +172,14 @@ class Security(BoardDocumentTest):
         self.assertEqual(float(turn) * 1000, constant(QUEUE, "ADDRESS_INTERVAL"))
         self.assertEqual(delay, constant(QUEUE, "FAILURE_DELAY"))
 
-    def test_a_login_is_only_taken_from_the_body(self):
+    def test_accepts_a_login_only_in_the_body(self):
         self.stated(r"(only taken from the body of a POST without a query string)")
         stranger = Client(self.board)
         for fields in ({}, {"user": "admin", "password": "admin"}):
             answer = stranger.post("/login.cgi?user=admin&password=admin", fields)
             self.assertEqual((answer.status, answer.headers["Set-Cookie"]), (400, None))
 
-    def test_a_user_without_the_right_gets_the_stated_status(self):
+    def test_user_without_permission_gets_the_stated_status(self):
         status = self.stated(r"the channel refuses to send changes and the answer is (\d+)")
         viewer = Client(self.board, "viewer")
         for function in ("105", "106"):
@@ -192,7 +192,7 @@ class Security(BoardDocumentTest):
         self.assertEqual(viewer.post(SCREEN, {"functionID": "105", "hidden_status": "BACKUP",
                                               "radio_button": "3"}).status, status)
 
-    def test_what_another_site_sends_is_refused(self):
+    def test_refuses_requests_from_other_sites(self):
         self.stated(r"(Origin, with scheme and port, and Sec-Fetch-Site are checked on every POST)")
         own = "http://127.0.0.1:%d" % self.board.port
         for header in ({"Origin": "http://other"}, {"Sec-Fetch-Site": "cross-site"},
@@ -225,7 +225,7 @@ class Security(BoardDocumentTest):
         self.assertEqual(self.client.request("POST", "/default.css", "").status, 403)
 
     def answers(self):
-        """One answer of every kind that the server gives once it has understood the request."""
+        """Yields a response of each kind to a well-formed request."""
         client, stranger = self.client, Client(self.board)
         yield from (client.get(target) for target in (
             "/", "/login.cgi", SCREEN, SCREEN + "?functionID=105", SCREEN + "?functionID=106",
@@ -237,7 +237,7 @@ class Security(BoardDocumentTest):
         yield stranger.request("DELETE", SCREEN)
         yield client.upload(b"x" * 500000)
 
-    def test_answers_are_not_kept_and_not_sniffed(self):
+    def test_responses_forbid_caching_and_sniffing(self):
         self.stated(r"(nosniff and no version in the Server header on every answer, also to what is "
                     r"no request; no-store on)")
         answers = list(self.answers())
@@ -253,7 +253,7 @@ class Security(BoardDocumentTest):
             self.assertEqual(answer.headers["X-Content-Type-Options"], "nosniff")
             self.assertRegex(answer.headers["Server"], r"^[^\d/]+$")
 
-    def test_what_the_server_does_not_understand_has_the_stated_headers(self):
+    def test_responses_to_malformed_requests_have_the_stated_headers(self):
         statuses = self.stated(r"\*\*Bad requests\*\* \((\d+), \d+, (\d+), \d+\)")
         port = str(self.board.port).encode()
         requests = (b"nonsense SECRET\r\n\r\n",
@@ -270,7 +270,7 @@ class Security(BoardDocumentTest):
             self.stated(r"(hold no text of the request in their answer)")
             self.assertNotIn("SECRET", body)
 
-    def test_paths_outside_the_root_are_refused(self):
+    def test_refuses_paths_outside_the_root(self):
         self.stated(r"(paths with dots, encoded slashes and trailing parts are refused)")
         for target in ("/../usr/local/etc/board.toml", "/%2e%2e/x", "/a%2Fb", "/login.cgi/x",
                        "/./default.css"):
@@ -287,7 +287,7 @@ class Security(BoardDocumentTest):
                 self.assertTrue(file.exists())
             if file.exists():
                 self.assertEqual("%o" % stat.S_IMODE(file.stat().st_mode), "%o" % int(str(mode), 8))
-        # The mode is the program's, not only that of whoever started it.
+        # keep_log sets the mode itself, whatever the umask.
         folder = self.board.folder / "logs"
         folder.mkdir()
         keeper = self.board.path("/usr/local/sbin/keep_log")
@@ -295,14 +295,14 @@ class Security(BoardDocumentTest):
                        preexec_fn=lambda: os.umask(0))
         self.assertEqual(stat.S_IMODE((folder / "log").stat().st_mode), int(str(mode), 8))
 
-    def test_the_server_listens_where_it_is_stated(self):
+    def test_server_listens_where_stated(self):
         address = self.stated(r"The server listens on (\d+\.\d+\.\d+\.\d+)\.")
         self.assertIn('server.bind = "%s"' % address, read("board/web/lighttpd.conf"))
         inode = r"(\S+):%04X 00000000:0000 0A" % self.board.port
         listeners = re.findall(inode, read("/proc/net/tcp") + read("/proc/net/tcp6"))
         self.assertEqual(listeners, ["0100007F"])
 
-    def test_names_and_bounds_are_those_of_the_sources(self):
+    def test_names_and_bounds_match_the_sources(self):
         names = self.stated(r"The board answers to (\S+), (\S+) and (\S+), to the `host_names`")
         properties = self.board.path("/var/run/board_properties").read_text()
         self.assertEqual(re.findall("^host=(.*)", properties, re.MULTILINE),
@@ -313,7 +313,7 @@ class Security(BoardDocumentTest):
         seconds, most = self.stated(
             r"one that is not whole after (\d+) s is ended; at most (\d+) connections")
         arrival = re.search(r"LONGEST_ARRIVAL\((\d+)\)", read("board/web/watch_requests.cpp"))[1]
-        self.assertEqual(seconds, int(arrival) + 2)  # two looks at the connections
+        self.assertEqual(seconds, int(arrival) + 2)  # the interval of two polls
         configuration = read("board/web/lighttpd.conf")
         self.assertIn("server.max-connections = %d\n" % most, configuration)
         pause, longest = self.stated(r"only when it lasts (\d+) s, so that it may take (\d+) s")

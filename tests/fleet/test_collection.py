@@ -1,5 +1,4 @@
-"""The Ansible collection as a package: the linter, its installation, and what its modules say of
-themselves."""
+"""Tests of the Ansible collection as a package: linter, installation and module documentation."""
 
 import json
 import shutil
@@ -9,7 +8,7 @@ import unittest
 from fleet.engine import COLLECTION, Controller
 
 MODULES = sorted(path.stem for path in (COLLECTION / "plugins/modules").glob("*.py"))
-# Prints the options that modules take, by Debian's Python, which is Ansible's.
+# Prints the options that modules take. Run with Debian's Python, which Ansible uses.
 PRINT_OPTIONS = """
 import importlib, json, os, sys
 sys.path.insert(0, os.environ["ANSIBLE_COLLECTIONS_PATH"])
@@ -31,8 +30,8 @@ class Collection(unittest.TestCase):
                               env=self.controller.environment, stdin=subprocess.DEVNULL,
                               capture_output=True, text=True)
 
-    def test_the_linter_finds_nothing(self):
-        # A copy, because the linter keeps its cache beside what it reads.
+    def test_passes_the_linter(self):
+        # Checks a copy, because the linter writes its cache next to the sources.
         place = self.controller.folder / "collections/ansible_collections/vesk/efictl"
         place.unlink()
         shutil.copytree(COLLECTION, place)
@@ -42,7 +41,7 @@ class Collection(unittest.TestCase):
         (place / "roles/backup/tasks/main.yml").write_text("- shell: echo\n", encoding="utf-8")
         self.assertNotEqual(self.run_tool(*words, folder=place).returncode, 0)
 
-    def test_it_is_built_and_installed_without_a_network(self):
+    def test_installs_without_a_network(self):
         target = self.controller.folder / "installed"
         result = self.run_tool("ansible-galaxy", "collection", "install", "--offline",
                                "--collections-path", target, COLLECTION)
@@ -54,7 +53,7 @@ class Collection(unittest.TestCase):
         self.assertEqual(sorted(json.loads(result.stdout)),
                          ["vesk.efictl." + name for name in MODULES])
 
-    def test_modules_describe_their_options(self):
+    def test_documents_all_module_options(self):
         taken = json.loads(self.run_tool("/usr/bin/python3", "-c", PRINT_OPTIONS, *MODULES).stdout)
         names = ["vesk.efictl." + name for name in MODULES]
         described = json.loads(self.run_tool("ansible-doc", "--json", *names).stdout)

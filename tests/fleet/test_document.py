@@ -1,4 +1,4 @@
-"""docs/fleet.md: its commands are run as printed, but with places and boards of the test."""
+"""Tests of docs/fleet.md. Runs its commands as printed, with paths and boards of the test."""
 
 import re
 import subprocess
@@ -16,7 +16,7 @@ PARTITIONS = 5
 class CollectionDocument(DocumentTest):
     name = "docs/fleet.md"
 
-    def test_playbooks_and_roles_are_listed(self):
+    def test_lists_playbooks_and_roles(self):
         playbooks = [codes_in(row[0])[0] for row in self.table("playbook", "does")]
         found = (COLLECTION / "playbooks").glob("*.yml")
         self.assertEqual(sorted(playbooks), sorted("vesk.efictl." + path.stem for path in found))
@@ -24,14 +24,14 @@ class CollectionDocument(DocumentTest):
         found = (COLLECTION / "roles").glob("*/tasks")
         self.assertEqual(sorted(roles), sorted("vesk.efictl." + path.parent.name for path in found))
 
-    def test_variables_are_listed_with_their_defaults(self):
+    def test_lists_variables_with_their_defaults(self):
         set_by_roles = {}
         for path in (COLLECTION / "roles").glob("*/defaults/main.yml"):
             text = path.read_text(encoding="utf-8")
             set_by_roles |= dict(re.findall(r"(?m)^(efictl_\w+): *(.*)$", text))
         waves = re.search(r"default\((\[.*?\])\)", read("fleet/ansible/playbooks/restore.yml"))[1]
         set_by_roles |= {"efictl_waves": waves}
-        # Made of the others.
+        # Consists of the other variables.
         del set_by_roles["efictl_connection"]
         listed = {}
         for variables, _, defaults in self.table("variable", "says", "when not given"):
@@ -43,7 +43,7 @@ class CollectionDocument(DocumentTest):
             if value is not None:
                 self.assertEqual(value, set_by_roles[name].strip('"'), name)
 
-    def test_modules_are_listed(self):
+    def test_lists_modules(self):
         named, others = self.stated(r"`ansible-doc vesk\.efictl\.(\w+)` describes the module of "
                                     r"the role, and so for (.*?)\. Passwords")
         found = (COLLECTION / "plugins/modules").glob("*.py")
@@ -51,11 +51,11 @@ class CollectionDocument(DocumentTest):
 
 
 class GrowthDocument(DocumentTest):
-    """The figures were measured once; what is said of them follows from them."""
+    """Checks that the conclusions follow from the measured figures."""
 
     name = "docs/fleet.md"
 
-    def test_the_sums_are_right(self):
+    def test_sums_are_right(self):
         checked = 0
         for _, arithmetic, _ in self.table("what", "arithmetic", "what to do"):
             match = re.match(r"([\d,. +×/a-zA-Z]+?) = ([\d,.]+) (\w+)", arithmetic)
@@ -69,7 +69,7 @@ class GrowthDocument(DocumentTest):
             checked += 1
         self.assertEqual(checked, 5)
 
-    def test_the_time_of_a_board_is_that_of_the_table(self):
+    def test_times_for_each_board_match_the_table(self):
         rows = self.table("boards", "engine", "night", "s", "CPU s", "MiB", "open files")
         seconds = {(row[1], int(row[0])): float(row[4]) / int(row[0]) for row in rows
                    if row[2] == "first"}
@@ -99,7 +99,7 @@ class FleetDocument(DocumentTest):
         return self.document.blocks(words)[block].splitlines()
 
     def shell(self, script, stdin=subprocess.DEVNULL, **environment):
-        """Runs a line of the document; it must succeed."""
+        """Runs a line of the document, which must succeed. Returns its output."""
         result = subprocess.run(["bash", "-uc", script], cwd=self.folder, check=False, text=True,
                                 env={**self.controller.environment, **environment},
                                 capture_output=True, **stdin if isinstance(stdin, dict)
@@ -108,7 +108,7 @@ class FleetDocument(DocumentTest):
         return result.stdout
 
     def places(self, line):
-        """The line with places below the test's folder, and with the addresses of its boards."""
+        """Returns the line with paths below the test's folder and the addresses of its boards."""
         for place in ("/etc/efictl", "/etc/systemd/system", "/usr/share/ansible/collections"):
             line = line.replace(place, "%s%s" % (self.folder, place))
         for name, board in self.boards.items():
@@ -118,7 +118,7 @@ class FleetDocument(DocumentTest):
         return line
 
     def system(self):
-        """Where the lines write, and programs that only this machine's administrator may start."""
+        """Creates the folders that the lines write to, and replaces the programs that need root."""
         for place in ("etc/efictl", "etc/systemd/system", "usr/share/ansible/collections"):
             (self.folder / place).mkdir(parents=True)
         (self.folder / "etc/efictl/boards.pem").write_bytes(
@@ -134,7 +134,7 @@ class FleetDocument(DocumentTest):
         path.write_text("#!/bin/bash\n%s\n" % script, encoding="utf-8")
         path.chmod(0o755)
 
-    def test_ten_lines_lead_to_a_nightly_backup_of_three_boards(self):
+    def test_ten_lines_set_up_nightly_backups_of_three_boards(self):
         self.system()
         lines = self.lines_after("## Three boards in ten lines")
         self.assertEqual(len(lines), 10)
@@ -154,7 +154,7 @@ class FleetDocument(DocumentTest):
         self.assert_the_service_backs_up(environment)
 
     def assert_the_service_backs_up(self, environment):
-        """Starts the command of the enabled service, in the folder that it says."""
+        """Runs the command of the enabled service in its working directory."""
         service = (self.folder / "etc/systemd/system/efictl-fleet.service").read_text(
             encoding="utf-8")
         value = {key: re.search("(?m)^%s=(.*)$" % key, service)[1]
@@ -166,7 +166,7 @@ class FleetDocument(DocumentTest):
                    CREDENTIALS_DIRECTORY=str(self.folder), **environment)
         self.assertEqual(len(self.controller.files()), PARTITIONS * len(BOARDS))
 
-    def test_a_timer_saves_one_board(self):
+    def test_timer_backs_up_one_board(self):
         self.system()
         lines = self.lines_after("`efictl-backup@.timer` saves one board a night")
         self.shell("cp fleet/systemd/* etc/systemd/system/")
@@ -184,14 +184,14 @@ class FleetDocument(DocumentTest):
         (self.folder / "boards.txt").write_text(
             "".join("%s %s\n" % (name, address_of(board)) for name, board in self.boards.items()),
             encoding="utf-8")
-        # The boards of the test are not signed by an authority that this machine trusts.
+        # This machine does not trust the certificates of the test's boards.
         line = line.replace("efictl backup", "efictl backup --cacert boards.pem")
         return subprocess.run(["bash", "-uc", line], cwd=self.folder, check=False,
                               stdin=subprocess.DEVNULL, capture_output=True, text=True,
                               env={**self.controller.environment, "EFICTL_USER": "admin",
                                    "EFICTL_PASSWORD": "admin"})
 
-    def test_parallel_saves_every_board(self):
+    def test_parallel_backs_up_every_board(self):
         (line,) = self.lines_after("## GNU parallel")
         result = self.save_with_parallel(line)
         self.assertEqual(result.returncode, 0, result.stderr)

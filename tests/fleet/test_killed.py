@@ -1,4 +1,4 @@
-"""Runs that are killed at any point. After its end a run cannot be killed: that is a point, too."""
+"""Tests of runs that are killed at any point. A run may also finish before it is killed."""
 
 import os
 import signal
@@ -11,14 +11,14 @@ from fleet.engine import EFICTL, VERSION, Controller
 from fleet.files import configuration_file, decode, payloads_of
 
 NAMES = ("left", "right")
-# The points of a run: Ansible takes most of its time for itself, parallel hardly any.
+# The number of points to kill a run at. Ansible itself takes most of its runs, parallel hardly any.
 ANSIBLE_POINTS, PARALLEL_POINTS = 2, 8
 END_SECONDS = 120
 TARGETS = (2, 3)
 
 
 def processes_of(controller):
-    """The processes that were started with a controller's environment, {number: program}."""
+    """Returns the processes started with a controller's environment, as {pid: program}."""
     found = {}
     for entry in Path("/proc").iterdir():
         try:
@@ -32,7 +32,7 @@ def processes_of(controller):
 
 class KilledTest(unittest.TestCase):
     def setUp(self):
-        # Boards of each test's own: after some logins in a minute the next ones have to wait.
+        # Each test has its own boards, because a board delays logins after several in a minute.
         self.boards = self.enterContext(Fleet(*NAMES)).boards
         self.controller = self.enterContext(Controller())
         self.controller.write_inventory(self.boards)
@@ -43,7 +43,7 @@ class KilledTest(unittest.TestCase):
         self.runs = 0
 
     def kill_at_every_point(self, start, kill, points, check):
-        """Measures a whole run, then kills runs at points that are spread over that time."""
+        """Measures a complete run, then kills runs at points spread evenly over that time."""
         begun = time.monotonic()
         process = start()
         output = process.communicate()[0]
@@ -67,12 +67,12 @@ class KilledTest(unittest.TestCase):
                 pass
 
     def stop(self):
-        """Ends a run as systemd does: everything is asked to end, and killed some time later. That
-        is time enough for efictl; the engines have nothing to tidy up."""
+        """Ends a run as systemd does: sends SIGTERM to all processes, and SIGKILL later. efictl has
+        enough time to exit in between; the engines need no cleanup."""
         self.signal_everything(signal.SIGTERM)
         end = time.monotonic() + END_SECONDS
         while EFICTL.resolve() in processes_of(self.controller).values():
-            self.assertLess(time.monotonic(), end, "efictl goes on")
+            self.assertLess(time.monotonic(), end, "efictl is still running")
             time.sleep(0.02)
         self.kill()
 
@@ -96,14 +96,14 @@ class KilledRestore(KilledTest):
             held = payloads_of(board)
             self.assertEqual(held[TARGETS[0]], held[TARGETS[1]], name)
 
-    def test_of_ansible_leaves_no_staged_file(self):
+    def test_ansible_leaves_no_staged_file(self):
         self.kill_at_every_point(
             lambda: self.controller.start(
                 "restore", "--extra-vars", '{"efictl_file": "%s", "efictl_targets": %s, '
                 '"efictl_waves": ["100%%"]}' % (self.next_file(), list(TARGETS))),
             self.stop, ANSIBLE_POINTS, self.check)
 
-    def test_of_parallel_leaves_no_staged_file(self):
+    def test_parallel_leaves_no_staged_file(self):
         self.kill_at_every_point(
             lambda: self.controller.start_parallel(
                 "efictl restore %s --to %s --board {2} --cacert boards.pem"
@@ -118,19 +118,19 @@ class KilledBackup(KilledTest):
                 self.assertIsNotNone(decode(data), path)
 
     def check_next_night(self):
-        """Nothing keeps the next run from its work, and it tidies up."""
+        """Checks that the next run succeeds and removes leftovers."""
         run = self.controller.run("nightly")
         self.assertEqual(run.status, 0, run.output)
         files = self.controller.files()
         self.assertEqual([path for path in files if not path.endswith(".dat")], [])
 
-    def test_of_ansible_leaves_no_broken_file(self):
+    def test_ansible_leaves_no_broken_file(self):
         self.kill_at_every_point(
             lambda: self.controller.start("nightly", "--extra-vars", "efictl_if_changed=false"),
             self.kill, ANSIBLE_POINTS, self.check)
         self.check_next_night()
 
-    def test_of_parallel_leaves_no_broken_file(self):
+    def test_parallel_leaves_no_broken_file(self):
         self.controller.backups.mkdir()
         self.kill_at_every_point(
             lambda: self.controller.start_parallel(

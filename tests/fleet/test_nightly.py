@@ -1,4 +1,4 @@
-"""A night over five boards: one is dead, one slow, one has another password and one refuses."""
+"""Tests of nightly runs over several boards."""
 
 import unittest
 
@@ -15,7 +15,8 @@ MANY = 1000
 
 
 class Night(unittest.TestCase):
-    """What one night has come to."""
+    """One run over five boards, of which one is off, one slow, one has another password and one
+    refuses backups."""
 
     maxDiff = None
 
@@ -29,23 +30,23 @@ class Night(unittest.TestCase):
         cls.boards["refusing"].control("refuse", BACKUP, STORAGE_FAILED, "--times", MANY)
         cls.night = cls.controller.run("nightly", "-vvv", "--diff")
 
-    def test_the_run_ends_with_the_status_of_a_failure(self):
+    def test_exits_with_the_status_of_a_failure(self):
         self.assertEqual(self.night.status, 2, self.night.output)
         self.assertEqual(sorted(self.night.recap), sorted(NAMES))
         failed = self.night.counted("failed")
         self.assertEqual([name for name in NAMES if failed[name]], list(FAILED))
 
-    def test_only_boards_that_were_done_have_a_change(self):
+    def test_counts_changes_only_for_backed_up_boards(self):
         changed = self.night.counted("changed")
         self.assertEqual([name for name in NAMES if changed[name]], list(DONE), self.night.output)
 
-    def test_boards_that_can_be_done_are_done(self):
+    def test_backs_up_working_boards_despite_failures(self):
         saved = self.controller.files()
         for name in NAMES:
             self.assertEqual(len([path for path in saved if path.startswith(name + "/")]),
                              PARTITIONS if name in DONE else 0, name)
 
-    def test_the_report_names_each_failure(self):
+    def test_report_names_each_failure(self):
         failures = self.controller.failures()
         self.assertEqual(sorted(failures), sorted(FAILED))
         self.assertIn(str(self.boards["dead"].port), failures["dead"])
@@ -55,7 +56,7 @@ class Night(unittest.TestCase):
         for name in FAILED:
             self.assertIn('<tr class="failed"><th scope="row">%s</th>' % name, page)
 
-    def test_the_report_has_the_partitions(self):
+    def test_report_lists_the_partitions(self):
         rows = [row for row in self.controller.report() if row["board"] in DONE]
         self.assertEqual(len(rows), PARTITIONS * len(DONE))
         for row in rows:
@@ -64,25 +65,25 @@ class Night(unittest.TestCase):
         self.assertEqual({row["bios_version"] for row in rows if row["partition"] == "3"},
                          {VERSION})
 
-    def test_names_from_boards_are_texts_in_the_report(self):
+    def test_report_escapes_names_from_boards(self):
         page = (self.controller.reports / "fleet.html").read_text(encoding="utf-8")
         self.assertIn("&lt;script&gt;alert(3)&lt;/script&gt; {{name}} &amp;amp; 100%", page)
         self.assertNotIn("<script", page)
 
-    def test_no_password_is_printed_or_kept(self):
+    def test_neither_prints_nor_stores_a_password(self):
         self.assertNotIn(SECRET, self.night.output)
         self.assertEqual(self.controller.files_with(SECRET), [])
-        # Nor was it in a file for a while.
+        # It was not in a temporary file either.
         self.assertIn("Pipelining is enabled", self.night.output)
         self.assertNotRegex(self.night.output, r"> PUT \S+ TO \S+/AnsiballZ_")
 
-    def test_nothing_stays_on_the_boards(self):
+    def test_leaves_nothing_on_the_boards(self):
         for name, board in self.boards.items():
             self.assertEqual(staged_files(board), [], name)
 
 
 class Nights(unittest.TestCase):
-    """One night after the other, over boards that are well."""
+    """Consecutive runs over working boards."""
 
     maxDiff = None
 
@@ -95,7 +96,7 @@ class Nights(unittest.TestCase):
         self.controller.write_inventory(self.boards)
 
     def assert_run(self, changed, *options):
-        """Runs a night in which so many tasks of each board have a change."""
+        """Runs the playbook, and checks that each board has `changed` changed tasks."""
         run = self.controller.run("nightly", *options)
         self.assertEqual(run.status, 0, run.output)
         self.assertEqual(run.counted("changed"), dict.fromkeys(self.boards, changed), run.output)
@@ -104,7 +105,7 @@ class Nights(unittest.TestCase):
     def reported(self, column):
         return {row[column] for row in self.controller.report()}
 
-    def test_a_second_run_changes_nothing(self):
+    def test_second_run_changes_nothing(self):
         self.assert_run(1)
         before = self.controller.files()
         self.assert_run(0)
@@ -112,12 +113,12 @@ class Nights(unittest.TestCase):
         self.assertEqual(self.reported("backup"), {"unchanged"})
         self.assert_run(0, "--check")
 
-    def test_a_dry_run_keeps_nothing(self):
+    def test_check_mode_stores_nothing(self):
         self.assert_run(1, "--check")
         self.assertFalse(self.controller.backups.exists())
         self.assertFalse(self.controller.reports.exists())
 
-    def test_a_changed_setting_is_shown_and_reported(self):
+    def test_shows_and_reports_a_changed_setting(self):
         self.assert_run(1)
         for name in self.boards:
             self.controller.change_setting(name, b"Boot timeout=10", b"Boot timeout=11")
@@ -132,7 +133,7 @@ class Nights(unittest.TestCase):
                 self.assertEqual(self.controller.files(), before)
         self.assertEqual(self.reported("changed"), {"", "Boot timeout"})
 
-    def test_a_golden_file_shows_the_drift(self):
+    def test_reports_drift_from_a_golden_file(self):
         self.assert_run(1)
         file = self.controller.newest("left", 3)
         golden = self.controller.folder / "golden.dat"
@@ -142,7 +143,7 @@ class Nights(unittest.TestCase):
         self.assertEqual({row["drift"] for row in self.controller.report()
                           if row["partition"] == "3"}, {"Secure boot"})
 
-    def test_a_damaged_backup_is_a_failure(self):
+    def test_fails_for_a_damaged_backup(self):
         self.assert_run(1)
         older = self.controller.backups / "left/partition003-20200101T000000Z.dat"
         older.write_bytes(self.controller.newest("left", 3).read_bytes()[:-1])

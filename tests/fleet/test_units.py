@@ -1,5 +1,5 @@
-"""The units of systemd: what systemd itself finds in them, and that their commands do their work.
-The services are started by hand, in what systemd would give them."""
+"""Tests of the systemd units: systemd-analyze accepts them, and their commands work. The tests run
+the commands themselves, with the environment that systemd would give them."""
 
 import re
 import shlex
@@ -12,7 +12,7 @@ from fleet.engine import EFICTL, Controller
 from support.document import PROJECT
 
 UNITS = PROJECT / "fleet/systemd"
-# Of systemd's own scale from 0, best, to 100.
+# On systemd's scale from 0, best, to 100.
 MOST_EXPOSURE = 20
 
 
@@ -23,12 +23,12 @@ class Units(unittest.TestCase):
         self.controller = self.enterContext(Controller())
 
     def copied(self):
-        """The units, with the programs where they are on this machine."""
+        """Returns a copy of the units, with the paths of the programs on this machine."""
         folder = self.controller.folder / "units"
         shutil.copytree(UNITS, folder)
         for path in folder.glob("*.service"):
             text = path.read_text(encoding="utf-8").replace("/usr/bin/efictl", str(EFICTL))
-            # The manual need not be installed where the units are looked at.
+            # The manual may not be installed on this machine.
             path.write_text(re.sub(r"(?m)^Documentation=.*\n", "", text), encoding="utf-8")
         return folder
 
@@ -36,7 +36,7 @@ class Units(unittest.TestCase):
         return subprocess.run(["systemd-analyze", *map(str, words)], check=False, text=True,
                               stdout=subprocess.PIPE, stderr=subprocess.STDOUT, **how)
 
-    def test_systemd_finds_no_mistake(self):
+    def test_systemd_accepts_the_units(self):
         folder = self.copied()
         for path in sorted(folder.iterdir()):
             with self.subTest(unit=path.name):
@@ -47,7 +47,7 @@ class Units(unittest.TestCase):
                         encoding="utf-8")
         self.assertNotEqual(self.analyze("verify", path).stdout, "")
 
-    def test_services_have_few_rights(self):
+    def test_services_have_few_privileges(self):
         for path in sorted(UNITS.glob("*.service")):
             with self.subTest(unit=path.name):
                 result = self.analyze("security", "--offline=true",
@@ -55,7 +55,7 @@ class Units(unittest.TestCase):
                 self.assertEqual(result.returncode, 0, result.stdout)
 
     def command_of(self, unit, instance, places):
-        """The words of a service's command, with the places of this test for systemd's own."""
+        """Returns the command of a service. `places` replaces systemd's paths by the test's."""
         text = (UNITS / unit).read_text(encoding="utf-8")
         command = re.search(r"(?m)^ExecStart=(.*)$", text)[1].replace("%i", instance)
         for place, there in places.items():
@@ -77,12 +77,12 @@ class Units(unittest.TestCase):
         (folder / "state").mkdir(exist_ok=True)
         command = self.command_of("efictl-backup@.service", "rack1", {
             "/usr/bin/efictl": EFICTL, "/var/lib/efictl": folder / "state"})
-        # systemd splits a variable without braces at its blanks, as a shell does.
+        # Like a shell, systemd splits a variable without braces at spaces.
         return self.controller.shell(
             command, CREDENTIALS_DIRECTORY=str(folder / "credentials"), OPTIONS=options,
             EFICTL_BOARD=address_of(board), EFICTL_USER="admin")
 
-    def test_the_service_of_a_board_backs_it_up(self):
+    def test_board_service_backs_up_its_board(self):
         with Fleet("rack1") as fleet:
             board = fleet.boards["rack1"]
             options = "--cacert %s --keep 1" % certificate_of(board)
@@ -91,10 +91,10 @@ class Units(unittest.TestCase):
                 self.assertEqual(result.returncode, 0, result.stdout + result.stderr)
             saved = list((self.controller.folder / "state/rack1").iterdir())
             self.assertEqual(len(saved), 5)
-            # A failure is one for systemd, too: there is no unit whose status is ignored.
+            # No unit ignores the status, so that systemd sees the failure.
             self.assertEqual(self.start_backup(board).returncode, 3)
 
-    def test_the_service_of_a_fleet_backs_every_board_up(self):
+    def test_fleet_service_backs_up_every_board(self):
         folder = self.controller.folder
         (folder / "vault").write_text("vault\n", encoding="utf-8")
         with Fleet("rack0", "rack1") as fleet:

@@ -1,4 +1,4 @@
-"""A restore in waves over five boards."""
+"""Tests of a restore in waves over five boards."""
 
 import unittest
 
@@ -33,7 +33,7 @@ class Waves(unittest.TestCase):
             '"efictl_waves": %s}' % (file, TARGETS, WAVES), *options)
 
     def held(self, payload):
-        """The boards of which each target has this payload, those of which none has."""
+        """Returns the boards where all targets have this payload, and those where none has it."""
         found = {name: [payloads_of(board)[number] == payload for number in (2, 3)]
                  for name, board in self.boards.items()}
         return ([name for name in NAMES if all(found[name])],
@@ -43,20 +43,20 @@ class Waves(unittest.TestCase):
         for name, board in self.boards.items():
             self.assertEqual(staged_files(board), [], name)
 
-    def test_every_wave_is_restored(self):
+    def test_restores_every_wave(self):
         payload = b"Boot mode=UEFI\nBoot timeout=11\n"
         run = self.restore(payload)
         self.assertEqual(run.status, 0, run.output)
         self.assertEqual(run.counted("changed"), dict.fromkeys(NAMES, 1))
         self.assertEqual(self.held(payload), (list(NAMES), []))
         self.assert_nothing_staged()
-        # The same again finds everything as it should be.
+        # A second restore finds nothing to change.
         run = self.restore(payload)
         self.assertEqual(run.status, 0, run.output)
         self.assertEqual(run.counted("changed"), dict.fromkeys(NAMES, 0), run.output)
         self.assert_nothing_staged()
 
-    def test_a_wave_with_a_failure_is_the_last(self):
+    def test_stops_after_a_wave_with_a_failure(self):
         payload = b"Boot mode=UEFI\nBoot timeout=12\n"
         self.boards["third"].control("refuse", RESTORE, STORAGE_FAILED)
         run = self.restore(payload)
@@ -71,7 +71,7 @@ class Waves(unittest.TestCase):
         self.assertEqual(failures["fifth"], "Not tried")
         self.assert_nothing_staged()
 
-    def test_a_dry_run_shows_the_settings_and_restores_nothing(self):
+    def test_check_mode_shows_the_settings_and_restores_nothing(self):
         payload = b"Boot mode=Legacy\nBoot timeout=13\n"
         run = self.restore(payload, "--check", "--diff")
         self.assertEqual(run.status, 0, run.output)

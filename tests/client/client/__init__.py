@@ -1,4 +1,4 @@
-"""What the tests of efictl share."""
+"""Helpers shared by the tests of efictl."""
 
 import importlib.util
 import json
@@ -39,7 +39,7 @@ def configuration_file(partition=3, version="1.23 B", name="Test", payload=b"Boo
 
 
 def environment(**more):
-    """One that says nothing of a board, a user or a netrc, unless `more` does."""
+    """Returns an environment without a board, a user or a netrc, plus the variables of `more`."""
     kept = {name: value for name, value in os.environ.items()
             if not name.startswith("EFICTL_") and name not in ("NETRC", "HOME")
             and not name.lower().endswith("_proxy")}
@@ -47,7 +47,7 @@ def environment(**more):
 
 
 class Run:
-    """What a call of efictl has come to."""
+    """The exit status and the output of a finished efictl."""
 
     def __init__(self, arguments, status, output, errors):
         self.arguments = arguments
@@ -69,7 +69,7 @@ class Run:
 
 
 def efictl(*arguments, deadline=120, **variables):
-    """Runs efictl with variables of the environment."""
+    """Runs efictl with `variables` in its environment, for at most `deadline` seconds."""
     command = [EFICTL, *map(str, arguments)]
     run = subprocess.run(command, env=environment(**variables), stdin=subprocess.DEVNULL,
                          capture_output=True, timeout=deadline, check=False)
@@ -77,7 +77,7 @@ def efictl(*arguments, deadline=120, **variables):
 
 
 def make_certificate(folder, *options, name="IP:127.0.0.1"):
-    """A self-signed certificate and its key, both PEM."""
+    """Makes a self-signed certificate. Returns the paths of certificate and key, both PEM."""
     certificate, key = folder / "certificate.pem", folder / "key.pem"
     subprocess.run(["openssl", "req", "-x509", "-newkey", "ec", "-pkeyopt",
                     "ec_paramgen_curve:P-256", "-nodes", "-keyout", key, "-out", certificate,
@@ -88,7 +88,7 @@ def make_certificate(folder, *options, name="IP:127.0.0.1"):
 
 
 class Account:
-    """How a board is reached by a user, in variables of the environment."""
+    """The address of a board and the login of a user, passed to efictl in its environment."""
 
     def __init__(self, address, user="admin", password=None):
         self.variables = {"EFICTL_BOARD": address, "EFICTL_USER": user,
@@ -99,7 +99,7 @@ class Account:
 
 
 class FolderTest(unittest.TestCase):
-    """A test with a folder of its own."""
+    """A test with its own folder."""
 
     maxDiff = None
 
@@ -116,11 +116,11 @@ class FolderTest(unittest.TestCase):
         return path
 
     def backups(self):
-        """The names in the folder of backups, in order."""
+        """Returns the names in the folder of backups, sorted."""
         return sorted(os.listdir(self.out)) if self.out.exists() else []
 
     def assert_ended(self, run, status, *words):
-        """The run has ended so, and says so: in words for people or in JSON."""
+        """Checks the exit status, that the JSON agrees with it, and that the output has `words`."""
         self.assertEqual(run.status, status, run.output + run.errors)
         if "--json" in run.arguments:
             self.assertEqual(run.json["exit"], status)
@@ -130,7 +130,7 @@ class FolderTest(unittest.TestCase):
 
 
 class BoardTest(FolderTest):
-    """A test against a served board that the tests of the class share."""
+    """A test against a served board. The tests of a class share the board."""
 
     options = ()
 
@@ -154,18 +154,18 @@ class BoardTest(FolderTest):
         return self.board.path(STATE).read_bytes()
 
     def left_on_board(self):
-        """What sessions and their files are on the board."""
+        """Returns the names of the sessions and of their files on the board."""
         names = os.listdir(self.board.path(SESSIONS)) + os.listdir(self.board.path(TEMPORARY))
         return sorted(set(names) - {"restored_eficonf.lock"})
 
     def events(self, name):
-        """How many lines of the audit log are about such an event."""
+        """Returns the number of lines of the audit log with the event `name`."""
         log = self.board.path("/var/log/audit.log")
         lines = log.read_text(encoding="ascii").splitlines() if log.exists() else []
         return sum(json.loads(line)["event"] == name for line in lines)
 
     def back_up(self, partition):
-        """The path of a new backup."""
+        """Makes a backup and returns its path."""
         run = self.efictl("backup", "--partition", partition, "--out", self.out, "--json")
         self.assert_ended(run, DONE)
         return self.out / run.partition(partition)["file"]

@@ -1,4 +1,4 @@
-"""A board that does not mean well: an HTTP server whose answers a test chooses."""
+"""A hostile board: an HTTP server that sends the responses chosen by a test."""
 
 import socket
 import threading
@@ -17,7 +17,7 @@ def html(body, status="200 OK", kind="text/html; charset=UTF-8"):
 
 
 def menu(rows=(("0", "Zero", "1.2"),)):
-    """The menu with these partitions. The texts are put in as they are."""
+    """Returns a menu with these partitions. Does not escape their texts."""
     cells = "".join(f"<tr><td>{number}</td><td>{name}</td><td>{version}</td><td></td><td></td></tr>"
                     for number, name, version in rows)
     return html('<title>Menu</title><form action="/logout.cgi"></form>'
@@ -44,12 +44,12 @@ def file(data, disposition="a.dat"):
 
 
 class HostileBoard:
-    """`answers` are {path: what is answered}: bytes, or a function that writes to the connection.
-    A path may have "POST " before it, and what follows "?" and a step of the form after it. The
-    login and the logout are answered well unless they are given."""
+    """A board that answers each path with the bytes in `answers`, or calls the function there with
+    the connection. A step of the form (upload, restore or discard) may follow the path. Login and
+    logout succeed unless `answers` contains them. `requests` lists the requests received."""
 
     def __init__(self, answers, tls=None):
-        """`tls` is an ssl.SSLContext to speak https with."""
+        """With `tls`, an ssl.SSLContext, the board speaks https."""
         self.tls = tls
         self.answers = {"/login.cgi": LOGGED_IN, "/logout.cgi": LOGGED_IN, **answers}
         self.requests = []
@@ -130,7 +130,7 @@ class HostileBoard:
 
 
 def endless(start, piece, pause=0.0):
-    """An answer that begins so and never ends."""
+    """Returns a response that begins with `start` and repeats `piece` forever."""
     def write(connection, ending):
         connection.sendall(start)
         while not ending.is_set():
@@ -140,7 +140,7 @@ def endless(start, piece, pause=0.0):
 
 
 def silence(connection, ending):
-    """No answer at all."""
+    """Reads the request and never responds."""
     connection.settimeout(0.1)
     while not ending.is_set():
         try:
@@ -151,4 +151,4 @@ def silence(connection, ending):
 
 
 def hang_up(_connection, _ending):
-    """The connection ends without an answer."""
+    """Closes the connection without a response."""

@@ -1,4 +1,4 @@
-"""A board of a test's own, served as an operator serves it, and clients of it."""
+"""A board for one test, served as an operator serves it, and clients of it."""
 
 import http.client
 import os
@@ -21,25 +21,25 @@ BOUNDARY = "----documents"
 
 
 def listed_tests():
-    """The names of the build's tests, those of GoogleTest after their group's."""
+    """Returns the names of the build's tests as tools/list_tests prints them."""
     return subprocess.run([PROJECT / "tools/list_tests", BUILD], check=True, capture_output=True,
                           text=True).stdout.splitlines()
 
 
 class Board:
-    """Serves the build without building it, on a free port and a root of its own."""
+    """Serves the existing build on a free port, with its own root."""
 
     def __init__(self, *options, **how):
-        """`options` are further ones of ./serve, `how` further arguments of subprocess.Popen."""
+        """`options` are further options of ./serve, `how` further arguments of subprocess.Popen."""
         self.options = options
         self.how = how
 
     def __enter__(self):
         self.folder = Path(tempfile.mkdtemp(prefix="documents-"))
-        # Where the documents have it, seen from the folder that their commands are run in.
+        # The path in the documents, relative to the folder in which their commands run.
         self.root = self.folder / "var/board"
         self.root.mkdir(parents=True)
-        # A file, which takes all that the back-end logs.
+        # A file and not a pipe, because nothing reads the log while the back-end writes.
         self.log = (self.folder / "log").open("w+", encoding="utf-8")
         try:
             self.start()
@@ -49,7 +49,7 @@ class Board:
         return self
 
     def start(self):
-        """Serves the root, for the first time or again."""
+        """Starts serving the root, for the first time or again."""
         self.process = subprocess.Popen(
             [PROJECT / "serve", "--no-build", "--preset", PRESET, "--port", "0",
              "--root", self.root, *self.options],
@@ -64,7 +64,7 @@ class Board:
         self.port = int(match[2])
 
     def end(self):
-        """Ends what serves the root, unless it has been ended. The root stays."""
+        """Stops serving the root, unless already stopped. Keeps the root."""
         if not self.process.stdout.closed:
             self.process.terminate()
             self.process.communicate()
@@ -75,16 +75,16 @@ class Board:
         shutil.rmtree(self.folder, ignore_errors=True)
 
     def path(self, path):
-        """Where a board's file is on this machine."""
+        """Returns the path on this machine of a file of the board."""
         return self.root / path.lstrip("/")
 
     def control(self, *words):
-        """Gives an order of boardctl; what it prints."""
+        """Runs boardctl and returns its output."""
         command = [self.path("/usr/local/bin/boardctl"), "--root", self.root, *map(str, words)]
         return subprocess.run(command, check=True, capture_output=True, text=True).stdout
 
     def wait_for_backend(self):
-        """Returns the answer of a back-end that is coming back, once it listens."""
+        """Waits for a restarting back-end to listen. Returns its reply to a status request."""
         for _ in range(1200):
             try:
                 return self.ask(4, 0, b"", b"status")
@@ -93,14 +93,14 @@ class Board:
         raise AssertionError("The back-end has not come back.")
 
     def raw(self, request):
-        """The whole answer to bytes that need not be HTTP."""
+        """Sends bytes, which need not be HTTP. Returns the whole response."""
         with socket.create_connection(("127.0.0.1", self.port), timeout=60) as connection:
             connection.sendall(request)
             connection.shutdown(socket.SHUT_WR)
             return b"".join(iter(lambda: connection.recv(65536), b""))
 
     def ask(self, kind, number, session=b"", payload=b"", staged_file=b""):
-        """Sends the back-end one frame; code and payload of its reply."""
+        """Sends one frame to the back-end. Returns code and payload of its reply."""
         body = struct.pack(">BI", kind, number)
         for text in (session, b"", b"", staged_file):
             body += struct.pack(">H", len(text)) + text
@@ -108,7 +108,7 @@ class Board:
         return self.exchange(body)[0]
 
     def exchange(self, *bodies):
-        """Sends the back-end frames over one connection; codes and payloads of its replies."""
+        """Sends frames to the back-end over one connection. Returns code and payload of each reply."""
         replies = []
         with socket.socket(socket.AF_UNIX) as connection:
             connection.settimeout(60)
@@ -136,7 +136,7 @@ class Answer:
 
 
 class Client:
-    """A browser without a page: keeps the session's cookie."""
+    """An HTTP client that keeps the session's cookie, like a browser."""
 
     def __init__(self, board, user=None):
         self.board = board
@@ -154,7 +154,7 @@ class Client:
 
     @property
     def identifier(self):
-        """The session's identifier, as its files are named."""
+        """The session's identifier, which is part of its file names."""
         return self.value.split("-")[0]
 
     def request(self, method, target, body=None, headers=()):
@@ -195,7 +195,7 @@ def upload_body(content, name="a.dat", fields=(("hidden_status", "1"),)):
 
 
 class BoardDocumentTest(DocumentTest):
-    """A test of a document against a served board, which the tests of the class share."""
+    """A test of a document against a served board. The tests of a class share the board."""
 
     @classmethod
     def setUpClass(cls):

@@ -1,4 +1,4 @@
-"""Configuration files and the back-end's state file, read by the tables of
+"""Reads configuration files and the back-end's state file with the tables of
 docs/configuration-file.md."""
 
 import struct
@@ -10,13 +10,13 @@ DOCUMENT = "docs/configuration-file.md"
 
 
 def layout():
-    """Offset, size and field of the rows of a configuration file."""
+    """Returns offset, size and field of each row in the table of a configuration file."""
     header = ["offset", "size", "field"]
     return next(rows for cells, rows in Document(DOCUMENT).tables() if cells == header)
 
 
 def read_file(data):
-    """The fields of a configuration file by their names in the table: "magic", "V", ..."""
+    """Returns the fields of a configuration file by their names in the table: "magic", "V", ..."""
     names = {"magic": "magic", "revision": "revision", "save time": "save time", "number": "number",
              "V,": "V", "P,": "P", "L,": "L", "BIOS": "version", "partition": "name",
              "payload": "payload", "CRC-32": "crc"}
@@ -36,7 +36,7 @@ def read_file(data):
 
 
 def read_states(data):
-    """The payloads of a state file by their partitions."""
+    """Returns the payloads in a state file by partition."""
     assert data[:8] == b"EFISTOR\x1a"
     revision, count = struct.unpack(">II", data[8:16])
     assert revision == 1

@@ -1,4 +1,4 @@
-"""The documents as a reader sees them: sentences, tables and indented blocks."""
+"""Parses documents: sentences, tables and indented blocks."""
 
 import re
 import unittest
@@ -11,11 +11,11 @@ class Document:
     def __init__(self, name):
         self.name = name
         self.text = (PROJECT / name).read_text(encoding="utf-8")
-        # Sentences do not care where a line is broken.
+        # Sentences are matched regardless of line breaks.
         self.words = " ".join(self.text.split())
 
     def tables(self):
-        """Every table: its header's cells, and its rows as lists of cells."""
+        """Returns every table as the cells of its header and a list of rows."""
         found = []
         lines = self.text.splitlines()
         for number, line in enumerate(lines):
@@ -29,13 +29,13 @@ class Document:
         return found
 
     def blocks(self, after=""):
-        """The indented blocks, each without its indentation, from the words `after` on."""
+        """Returns the indented blocks from the words `after` on, without their indentation."""
         text = self.text[self.text.index(after):]
         blocks = re.findall(r"(?:^ {4,}\S.*\n(?:\n(?= {4}))?)+", text, re.MULTILINE)
         return [re.sub(r"^ {4}", "", block, flags=re.MULTILINE) for block in blocks]
 
     def bytes_after(self, words):
-        """The bytes of the next block that is written in hexadecimal."""
+        """Returns the bytes of the next hexadecimal block after `words`."""
         for block in self.blocks(words):
             if re.fullmatch(r"[0-9A-F]{2}(\s+[0-9A-F]{2})*\s*", block):
                 return bytes.fromhex("".join(block.split()))
@@ -50,7 +50,7 @@ def cells_of(line):
 
 
 def codes_in(text):
-    """What a text has between backticks."""
+    """Returns the texts between backticks."""
     return re.findall(r"`([^`]+)`", text)
 
 
@@ -66,14 +66,15 @@ class DocumentTest(unittest.TestCase):
         cls.document = Document(cls.name)
 
     def stated(self, pattern):
-        """What the groups of `pattern` match in a sentence, numbers as such; a single one alone."""
+        """Returns what the groups of `pattern` match in the document, numbers as int; without a list
+        if there is one group."""
         match = re.search(pattern, self.document.words)
         self.assertIsNotNone(match, "%s does not say: %s" % (self.name, pattern))
         values = [int(each) if each and each.isdigit() else each for each in match.groups()]
         return values[0] if len(values) == 1 else values
 
     def table(self, *header):
-        """The rows of the table with this header."""
+        """Returns the rows of the table with this header."""
         for cells, rows in self.document.tables():
             if cells == list(header):
                 return rows

@@ -1,4 +1,4 @@
-"""Requests that bring each message of the board onto a page."""
+"""Requests that make a page show each message of the board."""
 
 import fcntl
 import resource
@@ -13,7 +13,7 @@ SET_RESTORE = "0x020100A4"
 GET_PARTITIONS = "0x0201002F"
 BACKUP_PAGE = SCREEN + "?functionID=105"
 RESTORE_PAGE = SCREEN + "?functionID=106"
-OTHER_CODE = 1999  # which the back-end does not have
+OTHER_CODE = 1999  # not a code of the back-end
 
 
 class Text:
@@ -22,7 +22,7 @@ class Text:
 
 
 class Provocations:
-    """For a test of a served board, `self.board`. `self.language` is the one of the pages."""
+    """A mixin for tests of a served board, `self.board`. `self.language` is that of the pages."""
 
     language = "en"
 
@@ -37,7 +37,7 @@ class Provocations:
         return client
 
     def provoke(self, number, code):
-        """The answer that shows message `number` with `code`; "other" stands for OTHER_CODE."""
+        """Returns a response that shows message `number` with `code`; "other" means OTHER_CODE."""
         special = getattr(self, "provoke_%d_%s" % (number, code), None) or getattr(
             self, "provoke_%d" % number, None)
         if special is not None:
@@ -49,7 +49,7 @@ class Provocations:
         if number == 72:
             self.board.control("refuse", SET_BACKUP, refused)
             return self.backup()
-        # The back-end looks at nothing before it refuses.
+        # The back-end refuses before any checks.
         self.board.control("refuse", SET_RESTORE, refused)
         return self.restore()
 
@@ -62,7 +62,7 @@ class Provocations:
             SCREEN, {"functionID": "106", "hidden_status": "2", **(targets or {"pid3": "3"})})
 
     def staged(self, client):
-        """The client, with a file of partition 3 staged."""
+        """Stages a file of partition 3 for the client, and returns the client."""
         self.backup(client)
         path = self.board.path("/var/tmp/efi_backup" + client.identifier)
         client.upload(path.read_bytes())
@@ -75,7 +75,7 @@ class Provocations:
         return self.client().post_parts(upload_body(b"x")[:-20])
 
     def provoke_30_1109(self):
-        """The web server itself would end where it may write no file of more than 64 KiB."""
+        """Runs the program alone, because the file size limit of 64 KiB would end the web server."""
         body = upload_body(bytes(200 * 1024))
         limit = (64 * 1024, 64 * 1024)
         return self.run_program(
@@ -84,8 +84,7 @@ class Provocations:
 
     def run_program(self, body, length, kind="application/x-www-form-urlencoded", keep_open=False,
                     **how):
-        """The answer of the screen's program to a POST, without the web server, which would not let
-        such a one through."""
+        """Returns the response of the screen's program to a POST that the web server would reject."""
         with subprocess.Popen(
                 [self.board.path("/usr/local/www/htdocs" + SCREEN)], stdin=subprocess.PIPE,
                 stdout=subprocess.PIPE,
@@ -102,7 +101,7 @@ class Provocations:
         return self.client().upload(b"")
 
     def provoke_45_1043(self):
-        # What a user without the right uploads is not stored, so that it cannot be moved.
+        # The upload of a user without permission is not stored, so it cannot be moved.
         return self.client("viewer").upload(b"x")
 
     def provoke_45_1101(self):
@@ -185,7 +184,7 @@ class Provocations:
         return self.run_program(b"x=", 100, keep_open=True)
 
     def provoke_9020(self):
-        # The back-end says that it wrote the backup, and has not.
+        # The back-end reports success without writing the backup.
         self.board.control("refuse", SET_BACKUP, 0)
         return self.backup()
 
@@ -227,7 +226,7 @@ class Provocations:
         return self.anonymous().post("/login.cgi", {"user": "admin", "password": "admin"})
 
     def provoke_9107(self):
-        """More guesses than may wait, on a board of its own: they keep others waiting."""
+        """Sends more guesses than may wait. Uses a separate board, because they delay other logins."""
         answers = []
         with Board() as board:
             def guess(number):

@@ -1,4 +1,4 @@
-"""Facts of the sources: constants and enumerators."""
+"""Reads constants and enumerators from the sources."""
 
 import re
 
@@ -10,7 +10,7 @@ def read(path):
 
 
 def constant(path, name):
-    """The number that a header gives a constant or a default member initializer."""
+    """Returns the number of a constant or default member initializer in a header."""
     match = re.search(r"\b%s\s*(?:=|\{)\s*([^;{}]+?)\}?;" % re.escape(name), read(path))
     if match is None:
         raise AssertionError("%s has no %s" % (path, name))
@@ -20,7 +20,7 @@ def constant(path, name):
 
 
 def text_constant(path, name):
-    """The text that a source gives a constant."""
+    """Returns the text of a constant in a source."""
     match = re.search(r"\b%s\s*=\s*\"([^\"]*)\";" % re.escape(name), read(path))
     if match is None:
         raise AssertionError("%s has no %s" % (path, name))
@@ -28,6 +28,6 @@ def text_constant(path, name):
 
 
 def enumerators(path, name):
-    """The names and numbers of an enumeration."""
+    """Returns the enumerators of an enumeration as {name: number}."""
     body = re.search(r"enum (?:class )?%s\b[^{]*\{(.*?)\};" % name, read(path), re.DOTALL)[1]
     return {key: int(value, 0) for key, value in re.findall(r"(\w+) = (\w+),", body)}

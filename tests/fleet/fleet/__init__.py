@@ -1,4 +1,4 @@
-"""What the tests of fleets share. Their boards are those of the documents' tests."""
+"""Helpers shared by the tests of fleets. The boards are served by the helpers of tests/documents."""
 
 import sys
 from pathlib import Path

@@ -1,4 +1,4 @@
-"""Several boards that are served at the same time over https."""
+"""Several boards served at the same time over https."""
 
 from concurrent.futures import ThreadPoolExecutor
 
@@ -12,8 +12,8 @@ LOCK = STAGED + ".lock"
 
 
 class Fleet:
-    """Serves a board for each name. They start one beside the other, because a start mostly waits.
-    `boards` are {name: board}."""
+    """Serves a board for each name. Starts them in parallel, because a start mostly waits.
+    `boards` is {name: board}."""
 
     def __init__(self, *names):
         self.boards = {name: Board("--tls") for name in names}
@@ -44,6 +44,6 @@ def certificate_of(board):
 
 
 def staged_files(board):
-    """The names of the uploads that wait for their restore."""
+    """Returns the names of the uploads that wait for their restore."""
     return sorted(path.name for path in board.path("/var/tmp").iterdir()
                   if path.name.startswith(STAGED) and path.name != LOCK)

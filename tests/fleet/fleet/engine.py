@@ -1,4 +1,4 @@
-"""A controller of a test's own: a folder with an inventory, and the engines that operators run."""
+"""A controller for one test: a folder with an inventory, and the engines that operators run."""
 
 import csv
 import os
@@ -19,31 +19,31 @@ COLLECTION = PROJECT / "fleet/ansible"
 EFICTL = BUILD / "client/efictl"
 EFICONF = BUILD / "board/inspector/eficonf"
 RUN_SECONDS = 300
-# Of partition 3 of the demo board.
+# The BIOS version of partition 3 of the demo board.
 VERSION = "1.23 B"
 
 
 @dataclass
 class Run:
-    """What a run of ansible-playbook printed, and how it ended."""
+    """The exit status and the output of a run of ansible-playbook."""
 
     status: int
     output: str
 
     @property
     def recap(self):
-        """{board: {"ok": 3, "changed": 1, ...}}"""
+        """The counts of the recap, as {board: {"ok": 3, "changed": 1, ...}}."""
         lines = self.output.partition("PLAY RECAP")[2]
         return {name: {key: int(value) for key, value in re.findall(r"(\w+)=(\d+)", counts)}
                 for name, counts in re.findall(r"^(\S+) +: (ok=.*)$", lines, re.MULTILINE)}
 
     def counted(self, what):
-        """{board: count} of the recap."""
+        """Returns one count of the recap, as {board: count}."""
         return {name: counts[what] for name, counts in self.recap.items()}
 
 
 class Controller:
-    """A folder from which a fleet is looked after. Nothing is written outside of it."""
+    """A folder from which a fleet is managed. Runs write nothing outside it."""
 
     def __enter__(self):
         self.folder = Path(tempfile.mkdtemp(prefix="controller-"))
@@ -77,7 +77,8 @@ class Controller:
         return self.folder / "reports"
 
     def write_inventory(self, boards, **more):
-        """`boards` are {name: board}; `more` are further variables, {name: {variable: value}}."""
+        """Writes inventory.ini. `boards` is {name: board}; `more` has further variables, as
+        {name: {variable: value}}."""
         self.boards = boards
         lines = ["[boards]"]
         for name, board in boards.items():
@@ -88,7 +89,7 @@ class Controller:
         (self.folder / "inventory.ini").write_text("\n".join(lines) + "\n", encoding="utf-8")
 
     def write_certificates(self):
-        """Writes the certificates of all boards into boards.pem; each one in a file is trusted."""
+        """Writes the certificates of all boards to boards.pem, so that all are trusted."""
         (self.folder / "boards.pem").write_text("".join(
             certificate_of(each).read_text(encoding="ascii") for each in self.boards.values()),
             encoding="ascii")
@@ -99,7 +100,7 @@ class Controller:
                             "vesk.efictl." + playbook, *map(str, options)])
 
     def start_parallel(self, command):
-        """Starts a command for each line of boards.txt, at the same time."""
+        """Starts a command for each line of boards.txt, in parallel."""
         return self._start(["parallel", "--jobs", "4", "--colsep", " ", command, "::::",
                             "boards.txt"], EFICTL_USER="admin", EFICTL_PASSWORD="admin")
 
@@ -120,7 +121,7 @@ class Controller:
         return Run(process.returncode, output)
 
     def shell(self, script, **environment):
-        """Runs the lines of a document in the folder."""
+        """Runs a shell script in the folder."""
         return subprocess.run(["bash", "-uc", script], cwd=self.folder, check=False,
                               env={**self.environment, **environment}, stdin=subprocess.DEVNULL,
                               capture_output=True, text=True, timeout=RUN_SECONDS)
@@ -131,19 +132,19 @@ class Controller:
                               capture_output=True, text=True, timeout=RUN_SECONDS)
 
     def newest(self, name, partition):
-        """The newest backup of a partition."""
+        """Returns the newest backup of a partition."""
         return max((self.backups / name).glob("partition%03d-*.dat" % partition))
 
     @staticmethod
     def with_setting(file, former, newer):
-        """The bytes of a backup, with another setting."""
+        """Returns the bytes of a backup with one setting replaced."""
         saved = decode(file.read_bytes())
         assert former in saved.payload
         saved.payload = saved.payload.replace(former, newer)
         return saved.encode()
 
     def change_setting(self, name, former, newer, partition=3):
-        """Changes a setting on a board, as someone else would."""
+        """Changes a setting on a board, outside any run."""
         board = self.boards[name]
         payload = payloads_of(board)[partition]
         assert former in payload
@@ -155,21 +156,21 @@ class Controller:
         assert result.returncode == 0, result.stderr
 
     def report(self):
-        """The rows of the report's CSV."""
+        """Returns the rows of the report's CSV."""
         with (self.reports / "fleet.csv").open(encoding="utf-8", newline="") as file:
             return list(csv.DictReader(file))
 
     def failures(self):
-        """{board: reason} of the report."""
+        """Returns the failures in the report, as {board: reason}."""
         return {row["board"]: row["failure"] for row in self.report() if row["failure"]}
 
     def files(self):
-        """All files below the folder of backups, {path there: bytes}."""
+        """Returns all files below the folder of backups, as {relative path: bytes}."""
         return {str(path.relative_to(self.backups)): path.read_bytes()
                 for path in sorted(self.backups.rglob("*")) if path.is_file()}
 
     def files_with(self, secret):
-        """The files of the controller that contain a text, without the inventory."""
+        """Returns the files of the controller that contain `secret`, except the inventory."""
         return [path for path in self.folder.rglob("*")
                 if path.is_file() and not path.is_symlink() and path.name != "inventory.ini"
                 and secret.encode() in path.read_bytes()]

@@ -1,4 +1,4 @@
-"""Configuration files and what a board keeps, read and written apart from the programs."""
+"""Reads and writes configuration files and a board's state, independently of the programs."""
 
 import importlib.util
 
@@ -17,10 +17,10 @@ def configuration_file(partition, version, payload, name="Test"):
 
 
 def decode(data):
-    """The configuration file that the bytes are; None if they are none."""
+    """Decodes a configuration file. Returns None if the bytes are not one."""
     return _files.decodeConfigurationFile(data)
 
 
 def payloads_of(board):
-    """The configuration of each partition."""
+    """Returns the configuration of each partition."""
     return _files.decodeState(board.path(STATE).read_bytes())

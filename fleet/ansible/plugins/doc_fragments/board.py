@@ -1,4 +1,4 @@
-"""The options that every module shares."""
+"""The options of every module that talks to a board."""
 
 
 class ModuleDocFragment:
@@ -9,29 +9,29 @@ options:
     type: str
     required: true
   user:
-    description: Name of the board's user.
+    description: Name of the user to log in as.
     type: str
   password:
     description:
-      - Password of the user. It is passed to efictl in the environment, never on a command line.
-      - Without I(password) and I(password_file), efictl looks into netrc.
+      - Password of the user. Passed to efictl in the environment, never on a command line.
+      - Without I(password) and I(password_file), efictl uses netrc.
     type: str
   password_file:
-    description: File that contains the password, on the machine that runs the module.
+    description: File with the password on its first line, on the machine that runs the module.
     type: path
   cacert:
-    description: PEM file of the certificates to trust instead of the system's.
+    description: PEM file with the certificates to trust instead of the system's.
     type: path
   insecure:
-    description: Do not verify the board's certificate.
+    description: Trust any certificate of the board, and allow http:// addresses.
     type: bool
     default: false
   timeout:
-    description: Time limit of one command, in seconds.
+    description: Time limit of each efictl command, in seconds.
     type: int
     default: 60
   executable:
-    description: The client.
+    description: Name or path of the efictl program.
     type: path
     default: efictl
 """

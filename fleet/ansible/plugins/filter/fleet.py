@@ -1,4 +1,4 @@
-"""Makes the rows of the report."""
+"""Filters that make the rows and the CSV of the report."""
 
 import csv
 import io
@@ -7,26 +7,26 @@ import unicodedata
 COLUMNS = ("board", "address", "partition", "name", "bios_version", "last_backup", "backup",
            "changed", "drift", "restore", "failure")
 
-# The steps of the roles, in the order of a run; each registers a result.
+# The steps of the roles, in the order of a run. Each registers a result as efictl_STEP_result.
 STEPS = ("drift", "backup", "verify", "restore")
 
-# A spreadsheet reads a cell that begins with one of these as a formula.
+# Spreadsheets treat a cell that starts with one of these as a formula.
 FORMULA_STARTS = ("=", "+", "-", "@")
 
-# Control characters, and characters that change the direction of text or are not visible.
+# Control characters, and characters that are invisible or change the text direction.
 HIDDEN_CATEGORIES = ("Cc", "Cf", "Cs", "Zl", "Zp")
 
 
 def visible(text):
-    """Returns the text with its hidden characters written as their numbers."""
+    """Returns the text with hidden characters replaced by their escapes, such as \\u202e."""
     return "".join(
         "\\u%04x" % ord(each) if unicodedata.category(each) in HIDDEN_CATEGORIES else each
         for each in str(text))
 
 
 def fleet_rows(boards, hostvars):
-    """Returns a row for each partition of each board, and one for a board without known
-    partitions. A row maps each of COLUMNS to a text, which is empty if it is not known."""
+    """Returns one row for each partition of each board, and one for a board without known
+    partitions. A row maps each of COLUMNS to a text, empty if unknown."""
     rows = []
     for board in boards:
         rows += rows_of(board, hostvars[board])
@@ -41,7 +41,7 @@ def rows_of(board, variables):
         **dict.fromkeys(COLUMNS, ""), "board": board, "failure": failure_of(variables, results),
         "address": next((each["board"] for each in results.values() if each.get("board")), ""),
     }
-    # The values of a later step replace those of an earlier one.
+    # Values of later steps replace those of earlier ones.
     known = {}
     for result in results.values():
         for partition in result.get("partitions") or []:
@@ -71,7 +71,7 @@ def failure_of(variables, results):
 
 
 def partition_of(result, number):
-    """Returns what a result reports of a partition; nothing if it does not."""
+    """Returns the report on a partition in a result; empty if there is none."""
     partitions = (result or {}).get("partitions") or []
     return next((each for each in partitions if each["number"] == number), {})
 
@@ -81,7 +81,7 @@ def settings_in(partition):
 
 
 def fleet_csv(rows):
-    """Returns the rows as CSV with a header."""
+    """Returns the rows as CSV, with a header line."""
     output = io.StringIO()
     writer = csv.writer(output, lineterminator="\n")
     writer.writerow(COLUMNS)

@@ -9,7 +9,7 @@ import subprocess
 SCHEMA = 1
 DONE, DIFFERENT, UNKNOWN = 0, 1, 5
 
-# How long efictl may take after its own timeout, and to log out after SIGTERM.
+# How long efictl may run after its own timeout, and how long it may take to log out after SIGTERM.
 GRACE_SECONDS = 30
 END_SECONDS = 20
 
@@ -29,15 +29,15 @@ BOARD_OPTIONS = {
 
 
 class Client:
-    """Runs commands of efictl with the options of a module. If a command fails, the module fails
-    with the reason that efictl prints."""
+    """Runs efictl commands with the options of a module. If a command fails, fails the module with
+    the reason that efictl reports."""
 
     def __init__(self, module):
         self.module = module
         self.options = module.params
 
     def ask_board(self, command, *words):
-        """Runs a command that talks to the board; returns its report."""
+        """Runs a command that talks to the board, and returns its report."""
         options = ["--board", self.options["board"], "--timeout", str(self.options["timeout"])]
         for name in ("user", "password_file", "cacert"):
             if self.options[name]:
@@ -47,11 +47,11 @@ class Client:
         return self.run(command, *options, *words, seconds=self.options["timeout"] + GRACE_SECONDS)
 
     def run(self, command, *words, seconds=None):
-        """Runs a command; returns its report. Without `seconds` it has no time limit."""
+        """Runs a command and returns its report. `seconds` is its time limit, None for no limit."""
         report = self._report_of(command, words, seconds)
         if report["exit"] not in (DONE, DIFFERENT):
             reason = (report.get("reason") or {}).get("text")
-            none = "efictl %s ended with %d and gave no reason." % (command, report["exit"])
+            none = "efictl %s exited with %d and gave no reason." % (command, report["exit"])
             self.module.fail_json(msg=reason or none, changed=report["changed"],
                                   **result_of(report))
         return report
@@ -65,7 +65,7 @@ class Client:
                 raise ValueError
         except (KeyError, TypeError, ValueError):
             self.module.fail_json(
-                msg="%s %s ended with %d and did not print a report of schema %d: %s"
+                msg="%s %s exited with %d and printed no report of schema %d: %s"
                 % (arguments[0], command, status, SCHEMA, (errors or output).strip()[-500:]),
                 status="failed", exit=status)
         return report
@@ -76,8 +76,8 @@ class Client:
             environment["EFICTL_PASSWORD"] = self.options["password"]
         set_option = ctypes.CDLL(None).prctl
         try:
-            # When the module is killed, efictl is asked to end: it logs out and leaves no staged
-            # file on the board.
+            # If the module is killed, efictl gets SIGTERM, so that it logs out and leaves no
+            # staged file on the board.
             process = subprocess.Popen(
                 arguments, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
                 env=environment, text=True, errors="replace",
@@ -90,13 +90,13 @@ class Client:
         except subprocess.TimeoutExpired:
             end(process)
             self.module.fail_json(
-                msg="%s did not end in %d seconds and was ended. Look at the board before you try "
-                "again." % (arguments[0], seconds), status="unknown", exit=UNKNOWN)
+                msg="%s did not finish within %d seconds and was stopped. Check the board before "
+                "you try again." % (arguments[0], seconds), status="unknown", exit=UNKNOWN)
         return process.returncode, output, errors
 
 
 def end(process):
-    """Terminates a process, and kills it if it does not end."""
+    """Terminates a process, and kills it if it does not exit in time."""
     process.terminate()
     try:
         process.communicate(timeout=END_SECONDS)
@@ -106,6 +106,6 @@ def end(process):
 
 
 def result_of(report):
-    """Returns the values that a module takes from a report."""
+    """Returns the members of a report that a module returns."""
     return {name: value for name, value in report.items()
             if name not in ("schema", "command", "changed")}

@@ -1,38 +1,38 @@
 #!/usr/bin/python3
-"""Saves the configurations of a board's partitions."""
+"""Backs up the configurations of a board's partitions."""
 
 DOCUMENTATION = r"""
 ---
 module: backup
-short_description: Saves the configurations of a board's partitions
+short_description: Backs up the configurations of a board's partitions
 description:
-  - Downloads the configuration of each partition and keeps it in a folder.
-  - In check mode, the partitions are compared with their newest backups and nothing is kept.
-  - In diff mode, shows the settings that differ from the former backup.
+  - Downloads the configuration of each partition and stores it in a folder.
+  - In check mode, compares the partitions with their newest backups and stores nothing.
+  - In diff mode, shows the settings that differ from the previous backup.
 author: The maintainers of the board's software
 extends_documentation_fragment: vesk.efictl.board
 options:
   folder:
-    description: The folder of this board's backups; created if absent.
+    description: Folder of this board's backups. Created if absent.
     type: path
     required: true
   partitions:
-    description: Numbers of the partitions; all that are installed when the list is empty.
+    description: Numbers of the partitions. An empty list means every installed partition.
     type: list
     elements: int
     default: []
   if_changed:
-    description: Keep no copy of a configuration that is the same as in the newest backup.
+    description: Store nothing for a configuration that is the same as in its newest backup.
     type: bool
     default: true
   keep:
-    description: How many usable backups of each partition to keep; 0 keeps all.
+    description: Number of usable backups to keep of each partition; 0 keeps all. Older ones are removed.
     type: int
     default: 0
 """
 
 EXAMPLES = r"""
-- name: Save every partition
+- name: Back up every partition
   vesk.efictl.backup:
     board: https://rack1.example/
     user: operator
@@ -44,12 +44,12 @@ EXAMPLES = r"""
 
 RETURN = r"""
 partitions:
-  description: What efictl reports of each partition, its I(status) and I(file) among it.
+  description: The report of efictl on each partition, with I(status) and I(file).
   type: list
   elements: dict
   returned: always
 reason:
-  description: Why it failed, with the number and the code of the board's message.
+  description: The reason of the failure, with number and code of the board's message.
   type: dict
   returned: on failure
 """
@@ -62,7 +62,7 @@ from ansible_collections.vesk.efictl.plugins.module_utils.efictl import (  # noq
 from ansible_collections.vesk.efictl.plugins.module_utils.settings import (  # noqa: E402
     add_differences, listed, newest_backups, shown)
 
-# As efictl makes the folder itself: configurations are confidential.
+# The mode that efictl gives the folder, because configurations are confidential.
 FOLDER_MODE = 0o700
 
 OPTIONS = {
@@ -75,7 +75,7 @@ OPTIONS = {
 
 
 def foresee(module, client, newest):
-    """Ends the module with what a backup would do."""
+    """Ends the module with the result that a backup would have."""
     report = client.ask_board("list")
     wanted = module.params["partitions"]
     chosen = [each["number"] for each in report["partitions"]

@@ -6,21 +6,21 @@ DOCUMENTATION = r"""
 module: drift
 short_description: Compares the partitions of a board with files
 description:
-  - Returns the settings in which partitions differ from their newest backups, or from one file.
-  - Changes nothing. A difference is not a failure; it sets the return value I(different).
+  - Returns the settings that differ between partitions and their newest backups, or one file.
+  - Changes nothing. A difference is not a failure, but sets the return value I(different).
 author: The maintainers of the board's software
 extends_documentation_fragment: vesk.efictl.board
 options:
   folder:
-    description: The folder of this board's backups; each partition is compared with its newest.
+    description: Folder of this board's backups. Compares each partition with its newest one.
     type: path
   file:
-    description: A file that the partitions are compared with.
+    description: File to compare the partitions with.
     type: path
   partitions:
     description:
       - Numbers of the partitions.
-      - When empty, those that have a backup in I(folder), or the one that I(file) was saved from.
+      - An empty list means those with a backup in I(folder), or the one that I(file) was saved from.
     type: list
     elements: int
     default: []
@@ -37,18 +37,18 @@ EXAMPLES = r"""
   delegate_to: localhost
   register: drift
 
-- name: Fail for a board that has drifted
+- name: Fail if the board has drifted
   ansible.builtin.assert:
     that: not drift.different
 """
 
 RETURN = r"""
 different:
-  description: Whether there is a difference.
+  description: True if there is a difference.
   type: bool
   returned: always
 partitions:
-  description: What efictl reports of each partition, its I(differences) among it.
+  description: The report of efictl on each partition, with its I(differences).
   type: list
   elements: dict
   returned: always

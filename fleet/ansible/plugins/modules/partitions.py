@@ -6,7 +6,7 @@ DOCUMENTATION = r"""
 module: partitions
 short_description: Lists the partitions of a board
 description:
-  - Reads number, name, BIOS version and last backup of each installed partition.
+  - Returns number, name, BIOS version and time of the last backup of each installed partition.
   - Changes nothing.
 author: The maintainers of the board's software
 extends_documentation_fragment: vesk.efictl.board
@@ -24,7 +24,7 @@ EXAMPLES = r"""
 
 RETURN = r"""
 partitions:
-  description: What efictl reports of each partition.
+  description: The report of efictl on each partition.
   type: list
   elements: dict
   returned: always

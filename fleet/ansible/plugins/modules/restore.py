@@ -1,24 +1,24 @@
 #!/usr/bin/python3
-"""Restores a file to partitions of a board."""
+"""Restores a configuration file to partitions of a board."""
 
 DOCUMENTATION = r"""
 ---
 module: restore
-short_description: Restores a file to partitions of a board
+short_description: Restores a configuration file to partitions of a board
 description:
-  - Restores the file to those of the partitions that differ from it.
-  - In check mode, uploads the file, checks the targets and discards it; restores nothing.
+  - Restores the file to the selected partitions that differ from it, and skips the others.
+  - In check mode, uploads the file, checks the targets and discards it, but restores nothing.
   - In diff mode, shows the settings that differ.
-  - If the outcome of a restore is not known, fails with I(exit) 5 and does not try again.
+  - If the outcome of a restore is not known, fails with I(exit) 5 and does not retry.
 author: The maintainers of the board's software
 extends_documentation_fragment: vesk.efictl.board
 options:
   file:
-    description: The file to restore.
+    description: Configuration file to restore.
     type: path
     required: true
   partitions:
-    description: Numbers of the partitions.
+    description: Numbers of the partitions to restore to. Required unless I(all) is set.
     type: list
     elements: int
     default: []
@@ -27,11 +27,11 @@ options:
     type: bool
     default: false
   require_same_version:
-    description: Refuse a target with another BIOS version than the file's.
+    description: Refuse partitions with another BIOS version than the file.
     type: bool
     default: false
   require_partition:
-    description: Refuse a target other than the partition that the file was saved from.
+    description: Refuse any partition except the one that the file was saved from.
     type: bool
     default: false
 """
@@ -49,12 +49,12 @@ EXAMPLES = r"""
 
 RETURN = r"""
 partitions:
-  description: What efictl reports of each partition.
+  description: The report of efictl on each partition.
   type: list
   elements: dict
   returned: always
 reason:
-  description: Why it failed, with the number and the code of the board's message.
+  description: The reason of the failure, with number and code of the board's message.
   type: dict
   returned: on failure
 """
@@ -79,7 +79,7 @@ def main():
     module = AnsibleModule(argument_spec=OPTIONS, supports_check_mode=True)
     options = module.params
     if options["all"] == bool(options["partitions"]):
-        module.fail_json(msg="Name the targets: numbers in partitions, or set all, not both.",
+        module.fail_json(msg="Set either partitions, to the numbers of the targets, or all.",
                          status="usage", exit=2)
     client = Client(module)
     words = ["--all"] if options["all"] else ["--partition", listed(options["partitions"])]

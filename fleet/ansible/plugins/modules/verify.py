@@ -6,20 +6,22 @@ DOCUMENTATION = r"""
 module: verify
 short_description: Checks a folder of backups
 description:
-  - Reads every file of a folder. Changes nothing and needs no board.
+  - Checks every file in a folder. Changes nothing and needs no board.
   - Fails if a file is not usable, if there is no backup, or if a gap is longer than I(max_gap).
 author: The maintainers of the board's software
 options:
   folder:
-    description: The folder.
+    description: Folder of a board's backups.
     type: path
     required: true
   max_gap:
-    description: Longest time between two backups, and since the newest, in hours; 0 for no limit.
+    description:
+      - Longest allowed time between two backups of a partition, and since its newest one, in hours.
+      - 0 means no limit.
     type: int
     default: 0
   executable:
-    description: The client.
+    description: Name or path of the efictl program.
     type: path
     default: efictl
 """
@@ -33,7 +35,7 @@ EXAMPLES = r"""
 
 RETURN = r"""
 files:
-  description: What efictl reports of each file.
+  description: The report of efictl on each file.
   type: list
   elements: dict
   returned: always
@@ -60,10 +62,10 @@ def main():
 
 
 def findings(report):
-    """Returns one sentence for each problem of a folder."""
+    """Returns one sentence for each problem in a folder."""
     found = ["%s: %s." % (each["name"], each["problem"])
              for each in report["files"] if not each["usable"]]
-    found += ["Partition %d has no backup for %s hours from %s."
+    found += ["Partition %d has no backup for %s hours after %s."
               % (each["partition"], each["hours"], each["from"]) for each in report["gaps"]]
     return " ".join(found) or (report["reason"] or {}).get("text") or "There is no backup."
 
