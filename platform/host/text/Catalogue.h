@@ -1,5 +1,6 @@
 #pragma once
 
+#include <span>
 #include <string_view>
 
 namespace VeskLib::Host {
@@ -11,13 +12,20 @@ namespace VeskLib::Host {
 enum class TextSet { MESSAGES = 1, CAPTIONS = 2, TRACE = 3 };
 
 inline constexpr int ENGLISH = 0;
-inline constexpr int JAPANESE = 1;
-inline constexpr int LANGUAGE_COUNT = 2;
+
+struct Language {
+    const char* tag;   // such as "en"
+    const char* name;  // in the language itself
+};
+
+// Returns the languages of the board by their numbers. The build makes the list from the
+// catalogues.
+std::span<const Language> languages();
 
 // The cookie in which the operator's choice of a language is kept.
 inline constexpr const char* LANGUAGE_COOKIE = "language";
 
-// The language tag, "en" or "ja"; English for an unknown number.
+// Returns the tag of a language; that of English for an unknown number.
 const char* languageTag(int language);
 
 // The language cookie's when that names one of ours, else the first of ours in Accept-Language,

@@ -7,7 +7,8 @@ namespace VeskLib::Gui {
 // The texts that operators read, in one language.
 class MessageMgr {
 public:
-    // `messageSet` chooses the language: 0 English, 1 Japanese; any other number English.
+    // `messageSet` chooses the language: 0 English, 1 Japanese, then the others that the board has;
+    // a number that has none English.
     explicit MessageMgr(int messageSet);
     MessageMgr(const MessageMgr&) = delete;
     MessageMgr& operator=(const MessageMgr&) = delete;
