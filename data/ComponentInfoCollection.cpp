@@ -56,7 +56,7 @@ bool ComponentInfoCollection<Element>::setSerialized(const unsigned char* buffer
             break;
         }
         auto element = std::make_unique<Element>();
-        // An element that does not understand its bytes stays empty; the list keeps its place.
+        // An element that rejects its bytes stays empty, and keeps its place in the list.
         element->setSerialized(bytes, length);
         elements.push_back(std::move(element));
     }

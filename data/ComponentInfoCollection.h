@@ -7,23 +7,23 @@
 
 namespace VeskLib::VeskUi {
 
-// A counted list of elements, each preceded by its length. On the wire: the number of elements in
-// 2 bytes; per element its length in 2 bytes and its own wire form; all big-endian.
+// A list of elements. On the wire: the number of elements in 2 bytes; then, for each element, its
+// length in 2 bytes and its own wire form; all big-endian.
 //
-// Made for PrimitiveTypeArray<unsigned char>; ComponentInfoCollection.cpp holds the instance.
+// ComponentInfoCollection.cpp instantiates it for PrimitiveTypeArray<unsigned char>.
 template <typename Element>
 class ComponentInfoCollection : public SerializableObject {
 public:
-    // Throws PException ("Different Buffer Size") when `size` is below getSerializedSize();
-    // `buffer` is then unchanged. A count or a length above 65535 is cut to 16 bits; every element
-    // is written whole.
+    // Throws PException ("Different Buffer Size"), and leaves `buffer` unchanged, if `size` is less
+    // than getSerializedSize(). A count or length above 65535 is truncated to 16 bits; all elements
+    // are written completely.
     unsigned int getSerialized(unsigned char* buffer, unsigned int size) const override;
     unsigned int getSerializedSize() const override;
 
-    // Appends the elements on the wire to those of the collection and returns true. Throws
-    // PException ("Different Buffer Size") when `size` is too small for the count (0 or 1 bytes),
-    // for a length or for an element, or when bytes follow the last element; the elements preceding
-    // the fault then stay in the collection. A count of 0 is accepted whatever follows it.
+    // Appends the elements in `buffer` to the collection and returns true. Throws PException
+    // ("Different Buffer Size") if `size` is too small for the count (0 or 1 bytes), a length or an
+    // element, or if bytes follow the last element; the elements before the error then remain in
+    // the collection. After a count of 0, any further bytes are ignored.
     bool setSerialized(const unsigned char* buffer, unsigned int size) override;
 
     std::vector<std::unique_ptr<Element>> elements;

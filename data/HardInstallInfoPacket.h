@@ -9,8 +9,9 @@
 
 namespace VeskLib::VeskUi {
 
-// Which boards of the server are installed. The program makes and destroys the packet; its
-// queries and its own serialization are the platform's, and so is what the records mean.
+// The boards that are installed in the server. The program implements the constructor and the
+// destructor; the platform implements the queries and the serialization, and defines the meaning
+// of the records.
 class HardInstallInfoPacket : public SerializablePacket {
 public:
     // 4 bytes on the wire: one 32-bit word.
@@ -19,7 +20,7 @@ public:
     };
 
     // 6 bytes on the wire: a 32-bit word, then a 16-bit word. Packed, because a board's library may
-    // walk the records in memory, where they are 6 bytes as well.
+    // access the records in memory, where it expects 6 bytes as well.
     struct [[gnu::packed]] IOBData {
         std::uint32_t word = 0;
         std::uint16_t halfWord = 0;
@@ -35,10 +36,11 @@ public:
     HardInstallInfoPacket& operator=(const HardInstallInfoPacket&) = delete;
     ~HardInstallInfoPacket() override;
 
-    // Whether board `number` of `kind` is installed. Kind 0 is a system board (0 to 15).
+    // Returns true if board `number` of `kind` is installed. Kind 0 is the system boards, with
+    // numbers 0 to 15.
     bool isInstalled(int kind, int number) const;
 
-    // Whether that board is its partition's home board. `sub` is 0 for a system board.
+    // Returns true if that board is its partition's home board. `sub` is 0 for a system board.
     bool isHome(int kind, int number, int sub) const;
 
     unsigned int getSerialized(unsigned char* buffer, unsigned int size) const override;

@@ -12,7 +12,7 @@ namespace {
 
 const unsigned int COUNT_SIZE = 2;
 
-// The wire form of a record type. There is none by default.
+// The wire form of a record type. Not defined for other types.
 template <typename T>
 struct RecordForm;
 
@@ -78,8 +78,8 @@ unsigned int PrimitiveTypeArray<T>::getSerialized(unsigned char* buffer, unsigne
         throw makeBufferTooSmall(ARRAY_MODULE, "Insufficient buffer size");
     }
     WireWriter writer(buffer, size);
-    // The count is cut to 16 bits, the records are not: the size that precedes the object on the
-    // channel counts all of them.
+    // Only the count is truncated to 16 bits: the size that precedes the object on the channel
+    // includes all records.
     writer.writeU16(static_cast<std::uint16_t>(records.size()));
     RecordForm<T>::write(writer, records);
     return wanted;
@@ -100,7 +100,7 @@ bool PrimitiveTypeArray<T>::setSerialized(const unsigned char* buffer, unsigned 
     if (size < COUNT_SIZE + count * RecordForm<T>::SIZE) {
         return false;
     }
-    // Appended on purpose: a second call adds to what the array holds.
+    // Intended: a second call appends to the records of the first.
     RecordForm<T>::append(reader, count, records);
     return true;
 }

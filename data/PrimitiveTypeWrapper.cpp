@@ -29,7 +29,7 @@ bool PrimitiveTypeWrapper<unsigned int>::setSerialized(const unsigned char* buff
     if (size > WIRE_SIZE) {
         return false;
     }
-    // Four bytes whatever `size` says; see the header.
+    // Reads four bytes whatever `size` is; see the header.
     value = WireReader(buffer, WIRE_SIZE).readU32();
     return true;
 }

@@ -13,13 +13,13 @@ class PrimitiveTypeWrapper<unsigned int> : public SerializableObject {
 public:
     explicit PrimitiveTypeWrapper(unsigned int value = 0) : value(value) {}
 
-    // Throws PException ("Too short size") when `size` is below 4.
+    // Throws PException ("Too short size") if `size` is less than 4.
     unsigned int getSerialized(unsigned char* buffer, unsigned int size) const override;
     unsigned int getSerializedSize() const override;
 
-    // False, and `value` as before, when `size` is above 4. Any other size takes the first four
-    // bytes of `buffer`, also a size below 4: that is the wire behaviour the back-end knows. The
-    // caller guarantees four readable bytes; the request channel pads its buffers for it.
+    // Returns false and leaves `value` unchanged if `size` is greater than 4. For any other size,
+    // even one below 4, reads four bytes of `buffer`, to stay compatible with the back-end. The
+    // caller must provide four readable bytes; the request channel pads its buffers for this.
     bool setSerialized(const unsigned char* buffer, unsigned int size) override;
 
     unsigned int value;

@@ -5,10 +5,10 @@
 
 namespace VeskLib::VeskUi {
 
-// Reads big-endian integers and byte runs from a buffer that the caller keeps alive.
+// Reads big-endian integers and bytes from a buffer, which must outlive the reader.
 //
-// A read past the end gives zeros and turns failed() on for good, so the caller checks once, at
-// the end.
+// A read past the end returns zero (readBytes(): null) and sets failed(). So do all reads after it,
+// so that callers need to check for errors only once, at the end.
 class WireReader {
 public:
     WireReader(const unsigned char* bytes, std::size_t size) : bytes(bytes), size(size) {}
@@ -16,7 +16,7 @@ public:
     std::uint16_t readU16() { return static_cast<std::uint16_t>(readBigEndian(2)); }
     std::uint32_t readU32() { return readBigEndian(4); }
 
-    // A pointer to the next `count` bytes, which are skipped; null when there are not so many.
+    // Returns a pointer to the next `count` bytes and skips them, or null if fewer remain.
     const unsigned char* readBytes(std::size_t count);
 
     std::size_t remaining() const { return size - offset; }
@@ -31,9 +31,9 @@ private:
     bool failure = false;
 };
 
-// Writes big-endian integers and byte runs into a buffer that the caller keeps alive.
+// Writes big-endian integers and bytes into a buffer, which must outlive the writer.
 //
-// A write past the end is dropped and turns failed() on for good.
+// A write past the end is dropped, as are all writes after it, and sets failed().
 class WireWriter {
 public:
     WireWriter(unsigned char* bytes, std::size_t size) : bytes(bytes), size(size) {}

@@ -4,16 +4,18 @@
 
 namespace VeskLib::VeskUi {
 
-// The exceptions of the containers. The coded numbers are the platform's; both texts must be
-// constant text, because the exception carries only pointers to them.
+// The exceptions that the containers throw. Their numbers are defined by the platform. Pass string
+// literals, because the exceptions contain only pointers to the texts.
 
+// Module numbers of the containers.
 inline constexpr unsigned short WRAPPER_MODULE = 19200;
 inline constexpr unsigned short ARRAY_MODULE = 23296;
 
-// `module` is the container's.
+// Returns the exception for a buffer that is too small for the container of `module`.
 PException makeBufferTooSmall(unsigned short module, const char* text);
 
-// `operation` is the collection's operation that found the size wrong.
+// Returns the exception for a size that does not fit the content. `operation` is the function
+// that throws it.
 PException makeDifferentBufferSize(const char* operation);
 
 }  // namespace VeskLib::VeskUi

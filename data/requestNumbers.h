@@ -2,7 +2,7 @@
 
 namespace VeskLib::VeskUi {
 
-// Every request that the program sends to the back-end. The numbers are the back-end's.
+// The requests that the program sends to the back-end, which defines the numbers.
 enum RequestNumber : unsigned int {
     GET_PARTITION_INFO = 0x0201002F,     // getInfo, PartitionInfoPacket
     GET_HARD_INSTALL_INFO = 0x02010021,  // getInfo, HardInstallInfoPacket

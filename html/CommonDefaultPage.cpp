@@ -8,8 +8,8 @@ namespace {
 
 const unsigned short TRACE_MODULE = 29697;
 
-// Makes the page's trace log. When that throws, the page has no destructor yet to free its
-// generator.
+// Creates the page's trace log. Deletes `generator` if that throws, because the page's destructor
+// does not run then.
 trace::VeskTrace makeTrace(HTMLCodeGenerator* generator) {
     try {
         return {1, 2, TRACE_MODULE};

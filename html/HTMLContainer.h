@@ -7,12 +7,12 @@
 
 namespace VeskLib::Gui {
 
-// An ordered list of components, printed back to back.
+// A list of components, printed in the order in which they were added.
 class HTMLContainer : public HTMLComponent {
 public:
     HTMLContainer() = default;
 
-    // Appends `child` and takes ownership. The destructor deletes the children in order.
+    // Appends `child` and takes ownership. The destructor deletes the children in this order.
     void add(std::unique_ptr<HTMLComponent> child);
 
     void printHTML() const override;
@@ -22,7 +22,7 @@ private:
     std::vector<std::unique_ptr<HTMLComponent>> children;
 
 public:
-    // Whether "<br>" is printed between two children. Declared last, as boards lay the object out.
+    // If true, "<br>" is printed between the children. Declared last to match the layout of boards.
     bool breakBetween = false;
 };
 

@@ -9,9 +9,10 @@
 
 namespace VeskLib::Gui {
 
-// A part of a page printed from a skeleton of its own, such as a table row.
+// A part of a page that has its own skeleton, such as a table row.
 class HTMLItem : public HTMLItemInterface {
 public:
+    // `skeletonFile` is the path of the skeleton on the board, before getCGIPath().
     explicit HTMLItem(const std::string& skeletonFile);
 
     // Deletes the components in the map's order.

@@ -6,10 +6,11 @@
 
 namespace VeskLib::Gui {
 
-// A component that holds named components.
+// A component that contains other components, each with a name.
 class HTMLItemInterface : public HTMLComponent {
 public:
-    // Puts `component` under `name`; the item owns it from then on and deletes what stood there.
+    // Adds `component` under `name` and takes ownership. Deletes a component that had this name
+    // before.
     virtual void add(const std::string& name, HTMLComponent* component) = 0;
 };
 

@@ -10,8 +10,8 @@ MetaTag::MetaTag(const std::string& name, const std::string& content, const std:
 }
 
 void MetaTag::printHTML() const {
-    // The frame identifier is the only tag written with a name attribute, and only in this exact
-    // spelling; every other tag is an HTTP equivalent.
+    // The frame identifier, in exactly this spelling, is the only tag with a name attribute; every
+    // other tag has http-equiv.
     std::cout << (name == "FRAME-ID" ? "<meta name=\"" : "<meta http-equiv=\"");
     std::cout << name << "\" content=\"" << content;
     if (!contentUrl.empty()) {

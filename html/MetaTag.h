@@ -6,11 +6,11 @@
 
 namespace VeskLib::Gui {
 
-// A meta tag of the page's head. Its texts are printed as they are, without escaping.
+// A <meta> tag. Its texts are printed without escaping.
 class MetaTag : public HTMLComponent {
 public:
-    // The content is followed by ";URL=" and `contentUrl` when that is not empty. `reserved` is
-    // kept and never printed.
+    // Unless `contentUrl` is empty, ";URL=" and `contentUrl` follow the content. `reserved` is
+    // never printed.
     MetaTag(const std::string& name, const std::string& content, const std::string& contentUrl,
             const std::string& reserved);
 

@@ -8,14 +8,12 @@
 
 namespace VeskLib::Gui {
 
-// The two ends of a component's life in a map, for every holder of a map.
-
-// Puts `component` into `components` under `name`; the map owns it from then on.
+// Adds `component` to `components` under `name`. The map takes ownership, and deletes a component
+// that had this name before.
 void insertComponent(std::map<std::string, HTMLComponent*>& components, const std::string& name,
                      std::unique_ptr<HTMLComponent> component);
 
-// Deletes every component in the map's order and empties the map. Entries that hold no component
-// are passed over.
+// Deletes all components in the map's order and clears the map. An entry may be null.
 void deleteComponents(std::map<std::string, HTMLComponent*>& components);
 
 }  // namespace VeskLib::Gui

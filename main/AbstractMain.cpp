@@ -6,7 +6,7 @@ namespace {
 
 const int NO_FUNCTION_YET = 159;
 
-// The request's form data outlives the main object: it belongs to the process.
+// Returns the form data. It belongs to the process and outlives the main object.
 FormInfo* shareFormInfo() {
     if (FormInfo::myInstance == nullptr) {
         FormInfo::myInstance = new FormInfo;

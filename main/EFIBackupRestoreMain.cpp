@@ -28,8 +28,8 @@ const int WHOLE_SERVER = -1;
 EFIBackupRestoreMain::EFIBackupRestoreMain() : AbstractConfigMain(TITLE) {
 }
 
-// The order of the steps also fits a platform whose errorExit() returns: a missing function number
-// then reads as 0 and is refused, and a page with an error is printed.
+// Also works if the platform's errorExit() returns: a missing function number then reads as 0 and
+// is refused, and a page with an error is printed.
 int EFIBackupRestoreMain::individualProc() {
     guiCheckSession(true);
     messageMgr = new MessageMgr(messageSet);
@@ -71,7 +71,7 @@ int EFIBackupRestoreMain::individualProc() {
 
 int EFIBackupRestoreMain::judgeDisplayMode() {
     JudgeAuthority judge(&authority, functionId, WHOLE_SERVER);
-    // Two values on purpose: the pages test for exactly 2.
+    // Exactly 2 or 0, because the pages test for 2.
     const bool allowed = judge.preCheckDisplayMode(*requester) == 1 || judge.getDisplayMode() != 0;
     return allowed ? 2 : 0;
 }

@@ -13,8 +13,8 @@ class EFIBackupRestoreMain : public AbstractConfigMain {
 public:
     EFIBackupRestoreMain();
 
-    // Builds the page of the request's function number and prints it. 0 after a printed page, -1
-    // after an unknown function number.
+    // Builds and prints the page for the request's function number. Returns 0 after a page was
+    // printed, -1 if the function number is unknown.
     int individualProc() override;
 
 protected:
@@ -22,10 +22,10 @@ protected:
     void printShell(std::unique_ptr<CommonDefaultPage> page, const char* frameIdentifier);
 
 private:
-    // 2 when the user may use the function, 0 when not.
+    // Returns 2 if the user may use the function, otherwise 0.
     int judgeDisplayMode();
 
-    // Ends the request: its function number is missing or unknown.
+    // Ends the request with the error page for a missing or unknown function number.
     void refuseScreenInformation();
 };
 

@@ -1,7 +1,7 @@
 #include "main/EFIBackupRestoreMain.h"
 
-// Catches nothing, because there is nothing left to answer with: an exception that arrives here
-// ends the process abnormally, and the web server answers the request.
+// Catches nothing, because no response can be sent any more: an exception that reaches main()
+// terminates the process, and the web server answers the request.
 int main() {
     return VeskLib::Gui::EFIBackupRestoreMain().exec();
 }

@@ -2,6 +2,7 @@
 
 #include "data/PrimitiveTypeWrapper.h"
 #include "data/requestNumbers.h"
+#include "data/uploadLimit.h"
 #include "html/componentMaps.h"
 #include "pages/catalogueNumbers.h"
 #include "pages/libraryText.h"
@@ -26,16 +27,14 @@ namespace VeskLib::Gui {
 
 namespace {
 
-const mode_t BACKUP_FILE_MODE = 0666;  // less the process's umask
+const mode_t BACKUP_FILE_MODE = 0666;  // before umask
 const char* const DOWNLOAD_LINK = "/common/download.cgi?functionID=5&filename=";
-
-const unsigned int LARGEST_UPLOAD = 393216;  // 384 KiB
 
 std::string twoDigits(int number) {
     return (number < 10 ? "0" : "") + std::to_string(number);
 }
 
-// The version as it stands in a download's name.
+// Returns the version as it appears in a download's file name.
 std::string formatVersion(const std::string& version) {
     if (!version.empty() && version.front() == '-') {
         return "Unknown";
@@ -137,7 +136,7 @@ void AbstractBackupRestorePage::upload(std::string& stagingPath, std::string& lo
             storeUpload(stagingPath, lockPath);
         }
     } catch (const PException& exception) {
-        // The platform cannot say what was uploaded: a failure like one while the file is moved.
+        // The request cannot be read: report it like a failure to rename the file.
         traceText(LibraryTexts::UPLOAD_FAILURE, "AbstractBackupRestorePage::upload");
         setErrMsg(Messages::UPLOAD_FAILED, exception.getExceptionDetail());
     }
@@ -150,7 +149,7 @@ bool AbstractBackupRestorePage::checkUpload() {
         addNotice(messageMgr.getMessage(Messages::FILE_EMPTY, Details::INVALID_SIZE));
         return false;
     }
-    if (size > LARGEST_UPLOAD) {
+    if (size > VeskUi::LARGEST_UPLOAD) {
         traceText(LibraryTexts::REFUSAL,
                   "AbstractBackupRestorePage::upload: Illegal file size:" + std::to_string(size));
         addNotice(messageMgr.getMessage(Messages::FILE_REFUSED, Details::INVALID_SIZE));
@@ -158,8 +157,8 @@ bool AbstractBackupRestorePage::checkUpload() {
     }
     const std::string name = formInfo.getUploadFileName();
     const auto extension = static_cast<std::uint32_t>(name.rfind(FILE_EXTENSION));
-    // Both sides wrap at 32 bits. A name of three characters therefore passes: "not found" and
-    // its length minus 4 are the same number. Boards have always taken such names.
+    // Intended: both sides wrap at 32 bits, so a name of three characters is accepted, because
+    // npos equals its length minus 4. Boards have always accepted such names.
     if (extension != static_cast<std::uint32_t>(name.size()) - 4U) {
         traceText(LibraryTexts::REFUSAL,
                   "AbstractBackupRestorePage::upload: Illegal file extension");
@@ -220,11 +219,11 @@ void AbstractBackupRestorePage::backup(unsigned int partition, std::string& back
                                        bool named) {
     const int descriptor = creat(backupPath.c_str(), BACKUP_FILE_MODE);
     if (descriptor < 0) {
-        // Only traced, on purpose: whether the backup can be written is for the back-end to say.
+        // Intended: only traced, because the back-end reports if it cannot write the backup.
         const int systemError = errno;
         traceSystemError("EFIBackupPage::backup()::create", systemError);
     }
-    close(descriptor);  // also when it is -1
+    close(descriptor);  // even if it is -1
 
     if (!requester.setInfo(VeskUi::SET_BACKUP,
                            VeskUi::PrimitiveTypeWrapper<unsigned int>(partition))) {
@@ -240,7 +239,7 @@ void AbstractBackupRestorePage::backup(unsigned int partition, std::string& back
     const std::string name = (named ? "Partition" + std::to_string(partition) : "BIOS") + "_" +
                              formatDate(header.saveTime, "") + "_" + formatVersion(version) +
                              FILE_EXTENSION;
-    // The link is used in a script, where the skeleton makes it safe; it is not escaped here.
+    // Not escaped here: the skeleton escapes the link for its script.
     putReadyText("filepath", DOWNLOAD_LINK + name);
     putText("onload_function", "downloadFunction()");
 }

@@ -12,21 +12,21 @@
 
 namespace VeskLib::Gui {
 
-// The common base of the screen's pages: the request channel, the form data, the ways to report
-// to the operator, and what the pages do with configuration files.
+// The base class of the screen's pages. It has the request channel, the form data, the ways to
+// report to the operator, and the operations on configuration files.
 //
-// The page classes build the paths of the staging file, its lock and the backup file from
+// The page classes build the paths of the staged file, its lock and the backup file from
 // boardPaths.h and pass them in.
 //
-// A posted action is carried out before the user's authority is examined, because the screen's
-// form, which examines it, is built last. The board is protected elsewhere: once JudgeAuthority has
-// refused the user, the request channel sends no change.
+// A posted action is carried out before the user's authority is checked, because the check is made
+// when the form is built, which comes last. This is safe because the request channel sends no
+// change once JudgeAuthority has refused the user.
 class AbstractBackupRestorePage : public CommonDefaultPage {
 public:
-    // The end of a configuration file's name, case-sensitive.
+    // The extension of a configuration file, case-sensitive.
     static constexpr const char* FILE_EXTENSION = ".dat";
 
-    // The references and `displayMode` must outlive the page.
+    // `requester`, `formInfo`, `messageMgr` and `displayMode` must outlive the page.
     AbstractBackupRestorePage(CGIRequester& requester, FormInfo& formInfo, MessageMgr& messageMgr,
                               int* displayMode, const std::string& skeletonFileName,
                               int functionNumber);
@@ -35,14 +35,14 @@ public:
     void makeConfigPage() override = 0;
 
 protected:
-    // The display mode with which a page may be used; every other value means no authority.
+    // The display mode of a user who may use the page. Any other value means no authority.
     static const int ALLOWED = 2;
 
-    // Where every form is posted to, and the name that all form fields give their form.
+    // The address that every form is posted to, and the name of the form.
     static constexpr const char* FORM_TARGET = "/maintenance/efi_backup_restore.cgi";
     static constexpr const char* FORM_NAME = "form_name";
 
-    // What a configuration file says of itself.
+    // The header of a configuration file.
     struct ConfigurationFacts {
         unsigned int saveTime = 0;  // seconds since 1970-01-01 UTC
         std::string version;
@@ -50,76 +50,77 @@ protected:
         std::string partitionName;
     };
 
-    // Reads the facts of the configuration file `path`. Throws PException when the file cannot be
+    // Reads the header of the configuration file `path`. Throws PException if the file cannot be
     // read or is not a configuration file.
     static ConfigurationFacts readConfigurationFacts(const std::string& path);
 
-    // Returns true if the user may use the screen. Otherwise traces `refusal` and reports that the
-    // user has no permission.
+    // Returns true if the user may use the screen. Otherwise traces `refusal`, reports that the
+    // user has no permission, and returns false.
     bool checkAuthority(const std::string& refusal);
 
-    // Appends `text` to the message, after "<br>" when the message is not empty.
+    // Appends `text` to the message, after "<br>" unless the message is empty.
     void addMessage(const std::string& text);
 
-    // Adds `text` to the message, and has it shown as an alert over the page.
+    // Appends `text` to the message, which is then shown as an alert over the page.
     void addNotice(const std::string& text);
 
-    // Adds `text` to the message, marks the page as an error and drops every component, so that
+    // Appends `text` to the message, marks the page as an error and deletes all components, so that
     // only the message is shown.
     void reportError(const std::string& text);
 
-    // Adds the notice for a back-end error: the code's own message, or `defaultMessageId`.
+    // Adds a notice for a back-end error. The message is the one for `errorCode`, or
+    // `defaultMessageId` if that code has no message of its own.
     void setErrMsg(int defaultMessageId, int errorCode);
 
-    // Checks the uploaded file and moves it to `stagingPath`, holding the lock. A refusal or
-    // failure becomes a notice and leaves an earlier staged file unchanged. A PException of the
-    // platform at any step is such a failure; none is thrown.
+    // Checks the uploaded file and renames it to `stagingPath` while holding the lock. If it is
+    // refused or anything fails, adds a notice and leaves a previously staged file unchanged. Does
+    // not throw PException.
     void upload(std::string& stagingPath, std::string& lockPath);
 
-    // Has the back-end restore the staged file to the partitions of `request`. A notice tells the
-    // outcome, success too. The other arguments are not used.
+    // Asks the back-end to restore the staged file to the partitions in `request`, and adds a
+    // notice of the outcome, success included. The other arguments are unused.
     void restoreUploadedFile(VeskUi::PrimitiveTypeArray<unsigned char>& request, bool& finished,
                              int function);
 
-    // Removes the staged file, holding the lock. A failure is traced and not shown. Throws
-    // PException when the lock cannot be had; the file then stands as before.
+    // Removes the staged file while holding the lock. If that fails, only writes a trace line.
+    // Throws PException, and leaves the file unchanged, if the lock cannot be acquired.
     void discardUploadedFile(std::string& stagingPath, std::string& lockPath);
 
-    // Has the back-end write the configuration of `partition` into `backupPath` and puts the
-    // download's link and the call that starts it into the page. The download's name carries the
-    // partition number when `named` is set. A refusal becomes a notice, without a link. Throws
-    // PException when the written file has no readable header.
+    // Asks the back-end to write the configuration of `partition` to `backupPath`, and adds to the
+    // page the download link and the script call that starts the download. The suggested file name
+    // contains the partition number if `named` is set. If the back-end refuses, adds a notice and
+    // no link. Throws PException if the header of the written file cannot be read.
     void backup(unsigned int partition, std::string& backupPath, bool named);
 
-    // Writes text `number` of the message library to the trace, with `detail` as its text and,
-    // in the second form, `systemError` (an errno) as its number.
+    // Write text `number` of the message library, or the text for a failed system call, to the
+    // trace. The arguments of the text are `detail` and, in the second form, the errno.
     void traceText(int number, const std::string& detail);
     void traceSystemError(const std::string& detail, int systemError);
 
-    // Traces that the back-end does not return `subject`, and reports it in the same words.
+    // Reports and traces that `subject` is unavailable from the back-end.
     void reportUnavailable(const std::string& subject);
 
-    // Puts a component into the page. A text is escaped when printed, unless it is ready to
-    // print.
+    // Add a component to the page. putText() escapes the text when printing it; putReadyText()
+    // does not.
     void putText(const std::string& name, const std::string& text);
     void putReadyText(const std::string& name, const std::string& text);
     void putHiddenField(const std::string& name, const std::string& field,
                         const std::string& value);
 
-    // The file chooser "filename" and the button "install" that uploads what was chosen.
+    // Add the file input "filename", and the button "install", which uploads the chosen file.
     void putFileSelector();
     void putUploadButton();
 
-    // Puts a component into a table row.
+    // Adds `component` to a table row, which takes ownership.
     static void addToRow(HTMLItem& row, const std::string& name,
                          std::unique_ptr<HTMLComponent> component);
 
-    // `saveTime` (seconds since 1970-01-01 UTC) as a date of the board's local calendar, such as
-    // 2009-03-07; with an empty `separator` as 20090307.
+    // Returns the date of `saveTime` (seconds since 1970-01-01 UTC) in the board's local time, such
+    // as 2009-03-07, or 20090307 if `separator` is empty.
     static std::string formatDate(unsigned int saveTime, const std::string& separator);
 
-    // Ends the page's construction: builds the page, lets go of the form data, and drops every
-    // component when the page holds an error. Called once, last in a page's constructor.
+    // Builds the page, releases the form data, and deletes all components if the page is an error.
+    // Called once, at the end of a page's constructor.
     void buildPage();
 
     CGIRequester& requester;
@@ -127,7 +128,7 @@ protected:
     int functionNumber;
 
 private:
-    // Returns true if the upload may be stored; otherwise adds a notice.
+    // Returns true if the upload may be stored; otherwise adds a notice and returns false.
     bool checkUpload();
 
     void storeUpload(const std::string& stagingPath, const std::string& lockPath);

@@ -41,7 +41,7 @@ void EFIBackupPage::makeDispPage() {
     auto rows = std::make_unique<HTMLContainer>();
     bool noRowYet = true;
     for (unsigned int partition = 0; partition < CommonUtil::getMaxPartitionNum(); ++partition) {
-        // Being installed is all that counts: a partition that runs can be backed up as well.
+        // A running partition can be backed up too.
         if (partitionInfo.isInstalled(static_cast<int>(partition))) {
             rows->add(makeRow(partition));
             noRowYet = false;
@@ -61,16 +61,15 @@ void EFIBackupPage::makeConfigPage() {
     }
     std::string partition;
     if (!formInfo.getFormData("radio_button", partition)) {
-        // The list is not shown again, on purpose: the operator sees only what went wrong.
+        // Intended: only the error is shown, not the list again.
         trace.putLog(0, "getFormData KEY_RADIO_BUTTON error!!");
         reportError(libraryText(LibraryTexts::UNAVAILABLE, "the screen information"));
         return;
     }
     backupFilePath = getCGIPath(BoardPaths::BACKUP_FILE);
     backupFilePath += requester.getSessionId();
-    // The number is not checked here: the back-end knows which partitions it can back up. Nor is
-    // the authority, which makeDispPage() examines: for a user without the right the request
-    // channel sends nothing.
+    // The back-end checks the partition number. makeDispPage() checks the authority afterwards; for
+    // a user without it, the request channel sends nothing.
     backup(static_cast<unsigned int>(std::atoi(partition.c_str())), backupFilePath, true);
     makeDispPage();
 }
@@ -88,7 +87,7 @@ void EFIBackupPage::putFixedComponents() {
 std::unique_ptr<HTMLItem> EFIBackupPage::makeRow(unsigned int partition) {
     const std::string number = std::to_string(partition);
     auto row = std::make_unique<HTMLItem>(BoardPaths::BACKUP_ROW_SKELETON);
-    // A group for each row, all of one name: the browser takes them for one group.
+    // One group per row, all with the same name, so that they act as one group.
     auto choice = std::make_unique<RadioButton>("radio_button", "", FORM_NAME, displayMode);
     choice->add(number, "", false, false);
     addToRow(*row, "radio_button", std::move(choice));

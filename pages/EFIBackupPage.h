@@ -9,24 +9,24 @@
 
 namespace VeskLib::Gui {
 
-// The backup screen, function 105: the operator picks an installed partition, and the browser
-// saves that partition's EFI configuration.
+// The backup page, function 105. The operator chooses an installed partition, and the browser
+// downloads that partition's EFI configuration.
 class EFIBackupPage : public AbstractBackupRestorePage {
 public:
     static constexpr const char* FILE_EXTENSION = AbstractBackupRestorePage::FILE_EXTENSION;
     static const std::string skeletonFileName;
 
-    // The value of "hidden_status" that asks for a backup.
+    // The value of "hidden_status" that requests a backup.
     static constexpr const char* BACKUP_MODE = "BACKUP";
 
-    // Does all of the page's work, the posted backup included.
+    // Carries out a posted backup and builds the page.
     EFIBackupPage(CGIRequester& requester, FormInfo& formInfo, MessageMgr& messageMgr,
                   int* displayMode);
 
-    // Builds the form with one row per installed partition, or reports why it cannot.
+    // Builds the form with one row per installed partition, or reports an error.
     void makeDispPage() override;
 
-    // Carries out the posted backup and shows the form again.
+    // Carries out the posted backup and builds the form again.
     void makeConfigPage() override;
 
 private:

@@ -17,10 +17,10 @@ namespace {
 
 const unsigned int ONLY_PARTITION = 0;
 
-// What "hidden_status" asks for.
+// The values of "hidden_status".
 enum Mode { DISPLAY = 0, UPLOAD = 1, RESTORE = 2, BACKUP = 3 };
 
-// A line break inside a script string: the two characters stand in the text as they are.
+// A line break in a script string: a backslash and an "n".
 const char* const SCRIPT_LINE_BREAK = "\\n";
 
 }  // namespace
@@ -40,8 +40,8 @@ EFIBackupRestorePage::EFIBackupRestorePage(CGIRequester& requester, FormInfo& fo
     buildPage();
 }
 
-// The authority is examined by makeDispPage(), after the posted step: for a user without the right
-// the request channel sends nothing.
+// makeDispPage() checks the authority after the posted step; for a user without it, the request
+// channel sends nothing.
 void EFIBackupRestorePage::makeConfigPage() {
     std::string status;
     if (formInfo.getFormData("hidden_status", status)) {
@@ -54,7 +54,7 @@ void EFIBackupRestorePage::makeConfigPage() {
                 restore();
                 break;
             case BACKUP:
-                // The download's name carries no partition number, because there is no choice.
+                // No partition number in the file name, because there is only one partition.
                 backup(ONLY_PARTITION, backupFilePath, false);
                 break;
             default:
@@ -94,8 +94,8 @@ void EFIBackupRestorePage::restore() {
         VeskUi::PrimitiveTypeArray<unsigned char> targets;
         targets.records.push_back(ONLY_PARTITION);
         restoreUploadedFile(targets, restoreFinished, Functions::BACKUP);
-        // Success is an alert as well, so the file goes after every restore, unlike on the restore
-        // screen, which keeps it.
+        // Success is an alert as well, so the file is removed after every restore. The restore page
+        // keeps it.
         if (alertFlag) {
             discardUploadedFile(stagingFilePath, stagingLockPath);
         }
@@ -112,7 +112,7 @@ void EFIBackupRestorePage::makeDispPage() {
     std::string ignored;
     if (formInfo.getFormData("message", ignored)) {
         discardUploadedFile(stagingFilePath, stagingLockPath);
-        // No alert: the form shows the text itself.
+        // No alert, because the form shows the text.
         const std::string restored = messageMgr.getMessage(Messages::RESTORED, Details::NONE);
         addMessage(restored);
         putText("notice", restored);

@@ -6,29 +6,29 @@
 
 namespace VeskLib::Gui {
 
-// One screen for both directions, always of partition 0: a button backs it up, a file chooser
-// restores it after a question. It shares the backup screen's skeleton and function number. The
-// dispatcher does not build it.
+// A combined page that backs up partition 0, or restores it from an uploaded file after a
+// confirmation. Shares the skeleton and the function number of the backup page. The dispatcher does
+// not use this page.
 class EFIBackupRestorePage : public AbstractBackupRestorePage {
 public:
     static constexpr const char* FILE_EXTENSION = AbstractBackupRestorePage::FILE_EXTENSION;
     static const std::string skeletonFileName;
 
-    // Does all of the page's work, the posted step included.
+    // Carries out the posted step and builds the page.
     EFIBackupRestorePage(CGIRequester& requester, FormInfo& formInfo, MessageMgr& messageMgr,
                          int* displayMode);
 
-    // Builds the form, or reports that there is no authority. This page traces nothing of its own.
+    // Builds the form, or reports missing authority, which this page does not trace.
     void makeDispPage() override;
 
-    // Carries out the posted step and shows the form again.
+    // Carries out the posted step and builds the form again.
     void makeConfigPage() override;
 
 private:
-    // Restores or discards the uploaded file, as "hidden_procname" says.
+    // Restores or discards the uploaded file, depending on "hidden_procname".
     void restore();
 
-    // Stages the uploaded file and has the browser ask whether to restore it.
+    // Stages the uploaded file and makes the browser ask for confirmation.
     void uploadAndAsk();
     void putFormComponents();
 

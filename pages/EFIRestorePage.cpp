@@ -23,7 +23,7 @@ namespace {
 
 const char* const UNKNOWN_VERSION = "-";
 
-// What "hidden_status" asks for.
+// The values of "hidden_status".
 enum Step { DISPLAY = 0, UPLOAD = 1, RESTORE = 2, DISCARD = 3 };
 
 const unsigned int NO_BOARD = 255;
@@ -44,7 +44,7 @@ EFIRestorePage::EFIRestorePage(CGIRequester& requester, FormInfo& form, MessageM
       restoreFinished(false) {
     stagingFilePath = getCGIPath(BoardPaths::STAGING_FILE);
     stagingLockPath = getCGIPath(BoardPaths::STAGING_LOCK);
-    // A staged file for each session, but one lock for all of them.
+    // One staged file per session, but one lock for all sessions.
     stagingFilePath += requester.getSessionId();
     putText("onload_function", "onLoadFunction()");
     buildPage();
@@ -52,7 +52,7 @@ EFIRestorePage::EFIRestorePage(CGIRequester& requester, FormInfo& form, MessageM
 
 void EFIRestorePage::makeDispPage() {
     std::string ignored;
-    // Without authority the form is built all the same; the end of the construction drops it.
+    // Without authority the form is built too, but buildPage() deletes its components.
     if (checkAuthority("EFIRestorePage::makeDispPage(): Authorization required.") &&
         formInfo.getFormData("message", ignored)) {
         addNotice(messageMgr.getMessage(Messages::RESTORED, Details::NONE));
@@ -69,11 +69,11 @@ void EFIRestorePage::makeDispPage() {
 void EFIRestorePage::makeConfigPage() {
     std::string status;
     if (!formInfo.getFormData("hidden_status", status)) {
-        // Nothing is built, on purpose: a post that names no step shows the bare skeleton.
+        // Intended: a POST that names no step shows the empty skeleton.
         return;
     }
-    // The authority is examined while the following form is built, after the step: for a user
-    // without the right the request channel sends nothing.
+    // The authority is checked after the step, when the next form is built; for a user without it,
+    // the request channel sends nothing.
     requestStatus = std::atoi(status.c_str());
     switch (requestStatus) {
         case UPLOAD:
@@ -104,7 +104,7 @@ void EFIRestorePage::makeConfigPage() {
 
 void EFIRestorePage::makeSelectPage() {
     requestStatus = RESTORE;
-    // Without authority the work goes on; the end of the construction drops what it builds.
+    // Without authority the work continues, but buildPage() deletes the components.
     checkAuthority("EFIRestorePage::makeSelectPage(): Authorization required.");
     if (!requester.getInfo(VeskUi::GET_PARTITION_INFO, partitionInfo)) {
         reportUnavailable("the partition status");
@@ -132,7 +132,7 @@ void EFIRestorePage::makeSelectPage() {
     putFormComponents();
 
     VeskUi::VersionInfoPacket versions;
-    // A failure is not reported: every version then reads as unknown.
+    // A failure is not reported; all versions are then shown as unknown.
     const bool versionsKnown = requester.getInfo(VeskUi::GET_VERSION_INFO, versions);
     auto rows = std::make_unique<HTMLContainer>();
     bool noRowYet = true;
@@ -183,7 +183,7 @@ void EFIRestorePage::putFormComponents() {
     insertComponent(componentMap, "check_box", std::move(selectAll));
 }
 
-// Every row is made alike, whatever its version and wherever the file came from: the operator
+// All rows are selectable, whatever their versions and the origin of the file: the operator
 // decides.
 std::unique_ptr<HTMLItem> EFIRestorePage::makeRow(unsigned int partition, bool versionsKnown,
                                                   const VeskUi::VersionInfoPacket& versions) {
@@ -215,7 +215,7 @@ void EFIRestorePage::getHomeSBNum(unsigned int partition, bool& found, unsigned 
         if ((node & OTHER_KIND_MASK) != 0) {
             continue;
         }
-        // Bit 4 is not part of the number, on purpose: 0x03 and 0x13 are the same board.
+        // Intended: bit 4 is not part of the number, so 0x03 and 0x13 are the same board.
         const int board = node & BOARD_NUMBER_MASK;
         if (hardInstallInfo.isInstalled(SYSTEM_BOARD, board) &&
             hardInstallInfo.isHome(SYSTEM_BOARD, board, 0)) {
@@ -231,7 +231,7 @@ void EFIRestorePage::restore() {
     VeskUi::PrimitiveTypeArray<unsigned char> targets;
     std::string ignored;
     if (formInfo.getFormData("check_box", ignored)) {
-        // All means every partition that is installed now, so the table is asked for anew.
+        // "All" means the partitions that are installed now, so request the current table.
         if (!requester.getInfo(VeskUi::GET_PARTITION_INFO, partitionInfo)) {
             reportUnavailable("the partition status");
             return;
@@ -240,7 +240,7 @@ void EFIRestorePage::restore() {
     } else {
         addTickedPartitions(targets);
     }
-    // An empty list is sent as well: the verdict is the back-end's.
+    // An empty list is sent too; the back-end decides.
     restoreUploadedFile(targets, restoreFinished, Functions::RESTORE);
 }
 
@@ -259,7 +259,7 @@ void EFIRestorePage::addTickedPartitions(VeskUi::PrimitiveTypeArray<unsigned cha
          ++partition) {
         std::string target;
         if (formInfo.getFormData("pid" + std::to_string(partition), target)) {
-            // The posted value counts, not the number in the field's name.
+            // The target is the posted value, not the number in the field's name.
             targets.records.push_back(static_cast<unsigned char>(std::atoi(target.c_str())));
         }
     }

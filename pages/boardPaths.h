@@ -1,13 +1,13 @@
 #pragma once
 
-// The board's files that the pages use, before getCGIPath().
+// Paths on the board, before getCGIPath(), of the files that the pages use.
 namespace VeskLib::Gui::BoardPaths {
 
-// Followed directly by the session identifier: a file for each login session.
+// The session identifier is appended directly: one file per login session.
 inline constexpr const char* STAGING_FILE = "/var/tmp/restored_eficonf";
 inline constexpr const char* BACKUP_FILE = "/var/tmp/efi_backup";
 
-// Guards the staging files of all sessions.
+// The lock for the staged files of all sessions.
 inline constexpr const char* STAGING_LOCK = "/var/tmp/restored_eficonf.lock";
 
 inline constexpr const char* BACKUP_SKELETON = "/usr/local/www/skel/skeleton_efi_backup.txt";

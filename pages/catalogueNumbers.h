@@ -1,7 +1,7 @@
 #pragma once
 
-// The numbers of the board's catalogues and codes that the program uses. The board's texts belong
-// to these numbers; no number is computed or used for anything else.
+// The board's text numbers and codes that the program uses. The texts on the board have these
+// numbers, so do not change or reuse them.
 
 // Messages to the operator: MessageMgr::getMessage().
 namespace VeskLib::Gui::Messages {
@@ -47,18 +47,18 @@ inline constexpr int BIOS_VERSION = 1359;
 
 }  // namespace VeskLib::Gui::Captions
 
-// Texts of the message library: lmsg_getmsg().
+// Texts of the message library, with their arguments: lmsg_getmsg().
 namespace VeskLib::Gui::LibraryTexts {
 
-inline constexpr int UNAVAILABLE = 107;            // what is unavailable
+inline constexpr int UNAVAILABLE = 107;            // the unavailable information
 inline constexpr int UPLOAD_FAILURE = 20003;       // the operation
 inline constexpr int SYSTEM_CALL_FAILURE = 20011;  // the operation, errno
-inline constexpr int REFUSAL = 20020;              // what was refused
+inline constexpr int REFUSAL = 20020;              // the refused operation
 inline constexpr int UNKNOWN_FUNCTION = 20034;     // the reason, the function number
 
 }  // namespace VeskLib::Gui::LibraryTexts
 
-// Codes at the end of a message, so that support finds the cause.
+// Codes at the end of a message, by which support finds the cause.
 namespace VeskLib::Gui::Details {
 
 inline constexpr int NONE = 0;
@@ -69,7 +69,7 @@ inline constexpr int MOVE_FAILED = 1043;
 
 }  // namespace VeskLib::Gui::Details
 
-// Error codes of the back-end that have a message of their own.
+// Error codes of the back-end that have their own message.
 namespace VeskLib::Gui::ErrorCodes {
 
 inline constexpr int BACKEND_BUSY = 1047;

@@ -1,9 +1,9 @@
 #pragma once
 
-// The screen's function numbers, as requests name them in "functionID".
+// The values of the request's field "functionID".
 namespace VeskLib::Gui::Functions {
 
-inline constexpr int BACKUP = 105;  // also the combined page's
+inline constexpr int BACKUP = 105;  // also of the combined page
 inline constexpr int RESTORE = 106;
 
 }  // namespace VeskLib::Gui::Functions

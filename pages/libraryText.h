@@ -6,10 +6,10 @@
 
 namespace VeskLib::Gui {
 
-// The least size that lmsg_getmsg() accepts for its buffer, in bytes.
+// The minimum size of the buffer for lmsg_getmsg(), in bytes.
 inline constexpr unsigned int LIBRARY_TEXT_SIZE = 256;
 
-// Returns text `number` of the message library with the given arguments, cut to 255 bytes.
+// Returns text `number` of the message library with the given arguments, truncated to 255 bytes.
 template <typename... Arguments>
 std::string libraryText(int number, Arguments... arguments) {
     char buffer[LIBRARY_TEXT_SIZE];

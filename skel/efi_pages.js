@@ -1,12 +1,12 @@
-// What the screen's pages have in common.
+// Functions that the screen's pages share.
 
 "use strict";
 
-// Largest file that the board takes, in bytes.
-const LARGEST_FILE = 393216;
+// The size of the largest file that the board accepts, in bytes.
+const LARGEST_FILE = @LARGEST_UPLOAD@;
 
-// Returns why the board would refuse `file`: the text `none` without a file, else one of `refusals`
-// (empty, large, name); an empty text when the board would take it.
+// Returns the reason for which the board would refuse `file`: `none` if there is no file, or one of
+// `refusals` (empty, large, name). Returns an empty string if the board would accept it.
 function refusalOf(file, none, refusals) {
     if (!file) {
         return none;
@@ -20,24 +20,24 @@ function refusalOf(file, none, refusals) {
     return file.name.lastIndexOf(".dat") === file.name.length - 4 ? "" : refusals.name;
 }
 
-// From now on Refresh and Back show the function's first page. They never send a step again.
+// Makes Refresh and Back show the function's first page instead of posting a step again.
 function forgetPost(functionNumber) {
     history.replaceState(null, "", `?functionID=${functionNumber}`);
 }
 
-// Says on a button what it does, or that its work is under way.
+// Sets a button's label, and marks the button as busy or not.
 function labelButton(button, text, busy) {
     button.textContent = text;
     button.setAttribute("aria-disabled", String(busy));
 }
 
-// Shows an alert and brings the operator to the place where it can be mended.
+// Shows an alert and moves the focus to the element that needs correction.
 function alertAt(element, text) {
     alert(text);
     element.focus();
 }
 
-// Shows an alert on the page itself, once.
+// Shows an alert on the page, below `element`. Does nothing if it is already there.
 function alertBelow(element, id, text) {
     if (!document.getElementById(id)) {
         const alert = document.createElement("p");
@@ -49,29 +49,28 @@ function alertBelow(element, id, text) {
     }
 }
 
-// The longest text of a file that a question or a result shows, in characters.
+// The maximum length in characters of a file's text in a question or a result.
 const LONGEST_OF_FILE = 80;
 
-// Returns a text that the program did not make, in one line, so that it cannot look like a part of the
-// question or the result around it: white space is folded, and characters that control, turn or hide
-// what surrounds them become visible ones.
+// Returns a foreign text as one line that cannot be mistaken for part of the question or result around
+// it: white space is collapsed, and control and formatting characters are replaced by a visible one.
 function inOneLine(text) {
     return text.replaceAll(/\s+/g, " ").trim().replaceAll(/[\p{Cc}\p{Cf}]/gu, "\ufffd");
 }
 
-// Returns a text of an uploaded file in one line of a readable length.
+// Returns a text of an uploaded file as one line, truncated to a readable length.
 function shortLine(text) {
     const characters = [...inOneLine(text)];
     return characters.length > LONGEST_OF_FILE
         ? `${characters.slice(0, LONGEST_OF_FILE).join("")}…` : characters.join("");
 }
 
-// Returns `text` with `values` in place of #1, #2 and so on.
+// Returns `text` with #1, #2 and so on replaced by `values`.
 function fill(text, ...values) {
     return text.replaceAll(/#(\d)/g, (mark, number) => values[number - 1]);
 }
 
-// Keeps the name of the uploaded file for the pages that follow; the board does not.
+// Stores the name of the uploaded file for the next pages, because the board does not.
 function rememberFileName(name) {
     sessionStorage.setItem("uploadedFile", name);
 }
@@ -81,13 +80,13 @@ function uploadedFileName() {
     return shortLine(sessionStorage.getItem("uploadedFile") ?? "");
 }
 
-// Keeps what a restore was asked to do for the page that shows its outcome. `plan` is a list of
-// captions, each with its values; null forgets it.
+// Stores the requested restore for the page that shows its outcome. `plan` is a list of captions, each
+// with its values; null removes the stored one.
 function rememberPlan(plan) {
     sessionStorage.setItem("restorePlan", JSON.stringify(plan));
 }
 
-// Lists below the notice of a restore what it was asked to do, once.
+// Lists the requested restore in the notice of its outcome, and removes the stored plan.
 function showPlan(heading) {
     const plan = JSON.parse(sessionStorage.getItem("restorePlan"));
     const notice = document.querySelector(".notice");
@@ -110,24 +109,24 @@ function showPlan(heading) {
     }
 }
 
-// Tells this browser's other windows which staged file is the newest; "" for none.
+// Announces the current staged file, or "" for none, to this browser's other windows.
 function announceFile(file) {
     localStorage.setItem("stagedFile", file);
 }
 
-// Calls `tell` as soon as another window has staged another file than `file`, or discarded it.
-function watchFile(file, tell) {
-    const look = () => {
+// Calls `onChange` when another window has staged a file other than `file`, or discarded it.
+function watchFile(file, onChange) {
+    const check = () => {
         if (localStorage.getItem("stagedFile") !== file) {
-            tell();
+            onChange();
         }
     };
-    window.addEventListener("storage", look);
-    window.addEventListener("pageshow", look);
+    window.addEventListener("storage", check);
+    window.addEventListener("pageshow", check);
 }
 
-// Starts the download of a backup. `path` contains the file's name as it is, which may itself contain
-// "filename=", so it is made safe for a link here.
+// Starts the download of a backup. `path` contains the file name unencoded, so it is encoded here. The
+// name may itself contain "filename=".
 function startDownload(link, path) {
     const field = "filename=";
     const nameStart = path.indexOf(field) + field.length;
@@ -137,8 +136,8 @@ function startDownload(link, path) {
     window.location.href = link.href;
 }
 
-// Runs the page's load function, and its preparations again when the browser shows the page from
-// its memory.
+// Runs `load` when the page is loaded, and `prepare` when the browser shows it again from its
+// back/forward cache.
 function runWhenShown(load, prepare) {
     window.addEventListener("load", load);
     window.addEventListener("pageshow", (event) => {

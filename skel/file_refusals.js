@@ -1,4 +1,4 @@
-// Why the board would refuse a file, in its own words.
+// The board's messages for the files that it refuses.
 const refusals = {
     empty: "{{message 33-1028|script}}",
     large: "{{message 63-1028|script}}",

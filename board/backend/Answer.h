@@ -9,17 +9,17 @@
 
 namespace VeskLib::Board {
 
-// What a client gets: a reply, and how much of it when it is to go wrong.
+// A reply to a client. If a fault switch asks for it, only a part is sent.
 struct Answer {
     Answer(Host::ReplyFrame reply) : reply(std::move(reply)) {}  // NOLINT: a reply is an answer
 
     Host::ReplyFrame reply;
-    // When set, so many bytes of the frame leave, and then the connection ends. Nothing at all
-    // leaves for 0, and the connection stays until the client ends it.
+    // If set, only this many bytes of the frame are sent, and the connection is closed. For 0, the
+    // connection stays open until the client closes it.
     std::optional<std::size_t> sentBytes;
 };
 
-// Returns whether the client of a request is still there to take the answer.
+// Returns true if a request's client is still connected.
 using IsAwaited = std::function<bool()>;
 
 // Called by several threads at once.

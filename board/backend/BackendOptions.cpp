@@ -8,10 +8,10 @@ namespace VeskLib::Board {
 
 const char* const USAGE =
     "usage: efi_backend --root DIR --board FILE [--host NAME]... [--allow-faults]\n"
-    "  --root DIR      the folder under which the board's files lie\n"
+    "  --root DIR      the root folder of the board's files\n"
     "  --board FILE    the board description (TOML)\n"
-    "  --host NAME     a name that the board answers to, beside those of its description\n"
-    "  --allow-faults  takes the orders of boardctl, for tests and demonstrations only\n";
+    "  --host NAME     a host name of the board, in addition to those of its description\n"
+    "  --allow-faults  accept the orders of boardctl; only for tests and demonstrations\n";
 
 bool readOptions(int argc, char** argv, BackendOptions& options, std::string& error) {
     for (int i = 1; i < argc; ++i) {
@@ -35,7 +35,7 @@ bool readOptions(int argc, char** argv, BackendOptions& options, std::string& er
         if (argument == "--host") {
             options.hosts.push_back(Host::normaliseHostName(argv[i]));
             if (options.hosts.back().empty()) {
-                error = std::string(argv[i]) + " is no name of a host";
+                error = std::string(argv[i]) + " is not a host name";
                 return false;
             }
             continue;

@@ -6,16 +6,17 @@
 namespace VeskLib::Board {
 
 struct BackendOptions {
-    std::string root;                // --root: everything of the board lies under it
+    std::string root;                // --root: the root folder of the board's files
     std::string boardFile;           // --board: the board description
-    std::vector<std::string> hosts;  // --host: further names, normalised
-    bool allowFaults = false;        // --allow-faults: boardctl may make the back-end go wrong
+    std::vector<std::string> hosts;  // --host: additional host names, normalised
+    bool allowFaults = false;        // --allow-faults: accept the orders of boardctl
     bool help = false;               // --help
 };
 
 extern const char* const USAGE;
 
-// False, with `error` filled and `options` unspecified, when the arguments make no sense.
+// Parses the command line. Returns false, with a message in `error` and `options` unspecified, if
+// it is not valid.
 bool readOptions(int argc, char** argv, BackendOptions& options, std::string& error);
 
 }  // namespace VeskLib::Board

@@ -9,7 +9,7 @@
 
 namespace VeskLib::Board {
 
-// What a board description file says; docs/board-description.md gives its format.
+// The contents of a board description file; docs/board-description.md describes the format.
 
 struct SystemBoard {
     bool installed = false;
@@ -34,26 +34,26 @@ struct User {
 struct BoardDescription {
     using Boards = std::array<bool, Host::BOARDS_OF_A_KIND>;
 
-    std::vector<PartitionDescription> partitions;  // one for each number that is possible
+    std::vector<PartitionDescription> partitions;  // one for each possible number
     std::array<SystemBoard, Host::BOARDS_OF_A_KIND> systemBoards;
-    Boards ioBoards = {};  // installed ones
+    Boards ioBoards = {};  // true if installed
     Boards gspBoards = {};
     std::vector<User> users;
-    std::string name;                    // how people tell this board from others
-    std::vector<std::string> hostNames;  // as Host::normaliseHostName() gives them
-    std::string syslogSocket;            // where the audit log is sent as well; may be empty
+    std::string name;                    // shown to people
+    std::vector<std::string> hostNames;  // as Host::normaliseHostName() returns them
+    std::string syslogSocket;            // to which the audit log is also sent; may be empty
 
-    // Null when there is no such user.
+    // Returns null if there is no such user.
     const User* findUser(const std::string& name) const;
 
     bool isInstalled(unsigned int partition) const;
 
-    // The version that a partition runs: that of its home board, "-" when it has none.
+    // Returns the BIOS version of the partition's home board; "-" if it has none.
     std::string biosVersionOf(const PartitionDescription& partition) const;
 };
 
 // Reads a description. Throws std::runtime_error with "FILE:LINE:COLUMN: what is wrong", or without
-// a position when the file cannot be read.
+// a position if the file cannot be read.
 BoardDescription loadBoardDescription(const std::string& path);
 
 }  // namespace VeskLib::Board

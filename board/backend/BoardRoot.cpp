@@ -28,7 +28,7 @@ const char* const STATE_FILE = "/var/lib/board/configurations";
 const char* const ROOT_LOCK = "/var/lib/board/backend.lock";
 const char* const RESTORE_LOCK = "/var/lib/board/restore.lock";
 
-// What lies here is this board's alone.
+// Only the board's user may access its folders.
 const mode_t FOLDER_MODE = 0700;
 const mode_t OTHERS_WRITE = S_IWGRP | S_IWOTH;
 const int PROPERTIES_MODE = 0600;
@@ -45,7 +45,7 @@ void needFolder(const std::string& path) {
     if (!S_ISDIR(status.st_mode)) {
         throw std::runtime_error("cannot use " + path + ": it is not a folder");
     }
-    // Whoever may put files there can have the board read and replace what is theirs.
+    // Anybody who can write there could make the board use their files in place of its own.
     if (status.st_uid != ::geteuid()) {
         throw std::runtime_error("cannot use " + path + ": it belongs to another user");
     }
@@ -92,8 +92,8 @@ void publish(const char* file, const std::vector<unsigned char>& bytes) {
     }
 }
 
-// A line of the web server's configuration: the pattern that each Host fits that the board answers
-// to. HTTP/1.0 has no Host.
+// Returns a line of the web server's configuration: a pattern that matches each Host that the board
+// accepts. It also matches an empty one, because HTTP/1.0 has no Host.
 std::vector<unsigned char> hostPattern(const std::vector<std::string>& hosts) {
     std::string pattern;
     for (const std::string& host : hosts) {

@@ -6,13 +6,13 @@
 
 namespace VeskLib::Board {
 
-// The part of the board's root that is the back-end's. At most one object per root exists on the
-// machine: the folder is locked while it lives.
+// The back-end's part of the board's root folder. The root is locked during the object's life, so
+// that only one back-end uses it.
 class BoardRoot {
 public:
-    // Makes the folders that are missing under `root`, which must exist, locks it, and removes what
-    // a killed back-end left half written. Sets BOARD_ROOT for this process. Throws
-    // std::runtime_error with one line that says what is wrong.
+    // Creates missing folders under `root`, which must exist, locks it, and removes files that a
+    // killed back-end left incomplete. Sets BOARD_ROOT for this process. Throws std::runtime_error
+    // with a one-line message on failure.
     explicit BoardRoot(const std::string& root);
     BoardRoot(const BoardRoot&) = delete;
     BoardRoot& operator=(const BoardRoot&) = delete;
@@ -22,8 +22,8 @@ public:
     std::string restoreLockPath() const;
     std::string socketPath() const;
 
-    // Tells the other processes of the board what they must know of it, and the web server the
-    // names that it may be called by. Throws std::runtime_error when a file cannot be written.
+    // Writes the board's properties for its other processes, and its host names for the web server.
+    // Throws std::runtime_error if a file cannot be written.
     void publishProperties(const Host::BoardProperties& properties) const;
 
 private:

@@ -27,21 +27,8 @@ namespace {
 
 const std::size_t LONGEST_ORDER = 200;  // in the audit log; longer ones are malformed
 
-std::vector<unsigned char> serialize(const VeskUi::SerializableObject& object) {
-    std::vector<unsigned char> bytes(object.getSerializedSize());
-    object.getSerialized(bytes.data(), static_cast<unsigned int>(bytes.size()));
-    return bytes;
-}
-
-template <typename Packet>
-std::vector<unsigned char> makePacket(const BoardDescription& description) {
-    Packet packet;
-    fillPacket(description, packet);
-    return serialize(packet);
-}
-
-// The object that the payload holds; exactly that, because a client that sends more than it means
-// to cannot be trusted to mean what it sends.
+// Returns the object in the payload. Throws Refusal if it is malformed or other bytes follow,
+// because such a request is not to be trusted.
 template <typename Object>
 Object readPayload(const std::vector<unsigned char>& payload) {
     Object object;
@@ -72,8 +59,9 @@ Host::AuditEvent makeEvent(const char* name, const Host::RequestFrame& request) 
     return event;
 }
 
-// The programs that send changes have checked the same; nothing that reaches the socket is believed
-// because of that. Fills in who it is.
+// Checks the user's right and fills in the event's user and session. The programs that request
+// changes have checked the right already, but the back-end does not rely on what reaches its
+// socket. Throws Refusal if the right is missing.
 void requireRight(const BoardDescription& description, const std::string& sessionIdentifier,
                   int function, Host::AuditEvent& event) {
     Host::Session session;
@@ -94,7 +82,7 @@ void appendOrRefuse(const Host::AuditEvent& event) {
     try {
         Host::record(event);
     } catch (const PException&) {
-        throw Refusal{Host::BACKEND_NOT_RECORDED, "the audit log takes no line"};
+        throw Refusal{Host::BACKEND_NOT_RECORDED, "the audit log cannot be written"};
     }
 }
 
@@ -143,16 +131,7 @@ BoardService::Bytes BoardService::get(const Host::RequestFrame& request) const {
     if (!request.payload.empty()) {
         throw Refusal{Host::BACKEND_MALFORMED_REQUEST, "a payload where none belongs"};
     }
-    switch (request.number) {
-        case VeskUi::GET_PARTITION_INFO:
-            return makePacket<VeskUi::PartitionInfoPacket>(description);
-        case VeskUi::GET_HARD_INSTALL_INFO:
-            return makePacket<VeskUi::HardInstallInfoPacket>(description);
-        case VeskUi::GET_VERSION_INFO:
-            return makePacket<VeskUi::VersionInfoPacket>(description);
-        default:
-            throw Refusal{Host::BACKEND_UNKNOWN_REQUEST, "nothing to get under this number"};
-    }
+    return packetFor(request.number, description);
 }
 
 void BoardService::set(const Host::RequestFrame& request, const IsAwaited& isAwaited) {
@@ -170,7 +149,7 @@ void BoardService::set(const Host::RequestFrame& request, const IsAwaited& isAwa
                      isBackup ? Host::BACKUP_FUNCTION : Host::RESTORE_FUNCTION, event);
         isBackup ? backup(request, event) : restore(request, isAwaited, event);
     } catch (const Refusal& refusal) {
-        // One that got so far that its result is known has its lines.
+        // An event with a result has been recorded already.
         if (event.result.empty()) {
             event.result = "refused";
             event.code = refusal.code;
@@ -196,7 +175,7 @@ BoardService::Bytes BoardService::login(const Host::RequestFrame& request) {
     }
     const User* user = authenticator.authenticate(login.user, login.password);
     if (user == nullptr) {
-        // Not even the name is logged: people type their password into the wrong field.
+        // The name is not logged, because people type passwords into the wrong field.
         throw Refusal{Host::BACKEND_LOGIN_REFUSED, "wrong name or password"};
     }
     pass.succeeded();

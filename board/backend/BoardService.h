@@ -23,12 +23,12 @@ public:
     BoardService(const BoardDescription& description, ConfigurationStore& store,
                  FaultSwitches& switches, std::string restoreLockPath);
 
-    // Carries `request` out. A refused request is logged with its reason. A restore whose client is
-    // gone before it takes effect is refused.
+    // Carries out `request` and returns the reply. Logs a refused request with the reason. Refuses
+    // a restore if its client disconnects before it takes effect.
     Host::ReplyFrame answer(
         const Host::RequestFrame& request, const IsAwaited& isAwaited = [] { return true; });
 
-    // No login waits any more: the back-end ends.
+    // Refuses waiting logins. Called when the back-end ends.
     void end() { throttle.end(); }
 
 private:

@@ -14,7 +14,7 @@ namespace {
 
 const int STATE_FILE_MODE = 0600;
 
-// False when there is no state file yet.
+// Returns false if there is no state file yet. Throws std::runtime_error if it cannot be used.
 bool load(const std::string& path, Payloads& payloads) {
     std::vector<unsigned char> bytes;
     if (!Host::readFile(path, std::numeric_limits<std::size_t>::max(), bytes)) {
@@ -31,7 +31,7 @@ bool load(const std::string& path, Payloads& payloads) {
     return true;
 }
 
-// Whether the file holds exactly these bytes; keeps errno.
+// Returns true if the file contains exactly these bytes. Preserves errno.
 bool holds(const std::string& path, const std::vector<unsigned char>& bytes) {
     const int reason = errno;
     std::vector<unsigned char> found;
@@ -82,11 +82,10 @@ std::shared_ptr<const Payloads> ConfigurationStore::snapshot() const {
 }
 
 bool ConfigurationStore::store(Payloads changed, const std::function<bool()>& isWanted) {
-    // All memory is taken before the file is touched: file and memory must not come apart.
+    // Everything is allocated before the file is written, so that file and memory cannot diverge.
     auto next = std::make_shared<const Payloads>(std::move(changed));
     const std::vector<unsigned char> bytes = encode(*next);
-    // A folder that cannot be synced leaves the new file in place all the same, and what lies in
-    // the file is what the partitions hold.
+    // If only syncing the folder failed, the new file is in place all the same, and counts.
     if (!Host::replaceFile(path, bytes, STATE_FILE_MODE, isWanted) && !holds(path, bytes)) {
         return false;
     }

@@ -12,22 +12,23 @@
 
 namespace VeskLib::Board {
 
-// Keeps what each partition holds in one file, which is replaced as a whole. A change of several
-// partitions is therefore on the disk either completely or not at all, whenever the process ends.
+// Stores the configurations of all partitions in one file, which is replaced atomically. A change
+// of several partitions is therefore on the disk either completely or not at all, whenever the
+// process ends.
 //
 // May be used by several threads at once.
 class ConfigurationStore {
 public:
-    // Opens the state file `path` and gives every installed partition that it does not hold its
-    // initial configuration. What it holds of other partitions is kept. Throws std::runtime_error
-    // when the file is damaged, or cannot be read or written.
+    // Opens the state file `path`. Installed partitions that it does not contain get their initial
+    // configuration; entries of other partitions are kept. Throws std::runtime_error if the file is
+    // damaged, or cannot be read or written.
     ConfigurationStore(std::string path, const BoardDescription& description);
 
-    // The configuration of `partition`, as it is now; empty when the store does not hold it.
+    // Returns the current configuration of `partition`; empty if the store has none.
     std::vector<unsigned char> read(unsigned int partition) const;
 
-    // Gives all of `partitions` the configuration `payload`. `isWanted` is asked directly before
-    // that takes effect. Returns false, and none of them is changed, when it is not wanted any more
+    // Gives all `partitions` the configuration `payload`. Calls `isWanted` immediately before the
+    // change takes effect. Returns false and changes none of them if the change is no longer wanted
     // or cannot be stored.
     bool replace(
         const std::set<unsigned int>& partitions, const std::vector<unsigned char>& payload,
@@ -39,7 +40,7 @@ private:
 
     const std::string path;
     std::mutex writing;        // one change at a time
-    mutable std::mutex guard;  // of `current`; never held while the disk is waited for
+    mutable std::mutex guard;  // of `current`; never locked during disk access
     std::shared_ptr<const Payloads> current;
 };
 

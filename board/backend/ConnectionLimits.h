@@ -5,20 +5,20 @@
 namespace VeskLib::Board {
 
 struct ConnectionLimits {
-    // 64, and as many more as there are logins that wait (LoginQueue::MOST_WAITING).
+    // 64, plus the logins that may wait (LoginQueue::MOST_WAITING).
     std::size_t connections = 112;
-    // So many threads wait for the next clients, so that few clients have to wait for a thread.
+    // Threads that wait for new clients, so that few clients have to wait for a thread.
     std::size_t idleWorkers = 4;
-    // A connection that sends no whole request for so long is ended.
+    // A connection that sends no complete request for this long is closed.
     int requestMilliseconds = 30000;
-    // For a client that does not take its reply.
+    // The time for a client to receive its reply.
     int replyMilliseconds = 10000;
-    // When all connections are taken and another client waits, the one that has sent nothing for
-    // the longest time makes room, if it is that long: long enough for a program that a busy
-    // machine keeps from going on between two requests, and well within the time that the other one
-    // waits.
+    // If all connections are in use and another client waits, the connection that has been silent
+    // the longest is closed, provided that it has been silent for this long. That is enough for a
+    // program that a busy machine delays between two requests, and well within the time that the
+    // other client waits.
     int quietMilliseconds = 3000;
-    // At the end, for requests under way.
+    // The time for current requests to finish when the back-end ends.
     int endMilliseconds = 2000;
 };
 

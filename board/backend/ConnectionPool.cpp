@@ -19,11 +19,11 @@ using Clock = std::chrono::steady_clock;
 
 namespace {
 
-// How long to look away from new clients when there is no room for one.
+// How long to ignore new clients when there is no room for one.
 const int FULL_MILLISECONDS = 20;
 const int NO_LIMIT = -1;
 
-// Whether a client has not been taken yet.
+// Returns true if a client is waiting to be accepted.
 bool someoneWaits(int listener, int milliseconds) {
     pollfd waited = {listener, POLLIN, 0};
     return ::poll(&waited, 1, milliseconds) > 0;
@@ -38,8 +38,8 @@ ConnectionPool::ConnectionPool(int listener, RequestHandler handler, const Conne
 ConnectionPool::~ConnectionPool() {
     std::unique_lock<std::mutex> lock(guard);
     ending = true;
-    ::shutdown(listener, SHUT_RDWR);  // sends the idle workers home
-    // No more requests; the replies of those under way still go out.
+    ::shutdown(listener, SHUT_RDWR);  // wakes idle workers so that they exit
+    // No more requests are received; replies to current ones are still sent.
     shutDownClients(SHUT_RD);
     finished.wait_for(lock, std::chrono::milliseconds(limits.endMilliseconds),
                       [this] { return allFinished(); });
@@ -66,7 +66,8 @@ void ConnectionPool::run(int stopDescriptor) {
     }
 }
 
-// False when there is no idle worker: all connections are taken, or no thread can be started.
+// Starts workers as needed. Returns false if none is idle, because all connections are in use or no
+// thread can be started.
 bool ConnectionPool::keepIdleWorkers() {
     const std::scoped_lock lock(guard);
     joinFinished();
@@ -89,7 +90,7 @@ bool ConnectionPool::startWorker() {
         threadsFail = false;
         return true;
     } catch (const std::exception& failure) {
-        // No thread, or no memory for one. It is tried again and again; one line is enough.
+        // No thread, or no memory for one. Logged only once, because it is retried often.
         if (!threadsFail) {
             logFailure("cannot start a thread for clients: ", failure);
         }
@@ -99,7 +100,7 @@ bool ConnectionPool::startWorker() {
     }
 }
 
-// For a client that waits where no worker is idle.
+// Makes room if a client is waiting and no worker is idle.
 void ConnectionPool::makeRoom() {
     const std::scoped_lock lock(guard);
     if (idle > 0 || !someoneWaits(listener, 0)) {
@@ -112,11 +113,11 @@ void ConnectionPool::makeRoom() {
     }
 }
 
-// Where there is no worker at all, nobody else takes the client, and nobody would for long.
+// Closes a client's connection. Without any worker, the client would otherwise wait too long.
 void ConnectionPool::turnAway() const {
     const int client = ::accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
     if (client >= 0) {
-        logFailure("a client is turned away: ", "there is no thread to serve it");
+        logFailure("rejected a client: ", "there is no thread to serve it");
         ::close(client);
     }
 }
@@ -125,7 +126,7 @@ void ConnectionPool::endQuietest() {
     Worker* quietest = nullptr;
     for (Worker& worker : workers) {
         if (worker.state == State::ENDING) {
-            return;  // one is enough
+            return;  // one connection is already ending
         }
         if (worker.state == State::WAITING &&
             (quietest == nullptr || worker.since < quietest->since)) {
@@ -139,7 +140,7 @@ void ConnectionPool::endQuietest() {
     }
 }
 
-// The life of a worker's thread.
+// The main function of a worker's thread.
 void ConnectionPool::work(Worker& worker) {
     do {
         const int client = nextClient();
@@ -149,7 +150,7 @@ void ConnectionPool::work(Worker& worker) {
     } while (release(worker));
 }
 
-// -1 when the pool ends.
+// Waits for a client and returns its descriptor, or -1 when the pool ends.
 int ConnectionPool::nextClient() {
     bool logged = false;
     while (true) {
@@ -159,17 +160,17 @@ int ConnectionPool::nextClient() {
             return client;
         }
         if (!logged) {
-            logFailure("cannot take a client: ", std::strerror(reason));
+            logFailure("cannot accept a client: ", std::strerror(reason));
             logged = true;
         }
-        // Most likely out of descriptors, which the kernel says even when there is no client.
-        // Asking again at once would only burn the processor.
+        // Most likely out of descriptors, which accept4() reports even if no client is waiting.
+        // Retrying at once would only keep the processor busy.
         ::poll(nullptr, 0, FULL_MILLISECONDS);
         someoneWaits(listener, NO_LIMIT);
     }
 }
 
-// The worker is idle no more. False when it has nobody to serve.
+// Marks the worker as no longer idle. Returns false if it has no client to serve.
 bool ConnectionPool::take(Worker& worker, int client) {
     const std::scoped_lock lock(guard);
     worker.client = client;
@@ -186,12 +187,12 @@ void ConnectionPool::serve(Worker& worker) {
                enter(worker, State::WORKING) && conversation.answer()) {
         }
     } catch (const std::exception& failure) {
-        // Most likely out of memory. The client sees its connection end; others are served on.
-        logFailure("a connection is given up: ", failure);
+        // Most likely out of memory. Only this client's connection ends.
+        logFailure("connection aborted: ", failure);
     }
 }
 
-// False when the connection has been asked to make room, which nothing takes back.
+// Sets the worker's state. Returns false if its connection is ending to make room, which is final.
 bool ConnectionPool::enter(Worker& worker, State state) {
     const std::scoped_lock lock(guard);
     if (worker.state == State::ENDING) {
@@ -202,7 +203,7 @@ bool ConnectionPool::enter(Worker& worker, State state) {
     return true;
 }
 
-// Lets the client go. False when the worker is needed no more.
+// Closes the client's connection. Returns false if the worker is no longer needed.
 bool ConnectionPool::release(Worker& worker) {
     const std::scoped_lock lock(guard);
     if (worker.client >= 0) {
@@ -238,7 +239,7 @@ void ConnectionPool::joinFinished() {
         if (worker.state != State::FINISHED) {
             return false;
         }
-        // It has let go of the lock at the latest when it ends, and needs it no more.
+        // Cannot deadlock, because a finished worker does not lock `guard` again.
         worker.thread.join();
         return true;
     });

@@ -13,37 +13,37 @@
 
 namespace VeskLib::Board {
 
-// The connections of the back-end's clients. Each is taken and served by one worker, a thread of
-// its own, so that a slow or silent client holds up nobody else. A few idle workers wait for the
-// next clients, and the kernel wakes one of them for each.
+// The connections of the back-end's clients. Each is accepted and served by one worker, which is a
+// thread, so that a slow or silent client does not delay others. A few idle workers wait for new
+// clients; the kernel wakes one of them for each.
 class ConnectionPool {
 public:
-    // Takes clients from `listener`, a listening socket that blocks. It stays the caller's and must
-    // outlive the pool; the pool shuts it down at its end. Throws std::system_error without a
-    // descriptor of its own.
+    // Accepts clients from `listener`, a blocking listening socket. It is not owned and must
+    // outlive the pool, whose destructor shuts it down. Throws std::system_error if no descriptor
+    // is available.
     ConnectionPool(int listener, RequestHandler handler, const ConnectionLimits& limits);
     ConnectionPool(const ConnectionPool&) = delete;
     ConnectionPool& operator=(const ConnectionPool&) = delete;
 
-    // Takes no more clients and ends every connection; requests under way are still answered.
+    // Accepts no more clients, answers current requests, and closes all connections.
     ~ConnectionPool();
 
-    // Keeps workers there for the clients until `stopDescriptor` becomes readable; sleeps while
-    // there is nothing to do for that. For one thread. A failure is logged and tried again.
+    // Provides workers for the clients until `stopDescriptor` becomes readable; sleeps when there
+    // is nothing to do. Must be called by one thread only. Failures are logged and retried.
     void run(int stopDescriptor);
 
 private:
     enum class State {
         IDLE,      // waits for a client
-        WAITING,   // for a request of its client
-        WORKING,   // on one
-        ENDING,    // asked to make room; a request that comes in the same moment is not begun
-        FINISHED,  // its thread has nothing left to do
+        WAITING,   // waits for a request
+        WORKING,   // processes a request
+        ENDING,    // must make room; a request that arrives now is not processed
+        FINISHED,  // the thread is about to exit
     };
     struct Worker {
         State state = State::IDLE;
-        int client = -1;                              // its descriptor; none while IDLE or FINISHED
-        std::chrono::steady_clock::time_point since;  // when the state began
+        int client = -1;                              // its descriptor; -1 while IDLE or FINISHED
+        std::chrono::steady_clock::time_point since;  // the start of the state
         std::thread thread;
     };
 
@@ -69,7 +69,7 @@ private:
     const int listener;
     const RequestHandler handler;
     const ConnectionLimits limits;
-    const WakeEvent wake;  // for run(): the last idle worker is taken, or one has finished
+    const WakeEvent wake;  // wakes run(): no worker is idle any more, or one has finished
     bool threadsFail = false;
     std::mutex guard;  // of all below
     std::condition_variable finished;

@@ -33,14 +33,15 @@ bool Conversation::answer() {
         sendTorn(answer);
         return false;
     }
-    // Behind a frame that makes no sense nobody knows where the next one begins.
+    // After a malformed frame the connection must end, because the start of the next one is
+    // unknown.
     return Host::sendFrame(descriptor, encode(answer.reply),
                            Host::Deadline(limits.replyMilliseconds)) == StreamResult::DONE &&
            understood;
 }
 
 bool Conversation::isAwaited() const {
-    pollfd client = {descriptor, 0, 0};  // POLLHUP and POLLERR come unasked
+    pollfd client = {descriptor, 0, 0};  // POLLHUP and POLLERR are always reported
     return ::poll(&client, 1, 0) <= 0;
 }
 

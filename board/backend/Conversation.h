@@ -7,17 +7,17 @@
 
 namespace VeskLib::Board {
 
-// The requests of one client and their answers, in turns. For one thread; another may shut the
-// descriptor down, which ends what waits for it. What the handler throws passes through.
+// Receives and answers the requests of one client, one after the other. For one thread, but another
+// may shut down the descriptor, which ends a wait. Exceptions of the handler are passed on.
 class Conversation {
 public:
-    // Everything stays the caller's and must live as long.
+    // All arguments are borrowed and must outlive the object.
     Conversation(int descriptor, const RequestHandler& handler, const ConnectionLimits& limits);
 
-    // Waits for a request. False when none comes: the connection is to end.
+    // Waits for a request. Returns false if none arrives and the connection must be closed.
     bool receive();
 
-    // Answers the request that came. False when the connection is to end.
+    // Answers the received request. Returns false if the connection must be closed.
     bool answer();
 
 private:
@@ -28,7 +28,7 @@ private:
     const RequestHandler& handler;
     const ConnectionLimits& limits;
     std::vector<unsigned char> received;
-    bool whole = false;  // whether `received` is all of a frame
+    bool whole = false;  // true if `received` is a complete frame
 };
 
 }  // namespace VeskLib::Board

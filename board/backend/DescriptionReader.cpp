@@ -22,7 +22,7 @@ namespace VeskLib::Board {
 
 namespace {
 
-// A restore names each target in one byte.
+// A restore gives each target's number in one byte.
 const unsigned int MOST_PARTITIONS = 256;
 const std::size_t LARGEST_DESCRIPTION = 16 * 1024 * 1024;
 const unsigned int LARGEST_NODE_ID = 255;
@@ -42,29 +42,29 @@ std::string functionList(const std::vector<unsigned int>& numbers) {
     return list;
 }
 
-// Hashes without a "$" are those of the oldest method, which takes almost any text for one, also a
-// password that somebody forgot to hash.
+// Hashes without "$" belong to the oldest method, which accepts almost any text as a hash, even a
+// password that was not hashed.
 bool isPasswordHash(const std::string& hash) {
     const int verdict = ::crypt_checksalt(hash.c_str());
     return hash.starts_with('$') &&
            (verdict == CRYPT_SALT_OK || verdict == CRYPT_SALT_METHOD_LEGACY);
 }
 
-// Whoever has a hash can try passwords against it, as many as the method allows. These methods make
-// each try expensive and take the whole password, of which bcrypt takes only 72 bytes.
+// Anybody with a hash can try passwords against it, as fast as the method allows. These methods
+// make each try expensive and use the whole password, whereas bcrypt uses only 72 bytes.
 bool isStrongHash(const std::string& hash) {
     const std::string_view SHA512 = "$6$";
     const std::string_view ROUNDS = "$6$rounds=";
     if (hash.starts_with(ROUNDS)) {
-        // Without the parameter there are as many as it takes.
+        // Without the parameter, the default applies, which is this minimum.
         return std::strtoul(hash.c_str() + ROUNDS.size(), nullptr, 10) >= FEWEST_SHA512_ROUNDS;
     }
     return hash.starts_with("$y$") || hash.starts_with("$gy$") || hash.starts_with("$7$") ||
            hash.starts_with(SHA512);
 }
 
-// The hashes of the passwords are in the file: who reads them can try passwords without anybody
-// noticing, and who writes them can log in.
+// The file contains the password hashes. Anybody who can read it can try passwords unnoticed, and
+// anybody who can write it can log in.
 void needPrivateFile(int file, const std::string& path) {
     struct stat status = {};
     if (::fstat(file, &status) != 0) {
@@ -112,7 +112,7 @@ void DescriptionReader::readHostNames(DescriptionTable& table) {
     for (const std::string& text : table.readTexts("host_names", Host::LONGEST_HOST_NAME)) {
         const std::string name = Host::normaliseHostName(text);
         if (name.empty()) {
-            table.fail("host_names", "\"" + text + "\" is no name of a host, without a port");
+            table.fail("host_names", "\"" + text + "\" is not a host name without a port");
         }
         description.hostNames.push_back(name);
     }
@@ -180,7 +180,7 @@ void DescriptionReader::readUser(DescriptionTable& table) {
     User user;
     user.name = table.readText("name", LONGEST_USER_NAME);
     if (user.name.empty() || !userNames.insert(user.name).second) {
-        table.fail("name", "a user needs a name of his own");
+        table.fail("name", "a user needs a unique name");
     }
     user.passwordHash = table.readText("password_hash", CRYPT_OUTPUT_SIZE);
     if (!isPasswordHash(user.passwordHash)) {
@@ -198,7 +198,8 @@ void DescriptionReader::readUser(DescriptionTable& table) {
 BoardDescription loadBoardDescription(const std::string& path) {
     try {
         const std::string text = readText(path);
-        // Without the path, which the library copies where it cannot report a lack of memory.
+        // Parsed without the path, because the library copies it where it cannot report a lack of
+        // memory.
         const toml::table parsed = toml::parse(std::string_view(text));
         DescriptionTable table(path, parsed);
         return DescriptionReader().read(table);

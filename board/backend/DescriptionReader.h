@@ -8,10 +8,10 @@
 
 namespace VeskLib::Board {
 
-// Turns a parsed board description into a BoardDescription. Used once.
+// Converts a parsed board description into a BoardDescription. For one use only.
 class DescriptionReader {
 public:
-    // Throws std::runtime_error as loadBoardDescription() does.
+    // Throws std::runtime_error like loadBoardDescription().
     BoardDescription read(DescriptionTable& table);
 
 private:

@@ -6,7 +6,7 @@ namespace VeskLib::Board {
 
 namespace {
 
-// Takes one of `times`; false when there is none.
+// Decrements `times`. Returns false if it is 0.
 bool takeOne(unsigned int& times) {
     if (times == 0) {
         return false;

@@ -9,44 +9,44 @@
 
 namespace VeskLib::Board {
 
-// What goes wrong with the replies of a running back-end because somebody asked for it, for tests
-// and demonstrations. Everything is off at the start. May be used by several threads at once.
+// The faults of a running back-end that boardctl has asked for, for tests and demonstrations. All
+// are off at the start. May be used by several threads at once.
 class FaultSwitches {
 public:
-    // `allowed` says whether orders are taken, which only tests and demonstrations want.
+    // `allowed` must be true only for tests and demonstrations.
     explicit FaultSwitches(bool allowed = false) : allowed(allowed) {}
 
     bool areAllowed() const { return allowed; }
 
-    // What is to happen to one request.
+    // The fault of one request.
     struct Fault {
-        bool refused = false;  // not carried out, but answered with `errorCode`
+        bool refused = false;  // not carried out but answered with `errorCode`
         std::uint32_t errorCode = 0;
-        // When set, the request is carried out, but only so many bytes of the reply leave.
+        // If set, the request is carried out, but only this many bytes of the reply are sent.
         std::optional<std::size_t> sentBytes;
     };
 
-    // The fault of the request that has just come, which counts as one of those asked for. Returns
-    // late when that is the fault.
+    // Returns the fault for a new request and counts it as used. Returns late if the fault is a
+    // delay.
     Fault next(std::uint32_t requestNumber);
 
-    // Nobody waits any more: the back-end ends.
+    // Ends all delays. Called when the back-end ends.
     void end();
 
-    // The orders. `times` is how many requests they are for.
+    // The orders. Each applies to the next `times` requests.
     void refuse(std::uint32_t requestNumber, std::uint32_t errorCode, unsigned int times);
     void delay(int milliseconds, unsigned int times);
     void silence(unsigned int times);
     void tear(std::size_t replyBytes, unsigned int times);
     void reset();
 
-    // A partition is running, or not, from now on, whatever the board description says.
+    // Makes a partition appear running or not, whatever the board description says.
     void setRunning(unsigned int partition, bool isOn);
 
-    // Whether the partition is running; `described` is what the board description says.
+    // Returns true if the partition is running; `described` is the board description's value.
     bool isRunning(unsigned int partition, bool described) const;
 
-    // The orders still to be carried out, a line each; empty when there is none.
+    // Returns the orders that still apply, one line each; empty if there are none.
     std::string describe() const;
 
 private:

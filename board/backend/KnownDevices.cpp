@@ -17,7 +17,7 @@ bool KnownDevices::isKnown(const std::string& account, const std::string& device
     if (device.empty()) {
         return false;
     }
-    // Sums are compared, so that the time it takes tells nothing about the names.
+    // Compares sums, so that the time it takes reveals nothing about the names.
     const std::string sum = Host::sha256Hex(device);
     const std::scoped_lock lock(guard);
     const auto found = std::find_if(devices.begin(), devices.end(), [&](const Device& each) {
@@ -38,7 +38,7 @@ std::string KnownDevices::add(const std::string& account) {
     return device;
 }
 
-// Makes the lists as short as they may be, after one was added to `account`.
+// Removes devices beyond the limits, after one was added to `account`.
 void KnownDevices::forgetOldest(const std::string& account) {
     std::size_t ofAccount = 0;
     devices.remove_if([&](const Device& each) {

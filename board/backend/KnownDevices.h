@@ -7,20 +7,20 @@
 
 namespace VeskLib::Board {
 
-// The browsers that have logged in to an account before. Each has a random name for each account,
-// of which only the SHA-256 sum is remembered, until the back-end ends. May be used by several
-// threads.
+// The browsers that have logged in to an account before. Each has a random name per account; only
+// the SHA-256 sum of the name is stored, until the back-end ends. May be used by several threads.
 class KnownDevices {
 public:
-    // Beyond these, the ones that have not been used for the longest time are forgotten.
+    // Beyond these numbers, the least recently used devices are removed.
     static constexpr std::size_t MOST_OF_ACCOUNT = 32;
     static constexpr std::size_t MOST_DEVICES = 4096;
 
-    // Whether `device` was made for this account and is still remembered.
+    // Returns true if `device` was made for this account and is still stored.
     bool isKnown(const std::string& account, const std::string& device);
 
-    // The name of a browser that has just logged in. One that a browser brings is never taken over,
-    // because another may know it. Throws PException without random numbers.
+    // Returns a new name for a browser that has just logged in. A name that a browser sends is
+    // never adopted, because another browser may know it. Throws PException if there are no random
+    // numbers.
     std::string add(const std::string& account);
 
 private:
@@ -32,7 +32,7 @@ private:
     void forgetOldest(const std::string& account);
 
     std::mutex guard;
-    std::list<Device> devices;  // the last used first
+    std::list<Device> devices;  // the most recently used first
 };
 
 }  // namespace VeskLib::Board

@@ -10,12 +10,12 @@ namespace VeskLib::Board {
 
 namespace {
 
-// Longer names and addresses do not exist; what is cut off them takes no memory.
+// Longer names and addresses do not exist, and are cut to save memory.
 const std::size_t LONGEST_ACCOUNT = 256;
 const std::size_t LONGEST_ADDRESS = 64;
 const std::size_t NETWORK_BYTES = 8;
 
-// Everybody who has one IPv6 address has the 2^64 of its network, which count as one.
+// Anybody with one IPv6 address has all 2^64 of its network, which therefore count as one.
 std::string sourceOf(const std::string& address) {
     in6_addr binary = {};
     if (::inet_pton(AF_INET6, address.c_str(), &binary) == 1 && !IN6_IS_ADDR_V4MAPPED(&binary)) {
@@ -24,7 +24,7 @@ std::string sourceOf(const std::string& address) {
     return address.substr(0, LONGEST_ADDRESS);
 }
 
-// A name is at most so long that the two parts of a key cannot be mistaken.
+// Joins two texts. The length of the first makes keys of different pairs different.
 std::string keyOf(const std::string& account, const std::string& other) {
     return std::to_string(account.size()) + ":" + account + other;
 }
@@ -97,7 +97,7 @@ void LoginQueue::leave(Entry& entry, bool succeeded, Time now) {
                 devices.fill(attempt.device);
             }
         } else if (succeeded) {
-            // Only what this user has used up here: others may be guessing at the same time.
+            // Returns only this attempt's token, because others may be guessing at the same time.
             accounts.giveBack(attempt.account);
             pairs.fill(entry.pair);
         } else {
@@ -149,8 +149,8 @@ void LoginQueue::refuseOldest(const std::string& group) {
     }
 }
 
-// Of several that are as large, the one that has waited longest. Known browsers have few anyway and
-// make room only where nobody else waits.
+// Returns the largest group; of several, the one that has waited longest. Known browsers, which
+// have few attempts anyway, make room only if nobody else is waiting.
 std::string LoginQueue::largestGroup() const {
     std::string largest;
     std::size_t most = 0;
@@ -166,7 +166,7 @@ std::string LoginQueue::largestGroup() const {
     return largest;
 }
 
-// When the entry may be admitted at the earliest.
+// Returns the earliest time at which the entry may be admitted.
 LoginQueue::Time LoginQueue::admissible(const Entry& entry) const {
     const LoginAttempt& attempt = entry.attempt;
     if (!attempt.device.empty()) {
@@ -175,8 +175,8 @@ LoginQueue::Time LoginQueue::admissible(const Entry& entry) const {
     return std::max({entry.from, accounts.nextToken(attempt.account), pairs.nextToken(entry.pair)});
 }
 
-// What the order depends on, the most important first; the lesser comes first. A program that tries
-// one wrong password again and again, or that is no browser, gives way to the others.
+// Returns the entry's sort key, most significant part first; the smallest key is admitted first. A
+// client that repeats one wrong password, or that is not a browser, comes after the others.
 std::array<LoginQueue::Time, 4> LoginQueue::rank(const Entry& entry, Time now) const {
     const LoginAttempt& attempt = entry.attempt;
     return {attempt.device.empty() ? Time::max() : Time::min(), pairs.fullFrom(entry.pair, now),
@@ -184,8 +184,8 @@ std::array<LoginQueue::Time, 4> LoginQueue::rank(const Entry& entry, Time now) c
             attempt.browser.empty() ? Time::max() : browsers.fullFrom(attempt.browser, now)};
 }
 
-// The entry to be admitted at `now`; null when there is none. Of equals it is the newest, which is
-// the last: who floods the queue would otherwise always be there before the others.
+// Returns the entry to admit at `now`, or null. Of equal entries it is the newest, which is the
+// last, because a client that floods the queue would otherwise always come first.
 LoginQueue::Entry* LoginQueue::next(Time now) {
     Entry* best = nullptr;
     if (atWork < MOST_AT_WORK) {

@@ -10,52 +10,53 @@
 
 namespace VeskLib::Board {
 
-// Who asks to be let in.
+// A request to log in.
 struct LoginAttempt {
-    std::string account;  // the name that was typed, whether or not there is such a user
+    std::string account;  // the name as typed, whether or not there is such a user
     std::string address;
     std::string device = {};   // of a browser that has logged in to this account before
-    std::string browser = {};  // what any other browser calls itself
-    std::string guess = {};    // equal for equal passwords, and mostly different for others
+    std::string browser = {};  // the name that any other browser sends
+    std::string guess = {};    // the same for the same password, and mostly different for others
 };
 
-// Decides which logins are looked at, in which order and when, so that passwords cannot be guessed
-// quickly and whoever knows the right one still gets in. Has no clock and no threads of its own:
-// see LoginThrottle.
+// Decides which logins are checked, in which order and when, so that passwords cannot be guessed
+// quickly and users who know theirs still get in. Has neither a clock nor threads: see
+// LoginThrottle.
 //
-// Attempts at one account are counted over all addresses, and once more by address, so that one
-// address alone never takes what the account has. A browser that has logged in to the account
-// before is counted by itself only. An attempt for which nothing is left waits.
+// Attempts at an account are counted over all addresses, and also per address, so that one address
+// cannot use up what the account has. A browser that has logged in to the account before is only
+// counted by itself. An attempt without a free token waits.
 class LoginQueue {
 public:
     using Clock = TokenBuckets::Clock;
     using Time = TokenBuckets::Time;
     using Duration = Clock::duration;
 
-    // Attempts that are free, and how long it takes until there is one more.
+    // The number of free attempts, and the time until there is one more.
     static constexpr int ACCOUNT_ATTEMPTS = 10;
     static constexpr std::chrono::milliseconds ACCOUNT_INTERVAL{6000};
-    static constexpr int ADDRESS_ATTEMPTS = 5;  // of one address at one account
+    static constexpr int ADDRESS_ATTEMPTS = 5;  // by one address at one account
     static constexpr std::chrono::milliseconds ADDRESS_INTERVAL{7500};
     static constexpr int DEVICE_ATTEMPTS = 5;
     static constexpr std::chrono::milliseconds DEVICE_INTERVAL{7500};
 
-    // After so many failures at any accounts, everything from an address takes longer, which hurts
-    // only who tries many names. One failure is forgotten each minute.
+    // After this many failures at any accounts, attempts from an address are delayed, which affects
+    // only clients that try many names. One failure is forgotten each minute.
     static constexpr int ADDRESS_FAILURES = 10;
     static constexpr std::chrono::seconds FAILURE_MEMORY{60};
     static constexpr std::chrono::seconds FAILURE_DELAY{2};
 
-    // How long an attempt waits before it is refused: with the hash, less than the client waits.
+    // How long an attempt waits before it is refused. Including the hash, this is less than the
+    // client waits.
     static constexpr std::chrono::seconds LONGEST_WAIT{8};
 
-    // How many wait, in all, of one address and of one device. When there are more, the oldest of
-    // those that have the most is refused.
+    // How many attempts may wait in all, from one address and from one device. If there are more,
+    // the oldest one of the largest group is refused.
     static constexpr std::size_t MOST_WAITING = 48;
     static constexpr std::size_t MOST_OF_ADDRESS = 24;
     static constexpr std::size_t MOST_OF_DEVICE = 5;
 
-    // Hashes are computed one after the other; the last of so many still comes in time.
+    // Hashes are computed one after the other; the last of this many is still in time.
     static constexpr std::size_t MOST_AT_WORK = 4;
 
     enum class State { WAITING, ADMITTED, REFUSED };
@@ -69,33 +70,33 @@ public:
 
         LoginAttempt attempt;
         std::string pair;   // account and address
-        std::string group;  // the attempts that make room for others together
+        std::string group;  // attempts that compete for the same places
         State current = State::WAITING;
-        Time from;   // not to be admitted earlier
-        Time until;  // refused then
+        Time from;   // not admitted earlier
+        Time until;  // refused at this time
     };
 
-    // Puts an attempt into the queue, which decides at once if it can. The entry is the queue's and
-    // lives until leave().
+    // Adds an attempt to the queue, which decides at once if it can. The entry belongs to the queue
+    // and is valid until leave().
     Entry& arrive(const LoginAttempt& attempt, Time now);
 
-    // Decides what has become decidable by `now`. Returns true if that was anything.
+    // Makes all decisions that are due at `now`. Returns true if there was any.
     bool advance(Time now);
 
-    // When there is something to decide next; Time::max() when only after a leave().
+    // Returns the time of the next decision; Time::max() if it depends on a leave().
     Time nextDecision() const { return decision; }
 
-    // Ends an entry. `succeeded` says that it was admitted and the password was right; an admitted
-    // entry without that counts as failed.
+    // Removes an entry. `succeeded` is true if it was admitted and the password was right;
+    // otherwise an admitted entry counts as failed.
     void leave(Entry& entry, bool succeeded, Time now);
 
-    // Nobody waits any more: what is not admitted at once is refused.
+    // Refuses all waiting attempts, and from now on those that would have to wait.
     void end();
 
     std::size_t waiting() const;
 
 private:
-    // How long it is remembered that a browser, or a password, has failed at an account.
+    // How long a browser's or a password's failure at an account is remembered.
     static constexpr std::chrono::minutes BROWSER_MEMORY{10};
     static constexpr std::chrono::minutes GUESS_MEMORY{60};
 

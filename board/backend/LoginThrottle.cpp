@@ -24,8 +24,8 @@ LoginThrottle::Pass::~Pass() {
 }
 
 std::string LoginThrottle::guessOf(const std::string& password) {
-    // Random bytes that the kernel has given this process, so that the digits mean nothing in any
-    // other. So few digits fit very many passwords; they only change who waits for whom.
+    // Random bytes that the kernel gave this process, so that the digits mean nothing in another.
+    // Very many passwords have the same few digits, which only affect the order of attempts.
     const auto* const secret = reinterpret_cast<const char*>(::getauxval(AT_RANDOM));
     return Host::sha256Hex(std::string(secret, SECRET_BYTES) + password).substr(0, GUESS_DIGITS);
 }
@@ -47,7 +47,7 @@ LoginQueue::Entry& LoginThrottle::arrive(const LoginAttempt& attempt) {
     return entry;
 }
 
-// True when the entry is admitted.
+// Waits for a decision. Returns true if the entry is admitted.
 bool LoginThrottle::wait(const LoginQueue::Entry& entry) {
     std::unique_lock<std::mutex> lock(guard);
     while (entry.state() == LoginQueue::State::WAITING) {
@@ -65,7 +65,7 @@ void LoginThrottle::leave(LoginQueue::Entry& entry, bool succeeded) {
     const bool admitted = entry.state() == LoginQueue::State::ADMITTED;
     queue.leave(entry, succeeded, Clock::now());
     if (admitted) {
-        changed.notify_all();  // the next decision is another
+        changed.notify_all();  // the time of the next decision has changed
     }
 }
 

@@ -8,12 +8,12 @@
 
 namespace VeskLib::Board {
 
-// Has logins wait until the LoginQueue lets them in. May be used by several threads at once.
-// Everything is forgotten when the back-end ends.
+// Makes logins wait until the LoginQueue admits them. May be used by several threads at once. Its
+// state is lost when the back-end ends.
 class LoginThrottle {
 public:
-    // An attempt that is under way. One that was admitted counts as failed when it ends, unless
-    // succeeded() was called before.
+    // An attempt to log in. If it was admitted, its destruction counts as a failure unless
+    // succeeded() was called.
     class Pass {
     public:
         // Waits until the attempt is admitted or refused. `throttle` must outlive the object.
@@ -32,10 +32,10 @@ public:
         bool success = false;
     };
 
-    // What LoginAttempt::guess is for a password: too little to tell the password from it.
+    // Returns LoginAttempt::guess for a password, which is too short to identify the password.
     static std::string guessOf(const std::string& password);
 
-    // Nobody waits any more: what is not admitted at once is refused.
+    // Refuses all waiting attempts, and from now on those that would have to wait.
     void end();
 
 private:

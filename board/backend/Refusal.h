@@ -7,8 +7,8 @@
 
 namespace VeskLib::Board {
 
-// Thrown where a request turns out not to be possible. Code and details travel to the client, the
-// reason goes to the log only.
+// Thrown if a request cannot be carried out. Code and details are sent to the client; the reason is
+// only logged.
 struct Refusal {
     Host::BackendError code;
     std::string reason;

@@ -17,7 +17,7 @@ namespace {
 
 const int PENDING_CLIENTS = 128;
 
-// Only the board's own user may talk to the back-end.
+// Only the board's own user may connect.
 const mode_t SOCKET_UMASK = 0177;
 
 [[noreturn]] void fail(const std::string& what) {
@@ -49,8 +49,7 @@ void bindAndListen(int listener, const std::string& path) {
 }
 
 int openListener(const std::string& path) {
-    // The programs that connect come by their own path to the root, which may be longer; this one
-    // is what every other tool that looks for the socket has to name.
+    // SocketAddress also supports longer paths, but other tools that look for the socket do not.
     if (!Host::SocketAddress::fits(path)) {
         throw std::runtime_error("the socket path " + path + " is longer than " +
                                  std::to_string(sizeof sockaddr_un::sun_path - 1) + " bytes");

@@ -6,15 +6,15 @@
 
 namespace VeskLib::Board {
 
-// Listens on a Unix-domain socket, behind which a ConnectionPool serves the clients.
+// Listens on a Unix domain socket, with a ConnectionPool that serves the clients.
 class Server {
 public:
-    // Listens on `path`; a socket that a killed back-end left there is taken over, so the caller
-    // must know that no other lives. Throws std::runtime_error when that is not possible.
+    // Listens on `path`, replacing a socket that a killed back-end left there. The caller must make
+    // sure that no other back-end is running. Throws std::runtime_error on failure.
     Server(std::string path, RequestHandler handler, const ConnectionLimits& limits = {});
 
-    // Serves until `stopDescriptor` becomes readable. Requests that are under way then are answered
-    // by the time the server is gone, and with it the socket.
+    // Serves until `stopDescriptor` becomes readable. The destructor answers requests that are
+    // under way then, and removes the socket.
     void run(int stopDescriptor);
 
 private:

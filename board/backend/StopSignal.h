@@ -2,9 +2,9 @@
 
 namespace VeskLib::Board {
 
-// Turns SIGTERM and SIGINT into a descriptor that becomes readable. Made before any thread is, so
-// that every thread leaves the signals alone. SIGPIPE and SIGXFSZ are ignored from then on: a gone
-// client or a full disk is an error where it happens.
+// Turns SIGTERM and SIGINT into a descriptor that becomes readable. Must be created before any
+// thread, so that all threads block the signals. From then on the process ignores SIGPIPE and
+// SIGXFSZ, so that a disconnected client or a full disk is reported as an error.
 class StopSignal {
 public:
     StopSignal();

@@ -5,13 +5,14 @@
 
 namespace VeskLib::Board {
 
-// The EFI configuration that each partition holds.
+// The EFI configuration of each partition.
 using Payloads = std::map<unsigned int, std::vector<unsigned char>>;
 
-// The state file's bytes; docs/configuration-file.md gives its layout.
+// Returns the bytes of the state file; docs/configuration-file.md describes its layout.
 std::vector<unsigned char> encode(const Payloads& payloads);
 
-// False, with `payloads` unchanged, when the bytes are not a state file, whole and undamaged.
+// Returns false and leaves `payloads` unchanged if the bytes are not a complete, undamaged state
+// file.
 bool decode(const std::vector<unsigned char>& bytes, Payloads& payloads);
 
 }  // namespace VeskLib::Board

@@ -7,25 +7,25 @@
 
 namespace VeskLib::Board {
 
-// Counts attempts by key, each key in a token bucket of its own: `capacity` attempts are free, and
-// one more comes every `interval`. A bucket that nobody has taken from is full and takes no memory.
+// Counts attempts in a token bucket per key: `capacity` attempts are free, and one more is added
+// every `interval`. An unused bucket is full and takes no memory.
 class TokenBuckets {
 public:
     using Clock = std::chrono::steady_clock;
     using Time = Clock::time_point;
 
-    // Buckets that are remembered. Beyond that, the one that is nearest to full is forgotten.
+    // The number of stored buckets. Beyond it, the one nearest to full is removed.
     static constexpr std::size_t MOST_BUCKETS = 4096;
 
     TokenBuckets(int capacity, Clock::duration interval) : capacity(capacity), interval(interval) {}
 
-    // When the bucket has a token, which may have been in the past.
+    // Returns the time at which the bucket has a token, which may be in the past.
     Time nextToken(const std::string& key) const;
 
-    // When the bucket is full; `now` if it is already.
+    // Returns the time at which the bucket is full; `now` if it is full already.
     Time fullFrom(const std::string& key, Time now) const;
 
-    // Takes a token. A bucket without one is then in debt, of at most its capacity.
+    // Takes a token. A bucket without one goes into debt, up to its capacity.
     void take(const std::string& key, Time now);
 
     // Undoes one take().
@@ -40,7 +40,7 @@ private:
 
     const int capacity;
     const Clock::duration interval;
-    std::map<std::string, Time> fullAt;  // tells everything about a bucket
+    std::map<std::string, Time> fullAt;  // the whole state of a bucket
 };
 
 }  // namespace VeskLib::Board

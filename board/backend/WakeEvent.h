@@ -2,10 +2,10 @@
 
 namespace VeskLib::Board {
 
-// Lets any thread wake one that polls. A signal that comes before the poll is not lost.
+// Lets any thread wake one that polls. A signal before the poll is not lost.
 class WakeEvent {
 public:
-    // Throws std::system_error when there is no descriptor for it.
+    // Throws std::system_error if no descriptor is available.
     WakeEvent();
     WakeEvent(const WakeEvent&) = delete;
     WakeEvent& operator=(const WakeEvent&) = delete;

@@ -36,7 +36,8 @@ void backupConfiguration(const BoardDescription& description, const Configuratio
     file.payload = store.read(partition);
     const std::vector<unsigned char> bytes = encode(file);
     if (bytes.empty()) {
-        // Only after the partition got a longer name than it had when its configuration was put in.
+        // Possible only if the partition's name or version has become longer since its
+        // configuration was stored.
         throw Refusal{Host::BACKEND_CONFIGURATION_SIZE, "the configuration of partition " +
                                                             std::to_string(partition) +
                                                             " does not fit into a file"};
@@ -53,7 +54,7 @@ void backupConfiguration(const BoardDescription& description, const Configuratio
         Host::record(done);
     } catch (...) {
         static_cast<void>(std::remove(path.c_str()));
-        throw Refusal{Host::BACKEND_NOT_RECORDED, "the audit log takes no line"};
+        throw Refusal{Host::BACKEND_NOT_RECORDED, "the audit log cannot be written"};
     }
 }
 

@@ -1,16 +1,13 @@
 #pragma once
 
 #include "board/backend/BoardDescription.h"
-#include "data/HardInstallInfoPacket.h"
 
-#include <VeskLib/VeskUi/PartitionInfoPacket.h>
-#include <VeskLib/VeskUi/VersionInfoPacket.h>
+#include <vector>
 
 namespace VeskLib::Board {
 
-// Fill an empty packet with what the board description says.
-void fillPacket(const BoardDescription& description, VeskUi::PartitionInfoPacket& packet);
-void fillPacket(const BoardDescription& description, VeskUi::HardInstallInfoPacket& packet);
-void fillPacket(const BoardDescription& description, VeskUi::VersionInfoPacket& packet);
+// Returns the serialized packet that answers the getInfo request `number`, filled from
+// `description`. Throws Refusal if there is no such request.
+std::vector<unsigned char> packetFor(unsigned int number, const BoardDescription& description);
 
 }  // namespace VeskLib::Board

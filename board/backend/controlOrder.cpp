@@ -14,7 +14,7 @@ namespace {
 
 const unsigned int LONGEST_WAIT_MILLISECONDS = 10 * 60 * 1000;
 
-// The words of an order, taken one by one.
+// Reads an order word by word. Throws std::invalid_argument if it is malformed.
 class Words {
 public:
     explicit Words(const std::string& order) : stream(order) {}
@@ -33,7 +33,7 @@ public:
         const char* const end = word.data() + word.size();
         const std::from_chars_result result = std::from_chars(word.data(), end, value);
         if (result.ec != std::errc() || result.ptr != end || value > largest) {
-            throw std::invalid_argument(word + " is no number that fits");
+            throw std::invalid_argument(word + " is not a number in range");
         }
         return value;
     }

@@ -7,11 +7,10 @@
 
 namespace VeskLib::Board {
 
-// Carries out an order that boardctl sends: words between blanks, as docs/wire-formats.md lists
-// them. Returns what boardctl shows, or throws std::invalid_argument with the reason when the
-// order makes no sense, or Refusal when it is for a partition that is not installed; nothing has
-// then been changed. Without `isInstalled`, every partition is taken. The order "die" does not
-// return.
+// Carries out an order of boardctl: words separated by blanks, as listed in docs/wire-formats.md.
+// Returns the text that boardctl shows. Throws std::invalid_argument with the reason if the order
+// is malformed, or Refusal if it is for a partition that is not installed; nothing is changed then.
+// Without `isInstalled`, every partition is accepted. The order "die" does not return.
 std::string carryOutOrder(const std::string& order, FaultSwitches& switches,
                           const std::function<bool(unsigned int)>& isInstalled = {});
 

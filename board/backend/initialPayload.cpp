@@ -18,7 +18,7 @@ bool isOneLine(std::string_view text) {
     return std::none_of(text.begin(), text.end(), isControl);
 }
 
-// False when the value is of a type that is not written into a line.
+// Converts a value to text. Returns false if its type is not supported or it is not one line.
 bool writeValue(const toml::node& node, std::string& text) {
     if (const auto* value = node.as_string()) {
         text = value->get();
@@ -52,7 +52,7 @@ const toml::node* makeSettingLines(const toml::table& settings,
 
 std::vector<unsigned char> makeFillBytes(unsigned int count, unsigned int seed) {
     std::vector<unsigned char> bytes(count);
-    // A linear congruential generator; its high bits are the ones that vary.
+    // Uses the high bits of a linear congruential generator, because they vary most.
     std::uint32_t state = seed;
     for (unsigned char& byte : bytes) {
         state = state * 1664525U + 1013904223U;

@@ -6,15 +6,16 @@
 
 namespace VeskLib::Board {
 
-// The configuration that a partition holds before any was restored: one "name=value" line for each
-// of `settings` (texts, numbers and flags) in the order of their names.
+// Makes the initial configuration of a partition: one "name=value" line for each of `settings`
+// (texts, numbers and flags), in the order of their names.
 //
-// Returns the first setting that cannot be written so (its name is empty or holds "=", it holds a
-// control character, or its value is of another type), with `payload` unchanged; else null.
+// Returns null on success. Otherwise returns the first setting that cannot be written and leaves
+// `payload` unchanged: its name is empty or contains "=", it contains a control character, or its
+// value has another type.
 const toml::node* makeSettingLines(const toml::table& settings,
                                    std::vector<unsigned char>& payload);
 
-// `count` bytes that look like anything but always are the same for the same `seed`.
+// Returns `count` bytes that look random but are always the same for the same `seed`.
 std::vector<unsigned char> makeFillBytes(unsigned int count, unsigned int seed);
 
 }  // namespace VeskLib::Board

@@ -8,7 +8,7 @@ namespace VeskLib::Board {
 
 namespace {
 
-// A log that nobody takes any more is no reason to stop serving.
+// Ignores errors: the back-end must go on if its log cannot be written.
 void write(const char* text, std::size_t size) {
     static_cast<void>(!::write(STDERR_FILENO, text, size));
 }

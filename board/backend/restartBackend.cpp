@@ -24,11 +24,11 @@ void rememberArguments(char** arguments) {
 
 void restartBackend(int milliseconds) {
     ::setenv(WAIT_VARIABLE, std::to_string(milliseconds).c_str(), 1);
-    // The signals that end the back-end are to end it while it waits as well.
+    // Unblocked, so that the signals that end the back-end also end it while it waits.
     sigset_t none;
     ::sigemptyset(&none);
     ::pthread_sigmask(SIG_SETMASK, &none, nullptr);
-    // Everything the process has open is closed by this, because all of it is close-on-exec.
+    // Also closes all descriptors, because they are close-on-exec.
     ::execv("/proc/self/exe", startArguments);
     ::_exit(1);
 }

@@ -2,15 +2,15 @@
 
 namespace VeskLib::Board {
 
-// Remembers how this process was started. Called once, at the start.
+// Stores the arguments of this process for restartBackend(). Must be called once, at the start.
 void rememberArguments(char** arguments);
 
-// Dies as in a crash and comes back: from one moment to the next everything in memory is gone, all
-// connections are cut and all locks are released; after the given time the same process starts
-// anew from what is on the disk.
+// Simulates a crash and a restart. At once, all memory is lost, all connections are closed and all
+// locks are released. After the given time, the same process starts again with the state on the
+// disk.
 [[noreturn]] void restartBackend(int milliseconds);
 
-// At the start of a process that is coming back: waits until its time has come.
+// Must be called at the start of the process. After restartBackend(), waits for the given time.
 void waitForReturn();
 
 }  // namespace VeskLib::Board

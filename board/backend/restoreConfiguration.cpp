@@ -22,10 +22,10 @@ namespace VeskLib::Board {
 
 namespace {
 
-// What the two lines of a restore of 256 partitions take at most, in bytes.
+// The maximum size of both log lines of a restore of 256 partitions, in bytes.
 const std::size_t LARGEST_LINES = 2 * 256 * 160 + 4096;
 
-// Holds the lock file of restores; refuses when another restore holds it.
+// Locks the lock file of restores. Throws Refusal if another restore has locked it.
 class RestoreLock {
 public:
     explicit RestoreLock(const std::string& path) : descriptor(take(path)) {}
@@ -55,7 +55,7 @@ Host::ConfigurationFile readStagedFile(const RestoreRequest& request, Host::Audi
     Host::ConfigurationFile file;
     if (!Host::readOwnFile(path, Host::LARGEST_CONFIGURATION_FILE, bytes, status) ||
         !decode(bytes, file)) {
-        throw Refusal{Host::BACKEND_FILE_UNUSABLE, path + " is no usable configuration file"};
+        throw Refusal{Host::BACKEND_FILE_UNUSABLE, path + " is not a usable configuration file"};
     }
     event.file = Host::auditedFile(bytes);
     if (!request.stagedFile.empty() && request.stagedFile != event.file->sha256) {
@@ -64,7 +64,7 @@ Host::ConfigurationFile readStagedFile(const RestoreRequest& request, Host::Audi
     return file;
 }
 
-// Why `target` cannot take the configuration in `file`; nothing when it can.
+// Returns why `target` cannot receive the configuration in `file`, or nullopt if it can.
 std::optional<Refusal> judgeTarget(const BoardDescription& description,
                                    const Host::ConfigurationFile& file,
                                    const FaultSwitches& switches, unsigned int target) {
@@ -84,18 +84,18 @@ std::optional<Refusal> judgeTarget(const BoardDescription& description,
         details = {.fileVersion = file.version, .partitions = {{target, result.version}}};
         return Refusal{
             Host::BACKEND_VERSION_DIFFERS,
-            name + " runs BIOS version " + result.version + ", the file holds " + file.version,
+            name + " runs BIOS version " + result.version + ", the file has " + file.version,
             details};
     }
-    // What a partition takes in, a backup of it must be able to give back.
+    // A partition must not receive a configuration that does not fit into its backup file.
     if (encode(result).empty()) {
         return Refusal{Host::BACKEND_CONFIGURATION_SIZE, "too large for " + name, details};
     }
     return std::nullopt;
 }
 
-// Throws the Refusal of the first target that cannot take the configuration; its details name all
-// targets that cannot for the same reason.
+// Throws the Refusal of the first target that cannot receive the configuration. Its details list
+// all targets that are refused for the same reason.
 void checkTargets(const BoardDescription& description, const Host::ConfigurationFile& file,
                   const FaultSwitches& switches, const std::set<unsigned int>& targets) {
     std::optional<Refusal> first;
@@ -112,7 +112,7 @@ void checkTargets(const BoardDescription& description, const Host::Configuration
     }
 }
 
-// Changes the partitions between two lines of the audit log.
+// Changes the partitions, with a line of the audit log before and after.
 void replaceRecorded(ConfigurationStore& store, const std::set<unsigned int>& partitions,
                      const std::vector<unsigned char>& payload, const IsAwaited& isAwaited,
                      Host::AuditEvent& event) {
@@ -132,14 +132,14 @@ void replaceRecorded(ConfigurationStore& store, const std::set<unsigned int>& pa
     event.result = "done";
     if (!stored) {
         refusal = abandoned
-                      ? Refusal{Host::BACKEND_ABANDONED, "its client has gone"}
+                      ? Refusal{Host::BACKEND_ABANDONED, "its client has disconnected"}
                       : Refusal{Host::BACKEND_NOT_STORED, "the configurations cannot be written"};
         event.result = abandoned ? "refused" : "failed";
         event.code = refusal->code;
     }
     try {
         log.append(event);
-    } catch (...) {  // whatever it was, the partitions are as they are
+    } catch (...) {  // no error undoes the change
         throw Refusal{Host::BACKEND_OUTCOME_NOT_RECORDED, "the audit log lacks the outcome"};
     }
     if (refusal) {
@@ -162,7 +162,7 @@ void restoreConfiguration(const BoardDescription& description, ConfigurationStor
     try {
         replaceRecorded(store, partitions, file.payload, request.isAwaited, event);
     } catch (const PException&) {
-        throw Refusal{Host::BACKEND_NOT_RECORDED, "the audit log takes no line"};
+        throw Refusal{Host::BACKEND_NOT_RECORDED, "the audit log cannot be written"};
     }
 }
 

@@ -11,24 +11,24 @@
 
 namespace VeskLib::Board {
 
-// What a client asks for. Everything stays the caller's.
+// A client's request. All members are borrowed.
 struct RestoreRequest {
     const std::string& sessionIdentifier;  // its shape has been checked
-    const std::string& stagedFile;         // what names the file that the page showed; may be empty
-    const std::vector<unsigned char>& targets;  // one that is named twice counts once
+    const std::string& stagedFile;         // identifies the file that the page showed; may be empty
+    const std::vector<unsigned char>& targets;  // duplicates count once
     const IsAwaited& isAwaited;
 };
 
-// Gives the targets the configuration in the session's staging file: all of them, or none when
-// Refusal is thrown. Refuses another file than the page showed (BACKEND_OTHER_FILE). Directly
-// before the change, checks that the client is still connected (BACKEND_ABANDONED): the page of one
-// that has given up says that the outcome is not known.
+// Gives all targets the configuration in the session's staged file, or none of them if it throws
+// Refusal. Refuses a file other than the one that the page showed (BACKEND_OTHER_FILE). Immediately
+// before the change, checks that the client is still connected (BACKEND_ABANDONED), because the
+// page of a client that gave up says that the outcome is unknown.
 //
-// `lockPath` names the file that is locked during a restore. A restore that finds it locked is
-// refused at once (BACKEND_RESTORE_BUSY).
+// `lockPath` is the path of a file that is locked during a restore. If it is locked already, the
+// restore is refused at once (BACKEND_RESTORE_BUSY).
 //
-// Completes `event` and records it twice: before anything is changed, with the result "begun", and
-// afterwards, "done", "failed" or "refused". A restore that cannot be recorded is refused.
+// Completes `event` and records it twice: before any change, with the result "begun", and
+// afterwards, with "done", "failed" or "refused". A restore that cannot be recorded is refused.
 void restoreConfiguration(const BoardDescription& description, ConfigurationStore& store,
                           const FaultSwitches& switches, const std::string& lockPath,
                           const RestoreRequest& request, Host::AuditEvent& event);

@@ -36,11 +36,11 @@ const int FAILED = 1;
 const int MISUSED = 2;
 
 void say(std::string_view text) {
-    // Whoever started us may have stopped listening; that changes nothing.
+    // Ignores errors, because the parent process may no longer be reading.
     static_cast<void>(!::write(STDOUT_FILENO, text.data(), text.size()));
 }
 
-// Answers a request as the fault switches want it.
+// Answers a request, with the faults that the switches ask for.
 Answer answerOrFail(BoardService& service, FaultSwitches& switches,
                     const Host::RequestFrame& request, const IsAwaited& isAwaited) {
     if (request.kind == Host::RequestKind::CONTROL) {
@@ -53,7 +53,7 @@ Answer answerOrFail(BoardService& service, FaultSwitches& switches,
     return answer;
 }
 
-// The back-end serves also when these lines cannot be written; it then refuses changes.
+// If the line cannot be written, the back-end still runs, but will refuse changes.
 void recordEvent(const char* name, const std::map<unsigned int, std::string>& configurations) {
     Host::AuditEvent event;
     event.event = name;
@@ -61,12 +61,12 @@ void recordEvent(const char* name, const std::map<unsigned int, std::string>& co
     try {
         Host::record(event);
     } catch (const PException&) {
-        logLine("the audit log takes no line");
+        logLine("the audit log cannot be written");
     }
 }
 
-// With what each partition holds: whether a restore that was under way when the last back-end died
-// was carried out.
+// Records the start with each partition's configuration. If the last back-end died during a
+// restore, this shows whether it was carried out.
 void recordStart(const ConfigurationStore& store, const BoardDescription& description) {
     std::map<unsigned int, std::string> configurations;
     for (unsigned int number = 0; number < description.partitions.size(); ++number) {
@@ -76,10 +76,10 @@ void recordStart(const ConfigurationStore& store, const BoardDescription& descri
     }
     recordEvent("start", configurations);
 }
-// Logins that wait leave enough connections for everybody else.
+// Waiting logins leave enough connections for other clients.
 static_assert(ConnectionLimits().connections >= 64 + LoginQueue::MOST_WAITING);
 
-// The machine's own; empty if it has none.
+// Returns the machine's own name; empty if it has none.
 std::string hostName() {
     char name[HOST_NAME_MAX + 1] = {};
     return ::gethostname(name, sizeof name - 1) == 0 ? name : "";
@@ -129,7 +129,7 @@ int runBackend(int argc, char** argv) {
         BackendOptions options;
         std::string error;
         if (!readOptions(argc, argv, options, error)) {
-            logLine(error + " (--help tells more)");
+            logLine(error + " (see --help)");
             return MISUSED;
         }
         if (options.help) {

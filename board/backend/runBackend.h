@@ -2,9 +2,9 @@
 
 namespace VeskLib::Board {
 
-// The whole life of the back-end daemon. Prints "ready" on standard output when it takes requests,
-// and returns when SIGTERM or SIGINT arrives: 0. What keeps it from starting is one line on
-// standard error: 1, or 2 for arguments that make no sense.
+// Runs the back-end daemon. Prints "ready" to standard output when it accepts requests, and returns
+// 0 after SIGTERM or SIGINT. If it cannot start, prints one line to standard error and returns 1,
+// or 2 for invalid arguments.
 int runBackend(int argc, char** argv);
 
 }  // namespace VeskLib::Board

@@ -1,5 +1,5 @@
-// Holds the texts of the board together while it is built: every language has the same numbers
-// with the same placeholders, and every skeleton is well formed and uses captions that exist.
+// Checks the board's texts during the build: every language must have the same numbers with the
+// same placeholders, and every skeleton must be well formed and use existing captions.
 //
 // Usage: BOARD_ROOT=... checkTexts SKELETON...
 
@@ -18,11 +18,11 @@ namespace {
 using namespace VeskLib::Host;
 
 const int LARGEST_NUMBER = 32767;
-const int LARGEST_MESSAGE = 255;  // that may have texts by code; also the largest set everywhere
-const int LARGEST_CODE = 4095;    // with a text of its own
+const int LARGEST_MESSAGE = 255;  // with texts by code; also the largest portable set number
+const int LARGEST_CODE = 4095;    // with its own text
 const std::size_t LARGEST_SKELETON = 256 * 1024;
 
-// The printf-style conversions of a text, such as "%s%d".
+// Returns the printf-style conversions of a text, such as "%s%d".
 std::string conversionsOf(std::string_view text) {
     std::string conversions;
     for (std::size_t i = text.find('%'); i < text.size(); i = text.find('%', i + 1)) {
@@ -36,7 +36,7 @@ std::string conversionsOf(std::string_view text) {
     return conversions;
 }
 
-// The places of a text that the pages fill, such as "#1#2", in the order of their numbers.
+// Returns the marks in a text that the pages replace, such as "#1#2", sorted by number.
 std::string marksOf(std::string_view text) {
     std::vector<std::string> marks;
     for (std::size_t i = text.find('#'); i < text.size(); i = text.find('#', i + 1)) {
@@ -50,7 +50,7 @@ std::string marksOf(std::string_view text) {
     return all;
 }
 
-// `find` gives the text of `number` in a language.
+// `find` must return the text of `number` in a language, or null.
 template <typename Find>
 bool checkNumber(int set, int number, Find find) {
     const char* first = find(ENGLISH);

@@ -1,4 +1,4 @@
-// Makes a running back-end go wrong, for tests and demonstrations.
+// Simulates failures of a running back-end, for tests and demonstrations.
 
 #include "board/control/describeFailure.h"
 #include "platform/host/base/flushOutput.h"
@@ -19,7 +19,7 @@ using VeskLib::Board::describeFailure;
 
 enum Status { DONE = 0, FAILED = 1, USAGE = 2 };
 
-// Sends an order and shows the answer.
+// Sends an order and prints the reply. Returns the exit status.
 int send(const std::string& order) {
     RequestFrame request;
     request.kind = RequestKind::CONTROL;
@@ -27,7 +27,7 @@ int send(const std::string& order) {
     ReplyFrame reply;
     const int code = Channel().exchange(request, reply);
     if (code == CHANNEL_BROKEN && order.starts_with("die")) {
-        return DONE;  // it died without a word, as it was told to
+        return DONE;  // as ordered, it died without a reply
     }
     if (code != 0) {
         std::cerr << "boardctl: " << describeFailure(code) << " (code " << code << ")\n";
@@ -37,12 +37,12 @@ int send(const std::string& order) {
     return DONE;
 }
 
-// The status to end with: an answer that could not be printed is a failure.
+// Returns the exit status, which is FAILED if the output could not be written.
 int endWith(int status) {
     return flushOutput("boardctl") ? status : FAILED;
 }
 
-// The orders, each a subcommand that leaves the words for the back-end in `order`.
+// The orders. Each is a subcommand that sets `order` to the text for the back-end.
 class Orders {
 public:
     explicit Orders(CLI::App& application) {
@@ -64,24 +64,23 @@ public:
 
 private:
     void addTimes(CLI::App* command) {
-        command->add_option("--times", times, "For how many requests (1)")
+        command->add_option("--times", times, "The number of requests that are affected (1)")
             ->check(CLI::PositiveNumber);
     }
 
     void addStatus(CLI::App& application) {
-        application.add_subcommand("status", "Shows which switches are on")->callback([this] {
-            order = "status";
-        });
+        application.add_subcommand("status", "Shows which faults are switched on")
+            ->callback([this] { order = "status"; });
     }
 
     void addRefuse(CLI::App& application) {
         CLI::App* const command = application.add_subcommand(
-            "refuse", "Refuses the next requests of a number with an error code");
+            "refuse", "Refuses the next requests of a given number with an error code");
         command->add_option("REQUEST", request, "The request number, such as 0x020100A3")
             ->required();
         command
             ->add_option("CODE", code,
-                         "The error code, such as 1047; 0 reports a success that did not happen")
+                         "The error code, such as 1047; 0 reports success without doing anything")
             ->required();
         addTimes(command);
         command->callback([this] {
@@ -91,9 +90,9 @@ private:
     }
 
     void addSlow(CLI::App& application) {
-        CLI::App* const command =
-            application.add_subcommand("slow", "Lets the next requests wait before they are begun");
-        command->add_option("MILLISECONDS", milliseconds, "How long")->required();
+        CLI::App* const command = application.add_subcommand(
+            "slow", "Delays the next requests before they are carried out");
+        command->add_option("MILLISECONDS", milliseconds, "The delay")->required();
         addTimes(command);
         command->callback([this] {
             order = "slow " + std::to_string(milliseconds) + " " + std::to_string(times);
@@ -102,15 +101,15 @@ private:
 
     void addSilent(CLI::App& application) {
         CLI::App* const command = application.add_subcommand(
-            "silent", "Carries the next requests out and never answers them");
+            "silent", "Carries out the next requests without ever replying");
         addTimes(command);
         command->callback([this] { order = "silent " + std::to_string(times); });
     }
 
     void addTorn(CLI::App& application) {
         CLI::App* const command = application.add_subcommand(
-            "torn", "Cuts the connection after some bytes of the next replies");
-        command->add_option("BYTES", bytes, "How many bytes of the frame are still sent")
+            "torn", "Closes the connection after some bytes of the next replies");
+        command->add_option("BYTES", bytes, "The number of bytes of the frame that are sent")
             ->required();
         addTimes(command);
         command->callback(
@@ -119,8 +118,8 @@ private:
 
     void addDie(CLI::App& application) {
         CLI::App* const command = application.add_subcommand(
-            "die", "Dies at once as in a crash, and comes back from what is on disk");
-        command->add_option("--back-in", milliseconds, "After how many milliseconds (0)");
+            "die", "Crashes at once, and restarts with the state on the disk");
+        command->add_option("--back-in", milliseconds, "Milliseconds until the restart (0)");
         command->callback([this] { order = "die " + std::to_string(milliseconds); });
     }
 
@@ -137,7 +136,7 @@ private:
     }
 
     void addReset(CLI::App& application) {
-        application.add_subcommand("reset", "Switches everything off again")->callback([this] {
+        application.add_subcommand("reset", "Switches all faults off")->callback([this] {
             order = "reset";
         });
     }
@@ -154,18 +153,18 @@ private:
 
 int run(int argumentCount, char** arguments) {
     CLI::App application(
-        "Makes a running back-end go wrong, for tests and demonstrations. Every switch is off\n"
-        "again when the back-end starts anew.",
+        "Simulates failures of a running back-end, for tests and demonstrations. A restart of the\n"
+        "back-end switches all faults off.",
         "boardctl");
     application.require_subcommand(1);
     application.footer(
         "The board's root is the folder that was given to ./serve as --root. Without --root it is\n"
         "taken from the environment variable BOARD_ROOT. docs/wire-formats.md lists the request\n"
-        "numbers. Each order has a --help of its own.\n\n"
-        "Exit status: 0 done; 1 the back-end cannot be reached or does not do it, or the answer\n"
+        "numbers. Each order has its own --help.\n\n"
+        "Exit status: 0 done; 1 the back-end cannot be reached or refuses, or the answer\n"
         "could not be printed; 2 wrong usage.");
     std::string root;
-    application.add_option("--root", root, "The board's root, as given to serve")
+    application.add_option("--root", root, "The board's root, as given to ./serve")
         ->envname("BOARD_ROOT")
         ->required();
     const Orders orders(application);
@@ -182,7 +181,7 @@ int run(int argumentCount, char** arguments) {
 
 int main(int argumentCount, char** arguments) {
     occupyStandardDescriptors();
-    // A reader that has gone is to be reported as a full disk is.
+    // Ignored, so that a closed pipe is reported like a full disk.
     std::signal(SIGPIPE, SIG_IGN);
     try {
         return run(argumentCount, arguments);

@@ -17,7 +17,7 @@ namespace VeskLib::Board {
 
 namespace {
 
-// Returns the errno of connecting to the socket; 0 if that works by now.
+// Returns the errno of connecting to the socket; 0 if that succeeds now.
 int tryToConnect(const std::string& path) {
     const Host::Descriptor descriptor(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
     errno = 0;
@@ -35,7 +35,7 @@ std::string whyUnreachable(const std::string& socket) {
             return "it was not running a moment ago, but is now: try again";
         case ENOENT:
         case ENOTDIR:
-            return "there is no such socket: the board is not running, or its root is another "
+            return "there is no such socket: the board is not running, or this is not its root "
                    "(--root, BOARD_ROOT)";
         case ECONNREFUSED:
             return "it is not running; only its socket is still there";
@@ -50,13 +50,13 @@ std::string whyUnreachable(const std::string& socket) {
 std::string describeChannelFailure(int code, const std::string& backend) {
     switch (code) {
         case Host::CHANNEL_TIMEOUT:
-            return "no answer of " + backend + " in time";
+            return "no answer from " + backend + " in time";
         case Host::CHANNEL_BROKEN:
             return backend + " closed the connection without an answer";
         case Host::CHANNEL_MALFORMED:
-            return backend + " answered in another way than a back-end does";
+            return backend + " sent an answer that is malformed";
         default:
-            return backend + " does not carry this out";
+            return backend + " cannot carry this out";
     }
 }
 
@@ -68,8 +68,9 @@ std::string describeFailure(int code) {
         case Host::CHANNEL_UNREACHABLE:
             return "cannot connect to the back-end at " + socket + ": " + whyUnreachable(socket);
         case Host::BACKEND_FAULTS_NOT_ALLOWED:
-            return "the back-end takes no orders: start it with --allow-faults, which an installed "
-                   "board does not";
+            return "the back-end accepts no orders: start it with --allow-faults, which an "
+                   "installed "
+                   "board does not use";
         case Host::BACKEND_NO_PARTITION:
             return "there is no such partition: the board description has none of this number "
                    "that is installed";

@@ -4,8 +4,9 @@
 
 namespace VeskLib::Board {
 
-// Returns in words why an order was not carried out; `code` is that of Channel::exchange() and not
-// 0. Tries to connect again to find the reason if the back-end could not be reached.
+// Returns a sentence that explains why an order failed. `code` is the result of
+// Channel::exchange(), which must not be 0. If the back-end could not be reached, connects again to
+// find the reason.
 std::string describeFailure(int code);
 
 }  // namespace VeskLib::Board

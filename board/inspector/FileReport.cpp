@@ -16,12 +16,12 @@ namespace VeskLib::Board {
 namespace {
 
 using Bytes = std::vector<unsigned char>;
-// By their names; of a name that is there twice, the first value counts.
+// By name; of settings with the same name, the first one counts.
 using Settings = std::map<std::string, std::string>;
 
 const char* const NOTHING = "(none)";
 
-// Some files are looked at that are far too large to be used; this much is still read.
+// Files that are too large to be used are still read up to this size.
 const std::size_t LARGEST_LOOK = 64 * 1024 * 1024;
 
 void addIfDifferent(std::vector<Difference>& differences, const char* what,
@@ -59,7 +59,7 @@ std::string byteAt(const Bytes& bytes, std::size_t offset) {
     return offset < bytes.size() ? std::to_string(bytes[offset]) : NOTHING;
 }
 
-// Adds the first byte in which the two differ; its name is the offset between `before` and
+// Adds the first byte that differs. The difference is named by its offset, between `before` and
 // `after`.
 void compareBytes(const Bytes& first, const Bytes& second, const std::string& before,
                   const std::string& after, std::vector<Difference>& differences) {
@@ -82,7 +82,7 @@ void comparePayloads(const Bytes& first, const Bytes& second,
     const PayloadSettings secondParts = readSettings(second);
     compareSettings(byName(firstParts.settings), byName(secondParts.settings), differences);
     if (differences.size() == before) {
-        // Also for settings that differ in their order alone.
+        // Also reached if only the order of the settings differs.
         compareBytes(first, second, "payload byte ", "", differences);
     } else if (firstParts.others != secondParts.others) {
         compareBytes(firstParts.others, secondParts.others, "byte ", " outside the settings",
@@ -90,7 +90,7 @@ void comparePayloads(const Bytes& first, const Bytes& second,
     }
 }
 
-// The reason of an errno of readFile().
+// Returns the reason for an errno of readFile().
 std::string describeReadError(int error) {
     switch (error) {
         case EINVAL:
@@ -181,7 +181,7 @@ std::string formatLocalTime(std::uint32_t time) {
     std::tm local = {};
     localtime_r(&seconds, &local);
     std::string text = format("%Y-%m-%dT%H:%M:%S%z", local);
-    // ISO 8601 wants a colon in the offset where there are some in the time.
+    // ISO 8601 requires a colon in the offset if the time has colons.
     const std::size_t minutesOfOffset = 2;
     return text.insert(text.size() - minutesOfOffset, ":");
 }

@@ -11,8 +11,8 @@ struct Setting {
     std::string value;
 };
 
-// A payload taken apart. A setting is a line "name=value" with a line feed at its end, printable
-// UTF-8 with a name that is not empty.
+// A payload split into settings and other bytes. A setting is a line "name=value" of printable
+// UTF-8 that ends with a line feed and has a non-empty name.
 struct PayloadSettings {
     std::vector<Setting> settings;      // in the order of the payload
     std::vector<unsigned char> others;  // the bytes of everything else, in their order

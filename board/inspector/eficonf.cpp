@@ -1,4 +1,4 @@
-// Shows and compares EFI configuration files, as the pages see them.
+// Shows and compares EFI configuration files, with the same parser as the pages.
 
 #include "board/inspector/FileReport.h"
 #include "board/inspector/printReport.h"
@@ -19,7 +19,7 @@ using nlohmann::ordered_json;
 enum Status { SAME = 0, DIFFERENT = 1, NOT_USABLE = 2, USAGE = 3, NOT_PRINTED = 4 };
 
 const char* const STATUSES =
-    "Exit status: 0 usable, or both hold the same; 1 the files differ; 2 a file is not a usable\n"
+    "Exit status: 0 usable, or the same content; 1 the files differ; 2 a file is not a usable\n"
     "configuration file; 3 wrong usage; 4 the answer could not be printed.";
 
 struct Options {
@@ -71,8 +71,8 @@ int compareFiles(const Options& options) {
         printText(second);
     } else if (differences.empty()) {
         std::cout << (first.file.saveTime == second.file.saveTime
-                          ? "The files hold the same.\n"
-                          : "The files hold the same, apart from the time.\n");
+                          ? "The files have the same content.\n"
+                          : "The files have the same content, but different save times.\n");
     } else {
         printDifferences(differences);
     }
@@ -82,7 +82,7 @@ int compareFiles(const Options& options) {
     return differences.empty() ? SAME : DIFFERENT;
 }
 
-// The status to end with, which means nothing without what it is about.
+// Returns the exit status, which is NOT_PRINTED if the output could not be written.
 int endWith(int status) {
     return VeskLib::Host::flushOutput("eficonf") ? status : NOT_PRINTED;
 }
@@ -98,22 +98,22 @@ CLI::App* addCommand(CLI::App& application, const char* name, const char* descri
 int run(int argumentCount, char** arguments) {
     CLI::App application("Shows and compares EFI configuration files (.dat).", "eficonf");
     application.require_subcommand(1);
-    application.footer(std::string("Each command has a --help of its own.\n\n") + STATUSES);
+    application.footer(std::string("Each command has its own --help.\n\n") + STATUSES);
     Options options;
 
     CLI::App* const showCommand = addCommand(
         application, "show",
-        "Shows what files hold, and the settings of their payloads; says why one is not usable",
+        "Shows the contents of files and the settings in their payloads, or why one is not usable",
         options);
-    showCommand->add_option("FILE", options.shown, "The files; JSON of several is an array")
+    showCommand->add_option("FILE", options.shown, "The files; several make a JSON array")
         ->required();
     CLI::App* const compareCommand =
-        addCommand(application, "compare", "Shows in what two files differ", options);
-    compareCommand->add_option("A", options.first, "One file")->required();
-    compareCommand->add_option("B", options.second, "The other file")->required();
+        addCommand(application, "compare", "Shows the differences between two files", options);
+    compareCommand->add_option("A", options.first, "The first file")->required();
+    compareCommand->add_option("B", options.second, "The second file")->required();
     compareCommand->add_flag("--ignore-time", options.ignoreTime,
-                             "Do not compare when they were saved, as for two backups of a "
-                             "partition that is unchanged");
+                             "Ignore the save times, as for two backups of an unchanged "
+                             "partition");
 
     try {
         application.parse(argumentCount, arguments);
@@ -127,7 +127,7 @@ int run(int argumentCount, char** arguments) {
 
 int main(int argumentCount, char** arguments) {
     VeskLib::Host::occupyStandardDescriptors();
-    // A reader that has gone is to be reported as a full disk is.
+    // Ignored, so that a closed pipe is reported like a full disk.
     std::signal(SIGPIPE, SIG_IGN);
     try {
         return run(argumentCount, arguments);

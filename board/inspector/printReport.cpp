@@ -10,8 +10,8 @@ using nlohmann::ordered_json;
 
 namespace {
 
-// Control characters of a file's texts would move the terminal's cursor. U+0080 to U+009F, which
-// some terminals obey as well, are C2 80 to C2 9F.
+// Replaces control characters, which would control the terminal, by "?". These include U+0080 to
+// U+009F, which are C2 80 to C2 9F in UTF-8 and which some terminals obey.
 std::string forTerminal(const std::string& text) {
     std::string shown;
     for (std::size_t i = 0; i < text.size(); ++i) {

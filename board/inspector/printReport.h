@@ -13,13 +13,13 @@ bool isUsable(const FileReport& report);
 
 nlohmann::ordered_json toJSON(const FileReport& report);
 
-// Prints texts that are not UTF-8 with replacement characters.
+// Prints `json`, with replacement characters for bytes that are not UTF-8.
 void printJSON(const nlohmann::ordered_json& json);
 
-// Prints a report for a person. Control characters of its texts become "?".
+// Prints a report for people. Control characters in its texts become "?".
 void printText(const FileReport& report);
 
-// Prints the differences of two usable files, a line each.
+// Prints the differences between two usable files, one per line.
 void printDifferences(const std::vector<Difference>& differences);
 
 }  // namespace VeskLib::Board

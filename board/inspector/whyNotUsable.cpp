@@ -23,7 +23,7 @@ std::string whyNotUsable(const std::vector<unsigned char>& bytes) {
     VeskUi::WireReader reader(bytes.data(), bytes.size());
     const unsigned char* const magic = reader.readBytes(sizeof Host::MAGIC);
     if (reader.failed() || std::memcmp(magic, Host::MAGIC, sizeof Host::MAGIC) != 0) {
-        return "it does not begin as a configuration file does";
+        return "it does not begin like a configuration file";
     }
     const std::uint32_t revision = reader.readU32();
     reader.readU32();
@@ -41,7 +41,8 @@ std::string whyNotUsable(const std::vector<unsigned char>& bytes) {
     const std::uint64_t size =
         Host::HEADER_SIZE + versionSize + nameSize + payloadSize + Host::CHECKSUM_SIZE;
     if (size > bytes.size()) {
-        return "it is cut off: by its header it has " + bytesInWords(size - bytes.size()) + " more";
+        return "it is cut off: by its header, it has " + bytesInWords(size - bytes.size()) +
+               " more";
     }
     if (size < bytes.size()) {
         return bytesInWords(bytes.size() - size) + " follow its end";

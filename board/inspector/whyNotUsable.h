@@ -5,7 +5,7 @@
 
 namespace VeskLib::Board {
 
-// Returns what keeps these bytes, which decode() refuses, from being a configuration file.
+// Returns why decode() refuses these bytes as a configuration file.
 std::string whyNotUsable(const std::vector<unsigned char>& bytes);
 
 }  // namespace VeskLib::Board

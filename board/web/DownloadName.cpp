@@ -29,7 +29,7 @@ bool takePrefix(std::string_view& text, std::string_view prefix) {
     return true;
 }
 
-// Takes the digits at the start of `text`.
+// Removes the digits from the start of `text` and returns them.
 std::string takeDigits(std::string_view& text) {
     const auto end = std::find_if_not(text.begin(), text.end(), isDigit);
     std::string digits(text.begin(), end);
@@ -37,8 +37,8 @@ std::string takeDigits(std::string_view& text) {
     return digits;
 }
 
-// `name` with path separators and quotes, which a version may hold and a file's name may not,
-// written as "_".
+// Returns `name` with "_" for path separators and quotes, which a version may contain but a file
+// name must not.
 std::string makeSafe(std::string name) {
     const std::string_view unsafe = "/\\\"'";
     std::replace_if(
@@ -59,7 +59,7 @@ std::string localDate(std::uint32_t saveTime) {
            twoDigits(date.tm_mday);
 }
 
-// The version as it stands in a name.
+// Returns the version as it appears in a name.
 std::string versionPart(const std::string& version) {
     if (version.starts_with('-')) {
         return "Unknown";
@@ -98,7 +98,7 @@ std::optional<DownloadName> DownloadName::parse(const std::string& text) {
 }
 
 bool DownloadName::fits(const Host::ConfigurationFile& file) const {
-    // A page shows some characters of a version as others, and its link has what the page shows.
+    // A page shows some characters of a version as others, and its link contains the shown ones.
     return (partition.empty() || partition == std::to_string(file.partition)) &&
            date == localDate(file.saveTime) &&
            Host::makeVisible(version) == Host::makeVisible(versionPart(file.version));

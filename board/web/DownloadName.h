@@ -16,22 +16,22 @@ namespace VeskLib::Board {
 // blanks, or "Unknown" when it begins with "-". For example Partition3_20261114_123B.dat.
 class DownloadName {
 public:
-    // Reads `text`; nothing when it has not exactly that shape, or when its version part holds
-    // control characters or bytes that are not UTF-8.
+    // Parses `text`. Returns nullopt if it does not have exactly this form, or if its version
+    // contains control characters or bytes that are not UTF-8.
     static std::optional<DownloadName> parse(const std::string& text);
 
-    // Whether a backup with the header of `file` is saved under this name.
+    // Returns true if a backup with the header of `file` is saved under this name.
     bool fits(const Host::ConfigurationFile& file) const;
 
-    // The Content-Disposition header's value that makes a browser save under this name; path
-    // separators, quotes and backslashes of a version are written as "_" there.
+    // Returns the value of the Content-Disposition header for this name, with "_" for path
+    // separators, quotes and backslashes of a version.
     std::string contentDisposition() const;
 
 private:
     DownloadName() = default;
 
     std::string text;
-    std::string partition;  // in decimal; empty when the name does not tell it
+    std::string partition;  // in decimal; empty if the name does not contain it
     std::string date;
     std::string version;
 };

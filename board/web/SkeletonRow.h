@@ -9,7 +9,7 @@
 
 namespace VeskLib::Board {
 
-// One row of a table: texts at the places of its skeleton.
+// One row of a table: a skeleton with texts.
 class SkeletonRow {
 public:
     // Prints to std::cout. Throws PException if the skeleton cannot be used.
@@ -18,8 +18,8 @@ public:
 protected:
     explicit SkeletonRow(const char* skeleton) : skeleton(skeleton) {}
 
-    // Puts a text at the place `name`, escaped. Empty texts have no place, so that the skeleton can
-    // ask for them.
+    // Adds a text as component `name`, escaped. Empty texts are not added, so that the skeleton can
+    // test for them.
     void put(const std::string& name, const std::string& text);
 
 private:

@@ -21,7 +21,7 @@ namespace {
 
 const char* const FRAME_SKELETON = "/usr/local/www/skel/skeleton_web_frame.txt";
 
-// The page's body, printed from the same places as its frame.
+// The page's body, which uses the same components as its frame.
 class Body : public Gui::HTMLComponent {
 public:
     Body(const std::string& skeleton, const std::map<std::string, Gui::HTMLComponent*>& components)

@@ -9,30 +9,30 @@
 
 namespace VeskLib::Board {
 
-// A page of the board's own: the skeleton of its body inside the frame that all of them share.
+// One of the board's own pages: the skeleton of its body in the frame that all pages share.
 class WebPage {
 public:
-    // `bodySkeleton` is the board's path of the body's skeleton, `titleCaption` the number of the
-    // caption that names the page.
+    // `bodySkeleton` is the path of the body's skeleton on the board, `titleCaption` the number of
+    // the page's title.
     WebPage(const std::string& bodySkeleton, int titleCaption);
     WebPage(const WebPage&) = delete;
     WebPage& operator=(const WebPage&) = delete;
     ~WebPage();
 
-    // Puts a text at the place `name`, escaped. A place takes one text.
+    // Adds a text as component `name`, escaped. Each name can be used once.
     void putText(const std::string& name, const std::string& text);
 
-    // Puts a caption of the catalogue at the place `name`.
+    // Adds a caption of the catalogue as component `name`.
     void putCaption(const std::string& name, int caption);
 
-    // Puts a notice of a refused request at the place `name`. `detail`, unless it is 0, is at the
-    // end of the caption, so that support can find the cause.
+    // Adds a notice of a refused request as component `name`. `detail`, unless it is 0, is appended
+    // to the caption, so that support can find the cause.
     void putNotice(const std::string& name, int caption, int detail = 0);
 
-    // Puts a component at the place `name`.
+    // Adds a component under `name` and takes ownership.
     void put(const std::string& name, std::unique_ptr<Gui::HTMLComponent> component);
 
-    // Prints the page to std::cout. Throws PException when a skeleton cannot be used.
+    // Prints the page to std::cout. Throws PException if a skeleton cannot be used.
     void print() const;
 
 private:

@@ -16,7 +16,7 @@ namespace VeskLib::Board {
 
 namespace {
 
-// Of a form: none of these programs takes a file, and none needs more.
+// None of these programs accepts a file, or needs a larger form.
 const std::size_t LARGEST_BODY = 4 * 1024;
 
 bool isListed(std::string_view methods, const std::string& method) {

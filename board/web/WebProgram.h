@@ -12,25 +12,25 @@ namespace VeskLib::Board {
 
 // One of the board's own CGI programs.
 struct WebProgram {
-    const char* allowedMethods;         // as the Allow header lists them
-    Host::ErrorPage (*otherMethods)();  // the answer to every other method
+    const char* allowedMethods;         // as in the Allow header
+    Host::ErrorPage (*otherMethods)();  // returns the page for other methods
 
-    // Prints the page and sets up the response around it. Throws Host::ErrorPage when the browser
-    // gets that page instead.
+    // Prints the page and sets the response's status and headers. Throws Host::ErrorPage to send
+    // that page instead.
     void (*handle)(const Gui::FormInfo& form, Host::Response& response);
 };
 
-// Handles the request of this process; the result is the program's exit status. Every failure,
-// also a thrown PException, ends in a whole page.
+// Handles the request of this process and returns the program's exit status. Every failure,
+// including a PException, results in a complete page.
 int runWebProgram(const WebProgram& program);
 
-// The page that says, with a caption of the catalogue, why a request was not carried out.
+// Returns a page that explains by a caption of the catalogue why a request was not carried out.
 Host::ErrorPage makeRefusal(int status, int caption);
 
-// Sends the browser to `path` of this site, with GET.
+// Redirects the browser to `path` on this site, with GET.
 void redirect(Host::Response& response, const std::string& path);
 
-// The session that the request's cookie stands for; null when there is none.
+// Returns the session of the request's cookie, or null.
 const Host::RequestSession* findRequestSession();
 
 }  // namespace VeskLib::Board

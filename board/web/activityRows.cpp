@@ -47,7 +47,7 @@ const CodeWords CODES[] = {
     {Host::BACKEND_ABANDONED, 9367},
 };
 
-// The caption for `name`; 0 if there is none.
+// Returns the caption for `name`; 0 if there is none.
 template <std::size_t Count>
 int captionFor(const Words (&table)[Count], std::string_view name) {
     for (const Words& words : table) {
@@ -58,7 +58,8 @@ int captionFor(const Words (&table)[Count], std::string_view name) {
     return 0;
 }
 
-// The words for `name`, or itself: a later version of the board may have written the line.
+// Returns the words for `name`, or `name` itself, because a later version of the board may have
+// written the line.
 template <std::size_t Count>
 std::string wordsFor(const Words (&table)[Count], const std::string& name) {
     const int number = captionFor(table, name);
@@ -98,7 +99,7 @@ std::string formatTime(std::time_t time, bool local, const char* format) {
     return std::string(text, std::strftime(text, sizeof text, format, &parts));
 }
 
-// The texts of one row, each at its place.
+// One row of the table of actions.
 class Row : public SkeletonRow {
 public:
     explicit Row(const Host::AuditRecord& record) : SkeletonRow(ROW_SKELETON) {

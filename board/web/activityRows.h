@@ -8,19 +8,19 @@
 
 namespace VeskLib::Board {
 
-// The latest actions, the newest first: of `user`, or of everybody if `user` is empty. Of a restore
-// only its outcome counts, if there is one.
+// The latest actions of one user or of all, newest first. Of a restore, only the outcome is listed
+// if there is one.
 struct LatestActions {
     std::vector<Host::AuditRecord> records;
     bool complete = true;     // false if older actions were left out
-    bool unreadable = false;  // the log, or one of its former files
+    bool unreadable = false;  // true if a file of the log could not be read
 };
 
-// Which restores have an outcome, found in the log from its newest line on.
+// Collects the restores that have an outcome, from the events of the log in reverse order.
 class RestoreOutcomes {
 public:
-    // Notes the outcome of a restore. Returns true if `event` is the beginning of one whose outcome
-    // was noted before.
+    // Notes the outcome of a restore. Returns true if `event` is the start of a restore with an
+    // outcome already noted.
     bool settle(const Host::AuditEvent& event);
 
 private:
@@ -29,22 +29,22 @@ private:
 
 inline constexpr std::size_t MOST_ACTIONS = 100;
 
-// Bytes of the audit log that one page reads at most.
+// The most bytes of the audit log that one page reads.
 inline constexpr std::size_t MOST_AUDIT_BYTES = 4 * 1024 * 1024;
 
 LatestActions readLatestActions(const std::string& user);
 
-// What an action is and how it ended, in words of the request's language.
+// Return what an action was and how it ended, in the request's language.
 std::string describeAction(const Host::AuditEvent& event);
 std::string describeResult(const Host::AuditEvent& event);
 
-// "2026-01-31 23:59:59" in the board's own time.
+// Returns a time as "2026-01-31 23:59:59", in the board's local time.
 std::string localTime(std::time_t time);
 
-// "2026-01-31T22:59:59Z", for programs.
+// Returns a time as "2026-01-31T22:59:59Z", for programs.
 std::string utcTime(std::time_t time);
 
-// Prints the rows of the table.
+// Prints one row per action.
 void printActivityRows(const LatestActions& actions);
 
 }  // namespace VeskLib::Board

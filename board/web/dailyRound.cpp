@@ -22,7 +22,7 @@ namespace {
 
 const char* const ROW_SKELETON = "/usr/local/www/skel/skeleton_web_round_tbl.txt";
 
-// The menu is there soon, whatever the back-end does.
+// The menu must appear soon, whatever the back-end does.
 const int PATIENCE_MILLISECONDS = 3000;
 
 const std::time_t DAY = 24 * 60 * 60;
@@ -47,7 +47,7 @@ int ask(Host::Channel& channel, std::uint32_t number, VeskUi::SerializableObject
     return Host::takeAnswer(std::move(reply.payload), packet);
 }
 
-// The version of the partition's home board.
+// Returns the BIOS version of the partition's home board; "-" if it has none.
 std::string versionOf(int partition, const VeskUi::PartitionInfoPacket& partitions,
                       const VeskUi::HardInstallInfoPacket& boards,
                       const VeskUi::VersionInfoPacket& versions) {
@@ -148,7 +148,7 @@ bool findLastTimes(std::vector<RoundRow>& rows) {
     std::string_view line;
     Host::AuditRecord record;
     while (missing > 0 && history.next(line)) {
-        // Most lines are about something else, and are not taken apart.
+        // Skips the parsing of most lines, which are about something else.
         const bool maybe = line.find("\"backup\"") != std::string_view::npos ||
                            line.find("\"restore\"") != std::string_view::npos;
         if (!maybe || !Host::decode(line, record)) {

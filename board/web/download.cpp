@@ -18,7 +18,7 @@ namespace VeskLib::Board {
 
 namespace {
 
-const char* const BACKUP_DOWNLOAD = "5";  // the only function that there is a download for
+const char* const BACKUP_DOWNLOAD = "5";  // the only function with a download
 
 void traceMissingBackup(const std::string& path, const char* reason, int systemError) {
     const std::string text =
@@ -53,8 +53,8 @@ DownloadName readName(const Gui::FormInfo& form) {
     return *downloadName;
 }
 
-// The session's backup, whole. The name must be the backup's own: the link of an earlier backup
-// never delivers the bytes of a later one.
+// Returns the bytes of the session's backup. The name must be that of the backup, so that the link
+// of an earlier backup never delivers a later one.
 std::vector<unsigned char> readBackup(const Host::Session& session, const DownloadName& name) {
     const std::string path = getCGIPath(Host::BACKUP_FILE) + session.identifier;
     std::vector<unsigned char> bytes;
@@ -74,7 +74,7 @@ std::vector<unsigned char> readBackup(const Host::Session& session, const Downlo
     return bytes;
 }
 
-// Before anything leaves: what cannot be recorded is not handed out.
+// Called before anything is sent, because a download that cannot be recorded must not happen.
 void recordDownload(const std::vector<unsigned char>& bytes) {
     Host::AuditEvent event = Host::makeAuditEvent("download");
     event.file = Host::auditedFile(bytes);

@@ -23,15 +23,15 @@ bool isLanguage(const std::string& tag) {
            Host::languages().end();
 }
 
-// Needs no session: a language is chosen on the login page, too.
+// Needs no session, because the login page also has a choice of languages.
 void chooseLanguage(const Gui::FormInfo& form, Host::Response& response) {
     std::string tag;
     if (!form.getFormData("language", tag) || !isLanguage(tag)) {
-        throw Host::makePlatformException(Host::REQUEST_MALFORMED, "No language of the board");
+        throw Host::makePlatformException(Host::REQUEST_MALFORMED, "Not a language of the board");
     }
     response.addHeader("Set-Cookie",
                        Host::makeCookie(Host::LANGUAGE_COOKIE, tag, LANGUAGE_LIFE_SECONDS));
-    // Back to the page on which it was chosen.
+    // Returns to the page with the choice.
     std::string function;
     form.getFormData("functionID", function);
     if (Host::pageOfFunction(function).empty()) {
@@ -57,8 +57,8 @@ private:
     bool mayRestore;
 };
 
-// The installed partitions, for users who have something to do with them. Without an answer of the
-// back-end the menu says so, and is complete otherwise.
+// Adds the installed partitions for users who may back up or restore. If the back-end does not
+// answer, the menu says so but is otherwise complete.
 void putRound(WebPage& page, const Host::RequestSession& user) {
     const bool mayBackUp = user.mayUse(Host::BACKUP_FUNCTION);
     const bool mayRestore = user.mayUse(Host::RESTORE_FUNCTION);

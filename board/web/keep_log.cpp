@@ -1,8 +1,8 @@
-// Keeps what a server writes into its log from filling the disk.
+// Prevents a server's log from filling the disk.
 //
 // usage: keep_log FILE
 //
-// Appends the lines of standard input to FILE, which is bounded, until standard input ends.
+// Appends the lines of standard input to FILE, with limited size, until the input ends.
 
 #include "platform/host/storage/boundedLog.h"
 
@@ -18,10 +18,10 @@ const int DONE = 0;
 const int FAILED = 1;
 const int MISUSED = 2;
 
-// A line that is longer is written in several pieces.
+// A longer line is written in pieces.
 const std::size_t LONGEST_LINE = 16 * 1024;
 
-// Writes the whole lines of `text` and takes them out of it.
+// Writes the complete lines of `text` and removes them from it.
 void writeLines(const char* path, std::string& text) {
     std::size_t end = text.rfind('\n') + 1;  // npos + 1 is 0
     if (end == 0 && text.size() >= LONGEST_LINE) {
@@ -63,7 +63,7 @@ int main(int argc, char** argv) {
         keepLog(argv[1]);
         return DONE;
     } catch (const std::exception&) {
-        // Out of memory; the server starts another.
+        // Out of memory; the server will restart this program.
         return FAILED;
     }
 }

@@ -33,7 +33,7 @@ void traceRefusedLogin(int code) {
     trace::VeskTrace(1, 3, 2).putLog(0, text.c_str());
 }
 
-// 0 with `answer` filled, or the error code of the back-end or of the channel to it.
+// Returns 0 and sets `answer`, or returns the error code of the back-end or the channel.
 int askBackend(const Host::LoginRequest& login, Host::LoginAnswer& answer) {
     Host::RequestFrame request;
     request.kind = Host::RequestKind::LOGIN;
@@ -47,13 +47,13 @@ int askBackend(const Host::LoginRequest& login, Host::LoginAnswer& answer) {
     return Host::decode(reply.payload, answer) ? 0 : Host::CHANNEL_BAD_OBJECT;
 }
 
-// Where a login leads: the page of the function, or the menu.
+// Returns the path to go to after a login: the function's page, or the menu.
 std::string targetOf(const std::string& function) {
     const std::string page = Host::pageOfFunction(function);
     return page.empty() ? "/" : page;
 }
 
-// The function whose page was wanted, as the form has it; "" for the menu.
+// Returns the number of the requested function from the form; "" for the menu.
 std::string functionOf(const Gui::FormInfo& form) {
     std::string function;
     form.getFormData("functionID", function);
@@ -66,7 +66,7 @@ void putFunction(WebPage& page, const std::string& function) {
     }
 }
 
-// The form again, with the typed name and without the password.
+// Prints the form again, with the typed name but without the password.
 void printRefusedForm(const std::string& user, const std::string& function, int caption,
                       int detail) {
     WebPage page(LOGIN_SKELETON, LOGIN_TITLE);
@@ -92,8 +92,8 @@ void recordRefusedLogin(int code) {
     Host::recordRefusal(event);
 }
 
-// A session that the browser already has is never adopted, so that nobody can be logged in to a
-// session that another knows; it ends when the new one stands.
+// Always starts a new session, because somebody else might know the one that the browser has. That
+// one is ended once the new one exists.
 void startNewSession(const std::string& user, const std::string& function,
                      Host::Response& response) {
     const Host::RequestSession* const former = findRequestSession();
@@ -109,7 +109,7 @@ void startNewSession(const std::string& user, const std::string& function,
                            Host::makeCookie(Host::SESSION_COOKIE, session.cookieValue()));
         redirect(response, targetOf(function));
     } catch (...) {
-        // The browser never learns of the session.
+        // The browser has not received the session.
         Host::endSession(session.identifier);
         throw;
     }
@@ -120,7 +120,7 @@ bool isDevice(const std::string& text) {
            text.find_first_not_of("0123456789abcdef") == std::string::npos;
 }
 
-// What this browser was named; empty when it has no name.
+// Returns the name that this browser was given; empty if it has none.
 std::string readDevice() {
     const std::string device = Host::readCookie(Host::cookieName(DEVICE_COOKIE));
     return isDevice(device) ? device : "";
@@ -133,7 +133,8 @@ void keepDevice(const std::string& device, Host::Response& response) {
     }
 }
 
-// Lets the back-end tell a browser from a program that guesses without having seen the form.
+// Names a new browser, so that the back-end can distinguish it from a program that guesses
+// passwords without loading the form.
 void nameBrowser(Host::Response& response) {
     if (readDevice().empty()) {
         keepDevice(Host::makeRandomText(DEVICE_DIGITS / 2), response);
@@ -148,7 +149,7 @@ void handleLogin(const Gui::FormInfo& form, Host::Response& response) {
         page.print();
         return;
     }
-    // Addresses are kept in logs and histories; one with a password in it must not work.
+    // Logs and histories store addresses, so one that contains a password must not work.
     if (!Host::readEnvironment("QUERY_STRING").empty()) {
         throw makeRefusal(400, MALFORMED_REQUEST);
     }

@@ -1,8 +1,8 @@
--- Completes the answers that the server gives itself.
+-- Completes the responses that the server itself generates.
 local headers = lighty.r.resp_header
 
--- The headers of answers that the server gives before it has understood the request: it applies no
--- other setting of lighttpd.conf to them.
+-- The headers of responses to requests that the server could not parse. It applies no other setting
+-- of lighttpd.conf to them.
 if not headers["X-Content-Type-Options"] then
     headers["X-Content-Type-Options"] = "nosniff"
     headers["X-Frame-Options"] = "DENY"
@@ -22,7 +22,7 @@ local function board_name()
     return name and name:gsub("[&<>]", { ["&"] = "&amp;", ["<"] = "&lt;", [">"] = "&gt;" })
 end
 
--- An error page names the board in its title and its header, as every other page does.
+-- An error page has the board's name in its title and its header, like every other page.
 local status = lighty.r.req_item.http_status
 local page = status >= 400 and lighty.r.resp_body.get
 if page and page:find("<!--board-->", 1, true) then

@@ -6,11 +6,11 @@ namespace VeskLib::Board {
 
 namespace {
 
-// The smallest picture there is: a page's script can ask for it without leaving the page.
+// The smallest possible picture. A script can request it without leaving the page.
 const char* const PICTURE =
     "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"1\" height=\"1\"/>\n";
 
-// Uses the session: that it was found is all.
+// Does nothing else, because finding the session marks it as used.
 void handleStay(const Gui::FormInfo& /*form*/, Host::Response& response) {
     if (findRequestSession() == nullptr) {
         throw Host::makeLoginPage();

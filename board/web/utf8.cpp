@@ -15,7 +15,7 @@ bool isContinuation(unsigned char byte) {
     return (byte & 0xC0) == 0x80;
 }
 
-// The number of bytes of a character that begins with `first`; 0 when none does.
+// Returns the length in bytes of a character that begins with `first`; 0 if none does.
 std::size_t characterLength(unsigned char first) {
     if (first < 0x80) {
         return 1;
@@ -29,7 +29,8 @@ std::size_t characterLength(unsigned char first) {
     return first >= 0xF0 && first <= 0xF4 ? 4 : 0;
 }
 
-// Takes the character at the start of `text`, which is not empty. False when it is malformed.
+// Removes the character at the start of `text`, which must not be empty. Returns false if it is
+// malformed.
 bool takeCharacter(std::string_view& text, std::uint32_t& character) {
     const unsigned char first = byteAt(text, 0);
     const std::size_t length = characterLength(first);

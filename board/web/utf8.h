@@ -7,14 +7,14 @@ namespace VeskLib::Board {
 
 bool isASCII(std::string_view text);
 
-// Whether `text` is well-formed UTF-8 without control characters (C0, DEL and C1).
+// Returns true if `text` is well-formed UTF-8 without control characters (C0, DEL and C1).
 bool isPrintableUTF8(std::string_view text);
 
-// `text` with every character beyond ASCII replaced by one `replacement`. `text` must be
+// Returns `text` with each character outside ASCII replaced by one `replacement`. `text` must be
 // well-formed UTF-8.
 std::string replaceNonASCII(std::string_view text, char replacement);
 
-// `text` with every byte but ASCII letters, digits, "-", "." and "_" written as "%" and two
+// Returns `text` with every byte but ASCII letters, digits, "-", "." and "_" encoded as "%" and two
 // hexadecimal digits.
 std::string percentEncode(std::string_view text);
 

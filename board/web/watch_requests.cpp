@@ -1,10 +1,10 @@
-// Runs the web server, and ends those of its connections on which a request, or the beginning of
-// encryption, takes too long to arrive: the server itself only ends those that fall silent, so that
-// one byte now and then would hold a connection for hours.
+// Runs the web server, and closes connections on which a request or a TLS handshake takes too long
+// to arrive. The server itself only closes silent connections, so that a byte now and then would
+// keep one open for hours.
 //
 // Usage: watch_requests COMMAND [WORD]...
 //
-// The command takes this process's place; a child of it watches it from outside, and ends with it.
+// The command replaces this process. A child process watches it, and exits with it.
 
 #include "platform/host/base/Descriptor.h"
 
@@ -33,20 +33,20 @@ namespace {
 using VeskLib::Host::Descriptor;
 using Clock = std::chrono::steady_clock;
 
-// A request must be whole so long after its first byte. With the period below, 30 seconds.
+// A request must be complete this long after its first byte; 30 seconds with the periods below.
 const std::chrono::seconds LONGEST_ARRIVAL(28);
 const int PERIOD_MILLISECONDS = 1000;
 const std::string SOCKET_LINK = "socket:";
 
-// What is known of one connection from former looks at it.
+// The state of a connection when it was last checked.
 struct Traffic {
     std::uint64_t received = 0;
     std::uint64_t sent = 0;
-    bool unanswered = false;  // bytes came after the last that were sent
-    Clock::time_point since;  // when they were first seen
+    bool unanswered = false;  // bytes have arrived since the last ones were sent
+    Clock::time_point since;  // when the first of them were seen
 };
 
-// By the names of the sockets, which the kernel does not use again soon.
+// By the names of the sockets, which the kernel does not reuse soon.
 using Connections = std::map<std::string, Traffic>;
 
 struct Process {
@@ -54,8 +54,8 @@ struct Process {
     int descriptor;
 };
 
-// True when bytes arrive that should have been there long before. A request that is whole may be
-// worked on for as long as it takes: nothing more arrives on its connection.
+// Returns true if bytes of an overdue request still arrive. A complete request may be processed for
+// any time, because nothing more arrives on its connection.
 bool isOverdue(Traffic& traffic, const tcp_info& info, Clock::time_point now) {
     const bool answered = traffic.sent != info.tcpi_bytes_sent;
     const bool arriving = traffic.received != info.tcpi_bytes_received;
@@ -70,7 +70,7 @@ bool isOverdue(Traffic& traffic, const tcp_info& info, Clock::time_point now) {
     return traffic.unanswered && arriving && now - traffic.since >= LONGEST_ARRIVAL;
 }
 
-// The process's open descriptors that are sockets, with their names.
+// Returns the names of the process's open sockets, by descriptor.
 std::map<int, std::string> socketsOf(pid_t process) {
     std::map<int, std::string> sockets;
     const std::string folder = "/proc/" + std::to_string(process) + "/fd";
@@ -86,7 +86,7 @@ std::map<int, std::string> socketsOf(pid_t process) {
     return sockets;
 }
 
-// A descriptor of this process for the same open socket.
+// Returns a descriptor of this process for the same open socket.
 Descriptor borrow(const Process& server, int descriptor) {
     return Descriptor(
         static_cast<int>(::syscall(SYS_pidfd_getfd, server.descriptor, descriptor, 0)));
@@ -110,7 +110,7 @@ void lookAtConnections(const Process& server, Connections& connections) {
     connections.swap(seen);
 }
 
-// The server allows this process to look at it before it is replaced by its own program.
+// Runs in the child process. The parent grants it access before it becomes the server.
 void watch(const Process& server) {
     Connections connections;
     pollfd end = {.fd = server.descriptor, .events = POLLIN, .revents = 0};
@@ -122,7 +122,7 @@ void watch(const Process& server) {
     }
 }
 
-// Whether a process may do here what watch() does; some sandboxes forbid it.
+// Returns true if the calls of watch() are permitted; some sandboxes forbid them.
 bool isPossible(const Process& process) {
     return borrow(process, STDERR_FILENO).isOpen();
 }
@@ -136,7 +136,7 @@ int main(int argc, char** argv) {
     }
     const Process server = {::getpid(), static_cast<int>(::syscall(SYS_pidfd_open, ::getpid(), 0))};
     if (server.descriptor < 0 || !isPossible(server)) {
-        std::cerr << "watch_requests: this machine does not let requests be watched ("
+        std::cerr << "watch_requests: requests cannot be watched on this machine ("
                   << std::strerror(errno) << "): slow ones are not ended\n";
     } else {
         const pid_t watcher = ::fork();

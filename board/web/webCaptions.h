@@ -2,8 +2,8 @@
 
 namespace VeskLib::Board {
 
-// The captions that the board's web programs choose themselves; those that only their skeletons
-// use stand in the skeletons.
+// The captions that the code of the board's web programs uses; those that only skeletons use are in
+// the skeletons.
 enum WebCaption : int {
     MENU_TITLE = 9002,
     REFUSAL_TITLE = 9010,

@@ -1,4 +1,4 @@
-"""Every action leaves its line in the audit log, whoever would rather not have it there."""
+"""Tests that every action leaves its line in the audit log, and that nobody can prevent it."""
 
 import hashlib
 import os
@@ -47,7 +47,7 @@ class Actions(AuditTest):
         last = self.last(event="logout", **self.known)
         self.assertNotEqual(first["request"], last["request"])
 
-    def test_failed_login_without_what_was_typed(self):
+    def test_failed_login_without_typed_text(self):
         before = len(self.events(event="login_failed", address="127.0.7.2"))
         stranger = Browser(self.board, address="127.0.7.2")
         stranger.post("/login.cgi", TYPED)
@@ -115,7 +115,7 @@ class Actions(AuditTest):
         self.assertEqual(run.answered, 403)
         self.last(event="refusal", reason="cross_site", address="127.0.7.5")
 
-    def test_change_that_no_program_sends_is_recorded(self):
+    def test_direct_request_to_the_backend_is_recorded(self):
         frames.back_up(self.board, "0123456789abcdef")
         self.last(event="backup", code=frames.NO_SESSION)
 
@@ -124,7 +124,7 @@ class Actions(AuditTest):
         self.assertIn("partition 7 on", self.last(event="fault_order")["order"])
         self.board.control("reset")
 
-    def test_sessions_that_end_by_themselves(self):
+    def test_expired_and_replaced_sessions(self):
         path = self.board.path(SESSIONS) / self.admin.identifier
         long_ago = time.time() - 7200
         os.utime(path, (long_ago, long_ago))
@@ -136,14 +136,14 @@ class Actions(AuditTest):
             Browser(self.board, "viewer")
         self.last(event="session_ended", session=oldest.identifier, user="viewer")
 
-    def test_every_line_has_what_is_known(self):
+    def test_every_line_has_all_known_fields(self):
         self.admin.upload(self.file)
         self.admin.restore(3)
         events = audit.read(self.board)
         self.assertNotEqual(events, [])
         for event in events:
             with self.subTest(event=event):
-                # What another test sends to the back-end by itself has neither.
+                # Requests that other tests send directly to the back-end have neither.
                 if (event["event"] in ("login", "login_failed", "logout", "upload", "download",
                                        "restore", "discard", "refusal")
                         and event.get("code") != frames.NO_SESSION):
@@ -166,7 +166,7 @@ class StartAndEnd(AuditTest):
 class Flood(AuditTest):
     REQUESTS = 500
 
-    def test_anonymous_requests_drown_nothing(self):
+    def test_anonymous_requests_displace_no_lines(self):
         admin = Browser(self.board, "admin", address=ADDRESS)
         evidence = self.last(event="login", session=admin.identifier)
         started = time.monotonic()
@@ -186,16 +186,16 @@ class Flood(AuditTest):
                 kinds[kind] = kinds.get(kind, 0) + 1
         self.assertNotEqual(kinds, {})
         for kind, count in kinds.items():
-            # The period of the limit and the clock's minute need not begin together.
+            # The limit's minute need not begin with the clock's.
             self.assertLessEqual(count, (LINES_A_MINUTE + 1) * (minutes + 1), kind)
-        # What is done now is recorded all the same.
+        # Later actions are still recorded.
         admin.post("/logout.cgi", {})
         self.last(event="logout", session=evidence["session"])
         if LONG:
             self.assert_counted()
 
     def assert_counted(self):
-        """None is lost: those without a line are in a count, once the minute is over."""
+        """Expects that no request is lost: those without a line are counted after the minute."""
         sent = self.REQUESTS
         seen = 0
         end = time.monotonic() + 400

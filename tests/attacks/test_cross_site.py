@@ -1,4 +1,4 @@
-"""A link on another site opens a screen and does nothing else."""
+"""Tests that a link on another site can only open a screen."""
 
 import unittest
 
@@ -35,7 +35,7 @@ class CrossSite(AttackTest):
             self.assertEqual(self.statuses(link, site), (403, 403))
         self.assertEqual(self.statuses(link, "same-origin"), (200, 200))
 
-    def test_link_with_a_function_alone_is_answered(self):
+    def test_link_with_only_a_function_is_answered(self):
         for function in ("105", "106"):
             for site in ("cross-site", "same-site", "same-origin", "none", None):
                 with self.subTest(function=function, site=site):

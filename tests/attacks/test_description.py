@@ -1,4 +1,5 @@
-"""Rights are those of the board description as it is now, and the back-end asks for them itself."""
+"""Tests that rights are those of the current board description, and that the back-end checks them
+itself."""
 
 import unittest
 
@@ -17,7 +18,7 @@ class Description(AttackTest):
         self.board.describe(users)
         self.board.start()
 
-    def test_rights_are_those_of_the_description_now(self):
+    def test_rights_follow_the_current_description(self):
         leaver, mover, admin = (Browser(self.board, user, "admin")
                                 for user in ("leaver", "mover", "admin"))
         for browser in (leaver, mover):
@@ -25,32 +26,32 @@ class Description(AttackTest):
         state = self.board.state()
         self.serve_again({"admin": [105, 106], "mover": [105], "viewer": []})
 
-        with self.subTest("a user who was taken out has no session"):
+        with self.subTest("a removed user has no session"):
             self.assertFalse(leaver.is_logged_in())
             self.assertEqual(leaver.get(SCREEN + "?functionID=105").status, 403)
             self.assertEqual(leaver.restore(3).status, 403)
             self.assertEqual(leaver.backup().status, 403)
             run = self.board.run(SCREEN[1:], query="functionID=105", cookie=leaver.cookie_header)
             self.assertEqual(run.answered, 403)
-        with self.subTest("a function that was taken away is refused"):
+        with self.subTest("a removed function is refused"):
             self.assertTrue(mover.is_logged_in())
             self.assertEqual(mover.get(SCREEN + "?functionID=106").status, 403)
             self.assertEqual(mover.upload(configuration_file()).status, 403)
             self.assertEqual(mover.restore(3).status, 403)
             run = self.board.run(SCREEN[1:], query="functionID=106", cookie=mover.cookie_header)
             self.assertEqual(run.answered, 403)
-        with self.subTest("the back-end refuses both by itself"):
+        with self.subTest("the back-end itself refuses both"):
             self.assertEqual(frames.back_up(self.board, leaver.identifier), frames.NO_SESSION)
             self.assertEqual(frames.restore(self.board, leaver.identifier, 3), frames.NO_SESSION)
             self.assertEqual(frames.restore(self.board, mover.identifier, 3), frames.NOT_ALLOWED)
-        with self.subTest("what was left keeps its rights"):
+        with self.subTest("the remaining users keep their rights"):
             self.assertEqual(mover.get(SCREEN + "?functionID=105").status, 200)
             self.assertEqual(admin.get(SCREEN + "?functionID=106").status, 200)
         self.assertEqual(self.board.state(), state)
 
 
 class BackendTest(AttackTest):
-    """Changes that are asked for without any program in between."""
+    """Changes requested directly from the back-end."""
 
     def setUp(self):
         for name in self.board.temporary_files():
@@ -63,7 +64,7 @@ class BackendTest(AttackTest):
                 self.assertEqual(frames.restore(self.board, session, 3), frames.NO_SESSION)
         self.assertEqual(self.board.temporary_files(), [])
 
-    def test_staged_file_of_nobody_is_not_restored(self):
+    def test_staged_file_without_session_is_not_restored(self):
         state = self.board.state()
         staged = self.board.path("/var/tmp/restored_eficonf" + NOBODY)
         staged.write_bytes(configuration_file())
@@ -78,7 +79,7 @@ class BackendTest(AttackTest):
         self.assertEqual(frames.restore(self.board, viewer.identifier, 3), frames.NOT_ALLOWED)
         self.assertEqual(self.board.temporary_files(), [])
 
-    def test_sessions_that_have_ended_are_refused(self):
+    def test_ended_sessions_are_refused(self):
         admin = Browser(self.board, "admin")
         identifier = admin.identifier
         self.assertEqual(frames.back_up(self.board, identifier), 0)

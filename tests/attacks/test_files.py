@@ -1,4 +1,4 @@
-"""The board's files are its own user's alone, whatever the umask and whoever made the root."""
+"""Tests that only the board's user can use its files, whatever the umask and the root's owner."""
 
 import os
 import stat
@@ -21,7 +21,7 @@ def mode_of(path):
 
 
 class Modes(unittest.TestCase):
-    """Everything is done without any umask."""
+    """The umask is 0."""
 
     @classmethod
     def setUpClass(cls):
@@ -71,7 +71,7 @@ class Modes(unittest.TestCase):
 
 
 class Roots(unittest.TestCase):
-    """Roots in which another could change what the board believes."""
+    """Roots in which another user could change the board's files."""
 
     def setUp(self):
         folder = tempfile.TemporaryDirectory(prefix="attacks-")
@@ -86,7 +86,7 @@ class Roots(unittest.TestCase):
         self.description.chmod(0o600)
 
     def run_briefly(self, *command):
-        """How a command ends that must not serve; one that does is ended."""
+        """Runs a command that must refuse to serve; ends it if it serves. Returns the result."""
         process = subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
                                    text=True)
         line = process.stdout.readline()

@@ -1,5 +1,5 @@
-"""Passwords cannot be guessed faster than 20 times in the first minute and 10 a minute from then
-on, for each account. ATTACKS_LONG=1 guesses for two minutes."""
+"""Tests that for each account, no more than 20 passwords can be guessed in the first minute and 10
+in each later minute. ATTACKS_LONG=1 guesses for two minutes."""
 
 import math
 import threading
@@ -16,18 +16,18 @@ GUESSES_A_MINUTE = 10
 
 
 def allowed(seconds):
-    """How many guesses may be looked at in the time."""
+    """Returns how many guesses may be checked in `seconds`."""
     later = max(0.0, seconds - 60) / 60
     return GUESSES_IN_FIRST_MINUTE + math.ceil(GUESSES_A_MINUTE * later)
 
 
 class Guesses:
-    """Counts the answers of guesses at one account, from several threads."""
+    """Counts the answers to guesses at one account; may be used by several threads."""
 
     def __init__(self):
         self.started = time.monotonic()
-        self.looked_at = 0
-        self.refused_unseen = 0
+        self.checked = 0
+        self.refused_unchecked = 0
         self.others = []
         self.lock = threading.Lock()
 
@@ -38,24 +38,24 @@ class Guesses:
     def count(self, status):
         with self.lock:
             if status == REJECTED:
-                self.looked_at += 1
+                self.checked += 1
             elif status == TOO_SOON:
-                self.refused_unseen += 1
+                self.refused_unchecked += 1
             else:
                 self.others.append(status)
 
     def is_over(self):
-        """Whether the attack has taken long enough, or has clearly succeeded."""
+        """Returns true if the attack has lasted long enough or has clearly succeeded."""
         return (self.seconds > ATTACK_SECONDS
-                or self.looked_at > 5 * GUESSES_IN_FIRST_MINUTE and not LONG)
+                or self.checked > 5 * GUESSES_IN_FIRST_MINUTE and not LONG)
 
 
 class Guessing(AttackTest):
     users = {name: [105, 106] for name in ("first", "second", "third", "fourth")} | {"viewer": []}
 
     def attack(self, guess, attackers):
-        """Many attackers at a time each call `guess` with numbers of their own, which returns the
-        status of the answer. A guess may have to wait for its answer."""
+        """Runs `attackers` threads. Each calls `guess` with its own range of numbers; `guess`
+        returns the status of the answer and may block."""
         guesses = Guesses()
 
         def run(first):
@@ -71,18 +71,18 @@ class Guessing(AttackTest):
         for each in threads:
             each.join()
         seconds = guesses.seconds
-        print(f"{self.id()}: {guesses.looked_at} guesses looked at in {seconds:.0f} s, "
-              f"{guesses.refused_unseen} not looked at")
+        print(f"{self.id()}: {guesses.checked} guesses checked in {seconds:.0f} s, "
+              f"{guesses.refused_unchecked} refused unchecked")
         self.assertEqual(guesses.others, [])
-        self.assertGreater(guesses.looked_at, 0)
-        self.assertLessEqual(guesses.looked_at, allowed(seconds))
+        self.assertGreater(guesses.checked, 0)
+        self.assertLessEqual(guesses.checked, allowed(seconds))
 
-    def test_success_of_another_account_does_not_help(self):
+    def test_login_to_another_account_does_not_help(self):
         browser = Browser(self.board, address="127.0.1.1")
 
         def guess(number):
             if number % 4 == 0:
-                # Whether it gets in is of no interest here.
+                # This login may succeed or not.
                 self.assertIn(browser.log_in("viewer", "admin").status, (LOGGED_IN, TOO_SOON))
             return browser.log_in("first", "guess").status
 
@@ -98,12 +98,12 @@ class Guessing(AttackTest):
             "login.cgi", "POST", body=b"user=third&password=guess",
             REMOTE_ADDR=f"127.0.3.{number % 250 + 1}").answered, 5)
 
-    def test_addresses_that_a_client_claims_do_not_help(self):
+    def test_claimed_addresses_do_not_help(self):
         self.attack(lambda number: Browser(
             self.board, address="127.0.4.1", headers={"X-Forwarded-For": f"10.0.1.{number % 250}"}
         ).log_in("fourth", "guess").status, 2)
 
-    def test_unknown_accounts_are_slowed_down_alike(self):
+    def test_unknown_accounts_are_slowed_down_too(self):
         self.attack(lambda number: Browser(
             self.board, address=f"127.0.5.{number % 250 + 1}").log_in("nobody", "guess").status, 5)
 

@@ -1,4 +1,4 @@
-"""The board answers to its own names only, and forms are taken from its own pages only."""
+"""Tests that the board answers only to its own names and accepts forms only from its own pages."""
 
 import unittest
 
@@ -26,7 +26,7 @@ class HostTest(AttackTest):
 class Hosts(HostTest):
     def test_foreign_names_are_refused(self):
         for host in FOREIGN_HOSTS:
-            # What is no host at all may be refused as malformed.
+            # An invalid host may be refused as malformed.
             refusals = (MISDIRECTED, 400) if "@" in host else (MISDIRECTED,)
             for target in TARGETS:
                 with self.subTest(host=host, target=target):
@@ -49,7 +49,7 @@ class Hosts(HostTest):
                 self.assertEqual(self.status(host, "/default.css"), 200)
                 self.assertEqual(self.run_status(host), 200)
 
-    def test_name_that_was_not_given_is_refused(self):
+    def test_other_name_is_refused(self):
         self.assertEqual(self.status("board.example:{port}"), MISDIRECTED)
 
 
@@ -64,7 +64,7 @@ class GivenHosts(HostTest):
                 self.assertEqual(self.run_status(host), 200)
 
     def test_given_name_without_port_is_served(self):
-        # What stands in front of the board has a port of its own.
+        # A proxy before the board uses another port.
         self.assertEqual(self.status("board.example"), 200)
 
     def test_foreign_names_are_refused(self):
@@ -72,7 +72,7 @@ class GivenHosts(HostTest):
             with self.subTest(host=host):
                 self.assertIn(self.status(host), (MISDIRECTED, 400))
 
-    def test_forms_of_a_given_name_are_taken(self):
+    def test_forms_of_a_given_name_are_accepted(self):
         host = f"board.example:{self.board.port}"
         browser = Browser(self.board, headers={"Host": host, "Origin": "http://" + host})
         self.assertEqual(browser.log_in("admin").status, 303)
@@ -80,7 +80,7 @@ class GivenHosts(HostTest):
 
 class Origins(AttackTest):
     def statuses(self, origin):
-        """How a login of this origin is answered, with the server and without."""
+        """Returns the statuses of a login from this origin, through the server and directly."""
         origin = origin.format(port=self.board.port, other=self.board.port ^ 1)
         browser = Browser(self.board, headers={"Origin": origin})
         run = self.board.run("login.cgi", "POST", body=b"user=viewer&password=viewer",
@@ -94,7 +94,7 @@ class Origins(AttackTest):
             with self.subTest(origin=origin):
                 self.assertEqual(self.statuses(origin), (FORBIDDEN, FORBIDDEN))
 
-    def test_own_origin_is_taken(self):
+    def test_own_origin_is_accepted(self):
         self.assertEqual(self.statuses("http://127.0.0.1:{port}"), (303, 303))
 
 

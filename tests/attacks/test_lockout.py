@@ -1,4 +1,4 @@
-"""Whoever guesses at an account does not keep its user, or anybody else, from logging in."""
+"""Tests that guessing passwords locks out neither the account's user nor other users."""
 
 import threading
 import time
@@ -8,13 +8,13 @@ from attacker.board import SLOWNESS, AttackTest
 from attacker.browser import SCREEN, Browser, keep_trying
 
 GUESSES_A_SECOND = 4
-# The attack has gone on for so long when the others come.
+# Seconds that the attack lasts before others log in.
 HEAD_START = 12
 
 
 class Attack:
-    """Guesses at an account, four times a second, in the background. No guess waits for the answer
-    to another."""
+    """Guesses passwords of an account in the background, four times a second, without waiting for
+    answers."""
 
     def __init__(self, board, user, address, headers=()):
         self.board = board
@@ -52,7 +52,7 @@ class LockoutTest(AttackTest):
         taken = keep_trying(lambda: browser.log_in(user, "admin"), limit)
         self.assertIsNotNone(taken, f"{user} could not log in for {limit} s")
         self.assertLessEqual(taken, limit)
-        print(f"{self.id()}: in after {taken:.1f} s, asked for {seconds} s")
+        print(f"{self.id()}: logged in after {taken:.1f} s, expected within {seconds} s")
 
 
 class Lockout(LockoutTest):
@@ -75,7 +75,7 @@ class Lockout(LockoutTest):
         with Attack(self.board, "known", "127.0.3.2"):
             self.assert_gets_in(browser, "known", 10)
 
-    def test_device_cookie_is_no_login(self):
+    def test_device_cookie_does_not_log_in(self):
         browser = Browser(self.board, "known", "admin", address="127.0.4.2")
         stranger = Browser(self.board, address="127.0.4.3")
         stranger.cookies = {name: value for name, value in browser.cookies.items()
@@ -87,7 +87,7 @@ class Lockout(LockoutTest):
 
 
 class BehindProxy(LockoutTest):
-    """The one address whose word counts."""
+    """A board that trusts only the proxy 127.0.0.9."""
 
     options = ("--proxy", "127.0.0.9")
     users = {"target": [105, 106], "colleague": [105], "other": []}
@@ -95,29 +95,29 @@ class BehindProxy(LockoutTest):
     def client(self, address, proxy="127.0.0.9"):
         return Browser(self.board, address=proxy, headers={"X-Forwarded-For": address})
 
-    def test_addresses_are_those_that_the_proxy_names(self):
+    def test_each_address_named_by_the_proxy_counts(self):
         with Attack(self.board, "target", "127.0.0.9", {"X-Forwarded-For": "10.0.0.1"}):
             self.assert_gets_in(self.client("10.0.0.2"), "target", 2)
             self.assert_gets_in(self.client("10.0.0.2"), "colleague", 2)
 
-    def test_log_names_the_address_that_the_proxy_names(self):
+    def test_log_has_the_address_named_by_the_proxy(self):
         self.client("10.1.2.3").log_in("other", "guess")
         self.assertIn("10.1.2.3", self.board.text_of_logs())
 
-    def test_address_that_a_client_of_the_proxy_claims_is_ignored(self):
-        # The last address is the proxy's own entry; those before it came with the request.
+    def test_address_claimed_by_a_client_of_the_proxy_is_ignored(self):
+        # The proxy added the last address; the earlier one came with the request.
         self.client("10.9.9.9, 10.1.2.4").log_in("other", "guess")
         self.assertIn("10.1.2.4", self.board.text_of_logs())
         self.assertNotIn("10.9.9.9", self.board.text_of_logs())
 
-    def test_address_that_another_client_claims_is_ignored(self):
+    def test_address_claimed_by_another_client_is_ignored(self):
         self.client("10.8.8.8", proxy="127.0.0.8").log_in("other", "guess")
         self.assertIn("127.0.0.8", self.board.text_of_logs())
         self.assertNotIn("10.8.8.8", self.board.text_of_logs())
 
 
 class WithoutProxy(AttackTest):
-    def test_address_that_a_client_claims_is_ignored(self):
+    def test_address_claimed_by_a_client_is_ignored(self):
         headers = {"X-Forwarded-For": "10.8.8.8"}
         Browser(self.board, address="127.0.0.8", headers=headers).log_in("viewer", "guess")
         self.assertIn("127.0.0.8", self.board.text_of_logs())

@@ -1,4 +1,4 @@
-"""A request that is still on its way when its session ends is not carried out."""
+"""Tests that a request still being sent when its session ends is not carried out."""
 
 import unittest
 
@@ -16,19 +16,20 @@ class Logout(AttackTest):
         for name in self.board.temporary_files():
             (self.board.path(TEMPORARY) / name).unlink()
         self.browser = Browser(self.board, "admin")
-        # No two tests restore the same.
+        # Each test restores a different configuration.
         self.file = configuration_file(payload=f"attack={self.id()}\n".encode())
         self.upload = upload_body(self.file, "a.dat", [("hidden_status", "1")])
         self.state = self.board.state()
         self.open = 0
 
     def begin(self, body, kind):
-        """Sends all of a request but its last bytes, once the program for it runs."""
+        """Sends the first half of a request and waits until its program runs. Returns the
+        connection and the other half."""
         connection = self.enterContext(Connection(self.board))
         connection.send_head(SCREEN, len(body), kind, self.browser.cookie_header)
         connection.send(body[:len(body) // 2])
         self.open += 1
-        # A server that starts the program only with the whole body cannot be attacked so.
+        # No failure: a server that reads the whole body first starts the program later.
         self.board.wait_for_program(count=self.open, seconds=2)
         return connection, body[len(body) // 2:]
 
@@ -59,7 +60,7 @@ class Logout(AttackTest):
         self.assert_nothing_done(self.finish(begun))
 
     def restore_after_logout(self, body, kind):
-        # The logout removes the staged file, so the attack has a second one on the way.
+        # The logout removes the staged file; a second upload is still being sent.
         self.browser.upload(self.file)
         upload = self.begin(self.upload, PARTS)
         restore = self.begin(body, kind)
@@ -72,7 +73,7 @@ class Logout(AttackTest):
     def test_restore_in_parts_is_not_carried_out(self):
         self.restore_after_logout(RESTORE_PARTS, PARTS)
 
-    def test_request_of_a_session_that_was_replaced_is_not_carried_out(self):
+    def test_request_of_a_replaced_session_is_not_carried_out(self):
         begun = self.begin(self.upload, PARTS)
         self.browser.log_in("admin")
         self.assert_nothing_done(self.finish(begun))

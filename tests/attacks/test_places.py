@@ -1,4 +1,4 @@
-"""What lies in the place of one of the board's files and is not the board's own is refused."""
+"""Tests that foreign files, links and pipes in place of the board's files are refused."""
 
 import os
 import re
@@ -12,7 +12,7 @@ from attacker.browser import SCREEN, Browser
 
 STRANGER = 65534
 IS_ROOT = os.geteuid() == 0
-SECONDS = 5  # in which a refusal comes
+SECONDS = 5  # time limit of a refusal
 BACKUP = b"functionID=105&hidden_status=BACKUP&radio_button=3"
 RESTORE = b"functionID=106&hidden_status=2&pid3=3"
 
@@ -31,8 +31,8 @@ class PlacesTest(AttackTest):
         return path.stat().st_size if path.exists() else 0
 
     def assert_refused(self, body):
-        """A post is answered by an error page, in time and with a line in the trace: by the
-        program on its own and behind the web server."""
+        """Expects an error page in time, and a line in the trace, for a POST request: directly to
+        the program and through the web server."""
         for ask in (self.ask_program, self.ask_server):
             with self.subTest(ask.__name__):
                 traced = self.trace_size()
@@ -79,7 +79,7 @@ class StagedFile(PlacesTest):
         self.assertEqual(self.board.state(), state, "it was restored")
         self.assertTrue(target.exists())
 
-    def test_staged_pipe_is_not_waited_for(self):
+    def test_restore_does_not_wait_for_a_staged_pipe(self):
         os.mkfifo(self.place("restored_eficonf"))
         state = self.board.state()
         self.assert_refused(RESTORE)
@@ -127,26 +127,26 @@ class SessionFile(PlacesTest):
             self.assertEqual(run.answered, 403)
 
     @unittest.skipUnless(IS_ROOT, "only root can give files away")
-    def test_session_of_another_user_of_the_machine_is_none(self):
+    def test_session_file_of_another_user_is_ignored(self):
         traced = self.trace_size()
         os.chown(self.session_file(), STRANGER, STRANGER)
         self.assert_no_session()
         self.assertGreater(self.trace_size(), traced, "nothing is traced")
 
-    def test_session_that_others_may_read_is_none(self):
+    def test_session_file_readable_by_others_is_ignored(self):
         self.session_file().chmod(0o644)
         self.assert_no_session()
 
-    def test_session_that_others_may_write_is_none(self):
+    def test_session_file_writable_by_others_is_ignored(self):
         self.session_file().chmod(0o620)
         self.assert_no_session()
 
-    def test_session_last_used_in_the_future_is_none(self):
+    def test_session_last_used_in_the_future_is_ignored(self):
         later = time.time() + 3600
         os.utime(self.session_file(), (later, later))
         self.assert_no_session()
 
-    def test_session_begun_in_the_future_is_none(self):
+    def test_session_begun_in_the_future_is_ignored(self):
         path = self.session_file()
         later = int(time.time()) + 3600
         text, count = re.subn(rb"(?m)^created=\d+$", b"created=%d" % later, path.read_bytes())
@@ -154,7 +154,7 @@ class SessionFile(PlacesTest):
         path.write_bytes(text)
         self.assert_no_session()
 
-    def test_session_that_is_a_link_is_none(self):
+    def test_session_file_that_is_a_link_is_ignored(self):
         path = self.session_file()
         elsewhere = self.board.folder / "session"
         elsewhere.write_bytes(path.read_bytes())

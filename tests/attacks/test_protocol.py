@@ -1,4 +1,4 @@
-"""Nobody leaves the one protocol that is served."""
+"""Tests that no client can switch from HTTP/1.1 to another protocol."""
 
 import re
 import unittest
@@ -26,12 +26,12 @@ class Protocol(AttackTest):
             b"HTTP2-Settings: AAMAAABkAAQAoAAAAAIAAAAA\r\n%s\r\n%s"
             % (method.encode(), self.board.port, more, body))
 
-    def test_upgrade_is_passed_over(self):
+    def test_upgrade_is_ignored(self):
         answer = self.upgrade()
         self.assertRegex(answer, rb"^HTTP/1\.1 200 ")
         self.assertNotIn(b" 101 ", answer)
 
-    def test_upgrade_of_a_post_is_passed_over(self):
+    def test_upgrade_of_a_post_is_ignored(self):
         body = b"user=nobody&password=guess"
         answer = self.upgrade("POST", b"Content-Length: %d\r\n"
                               b"Content-Type: application/x-www-form-urlencoded\r\n" % len(body),
@@ -40,7 +40,7 @@ class Protocol(AttackTest):
 
     def test_preface_is_refused(self):
         answer = self.answer(PREFACE + EMPTY_SETTINGS)
-        # A frame of settings is the first that a server of HTTP/2 sends.
+        # An HTTP/2 server sends a SETTINGS frame first.
         self.assertFalse(re.match(rb"(?s)...\x04\x00\x00\x00\x00\x00", answer), answer[:60])
         self.assertRegex(answer, rb"^(HTTP/1\.[01] (400|501|505) |$)")
 

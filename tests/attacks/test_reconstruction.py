@@ -1,7 +1,7 @@
-"""From the audit log alone, an auditor tells which configuration each partition holds: after random
-actions of five users, with back-ends and programs that were killed in between.
+"""Tests that the audit log alone shows which configuration each partition has: after random actions
+of five users, with back-ends and programs killed in between.
 
-ATTACKS_LONG=1 makes 1,000 actions; ATTACKS_SEED repeats those of a run."""
+ATTACKS_LONG=1 makes 1,000 actions; ATTACKS_SEED repeats the actions of a run."""
 
 import hashlib
 import os
@@ -16,9 +16,9 @@ from attacker.browser import SCREEN, Browser, download_link
 ACTIONS = 1000 if LONG else 150
 SEED = int(os.environ.get("ATTACKS_SEED", "20260131"))
 INSTALLED = (0, 2, 3, 5, 7)
-# Those that a file of partition 3 can be restored to; 0 and 7 refuse it.
+# Partitions that accept a file of partition 3; 0 and 7 refuse it.
 FITTING = (2, 3, 5)
-LONGEST_PAUSE = 0.03  # before a kill, about what a restore takes
+LONGEST_PAUSE = 0.03  # seconds before a kill; about the duration of a restore
 
 
 class Reconstruction(AttackTest):
@@ -99,7 +99,7 @@ class Reconstruction(AttackTest):
         self.killed["back-end"] += 1
 
     def configurations(self):
-        """Sums of what the partitions hold, of backups that are made now."""
+        """Backs up every partition; returns {partition: hash of its configuration}."""
         auditor = Browser(self.board, "user1", "admin")
         found = {}
         for partition in INSTALLED:
@@ -109,7 +109,7 @@ class Reconstruction(AttackTest):
             found[str(partition)] = hashlib.sha256(file.payload).hexdigest()
         return found
 
-    def test_log_tells_which_partition_holds_what(self):
+    def test_log_shows_configuration_of_each_partition(self):
         print(f"{ACTIONS} actions, ATTACKS_SEED={SEED}")
         for _ in range(ACTIONS):
             self.act()
@@ -126,7 +126,7 @@ class Reconstruction(AttackTest):
         held = self.configurations()
         self.assertEqual({partition: told.get(partition) for partition in held},
                          {partition: {value} for partition, value in held.items()})
-        # A log without its last restore would be noticed.
+        # Without its last restore, the log gives another result.
         short = [event for event in events if event.get("request") != restores[-1]["request"]]
         self.assertNotEqual(audit.reconstruct(short), told)
 
@@ -141,7 +141,7 @@ def start_line(value, partition="3"):
 
 
 class Auditor(unittest.TestCase):
-    """The auditor's own reading, on logs that are made up."""
+    """Tests of reconstruct(), with made-up logs."""
 
     def test_finished_restore_counts(self):
         self.assertEqual(audit.reconstruct([start_line("a"), restore_line("begun", "a", "b"),
@@ -157,7 +157,7 @@ class Auditor(unittest.TestCase):
         for value in ("a", "b"):
             self.assertEqual(audit.reconstruct([*log, start_line(value)]), {"3": {value}})
 
-    def test_lines_that_contradict_each_other_are_noticed(self):
+    def test_contradicting_lines_are_detected(self):
         for log in ([start_line("a"), start_line("b")],
                     [start_line("a"), restore_line("begun", "b", "c")],
                     [start_line("a"), restore_line("begun", "a", "b"), start_line("c")],

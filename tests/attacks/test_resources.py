@@ -1,4 +1,4 @@
-"""Requests that are large, slow or never finished take nothing from the board or from others."""
+"""Tests that large, slow or unfinished requests use up no resources of the board."""
 
 import time
 import unittest
@@ -9,9 +9,9 @@ from support.board import upload_body
 
 LARGEST_LOGIN = 4096
 LARGE = 384 * 1024
-SMALL_CHANGE = 32 * 1024  # what logs and folders may grow by meanwhile
-SETTLED = 1  # seconds; what the web server reads ahead may be on the disk for a moment
-# A request has so long to arrive, in seconds, and so much more to be noticed.
+SMALL_CHANGE = 32 * 1024  # bytes that logs and folders may grow meanwhile
+SETTLED = 1  # seconds; data that the web server reads ahead may be on the disk this long
+# A request must arrive within DEADLINE seconds; the board may end it NOTICED seconds later.
 DEADLINE, NOTICED = 30, 5
 
 
@@ -21,8 +21,8 @@ def large_upload():
 
 class Bodies(AttackTest):
     def assert_stores_nothing(self, target, body, kind, count):
-        """Sends requests but for their ends. While all of them are open, what they take of the disk
-        is given back soon, and stays so."""
+        """Sends `count` requests without their ends. Expects that the disk space they use is soon
+        released, and not used again while they are open."""
         before = self.board.disk_use()
         for _ in range(count):
             connection = self.enterContext(Connection(self.board))
@@ -30,7 +30,7 @@ class Bodies(AttackTest):
             try:
                 connection.send(body[:-100])
             except (BrokenPipeError, ConnectionResetError):
-                pass  # refused while it was sent, which is as good
+                pass  # refused while being sent, which is allowed
         end = time.monotonic() + SETTLED * SLOWNESS
         low_since = None
         used = 0
@@ -77,7 +77,7 @@ class Bodies(AttackTest):
         chunks = b"".join(b"%x\r\n%s\r\n" % (len(part), part)
                           for part in (body[:2000], body[2000:])) + b"0\r\n\r\n"
         with Connection(self.board) as connection:
-            # In one piece: the server counts a body that is there as a whole.
+            # Sent in one piece, so that the server knows the length of the body.
             connection.send(b"POST /login.cgi HTTP/1.1\r\nHost: %s\r\nConnection: close\r\n"
                             b"Content-Type: application/x-www-form-urlencoded\r\n"
                             b"Transfer-Encoding: chunked\r\n\r\n%s"
@@ -91,7 +91,7 @@ class Slowness(AttackTest):
         connection.send_head(target, len(body), kind, cookie)
         return connection, iter(body)
 
-    def test_trickling_requests_end_and_keep_nobody_waiting(self):
+    def test_trickling_requests_end_and_delay_no_others(self):
         admin = Browser(self.board, "admin")
         head = (f"GET / HTTP/1.1\r\nHost: 127.0.0.1:{self.board.port}\r\nX-Slow: "
                 + "x" * 4000).encode()

@@ -1,5 +1,5 @@
-"""A login leads back to the board's own pages and nowhere else, and nobody else keeps a session
-alive."""
+"""Tests that a login leads only to the board's own pages, and that other sites cannot keep a
+session alive."""
 
 import os
 import re
@@ -32,26 +32,26 @@ class Return(AttackTest):
                                ("106", SCREEN + "?functionID=106"), ("110", "/activity.cgi")):
             self.assertEqual(self.log_in(functionID=function).headers["Location"], page)
 
-    def test_a_referer_of_elsewhere_leads_to_the_boards_own_page_at_most(self):
+    def test_foreign_referer_leads_only_to_own_pages(self):
         for referer in ("http://evil.example/?functionID=105", "http://evil.example/?//x", "?"):
             page = Browser(self.board).post(SCREEN, {"functionID": "105"},
                                             headers={"Referer": referer}).text
             links = re.findall(r'href="(/login[^"]*)"', page)
             self.assertIn(links, (["/login.cgi"], ["/login.cgi?functionID=105"]))
 
-    def test_the_query_of_a_login_is_still_refused(self):
+    def test_login_with_a_query_is_refused(self):
         answer = Browser(self.board).post("/login.cgi?functionID=105",
                                           {"user": "admin", "password": "admin"})
         self.assertEqual(answer.status, 400)
 
-    def test_a_link_of_another_site_to_the_login_names_a_function_only(self):
+    def test_login_link_from_another_site_may_only_name_a_function(self):
         for query, status in (("functionID=105", 200), ("functionID=105&user=x", 403),
                               ("to=105", 403)):
             answer = Browser(self.board).get("/login.cgi?" + query,
                                              headers={"Sec-Fetch-Site": "cross-site"})
             self.assertEqual(answer.status, status, query)
 
-    def test_the_language_form_leads_nowhere_else(self):
+    def test_language_form_leads_nowhere_else(self):
         for target in ELSEWHERE:
             answer = Browser(self.board).post("/index.cgi", {"language": "en",
                                                              "functionID": target})
@@ -68,25 +68,25 @@ class Stay(AttackTest):
     def last_use(self):
         return os.stat(self.file).st_mtime
 
-    def test_a_page_of_another_site_does_not_keep_a_session_alive(self):
+    def test_page_of_another_site_does_not_keep_session_alive(self):
         for site in ("cross-site", "same-site"):
             answer = self.browser.get("/stay.cgi?use=1", headers={"Sec-Fetch-Site": site})
             self.assertEqual(answer.status, 403)
             self.assertAlmostEqual(self.last_use(), self.then, delta=1)
 
-    def test_the_boards_own_page_does(self):
+    def test_own_page_keeps_session_alive(self):
         answer = self.browser.get("/stay.cgi?use=1", headers={"Sec-Fetch-Site": "same-origin"})
         self.assertEqual(answer.status, 200)
         self.assertGreater(self.last_use(), self.then + 300)
 
-    def test_the_picture_holds_nothing(self):
+    def test_picture_contains_no_user_data(self):
         answer = self.browser.get("/stay.cgi?use=1")
         self.assertNotIn("admin", answer.text)
         self.assertNotIn(self.browser.identifier, answer.text)
 
 
 class Activity(AttackTest):
-    def test_who_has_no_right_sees_nothing_of_others(self):
+    def test_user_without_right_sees_nothing_of_others(self):
         Browser(self.board, "admin").get("/")
         page = Browser(self.board, "viewer").get("/activity.cgi").text
         self.assertIn("viewer", page)

@@ -1,4 +1,4 @@
-"""Whoever lacks a right leaves nothing on the board, and nobody fills it."""
+"""Tests that users without a right leave nothing on the board, and that no user can fill it."""
 
 import os
 import unittest
@@ -12,7 +12,7 @@ FORBIDDEN = 403
 
 
 class Rights(AttackTest):
-    """The viewer may do nothing."""
+    """The viewer has no rights."""
 
     def setUp(self):
         self.viewer = Browser(self.board, "viewer")
@@ -28,24 +28,24 @@ class Rights(AttackTest):
     def test_backup_without_right_leaves_nothing(self):
         self.assert_nothing_left(self.viewer.backup().status)
 
-    def test_upload_by_hand_without_right_leaves_nothing(self):
+    def test_direct_upload_without_right_leaves_nothing(self):
         body = upload_body(configuration_file(), "a.dat", [("hidden_status", "1")])
         run = self.board.run(SCREEN[1:], "POST", body=body, kind=PARTS,
                              cookie=self.viewer.cookie_header)
         self.assert_nothing_left(run.answered)
 
-    def test_backup_by_hand_without_right_leaves_nothing(self):
+    def test_direct_backup_without_right_leaves_nothing(self):
         run = self.board.run(SCREEN[1:], "POST", cookie=self.viewer.cookie_header,
                              body=b"functionID=105&hidden_status=BACKUP&radio_button=3")
         self.assert_nothing_left(run.answered)
 
 
 class Amounts(AttackTest):
-    """What one user can pile up."""
+    """Limits for one user."""
 
     users = {"often": [105, 106], "once": [105, 106]}
 
-    def test_user_has_few_sessions_and_the_oldest_ends(self):
+    def test_oldest_session_ends_when_a_user_has_too_many(self):
         oldest = Browser(self.board, "often", "admin")
         oldest.upload(configuration_file())
         self.assertTrue(oldest.is_logged_in())

@@ -1,4 +1,4 @@
-"""Small holes, each with the behaviour that closes it."""
+"""Tests of defences against small weaknesses."""
 
 import re
 import subprocess
@@ -14,13 +14,13 @@ from support.document import PROJECT
 # "openssl passwd -1 -salt abcdefgh admin"
 MD5_HASH = "$1$abcdefgh$l/LAqC8oJERu7Cmx6trtY/"
 
-# Turn the direction of the text around them, or hide where it turns.
+# Characters that change the direction of the text around them or hide such a change.
 DIRECTIONS = [0x200E, 0x200F, *range(0x202A, 0x202F), *range(0x2066, 0x206A)]
 LINE_BREAKS = [0x0A, 0x0D, 0x85, 0x2028, 0x2029]
 
 
 class Requests(AttackTest):
-    def test_cookie_that_another_site_set_hides_no_session(self):
+    def test_foreign_cookie_hides_no_session(self):
         admin = Browser(self.board, "admin")
         name = admin.cookie_header.partition("=")[0]
         good = f"{name}={admin.session}"
@@ -32,7 +32,7 @@ class Requests(AttackTest):
                 run = self.board.run(SCREEN[1:], query="functionID=105", cookie=cookie)
                 self.assertEqual(run.answered, 200)
 
-    def test_password_in_the_address_is_passed_over(self):
+    def test_password_in_the_address_is_ignored(self):
         browser = Browser(self.board)
         for query, body in (("user=admin&password=admin", ""), ("password=admin", "user=admin")):
             with self.subTest(query=query, body=body):
@@ -43,12 +43,12 @@ class Requests(AttackTest):
                 self.assertNotEqual(run.answered, 303)
         self.assertFalse(browser.is_logged_in())
 
-    def test_path_behind_a_file_is_not_found(self):
+    def test_path_after_a_file_is_not_found(self):
         for target in ("/default.css/x", "/favicon.svg/x", "/default.css/"):
             with self.subTest(target=target):
                 self.assertEqual(Browser(self.board).get(target).status, 404)
 
-    def test_upload_cannot_turn_the_text_of_a_page(self):
+    def test_upload_cannot_change_text_direction(self):
         admin = Browser(self.board, "admin")
         for number in DIRECTIONS + LINE_BREAKS:
             with self.subTest(character=f"U+{number:04X}"):
@@ -58,14 +58,14 @@ class Requests(AttackTest):
                 text = admin.upload(file, "a.dat").body.decode("utf-8")
                 self.assertIn("before", text)
                 self.assertNotIn(name, text)
-                # A reference in the markup is the same text again.
+                # A character reference would have the same effect.
                 self.assertNotRegex(text, rf"(?i)&#(?:{number}|x0*{number:x});")
                 if number in DIRECTIONS:
                     self.assertNotIn(character, text)
 
 
 class OddRequests(AttackTest):
-    """Answers that the server gives by itself."""
+    """Answers of the web server itself."""
 
     def head_of(self, request, status):
         with Connection(self.board, timeout=30) as connection:
@@ -75,7 +75,7 @@ class OddRequests(AttackTest):
         self.assertRegex(head, rf"^HTTP/1\.[01] {status} ")
         return head.lower()
 
-    def test_odd_requests_get_every_guarding_header(self):
+    def test_odd_requests_get_security_headers(self):
         requests = {
             "malformed": (400, b"nonsense\r\n\r\n"),
             "odd host": (400, b"GET / HTTP/1.1\r\nHost: a b\r\nConnection: close\r\n\r\n"),
@@ -100,7 +100,7 @@ class OddRequests(AttackTest):
 
 
 class Backend(unittest.TestCase):
-    """A back-end as a board's maker installs it and starts it."""
+    """A back-end installed and started as by a board's maker."""
 
     def setUp(self):
         folder = tempfile.TemporaryDirectory(prefix="attacks-")
@@ -129,7 +129,7 @@ class Backend(unittest.TestCase):
         return subprocess.run([self.root / "usr/local/bin/boardctl", "--root", self.root, *words],
                               capture_output=True, text=True, check=False)
 
-    def test_fault_orders_are_refused_when_they_are_not_allowed(self):
+    def test_fault_orders_are_refused_by_default(self):
         process, line = self.start(self.describe())
         self.assertEqual(line, "ready\n")
         for order in (("status",), ("silent",), ("die",), ("partition", "7", "off")):
@@ -139,12 +139,12 @@ class Backend(unittest.TestCase):
                 self.assertIn(str(frames.FAULTS_NOT_ALLOWED), answer.stdout + answer.stderr)
         self.assertIsNone(process.poll())
 
-    def test_fault_orders_are_obeyed_when_they_are_allowed(self):
+    def test_fault_orders_are_obeyed_when_allowed(self):
         _, line = self.start(self.describe(), "--allow-faults")
         self.assertEqual(line, "ready\n")
         self.assertEqual(self.control("status").returncode, 0)
 
-    def test_password_hashes_of_old_methods_are_refused(self):
+    def test_weak_password_hashes_are_refused(self):
         for name, value in {
                 "MD5": MD5_HASH, "NT": "$3$$8846f7eaee8fb117ad06bdd830b7586c",
                 "SunMD5": "$md5$rounds=904$iPPKEBnEkp3JV8uX$0L6m7rOFTVFn.SGqo2M9W1",

@@ -1,4 +1,4 @@
-"""A board that is served over TLS, and certificates that it does not take."""
+"""Tests of a board served over TLS, and of certificates that it refuses."""
 
 import re
 import socket
@@ -28,7 +28,7 @@ commonName = supplied
 
 
 class Certificates:
-    """Keys and certificates of a test's own."""
+    """Makes keys and certificates for a test."""
 
     def __init__(self, folder):
         self.folder = Path(folder)
@@ -39,7 +39,7 @@ class Certificates:
         subprocess.run(["openssl", *map(str, words)], check=True, capture_output=True)
 
     def make(self, name, first="20200101000000Z", last="20990101000000Z"):
-        """Certificate and key; the certificate is signed with its own key."""
+        """Makes a self-signed certificate; returns its path and its key's path."""
         key, certificate = self.folder / (name + ".key"), self.folder / (name + ".pem")
         request = self.folder / (name + ".csr")
         self.openssl("req", "-new", "-newkey", "rsa:2048", "-nodes", "-keyout", key, "-out",
@@ -70,7 +70,7 @@ class TLS(AttackTest):
         self.assertNotRegex(answer, rb"^HTTP/1\.[01] 200")
         self.assertNotIn(b"<form", answer)
 
-    def test_current_versions_are_spoken(self):
+    def test_current_versions_are_accepted(self):
         for version, name in ((ssl.TLSVersion.TLSv1_2, "TLSv1.2"),
                               (ssl.TLSVersion.TLSv1_3, "TLSv1.3")):
             context = ssl.SSLContext(ssl.PROTOCOL_TLS_CLIENT)
@@ -83,7 +83,8 @@ class TLS(AttackTest):
                 context = ssl.SSLContext(ssl.PROTOCOL_TLS_CLIENT)
                 context.set_ciphers("ALL:@SECLEVEL=0")
                 context.minimum_version = context.maximum_version = version
-                # The server's alert: what this client does not speak would fail otherwise.
+                # Expects the server's alert, because a version that the client itself lacks would
+                # fail too.
                 with self.assertRaisesRegex(ssl.SSLError, "(?i)alert"):
                     self.connect(context)
 
@@ -96,7 +97,7 @@ class TLS(AttackTest):
                 with self.assertRaisesRegex(ssl.SSLError, "(?i)alert"):
                     self.connect(context)
 
-    def test_cookies_are_for_tls_and_this_host_alone(self):
+    def test_cookies_are_restricted_to_tls_and_this_host(self):
         browser = Browser(self.board, "admin")
         browser.post("/index.cgi", {"language": "ja"})
         names = [cookie.partition("=")[0] for cookie in browser.set_cookies]
@@ -110,7 +111,7 @@ class TLS(AttackTest):
                 self.assertNotRegex(cookie, r"(?i); domain=")
         self.assertTrue(browser.is_logged_in())
 
-    def test_cookie_without_the_prefix_is_no_session(self):
+    def test_session_cookie_without_prefix_is_ignored(self):
         session = Browser(self.board, "admin").session
         stranger = Browser(self.board, headers={"Cookie": "session=" + session})
         self.assertFalse(stranger.is_logged_in())
@@ -130,7 +131,7 @@ class TLS(AttackTest):
         for path in found:
             self.assertEqual(oct(stat.S_IMODE(path.stat().st_mode)), "0o600", path)
 
-    def test_strict_transport_is_not_demanded_unasked(self):
+    def test_strict_transport_is_off_by_default(self):
         headers = Browser(self.board).get("/login.cgi").headers
         self.assertIsNone(headers["Strict-Transport-Security"])
 
@@ -138,7 +139,7 @@ class TLS(AttackTest):
 class StrictTransport(AttackTest):
     options = ("--tls", "--hsts")
 
-    def test_strict_transport_is_demanded_for_a_year(self):
+    def test_strict_transport_lasts_a_year(self):
         for target in ("/login.cgi", "/default.css", "/nothing"):
             value = Browser(self.board).get(target).headers["Strict-Transport-Security"] or ""
             match = re.match(r"max-age=(\d+)", value)
@@ -181,7 +182,7 @@ class GivenCertificates(unittest.TestCase):
         expired = self.certificates.make("expired", last="20210101000000Z")
         self.assert_refused(*expired, r"(?i)expired")
 
-    def test_certificate_that_is_not_valid_yet_is_refused(self):
+    def test_not_yet_valid_certificate_is_refused(self):
         early = self.certificates.make("early", first="20980101000000Z")
         self.assert_refused(*early, r"(?i)not (yet )?valid|not valid yet|begins|future")
 
@@ -189,7 +190,7 @@ class GivenCertificates(unittest.TestCase):
         other = self.certificates.make("other")
         self.assert_refused(self.good[0], other[1], r"(?i)key")
 
-    def test_absent_and_broken_files_are_refused(self):
+    def test_missing_and_broken_files_are_refused(self):
         broken = Path(self.folder, "broken")
         broken.write_text("not a certificate", encoding="ascii")
         for certificate, key in ((broken, self.good[1]), (self.good[0], broken),

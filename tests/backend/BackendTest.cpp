@@ -54,7 +54,7 @@ protected:
         return set(VeskUi::SET_RESTORE, payload);
     }
 
-    // Backs a partition up and reads the file.
+    // Backs up a partition and returns the file.
     static ConfigurationFile backedUp(unsigned char partition) {
         ConfigurationFile file;
         EXPECT_EQ(backup(partition), 0);
@@ -71,7 +71,8 @@ protected:
 
     static std::string root() { return boardFile(""); }
 
-    // Starts a daemon that cannot work and checks that it says so in one line.
+    // Starts a daemon that must fail. Checks that it prints one line, and returns that line without
+    // the program's name.
     static std::string whyNotStarted(const std::string& onRoot, const std::string& boardPath) {
         BackendProcess backend(onRoot, boardPath);
         if (backend.waitUntilReady()) {
@@ -88,7 +89,7 @@ protected:
 
 }  // namespace
 
-TEST_F(BackendTest, beginsServesAndEnds) {
+TEST_F(BackendTest, startsServesAndStops) {
     BackendProcess backend(root(), DEMO_BOARD);
     ASSERT_TRUE(backend.waitUntilReady());
     ReplyFrame reply;
@@ -101,7 +102,7 @@ TEST_F(BackendTest, beginsServesAndEnds) {
     EXPECT_FALSE(exists(boardFile(BACKEND_SOCKET)));
 }
 
-TEST_F(BackendTest, tellsTheWebSideItsNames) {
+TEST_F(BackendTest, publishesNamesForWebServer) {
     writePrivateText(at("board.toml"),
                      "name = \"Board 7\"\nmax_partitions = 8\nhost_names = [\"Board.Example\"]\n");
     BackendProcess backend({"--root", root(), "--board", at("board.toml"), "--host", "fe80::1",
@@ -120,7 +121,7 @@ TEST_F(BackendTest, tellsTheWebSideItsNames) {
     }
 }
 
-TEST_F(BackendTest, anOptionThatIsNoNameIsRefused) {
+TEST_F(BackendTest, refusesInvalidHostOption) {
     for (const char* name : {"", "a b", "a:80", "a.", "a\"", "a|b", "http://a", "a/b"}) {
         BackendProcess backend({"--root", root(), "--board", DEMO_BOARD, "--host", name});
         EXPECT_FALSE(backend.waitUntilReady());
@@ -128,7 +129,7 @@ TEST_F(BackendTest, anOptionThatIsNoNameIsRefused) {
     }
 }
 
-TEST_F(BackendTest, recordsItsStartWithWhatThePartitionsHoldAndItsEnd) {
+TEST_F(BackendTest, recordsItsStartAndEndWithConfigurations) {
     BackendProcess backend(root(), DEMO_BOARD);
     ASSERT_TRUE(backend.waitUntilReady());
     stage("1.0", {'n', 'e', 'w'});
@@ -144,14 +145,14 @@ TEST_F(BackendTest, recordsItsStartWithWhatThePartitionsHoldAndItsEnd) {
     ASSERT_EQ(lines.size(), 5U);
     EXPECT_EQ(lines[0]["event"], "start");
     EXPECT_EQ(lines[3]["event"], "end");
-    EXPECT_EQ(lines[4]["event"], "start");  // and no end of one that was killed
+    EXPECT_EQ(lines[4]["event"], "start");  // and no end of the one that was killed
     EXPECT_EQ(lines[0]["after"]["2"], lines[1]["before"]["2"]);
     EXPECT_EQ(lines[4]["after"]["2"], lines[1]["after"]["2"]);
     EXPECT_EQ(lines[4]["after"]["3"], lines[0]["after"]["3"]);
     EXPECT_FALSE(lines[3].contains("after"));
 }
 
-TEST_F(BackendTest, servesWithoutItsAuditLogButChangesNothing) {
+TEST_F(BackendTest, servesReadsButRefusesChangesWithoutAuditLog) {
     ASSERT_EQ(::mkfifo(boardFile("/var/log/audit.log").c_str(), 0600), 0);
     BackendProcess backend(root(), DEMO_BOARD);
     ASSERT_TRUE(backend.waitUntilReady());
@@ -161,13 +162,13 @@ TEST_F(BackendTest, servesWithoutItsAuditLogButChangesNothing) {
     EXPECT_EQ(backend.stop(SIGTERM), 0);
 }
 
-TEST_F(BackendTest, interruptEndsItToo) {
+TEST_F(BackendTest, stopsOnInterrupt) {
     BackendProcess backend(root(), DEMO_BOARD);
     ASSERT_TRUE(backend.waitUntilReady());
     EXPECT_EQ(backend.stop(SIGINT), 0);
 }
 
-TEST_F(BackendTest, makesTheFoldersThatItNeeds) {
+TEST_F(BackendTest, createsMissingFolders) {
     std::filesystem::remove_all(boardFile("/var"));
     BackendProcess backend(root(), DEMO_BOARD);
     ASSERT_TRUE(backend.waitUntilReady());
@@ -194,7 +195,7 @@ TEST_F(BackendTest, backsUpAndRestores) {
     EXPECT_EQ(backedUp(5).partitionName, "Spare");
 }
 
-TEST_F(BackendTest, refusesARestoreForEachRealCause) {
+TEST_F(BackendTest, refusesRestoreForEveryCause) {
     BackendProcess backend(root(), DEMO_BOARD);
     ASSERT_TRUE(backend.waitUntilReady());
     const Bytes before = backedUp(3).payload;
@@ -238,7 +239,7 @@ TEST_F(BackendTest, demoUsersLogIn) {
     EXPECT_EQ(backend.errors().find("Geheimnis"), std::string::npos) << backend.errors();
 }
 
-TEST_F(BackendTest, restoredConfigurationsOutliveARestart) {
+TEST_F(BackendTest, restoredConfigurationsSurviveRestart) {
     for (const int signal : {SIGTERM, SIGKILL}) {
         const Bytes payload = {'s', static_cast<unsigned char>(signal)};
         {
@@ -255,12 +256,12 @@ TEST_F(BackendTest, restoredConfigurationsOutliveARestart) {
     }
 }
 
-TEST_F(BackendTest, aRestoreWhoseClientIsGoneIsNotCarriedOut) {
+TEST_F(BackendTest, doesNotRestoreForDisconnectedClient) {
     BackendProcess backend(root(), DEMO_BOARD);
     ASSERT_TRUE(backend.waitUntilReady());
     stage("1", {'n', 'e', 'w'});
     const Bytes before = backedUp(3).payload;
-    // Held up until the client is gone.
+    // Stopped until the client has disconnected.
     backend.signal(SIGSTOP);
     const int client = connectToBoard();
     sendBytes(client,
@@ -274,15 +275,16 @@ TEST_F(BackendTest, aRestoreWhoseClientIsGoneIsNotCarriedOut) {
     EXPECT_EQ(backedUp(3).payload, before);
 }
 
-// Whenever the kill comes, all targets hold the same, and nothing half written stays behind.
-TEST_F(BackendTest, restoreIsWholeOrNotAtAllWheneverItIsKilled) {
+// Whenever the daemon is killed, all targets have the same configuration, and no partial file
+// remains.
+TEST_F(BackendTest, restoreIsAtomicWhenKilled) {
     for (int round = 0; round < 12; ++round) {
         BackendProcess backend(root(), DEMO_BOARD);
         ASSERT_TRUE(backend.waitUntilReady());
         stage("1", Bytes(50000 + static_cast<std::size_t>(round), 'p'));
         std::thread restoring;
         if (round == 0) {
-            ASSERT_EQ(restore({2, 3, 5}), 0);  // from here on, all three hold the same
+            ASSERT_EQ(restore({2, 3, 5}), 0);  // from here on, all three are equal
         } else {
             restoring = std::thread([] {
                 while (restore({2, 3, 5}) == 0) {
@@ -304,7 +306,7 @@ TEST_F(BackendTest, restoreIsWholeOrNotAtAllWheneverItIsKilled) {
     }
 }
 
-TEST_F(BackendTest, cleansUpAfterAKilledBackup) {
+TEST_F(BackendTest, cleansUpAfterKilledBackup) {
     const std::string stray = std::string("efi_backup") + SESSION + ".aside-Ab12Yz";
     writeText(at(stray), "half");
     writeText(at("someone else's"), "whole");
@@ -313,21 +315,21 @@ TEST_F(BackendTest, cleansUpAfterAKilledBackup) {
     EXPECT_EQ(names(), std::vector<std::string>{"someone else's"});
 }
 
-TEST_F(BackendTest, takesOverAStaleSocket) {
+TEST_F(BackendTest, replacesStaleSocket) {
     ::close(openBoardSocket(1));
     BackendProcess backend(root(), DEMO_BOARD);
     ASSERT_TRUE(backend.waitUntilReady());
     EXPECT_EQ(backup(0), 0);
 }
 
-TEST_F(BackendTest, secondStartOnARootIsRefusedAndHarmsNobody) {
+TEST_F(BackendTest, refusesSecondStartOnSameRoot) {
     BackendProcess backend(root(), DEMO_BOARD);
     ASSERT_TRUE(backend.waitUntilReady());
     EXPECT_EQ(whyNotStarted(root(), DEMO_BOARD), "a back-end is already running on " + root());
     EXPECT_EQ(backup(0), 0);
 }
 
-TEST_F(BackendTest, silentClientHoldsUpNobody) {
+TEST_F(BackendTest, silentClientsDoNotBlockOthers) {
     BackendProcess backend(root(), DEMO_BOARD);
     ASSERT_TRUE(backend.waitUntilReady());
     std::vector<int> silent;
@@ -342,7 +344,7 @@ TEST_F(BackendTest, silentClientHoldsUpNobody) {
     }
 }
 
-TEST_F(BackendTest, unusableRootIsAnError) {
+TEST_F(BackendTest, refusesUnusableRoot) {
     EXPECT_EQ(whyNotStarted(at("missing"), DEMO_BOARD),
               "cannot use " + at("missing") + ": No such file or directory");
     writeText(at("file"), "");
@@ -354,14 +356,14 @@ TEST_F(BackendTest, unusableRootIsAnError) {
               "cannot use " + at("root/var") + ": it is not a folder");
 }
 
-TEST_F(BackendTest, rootThatCannotBeWrittenIsAnError) {
-    // Nobody, not even root, can make a folder there.
+TEST_F(BackendTest, refusesUnwritableRoot) {
+    // Not even root can create a folder there.
     EXPECT_EQ(whyNotStarted("/proc", DEMO_BOARD),
               ::geteuid() == 0 ? "cannot make /proc/var: No such file or directory"
                                : "cannot use /proc: it belongs to another user");
 }
 
-TEST_F(BackendTest, folderThatOthersMayWriteIsAnError) {
+TEST_F(BackendTest, refusesFolderThatOthersMayWrite) {
     using std::filesystem::perms;
     for (const char* folder : {"", "/var", "/var/run", "/var/tmp", "/var/lib", "/var/lib/board"}) {
         const std::string path = root() + folder;
@@ -376,7 +378,7 @@ TEST_F(BackendTest, folderThatOthersMayWriteIsAnError) {
     }
 }
 
-TEST_F(BackendTest, folderOfAnotherUserIsAnError) {
+TEST_F(BackendTest, refusesFolderOfAnotherUser) {
     for (const char* folder : {"", "/var", "/var/run", "/var/tmp", "/var/lib"}) {
         const std::string path = root() + folder;
         if (::chown(path.c_str(), 1, 1) != 0) {
@@ -388,7 +390,7 @@ TEST_F(BackendTest, folderOfAnotherUserIsAnError) {
     }
 }
 
-TEST_F(BackendTest, ordersAreCarriedOutOnlyWhenTheyAreAllowed) {
+TEST_F(BackendTest, acceptsFaultOrdersOnlyWhenAllowed) {
     const std::string order = "status";
     const RequestFrame request = {RequestKind::CONTROL, 0, "", Bytes(order.begin(), order.end())};
     for (const bool allowed : {false, true}) {
@@ -403,14 +405,14 @@ TEST_F(BackendTest, ordersAreCarriedOutOnlyWhenTheyAreAllowed) {
     }
 }
 
-TEST_F(BackendTest, tooLongSocketPathIsAnError) {
+TEST_F(BackendTest, refusesTooLongSocketPath) {
     const std::string deep = at(std::string(100, 'd'));
     std::filesystem::create_directory(deep);
     EXPECT_EQ(whyNotStarted(deep, DEMO_BOARD),
               "the socket path " + deep + BACKEND_SOCKET + " is longer than 107 bytes");
 }
 
-TEST_F(BackendTest, malformedBoardDescriptionIsAnErrorWithItsPlace) {
+TEST_F(BackendTest, locatesErrorInBoardDescription) {
     writePrivateText(at("board.toml"), "max_partitions = 8\n[[partition]\n");
     const std::string syntax = whyNotStarted(root(), at("board.toml"));
     EXPECT_TRUE(syntax.starts_with(at("board.toml") + ":2:")) << syntax;
@@ -420,7 +422,7 @@ TEST_F(BackendTest, malformedBoardDescriptionIsAnErrorWithItsPlace) {
     EXPECT_TRUE(whyNotStarted(root(), at("missing.toml")).starts_with(at("missing.toml") + ": "));
 }
 
-TEST_F(BackendTest, damagedStateIsAnErrorAndIsKept) {
+TEST_F(BackendTest, refusesAndKeepsDamagedState) {
     std::filesystem::create_directories(boardFile("/var/lib/board"));
     const std::string path = boardFile("/var/lib/board/configurations");
     writeText(path, "damaged");
@@ -428,7 +430,7 @@ TEST_F(BackendTest, damagedStateIsAnErrorAndIsKept) {
     EXPECT_EQ(readText(path), "damaged");
 }
 
-TEST_F(BackendTest, argumentsThatMakeNoSenseAreMisuse) {
+TEST_F(BackendTest, refusesInvalidArguments) {
     const std::vector<std::string> misuses[] = {{},
                                                 {"--root"},
                                                 {"--root", "/tmp"},
@@ -439,7 +441,7 @@ TEST_F(BackendTest, argumentsThatMakeNoSenseAreMisuse) {
         BackendProcess backend(misuse);
         EXPECT_FALSE(backend.waitUntilReady());
         EXPECT_EQ(backend.waitForEnd(), 2);
-        EXPECT_TRUE(backend.errors().ends_with("(--help tells more)\n")) << backend.errors();
+        EXPECT_TRUE(backend.errors().ends_with("(see --help)\n")) << backend.errors();
     }
 }
 

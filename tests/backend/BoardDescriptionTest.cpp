@@ -23,7 +23,7 @@ protected:
         return loadBoardDescription(path);
     }
 
-    // What is wrong with the description; the path in front is checked and left out.
+    // Returns the error message without the path that it begins with, which is checked.
     std::string complaint(const std::string& text) const {
         writePrivateText(path, text);
         return complaintAboutFile();
@@ -50,7 +50,7 @@ std::string textOf(const Bytes& bytes) {
 
 }  // namespace
 
-TEST_F(BoardDescriptionTest, smallestDescriptionHasNothing) {
+TEST_F(BoardDescriptionTest, smallestDescriptionIsAnEmptyBoard) {
     const BoardDescription description = load("max_partitions = 0");
     EXPECT_TRUE(description.partitions.empty());
     EXPECT_TRUE(description.users.empty());
@@ -61,7 +61,7 @@ TEST_F(BoardDescriptionTest, smallestDescriptionHasNothing) {
     }
 }
 
-TEST_F(BoardDescriptionTest, everyKeyIsRead) {
+TEST_F(BoardDescriptionTest, readsEveryKey) {
     const BoardDescription description = load(R"(
         max_partitions = 3
         name = "Rack 4, row 12"
@@ -114,7 +114,7 @@ TEST_F(BoardDescriptionTest, everyKeyIsRead) {
     EXPECT_TRUE(description.users[1].rights.everyFunction);
 }
 
-TEST_F(BoardDescriptionTest, versionIsThatOfTheFirstHomeBoardInTheNodeList) {
+TEST_F(BoardDescriptionTest, takesVersionFromFirstHomeBoardInNodeList) {
     const BoardDescription description = load(R"(
         max_partitions = 5
         system_board = [
@@ -136,7 +136,7 @@ TEST_F(BoardDescriptionTest, versionIsThatOfTheFirstHomeBoardInTheNodeList) {
     }
 }
 
-TEST_F(BoardDescriptionTest, initialPayloadIsMadeOfTheSettingsAndTheFillBytes) {
+TEST_F(BoardDescriptionTest, makesInitialPayloadFromSettingsAndFillBytes) {
     const std::string text = R"(
         max_partitions = 3
         [[partition]]
@@ -170,7 +170,7 @@ TEST_F(BoardDescriptionTest, initialPayloadIsMadeOfTheSettingsAndTheFillBytes) {
     EXPECT_EQ(load(text).partitions[1].initialPayload, first);
 }
 
-TEST_F(BoardDescriptionTest, configurationMayBeAsLargeAsAFileAllows) {
+TEST_F(BoardDescriptionTest, limitsConfigurationToLargestFile) {
     const std::string start = "max_partitions=1\npartition=[{number=0, name='', fill_bytes=";
     const unsigned int most = Host::LARGEST_CONFIGURATION_FILE - 32 - 1;  // "-" is the version
     EXPECT_EQ(load(start + std::to_string(most) + "}]").partitions[0].initialPayload.size(), most);
@@ -178,18 +178,18 @@ TEST_F(BoardDescriptionTest, configurationMayBeAsLargeAsAFileAllows) {
               "2:43: the partition's configuration file would be larger than 393216 bytes");
 }
 
-TEST_F(BoardDescriptionTest, syntaxErrorNamesItsPlace) {
+TEST_F(BoardDescriptionTest, locatesSyntaxError) {
     EXPECT_TRUE(complaint("max_partitions = 1\nname = \"open\n").starts_with("2:13: "))
         << complaintAboutFile();
     EXPECT_TRUE(complaint("a = 1\na = 2\n").starts_with("2:")) << complaintAboutFile();
     EXPECT_TRUE(complaint("a = \"\xFF\"").starts_with("1:")) << complaintAboutFile();
 }
 
-TEST_F(BoardDescriptionTest, fileThatCannotBeReadIsNamed) {
+TEST_F(BoardDescriptionTest, namesUnreadableFile) {
     EXPECT_NE(complaintAboutFile(), "nothing");
 }
 
-TEST_F(BoardDescriptionTest, everyMistakeNamesItsPlace) {
+TEST_F(BoardDescriptionTest, locatesEveryMistake) {
     const std::string board = "max_partitions = 2\n";
     const std::string partition = board + "[[partition]]\nname = 'a'\n";
     const std::string user = board + "[[user]]\n";
@@ -248,9 +248,9 @@ TEST_F(BoardDescriptionTest, everyMistakeNamesItsPlace) {
         {partition + "number = 1\n[partition.settings]\na = 1.5",
          "6:5: a setting is one line: \"name\" = text, number or flag"},
         {user + "name = 'a'", "2:1: \"password_hash\" is missing"},
-        {user + hash + "name = ''", "4:8: a user needs a name of his own"},
+        {user + hash + "name = ''", "4:8: a user needs a unique name"},
         {user + hash + "name = 'a'\n[[user]]\n" + hash + "name = 'a'",
-         "7:8: a user needs a name of his own"},
+         "7:8: a user needs a unique name"},
         {user + "name = 'a'\npassword_hash = 'secret'", "4:17: not a password hash of crypt(3)"},
         {user + hash + "name = 'a'\nfunctions = 105",
          "5:13: \"functions\" must be a list of numbers"},
@@ -261,7 +261,7 @@ TEST_F(BoardDescriptionTest, everyMistakeNamesItsPlace) {
 }
 
 // Each is the hash of "secret".
-TEST_F(BoardDescriptionTest, weakPasswordHashesAreRefused) {
+TEST_F(BoardDescriptionTest, rejectsWeakPasswordHashes) {
     for (const char* hash : {
              "$1$saltsalt$9xy1btjgzLYfb7hivXtC//",
              "$3$$878d8014606cda29677a44efa1353fc7",
@@ -281,7 +281,7 @@ TEST_F(BoardDescriptionTest, weakPasswordHashesAreRefused) {
     }
 }
 
-TEST_F(BoardDescriptionTest, strongPasswordHashesAreTaken) {
+TEST_F(BoardDescriptionTest, acceptsStrongPasswordHashes) {
     for (const char* hash : {
              "$y$j75T$saltsalt$0gBD67sgmJgRX3RZ6wHHO7sHimQEWGCWN85o4Twogh2",
              "$gy$j75T$saltsalt$Z2AC4hWkfKORG0LWhY01sMkijJ4fV2cmiComDBMYUwC",
@@ -298,7 +298,7 @@ TEST_F(BoardDescriptionTest, strongPasswordHashesAreTaken) {
     }
 }
 
-TEST_F(BoardDescriptionTest, fileThatOthersMayReadOrWriteIsRefused) {
+TEST_F(BoardDescriptionTest, rejectsFileThatOthersMayReadOrWrite) {
     for (const unsigned int mode : {0640U, 0620U, 0604U, 0602U}) {
         writeText(path, "max_partitions = 0");
         std::filesystem::permissions(path, static_cast<std::filesystem::perms>(mode));
@@ -306,7 +306,7 @@ TEST_F(BoardDescriptionTest, fileThatOthersMayReadOrWriteIsRefused) {
     }
 }
 
-TEST_F(BoardDescriptionTest, fileOfAnotherUserIsRefused) {
+TEST_F(BoardDescriptionTest, rejectsFileOfAnotherUser) {
     writePrivateText(path, "max_partitions = 0");
     if (::chown(path.c_str(), 1, 1) != 0) {
         GTEST_SKIP() << "only root may give a file away";
@@ -314,8 +314,7 @@ TEST_F(BoardDescriptionTest, fileOfAnotherUserIsRefused) {
     EXPECT_EQ(complaintAboutFile(), " it belongs to another user");
 }
 
-// What the demo board is there to show.
-TEST(DemoBoard, holdsEveryCaseThatPagesMustCopeWith) {
+TEST(DemoBoard, coversEveryCaseThatPagesHandle) {
     const BoardDescription demo = loadBoardDescription(DEMO_BOARD);
     ASSERT_EQ(demo.partitions.size(), 8U);
     const bool installed[] = {true, false, true, true, false, true, false, true};
@@ -339,7 +338,7 @@ TEST(DemoBoard, holdsEveryCaseThatPagesMustCopeWith) {
     EXPECT_EQ(demo.users[1].rights.functions, "");
 }
 
-TEST_F(BoardDescriptionTest, hostNamesHaveOneShape) {
+TEST_F(BoardDescriptionTest, normalizesHostNames) {
     const BoardDescription description = load(R"(
         max_partitions = 1
         host_names = ["Board.EXAMPLE", "10.0.0.5", "fe80:0:0::1", "[FE80::2]", "a_b-c"])");
@@ -348,7 +347,7 @@ TEST_F(BoardDescriptionTest, hostNamesHaveOneShape) {
     EXPECT_TRUE(load("max_partitions = 1").hostNames.empty());
 }
 
-TEST_F(BoardDescriptionTest, whatIsNoHostNameIsRefused) {
+TEST_F(BoardDescriptionTest, rejectsInvalidHostNames) {
     const std::string longest = "\"" + std::string(254, 'a') + "\"";
     for (const std::string& names :
          {std::string("\"\""), std::string("\"a b\""), std::string("\"a:80\""),

@@ -39,7 +39,7 @@ protected:
         return {RequestKind::SET, number, SESSION, payload, "192.0.2.1", "7-9"};
     }
 
-    // The code of a change, between 1500 and 1700, when no file may have more than `limit` bytes.
+    // Returns the code of a change, from 1500 to 1700, while files are limited to `limit` bytes.
     unsigned int codeWithin(std::size_t limit, const RequestFrame& request) const {
         const ChildResult result = runInChild([&] {
             const ScopedFileSizeLimit fileSizeLimit(limit);
@@ -54,7 +54,7 @@ protected:
 
 }  // namespace
 
-TEST_F(BoardServiceAuditTest, aRestoreHasALineBeforeAndALineAfterTheChange) {
+TEST_F(BoardServiceAuditTest, restoreIsRecordedBeforeAndAfterTheChange) {
     stage(makeFile("1.0", "new"));
     ASSERT_EQ(ask(change(VeskUi::SET_RESTORE, {0, 3, 3, 0, 3})).errorCode, 0U);
     const std::vector<JSON> lines = events();
@@ -76,7 +76,7 @@ TEST_F(BoardServiceAuditTest, aRestoreHasALineBeforeAndALineAfterTheChange) {
     }
 }
 
-TEST_F(BoardServiceAuditTest, aBackupHasOneLine) {
+TEST_F(BoardServiceAuditTest, backupIsRecordedOnce) {
     ASSERT_EQ(ask(change(VeskUi::SET_BACKUP, {0, 0, 0, 1})).errorCode, 0U);
     ASSERT_EQ(events().size(), 1U);
     const JSON line = events()[0];
@@ -86,7 +86,7 @@ TEST_F(BoardServiceAuditTest, aBackupHasOneLine) {
     EXPECT_EQ(line["file"]["sha256"], sha256Hex(readBytes(backupPath)));
 }
 
-TEST_F(BoardServiceAuditTest, everyRefusalHasOneLineWithItsCode) {
+TEST_F(BoardServiceAuditTest, everyRefusalIsRecordedWithItsCode) {
     const struct {
         RequestFrame request;
         unsigned int code;
@@ -106,10 +106,10 @@ TEST_F(BoardServiceAuditTest, everyRefusalHasOneLineWithItsCode) {
         EXPECT_EQ(events().back()["code"], code);
         EXPECT_EQ(events().back().contains("user"), code != BACKEND_NO_SESSION);
     }
-    EXPECT_EQ(everythingHeld(), initial);
+    EXPECT_EQ(allConfigurations(), initial);
 }
 
-TEST_F(BoardServiceAuditTest, whoMayNotUseAFunctionIsRefused) {
+TEST_F(BoardServiceAuditTest, userWithoutRightIsRefused) {
     stage(makeFile("1.0", "new"));
     takeRights(",106,");
     EXPECT_EQ(backup(0), BACKEND_NOT_ALLOWED);
@@ -118,22 +118,22 @@ TEST_F(BoardServiceAuditTest, whoMayNotUseAFunctionIsRefused) {
     EXPECT_FALSE(exists(backupPath));
     takeRights(",105,");
     EXPECT_EQ(restore({0}), BACKEND_NOT_ALLOWED);
-    EXPECT_EQ(everythingHeld(), initial);
+    EXPECT_EQ(allConfigurations(), initial);
     takeRights("");
     EXPECT_EQ(backup(0), BACKEND_NOT_ALLOWED);
     EXPECT_EQ(restore({0}), BACKEND_NOT_ALLOWED);
     EXPECT_EQ(events().size(), 4U);
 }
 
-TEST_F(BoardServiceAuditTest, theSessionOfNoUserOfTheBoardIsNone) {
+TEST_F(BoardServiceAuditTest, sessionOfUnknownUserIsRefused) {
     board.users.at(0).name = "another";
     stage(makeFile("1.0", "new"));
     EXPECT_EQ(backup(0), BACKEND_NO_SESSION);
     EXPECT_EQ(restore({0}), BACKEND_NO_SESSION);
-    EXPECT_EQ(everythingHeld(), initial);
+    EXPECT_EQ(allConfigurations(), initial);
 }
 
-TEST_F(BoardServiceAuditTest, anExpiredSessionIsNone) {
+TEST_F(BoardServiceAuditTest, expiredSessionIsRefused) {
     const std::string path = boardFile(std::string("/var/lib/session/") + SESSION);
     std::filesystem::last_write_time(
         path, std::filesystem::file_time_type::clock::now() - std::chrono::hours(1));
@@ -141,36 +141,36 @@ TEST_F(BoardServiceAuditTest, anExpiredSessionIsNone) {
     EXPECT_TRUE(exists(path));
 }
 
-TEST_F(BoardServiceAuditTest, nothingChangesThatCannotBeRecorded) {
+TEST_F(BoardServiceAuditTest, changesNothingWhenLogIsUnusable) {
     breakLog();
     stage(makeFile("1.0", "new"));
     EXPECT_EQ(restore({0}), BACKEND_NOT_RECORDED);
-    EXPECT_EQ(everythingHeld(), initial);
+    EXPECT_EQ(allConfigurations(), initial);
     writeText(backupPath, "an earlier one");
     EXPECT_EQ(backup(0), BACKEND_NOT_RECORDED);
     EXPECT_FALSE(exists(backupPath));
 }
 
-TEST_F(BoardServiceAuditTest, nothingChangesBeforeItsLineIsWritten) {
+TEST_F(BoardServiceAuditTest, changesNothingWhenFirstRecordFails) {
     stage(makeFile("1.0", "new"));
     RequestFrame request = change(VeskUi::SET_RESTORE, {0, 1, 0});
     request.address.assign(60000, 'x');
     EXPECT_EQ(codeWithin(50000, request), BACKEND_NOT_RECORDED);
-    EXPECT_EQ(everythingHeld(), initial);
+    EXPECT_EQ(allConfigurations(), initial);
     EXPECT_EQ(events().size(), 0U);
 }
 
-TEST_F(BoardServiceAuditTest, aRestoreWithoutARecordOfItsOutcomeIsToldAsSuch) {
+TEST_F(BoardServiceAuditTest, reportsRestoreWithUnrecordedOutcome) {
     stage(makeFile("1.0", "new"));
     RequestFrame request = change(VeskUi::SET_RESTORE, {0, 1, 0});
     request.address.assign(60000, 'x');  // one line fits, a second does not
     EXPECT_EQ(codeWithin(100000, request), BACKEND_OUTCOME_NOT_RECORDED);
-    EXPECT_EQ(held(0), "new");
+    EXPECT_EQ(configurationOf(0), "new");
     ASSERT_EQ(events().size(), 1U);
     EXPECT_EQ(events()[0]["result"], "begun");
 }
 
-TEST_F(BoardServiceAuditTest, aRestoreThatNobodyAwaitsHasItsOutcome) {
+TEST_F(BoardServiceAuditTest, recordsOutcomeOfAbandonedRestore) {
     stage(makeFile("1.0", "new"));
     ConfigurationStore store(at("state/configurations"), board);
     FaultSwitches switches;
@@ -182,7 +182,7 @@ TEST_F(BoardServiceAuditTest, aRestoreThatNobodyAwaitsHasItsOutcome) {
     EXPECT_EQ(events()[1]["code"], BACKEND_ABANDONED);
 }
 
-TEST_F(BoardServiceAuditTest, aRestoreThatFailsHasItsOutcome) {
+TEST_F(BoardServiceAuditTest, recordsOutcomeOfFailedRestore) {
     stage(makeFile("1.0", "new"));
     ConfigurationStore store(at("state/configurations"), board);
     FaultSwitches switches;
@@ -195,7 +195,7 @@ TEST_F(BoardServiceAuditTest, aRestoreThatFailsHasItsOutcome) {
     EXPECT_EQ(events()[1]["code"], BACKEND_NOT_STORED);
 }
 
-TEST_F(BoardServiceAuditTest, anOrderOfBoardctlIsRecordedBeforeItIsCarriedOut) {
+TEST_F(BoardServiceAuditTest, recordsFaultOrderBeforeItTakesEffect) {
     const std::string order = "slow 1 1";
     const RequestFrame request = {RequestKind::CONTROL, 0, "", Bytes(order.begin(), order.end())};
     ConfigurationStore store(at("state/configurations"), board);
@@ -210,7 +210,7 @@ TEST_F(BoardServiceAuditTest, anOrderOfBoardctlIsRecordedBeforeItIsCarriedOut) {
     EXPECT_EQ(service.answer(request).errorCode, BACKEND_NOT_RECORDED);
 }
 
-TEST_F(BoardServiceAuditTest, aLoginIsForTheProgramToRecord) {
+TEST_F(BoardServiceAuditTest, doesNotRecordLogin) {
     login("tYpedPassword", "pAssword");
     EXPECT_EQ(events().size(), 0U);
 }

@@ -11,13 +11,13 @@
 
 namespace VeskLib::Test {
 
-TEST_F(BoardServiceTest, restoreGivesEveryTargetThePayloadAndNothingElse) {
+TEST_F(BoardServiceTest, restoreReplacesOnlyPayloadOfTargets) {
     stage(makeFile("1.0", "new"));
     ASSERT_EQ(restore({0, 1, 3}), 0U);
-    EXPECT_EQ(everythingHeld(), "new;new;two;new;four;;");
+    EXPECT_EQ(allConfigurations(), "new;new;two;new;four;;");
     EXPECT_TRUE(exists(stagingPath));
 
-    // Number, name and version stay the target's own.
+    // The target keeps its number, name and version.
     ASSERT_EQ(backup(1), 0U);
     ConfigurationFile file;
     ASSERT_TRUE(decode(readBytes(backupPath), file));
@@ -31,25 +31,25 @@ TEST_F(BoardServiceTest, backupCanBeRestored) {
     ASSERT_EQ(backup(0), 0U);
     std::filesystem::rename(backupPath, stagingPath);
     ASSERT_EQ(restore({1}), 0U);
-    EXPECT_EQ(everythingHeld(), "zero;zero;two;three;four;;");
+    EXPECT_EQ(allConfigurations(), "zero;zero;two;three;four;;");
 }
 
-TEST_F(BoardServiceTest, targetNamedTwiceCountsOnce) {
+TEST_F(BoardServiceTest, repeatedTargetCountsOnce) {
     stage(makeFile("1.0", "new"));
     EXPECT_EQ(restore({1, 1, 1}), 0U);
-    EXPECT_EQ(everythingHeld(), "zero;new;two;three;four;;");
+    EXPECT_EQ(allConfigurations(), "zero;new;two;three;four;;");
 }
 
-TEST_F(BoardServiceTest, unfitTargetKeepsAllOthersFromBeingChanged) {
+TEST_F(BoardServiceTest, oneUnsuitableTargetRefusesWholeRestore) {
     stage(makeFile("1.0", "new"));
     EXPECT_EQ(restore({0, 1, 4}), BACKEND_PARTITION_RUNNING);
     EXPECT_EQ(restore({0, 1, 2}), BACKEND_VERSION_DIFFERS);
     EXPECT_EQ(restore({0, 1, 5}), BACKEND_NO_PARTITION);
     EXPECT_EQ(restore({255, 1}), BACKEND_NO_PARTITION);
-    EXPECT_EQ(everythingHeld(), initial);
+    EXPECT_EQ(allConfigurations(), initial);
 }
 
-TEST_F(BoardServiceTest, onlyTheMajorNumberOfTheVersionCounts) {
+TEST_F(BoardServiceTest, comparesOnlyMajorVersion) {
     const struct {
         const char* fileVersion;
         unsigned int code;  // against "1.23 B"
@@ -69,18 +69,18 @@ TEST_F(BoardServiceTest, onlyTheMajorNumberOfTheVersionCounts) {
         stage(makeFile(fileVersion, "new"));
         EXPECT_EQ(restore({0}), expected) << fileVersion;
     }
-    // A target whose version is not known takes any.
+    // A target with an unknown version accepts any file.
     stage(makeFile("99.0", "any"));
     EXPECT_EQ(restore({3}), 0U);
 }
 
-TEST_F(BoardServiceTest, emptyListIsRefused) {
+TEST_F(BoardServiceTest, restoreToNoTargetsIsRefused) {
     stage(makeFile("1.0", "new"));
     EXPECT_EQ(restore({}), BACKEND_NO_TARGETS);
-    EXPECT_EQ(everythingHeld(), initial);
+    EXPECT_EQ(allConfigurations(), initial);
 }
 
-TEST_F(BoardServiceTest, stagedFileThatCannotBeUsedIsRefused) {
+TEST_F(BoardServiceTest, unusableStagedFileIsRefused) {
     EXPECT_EQ(restore({0}), BACKEND_FILE_UNUSABLE);
 
     Bytes bytes = encode(makeFile("1.0", "new"));
@@ -99,35 +99,35 @@ TEST_F(BoardServiceTest, stagedFileThatCannotBeUsedIsRefused) {
     std::filesystem::remove(stagingPath);
     ASSERT_EQ(::mkfifo(stagingPath.c_str(), 0600), 0);
     EXPECT_EQ(restore({0}), BACKEND_FILE_UNUSABLE);
-    EXPECT_EQ(everythingHeld(), initial);
+    EXPECT_EQ(allConfigurations(), initial);
 }
 
-TEST_F(BoardServiceTest, anotherSessionsFileIsNotUsed) {
+TEST_F(BoardServiceTest, doesNotUseFileOfAnotherSession) {
     writeBytes(at("restored_eficonfffffffffffffffff"), encode(makeFile("1.0", "new")));
     EXPECT_EQ(restore({0}), BACKEND_FILE_UNUSABLE);
 }
 
 // A configuration from a partition with a short name may be too large for one with a long name.
-TEST_F(BoardServiceTest, configurationThatATargetCouldNotGiveBackIsRefused) {
+TEST_F(BoardServiceTest, configurationTooLargeForTargetIsRefused) {
     ConfigurationFile file;
     file.version = "1";
     file.payload.assign(LARGEST_CONFIGURATION_FILE - 32 - file.version.size(), 'x');
     stage(file);
     EXPECT_EQ(restore({0}), BACKEND_CONFIGURATION_SIZE);
-    EXPECT_EQ(everythingHeld(), initial);
+    EXPECT_EQ(allConfigurations(), initial);
 }
 
-TEST_F(BoardServiceTest, restoreWhileAnotherIsUnderWayIsRefused) {
+TEST_F(BoardServiceTest, concurrentRestoreIsRefused) {
     stage(makeFile("1.0", "new"));
     const int lock = obtainLock(lockPath, 0);
     EXPECT_EQ(restore({0}), BACKEND_RESTORE_BUSY);
     EXPECT_EQ(backup(0), 0U);
-    EXPECT_EQ(everythingHeld(), initial);
+    EXPECT_EQ(allConfigurations(), initial);
     ::close(lock);
     EXPECT_EQ(restore({0}), 0U);
 }
 
-TEST_F(BoardServiceTest, onlyTheFileThatThePageShowedIsRestored) {
+TEST_F(BoardServiceTest, restoresOnlyFileThatThePageShowed) {
     const ConfigurationFile shown = makeFile("1.0", "shown");
     const std::string name = sha256Hex(encode(shown));
     RequestFrame request = {RequestKind::SET, VeskUi::SET_RESTORE, SESSION, {0, 1, 0}};
@@ -135,15 +135,15 @@ TEST_F(BoardServiceTest, onlyTheFileThatThePageShowedIsRestored) {
     for (const std::string& wrong : {name, name + "0", name.substr(1), std::string("x")}) {
         request.stagedFile = wrong;
         EXPECT_EQ(ask(request).errorCode, BACKEND_OTHER_FILE) << wrong;
-        EXPECT_EQ(everythingHeld(), initial);
+        EXPECT_EQ(allConfigurations(), initial);
     }
     stage(shown);
     request.stagedFile = name;
     EXPECT_EQ(ask(request).errorCode, 0U);
-    EXPECT_EQ(held(0), "shown");
+    EXPECT_EQ(configurationOf(0), "shown");
 }
 
-TEST_F(BoardServiceTest, aRefusalNamesEveryPartitionInTheWay) {
+TEST_F(BoardServiceTest, refusalNamesEveryUnsuitablePartition) {
     const auto refusedBy = [this](const Bytes& targets) {
         Bytes payload = {0, static_cast<unsigned char>(targets.size())};
         payload.insert(payload.end(), targets.begin(), targets.end());
@@ -164,17 +164,17 @@ TEST_F(BoardServiceTest, aRefusalNamesEveryPartitionInTheWay) {
     EXPECT_EQ(refusedBy({}), "1601 ");
 }
 
-TEST_F(BoardServiceTest, aRestoreThatNobodyAwaitsChangesNothing) {
+TEST_F(BoardServiceTest, abandonedRestoreChangesNothing) {
     stage(makeFile("1.0", "new"));
     ConfigurationStore store(at("state/configurations"), board);
     FaultSwitches switches;
     BoardService service(board, store, switches, lockPath);
     const RequestFrame request = {RequestKind::SET, VeskUi::SET_RESTORE, SESSION, {0, 1, 0}};
     EXPECT_EQ(service.answer(request, [] { return false; }).errorCode, BACKEND_ABANDONED);
-    EXPECT_EQ(everythingHeld(), initial);
+    EXPECT_EQ(allConfigurations(), initial);
     EXPECT_EQ(namesIn(at("state")), std::vector<std::string>{"configurations"});
 
-    // Asked when nothing is left to do but to put the new file in its place.
+    // The callback runs last, when only the rename of the new file is left to do.
     std::size_t files = 0;
     const auto look = [&] {
         files = namesIn(at("state")).size();
@@ -182,14 +182,14 @@ TEST_F(BoardServiceTest, aRestoreThatNobodyAwaitsChangesNothing) {
     };
     EXPECT_EQ(service.answer(request, look).errorCode, 0U);
     EXPECT_EQ(files, 2U);
-    EXPECT_EQ(held(0), "new");
+    EXPECT_EQ(configurationOf(0), "new");
 }
 
-TEST_F(BoardServiceTest, lockThatCannotBeUsedRefusesARestore) {
+TEST_F(BoardServiceTest, unusableLockRefusesRestore) {
     stage(makeFile("1.0", "new"));
     std::filesystem::create_directory(lockPath);
     EXPECT_EQ(restore({0}), BACKEND_NOT_STORED);
-    EXPECT_EQ(everythingHeld(), initial);
+    EXPECT_EQ(allConfigurations(), initial);
 }
 
 TEST_F(BoardServiceTest, restoreThatCannotBeStoredIsRefused) {
@@ -203,7 +203,7 @@ TEST_F(BoardServiceTest, restoreThatCannotBeStoredIsRefused) {
     std::filesystem::rename(at("away"), at("state"));
     EXPECT_EQ(reply.errorCode, BACKEND_NOT_STORED);
     EXPECT_EQ(store.read(0), (Bytes{'z', 'e', 'r', 'o'}));
-    EXPECT_EQ(everythingHeld(), initial);
+    EXPECT_EQ(allConfigurations(), initial);
 }
 
 }  // namespace VeskLib::Test

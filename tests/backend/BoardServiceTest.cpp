@@ -14,7 +14,7 @@
 
 namespace VeskLib::Test {
 
-TEST_F(BoardServiceTest, partitionTableIsTheBoards) {
+TEST_F(BoardServiceTest, returnsPartitionsOfBoard) {
     const ReplyFrame reply = ask({RequestKind::GET, VeskUi::GET_PARTITION_INFO, "", {}});
     EXPECT_EQ(reply.errorCode, 0U);
     VeskUi::PartitionInfoPacket packet;
@@ -28,7 +28,7 @@ TEST_F(BoardServiceTest, partitionTableIsTheBoards) {
     EXPECT_EQ(ids, (Bytes{0x21, 3}));
 }
 
-TEST_F(BoardServiceTest, hardwareIsTheBoards) {
+TEST_F(BoardServiceTest, returnsHardwareOfBoard) {
     board.ioBoards[1] = true;
     board.gspBoards[15] = true;
     const ReplyFrame reply = ask({RequestKind::GET, VeskUi::GET_HARD_INSTALL_INFO, "", {}});
@@ -43,7 +43,7 @@ TEST_F(BoardServiceTest, hardwareIsTheBoards) {
     }
 }
 
-TEST_F(BoardServiceTest, versionsAreTheBoards) {
+TEST_F(BoardServiceTest, returnsVersionsOfBoard) {
     const ReplyFrame reply = ask({RequestKind::GET, VeskUi::GET_VERSION_INFO, "", {}});
     EXPECT_EQ(reply.errorCode, 0U);
     VeskUi::VersionInfoPacket packet;
@@ -87,10 +87,10 @@ TEST_F(BoardServiceTest, changeWithoutASessionIsRefused) {
         EXPECT_EQ(code(RequestKind::SET, VeskUi::SET_RESTORE, {0, 1, 0}, session),
                   BACKEND_NO_SESSION);
     }
-    EXPECT_EQ(everythingHeld(), initial);
+    EXPECT_EQ(allConfigurations(), initial);
 }
 
-TEST_F(BoardServiceTest, backupIsAFileOfThePartition) {
+TEST_F(BoardServiceTest, backupWritesFileOfPartition) {
     const std::time_t before = std::time(nullptr);
     ASSERT_EQ(backup(1), 0U);
     const std::time_t after = std::time(nullptr);
@@ -107,23 +107,23 @@ TEST_F(BoardServiceTest, backupIsAFileOfThePartition) {
     EXPECT_EQ(status.st_mode, S_IFREG | 0600U);
 }
 
-TEST_F(BoardServiceTest, backupReplacesWhatIsThereEvenALink) {
+TEST_F(BoardServiceTest, backupReplacesLinkNotItsTarget) {
     writeText(at("precious"), "untouched");
     ASSERT_EQ(::symlink("precious", backupPath.c_str()), 0);
-    ASSERT_EQ(backup(4), 0U);  // running partitions can be saved
+    ASSERT_EQ(backup(4), 0U);  // running partitions can be backed up
     EXPECT_EQ(readText(at("precious")), "untouched");
     ConfigurationFile file;
     EXPECT_TRUE(decode(readBytes(backupPath), file));
 }
 
-TEST_F(BoardServiceTest, backupOfAPartitionWithoutHomeBoardHasAnUnknownVersion) {
+TEST_F(BoardServiceTest, backupWithoutHomeBoardHasUnknownVersion) {
     ASSERT_EQ(backup(3), 0U);
     ConfigurationFile file;
     ASSERT_TRUE(decode(readBytes(backupPath), file));
     EXPECT_EQ(file.version, "-");
 }
 
-TEST_F(BoardServiceTest, backupOfAPartitionThatIsNotThereIsRefused) {
+TEST_F(BoardServiceTest, backupOfMissingPartitionIsRefused) {
     EXPECT_EQ(backup(5), BACKEND_NO_PARTITION);
     EXPECT_EQ(backup(6), BACKEND_NO_PARTITION);
     EXPECT_EQ(code(RequestKind::SET, VeskUi::SET_BACKUP, {0xFF, 0xFF, 0xFF, 0xFF}),
@@ -137,7 +137,7 @@ TEST_F(BoardServiceTest, backupThatCannotBeStoredIsRefused) {
 }
 
 // A partition's name may have grown since it got its configuration.
-TEST_F(BoardServiceTest, backupThatDoesNotFitIntoAFileIsRefused) {
+TEST_F(BoardServiceTest, oversizedBackupIsRefused) {
     board.partitions[0].initialPayload.assign(LARGEST_CONFIGURATION_FILE, 'x');
     EXPECT_EQ(backup(0), BACKEND_CONFIGURATION_SIZE);
     EXPECT_FALSE(exists(backupPath));
@@ -148,12 +148,12 @@ TEST_F(BoardServiceTest, rightPasswordIsAccepted) {
     EXPECT_EQ(login("root", "secret").errorCode, 0U);
 }
 
-TEST_F(BoardServiceTest, wrongNameAndWrongPasswordHaveOneCode) {
+TEST_F(BoardServiceTest, wrongNameAndWrongPasswordReturnSameCode) {
     EXPECT_EQ(login("admin", "wrong").errorCode, BACKEND_LOGIN_REFUSED);
     EXPECT_EQ(login("nobody", "secret").errorCode, BACKEND_LOGIN_REFUSED);
 }
 
-TEST_F(BoardServiceTest, knownBrowsersLogInWhereOthersWait) {
+TEST_F(BoardServiceTest, knownBrowserLogsInWhenAddressIsExhausted) {
     ConfigurationStore store(at("state/configurations"), board);
     FaultSwitches switches;
     BoardService service(board, store, switches, lockPath);
@@ -170,7 +170,7 @@ TEST_F(BoardServiceTest, knownBrowsersLogInWhereOthersWait) {
         EXPECT_EQ(loginFrom("admin", "wrong", "").first, BACKEND_LOGIN_REFUSED);
     }
     EXPECT_EQ(loginFrom("admin", "secret", device), std::pair(0U, std::string()));
-    // For another user it is no name, and one that comes from the browser is not taken over.
+    // The device is unknown for another user, who gets a new one instead of the one that was sent.
     const std::string others = loginFrom("root", "secret", device).second;
     EXPECT_EQ(others.size(), 32U);
     EXPECT_NE(others, device);
@@ -178,13 +178,13 @@ TEST_F(BoardServiceTest, knownBrowsersLogInWhereOthersWait) {
     EXPECT_EQ(loginFrom("admin", "secret", "").first, BACKEND_LOGIN_TOO_SOON);
 }
 
-TEST_F(BoardServiceTest, ordersAreRefusedUnlessTheyAreAllowed) {
+TEST_F(BoardServiceTest, faultOrdersAreRefusedByDefault) {
     EXPECT_EQ(code(RequestKind::CONTROL, 0, {'s', 't', 'a', 't', 'u', 's'}),
               BACKEND_FAULTS_NOT_ALLOWED);
     EXPECT_EQ(code(RequestKind::CONTROL, 0, {}), BACKEND_FAULTS_NOT_ALLOWED);
 }
 
-TEST_F(BoardServiceTest, logHoldsTheReasonOfARefusalButNothingOfALogin) {
+TEST_F(BoardServiceTest, logsReasonOfRefusalButNoCredentials) {
     testing::internal::CaptureStderr();
     login("tYpedPassword", "pAssword");
     login("admin", "pAssword");

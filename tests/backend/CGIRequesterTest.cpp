@@ -20,7 +20,7 @@ using namespace Gui;
 
 namespace {
 
-// Takes an answer the way a test tells it to.
+// Accepts or rejects an answer, as the test chooses.
 class ReplyContainer : public VeskUi::SerializableObject {
 public:
     enum class Way { TAKE, REFUSE, THROW };
@@ -32,7 +32,7 @@ public:
     }
     unsigned int getSerializedSize() const override { return 1; }
 
-    // Also takes the four bytes behind the answer, which must be there to be read.
+    // Also copies the four bytes after the answer, which must be readable.
     bool setSerialized(const unsigned char* buffer, unsigned int size) override {
         bytes.assign(buffer, buffer + size);
         padding.assign(buffer + size, buffer + size + 4);
@@ -51,7 +51,7 @@ private:
 
 class CGIRequesterTest : public RootTest {
 protected:
-    // A back-end that takes one request and gives this reply.
+    // Returns a script that receives one request and sends `reply`.
     std::function<void(int)> replyWith(const Host::ReplyFrame& reply) {
         return [this, reply](int client) {
             received = receiveFramed(client);
@@ -64,7 +64,7 @@ protected:
 
 }  // namespace
 
-TEST_F(CGIRequesterTest, sessionIdentifierIsTheFirstPartOfTheCookie) {
+TEST_F(CGIRequesterTest, sessionIdentifierIsFirstPartOfCookie) {
     EXPECT_EQ(CGIRequester(COOKIE).getSessionId(), SESSION);
     EXPECT_EQ(CGIRequester("").getSessionId(), "");
     EXPECT_EQ(CGIRequester(nullptr).getSessionId(), "");
@@ -103,7 +103,7 @@ TEST_F(CGIRequesterTest, setInfoSendsTheObject) {
     EXPECT_EQ(request.payload, (Bytes{0, 0, 0, 3}));
 }
 
-TEST_F(CGIRequesterTest, aChangeNamesTheFileThatThePostedPageShowed) {
+TEST_F(CGIRequesterTest, setInfoNamesFileThatThePostedPageShowed) {
     Host::setPostedFile("ab");
     {
         const ScriptedServer server(replyWith({0, {}}));
@@ -116,7 +116,7 @@ TEST_F(CGIRequesterTest, aChangeNamesTheFileThatThePostedPageShowed) {
     EXPECT_EQ(request.stagedFile, "ab");
 }
 
-TEST_F(CGIRequesterTest, theDetailsOfARefusalAreKeptForItsCode) {
+TEST_F(CGIRequesterTest, keepsRefusalDetailsForTheirCode) {
     const auto refuseWith = [this](const Bytes& payload) {
         const ScriptedServer server(replyWith({1549, payload}));
         const VeskUi::PrimitiveTypeWrapper<unsigned int> partition(3);
@@ -138,8 +138,8 @@ TEST_F(CGIRequesterTest, answerIsFollowedByFourZeroBytes) {
     EXPECT_EQ(answer.padding, Bytes(4, 0));
 }
 
-// The wrapper takes four bytes whatever it is given; an empty answer must not make it read what is
-// not there.
+// PrimitiveTypeWrapper reads four bytes whatever the size, so a shorter answer must not make it
+// read past the buffer.
 TEST_F(CGIRequesterTest, shortAnswerIsPaddedForTheWrapper) {
     const ScriptedServer server(replyWith({0, {0x12}}));
     VeskUi::PrimitiveTypeWrapper<unsigned int> number(7);
@@ -147,7 +147,7 @@ TEST_F(CGIRequesterTest, shortAnswerIsPaddedForTheWrapper) {
     EXPECT_EQ(number.value, 0x12000000U);
 }
 
-TEST_F(CGIRequesterTest, objectThatDoesNotTakeTheAnswerIsAFailedRequest) {
+TEST_F(CGIRequesterTest, requestFailsWhenObjectRejectsAnswer) {
     for (const ReplyContainer::Way way :
          {ReplyContainer::Way::REFUSE, ReplyContainer::Way::THROW}) {
         const ScriptedServer server(replyWith({0, {1, 2, 3}}));
@@ -158,7 +158,7 @@ TEST_F(CGIRequesterTest, objectThatDoesNotTakeTheAnswerIsAFailedRequest) {
     }
 }
 
-TEST_F(CGIRequesterTest, objectThatCannotBeWrittenIsAFailedRequest) {
+TEST_F(CGIRequesterTest, requestFailsWhenObjectCannotBeSerialized) {
     CGIRequester requester(COOKIE);
     EXPECT_FALSE(requester.setInfo(1, ReplyContainer(ReplyContainer::Way::TAKE)));
     EXPECT_EQ(requester.getErrorCode(), Host::CHANNEL_BAD_OBJECT);
@@ -185,7 +185,7 @@ TEST_F(CGIRequesterTest, errorCodeIsThatOfTheLastRequest) {
     EXPECT_EQ(requester.getErrorCode(), Host::CHANNEL_BROKEN);
 }
 
-TEST_F(CGIRequesterTest, backendThatIsDownIsAFailedRequest) {
+TEST_F(CGIRequesterTest, requestFailsWhenBackendIsDown) {
     CGIRequester requester(COOKIE);
     ReplyContainer answer(ReplyContainer::Way::TAKE);
     EXPECT_FALSE(requester.getInfo(1, answer));

@@ -25,7 +25,7 @@ using namespace Host;
 
 namespace {
 
-// Milliseconds for what must time out.
+// Milliseconds: a timeout that must expire.
 const int SHORT = 50;
 
 RequestFrame makeRequest() {
@@ -36,8 +36,9 @@ Bytes makeReply() {
     return framed(encode(ReplyFrame{0, {1, 2, 3, 4, 5}}));
 }
 
-// What the channel says to a back-end that takes the request and then does as `script` says. The
-// reply must stay untouched unless it is 0.
+// Returns the result of an exchange with a back-end that receives the request and then runs
+// `script`. Checks that a failure leaves the reply unchanged and is returned again by the next
+// exchange.
 int codeFor(const std::function<void(int client)>& script, int deadline = LONG) {
     const ScriptedServer server([&script](int client) {
         receiveFramed(client);
@@ -62,7 +63,7 @@ protected:
 
 }  // namespace
 
-TEST_F(ChannelTest, sendsARequestAndReceivesItsReply) {
+TEST_F(ChannelTest, sendsRequestAndReceivesReply) {
     Bytes received;
     ReplyFrame reply;
     {
@@ -78,7 +79,7 @@ TEST_F(ChannelTest, sendsARequestAndReceivesItsReply) {
     EXPECT_EQ(reply.payload, (Bytes{1, 2, 3, 4, 5}));
 }
 
-TEST_F(ChannelTest, requestLeavesInOnePiece) {
+TEST_F(ChannelTest, sendsRequestInOnePiece) {
     std::size_t first = 0;
     {
         const ScriptedServer server([&first](int client) {
@@ -94,7 +95,7 @@ TEST_F(ChannelTest, requestLeavesInOnePiece) {
     EXPECT_EQ(first, framed(encode(makeRequest())).size());
 }
 
-TEST_F(ChannelTest, replyMayComeInPieces) {
+TEST_F(ChannelTest, receivesReplyInPieces) {
     for (const std::size_t pieceSize : {1U, 2U, 4U}) {
         EXPECT_EQ(codeFor([pieceSize](int client) {
                       const Bytes reply = makeReply();
@@ -123,7 +124,7 @@ TEST_F(ChannelTest, severalExchangesUseOneConnection) {
     }
 }
 
-TEST_F(ChannelTest, refusalIsTheBackendsAnswerAndLeavesTheChannelUsable) {
+TEST_F(ChannelTest, returnsRefusalAndStaysUsable) {
     const ScriptedServer server([](int client) {
         receiveFramed(client);
         sendBytes(client, framed(encode(ReplyFrame{1551, {9}})));
@@ -138,7 +139,7 @@ TEST_F(ChannelTest, refusalIsTheBackendsAnswerAndLeavesTheChannelUsable) {
     EXPECT_EQ(reply.payload.size(), 5U);
 }
 
-TEST_F(ChannelTest, theBackEndSeesAtOnceThatAClientHasGivenUp) {
+TEST_F(ChannelTest, closesConnectionAtTimeout) {
     std::atomic<bool> left = false;
     const ScriptedServer server([&left](int client) {
         receiveFramed(client);
@@ -150,7 +151,7 @@ TEST_F(ChannelTest, theBackEndSeesAtOnceThatAClientHasGivenUp) {
     EXPECT_TRUE(happensInTime([&left] { return left.load(); }));
 }
 
-TEST_F(ChannelTest, missingSocketIsUnreachableForGood) {
+TEST_F(ChannelTest, staysUnreachableAfterMissingSocket) {
     Channel channel(LONG);
     ReplyFrame reply;
     EXPECT_EQ(channel.exchange(makeRequest(), reply), CHANNEL_UNREACHABLE);
@@ -172,11 +173,11 @@ TEST_F(ChannelTest, fileInPlaceOfTheSocketIsUnreachable) {
     EXPECT_EQ(channel.exchange(makeRequest(), reply), CHANNEL_UNREACHABLE);
 }
 
-TEST_F(ChannelTest, silentBackendIsATimeout) {
+TEST_F(ChannelTest, silentBackendTimesOut) {
     EXPECT_EQ(codeFor(waitForEnd, SHORT), CHANNEL_TIMEOUT);
 }
 
-TEST_F(ChannelTest, lateRestOfAReplyIsATimeout) {
+TEST_F(ChannelTest, incompleteReplyTimesOut) {
     for (const std::size_t size : {1U, 3U, 4U, 5U, 12U}) {
         EXPECT_EQ(codeFor(
                       [size](int client) {
@@ -189,8 +190,8 @@ TEST_F(ChannelTest, lateRestOfAReplyIsATimeout) {
     }
 }
 
-// A back-end that sends a byte now and then must not stretch the deadline.
-TEST_F(ChannelTest, deadlineIsForTheWholeExchange) {
+// A back-end that sends a byte now and then must not extend the deadline.
+TEST_F(ChannelTest, deadlineCoversWholeExchange) {
     EXPECT_EQ(codeFor(
                   [](int client) {
                       const Bytes reply = framed(Bytes(1000, 0));
@@ -207,9 +208,9 @@ TEST_F(ChannelTest, deadlineIsForTheWholeExchange) {
               CHANNEL_TIMEOUT);
 }
 
-TEST_F(ChannelTest, backendThatTakesNothingIsATimeout) {
+TEST_F(ChannelTest, backendThatDoesNotReadTimesOut) {
     const ScriptedServer server([](int client) {
-        // Not even a byte: the request is larger than what the socket holds.
+        // Reads nothing; the request is larger than the socket's buffer.
         unsigned char byte = 0;
         ::recv(client, &byte, 1, MSG_PEEK);
         waitForHangUp(client);
@@ -221,7 +222,7 @@ TEST_F(ChannelTest, backendThatTakesNothingIsATimeout) {
     EXPECT_EQ(channel.exchange(request, reply), CHANNEL_TIMEOUT);
 }
 
-TEST_F(ChannelTest, fullQueueOfTheBackendIsATimeout) {
+TEST_F(ChannelTest, fullBacklogTimesOut) {
     const int listener = openBoardSocket(0);
     const int waiting[] = {connectToBoardWithoutWaiting(), connectToBoardWithoutWaiting()};
     Channel channel(SHORT);
@@ -250,7 +251,7 @@ TEST_F(ChannelTest, backendThatHangsUpIsBroken) {
     EXPECT_EQ(channel.exchange(request, reply), CHANNEL_BROKEN);
 }
 
-TEST_F(ChannelTest, oversizedReplyIsMalformedWithoutWaitingForIt) {
+TEST_F(ChannelTest, rejectsOversizedReplyByItsLength) {
     for (const char* length : {"00 10 00 01", "7F FF FF FF", "FF FF FF FF"}) {
         EXPECT_EQ(codeFor([length](int client) {
                       sendBytes(client, fromHexadecimal(length));
@@ -261,7 +262,7 @@ TEST_F(ChannelTest, oversizedReplyIsMalformedWithoutWaitingForIt) {
     }
 }
 
-TEST_F(ChannelTest, largestReplyIsReceived) {
+TEST_F(ChannelTest, receivesLargestReply) {
     EXPECT_EQ(codeForReply(framed(Bytes(LARGEST_FRAME, 0))), 0);
 }
 
@@ -271,7 +272,7 @@ TEST_F(ChannelTest, frameTooShortForAReplyIsMalformed) {
     }
 }
 
-TEST_F(ChannelTest, oversizedRequestIsNotSentAndLeavesTheChannelUsable) {
+TEST_F(ChannelTest, doesNotSendOversizedRequestAndStaysUsable) {
     const ScriptedServer server([](int client) {
         receiveFramed(client);
         sendBytes(client, makeReply());
@@ -284,7 +285,7 @@ TEST_F(ChannelTest, oversizedRequestIsNotSentAndLeavesTheChannelUsable) {
     EXPECT_EQ(channel.exchange(makeRequest(), reply), 0);
 }
 
-TEST_F(ChannelTest, depthOfTheRootDoesNotMatter) {
+TEST_F(ChannelTest, connectsUnderDeepRoot) {
     const std::string deep = at(std::string(100, 'd') + "/" + std::string(100, 'e'));
     std::filesystem::create_directories(deep + "/var/run");
     ::setenv("BOARD_ROOT", deep.c_str(), 1);

@@ -19,13 +19,13 @@ const char* const BOARD_PROPERTIES = "/var/run/board_properties";
 
 class CommonUtilTest : public RootTest {
 protected:
-    // What a new process is told while the properties file holds `text`.
+    // Returns the number in a new process while the properties file contains `text`.
     unsigned int numberFor(const std::string& text) {
         writeText(boardFile(BOARD_PROPERTIES), text);
         return numberInNewProcess();
     }
 
-    // The number is read once per process, so each question needs one of its own.
+    // Returns the number in a new process, because each process reads it only once.
     static unsigned int numberInNewProcess() {
         const ChildResult result =
             runInChild([] { return static_cast<int>(CommonUtil::getMaxPartitionNum()); });
@@ -36,14 +36,14 @@ protected:
 
 }  // namespace
 
-TEST_F(CommonUtilTest, numberIsTheBoards) {
+TEST_F(CommonUtilTest, readsNumberFromProperties) {
     EXPECT_EQ(numberFor("max_partitions=8\n"), 8U);
     EXPECT_EQ(numberFor("other=1\nmax_partitions=16\nmore=2\n"), 16U);
     EXPECT_EQ(numberFor("max_partitions=4"), 4U);
     EXPECT_EQ(numberFor("max_partitions=0\n"), 0U);
 }
 
-TEST_F(CommonUtilTest, numberIsZeroWhenTheBoardDoesNotTell) {
+TEST_F(CommonUtilTest, numberIsZeroWithoutValidProperty) {
     EXPECT_EQ(numberInNewProcess(), 0U);
     for (const char* text : {"", "max_partitions=\n", "max_partitions=x\n", "max_partitions=8x\n",
                              "max_partitions=-1\n", "max_partitions=99999999999\n", "8\n"}) {
@@ -51,7 +51,7 @@ TEST_F(CommonUtilTest, numberIsZeroWhenTheBoardDoesNotTell) {
     }
 }
 
-TEST_F(CommonUtilTest, propertiesThatCannotBeReadAreAnErrorAndNoEmptyBoard) {
+TEST_F(CommonUtilTest, throwsForUnreadableProperties) {
     ASSERT_EQ(::mkdir(boardFile(BOARD_PROPERTIES).c_str(), 0700), 0);
     const ChildResult result = runInChild([] {
         try {
@@ -73,7 +73,7 @@ TEST_F(CommonUtilTest, numberDoesNotChangeWithinAProcess) {
     EXPECT_EQ(result.exitStatus, 0) << result.errors;
 }
 
-TEST(BoardProperties, areReadBack) {
+TEST(BoardProperties, encodeAndDecode) {
     Host::BoardProperties published;
     published.maxPartitions = 8;
     published.name = "Rack 4, row 12 = east";
@@ -101,7 +101,7 @@ TEST(BoardProperties, areReadBack) {
     EXPECT_EQ(properties.syslogSocket, "/dev/log");
 }
 
-TEST(BoardProperties, damagedOnesAreNotTaken) {
+TEST(BoardProperties, rejectDamage) {
     for (const std::string text : {"max_partitions=8\nuser=2 - x\n", "max_partitions=8\nuser=1-x\n",
                                    "max_partitions=8\nuser=1-- x\n", "max_partitions=8\nuser=1 -\n",
                                    "max_partitions=8\nuser=\n", "user=1 - admin\n"}) {
@@ -112,7 +112,7 @@ TEST(BoardProperties, damagedOnesAreNotTaken) {
     }
 }
 
-TEST(BoardProperties, rightsAreThoseOfTheList) {
+TEST(BoardProperties, allowOnlyListedFunctions) {
     const Host::UserRights some = {.everyFunction = false, .functions = ",105,1061,"};
     EXPECT_TRUE(some.allow(105));
     EXPECT_FALSE(some.allow(106));

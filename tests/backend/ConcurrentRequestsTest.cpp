@@ -1,5 +1,5 @@
-// Many clients ask the daemon at once for everything it does. A daemon with ThreadSanitizer ends at
-// a data race, with a report that these tests show.
+// Many clients send every kind of request to the daemon at once. In a build with ThreadSanitizer
+// the daemon exits at the first data race, and these tests print its report.
 
 #include "data/requestNumbers.h"
 #include "platform/host/channel/BackendError.h"
@@ -33,7 +33,7 @@ const int CLIENTS_OF_EACH_KIND = 3;
 const int ROUNDS = 10;
 const int SESSIONS = 10;
 
-// The shape of a session's identifier, different for each client.
+// Returns a well-formed session identifier, different for each client.
 std::string sessionOf(int client) {
     return "000000000000000" + std::to_string(client);
 }
@@ -46,8 +46,7 @@ class ConcurrentRequestsTest : public RootTest {
 protected:
     // Runs clients of several kinds at once, each in a thread of its own, in ten sessions.
     void work(const std::vector<std::function<void(const std::string& session)>>& kinds) {
-        // Before the first client starts, which could otherwise read a file that is being
-        // rewritten.
+        // Before the first client starts; otherwise it could read a half-written file.
         for (int session = 0; session < SESSIONS; ++session) {
             writeSession(sessionOf(session) + "-" + std::string(32, '0'), "admin");
         }
@@ -62,7 +61,7 @@ protected:
         }
     }
 
-    // A failed exchange is a code as well: the daemon may be ending.
+    // Returns the code of the exchange. It may fail, because the daemon may be shutting down.
     static int ask(Channel& channel, const RequestFrame& request) {
         ReplyFrame reply;
         return channel.exchange(request, reply);
@@ -81,7 +80,7 @@ protected:
         return {RequestKind::SET, VeskUi::SET_RESTORE, session, {0, 1, target}};
     }
 
-    // Several requests over one connection, as a page makes them.
+    // Sends several requests over one connection, as a page does.
     static void display(const std::string& session) {
         for (int round = 0; round < ROUNDS; ++round) {
             Channel channel(LONG);
@@ -141,7 +140,7 @@ protected:
         }
     }
 
-    // Ends the daemon and looks at what it has said.
+    // Stops the daemon and checks its exit status and standard error.
     static void expectSoundEnd(BackendProcess& backend) {
         EXPECT_EQ(backend.stop(), 0);
         for (const std::string& line : linesOf(backend.errors())) {
@@ -152,14 +151,14 @@ protected:
 
 }  // namespace
 
-TEST_F(ConcurrentRequestsTest, clientsOfEveryKindAreServedAtOnce) {
+TEST_F(ConcurrentRequestsTest, servesClientsOfEveryKindAtOnce) {
     BackendProcess backend(boardFile(""), DEMO_BOARD);
     ASSERT_TRUE(backend.waitUntilReady());
     work({display, backUp, restore, logIn, giveOrders, hangUp});
     expectSoundEnd(backend);
 }
 
-TEST_F(ConcurrentRequestsTest, connectionsAreTakenAwayFromQuietClientsWhileOthersWork) {
+TEST_F(ConcurrentRequestsTest, disconnectsQuietClientsWhileOthersWork) {
     BackendProcess backend(boardFile(""), DEMO_BOARD);
     ASSERT_TRUE(backend.waitUntilReady());
     std::vector<int> quiet;
@@ -173,7 +172,7 @@ TEST_F(ConcurrentRequestsTest, connectionsAreTakenAwayFromQuietClientsWhileOther
     }
 }
 
-TEST_F(ConcurrentRequestsTest, endComesWhileClientsAsk) {
+TEST_F(ConcurrentRequestsTest, shutsDownWhileClientsSendRequests) {
     for (int round = 0; round < 5; ++round) {
         BackendProcess backend(boardFile(""), DEMO_BOARD);
         ASSERT_TRUE(backend.waitUntilReady());

@@ -47,7 +47,7 @@ bool isReadInPieces(const Bytes& bytes, std::size_t size) {
 
 }  // namespace
 
-TEST(ConfigurationFileReader, piecesOfEverySizeGiveTheSame) {
+TEST(ConfigurationFileReader, readsPiecesOfAnySize) {
     for (const std::size_t payloadSize : {0U, 1U, 7U, 2000U}) {
         const Bytes bytes = exampleBytes(payloadSize);
         for (std::size_t size = 1; size <= std::min<std::size_t>(bytes.size(), 60); ++size) {
@@ -56,7 +56,7 @@ TEST(ConfigurationFileReader, piecesOfEverySizeGiveTheSame) {
     }
 }
 
-TEST(ConfigurationFileReader, aFileMayBeSplitAtEveryByte) {
+TEST(ConfigurationFileReader, readsFileSplitAtAnyByte) {
     const Bytes bytes = exampleBytes(7);
     for (std::size_t split = 0; split <= bytes.size(); ++split) {
         ConfigurationFileReader reader;
@@ -66,7 +66,7 @@ TEST(ConfigurationFileReader, aFileMayBeSplitAtEveryByte) {
     }
 }
 
-TEST(ConfigurationFileReader, damageIsFoundWhateverThePieces) {
+TEST(ConfigurationFileReader, detectsDamageInPiecesOfAnySize) {
     const Bytes whole = exampleBytes(7);
     for (std::size_t position = 0; position < whole.size(); ++position) {
         Bytes damaged = whole;
@@ -78,7 +78,7 @@ TEST(ConfigurationFileReader, damageIsFoundWhateverThePieces) {
     }
 }
 
-TEST(ConfigurationFileReader, nothingIsNoFile) {
+TEST(ConfigurationFileReader, rejectsEmptyInput) {
     EXPECT_FALSE(isReadFrom(ConfigurationFileReader()));
 }
 

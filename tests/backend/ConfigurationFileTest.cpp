@@ -27,7 +27,7 @@ const char* const EXAMPLE_BYTES =
 
 const std::size_t SMALLEST_FILE = 32;
 
-// Gives the bytes the checksum that fits them.
+// Returns the bytes with their last four replaced by the matching checksum.
 Bytes withChecksum(Bytes bytes) {
     const std::uint32_t value = crc32(bytes.data(), bytes.size() - 4);
     for (std::size_t i = 0; i < 4; ++i) {
@@ -46,11 +46,11 @@ bool isConfigurationFile(const Bytes& bytes) {
 
 }  // namespace
 
-TEST(ConfigurationFile, hasItsBytes) {
+TEST(ConfigurationFile, encodesExample) {
     EXPECT_EQ(toHexadecimal(encode(makeExample())), EXAMPLE_BYTES);
 }
 
-TEST(ConfigurationFile, isReadBack) {
+TEST(ConfigurationFile, decodesExample) {
     ConfigurationFile file;
     ASSERT_TRUE(decode(fromHexadecimal(EXAMPLE_BYTES), file));
     EXPECT_EQ(file.revision, 1U);
@@ -61,13 +61,13 @@ TEST(ConfigurationFile, isReadBack) {
     EXPECT_EQ(file.payload, makeExample().payload);
 }
 
-TEST(ConfigurationFile, smallestFileIsRead) {
+TEST(ConfigurationFile, acceptsSmallestFile) {
     const Bytes bytes = encode(ConfigurationFile());
     EXPECT_EQ(bytes.size(), SMALLEST_FILE);
     EXPECT_TRUE(isConfigurationFile(bytes));
 }
 
-TEST(ConfigurationFile, damageInAnyBitOfAnyByteIsFound) {
+TEST(ConfigurationFile, detectsDamageInAnyBit) {
     const Bytes whole = fromHexadecimal(EXAMPLE_BYTES);
     for (std::size_t position = 0; position < whole.size(); ++position) {
         for (int bit = 0; bit < 8; ++bit) {
@@ -78,23 +78,23 @@ TEST(ConfigurationFile, damageInAnyBitOfAnyByteIsFound) {
     }
 }
 
-TEST(ConfigurationFile, everyTruncationIsFound) {
+TEST(ConfigurationFile, detectsEveryTruncation) {
     const Bytes whole = fromHexadecimal(EXAMPLE_BYTES);
     for (std::size_t size = 0; size < whole.size(); ++size) {
         EXPECT_FALSE(isConfigurationFile(cut(whole, size))) << size;
     }
 }
 
-TEST(ConfigurationFile, trailingBytesAreFound) {
+TEST(ConfigurationFile, detectsTrailingBytes) {
     Bytes bytes = fromHexadecimal(EXAMPLE_BYTES);
     bytes.push_back(0);
     EXPECT_FALSE(isConfigurationFile(bytes));
-    // Also when the checksum was made for them.
+    // Even with a matching checksum.
     EXPECT_FALSE(isConfigurationFile(withChecksum(bytes)));
 }
 
-// Damage that a matching checksum hides is found by the fields themselves.
-TEST(ConfigurationFile, everyFieldIsCheckedBehindAMatchingChecksum) {
+// Malformed fields are rejected even when the checksum matches.
+TEST(ConfigurationFile, checksEveryFieldDespiteMatchingChecksum) {
     const Bytes whole = fromHexadecimal(EXAMPLE_BYTES);
     ASSERT_TRUE(isConfigurationFile(withChecksum(whole)));
     const struct {
@@ -121,7 +121,7 @@ TEST(ConfigurationFile, everyFieldIsCheckedBehindAMatchingChecksum) {
     }
 }
 
-TEST(ConfigurationFile, textsAtTheirLimitAreWrittenAndAboveItAreNot) {
+TEST(ConfigurationFile, encodesTextsUpToTheirLimit) {
     ConfigurationFile file;
     file.version = std::string(255, 'v');
     file.partitionName = std::string(1023, 'n');
@@ -137,7 +137,7 @@ TEST(ConfigurationFile, textsAtTheirLimitAreWrittenAndAboveItAreNot) {
     EXPECT_TRUE(encode(file).empty());
 }
 
-TEST(ConfigurationFile, textsAboveTheirLimitAreNotRead) {
+TEST(ConfigurationFile, rejectsTextsAboveTheirLimit) {
     Bytes bytes = encode(ConfigurationFile());
     bytes.insert(bytes.begin() + 28, 256, 'v');
     bytes[20] = 1;
@@ -149,7 +149,7 @@ TEST(ConfigurationFile, textsAboveTheirLimitAreNotRead) {
     EXPECT_FALSE(isConfigurationFile(withChecksum(bytes)));
 }
 
-TEST(ConfigurationFile, largestFileIsReadAndOneByteMoreIsNot) {
+TEST(ConfigurationFile, acceptsFileUpToLargestSize) {
     ConfigurationFile file;
     file.payload.assign(LARGEST_CONFIGURATION_FILE - SMALLEST_FILE, 0x5A);
     const Bytes bytes = encode(file);
@@ -164,13 +164,13 @@ TEST(ConfigurationFile, largestFileIsReadAndOneByteMoreIsNot) {
     EXPECT_FALSE(isConfigurationFile(withChecksum(larger)));
 }
 
-TEST(ConfigurationFile, checksumIsTheUsualOne) {
+TEST(ConfigurationFile, checksumIsStandardCRC32) {
     const Bytes digits = {'1', '2', '3', '4', '5', '6', '7', '8', '9'};
     EXPECT_EQ(crc32(digits.data(), digits.size()), 0xCBF43926U);
     EXPECT_EQ(crc32(digits.data(), 0), 0U);
 }
 
-TEST(ConfigurationFile, checksumDoesNotDependOnThePieces) {
+TEST(ConfigurationFile, computesChecksumInPieces) {
     std::vector<unsigned char> bytes(23);
     for (std::size_t i = 0; i < bytes.size(); ++i) {
         bytes[i] = static_cast<unsigned char>(37 * i + 200);

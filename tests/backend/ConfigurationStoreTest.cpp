@@ -45,8 +45,8 @@ protected:
     const BoardDescription description = makeDescription();
 };
 
-// The worked example of docs/configuration-file.md: partition 0 holds "A", partition 3 holds
-// nothing.
+// The worked example of docs/configuration-file.md: the configuration of partition 0 is "A", that
+// of partition 3 is empty.
 const char* const STATE_BYTES =
     "45 46 49 53 54 4F 52 1A 00 00 00 01 00 00 00 02 "
     "00 00 00 00 00 00 00 01 41 "
@@ -55,7 +55,7 @@ const char* const STATE_BYTES =
 
 }  // namespace
 
-TEST(StoredConfigurations, haveTheirBytes) {
+TEST(StoredConfigurations, encodeAndDecodeExample) {
     const Payloads payloads = {{0, {'A'}}, {3, {}}};
     EXPECT_EQ(toHexadecimal(encode(payloads)), STATE_BYTES);
     Payloads read;
@@ -63,7 +63,7 @@ TEST(StoredConfigurations, haveTheirBytes) {
     EXPECT_EQ(read, payloads);
 }
 
-TEST(StoredConfigurations, damageAndTruncationAreFound) {
+TEST(StoredConfigurations, rejectDamageAndTruncation) {
     const Bytes whole = fromHexadecimal(STATE_BYTES);
     for (std::size_t position = 0; position < whole.size(); ++position) {
         Payloads read = {{9, {9}}};
@@ -79,7 +79,7 @@ TEST(StoredConfigurations, damageAndTruncationAreFound) {
     EXPECT_FALSE(decode(longer, read));
 }
 
-TEST_F(ConfigurationStoreTest, beginsWithTheInitialConfigurationsAndStoresThem) {
+TEST_F(ConfigurationStoreTest, startsWithInitialConfigurationsAndStoresThem) {
     {
         const ConfigurationStore store(path, description);
         EXPECT_EQ(store.read(0), (Bytes{'i', 0}));
@@ -91,13 +91,13 @@ TEST_F(ConfigurationStoreTest, beginsWithTheInitialConfigurationsAndStoresThem) 
     ASSERT_EQ(::stat(path.c_str(), &status), 0);
     EXPECT_EQ(status.st_mode, S_IFREG | 0600U);
 
-    // What a partition holds is its own from then on, whatever the description says later.
+    // From then on a change of the description does not change the partition's configuration.
     BoardDescription changed = description;
     changed.partitions[0].initialPayload = {'n', 'e', 'w'};
     EXPECT_EQ(ConfigurationStore(path, changed).read(0), (Bytes{'i', 0}));
 }
 
-TEST_F(ConfigurationStoreTest, replacedConfigurationsLast) {
+TEST_F(ConfigurationStoreTest, replacedConfigurationsArePersistent) {
     {
         ConfigurationStore store(path, description);
         ASSERT_TRUE(store.replace({0, 2}, {1, 2, 3}));
@@ -110,7 +110,7 @@ TEST_F(ConfigurationStoreTest, replacedConfigurationsLast) {
     EXPECT_TRUE(store.read(2).empty());
 }
 
-TEST_F(ConfigurationStoreTest, configurationOfARemovedPartitionIsKept) {
+TEST_F(ConfigurationStoreTest, keepsConfigurationOfRemovedPartition) {
     { const ConfigurationStore store(path, description); }
     BoardDescription smaller;
     smaller.partitions.resize(1);
@@ -122,7 +122,7 @@ TEST_F(ConfigurationStoreTest, configurationOfARemovedPartitionIsKept) {
     EXPECT_EQ(ConfigurationStore(path, description).read(2), (Bytes{'i', 2}));
 }
 
-TEST_F(ConfigurationStoreTest, newPartitionGetsItsInitialConfigurationAndOthersKeepTheirs) {
+TEST_F(ConfigurationStoreTest, newPartitionGetsInitialConfiguration) {
     {
         ConfigurationStore store(path, description);
         ASSERT_TRUE(store.replace({0}, {7}));
@@ -149,7 +149,7 @@ TEST_F(ConfigurationStoreTest, failedReplacementChangesNothing) {
     EXPECT_EQ(store.read(0), Bytes{1});
 }
 
-TEST_F(ConfigurationStoreTest, damagedFileIsNotOverwritten) {
+TEST_F(ConfigurationStoreTest, doesNotOverwriteDamagedFile) {
     writeText(path, "damaged");
     EXPECT_EQ(whyNotOpened(), path +
                                   " is damaged; move it away to begin with the configurations "
@@ -157,12 +157,12 @@ TEST_F(ConfigurationStoreTest, damagedFileIsNotOverwritten) {
     EXPECT_EQ(readText(path), "damaged");
 }
 
-TEST_F(ConfigurationStoreTest, fileThatIsNoneIsRefused) {
+TEST_F(ConfigurationStoreTest, refusesFolderInPlaceOfFile) {
     std::filesystem::create_directory(path);
     EXPECT_EQ(whyNotOpened(), "cannot read " + path + ": Invalid argument");
 }
 
-TEST_F(ConfigurationStoreTest, folderThatIsMissingIsRefused) {
+TEST_F(ConfigurationStoreTest, refusesMissingFolder) {
     std::filesystem::remove_all(folder);
     EXPECT_EQ(whyNotOpened(), "cannot write " + path + ": No such file or directory");
 }

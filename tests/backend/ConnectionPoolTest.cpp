@@ -23,7 +23,8 @@ using namespace Host;
 
 namespace {
 
-// Replies of which so many bytes leave; all of them without a number.
+// Fixture for a pool that echoes requests, but sends only the first `sentBytes` bytes of each
+// reply, if given.
 class ConnectionPoolTest : public testing::Test {
 protected:
     ConnectionPoolTest() {
@@ -51,7 +52,7 @@ protected:
 
     void ask() const { sendBytes(client, framed(encode(REQUEST))); }
 
-    // Returns true if a request reaches the handler.
+    // Returns true if a request reaches the handler in time.
     bool isAsked() const {
         return happensInTime([this] { return asked != 0; });
     }
@@ -73,7 +74,7 @@ private:
 
 }  // namespace
 
-TEST_F(ConnectionPoolTest, anAnswerLeavesAsAWholeAndTheConnectionStays) {
+TEST_F(ConnectionPoolTest, sendsWholeReplyAndKeepsConnection) {
     start(std::nullopt);
     for (int round = 0; round < 3; ++round) {
         ask();
@@ -82,7 +83,7 @@ TEST_F(ConnectionPoolTest, anAnswerLeavesAsAWholeAndTheConnectionStays) {
     EXPECT_EQ(asked, 3);
 }
 
-TEST_F(ConnectionPoolTest, aTornAnswerIsCutAtEveryLengthAndTheConnectionEnds) {
+TEST_F(ConnectionPoolTest, cutsTornReplyAtAnyLengthAndClosesConnection) {
     for (std::size_t size = 1; size <= REPLY.size(); ++size) {
         start(size);
         ask();
@@ -93,13 +94,13 @@ TEST_F(ConnectionPoolTest, aTornAnswerIsCutAtEveryLengthAndTheConnectionEnds) {
     client = -1;
 }
 
-TEST_F(ConnectionPoolTest, anAnswerThatWouldBeTornBehindItsEndIsWhole) {
+TEST_F(ConnectionPoolTest, sendsWholeReplyWhenCutIsPastItsEnd) {
     start(REPLY.size() + 1000);
     ask();
     EXPECT_EQ(receiveBytes(client, REPLY.size() + 1), REPLY);
 }
 
-TEST_F(ConnectionPoolTest, theClientOfATornAnswerSeesABrokenFrame) {
+TEST_F(ConnectionPoolTest, tornReplyIsABrokenFrameForTheClient) {
     start(6);
     ask();
     Bytes bytes = {9};
@@ -107,7 +108,7 @@ TEST_F(ConnectionPoolTest, theClientOfATornAnswerSeesABrokenFrame) {
     EXPECT_EQ(bytes, Bytes{9});
 }
 
-TEST_F(ConnectionPoolTest, aSilentAnswerSendsNothingAndKeepsTheConnection) {
+TEST_F(ConnectionPoolTest, silentReplySendsNothingAndKeepsConnection) {
     start(0);
     ask();
     EXPECT_TRUE(isAsked());
@@ -117,8 +118,9 @@ TEST_F(ConnectionPoolTest, aSilentAnswerSendsNothingAndKeepsTheConnection) {
     EXPECT_TRUE(receiveBytes(client, 1).empty());
 }
 
-TEST_F(ConnectionPoolTest, aSilentConnectionEndsWhenItsClientIsQuietForTooLong) {
-    // On a busy machine the time may be over before the request is read; then it takes more.
+TEST_F(ConnectionPoolTest, closesSilentConnectionAfterRequestTimeout) {
+    // On a busy machine the timeout may expire before the request is read; then retries with a
+    // longer one.
     for (limits.requestMilliseconds = 50; asked == 0 && limits.requestMilliseconds < LONG;
          limits.requestMilliseconds *= 2) {
         pool.reset();
@@ -130,7 +132,7 @@ TEST_F(ConnectionPoolTest, aSilentConnectionEndsWhenItsClientIsQuietForTooLong) 
     EXPECT_EQ(asked, 1);
 }
 
-TEST_F(ConnectionPoolTest, aSilentConnectionDoesNotHoldUpTheEnd) {
+TEST_F(ConnectionPoolTest, silentConnectionDoesNotDelayShutdown) {
     start(0);
     ask();
     EXPECT_TRUE(isAsked());
@@ -138,7 +140,7 @@ TEST_F(ConnectionPoolTest, aSilentConnectionDoesNotHoldUpTheEnd) {
     EXPECT_TRUE(receiveBytes(client, 1).empty());
 }
 
-TEST_F(ConnectionPoolTest, aRequestThatMakesNoSenseIsNotAskedAndAnsweredAsAWhole) {
+TEST_F(ConnectionPoolTest, answersMalformedRequestWithoutCallingHandler) {
     start(2);
     sendBytes(client, framed({9}));
     EXPECT_EQ(receiveBytes(client, 9).size(), 8U);

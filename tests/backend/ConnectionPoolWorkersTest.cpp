@@ -35,18 +35,19 @@ namespace {
 
 const std::string TASKS = "/proc/self/task/";
 
-// Of all threads.
+// Returns the processor time of all threads.
 std::chrono::milliseconds processorTime() {
     return std::chrono::milliseconds(std::clock() * 1000 / CLOCKS_PER_SEC);
 }
 
-// Which threads serve which clients, and when there is one more or one less.
+// Fixture for tests of which threads serve which clients, and when the pool starts and ends
+// threads.
 class ConnectionPoolWorkersTest : public testing::Test {
 protected:
     ConnectionPoolWorkersTest() {
         limits.requestMilliseconds = LONG;
         limits.endMilliseconds = LONG;
-        // A sanitizer has a thread of its own, which comes with the first one of the program.
+        // A sanitizer starts a thread of its own together with the program's first thread.
         std::string first;
         std::thread([&first] { first = std::to_string(::gettid()); }).join();
         EXPECT_TRUE(happensInTime([&first] { return !exists(TASKS + first); }));
@@ -69,13 +70,13 @@ protected:
             limits);
     }
 
-    // One more client of the pool.
+    // Connects another client.
     int join() {
         clients.push_back(pool->connect());
         return clients.back();
     }
 
-    // The client goes.
+    // Disconnects the client.
     void leave(int client) {
         ::close(client);
         std::erase(clients, client);
@@ -85,7 +86,7 @@ protected:
         sendBytes(client, framed(encode(RequestFrame{RequestKind::GET, number, "", {7}})));
     }
 
-    // False when the connection has ended instead.
+    // Returns false if the connection is closed instead.
     bool isAnswered(int client) const { return receiveBytes(client, REPLY.size()) == REPLY; }
 
     bool exchange(int client) const {
@@ -93,7 +94,7 @@ protected:
         return isAnswered(client);
     }
 
-    // Lets the held requests go on.
+    // Lets the held requests continue.
     void release() {
         if (!released) {
             released = true;
@@ -101,7 +102,7 @@ protected:
         }
     }
 
-    // The pool's threads, by number; one of them runs it.
+    // Returns the ids of the pool's threads, including the one that runs it.
     std::vector<std::string> poolThreads() const {
         std::vector<std::string> numbers = namesIn(TASKS);
         std::erase_if(numbers, [this](const std::string& number) {
@@ -114,7 +115,7 @@ protected:
         return happensInTime([&] { return poolThreads().size() == count + 1; });
     }
 
-    // How often the pool's threads have gone to sleep or were made to.
+    // Returns the context switch counters of the pool's threads.
     std::string sleeps() const {
         std::string found;
         for (const std::string& number : poolThreads()) {
@@ -126,7 +127,7 @@ protected:
         return found;
     }
 
-    // Whether they come to rest.
+    // Returns true if the pool's threads go to sleep in time.
     bool sleepOn() const {
         return happensInTime([this] {
             const std::string before = sleeps();
@@ -141,7 +142,7 @@ protected:
     std::vector<int> clients;
     std::atomic<int> held = 0;
     std::mutex guard;
-    std::set<pid_t> threads;  // that have answered
+    std::set<pid_t> threads;  // those that have answered a request
 
 private:
     ReplyFrame answer(const RequestFrame& request) {
@@ -164,7 +165,7 @@ private:
 
 }  // namespace
 
-TEST_F(ConnectionPoolWorkersTest, oneThreadServesOneClientAfterTheOther) {
+TEST_F(ConnectionPoolWorkersTest, oneThreadServesSuccessiveClients) {
     limits.connections = 1;
     start();
     for (int round = 0; round < 5; ++round) {
@@ -176,13 +177,13 @@ TEST_F(ConnectionPoolWorkersTest, oneThreadServesOneClientAfterTheOther) {
     EXPECT_NE(*threads.begin(), pool->supervisor());
 }
 
-TEST_F(ConnectionPoolWorkersTest, idleThreadsWaitBeforeTheFirstClient) {
+TEST_F(ConnectionPoolWorkersTest, startsIdleThreadsBeforeFirstClient) {
     limits.idleWorkers = 3;
     start();
     EXPECT_TRUE(hasWorkers(3));
 }
 
-TEST_F(ConnectionPoolWorkersTest, noMoreThreadsWaitThanThereMayBeConnections) {
+TEST_F(ConnectionPoolWorkersTest, limitsIdleThreadsToConnections) {
     limits.connections = 2;
     limits.idleWorkers = 3;
     start();
@@ -191,7 +192,7 @@ TEST_F(ConnectionPoolWorkersTest, noMoreThreadsWaitThanThereMayBeConnections) {
     EXPECT_TRUE(hasWorkers(2));
 }
 
-TEST_F(ConnectionPoolWorkersTest, threadsComeForManyClientsAtOnceAndGoBehindThem) {
+TEST_F(ConnectionPoolWorkersTest, startsThreadsForManyClientsAndEndsThemAfterwards) {
     limits.idleWorkers = 2;
     start();
     for (int count = 0; count < 6; ++count) {
@@ -208,7 +209,7 @@ TEST_F(ConnectionPoolWorkersTest, threadsComeForManyClientsAtOnceAndGoBehindThem
     EXPECT_TRUE(exchange(join()));
 }
 
-TEST_F(ConnectionPoolWorkersTest, withoutIdleThreadsEachClientGetsAThread) {
+TEST_F(ConnectionPoolWorkersTest, servesClientsWithoutSpareIdleThreads) {
     limits.idleWorkers = 0;
     start();
     for (int round = 0; round < 5; ++round) {
@@ -219,14 +220,14 @@ TEST_F(ConnectionPoolWorkersTest, withoutIdleThreadsEachClientGetsAThread) {
     EXPECT_TRUE(hasWorkers(1));
 }
 
-TEST_F(ConnectionPoolWorkersTest, nothingWakesUpWhileNothingHappens) {
+TEST_F(ConnectionPoolWorkersTest, threadsSleepWhileNothingHappens) {
     start();
     EXPECT_TRUE(sleepOn());
     EXPECT_TRUE(exchange(join()));
     EXPECT_TRUE(sleepOn());
 }
 
-TEST_F(ConnectionPoolWorkersTest, nothingWakesUpWhileAllConnectionsAreTakenAndNobodyWaits) {
+TEST_F(ConnectionPoolWorkersTest, threadsSleepWhileAllConnectionsAreTaken) {
     limits.connections = 2;
     start();
     EXPECT_TRUE(exchange(join()));
@@ -234,7 +235,7 @@ TEST_F(ConnectionPoolWorkersTest, nothingWakesUpWhileAllConnectionsAreTakenAndNo
     EXPECT_TRUE(sleepOn());
 }
 
-TEST_F(ConnectionPoolWorkersTest, aQuietClientMakesRoomOnlyWhenAnotherOneWaits) {
+TEST_F(ConnectionPoolWorkersTest, disconnectsQuietClientOnlyWhenAnotherWaits) {
     limits.connections = 1;
     limits.quietMilliseconds = 1;
     start();
@@ -246,7 +247,7 @@ TEST_F(ConnectionPoolWorkersTest, aQuietClientMakesRoomOnlyWhenAnotherOneWaits) 
     EXPECT_FALSE(exchange(quiet));
 }
 
-TEST_F(ConnectionPoolWorkersTest, aClientThatWaitsAtTheEndSeesItsConnectionEnd) {
+TEST_F(ConnectionPoolWorkersTest, shutdownClosesConnectionsOfWaitingClients) {
     limits.connections = 1;
     start();
     const int served = join();
@@ -260,7 +261,7 @@ TEST_F(ConnectionPoolWorkersTest, aClientThatWaitsAtTheEndSeesItsConnectionEnd) 
     ending.join();
 }
 
-TEST_F(ConnectionPoolWorkersTest, aClientIsServedWhenThereAreDescriptorsAgain) {
+TEST_F(ConnectionPoolWorkersTest, servesClientOnceDescriptorsAreAvailableAgain) {
     if (SANITIZED) {
         GTEST_SKIP() << "the sanitizers need descriptors";
     }
@@ -276,12 +277,12 @@ TEST_F(ConnectionPoolWorkersTest, aClientIsServedWhenThereAreDescriptorsAgain) {
     ask(client);
     const auto before = processorTime();
     EXPECT_FALSE(waitUntilReady(client, POLLIN, Deadline(500)));
-    EXPECT_LT(processorTime() - before, std::chrono::milliseconds(100));  // it looks away
+    EXPECT_LT(processorTime() - before, std::chrono::milliseconds(100));  // no busy loop
     failure.reset();
     EXPECT_TRUE(isAnswered(client));
 }
 
-TEST_F(ConnectionPoolWorkersTest, theEndComesWhenThereAreNoDescriptors) {
+TEST_F(ConnectionPoolWorkersTest, shutsDownWithoutDescriptors) {
     if (SANITIZED) {
         GTEST_SKIP() << "the sanitizers need descriptors";
     }
@@ -294,7 +295,7 @@ TEST_F(ConnectionPoolWorkersTest, theEndComesWhenThereAreNoDescriptors) {
     pool.reset();
 }
 
-TEST_F(ConnectionPoolWorkersTest, withoutAnyThreadClientsAreTurnedAwayUntilThereIsOne) {
+TEST_F(ConnectionPoolWorkersTest, disconnectsClientsWhileNoThreadCanBeStarted) {
     std::optional<NoThreads> failure;
     limits.idleWorkers = 0;
     start();
@@ -311,7 +312,7 @@ TEST_F(ConnectionPoolWorkersTest, withoutAnyThreadClientsAreTurnedAwayUntilThere
     EXPECT_TRUE(exchange(join()));
 }
 
-TEST_F(ConnectionPoolWorkersTest, whereNoThreadCanBeStartedAQuietClientMakesRoom) {
+TEST_F(ConnectionPoolWorkersTest, disconnectsQuietClientWhenNoThreadCanBeStarted) {
     limits.idleWorkers = 1;
     limits.quietMilliseconds = 1;
     start();

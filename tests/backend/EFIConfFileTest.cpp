@@ -29,8 +29,8 @@ protected:
 
     void write() const { writeBytes(path, encode(file)); }
 
-    // The detail code with which the file is refused; 0 when it is read. The outputs of a refused
-    // file must be as they were.
+    // Returns the detail code of the exception, or 0 if the file is read. Checks that a failure
+    // leaves the outputs unchanged.
     int refusal() const {
         EFIConfFile::EFIConfFileHeader header = {77, 78};
         std::string version = "v";
@@ -67,7 +67,7 @@ TEST_F(EFIConfFileTest, shortFormReadsHeaderAndVersion) {
     EXPECT_EQ(version, "1.23 B");
 }
 
-TEST_F(EFIConfFileTest, longFormNamesTheFileThatThePageShows) {
+TEST_F(EFIConfFileTest, longFormRecordsHashOfShownFile) {
     write();
     Host::setShownFile("");
     EFIConfFile::EFIConfFileHeader header;
@@ -79,10 +79,10 @@ TEST_F(EFIConfFileTest, longFormNamesTheFileThatThePageShows) {
     Host::setShownFile("");
 }
 
-TEST_F(EFIConfFileTest, longFormReadsThePartitionToo) {
+TEST_F(EFIConfFileTest, longFormReadsPartitionToo) {
     write();
     EFIConfFile opened(path.c_str());
-    for (int time = 0; time < 2; ++time) {  // a second call begins at the start again
+    for (int time = 0; time < 2; ++time) {  // a second call starts over
         EFIConfFile::EFIConfFileHeader header;
         std::string version;
         unsigned int partition = 0;
@@ -95,13 +95,13 @@ TEST_F(EFIConfFileTest, longFormReadsThePartitionToo) {
     }
 }
 
-TEST_F(EFIConfFileTest, fileThatCannotBeOpenedThrows) {
+TEST_F(EFIConfFileTest, throwsForUnreadableFile) {
     EXPECT_EQ(refusal(), Host::FILE_NOT_READABLE);
     ASSERT_EQ(::symlink("elsewhere", path.c_str()), 0);
     EXPECT_EQ(refusal(), Host::FILE_NOT_READABLE);
 }
 
-TEST_F(EFIConfFileTest, pipeAndFolderThrow) {
+TEST_F(EFIConfFileTest, throwsForPipeAndFolder) {
     ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
     EXPECT_EQ(refusal(), Host::FILE_NOT_READABLE);
     ASSERT_EQ(::unlink(path.c_str()), 0);
@@ -109,7 +109,7 @@ TEST_F(EFIConfFileTest, pipeAndFolderThrow) {
     EXPECT_EQ(refusal(), Host::FILE_NOT_READABLE);
 }
 
-TEST_F(EFIConfFileTest, damageAnywhereThrows) {
+TEST_F(EFIConfFileTest, throwsForDamageAtAnyByte) {
     const Bytes whole = encode(file);
     for (std::size_t position = 0; position < whole.size(); ++position) {
         Bytes damaged = whole;
@@ -121,7 +121,7 @@ TEST_F(EFIConfFileTest, damageAnywhereThrows) {
     }
 }
 
-TEST_F(EFIConfFileTest, fileAboveTheLimitThrows) {
+TEST_F(EFIConfFileTest, throwsForOversizedFile) {
     file.payload.assign(Host::LARGEST_CONFIGURATION_FILE, 0);
     writeBytes(path, file.payload);
     EXPECT_EQ(refusal(), Host::NOT_A_CONFIGURATION_FILE);

@@ -18,7 +18,7 @@ namespace {
 
 const std::uint32_t REQUEST = 0x020100A4;
 
-// What happens to a request in words: "refused 1047", "5 bytes", both, or "".
+// Describes the fault of the next request: "refused 1047", "5 bytes", both, or "".
 std::string nextFault(FaultSwitches& switches, std::uint32_t request = REQUEST) {
     const FaultSwitches::Fault fault = switches.next(request);
     std::string text = fault.refused ? "refused " + std::to_string(fault.errorCode) : "";
@@ -37,7 +37,7 @@ std::chrono::milliseconds timeOf(FaultSwitches& switches) {
 
 }  // namespace
 
-TEST(FaultSwitchesTest, everythingIsOffAtTheStart) {
+TEST(FaultSwitchesTest, everythingIsOffInitially) {
     FaultSwitches switches;
     EXPECT_EQ(switches.describe(), "");
     EXPECT_EQ(nextFault(switches), "");
@@ -45,7 +45,7 @@ TEST(FaultSwitchesTest, everythingIsOffAtTheStart) {
     EXPECT_FALSE(switches.isRunning(0, false));
 }
 
-TEST(FaultSwitchesTest, theNextRequestsOfANumberAreRefused) {
+TEST(FaultSwitchesTest, refusesNextRequestsOfNumber) {
     FaultSwitches switches;
     switches.refuse(REQUEST, 1047, 2);
     EXPECT_EQ(nextFault(switches, REQUEST + 1), "");
@@ -55,7 +55,7 @@ TEST(FaultSwitchesTest, theNextRequestsOfANumberAreRefused) {
     EXPECT_EQ(nextFault(switches), "");
 }
 
-TEST(FaultSwitchesTest, everyNumberHasItsRefusalAndTheLastOrderCounts) {
+TEST(FaultSwitchesTest, lastRefusalOfEachNumberCounts) {
     FaultSwitches switches;
     switches.refuse(1, 1001, 5);
     switches.refuse(2, 1002, 1);
@@ -68,7 +68,7 @@ TEST(FaultSwitchesTest, everyNumberHasItsRefusalAndTheLastOrderCounts) {
     EXPECT_EQ(nextFault(switches, 2), "");
 }
 
-TEST(FaultSwitchesTest, theNextRequestsAreNotAnswered) {
+TEST(FaultSwitchesTest, silencesNextRequests) {
     FaultSwitches switches;
     switches.silence(2);
     EXPECT_EQ(nextFault(switches, 1), "0 bytes");
@@ -76,7 +76,7 @@ TEST(FaultSwitchesTest, theNextRequestsAreNotAnswered) {
     EXPECT_EQ(nextFault(switches, 3), "");
 }
 
-TEST(FaultSwitchesTest, theNextRepliesBreakOff) {
+TEST(FaultSwitchesTest, tearsNextReplies) {
     FaultSwitches switches;
     switches.tear(6, 2);
     EXPECT_EQ(nextFault(switches, 1), "6 bytes");
@@ -84,18 +84,18 @@ TEST(FaultSwitchesTest, theNextRepliesBreakOff) {
     EXPECT_EQ(nextFault(switches, 3), "");
 }
 
-TEST(FaultSwitchesTest, aRequestMeetsSeveralFaultsAtOnce) {
+TEST(FaultSwitchesTest, combinesFaultsOnOneRequest) {
     FaultSwitches switches;
     switches.refuse(REQUEST, 1047, 1);
     switches.tear(6, 1);
     switches.silence(1);
-    // Silence first: of a reply that does not leave nothing can break off.
+    // Silence takes precedence: a reply that is not sent cannot be cut.
     EXPECT_EQ(nextFault(switches), "refused 1047, 0 bytes");
     EXPECT_EQ(nextFault(switches), "6 bytes");
     EXPECT_EQ(nextFault(switches), "");
 }
 
-TEST(FaultSwitchesTest, theNextRequestsWait) {
+TEST(FaultSwitchesTest, delaysNextRequests) {
     FaultSwitches switches;
     switches.delay(60, 2);
     EXPECT_GE(timeOf(switches).count(), 60);
@@ -103,7 +103,7 @@ TEST(FaultSwitchesTest, theNextRequestsWait) {
     EXPECT_EQ(switches.describe(), "");
 }
 
-TEST(FaultSwitchesTest, aRequestThatWaitsHoldsUpNobody) {
+TEST(FaultSwitchesTest, delayedRequestDoesNotBlockOthers) {
     FaultSwitches switches;
     switches.delay(LONG, 1);
     std::thread waiting([&switches] { switches.next(REQUEST); });
@@ -115,7 +115,7 @@ TEST(FaultSwitchesTest, aRequestThatWaitsHoldsUpNobody) {
     waiting.join();
 }
 
-TEST(FaultSwitchesTest, nobodyWaitsAfterTheEnd) {
+TEST(FaultSwitchesTest, endInterruptsDelays) {
     FaultSwitches switches;
     switches.delay(LONG, 10);
     std::vector<std::thread> waiting;
@@ -129,7 +129,7 @@ TEST(FaultSwitchesTest, nobodyWaitsAfterTheEnd) {
     EXPECT_LT(timeOf(switches).count(), LONG);
 }
 
-TEST(FaultSwitchesTest, aPartitionRunsAsOrderedWhateverTheDescriptionSays) {
+TEST(FaultSwitchesTest, setRunningOverridesDescription) {
     FaultSwitches switches;
     switches.setRunning(3, true);
     switches.setRunning(4, false);
@@ -153,7 +153,7 @@ TEST(FaultSwitchesTest, resetSwitchesEverythingOff) {
     EXPECT_FALSE(switches.isRunning(3, false));
 }
 
-TEST(FaultSwitchesTest, whatIsStillToComeIsDescribed) {
+TEST(FaultSwitchesTest, describesRemainingFaults) {
     FaultSwitches switches;
     switches.refuse(33620132, 1047, 2);
     switches.refuse(5, 1, 1);

@@ -20,7 +20,7 @@ class FrameStreamTest : public testing::Test {
 protected:
     FrameStreamTest() {
         if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) {
-            ADD_FAILURE() << "no pair of sockets";
+            ADD_FAILURE() << "cannot create a socket pair";
         }
     }
 
@@ -46,7 +46,7 @@ const Deadline& farDeadline() {
 
 }  // namespace
 
-TEST_F(FrameStreamTest, theLengthStandsInFront) {
+TEST_F(FrameStreamTest, prependsLength) {
     EXPECT_EQ(withLength({}), (Bytes{0, 0, 0, 0}));
     EXPECT_EQ(withLength({7}), (Bytes{0, 0, 0, 1, 7}));
     const Bytes framed = withLength(Bytes(0x012345, 9));
@@ -55,7 +55,7 @@ TEST_F(FrameStreamTest, theLengthStandsInFront) {
     EXPECT_EQ(framed.back(), 9);
 }
 
-TEST_F(FrameStreamTest, bytesAreSentAsTheyAre) {
+TEST_F(FrameStreamTest, sendsBytesUnchanged) {
     for (const Bytes& bytes : {Bytes{}, Bytes{1}, Bytes{0, 0, 0, 9, 1}}) {
         EXPECT_EQ(sendBytes(ends[0], bytes, farDeadline()), StreamResult::DONE);
         EXPECT_EQ(receiveBytes(ends[1], bytes.size()), bytes);
@@ -63,7 +63,7 @@ TEST_F(FrameStreamTest, bytesAreSentAsTheyAre) {
     EXPECT_FALSE(waitUntilReady(ends[1], POLLIN, Deadline(0)));
 }
 
-TEST_F(FrameStreamTest, manyBytesAreSentAsTheOtherSideTakesThem) {
+TEST_F(FrameStreamTest, sendsMoreThanTheSocketBuffers) {
     const Bytes many(3 * LARGEST_FRAME, 7);
     std::thread sending(
         [&] { EXPECT_EQ(sendBytes(ends[0], many, farDeadline()), StreamResult::DONE); });
@@ -71,16 +71,16 @@ TEST_F(FrameStreamTest, manyBytesAreSentAsTheOtherSideTakesThem) {
     sending.join();
 }
 
-TEST_F(FrameStreamTest, bytesThatNobodyTakesHaveADeadline) {
+TEST_F(FrameStreamTest, sendingTimesOutWhenPeerDoesNotRead) {
     EXPECT_EQ(sendBytes(ends[0], Bytes(16 * LARGEST_FRAME), Deadline(20)), StreamResult::TIMEOUT);
 }
 
-TEST_F(FrameStreamTest, aGoneReceiverIsAResultAndNoSignal) {
+TEST_F(FrameStreamTest, sendingToClosedPeerReportsBrokenWithoutSignal) {
     closeEnd(1);
     EXPECT_EQ(sendBytes(ends[0], {1}, farDeadline()), StreamResult::BROKEN);
 }
 
-TEST_F(FrameStreamTest, aFrameIsItsBytesWithTheirLength) {
+TEST_F(FrameStreamTest, sendsAndReceivesFrames) {
     EXPECT_EQ(sendFrame(ends[0], {7, 8}, farDeadline()), StreamResult::DONE);
     EXPECT_EQ(receiveBytes(ends[1], 6), withLength({7, 8}));
     Bytes received;
@@ -91,7 +91,7 @@ TEST_F(FrameStreamTest, aFrameIsItsBytesWithTheirLength) {
     EXPECT_FALSE(waitUntilReady(ends[1], POLLIN, Deadline(0)));
 }
 
-TEST_F(FrameStreamTest, whatIsNoSocketBreaksOff) {
+TEST_F(FrameStreamTest, reportsBrokenForPipe) {
     int pipe[2] = {-1, -1};
     ASSERT_EQ(::pipe(pipe), 0);
     Bytes received = {9};
@@ -103,7 +103,7 @@ TEST_F(FrameStreamTest, whatIsNoSocketBreaksOff) {
 }
 
 // The order "reset" as boardctl sends it.
-TEST_F(FrameStreamTest, aControlFrameHasItsBytes) {
+TEST_F(FrameStreamTest, encodesControlFrame) {
     const RequestFrame order = {RequestKind::CONTROL, 0, "", {'r', 'e', 's', 'e', 't'}};
     EXPECT_EQ(toHexadecimal(withLength(encode(order))),
               "00 00 00 12 04 00 00 00 00 00 00 00 00 00 00 00 00 72 65 73 65 74");

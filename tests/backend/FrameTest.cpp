@@ -28,18 +28,18 @@ void expectEqual(const RequestFrame& actual, const RequestFrame& expected) {
     EXPECT_EQ(actual.stagedFile, expected.stagedFile);
 }
 
-// The smallest whole request: kind, number and four empty texts.
+// The size of the smallest request: kind, number and four empty strings.
 const std::size_t REQUEST_HEAD = 13;
 
 }  // namespace
 
-TEST(Frame, requestHasItsBytes) {
+TEST(Frame, encodesRequest) {
     EXPECT_EQ(toHexadecimal(encode(makeBackupRequest())),
               "02 02 01 00 A3 00 10 " + std::string(SESSION_BYTES) +
                   " 00 03 3A 3A 31 00 03 37 2D 39 00 02 61 62 00 00 00 03");
 }
 
-TEST(Frame, requestWithoutSessionAndPayloadHasItsBytes) {
+TEST(Frame, encodesRequestWithoutSessionAndPayload) {
     EXPECT_EQ(
         toHexadecimal(encode(RequestFrame{RequestKind::GET, VeskUi::GET_VERSION_INFO, "", {}})),
         "01 02 01 02 01 00 00 00 00 00 00 00 00");
@@ -47,26 +47,26 @@ TEST(Frame, requestWithoutSessionAndPayloadHasItsBytes) {
               "03 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00");
 }
 
-TEST(Frame, replyHasItsBytes) {
+TEST(Frame, encodesReply) {
     EXPECT_EQ(toHexadecimal(encode(ReplyFrame{0, {}})), "00 00 00 00");
     EXPECT_EQ(toHexadecimal(encode(ReplyFrame{1551, {}})), "00 00 06 0F");
     EXPECT_EQ(toHexadecimal(encode(ReplyFrame{0, {0x41, 0x42}})), "00 00 00 00 41 42");
 }
 
-TEST(Frame, requestIsReadBack) {
+TEST(Frame, decodesRequest) {
     RequestFrame read;
     ASSERT_TRUE(decode(encode(makeBackupRequest()), read));
     expectEqual(read, makeBackupRequest());
 }
 
-TEST(Frame, replyIsReadBack) {
+TEST(Frame, decodesReply) {
     ReplyFrame read;
     ASSERT_TRUE(decode(fromHexadecimal("00 00 04 17 01 02 03"), read));
     EXPECT_EQ(read.errorCode, 1047U);
     EXPECT_EQ(read.payload, (Bytes{1, 2, 3}));
 }
 
-TEST(Frame, requestCutWithinItsHeadIsRefused) {
+TEST(Frame, rejectsRequestCutInHead) {
     const Bytes whole = encode(makeBackupRequest());
     const std::size_t payloadStart = whole.size() - makeBackupRequest().payload.size();
     for (std::size_t size = 0; size < payloadStart; ++size) {
@@ -76,9 +76,9 @@ TEST(Frame, requestCutWithinItsHeadIsRefused) {
     }
 }
 
-// A frame's own length tells where its payload ends, so a shorter payload is a frame as well: what
-// the payload must hold is the business of whoever reads it.
-TEST(Frame, requestCutWithinItsPayloadIsAShorterRequest) {
+// The payload extends to the end of the frame, so a frame with a shorter payload is valid too. The
+// payload is checked where it is read.
+TEST(Frame, acceptsRequestCutInPayload) {
     const Bytes whole = encode(makeBackupRequest());
     for (std::size_t missing = 0; missing <= 4; ++missing) {
         RequestFrame read;
@@ -87,7 +87,7 @@ TEST(Frame, requestCutWithinItsPayloadIsAShorterRequest) {
     }
 }
 
-TEST(Frame, replyOfFewerThanFourBytesIsRefused) {
+TEST(Frame, rejectsReplyShorterThanFourBytes) {
     for (std::size_t size = 0; size < 4; ++size) {
         ReplyFrame read = {5, {6}};
         EXPECT_FALSE(decode(Bytes(size), read)) << size;
@@ -96,7 +96,7 @@ TEST(Frame, replyOfFewerThanFourBytesIsRefused) {
     }
 }
 
-TEST(Frame, onlyTheFourKindsAreRequests) {
+TEST(Frame, rejectsUnknownKinds) {
     for (unsigned int kind = 0; kind < 256; ++kind) {
         Bytes bytes(REQUEST_HEAD);
         bytes[0] = static_cast<unsigned char>(kind);

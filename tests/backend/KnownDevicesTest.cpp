@@ -8,7 +8,7 @@ namespace VeskLib::Test {
 
 using Board::KnownDevices;
 
-TEST(KnownDevices, areKnownForTheirAccountOnly) {
+TEST(KnownDevices, areKnownOnlyForTheirAccount) {
     KnownDevices devices;
     const std::string device = devices.add("admin");
     EXPECT_EQ(device.size(), 32U);
@@ -19,7 +19,7 @@ TEST(KnownDevices, areKnownForTheirAccountOnly) {
     EXPECT_NE(devices.add("admin"), device);
 }
 
-TEST(KnownDevices, theLongestUnusedOfAnAccountIsForgotten) {
+TEST(KnownDevices, dropLeastRecentlyUsedOfAccount) {
     KnownDevices devices;
     const std::string used = devices.add("admin");
     const std::string unused = devices.add("admin");
@@ -34,7 +34,7 @@ TEST(KnownDevices, theLongestUnusedOfAnAccountIsForgotten) {
     EXPECT_TRUE(devices.isKnown("viewer", others));
 }
 
-TEST(KnownDevices, thereAreNoMoreThanTheLimitInAll) {
+TEST(KnownDevices, dropOldestAboveTotalLimit) {
     KnownDevices devices;
     std::vector<std::string> names;
     for (std::size_t i = 0; i <= KnownDevices::MOST_DEVICES; ++i) {

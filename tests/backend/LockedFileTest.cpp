@@ -19,7 +19,7 @@ namespace VeskLib::Test {
 
 namespace {
 
-// The detail code with which the lock is refused; 0 when it can be had.
+// Returns the detail code of the exception, or 0 if the lock is obtained.
 int refusal(const std::string& path, int milliseconds = 0) {
     try {
         ::close(Host::obtainLock(path, milliseconds));
@@ -36,7 +36,7 @@ protected:
 
 }  // namespace
 
-TEST_F(LockedFileTest, locksWhileItLivesAndLeavesTheFile) {
+TEST_F(LockedFileTest, locksDuringItsLifetimeAndKeepsFile) {
     {
         const LockedFile lock(path);
         EXPECT_EQ(refusal(path), Host::LOCK_NOT_OBTAINED);
@@ -47,7 +47,7 @@ TEST_F(LockedFileTest, locksWhileItLivesAndLeavesTheFile) {
     EXPECT_EQ(status.st_mode, S_IFREG | 0600U);
 }
 
-TEST_F(LockedFileTest, waitsForAHolderThatLetsGo) {
+TEST_F(LockedFileTest, waitsUntilHolderReleases) {
     auto held = std::make_unique<LockedFile>(path);
     std::thread holder([&held] {
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
@@ -57,15 +57,15 @@ TEST_F(LockedFileTest, waitsForAHolderThatLetsGo) {
     holder.join();
 }
 
-TEST_F(LockedFileTest, waitIsBounded) {
+TEST_F(LockedFileTest, waitHasTimeout) {
     const LockedFile lock(path);
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(refusal(path, 60), Host::LOCK_NOT_OBTAINED);
     EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(60));
 }
 
-// The one test that waits for the real limit.
-TEST_F(LockedFileTest, throwsWhenTheHolderStays) {
+// Only this test waits for the real timeout.
+TEST_F(LockedFileTest, throwsWhenLockIsNotReleasedInTime) {
     const LockedFile lock(path);
     const auto start = std::chrono::steady_clock::now();
     try {
@@ -77,7 +77,7 @@ TEST_F(LockedFileTest, throwsWhenTheHolderStays) {
     EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
 }
 
-TEST_F(LockedFileTest, deathOfTheHolderReleasesTheLock) {
+TEST_F(LockedFileTest, deathOfHolderReleasesLock) {
     const pid_t holder = ::fork();
     if (holder == 0) {
         Host::obtainLock(path, 0);
@@ -87,7 +87,7 @@ TEST_F(LockedFileTest, deathOfTheHolderReleasesTheLock) {
     EXPECT_EQ(refusal(path), 0);
 }
 
-TEST_F(LockedFileTest, linkIsRefusedAndNotFollowed) {
+TEST_F(LockedFileTest, refusesLink) {
     ASSERT_EQ(::symlink("target", path.c_str()), 0);
     EXPECT_EQ(refusal(path), Host::LOCK_NOT_USABLE);
     EXPECT_EQ(names(), std::vector<std::string>{"lock"});
@@ -96,18 +96,18 @@ TEST_F(LockedFileTest, linkIsRefusedAndNotFollowed) {
     EXPECT_EQ(refusal(path), Host::LOCK_NOT_USABLE);
 }
 
-TEST_F(LockedFileTest, pipeAndFolderAreRefused) {
+TEST_F(LockedFileTest, refusesPipeAndFolder) {
     ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
     EXPECT_EQ(refusal(path), Host::LOCK_NOT_USABLE);
     EXPECT_EQ(refusal(at("")), Host::LOCK_NOT_USABLE);
 }
 
-TEST_F(LockedFileTest, missingFolderIsRefused) {
+TEST_F(LockedFileTest, refusesMissingFolder) {
     EXPECT_EQ(refusal(at("missing/lock")), Host::LOCK_NOT_USABLE);
     EXPECT_THROW(const LockedFile lock(at("missing/lock")), PException);
 }
 
-TEST_F(LockedFileTest, anotherUsersFileIsRefused) {
+TEST_F(LockedFileTest, refusesFileOfAnotherUser) {
     writeText(path, "");
     if (::chown(path.c_str(), 65534, 65534) != 0) {
         GTEST_SKIP() << "only root can give a file away";

@@ -1,4 +1,4 @@
-// Guesses passwords at the daemon as an attacker would, and logs in beside it.
+// Guesses passwords against the daemon as an attacker would, while legitimate users log in.
 
 #include "platform/host/channel/BackendError.h"
 #include "platform/host/channel/Channel.h"
@@ -38,7 +38,7 @@ protected:
         return Channel(LONG).exchange({RequestKind::LOGIN, 0, "", payload}, reply);
     }
 
-    // Begins a guess and does not wait for its answer.
+    // Starts a guess in a thread of its own, without waiting for the answer.
     void guess(const std::string& user, const std::string& address, std::string password = "") {
         if (password.empty()) {
             password = "wrong" + std::to_string(guesses.size());
@@ -59,7 +59,7 @@ protected:
         guesses.clear();
     }
 
-    // How many attempts a token bucket can have given since the start, rounded up.
+    // Returns the most tokens that a bucket can have given out since the start.
     int given(int capacity, std::chrono::milliseconds interval) const {
         return capacity + static_cast<int>((Clock::now() - start) / interval) + 1;
     }
@@ -74,7 +74,7 @@ protected:
 
 }  // namespace
 
-TEST_F(LoginAttackTest, guessesFromManyAddressesAreCountedByAccount) {
+TEST_F(LoginAttackTest, countsGuessesFromManyAddressesPerAccount) {
     for (const char* account : {"admin", "nobody"}) {
         for (int address = 0; address < 20; ++address) {
             guess(account, "192.0.2." + std::to_string(address));
@@ -85,7 +85,7 @@ TEST_F(LoginAttackTest, guessesFromManyAddressesAreCountedByAccount) {
     EXPECT_LE(lookedAt, 2 * given(10, 6s));
 }
 
-TEST_F(LoginAttackTest, aLoginToAnotherAccountDoesNotForgetTheGuesses) {
+TEST_F(LoginAttackTest, loginToAnotherAccountDoesNotResetGuesses) {
     for (int round = 0; round < 2; ++round) {
         for (int i = 0; i < 4; ++i) {
             guess("admin", ATTACKER);
@@ -96,7 +96,7 @@ TEST_F(LoginAttackTest, aLoginToAnotherAccountDoesNotForgetTheGuesses) {
     EXPECT_LE(lookedAt, given(5, 7500ms));
 }
 
-TEST_F(LoginAttackTest, othersLogInWhileAnAddressGuesses) {
+TEST_F(LoginAttackTest, othersLogInWhileOneAddressGuesses) {
     for (int i = 0; i < 12; ++i) {
         guess("admin", ATTACKER);
         std::this_thread::sleep_for(250ms);
@@ -106,7 +106,7 @@ TEST_F(LoginAttackTest, othersLogInWhileAnAddressGuesses) {
     waitForGuesses();
 }
 
-TEST_F(LoginAttackTest, theRightPasswordWaitsForItsTurnAtTheAttackedAddress) {
+TEST_F(LoginAttackTest, rightPasswordFromAttackingAddressIsAccepted) {
     for (int i = 0; i < 8; ++i) {
         guess("admin", ATTACKER);
     }
@@ -115,8 +115,8 @@ TEST_F(LoginAttackTest, theRightPasswordWaitsForItsTurnAtTheAttackedAddress) {
     waitForGuesses();
 }
 
-// As a program does whose password is outdated.
-TEST_F(LoginAttackTest, theRightPasswordComesBeforeOneThatFailsAgainAndAgain) {
+// A program with an outdated password retries it again and again.
+TEST_F(LoginAttackTest, rightPasswordOvertakesRepeatedWrongOne) {
     for (int i = 0; i < 34; ++i) {
         guess("admin", ATTACKER, "outdated");
         if (i == 8) {
@@ -127,7 +127,7 @@ TEST_F(LoginAttackTest, theRightPasswordComesBeforeOneThatFailsAgainAndAgain) {
     waitForGuesses();
 }
 
-TEST_F(LoginAttackTest, waitingLoginsKeepNobodyOut) {
+TEST_F(LoginAttackTest, waitingLoginsDoNotBlockOtherRequests) {
     for (int i = 0; i < 200; ++i) {
         guess("admin", "192.0.2." + std::to_string(i % 20));
     }
@@ -141,13 +141,13 @@ TEST_F(LoginAttackTest, waitingLoginsKeepNobodyOut) {
     EXPECT_GT(refusedEarly, 0);
 }
 
-TEST_F(LoginAttackTest, waitingLoginsDoNotDelayTheEnd) {
+TEST_F(LoginAttackTest, waitingLoginsDoNotDelayShutdown) {
     for (int i = 0; i < 8; ++i) {
         guess("admin", ATTACKER);
     }
     std::this_thread::sleep_for(1s);
     EXPECT_EQ(backend.stop(), 0);
-    waitForGuesses();  // every one was still answered
+    waitForGuesses();  // each is still answered
 }
 
 }  // namespace VeskLib::Test

@@ -19,7 +19,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-// The queue at times that the test sets.
+// Fixture for the queue, with a clock that the test sets.
 class LoginQueueTest : public testing::Test {
 protected:
     using Entry = LoginQueue::Entry;
@@ -29,7 +29,7 @@ protected:
         return queue.arrive({account, address, device, "", ""}, now);
     }
 
-    // An attempt that is answered at once, if at all. Returns true if it was looked at.
+    // Makes an attempt that does not wait. Returns true if it was admitted.
     bool tryOnce(const std::string& account, const std::string& address, bool right = false,
                  const std::string& device = "") {
         Entry& entry = arrive(account, address, device);
@@ -38,7 +38,7 @@ protected:
         return admitted;
     }
 
-    // How many of `attempts` at once are looked at.
+    // Makes `attempts` attempts that do not wait. Returns the number admitted.
     int tryOften(int attempts, const std::string& account, const std::string& address) {
         int count = 0;
         for (int i = 0; i < attempts; ++i) {
@@ -58,7 +58,7 @@ protected:
 
 }  // namespace
 
-TEST_F(LoginQueueTest, anAccountIsGuessedAtTwentyTimesInTheFirstMinuteAndTenTimesInEachAfter) {
+TEST_F(LoginQueueTest, admitsTwentyFailuresPerAccountInFirstMinuteThenTenPerMinute) {
     for (const char* account : {"admin", "no such user"}) {
         for (const int most : {20, 10, 10, 10}) {
             int count = 0;
@@ -73,7 +73,7 @@ TEST_F(LoginQueueTest, anAccountIsGuessedAtTwentyTimesInTheFirstMinuteAndTenTime
     }
 }
 
-TEST_F(LoginQueueTest, guessesThatWaitAreNoMoreThanTheAccountHas) {
+TEST_F(LoginQueueTest, waitingDoesNotRaiseLimitOfAccount) {
     int count = 0;
     std::vector<Entry*> entries;
     for (int step = 0; step < 240; ++step) {
@@ -93,7 +93,7 @@ TEST_F(LoginQueueTest, guessesThatWaitAreNoMoreThanTheAccountHas) {
     EXPECT_GE(count, 19);
 }
 
-TEST_F(LoginQueueTest, anAddressLeavesSomethingToTheOthers) {
+TEST_F(LoginQueueTest, oneAddressCannotUseUpAnAccount) {
     for (int step = 0; step < 4000; ++step) {
         tryOnce("admin", "attacker");
         pass(250ms);
@@ -103,12 +103,12 @@ TEST_F(LoginQueueTest, anAddressLeavesSomethingToTheOthers) {
     }
 }
 
-TEST_F(LoginQueueTest, anotherAccountDoesNotWait) {
+TEST_F(LoginQueueTest, exhaustedAccountDoesNotDelayOthers) {
     tryOften(20, "admin", "a");
     EXPECT_TRUE(tryOnce("viewer", "b"));
 }
 
-TEST_F(LoginQueueTest, aSuccessForgetsOnlyItsOwnFailures) {
+TEST_F(LoginQueueTest, successClearsFailuresOfItsAccountAndAddressOnly) {
     EXPECT_EQ(tryOften(9, "admin", "a"), 5);
     EXPECT_TRUE(tryOnce("viewer", "a", true));
     EXPECT_FALSE(tryOnce("admin", "a"));  // another account
@@ -116,24 +116,24 @@ TEST_F(LoginQueueTest, aSuccessForgetsOnlyItsOwnFailures) {
     EXPECT_FALSE(tryOnce("admin", "a"));  // another address
     EXPECT_EQ(tryOften(4, "admin", "b"), 4);
     EXPECT_TRUE(tryOnce("admin", "b", true));
-    EXPECT_EQ(tryOften(9, "admin", "b"), 1);  // all that the account still has
+    EXPECT_EQ(tryOften(9, "admin", "b"), 1);  // the rest of the account's attempts
 }
 
-TEST_F(LoginQueueTest, rightPasswordsUseNothingUp) {
+TEST_F(LoginQueueTest, rightPasswordsDoNotUseUpAttempts) {
     for (int i = 0; i < 100; ++i) {
         EXPECT_TRUE(tryOnce("admin", "a", true)) << i;
     }
     EXPECT_EQ(tryOften(9, "admin", "a"), 5);
 }
 
-TEST_F(LoginQueueTest, attemptsAtWorkCountAsFailed) {
+TEST_F(LoginQueueTest, attemptsInProgressCountAsFailed) {
     Entry& first = arrive("admin", "a");
     EXPECT_EQ(tryOften(9, "admin", "a"), 4);
     queue.leave(first, true, now);
     EXPECT_TRUE(tryOnce("admin", "a"));
 }
 
-TEST_F(LoginQueueTest, aWaitingAttemptIsAdmittedWhenItsTurnComes) {
+TEST_F(LoginQueueTest, admitsWaitingAttemptAfterAddressInterval) {
     tryOften(5, "admin", "a");
     Entry& entry = arrive("admin", "a");
     EXPECT_EQ(queue.nextDecision(), now + LoginQueue::ADDRESS_INTERVAL);
@@ -143,7 +143,7 @@ TEST_F(LoginQueueTest, aWaitingAttemptIsAdmittedWhenItsTurnComes) {
     EXPECT_EQ(entry.state(), State::ADMITTED);
 }
 
-TEST_F(LoginQueueTest, theNewestAttemptOfAnAddressIsNext) {
+TEST_F(LoginQueueTest, admitsNewestAttemptOfAddressFirst) {
     tryOften(5, "admin", "a");
     Entry& older = arrive("admin", "a");
     Entry& newer = arrive("admin", "a");
@@ -152,7 +152,7 @@ TEST_F(LoginQueueTest, theNewestAttemptOfAnAddressIsNext) {
     EXPECT_EQ(newer.state(), State::ADMITTED);
 }
 
-TEST_F(LoginQueueTest, whoHasFailedLessIsNext) {
+TEST_F(LoginQueueTest, admitsAddressWithFewerFailuresFirst) {
     for (const char* address : {"a", "b", "c", "d"}) {
         tryOften(4, "admin", address);
     }
@@ -164,7 +164,7 @@ TEST_F(LoginQueueTest, whoHasFailedLessIsNext) {
     EXPECT_EQ(guesser.state(), State::WAITING);
 }
 
-TEST_F(LoginQueueTest, aPasswordThatHasFailedGivesWayToOthers) {
+TEST_F(LoginQueueTest, admitsUntriedPasswordBeforeFailedOne) {
     for (int i = 0; i < 5; ++i) {
         queue.leave(queue.arrive({"admin", "a", "", "", "outdated"}, now), false, now);
     }
@@ -178,7 +178,7 @@ TEST_F(LoginQueueTest, aPasswordThatHasFailedGivesWayToOthers) {
     EXPECT_TRUE(queue.arrive({"viewer", "a", "", "", "outdated"}, now).state() == State::ADMITTED);
 }
 
-TEST_F(LoginQueueTest, aBrowserThatHasNotFailedIsNext) {
+TEST_F(LoginQueueTest, admitsBrowserWithoutFailuresFirst) {
     for (int i = 0; i < 5; ++i) {
         queue.leave(queue.arrive({"admin", "a", "", "guesser", std::to_string(i)}, now), false,
                     now);
@@ -192,7 +192,7 @@ TEST_F(LoginQueueTest, aBrowserThatHasNotFailedIsNext) {
     EXPECT_EQ(none.state(), State::WAITING);
 }
 
-TEST_F(LoginQueueTest, whatHasWaitedTooLongIsRefused) {
+TEST_F(LoginQueueTest, refusesAttemptAfterLongestWait) {
     tryOften(5, "admin", "a");
     Entry& older = arrive("admin", "a");
     pass(LoginQueue::ADDRESS_INTERVAL - 1s);
@@ -207,7 +207,7 @@ TEST_F(LoginQueueTest, whatHasWaitedTooLongIsRefused) {
     EXPECT_EQ(older.state(), State::REFUSED);
 }
 
-TEST_F(LoginQueueTest, theOldestOfAnAddressThatHasTooManyIsRefused) {
+TEST_F(LoginQueueTest, refusesOldestAttemptOfFullAddress) {
     tryOften(5, "admin", "a");
     Entry& oldest = arrive("admin", "a");
     Entry& second = arrive("admin", "a");
@@ -220,7 +220,7 @@ TEST_F(LoginQueueTest, theOldestOfAnAddressThatHasTooManyIsRefused) {
     EXPECT_EQ(second.state(), State::WAITING);
 }
 
-TEST_F(LoginQueueTest, theAddressWithTheMostMakesRoom) {
+TEST_F(LoginQueueTest, fullQueueRefusesOldestOfBusiestAddress) {
     for (const char* address : {"a", "b", "c"}) {
         tryOften(5, "admin", address);
     }
@@ -238,7 +238,7 @@ TEST_F(LoginQueueTest, theAddressWithTheMostMakesRoom) {
     EXPECT_EQ(oldestOfMany.state(), State::REFUSED);
 }
 
-TEST_F(LoginQueueTest, aKnownBrowserIsCountedByItself) {
+TEST_F(LoginQueueTest, countsKnownBrowserSeparately) {
     tryOften(20, "admin", "a");
     EXPECT_TRUE(tryOnce("admin", "a", true, "device"));
     for (int i = 0; i < LoginQueue::DEVICE_ATTEMPTS; ++i) {
@@ -246,13 +246,13 @@ TEST_F(LoginQueueTest, aKnownBrowserIsCountedByItself) {
     }
     EXPECT_FALSE(tryOnce("admin", "b", false, "device"));
     EXPECT_TRUE(tryOnce("admin", "a", true, "another device"));
-    EXPECT_EQ(tryOften(9, "admin", "b"), 5);  // nothing was taken from the address
+    EXPECT_EQ(tryOften(9, "admin", "b"), 5);  // the address has all its attempts
     pass(LoginQueue::DEVICE_INTERVAL);
     EXPECT_TRUE(tryOnce("admin", "b", true, "device"));
     EXPECT_TRUE(tryOnce("admin", "b", false, "device"));
 }
 
-TEST_F(LoginQueueTest, aKnownBrowserNeverWaitsInVain) {
+TEST_F(LoginQueueTest, doesNotRefuseKnownBrowserToMakeRoom) {
     for (int i = 0; i < LoginQueue::DEVICE_ATTEMPTS; ++i) {
         tryOnce("admin", "a", false, "device");
     }
@@ -264,7 +264,7 @@ TEST_F(LoginQueueTest, aKnownBrowserNeverWaitsInVain) {
     EXPECT_NE(entry.state(), State::REFUSED);
 }
 
-TEST_F(LoginQueueTest, whoTriesManyNamesIsDelayed) {
+TEST_F(LoginQueueTest, delaysAddressThatTriesManyNames) {
     for (int i = 0; i < LoginQueue::ADDRESS_FAILURES; ++i) {
         EXPECT_TRUE(tryOnce("name" + std::to_string(i), "a"));
     }
@@ -283,7 +283,7 @@ TEST_F(LoginQueueTest, whoTriesManyNamesIsDelayed) {
     EXPECT_TRUE(tryOnce("y", "a"));
 }
 
-TEST_F(LoginQueueTest, fewHashesAreComputedAtATime) {
+TEST_F(LoginQueueTest, limitsHashesComputedAtOnce) {
     std::vector<Entry*> working;
     for (std::size_t i = 0; i < LoginQueue::MOST_AT_WORK; ++i) {
         working.push_back(&arrive("name" + std::to_string(i), "a"));
@@ -296,8 +296,8 @@ TEST_F(LoginQueueTest, fewHashesAreComputedAtATime) {
     EXPECT_EQ(next.state(), State::ADMITTED);
 }
 
-// One host has as many addresses of its network as it likes.
-TEST_F(LoginQueueTest, addressesOfOneNetworkCountAsOne) {
+// One host can use any address of its /64 network.
+TEST_F(LoginQueueTest, countsAddressesOfOneNetworkTogether) {
     int count = 0;
     for (int i = 1; i <= 9; ++i) {
         count += tryOnce("admin", "2001:db8:0:1::" + std::to_string(i)) ? 1 : 0;
@@ -307,13 +307,13 @@ TEST_F(LoginQueueTest, addressesOfOneNetworkCountAsOne) {
     EXPECT_TRUE(tryOnce("viewer", "::ffff:192.0.2.1"));
 }
 
-// Otherwise a part of one could be moved to the other.
-TEST_F(LoginQueueTest, nameAndAddressAreNotMixedUp) {
+// Name and address are joined to one key; "a" + "bc" must not equal "ab" + "c".
+TEST_F(LoginQueueTest, keepsNameAndAddressApartInKeys) {
     EXPECT_EQ(tryOften(9, "a", "bc"), 5);
     EXPECT_EQ(tryOften(9, "ab", "c"), 5);
 }
 
-TEST_F(LoginQueueTest, nobodyWaitsAtTheEnd) {
+TEST_F(LoginQueueTest, endRefusesWaitingAttempts) {
     tryOften(5, "admin", "a");
     Entry& waiting = arrive("admin", "a");
     queue.end();
@@ -322,7 +322,7 @@ TEST_F(LoginQueueTest, nobodyWaitsAtTheEnd) {
     EXPECT_EQ(arrive("viewer", "b").state(), State::ADMITTED);
 }
 
-TEST(TokenBuckets, rememberNoMoreThanTheirLimit) {
+TEST(TokenBuckets, limitNumberOfBuckets) {
     TokenBuckets buckets(1, 1min);
     const TokenBuckets::Time now = TokenBuckets::Time() + 1h;
     buckets.take("worst", now);
@@ -334,7 +334,7 @@ TEST(TokenBuckets, rememberNoMoreThanTheirLimit) {
     EXPECT_GT(buckets.nextToken("worst"), now + 1min);
 }
 
-TEST(TokenBuckets, forgetFullOnesFirst) {
+TEST(TokenBuckets, dropFullBucketsFirst) {
     TokenBuckets buckets(1, 1min);
     const TokenBuckets::Time now = TokenBuckets::Time() + 1h;
     for (std::size_t i = 0; i < TokenBuckets::MOST_BUCKETS; ++i) {
@@ -344,7 +344,7 @@ TEST(TokenBuckets, forgetFullOnesFirst) {
     EXPECT_EQ(buckets.size(), 1U);
 }
 
-TEST(LoginThrottle, passwordsAreToldApartWithoutBeingKept) {
+TEST(LoginThrottle, guessOfDistinguishesPasswordsInFourBytes) {
     EXPECT_EQ(LoginThrottle::guessOf("secret"), LoginThrottle::guessOf("secret"));
     EXPECT_EQ(LoginThrottle::guessOf("secret").size(), 4U);
     std::set<std::string> guesses;
@@ -354,7 +354,7 @@ TEST(LoginThrottle, passwordsAreToldApartWithoutBeingKept) {
     EXPECT_GT(guesses.size(), 90U);
 }
 
-TEST(LoginThrottle, anAttemptWaitsForAnother) {
+TEST(LoginThrottle, waitsUntilAnotherAttemptLeaves) {
     LoginThrottle throttle;
     std::vector<std::unique_ptr<LoginThrottle::Pass>> working;
     for (std::size_t i = 0; i < LoginQueue::MOST_AT_WORK; ++i) {
@@ -367,7 +367,7 @@ TEST(LoginThrottle, anAttemptWaitsForAnother) {
     EXPECT_TRUE(pass.isAdmitted());
 }
 
-TEST(LoginThrottle, anAttemptThatWasNotSuccessfulHasFailed) {
+TEST(LoginThrottle, passWithoutSuccessCountsAsFailed) {
     LoginThrottle throttle;
     for (int i = 0; i < 10 * LoginQueue::ACCOUNT_ATTEMPTS; ++i) {
         LoginThrottle::Pass pass(throttle, {"admin", "a"});

@@ -48,7 +48,7 @@ protected:
         thread = std::thread([this] { server->run(stopEvent); });
     }
 
-    // Ends the server as SIGTERM does.
+    // Stops the server in the same way as SIGTERM.
     void stop() {
         if (thread.joinable()) {
             const std::uint64_t one = 1;
@@ -59,7 +59,7 @@ protected:
         }
     }
 
-    // Lets a held request go on.
+    // Lets a held request continue.
     void release() {
         if (!released) {
             released = true;
@@ -97,7 +97,7 @@ protected:
     const std::string socketPath = boardFile(BACKEND_SOCKET);
 
 private:
-    // Gives back the payload.
+    // Echoes the payload.
     ReplyFrame answer(const RequestFrame& request) {
         if (request.number == HELD_REQUEST) {
             arrived.set_value();
@@ -115,7 +115,7 @@ private:
     std::thread thread;
 };
 
-// The error code in a framed reply; -1 when there is none.
+// Returns the error code in a framed reply, or -1 if it is not a complete reply.
 int codeOf(const Bytes& framedReply) {
     ReplyFrame reply;
     const bool whole =
@@ -125,7 +125,7 @@ int codeOf(const Bytes& framedReply) {
 
 }  // namespace
 
-TEST_F(ServerTest, answersOneClientAfterTheOtherAndManyRequestsOfEach) {
+TEST_F(ServerTest, answersManyRequestsOfEachClient) {
     start();
     for (int client = 0; client < 5; ++client) {
         Channel channel(LONG);
@@ -135,14 +135,14 @@ TEST_F(ServerTest, answersOneClientAfterTheOtherAndManyRequestsOfEach) {
     }
 }
 
-TEST_F(ServerTest, onlyTheOwnerMayConnect) {
+TEST_F(ServerTest, onlyOwnerMayConnect) {
     start();
     struct stat status = {};
     ASSERT_EQ(::stat(socketPath.c_str(), &status), 0);
     EXPECT_EQ(status.st_mode, S_IFSOCK | 0600U);
 }
 
-TEST_F(ServerTest, requestMayComeInPieces) {
+TEST_F(ServerTest, readsRequestInPieces) {
     start();
     const int client = connectToBoard();
     for (const unsigned char byte : framed(encode(RequestFrame{RequestKind::GET, 0, "", {7}}))) {
@@ -153,7 +153,7 @@ TEST_F(ServerTest, requestMayComeInPieces) {
     ::close(client);
 }
 
-TEST_F(ServerTest, silentAndHalfHeardClientsHoldUpNobody) {
+TEST_F(ServerTest, silentAndHalfSentRequestsDoNotBlockOthers) {
     start();
     std::vector<int> clients;
     for (const Bytes& start : {Bytes{}, {0}, {0, 0, 0, 9}, {0, 0, 0, 9, 1, 0}}) {
@@ -167,7 +167,7 @@ TEST_F(ServerTest, silentAndHalfHeardClientsHoldUpNobody) {
     EXPECT_EQ(exchangeOnce(), 0);
 }
 
-TEST_F(ServerTest, slowRequestHoldsUpNobodyElse) {
+TEST_F(ServerTest, slowRequestDoesNotBlockOthers) {
     start();
     Channel slow(LONG);
     ReplyFrame reply;
@@ -181,7 +181,7 @@ TEST_F(ServerTest, slowRequestHoldsUpNobodyElse) {
     EXPECT_EQ(reply.payload, Bytes{5});
 }
 
-TEST_F(ServerTest, quietClientsMakeRoomForOthers) {
+TEST_F(ServerTest, disconnectsQuietClientsToMakeRoom) {
     ConnectionLimits limits;
     limits.connections = 3;
     limits.quietMilliseconds = 1;
@@ -189,20 +189,20 @@ TEST_F(ServerTest, quietClientsMakeRoomForOthers) {
     std::vector<int> clients(10);
     std::generate(clients.begin(), clients.end(), connectToBoard);
     EXPECT_EQ(exchangeOnce(), 0);
-    EXPECT_TRUE(receiveBytes(clients.front(), 1).empty());  // the first had to go
+    EXPECT_TRUE(receiveBytes(clients.front(), 1).empty());  // the first was disconnected
     for (const int client : clients) {
         ::close(client);
     }
 }
 
-TEST_F(ServerTest, clientAtWorkDoesNotMakeRoom) {
+TEST_F(ServerTest, keepsClientWithRequestInProgress) {
     ConnectionLimits limits;
     limits.connections = 1;
     limits.quietMilliseconds = 5;
     start(limits);
     ReplyFrame reply;
     std::thread asking([&reply] {
-        // With so little time to be quiet, a client may have to go before its request is read.
+        // The quiet time is so short that a client may be disconnected before its request is read.
         int code = CHANNEL_BROKEN;
         while (code == CHANNEL_BROKEN) {
             Channel working(LONG);
@@ -217,7 +217,7 @@ TEST_F(ServerTest, clientAtWorkDoesNotMakeRoom) {
     EXPECT_EQ(reply.payload, Bytes{5});
 }
 
-TEST_F(ServerTest, clientThatSendsNothingIsEnded) {
+TEST_F(ServerTest, disconnectsClientThatSendsNothing) {
     ConnectionLimits limits;
     limits.requestMilliseconds = 20;
     start(limits);
@@ -226,7 +226,7 @@ TEST_F(ServerTest, clientThatSendsNothingIsEnded) {
     ::close(client);
 }
 
-TEST_F(ServerTest, clientThatTakesNoReplyIsEnded) {
+TEST_F(ServerTest, disconnectsClientThatDoesNotReadReply) {
     ConnectionLimits limits;
     limits.replyMilliseconds = 20;
     start(limits);
@@ -238,7 +238,7 @@ TEST_F(ServerTest, clientThatTakesNoReplyIsEnded) {
     ::close(client);
 }
 
-TEST_F(ServerTest, frameThatIsNoRequestIsRefusedAndEndsTheConnection) {
+TEST_F(ServerTest, refusesMalformedRequestAndDisconnects) {
     start();
     for (const Bytes& frame : {Bytes{}, {1}, {9, 0, 0, 0, 0, 0, 0}, {1, 0, 0, 0, 0, 0, 5, 'x'}}) {
         const int client = connectToBoard();
@@ -250,7 +250,7 @@ TEST_F(ServerTest, frameThatIsNoRequestIsRefusedAndEndsTheConnection) {
     EXPECT_EQ(exchangeOnce(), 0);
 }
 
-TEST_F(ServerTest, oversizedFrameIsRefusedBeforeItIsSent) {
+TEST_F(ServerTest, refusesOversizedFrameByItsLength) {
     start();
     for (const Bytes& length : {Bytes{0, 0x10, 0, 1}, {0xFF, 0xFF, 0xFF, 0xFF}}) {
         const int client = connectToBoard();
@@ -261,7 +261,7 @@ TEST_F(ServerTest, oversizedFrameIsRefusedBeforeItIsSent) {
     }
 }
 
-TEST_F(ServerTest, clientThatHangsUpHarmsNobody) {
+TEST_F(ServerTest, survivesClientThatHangsUp) {
     start();
     const Bytes request = framed(encode(RequestFrame{RequestKind::GET, 0, "", Bytes(100000)}));
     for (const std::size_t size :
@@ -273,7 +273,7 @@ TEST_F(ServerTest, clientThatHangsUpHarmsNobody) {
     EXPECT_EQ(exchangeOnce(), 0);
 }
 
-TEST_F(ServerTest, requestUnderWayIsAnsweredBeforeTheEnd) {
+TEST_F(ServerTest, answersRequestInProgressBeforeShutdown) {
     ConnectionLimits limits;
     limits.endMilliseconds = LONG;
     start(limits);
@@ -285,7 +285,7 @@ TEST_F(ServerTest, requestUnderWayIsAnsweredBeforeTheEnd) {
     });
     waitForHeldRequest();
     std::thread stopping([this] { stop(); });
-    EXPECT_TRUE(receiveBytes(silent, 1).empty());  // the end has begun
+    EXPECT_TRUE(receiveBytes(silent, 1).empty());  // the shutdown has begun
     release();
     asking.join();
     stopping.join();
@@ -294,7 +294,7 @@ TEST_F(ServerTest, requestUnderWayIsAnsweredBeforeTheEnd) {
     ::close(silent);
 }
 
-TEST_F(ServerTest, clientThatTakesNoReplyDoesNotStretchTheEnd) {
+TEST_F(ServerTest, clientThatDoesNotReadReplyDoesNotDelayShutdown) {
     ConnectionLimits limits;
     limits.replyMilliseconds = LONG;
     limits.endMilliseconds = 20;
@@ -307,20 +307,20 @@ TEST_F(ServerTest, clientThatTakesNoReplyDoesNotStretchTheEnd) {
     ::close(client);
 }
 
-TEST_F(ServerTest, staleSocketIsTakenOver) {
+TEST_F(ServerTest, replacesStaleSocket) {
     ::close(openBoardSocket(1));
     ASSERT_TRUE(exists(socketPath));
     start();
     EXPECT_EQ(exchangeOnce(), 0);
 }
 
-TEST_F(ServerTest, whatIsNoSocketStaysInPlace) {
+TEST_F(ServerTest, refusesToReplaceFileThatIsNotASocket) {
     writeText(socketPath, "precious");
     EXPECT_EQ(whyNotStarted(), socketPath + " is in the way: it is not a socket");
     EXPECT_EQ(readText(socketPath), "precious");
 }
 
-TEST_F(ServerTest, missingFolderIsAnError) {
+TEST_F(ServerTest, reportsMissingFolder) {
     ASSERT_EQ(::rmdir(boardFile("/var/run").c_str()), 0);
     EXPECT_EQ(whyNotStarted(), "cannot listen on " + socketPath + ": No such file or directory");
 }

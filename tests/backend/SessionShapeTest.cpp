@@ -8,7 +8,7 @@ namespace VeskLib::Test {
 
 using namespace Host;
 
-TEST(SessionShape, cookieValueHoldsItsIdentifier) {
+TEST(SessionShape, findsIdentifierInCookieValue) {
     EXPECT_TRUE(isCookieValue(COOKIE));
     EXPECT_EQ(identifierOf(COOKIE), SESSION);
     EXPECT_TRUE(isSessionIdentifier(SESSION));
@@ -23,7 +23,7 @@ TEST(SessionShape, malformedCookieValueHasNoIdentifier) {
     EXPECT_EQ(identifierOf(" " + cookie), "");
 }
 
-TEST(SessionShape, everyCharacterCounts) {
+TEST(SessionShape, checksEveryCharacter) {
     for (std::size_t position = 0; position < std::string(COOKIE).size(); ++position) {
         for (const char other : {'/', '.', 'A', 'g', ' ', '\0', '\n', ':', '`'}) {
             std::string cookie = COOKIE;

@@ -46,7 +46,7 @@ protected:
         return boardctl(words, boardFile(""));
     }
 
-    // Gives an order that is carried out; what boardctl shows.
+    // Gives an order that must succeed, and returns the output of boardctl.
     static std::string order(const std::vector<std::string>& words) {
         const ChildResult result = boardctl(words);
         EXPECT_EQ(result.exitStatus, DONE) << result.errors;
@@ -54,7 +54,7 @@ protected:
         return result.output;
     }
 
-    // Returns true if every switched on fault comes to an end: requests have met it.
+    // Returns true if requests use up all active faults in time.
     static bool faultsAreMet() {
         return happensInTime([] { return order({"status"}).empty(); });
     }
@@ -77,8 +77,8 @@ protected:
         return ask({RequestKind::SET, VeskUi::SET_RESTORE, SESSION, {0, 1, target}}, milliseconds);
     }
 
-    // What the partition holds, as a backup of it has it.
-    static Bytes held(unsigned char partition) {
+    // Returns the partition's configuration, from a backup.
+    static Bytes configurationOf(unsigned char partition) {
         ConfigurationFile file;
         EXPECT_EQ(backup(partition), 0);
         EXPECT_TRUE(decode(readBytes(at(std::string("efi_backup") + SESSION)), file));
@@ -97,7 +97,7 @@ protected:
 
 }  // namespace
 
-TEST_F(BoardctlTest, tellsWhatToDoWhereOrdersAreNotAllowed) {
+TEST_F(BoardctlTest, explainsHowToAllowOrders) {
     start();
     backend.stop();
     BackendProcess careful({"--root", boardFile(""), "--board", DEMO_BOARD});
@@ -105,38 +105,38 @@ TEST_F(BoardctlTest, tellsWhatToDoWhereOrdersAreNotAllowed) {
     const ChildResult result = boardctl({"status"});
     EXPECT_EQ(result.exitStatus, FAILED);
     EXPECT_EQ(result.errors,
-              "boardctl: the back-end takes no orders: start it with --allow-faults, which an "
-              "installed board does not (code 1614)\n");
+              "boardctl: the back-end accepts no orders: start it with --allow-faults, which an "
+              "installed board does not use (code 1614)\n");
     EXPECT_EQ(boardctl({"die"}).exitStatus, FAILED);
 }
 
-TEST_F(BoardctlTest, ordersAreStillAllowedAfterItHasComeBack) {
+TEST_F(BoardctlTest, ordersAreStillAllowedAfterRestart) {
     start();
     order({"die"});
     EXPECT_TRUE(happensInTime([] { return boardctl({"status"}).exitStatus == DONE; }));
 }
 
-TEST_F(BoardctlTest, nothingIsOnAtTheStart) {
+TEST_F(BoardctlTest, noFaultIsOnInitially) {
     start();
     EXPECT_EQ(order({"status"}), "");
 }
 
-TEST_F(BoardctlTest, theNextRequestsOfANumberAreRefusedAndNotCarriedOut) {
+TEST_F(BoardctlTest, refusesNextRequestsOfNumberWithoutExecutingThem) {
     start();
-    const Bytes before = held(3);
+    const Bytes before = configurationOf(3);
     stage({1, 2, 3});
     EXPECT_EQ(order({"refuse", "0x020100A4", "1047", "--times", "2"}),
               "request 33620132 is refused with code 1047, 2 times\n");
     EXPECT_EQ(restore(3), 1047);
-    EXPECT_EQ(held(3), before);
+    EXPECT_EQ(configurationOf(3), before);
     EXPECT_EQ(order({"status"}), "request 33620132 is refused with code 1047, 1 times\n");
     EXPECT_EQ(restore(3), 1047);
     EXPECT_EQ(order({"status"}), "");
     EXPECT_EQ(restore(3), 0);
-    EXPECT_EQ(held(3), (Bytes{1, 2, 3}));
+    EXPECT_EQ(configurationOf(3), (Bytes{1, 2, 3}));
 }
 
-TEST_F(BoardctlTest, withoutTimesAnOrderIsForOneRequest) {
+TEST_F(BoardctlTest, orderWithoutTimesAffectsOneRequest) {
     start();
     EXPECT_EQ(order({"refuse", "33620132", "1549"}),
               "request 33620132 is refused with code 1549, 1 times\n");
@@ -149,7 +149,7 @@ TEST_F(BoardctlTest, withoutTimesAnOrderIsForOneRequest) {
               "replies break off after 6 bytes, 1 times\n");
 }
 
-TEST_F(BoardctlTest, aSlowRequestIsCarriedOutLate) {
+TEST_F(BoardctlTest, slowDelaysRequest) {
     start();
     order({"slow", "300"});
     const Clock::time_point before = Clock::now();
@@ -158,7 +158,7 @@ TEST_F(BoardctlTest, aSlowRequestIsCarriedOutLate) {
     EXPECT_EQ(order({"status"}), "");
 }
 
-TEST_F(BoardctlTest, aRequestThatWaitsHoldsUpNobody) {
+TEST_F(BoardctlTest, delayedRequestDoesNotBlockOthers) {
     start();
     order({"slow", "600000"});
     EXPECT_EQ(getPartitions(50), CHANNEL_TIMEOUT);
@@ -167,23 +167,23 @@ TEST_F(BoardctlTest, aRequestThatWaitsHoldsUpNobody) {
     EXPECT_EQ(backend.stop(), 0);
 }
 
-TEST_F(BoardctlTest, aSilentRequestIsCarriedOutAndNotAnswered) {
+TEST_F(BoardctlTest, silentExecutesRequestWithoutAnswering) {
     start();
     stage({7});
     order({"silent"});
-    // The client stays until then: a restore that nobody waits for is not carried out.
+    // The client stays connected, because an abandoned restore would not be carried out.
     const int client = connectToBoard();
     sendBytes(
         client,
         framed(encode(RequestFrame{RequestKind::SET, VeskUi::SET_RESTORE, SESSION, {0, 1, 3}})));
     EXPECT_TRUE(faultsAreMet());
-    EXPECT_TRUE(happensInTime([] { return held(3) == Bytes{7}; }));
+    EXPECT_TRUE(happensInTime([] { return configurationOf(3) == Bytes{7}; }));
     unsigned char byte = 0;
     EXPECT_EQ(::recv(client, &byte, 1, MSG_DONTWAIT), -1);
     ::close(client);
 }
 
-TEST_F(BoardctlTest, aTornReplyIsABrokenConnection) {
+TEST_F(BoardctlTest, tornReplyBreaksConnection) {
     start();
     order({"torn", "6", "--times", "2"});
     EXPECT_EQ(getPartitions(), CHANNEL_BROKEN);
@@ -191,7 +191,7 @@ TEST_F(BoardctlTest, aTornReplyIsABrokenConnection) {
     EXPECT_EQ(getPartitions(), 0);
 }
 
-TEST_F(BoardctlTest, aLoginMeetsFaultsAsWell) {
+TEST_F(BoardctlTest, faultsAffectLogin) {
     start();
     const RequestFrame login = {RequestKind::LOGIN, 0, "",
                                 encode(LoginRequest{"admin", "admin", ""})};
@@ -200,7 +200,7 @@ TEST_F(BoardctlTest, aLoginMeetsFaultsAsWell) {
     EXPECT_EQ(ask(login), 0);
 }
 
-TEST_F(BoardctlTest, anOrderMeetsNoFault) {
+TEST_F(BoardctlTest, faultsDoNotAffectOrders) {
     start();
     order({"silent", "--times", "3"});
     order({"torn", "1", "--times", "3"});
@@ -210,7 +210,7 @@ TEST_F(BoardctlTest, anOrderMeetsNoFault) {
     EXPECT_EQ(getPartitions(), 0);
 }
 
-TEST_F(BoardctlTest, aPartitionIsSwitchedOnAndOff) {
+TEST_F(BoardctlTest, switchesPartitionOnAndOff) {
     start();
     stage({5});
     EXPECT_EQ(restore(3), 0);
@@ -226,7 +226,7 @@ TEST_F(BoardctlTest, aPartitionIsSwitchedOnAndOff) {
     EXPECT_EQ(restore(3), 0);
 }
 
-TEST_F(BoardctlTest, aDeadBackendComesBackWithItsStateAndNothingSwitchedOn) {
+TEST_F(BoardctlTest, backendRestartsWithItsStateAndWithoutFaults) {
     start();
     stage({9, 9});
     EXPECT_EQ(restore(3), 0);
@@ -235,24 +235,24 @@ TEST_F(BoardctlTest, aDeadBackendComesBackWithItsStateAndNothingSwitchedOn) {
     EXPECT_EQ(order({"die"}), "");
     ASSERT_TRUE(backend.waitUntilReady());
     EXPECT_EQ(order({"status"}), "");
-    EXPECT_EQ(held(3), (Bytes{9, 9}));
+    EXPECT_EQ(configurationOf(3), (Bytes{9, 9}));
     EXPECT_EQ(restore(5), 0);
-    // It dies as often as it is told to, and ends as ever.
+    // It can die repeatedly, and still shuts down normally.
     EXPECT_EQ(order({"die", "--back-in", "1"}), "");
     ASSERT_TRUE(backend.waitUntilReady());
-    EXPECT_EQ(held(5), (Bytes{9, 9}));
+    EXPECT_EQ(configurationOf(5), (Bytes{9, 9}));
     EXPECT_EQ(backend.stop(), 0);
     EXPECT_FALSE(exists(boardFile(BACKEND_SOCKET)));
 }
 
-TEST_F(BoardctlTest, aDeadBackendIsAwayUntilItsTimeHasCome) {
+TEST_F(BoardctlTest, backendStaysAwayForGivenTime) {
     start();
     int code = 0;
-    // A busy machine may not ask before the time is over; then the back-end stays away longer.
+    // On a busy machine the time may be over before the request; then retries with a longer one.
     for (int away = 500; code == 0 && away < LONG; away *= 2) {
         const Clock::time_point before = Clock::now();
         EXPECT_EQ(order({"die", "--back-in", std::to_string(away)}), "");
-        // The socket closes a moment after the connection that brought the order.
+        // The connection of the order closes a moment before the socket does.
         do {
             code = getPartitions();
         } while (code == CHANNEL_BROKEN);
@@ -265,7 +265,7 @@ TEST_F(BoardctlTest, aDeadBackendIsAwayUntilItsTimeHasCome) {
     EXPECT_EQ(code, CHANNEL_UNREACHABLE);
 }
 
-TEST_F(BoardctlTest, aClientOfADyingBackendIsCutOff) {
+TEST_F(BoardctlTest, dyingBackendDisconnectsClients) {
     start();
     order({"slow", "600000"});
     std::thread asking([] { EXPECT_EQ(getPartitions(), CHANNEL_BROKEN); });
@@ -275,7 +275,7 @@ TEST_F(BoardctlTest, aClientOfADyingBackendIsCutOff) {
     ASSERT_TRUE(backend.waitUntilReady());
 }
 
-TEST_F(BoardctlTest, aBackendThatIsAwayIsEndedByTheUsualSignals) {
+TEST_F(BoardctlTest, signalsEndBackendThatIsAway) {
     start();
     order({"die", "--back-in", "600000"});
     EXPECT_EQ(backend.stop(SIGTERM), -SIGTERM);
@@ -285,7 +285,7 @@ TEST_F(BoardctlTest, aBackendThatIsAwayIsEndedByTheUsualSignals) {
     EXPECT_EQ(next.stop(SIGINT), -SIGINT);
 }
 
-TEST_F(BoardctlTest, anOrderThatTheBackendDoesNotTakeIsAFailure) {
+TEST_F(BoardctlTest, reportsOrderThatBackendRefuses) {
     start();
     const ChildResult result = boardctl({"slow", "600001"});
     EXPECT_EQ(result.exitStatus, FAILED);
@@ -312,7 +312,7 @@ TEST_F(BoardctlTest, refusesPartitionsThatAreNotInstalled) {
     EXPECT_EQ(order({"status"}), "");
 }
 
-TEST_F(BoardctlTest, saysWhyItCannotConnect) {
+TEST_F(BoardctlTest, explainsWhyItCannotConnect) {
     start();
     EXPECT_EQ(backend.stop(), 0);
     const std::string socket = boardFile(BACKEND_SOCKET);
@@ -336,7 +336,7 @@ TEST_F(BoardctlTest, saysWhyItCannotConnect) {
             .errors.starts_with(cannot + deep + BACKEND_SOCKET + ": there is no such socket"));
 }
 
-TEST_F(BoardctlTest, saysThatASocketIsOnlyLeftOver) {
+TEST_F(BoardctlTest, reportsStaleSocket) {
     start();
     order({"die", "--back-in", "600000"});
     EXPECT_TRUE(happensInTime([] {
@@ -347,7 +347,7 @@ TEST_F(BoardctlTest, saysThatASocketIsOnlyLeftOver) {
     EXPECT_EQ(backend.stop(SIGTERM), -SIGTERM);
 }
 
-TEST_F(BoardctlTest, saysThatItLacksThePermission) {
+TEST_F(BoardctlTest, reportsMissingPermission) {
     if (::geteuid() != 0) {
         GTEST_SKIP() << "only root can become another user";
     }
@@ -361,14 +361,14 @@ TEST_F(BoardctlTest, saysThatItLacksThePermission) {
         return 99;
     });
     EXPECT_EQ(result.exitStatus, FAILED);
-    // A build with counters adds that it cannot write them as that user.
+    // A build with coverage counters also reports that it cannot write them as that user.
     EXPECT_TRUE(result.errors.starts_with(
         "boardctl: cannot connect to the back-end at " + boardFile(BACKEND_SOCKET) +
         ": no permission: use the account that runs the board (code 2001)\n"))
         << result.errors;
 }
 
-TEST_F(BoardctlTest, reportsAnAnswerThatIsLost) {
+TEST_F(BoardctlTest, reportsOutputError) {
     start();
     order({"slow", "1"});
     for (const char* words : {"status", "--help", "refuse --help"}) {
@@ -385,7 +385,7 @@ TEST_F(BoardctlTest, reportsAnAnswerThatIsLost) {
     }
 }
 
-TEST_F(BoardctlTest, theRootMayComeFromTheEnvironment) {
+TEST_F(BoardctlTest, takesRootFromEnvironment) {
     start();
     EXPECT_EQ(runProgram({BOARDCTL, "status"}).exitStatus, DONE);
     const ChildSetup elsewhere = {.environment = {{"BOARD_ROOT", at("missing")}}, .input = {}};
@@ -396,7 +396,7 @@ TEST_F(BoardctlTest, theRootMayComeFromTheEnvironment) {
     EXPECT_EQ(runProgram({BOARDCTL, "status"}, nowhere).exitStatus, USAGE);
 }
 
-TEST_F(BoardctlTest, wrongUsageIsSaidAndChangesNothing) {
+TEST_F(BoardctlTest, reportsWrongUsageAndChangesNothing) {
     start();
     for (const std::vector<std::string>& words :
          std::vector<std::vector<std::string>>{{},
@@ -438,7 +438,7 @@ TEST_F(BoardctlTest, wrongUsageIsSaidAndChangesNothing) {
     EXPECT_EQ(order({"status"}), "");
 }
 
-TEST_F(BoardctlTest, helpIsNoError) {
+TEST_F(BoardctlTest, helpExitsWithZero) {
     const ChildResult result = runProgram({BOARDCTL, "--help"});
     EXPECT_EQ(result.exitStatus, DONE);
     for (const char* word : {"status", "refuse", "slow", "silent", "torn", "die", "partition",

@@ -11,7 +11,7 @@ using Board::FaultSwitches;
 
 namespace {
 
-// What the order answers on switches that are all off, or "refused: " and why.
+// Returns the answer to an order when no fault is switched on, or "refused: " and the reason.
 std::string answerTo(const std::string& order) {
     FaultSwitches switches;
     try {
@@ -23,7 +23,7 @@ std::string answerTo(const std::string& order) {
 
 }  // namespace
 
-TEST(ControlOrderTest, everyOrderIsCarriedOutAndAnswersWhatIsOn) {
+TEST(ControlOrderTest, everyOrderReturnsActiveFaults) {
     EXPECT_EQ(answerTo("status"), "");
     EXPECT_EQ(answerTo("refuse 33620132 1047 2"),
               "request 33620132 is refused with code 1047, 2 times\n");
@@ -35,7 +35,7 @@ TEST(ControlOrderTest, everyOrderIsCarriedOutAndAnswersWhatIsOn) {
     EXPECT_EQ(answerTo("reset"), "");
 }
 
-TEST(ControlOrderTest, ordersAddUpUntilTheReset) {
+TEST(ControlOrderTest, ordersAccumulateUntilReset) {
     FaultSwitches switches;
     carryOutOrder("silent 1", switches);
     carryOutOrder("partition 7 off", switches);
@@ -51,7 +51,7 @@ TEST(ControlOrderTest, ordersAddUpUntilTheReset) {
     EXPECT_TRUE(switches.isRunning(7, true));
 }
 
-TEST(ControlOrderTest, theSwitchesGetTheNumbersOfTheOrder) {
+TEST(ControlOrderTest, passesNumbersToSwitches) {
     FaultSwitches switches;
     carryOutOrder("refuse 5 1047 1", switches);
     const FaultSwitches::Fault refusal = switches.next(5);
@@ -64,30 +64,30 @@ TEST(ControlOrderTest, theSwitchesGetTheNumbersOfTheOrder) {
     EXPECT_EQ(switches.next(5).sentBytes, 0U);
 }
 
-TEST(ControlOrderTest, wordsStandBetweenAnyBlanks) {
+TEST(ControlOrderTest, acceptsAnyBlanksBetweenWords) {
     EXPECT_EQ(answerTo("  partition\t3 \n on "), "partition 3 is on\n");
 }
 
-TEST(ControlOrderTest, numbersMayBeAsLargeAsTheirLimits) {
+TEST(ControlOrderTest, acceptsNumbersUpToTheirLimits) {
     EXPECT_EQ(answerTo("refuse 4294967295 4294967295 4294967295"),
               "request 4294967295 is refused with code 4294967295, 4294967295 times\n");
     EXPECT_EQ(answerTo("slow 600000 1"), "requests wait 600000 ms, 1 times\n");
-    EXPECT_EQ(answerTo("slow 600001 1"), "refused: 600001 is no number that fits");
-    EXPECT_EQ(answerTo("silent 4294967296"), "refused: 4294967296 is no number that fits");
-    EXPECT_EQ(answerTo("die 600001"), "refused: 600001 is no number that fits");
+    EXPECT_EQ(answerTo("slow 600001 1"), "refused: 600001 is not a number in range");
+    EXPECT_EQ(answerTo("silent 4294967296"), "refused: 4294967296 is not a number in range");
+    EXPECT_EQ(answerTo("die 600001"), "refused: 600001 is not a number in range");
 }
 
-TEST(ControlOrderTest, theReasonNamesTheWord) {
+TEST(ControlOrderTest, reasonNamesOffendingWord) {
     EXPECT_EQ(answerTo(""), "refused: the order is too short");
     EXPECT_EQ(answerTo("  "), "refused: the order is too short");
     EXPECT_EQ(answerTo("silent"), "refused: the order is too short");
-    EXPECT_EQ(answerTo("silent one"), "refused: one is no number that fits");
+    EXPECT_EQ(answerTo("silent one"), "refused: one is not a number in range");
     EXPECT_EQ(answerTo("silent 1 2"), "refused: 2 is one word too many");
     EXPECT_EQ(answerTo("partition 3 On"), "refused: On is neither on nor off");
     EXPECT_EQ(answerTo("quiet"), "refused: there is no order quiet");
 }
 
-TEST(ControlOrderTest, anOrderThatMakesNoSenseChangesNothing) {
+TEST(ControlOrderTest, invalidOrderChangesNothing) {
     FaultSwitches switches;
     switches.refuse(5, 1047, 2);
     switches.delay(10, 3);

@@ -1,5 +1,5 @@
-// Makes the worked examples of the documents anew and looks for them there, so that neither can
-// change alone.
+// Generates the worked examples of the documents and searches the documents for them, so that code
+// and documents cannot diverge.
 
 #include "board/backend/StoredConfigurations.h"
 #include "board/backend/controlOrder.h"
@@ -30,7 +30,7 @@ using namespace Host;
 
 namespace {
 
-// A document as one line, its words parted by single blanks.
+// Returns the document as one line, with words separated by single blanks.
 std::string wordsOf(const std::string& name) {
     std::istringstream stream(readText(std::string(DOCUMENTS) + "/" + name));
     std::string words = " ";
@@ -74,37 +74,37 @@ TEST(documents, showEveryRequest) {
     expectRequest(RequestKind::LOGIN, 0, encode(LoginRequest{"admin", "pass", "::1", ""}));
 }
 
-TEST(documents, showAReplyWithoutPayload) {
+TEST(documents, showReplyWithoutPayload) {
     expectReply(0, {});
     expectReply(BACKEND_LOGIN_REFUSED, {});
 }
 
-TEST(documents, showANewDevice) {
+TEST(documents, showNewDevice) {
     expectReply(0, encode(LoginAnswer{"0123456789abcdef0123456789abcdef"}));
 }
 
-TEST(documents, showThePartitionTable) {
+TEST(documents, showPartitionTable) {
     VeskUi::PartitionInfoPacket packet;
     packet.addPartition({true, "Test", {0x13, 0x21}});
     packet.addPartition({});
     expectReply(0, serialize(packet));
 }
 
-TEST(documents, showTheInstalledHardware) {
+TEST(documents, showInstalledHardware) {
     VeskUi::HardInstallInfoPacket packet;
     packet.systemBoards.records = {{BOARD_INSTALLED}, {BOARD_INSTALLED | BOARD_IS_HOME}};
     packet.ioBoards.records = {{BOARD_INSTALLED, 0}};
     expectReply(0, serialize(packet));
 }
 
-TEST(documents, showTheFirmwareVersions) {
+TEST(documents, showFirmwareVersions) {
     VeskUi::VersionInfoPacket packet;
     packet.addBIOSVersion("1.23 B");
     packet.addBIOSVersion("-");
     expectReply(0, serialize(packet));
 }
 
-TEST(documents, showAnOrderOfBoardctl) {
+TEST(documents, showOrderOfBoardctl) {
     const std::string order = "torn 6 2";
     Board::FaultSwitches switches;
     const std::string answer = Board::carryOutOrder(order, switches);
@@ -113,7 +113,7 @@ TEST(documents, showAnOrderOfBoardctl) {
     expectReply(0, bytesOf(answer));
 }
 
-TEST(documents, showAConfigurationFile) {
+TEST(documents, showConfigurationFile) {
     ConfigurationFile file;
     file.saveTime = 1236384000;
     file.partition = 3;
@@ -123,7 +123,7 @@ TEST(documents, showAConfigurationFile) {
     expectExample("configuration-file.md", encode(file));
 }
 
-TEST(documents, showAStateFile) {
+TEST(documents, showStateFile) {
     expectExample("configuration-file.md", Board::encode(Board::Payloads{{0, {'A'}}, {3, {}}}));
 }
 

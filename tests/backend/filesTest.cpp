@@ -22,7 +22,8 @@ const std::size_t LIMIT = 1000;
 
 class Files : public RootTest {
 protected:
-    // Why reading `path` fails; 0 when it does not.
+    // Returns the errno with which reading `path` fails, or 0. Checks that a failure leaves the
+    // output unchanged.
     static int readError(const std::string& path, std::size_t limit = LIMIT) {
         Bytes bytes = {1, 2, 3};
         errno = 0;
@@ -43,7 +44,7 @@ protected:
 
 }  // namespace
 
-TEST_F(Files, readsARegularFileWhole) {
+TEST_F(Files, readsWholeRegularFile) {
     const std::string path = at("file");
     writeText(path, std::string("a\0b\n", 4));
     Bytes bytes = {9, 9};
@@ -51,26 +52,26 @@ TEST_F(Files, readsARegularFileWhole) {
     EXPECT_EQ(bytes, (Bytes{'a', 0, 'b', '\n'}));
 }
 
-TEST_F(Files, readsAnEmptyFile) {
+TEST_F(Files, readsEmptyFile) {
     writeText(at("file"), "");
     Bytes bytes = {9, 9};
     ASSERT_TRUE(readFile(at("file"), 0, bytes));
     EXPECT_TRUE(bytes.empty());
 }
 
-TEST_F(Files, doesNotReadAboveTheLimit) {
+TEST_F(Files, refusesFileAboveLimit) {
     writeText(at("file"), "12345");
     EXPECT_EQ(readError(at("file"), 5), 0);
     EXPECT_EQ(readError(at("file"), 4), EFBIG);
 }
 
-TEST_F(Files, aSizeThatExceedsThirtyTwoBitsIsAboveTheLimit) {
+TEST_F(Files, refusesFileAboveFourGiB) {
     writeText(at("file"), "");
     ASSERT_EQ(::truncate(at("file").c_str(), (1LL << 32) + 3), 0);
     EXPECT_EQ(readError(at("file"), 4), EFBIG);
 }
 
-TEST_F(Files, doesNotReadWhatIsNoRegularFile) {
+TEST_F(Files, refusesToReadNonRegularFile) {
     writeText(at("file"), "secret");
     ASSERT_EQ(::symlink("file", at("link").c_str()), 0);
     ASSERT_EQ(::mkfifo(at("pipe").c_str(), 0600), 0);
@@ -81,7 +82,7 @@ TEST_F(Files, doesNotReadWhatIsNoRegularFile) {
     EXPECT_EQ(readError("/dev/zero"), EINVAL);
 }
 
-TEST_F(Files, passesOnWhatTheTakerOfPiecesThrows) {
+TEST_F(Files, propagatesExceptionOfCallback) {
     writeText(at("file"), std::string(LIMIT, 'x'));
     const Descriptor file(openForReading(at("file")));
     EXPECT_THROW(readPieces(file.get(), LIMIT,
@@ -89,7 +90,7 @@ TEST_F(Files, passesOnWhatTheTakerOfPiecesThrows) {
                  std::bad_alloc);
 }
 
-TEST_F(Files, replacesAFileAndLeavesNothingAside) {
+TEST_F(Files, replacesFileWithoutLeftovers) {
     const std::string path = at("file");
     ASSERT_TRUE(replaceFile(path, {'o', 'n', 'e'}, 0600));
     EXPECT_EQ(readText(path), "one");
@@ -100,7 +101,7 @@ TEST_F(Files, replacesAFileAndLeavesNothingAside) {
     EXPECT_EQ(names(), std::vector<std::string>{"file"});
 }
 
-TEST_F(Files, replacedFileHasExactlyTheMode) {
+TEST_F(Files, replacementHasExactMode) {
     const mode_t original = ::umask(0077);
     EXPECT_TRUE(replaceFile(at("public"), {'x'}, 0644));
     ::umask(0);
@@ -110,7 +111,7 @@ TEST_F(Files, replacedFileHasExactlyTheMode) {
     EXPECT_EQ(modeOf(at("private")), S_IFREG | 0600U);
 }
 
-TEST_F(Files, replacesALinkAndNotWhatItPointsTo) {
+TEST_F(Files, replacesLinkNotItsTarget) {
     writeText(at("target"), "untouched");
     ASSERT_EQ(::symlink("target", at("file").c_str()), 0);
     ASSERT_TRUE(replaceFile(at("file"), {'n', 'e', 'w'}, 0600));
@@ -118,7 +119,7 @@ TEST_F(Files, replacesALinkAndNotWhatItPointsTo) {
     EXPECT_EQ(readText(at("target")), "untouched");
 }
 
-TEST_F(Files, replacesAFileInTheWorkingFolder) {
+TEST_F(Files, replacesFileInWorkingFolder) {
     const std::string path = at("file");
     const std::filesystem::path original = std::filesystem::current_path();
     std::filesystem::current_path(at(""));
@@ -127,7 +128,7 @@ TEST_F(Files, replacesAFileInTheWorkingFolder) {
     EXPECT_EQ(readText(path), "x");
 }
 
-TEST_F(Files, failedReplacementLeavesEverythingAsItWas) {
+TEST_F(Files, failedReplacementChangesNothing) {
     errno = 0;
     EXPECT_FALSE(replaceFile(at("missing/file"), {'x'}, 0600));
     EXPECT_EQ(errno, ENOENT);
@@ -139,7 +140,7 @@ TEST_F(Files, failedReplacementLeavesEverythingAsItWas) {
     EXPECT_EQ(names(), std::vector<std::string>{"in the way"});
 }
 
-TEST_F(Files, fullDiskLeavesTheOldFile) {
+TEST_F(Files, keepsOldFileWhenDiskIsFull) {
     const std::string path = at("file");
     writeText(path, "old");
     errno = 0;
@@ -152,7 +153,7 @@ TEST_F(Files, fullDiskLeavesTheOldFile) {
     EXPECT_EQ(names(), std::vector<std::string>{"file"});
 }
 
-TEST_F(Files, aFileIsCreatedOnlyWhereThereIsNone) {
+TEST_F(Files, createsFileOnlyIfAbsent) {
     EXPECT_TRUE(createFile(at("file"), {'o', 'n', 'e'}, 0640));
     EXPECT_EQ(modeOf(at("file")) & 07777U, 0640U);
     EXPECT_FALSE(createFile(at("file"), {'t', 'w', 'o'}, 0640));
@@ -161,7 +162,7 @@ TEST_F(Files, aFileIsCreatedOnlyWhereThereIsNone) {
     EXPECT_FALSE(createFile(at("missing/file"), {'x'}, 0600));
 }
 
-TEST_F(Files, removesOnlyWhatAKilledReplacementLeft) {
+TEST_F(Files, removesOnlyLeftoversOfReplacement) {
     for (const char* name :
          {"file", "file.aside-Ab12Yz", "filebcd.aside-Ab12Yz", "other.aside-Ab12Yz",
           "file.aside-Ab12Y", "file.aside-Ab12Yzz", "file.notes"}) {

@@ -24,8 +24,8 @@ void expectTooSmallBufferThrows(const SerializableObject& object) {
 
 }  // namespace
 
-// Partition 0 is installed, called "Test", and made of system board 3 and I/O board 1; partition 1
-// is not installed.
+// Partition 0 is installed, named "Test", and consists of system board 3 and I/O board 1; partition
+// 1 is not installed.
 const char* const PARTITION_BYTES =
     "00 02 "
     "01 00 04 54 65 73 74 00 02 13 21 "
@@ -36,7 +36,7 @@ void fill(PartitionInfoPacket& packet) {
     packet.addPartition({});
 }
 
-TEST(PartitionInfoPacket, hasItsBytes) {
+TEST(PartitionInfoPacket, encodesExample) {
     PartitionInfoPacket packet;
     EXPECT_EQ(toHexadecimal(serialize(packet)), "00 00");
     fill(packet);
@@ -44,7 +44,7 @@ TEST(PartitionInfoPacket, hasItsBytes) {
     expectTooSmallBufferThrows(packet);
 }
 
-TEST(PartitionInfoPacket, answersFromItsBytes) {
+TEST(PartitionInfoPacket, decodesExample) {
     PartitionInfoPacket packet;
     ASSERT_TRUE(deserialize(packet, fromHexadecimal(PARTITION_BYTES)));
     EXPECT_TRUE(packet.isInstalled(0));
@@ -57,7 +57,7 @@ TEST(PartitionInfoPacket, answersFromItsBytes) {
     EXPECT_TRUE(ids.empty());
 }
 
-TEST(PartitionInfoPacket, numberOutsideTheTableIsNotInstalled) {
+TEST(PartitionInfoPacket, unknownPartitionIsNotInstalled) {
     PartitionInfoPacket packet;
     fill(packet);
     for (const int number : {-1, 2, 1000, std::numeric_limits<int>::min()}) {
@@ -69,7 +69,7 @@ TEST(PartitionInfoPacket, numberOutsideTheTableIsNotInstalled) {
     }
 }
 
-TEST(PartitionInfoPacket, truncatedBytesAreRefusedAndChangeNothing) {
+TEST(PartitionInfoPacket, truncatedBytesAreRejectedAndChangeNothing) {
     const Bytes whole = fromHexadecimal(PARTITION_BYTES);
     for (std::size_t size = 0; size < whole.size(); ++size) {
         PartitionInfoPacket packet;
@@ -79,13 +79,13 @@ TEST(PartitionInfoPacket, truncatedBytesAreRefusedAndChangeNothing) {
     }
 }
 
-TEST(PartitionInfoPacket, trailingByteAndUnknownFlagAreRefused) {
+TEST(PartitionInfoPacket, rejectsTrailingByteAndUnknownFlag) {
     PartitionInfoPacket packet;
     EXPECT_FALSE(deserialize(packet, fromHexadecimal(std::string(PARTITION_BYTES) + "00")));
     EXPECT_FALSE(deserialize(packet, fromHexadecimal("00 01 02 00 00 00 00")));
 }
 
-TEST(PartitionInfoPacket, isReplacedNotAddedTo) {
+TEST(PartitionInfoPacket, decodingReplacesOldContents) {
     PartitionInfoPacket packet;
     fill(packet);
     ASSERT_TRUE(deserialize(packet, fromHexadecimal("00 00")));
@@ -95,7 +95,7 @@ TEST(PartitionInfoPacket, isReplacedNotAddedTo) {
 
 const char* const VERSION_BYTES = "00 02 00 06 31 2E 32 33 20 42 00 01 2D";
 
-TEST(VersionInfoPacket, hasItsBytes) {
+TEST(VersionInfoPacket, encodesExample) {
     VersionInfoPacket packet;
     EXPECT_EQ(toHexadecimal(serialize(packet)), "00 00");
     packet.addBIOSVersion("1.23 B");
@@ -104,14 +104,14 @@ TEST(VersionInfoPacket, hasItsBytes) {
     expectTooSmallBufferThrows(packet);
 }
 
-TEST(VersionInfoPacket, answersFromItsBytes) {
+TEST(VersionInfoPacket, decodesExample) {
     VersionInfoPacket packet;
     ASSERT_TRUE(deserialize(packet, fromHexadecimal(VERSION_BYTES)));
     EXPECT_EQ(packet.getBIOSVersion(0, 0), "1.23 B");
     EXPECT_EQ(packet.getBIOSVersion(1, 0), "-");
 }
 
-TEST(VersionInfoPacket, boardOutsideTheTableHasAnUnknownVersion) {
+TEST(VersionInfoPacket, unknownBoardHasUnknownVersion) {
     VersionInfoPacket packet;
     packet.addBIOSVersion("1.23 B");
     for (const int board : {-1, 1, 255, std::numeric_limits<int>::min()}) {
@@ -120,7 +120,7 @@ TEST(VersionInfoPacket, boardOutsideTheTableHasAnUnknownVersion) {
     EXPECT_EQ(packet.getBIOSVersion(0, 1), "-");
 }
 
-TEST(VersionInfoPacket, truncatedBytesAreRefusedAndChangeNothing) {
+TEST(VersionInfoPacket, truncatedBytesAreRejectedAndChangeNothing) {
     const Bytes whole = fromHexadecimal(VERSION_BYTES);
     for (std::size_t size = 0; size < whole.size(); ++size) {
         VersionInfoPacket packet;
@@ -130,7 +130,7 @@ TEST(VersionInfoPacket, truncatedBytesAreRefusedAndChangeNothing) {
     }
 }
 
-TEST(VersionInfoPacket, trailingByteIsRefused) {
+TEST(VersionInfoPacket, rejectsTrailingByte) {
     VersionInfoPacket packet;
     EXPECT_FALSE(deserialize(packet, fromHexadecimal(std::string(VERSION_BYTES) + "00")));
 }
@@ -158,7 +158,7 @@ void fill(HardInstallInfoPacket& packet) {
     packet.byteArrays[0].records.push_back(0x42);
 }
 
-TEST(HardInstallInfoPacket, hasItsBytes) {
+TEST(HardInstallInfoPacket, encodesExample) {
     HardInstallInfoPacket packet;
     EXPECT_EQ(packet.getSerializedSize(), 11U * 6);
     fill(packet);
@@ -166,7 +166,7 @@ TEST(HardInstallInfoPacket, hasItsBytes) {
     expectTooSmallBufferThrows(packet);
 }
 
-TEST(HardInstallInfoPacket, answersFromItsBytes) {
+TEST(HardInstallInfoPacket, decodesExample) {
     HardInstallInfoPacket packet;
     ASSERT_TRUE(deserialize(packet, fromHexadecimal(HARDWARE_BYTES)));
     EXPECT_TRUE(packet.isInstalled(Host::SYSTEM_BOARD, 0));
@@ -178,7 +178,7 @@ TEST(HardInstallInfoPacket, answersFromItsBytes) {
     EXPECT_EQ(toHexadecimal(serialize(packet)), HARDWARE_BYTES);
 }
 
-TEST(HardInstallInfoPacket, whatIsNotInItIsNeitherInstalledNorHome) {
+TEST(HardInstallInfoPacket, unknownBoardIsNeitherInstalledNorHome) {
     HardInstallInfoPacket packet;
     fill(packet);
     for (const int number : {-1, 2, 255, std::numeric_limits<int>::min()}) {
@@ -192,7 +192,7 @@ TEST(HardInstallInfoPacket, whatIsNotInItIsNeitherInstalledNorHome) {
     EXPECT_FALSE(packet.isHome(Host::SYSTEM_BOARD, 1, 1));
 }
 
-TEST(HardInstallInfoPacket, truncatedBytesAreRefusedAndChangeNothing) {
+TEST(HardInstallInfoPacket, truncatedBytesAreRejectedAndChangeNothing) {
     const Bytes whole = fromHexadecimal(HARDWARE_BYTES);
     for (std::size_t size = 0; size < whole.size(); ++size) {
         HardInstallInfoPacket packet;
@@ -202,26 +202,26 @@ TEST(HardInstallInfoPacket, truncatedBytesAreRefusedAndChangeNothing) {
     }
 }
 
-TEST(HardInstallInfoPacket, trailingByteIsRefused) {
+TEST(HardInstallInfoPacket, rejectsTrailingByte) {
     HardInstallInfoPacket packet;
     EXPECT_FALSE(deserialize(packet, fromHexadecimal(std::string(HARDWARE_BYTES) + "00")));
 }
 
-TEST(HardInstallInfoPacket, memberThatIsNotAsLongAsItsLengthIsRefused) {
+TEST(HardInstallInfoPacket, rejectsMemberWithWrongLength) {
     Bytes bytes = fromHexadecimal(HARDWARE_BYTES);
     bytes[3] = 0x0B;  // the first member takes a byte of the second's length
     HardInstallInfoPacket packet;
     EXPECT_FALSE(deserialize(packet, bytes));
 
-    // An array ignores what stands behind its records; in a packet nothing may stand there.
+    // An array ignores bytes after its records, but a packet rejects them.
     bytes = fromHexadecimal(HARDWARE_BYTES);
     bytes[5] = 0x01;
     EXPECT_FALSE(deserialize(packet, bytes));
 }
 
-TEST(HardInstallInfoPacket, lengthsThatEvenOutDoNotHideWhatWasNotUnderstood) {
-    // A collection of two: an element of no bytes, which has not even a count, and an empty one
-    // with two bytes behind it. What they become would be as long as what came.
+TEST(HardInstallInfoPacket, rejectsWrongLengthsThatCancelOut) {
+    // A collection of two elements: one of no bytes, so without a count, and an empty one followed
+    // by two extra bytes. Serialized again they would have the same length as the input.
     const std::string empty = "000000020000";
     std::string text = empty +
                        "0000000A"
@@ -238,7 +238,7 @@ TEST(HardInstallInfoPacket, lengthsThatEvenOutDoNotHideWhatWasNotUnderstood) {
     EXPECT_EQ(toHexadecimal(serialize(packet)), HARDWARE_BYTES);
 }
 
-TEST(HardInstallInfoPacket, faultWithinACollectionThrowsAndChangesNothing) {
+TEST(HardInstallInfoPacket, malformedCollectionThrowsAndChangesNothing) {
     Bytes bytes = fromHexadecimal(HARDWARE_BYTES);
     bytes[21] = 0x04;  // the collection's element runs past the end of the collection
     HardInstallInfoPacket packet;
@@ -247,7 +247,7 @@ TEST(HardInstallInfoPacket, faultWithinACollectionThrowsAndChangesNothing) {
     EXPECT_EQ(toHexadecimal(serialize(packet)), HARDWARE_BYTES);
 }
 
-TEST(HardInstallInfoPacket, isReplacedNotAddedTo) {
+TEST(HardInstallInfoPacket, decodingReplacesOldContents) {
     HardInstallInfoPacket packet;
     const Bytes bytes = fromHexadecimal(HARDWARE_BYTES);
     ASSERT_TRUE(deserialize(packet, bytes));

@@ -1,4 +1,5 @@
-// A restore does not happen once its page has given up. In every browser, with and without scripts.
+// Tests that a restore does not happen after its page has given up: in every browser, with and
+// without scripts.
 
 import assert from "node:assert/strict";
 import { readFile } from "node:fs/promises";
@@ -32,7 +33,7 @@ for (const kind of BROWSERS) {
                 await board?.remove();
             });
 
-            test("that is slower than its page changes nothing", async () => {
+            test("changes nothing when slower than its page", async () => {
                 const configurations = () => readFile(board.path("var/lib/board/configurations"));
                 const page = await browser.newPage();
                 await logIn(page, board);

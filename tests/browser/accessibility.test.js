@@ -1,5 +1,5 @@
-// Everybody can use every page: axe-core finds nothing to mend, in both themes, on a phone and on a
-// wide screen, and in every language on a phone.
+// Tests that axe-core finds nothing to fix on any page, in both themes, on a phone and on a wide
+// screen, and in every language on a phone.
 
 import { after, before, describe, test } from "node:test";
 import { THEMES, WIDTHS, assertAccessible, show } from "./support/accessibility.js";
@@ -17,7 +17,7 @@ const FILE = makeConfigurationFile({
     payload: Buffer.from("x"),
 });
 
-// Each page, and the way to it for somebody who is logged in.
+// How to reach each page as a logged-in user.
 const PAGES = {
     login: (page, board) => page.goto(board.url("/login.cgi")),
     menu: (page, board) => page.goto(board.url("/")),

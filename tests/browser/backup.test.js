@@ -1,4 +1,4 @@
-// An operator backs up partitions in a real browser.
+// Tests of backups in a real browser.
 
 import assert from "node:assert/strict";
 import { createHash } from "node:crypto";
@@ -33,7 +33,7 @@ describe("backup", () => {
         page = await browser.newPage();
     });
 
-    test("saves a partition's configuration under a name that tells what it is", async () => {
+    test("saves a partition's configuration under a descriptive name", async () => {
         await logIn(page, board);
         await page.goto(board.url(BACKUP_PAGE));
         await chooseAndBackUp(page, 3);
@@ -41,7 +41,7 @@ describe("backup", () => {
 
         const file = parseConfigurationFile(bytes);
         const saved = new Date(file.saveTime * 1000);
-        // The day is the page's, which may be a later one than that of the backup.
+        // The name has the day of the page, which may be later than the backup's.
         const names = [saved, new Date()].map((day) => {
             const month = String(day.getMonth() + 1).padStart(2, "0");
             const date = String(day.getDate()).padStart(2, "0");
@@ -90,7 +90,7 @@ describe("backup", () => {
         assert.equal((await page.$$("input[name=radio_button]:checked")).length, 0);
     });
 
-    test("asks for a choice before anything is sent", async () => {
+    test("asks for a partition before sending anything", async () => {
         await logIn(page, board);
         await page.goto(board.url(BACKUP_PAGE));
         const posts = countPosts(page);
@@ -101,7 +101,7 @@ describe("backup", () => {
         await browser.assertNoDownload();
     });
 
-    test("can be done with the keyboard alone", async () => {
+    test("works with the keyboard alone", async () => {
         await logIn(page, board);
         await page.goto(board.url(BACKUP_PAGE));
         await page.focus('input[name=radio_button][value="0"]');
@@ -111,7 +111,7 @@ describe("backup", () => {
         assert.match(name, /^Partition2_/);
     });
 
-    test("a second press while work is under way sends nothing", async () => {
+    test("a second press during a backup sends nothing", async () => {
         await logIn(page, board);
         await page.goto(board.url(BACKUP_PAGE));
         await page.click('input[name=radio_button][value="2"]');
@@ -145,7 +145,7 @@ describe("backup", () => {
         assert.match(name, /^Partition3_\d{8}_123B\.dat$/);
     });
 
-    test("a user without authority gets the reason, and no list", async () => {
+    test("a user without authority sees the reason and no list", async () => {
         await logIn(page, board, "viewer");
         const links = await page.$$eval("a", (elements) => elements.map((each) => each.href));
         assert.ok(!links.some((link) => link.includes("functionID")));
@@ -155,7 +155,7 @@ describe("backup", () => {
         assert.match(await board.trace(), /EFIBackupPage::makeDispPage\(\): Authorization required\./);
     });
 
-    test("after logout every page of the session is closed", async () => {
+    test("logout closes every page of the session", async () => {
         await logIn(page, board);
         await page.goto(board.url(BACKUP_PAGE));
         await chooseAndBackUp(page, 3);
@@ -193,8 +193,8 @@ describe("backup", () => {
     });
 });
 
-describe("backup, when the back-end is gone", () => {
-    test("the page says so, and nothing is downloaded", async () => {
+describe("backup without an answer from the back-end", () => {
+    test("shows the error and downloads nothing", async () => {
         const board = await Board.start();
         const browser = await Browser.start();
         try {
@@ -202,7 +202,7 @@ describe("backup, when the back-end is gone", () => {
             await logIn(page, board);
             await page.goto(board.url(BACKUP_PAGE));
             await page.click('input[name=radio_button][value="3"]');
-            // Stopped, not ended: it accepts connections and never answers.
+            // A stopped back-end still accepts connections but never answers.
             process.kill(await board.backendProcess(), "SIGSTOP");
             try {
                 await Promise.all([

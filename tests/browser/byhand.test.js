@@ -1,4 +1,4 @@
-// The program runs by hand, without a web server, and leaves nothing behind.
+// Tests that the program runs without a web server and leaves nothing open.
 
 import assert from "node:assert/strict";
 import { readFile, readdir } from "node:fs/promises";
@@ -6,7 +6,7 @@ import { after, before, describe, test } from "node:test";
 import { Board } from "./support/board.js";
 import { DirectClient } from "./support/directClient.js";
 
-describe("the program by hand", () => {
+describe("the program without a web server", () => {
     let board;
     let client;
 
@@ -16,7 +16,7 @@ describe("the program by hand", () => {
     });
     after(() => board?.remove());
 
-    // Runs the screen's program, or `command`, which ends in it, as a shell would.
+    // Runs the screen's program, with the words of `command` before it.
     async function run(command, environment, body = "") {
         const program = board.path("usr/local/www/htdocs/maintenance/efi_backup_restore.cgi");
         const { status, output, errors } = await client.run(
@@ -29,7 +29,7 @@ describe("the program by hand", () => {
 
     const backup = "functionID=105&hidden_status=BACKUP&radio_button=3";
 
-    test("answers one page on standard output", async () => {
+    test("prints one page to standard output", async () => {
         const { status, output, errors } = await run([], {
             REQUEST_METHOD: "GET",
             QUERY_STRING: "functionID=105",
@@ -51,7 +51,7 @@ describe("the program by hand", () => {
         }
     });
 
-    test("an unknown function number ends with an error page and not with 0", async () => {
+    test("an unknown function number gives an error page and a non-zero status", async () => {
         const { status, output } = await run([], {
             REQUEST_METHOD: "GET",
             QUERY_STRING: "functionID=1",
@@ -60,9 +60,10 @@ describe("the program by hand", () => {
         assert.match(output, /^Status: 400 /);
     });
 
-    // What is opened first would get the number of what is closed, and be taken for it.
+    // The first file that the program opens would otherwise get the number of a closed standard
+    // stream, and output for the stream would go into the file.
     for (const closed of ["<&-", ">&-", "2>&-", "<&- >&-", "<&- >&- 2>&-"]) {
-        test(`started with ${closed} it harms nothing`, async () => {
+        test(`a start with ${closed} harms nothing`, async () => {
             client = await DirectClient.loggedIn(board);
             const traced = (await board.trace()).length;
             const { status, output } = await run(
@@ -77,7 +78,7 @@ describe("the program by hand", () => {
                 assert.ok(!bytes.includes("Status:"), name);
             }
             assert.doesNotMatch((await board.trace()).slice(traced), /Status:/);
-            // The back-end is there as ever, and so is the session.
+            // The back-end and the session still work.
             assert.match((await client.backUp(3)).text, /download_link/);
         });
     }
@@ -86,14 +87,14 @@ describe("the program by hand", () => {
     for (const [what, environment] of [
         ["nothing at all", {}],
         ["no method", { REQUEST_METHOD: "" }],
-        ["a length that is none", { REQUEST_METHOD: "POST", CONTENT_LENGTH: "abc" }],
+        ["a length that is not a number", { REQUEST_METHOD: "POST", CONTENT_LENGTH: "abc" }],
         ["a negative length", { REQUEST_METHOD: "POST", CONTENT_LENGTH: "-1" }],
         ["an endless length", { REQUEST_METHOD: "POST", CONTENT_LENGTH: "9".repeat(40) }],
         ["an endless query", { ...display, QUERY_STRING: "a=".repeat(50000) }],
         ["an endless cookie", { ...display, HTTP_COOKIE: "session=".repeat(10000) }],
         ["a query of control characters", { ...display, QUERY_STRING: "functionID=105\n\r\u001b[2J" }],
         ["a language that is a path", { ...display, HTTP_ACCEPT_LANGUAGE: "../../../etc/passwd" }],
-        ["a locale of somebody else", { ...display, LANG: "../x", LC_ALL: "%s%n", NLSPATH: "/tmp/%N" }],
+        ["a foreign locale", { ...display, LANG: "../x", LC_ALL: "%s%n", NLSPATH: "/tmp/%N" }],
         ["a time zone that is a file", { ...display, TZ: ":/etc/passwd" }],
         ["a host that is markup", { REQUEST_METHOD: "POST", HTTP_ORIGIN: "http://<i>", HTTP_HOST: "<i>" }],
         ["a root that is not there", { ...display, BOARD_ROOT: "/nowhere" }],
@@ -124,7 +125,7 @@ describe("the program by hand", () => {
             );
             assert.equal(status, 0, errors);
             const open = [...errors.matchAll(/FILE DESCRIPTORS: (\d+) open \((\d+) std\)/g)];
-            assert.equal(open.length, 1, "one process, and no child");
+            assert.equal(open.length, 1, "expected one process without a child");
             const inherited = errors.match(/<inherited from parent>/g)?.length ?? 0;
             assert.equal(Number(open[0][1]), Number(open[0][2]) + inherited, errors);
             const left = (await readdir(board.path("var/tmp"))).filter(

@@ -1,5 +1,5 @@
-// The combined page, which no board builds, in a real browser: it shares its skeleton with the
-// backup page.
+// Tests of the combined page in a real browser. No board builds it, but it shares its skeleton with
+// the backup page.
 
 import assert from "node:assert/strict";
 import { after, before, beforeEach, describe, test } from "node:test";
@@ -48,7 +48,7 @@ describe("the combined page", () => {
         return browser.nextDownload();
     }
 
-    // Uploads a file; the page asks about it and goes on by itself.
+    // Uploads a file and answers the page's question; the page then submits the next step itself.
     async function uploadAndAnswer(bytes, accept) {
         page.accept = accept;
         await chooseFile(page, "a.dat", bytes);
@@ -56,7 +56,7 @@ describe("the combined page", () => {
             let loads = 0;
             page.on("load", () => ++loads === 2 && resolve());
         });
-        // Later, because the page goes on by itself while the click is still under way.
+        // Clicks later, because the page navigates by itself while the click is still running.
         await page.$eval("#install", (button) => setTimeout(() => button.click()));
         await answered;
         await waitForNoStagedFile();
@@ -87,21 +87,21 @@ describe("the combined page", () => {
         assert.equal(parseConfigurationFile(bytes).payload.toString(), "Boot=0\n");
     });
 
-    test("throws the file away when the answer is no", async () => {
+    test("discards the file when the answer is no", async () => {
         await uploadAndAnswer(makeFile("never"), false);
         await page.goto(board.url(PAGE));
         const { bytes } = await backUp();
         assert.notEqual(parseConfigurationFile(bytes).payload.toString(), "never");
     });
 
-    test("a hostile version stays text in the question", async () => {
+    test("a hostile version remains text in the question", async () => {
         const version = "9.\"</script><script>alert('in')</script>\\";
         await uploadAndAnswer(makeFile("x", { version }), false);
         assert.ok(page.alerts.some((text) => text.includes(version)), page.alerts.join("|"));
         assert.ok(!page.alerts.includes("in"));
     });
 
-    test("a version writes no line into the question", async () => {
+    test("a version adds no line to the question", async () => {
         const ask = async (version) => {
             page.alerts.length = 0;
             await page.goto(board.url(PAGE));
@@ -115,7 +115,7 @@ describe("the combined page", () => {
         assert.ok(lines.at(-1).includes("9.9\\n\\n Nothing"), lines.at(-1));
     });
 
-    test("refuses what is no configuration file, and keeps nothing", async () => {
+    test("refuses a file that is not a configuration file and keeps nothing", async () => {
         await chooseFile(page, "a.dat", Buffer.from("no configuration"));
         await Promise.all([page.waitForNavigation(), page.click("#install")]);
         await page.waitForAlert(/not a usable BIOS configuration file.*\[64-1026\]/);
@@ -123,14 +123,14 @@ describe("the combined page", () => {
         assert.equal((await page.$$("#install")).length, 1);
     });
 
-    test("refuses a missing file before anything is sent", async () => {
+    test("asks for a file before sending anything", async () => {
         const posts = countPosts(page);
         await page.click("#install");
         await page.waitForAlert(/Select a configuration file .* first/);
         await posts.assertNone();
     });
 
-    test("a reload and the way back show the form, and never send a step again", async () => {
+    test("a reload shows the form and sends no step again", async () => {
         await chooseFile(page, "a.dat", Buffer.from("no configuration"));
         await Promise.all([page.waitForNavigation(), page.click("#install")]);
         await page.waitForAlert(/\[64-1026\]/);
@@ -148,10 +148,10 @@ describe("the combined page", () => {
         ["an upload", "#install", "Upload", "Uploading…",
             () => chooseFile(page, "a.dat", makeFile("x"))],
     ]) {
-        test(`the button of ${what} says that work is under way, and is sent once`, async () => {
+        test(`the button of ${what} shows progress and is sent once`, async () => {
             assert.equal(await textOf(page, button), label);
             await prepare();
-            // The form is kept from leaving, so that the page stays to be looked at.
+            // The form is not sent, so that the page remains.
             const seen = await page.$eval(button, (element) => {
                 const form = document.getElementById("form_name");
                 let sent = 0;
@@ -179,8 +179,8 @@ describe("the combined page", () => {
         assert.equal((await page.$$("#install")).length, 1);
     });
 
-    // A platform's error page may return; what is then printed is a page without components.
-    test("a page of only an error runs without a mistake in its script", async () => {
+    // A platform's error page may return; the program then prints a page without components.
+    test("an error page causes no script error", async () => {
         const viewer = await browser.newPage();
         const mistakes = [];
         viewer.on("pageerror", (error) => mistakes.push(error.message));
@@ -192,17 +192,17 @@ describe("the combined page", () => {
         await viewer.close();
     });
 
-    test("shows nothing of the backup page's own, and leaves no placeholder", async () => {
+    test("shows no part of the backup page and no placeholder", async () => {
         assert.equal((await page.$$("table")).length, 0);
         assert.equal((await page.$$("#backup")).length, 0);
         assert.match(await textOf(page, "h1"), /Backup\/Restore BIOS Configuration/);
-        // What was left of a placeholder, whatever it looks like, would have one of these.
+        // Any remainder of a placeholder would contain one of these characters.
         assert.doesNotMatch(await markupOf(page), /[{}|]/);
     });
 
     for (const theme of THEMES) {
         for (const width of WIDTHS) {
-            test(`everybody can use it: ${theme}, ${width} pixels`, async () => {
+            test(`is accessible: ${theme}, ${width} pixels`, async () => {
                 await show(page, theme, width);
                 await assertAccessible(page);
                 await backUp();

@@ -1,5 +1,5 @@
-// The back-end goes wrong in every way it can: the operator always gets a page that says so, with
-// its message, its trace line and the staged file's fate.
+// Tests of every failure of the back-end: the operator always gets a page with the right message,
+// the trace has its line, and the staged file is kept or removed as it should be.
 
 import assert from "node:assert/strict";
 import { readFile } from "node:fs/promises";
@@ -25,7 +25,7 @@ const FILE = makeConfigurationFile({
     payload: Buffer.from("Boot=1\n"),
 });
 
-describe("a back-end that goes wrong", () => {
+describe("a failing back-end", () => {
     let board;
     let client;
     let staged;
@@ -69,7 +69,7 @@ describe("a back-end that goes wrong", () => {
         [1551, /does not fit.*\[353-1551\]/],
         [1540, /It is not known whether the partitions were changed.*\[71-1540\]/],
     ]) {
-        test(`a restore refused with ${code} says why and keeps the file`, async () => {
+        test(`a restore refused with ${code} shows the reason and keeps the file`, async () => {
             await upload();
             await board.control("refuse", RESTORE, code);
             const page = await restore();
@@ -84,7 +84,7 @@ describe("a back-end that goes wrong", () => {
         [1047, /\[250-1047\]/],
         [1540, /backup failed.*\[72-1540\]/],
     ]) {
-        test(`a backup refused with ${code} says why, and offers no download`, async () => {
+        test(`a backup refused with ${code} shows the reason and offers no download`, async () => {
             await board.control("refuse", BACKUP, code);
             const page = await client.backUp(3);
             assert.match(page.text, words);
@@ -93,29 +93,29 @@ describe("a back-end that goes wrong", () => {
         });
     }
 
-    test("a backup that was accepted and not written is an error page, never a link", async () => {
-        // The back-end's reply to the backup is forged by refusing with code 0: accepted, nothing
-        // written, so the file that the program made is empty.
+    test("a backup accepted but not written gives an error page without a link", async () => {
+        // Refusing with code 0 makes the back-end report success without writing, so the file that
+        // the program created remains empty.
         await board.control("refuse", BACKUP, 0);
         assertErrorPage(await client.backUp(3), 500, /not certain/);
         assert.match(await board.trace(), /\[1104\]/);
     });
 
-    test("without the partition table the selection is not shown, and the file stays", async () => {
+    test("a missing partition table hides the selection and keeps the file", async () => {
         await board.control("refuse", PARTITIONS, 1609);
         assertErrorPage(await upload(), 503, /Failed to obtain the partition status/);
         assert.ok(await isStaged());
         assert.match(await board.trace(), /Failed to obtain the partition status/);
     });
 
-    test("without the hardware the selection is not shown, and the file stays", async () => {
+    test("missing hardware data hides the selection and keeps the file", async () => {
         await board.control("refuse", HARDWARE, 1609);
         assertErrorPage(await upload(), 503, /Failed to obtain the system status/);
         assert.ok(await isStaged());
         assert.match(await board.trace(), /Failed to obtain the system status/);
     });
 
-    test("without the versions every row shows none, and no message", async () => {
+    test("missing versions appear as dashes without a message", async () => {
         await board.control("refuse", VERSIONS, 1609);
         const page = await upload();
         assert.doesNotMatch(page.text, /role="alert"/);
@@ -123,7 +123,7 @@ describe("a back-end that goes wrong", () => {
         assert.deepEqual(versions.map(([, version]) => version), ["-", "-", "-", "-", "-"]);
     });
 
-    test("a partition without a home board shows no version, and is traced", async () => {
+    test("a partition without a home board shows no version and is traced", async () => {
         const page = await upload();
         assert.match(page.text, /class="version"[^>]*>10\.20\.30</);
         assert.match(await board.trace(), /Home SB absent:PID5\n/);
@@ -139,12 +139,12 @@ describe("a back-end that goes wrong", () => {
         assert.ok(await isStaged());
     });
 
-    test("a slow back-end is waited for", async () => {
+    test("the program waits for a slow back-end", async () => {
         await board.control("slow", 1500);
         assert.equal((await client.get(`${SCREEN}?functionID=105`)).status, 200);
     });
 
-    test("a silent back-end is given up in time", async () => {
+    test("a silent back-end causes a timeout", async () => {
         await board.control("silent");
         assertErrorPage(
             await client.get(`${SCREEN}?functionID=105`),
@@ -153,7 +153,7 @@ describe("a back-end that goes wrong", () => {
         );
     });
 
-    test("a reply torn at any byte is an error page", async () => {
+    test("a reply torn at any byte gives an error page", async () => {
         for (let bytes = 1; bytes <= 40; ++bytes) {
             await board.control("torn", bytes);
             assertErrorPage(
@@ -164,7 +164,7 @@ describe("a back-end that goes wrong", () => {
         }
     });
 
-    test("a restore whose reply is torn happened all the same, and is not called done", async () => {
+    test("a restore with a torn reply takes effect and is reported as unknown", async () => {
         await upload();
         await board.control("torn", 3);
         const page = await restore();
@@ -172,7 +172,7 @@ describe("a back-end that goes wrong", () => {
         assert.equal(await payloadOf(3), "Boot=1\n");
     });
 
-    test("a back-end that dies and comes back has lost nothing", async () => {
+    test("a restarted back-end has lost nothing", async () => {
         await upload();
         assert.match((await restore()).text, /was restored/);
         await board.control("die", "--back-in", "300");
@@ -187,7 +187,7 @@ describe("a back-end that goes wrong", () => {
         assert.ok(await isStaged());
     });
 
-    test("a partition that is switched on takes no restore until it is off again", async () => {
+    test("a running partition refuses a restore until it is off", async () => {
         await upload();
         await board.control("partition", 3, "on");
         assert.match((await restore()).text, /\[73-1549\]/);
@@ -195,7 +195,7 @@ describe("a back-end that goes wrong", () => {
         assert.match((await restore()).text, /was restored/);
     });
 
-    test("boardctl tells what it can do, and refuses what makes no sense", async () => {
+    test("boardctl explains itself and refuses invalid orders", async () => {
         assert.match(await board.control("--help"), /refuse[\s\S]*partition[\s\S]*Exit status/);
         await board.control("slow", 5, "--times", 2);
         assert.match(await board.control("status"), /wait 5 ms, 2 times/);

@@ -1,5 +1,5 @@
-// Which board it is, who is logged in and for how long; what was done, and the state of the
-// partitions. In every browser.
+// Tests of the header (board, user, remaining time), the activity page and the menu's partition
+// table, in every browser.
 
 import assert from "node:assert/strict";
 import { readFile, readdir, stat, utimes, writeFile } from "node:fs/promises";
@@ -36,7 +36,7 @@ const FILE = makeConfigurationFile({
 const demo = await readFile(new URL("../../board/demo/demo.toml", import.meta.url), "utf8");
 const DESCRIPTION = demo.replace('"Demo board"', `'${NAME}'`);
 
-// Stops the clock of the page's documents, at `time` or when they are opened.
+// Stops the clock of the page's documents, at `time` or when each document opens.
 function stopClock(page, time) {
     return page.evaluateOnNewDocument((at) => {
         window.clock = at ?? Date.now();
@@ -44,7 +44,7 @@ function stopClock(page, time) {
     }, time);
 }
 
-// Has the stopped clock go on until the page counts so many seconds of its session.
+// Advances the stopped clock until the page's session has `seconds` left.
 async function skipTo(page, seconds) {
     await page.evaluate((rest) => {
         const { left } = document.getElementById("session").dataset;
@@ -89,7 +89,7 @@ for (const kind of BROWSERS) {
                 assert.equal(await textOf(page, "header .board-name"), NAME, target);
             };
             await shown("/login.cgi");
-            await shown(BACKUP_PAGE);  // the error page of somebody who is not logged in
+            await shown(BACKUP_PAGE);  // the error page, because nobody is logged in
             await logIn(page, board);
             for (const target of ["/", "/activity.cgi", BACKUP_PAGE, RESTORE_PAGE, `${BACKUP_PAGE}9`]) {
                 await shown(target);
@@ -98,8 +98,8 @@ for (const kind of BROWSERS) {
             }
         });
 
-        // Only Chromium lets a test see a page as it is printed.
-        test("a printed page names board and user, and has no controls", { skip: kind !== "chromium" }, async () => {
+        // Only Chromium can emulate printing.
+        test("a printed page names board and user and has no controls", { skip: kind !== "chromium" }, async () => {
             await logIn(page, board);
             await page.goto(board.url(BACKUP_PAGE));
             await page.emulateMediaType("print");
@@ -111,11 +111,11 @@ for (const kind of BROWSERS) {
             for (const selector of ["header nav", "header button", "#session", "#backup"]) {
                 assert.equal(await isShown(selector), false, selector);
             }
-            // Browsers leave the grounds out.
+            // Browsers do not print backgrounds, so the text must be dark.
             assert.equal(await page.$eval("header", (header) => getComputedStyle(header).color), "rgb(0, 0, 0)");
         });
 
-        test("one logs out on a screen of the program", async () => {
+        test("the button on a screen of the program logs out", async () => {
             await logIn(page, board);
             await page.goto(board.url(RESTORE_PAGE));
             const file = await sessionFile();
@@ -125,7 +125,7 @@ for (const kind of BROWSERS) {
             assert.equal(await page.$("#session"), null);
         });
 
-        test("a minute before the end the page says so, and one can stay on it", async () => {
+        test("the page offers to stay one minute before the session ends", async () => {
             await logIn(page, board);
             await page.goto(board.url(RESTORE_PAGE));
             const file = await sessionFile();
@@ -164,7 +164,7 @@ for (const kind of BROWSERS) {
             assert.equal(await page.$("#session_notice button"), null);
         });
 
-        test("an ended session is reported, and a login leads back", async () => {
+        test("an ended session is reported and a login leads back", async () => {
             await logIn(page, board);
             await page.goto(board.url(RESTORE_PAGE));
             await page.deleteCookie(...(await page.cookies()));
@@ -177,7 +177,7 @@ for (const kind of BROWSERS) {
             assert.equal(page.url(), board.url(RESTORE_PAGE));
         });
 
-        test("staying without a session is reported as failed", async () => {
+        test("a failed attempt to stay is reported", async () => {
             await logIn(page, board);
             await skipTo(page, 30);
             await noticeShows(/ends in one minute/);
@@ -186,7 +186,7 @@ for (const kind of BROWSERS) {
             await noticeShows(/did not confirm/);
         });
 
-        test("the other pages of the browser learn of a use", async () => {
+        test("a use extends the session on the browser's other pages", async () => {
             await logIn(page, board);
             await skipTo(page, 150);
             await eventually(async () =>
@@ -210,7 +210,7 @@ for (const kind of BROWSERS) {
             }
         });
 
-        test("activity and menu tell what was done, also without scripts", async () => {
+        test("activity and menu show what was done", async () => {
             await (await Client.loggedIn(board)).backUp(5);
             await logIn(page, board);
             await upload(page, board, "a.dat", FILE);
@@ -243,7 +243,7 @@ for (const kind of BROWSERS) {
     });
 }
 
-describe("the pages of a board, for everybody", () => {
+describe("the pages of a board in both languages", () => {
     let board;
 
     before(async () => {

@@ -1,4 +1,4 @@
-// Text from a file, a partition's name or a version is text on every page, whatever is in it.
+// Tests that text from a file, a partition's name or a version is never markup on a page.
 
 import assert from "node:assert/strict";
 import { after, before, describe, test } from "node:test";
@@ -31,12 +31,12 @@ const HOSTILE = [
     "é ü 日本語 𝄞",
 ];
 
-// A board description takes no control characters.
+// Returns `text` as a board description can contain it: without control characters.
 function onBoard(text) {
     return text.replaceAll(/[\x00-\x1f]/g, " ");
 }
 
-// A board each of whose partitions has a hostile name and runs a hostile version.
+// Returns the description of a board with hostile partition names and versions.
 function describeBoard() {
     const quote = (text) => JSON.stringify(text).replaceAll("\u007f", "");
     const parts = HOSTILE.map(
@@ -57,8 +57,8 @@ function makeFile(text) {
     });
 }
 
-// What a page shows of a text: something visible in place of what ends its line, turns it or shows
-// nothing.
+// Returns `text` as a page shows it: with visible replacements for line ends, direction marks and
+// invisible characters.
 function asShown(text) {
     return text
         .replaceAll(/[\x00-\x08\x0a-\x1f]/g, (control) =>
@@ -92,7 +92,7 @@ describe("hostile text", () => {
         );
     }
 
-    test("in partition names stays text on the backup page", async () => {
+    test("in partition names remains text on the backup page", async () => {
         await page.goto(board.url(BACKUP_PAGE));
         assert.deepEqual(await cells(2), HOSTILE.map(onBoard).map(asShown));
         assert.deepEqual(page.alerts, []);
@@ -116,7 +116,7 @@ describe("hostile text", () => {
             assert.deepEqual(page.alerts, []);
         });
 
-        test(`in a file stays text on the selection page: ${JSON.stringify(text)}`, async () => {
+        test(`in a file remains text on the selection page: ${JSON.stringify(text)}`, async () => {
             page.alerts.length = 0;
             await upload(page, board, "a.dat", makeFile(text));
             const facts = await page.$$eval("dl.facts dd", (all) =>
@@ -136,7 +136,7 @@ describe("hostile text", () => {
         });
     }
 
-    // What would look like lines of the question's own, for somebody who reads a dialog.
+    // Texts that could look like the dialog's own lines.
     for (const [what, text] of [
         ["tabs and blanks", `A${"\t".repeat(40)}${" ".repeat(80)}B`],
         ["blanks of other widths", `A${"\u00a0\u2003\u3000".repeat(30)}B`],
@@ -145,7 +145,7 @@ describe("hostile text", () => {
         ["invisible characters", "A\u200b\u2060\ufeff\u{e0041}\u00adB"],
         ["length", `A${"x".repeat(250)}B`],
     ]) {
-        test(`in a file writes nothing into the question by ${what}`, async () => {
+        test(`in a file adds nothing to the question by ${what}`, async () => {
             const ask = async (bytes) => {
                 page.alerts.length = 0;
                 await upload(page, board, "a.dat", bytes);
@@ -166,7 +166,7 @@ describe("hostile text", () => {
             assert.ok(lines.some((line) => /: A/.test(line)), lines.join("|"));
         });
 
-        test(`in a file writes nothing into the result by ${what}`, async () => {
+        test(`in a file adds nothing to the result by ${what}`, async () => {
             await upload(page, board, "a.dat", makeFile(text));
             await page.click("#pid0");
             await Promise.all([page.waitForNavigation(), page.click("#restore")]);
@@ -188,7 +188,7 @@ describe("hostile text", () => {
         }
     });
 
-    test("that is no UTF-8 does no harm", async () => {
+    test("with malformed UTF-8 does no harm", async () => {
         page.alerts.length = 0;
         const bytes = makeFile("x".repeat(4));
         const broken = makeConfigurationFile({
@@ -204,7 +204,7 @@ describe("hostile text", () => {
         assert.deepEqual(page.alerts, []);
     });
 
-    test("that reached a page as markup would not run", async () => {
+    test("inserted as markup does not run", async () => {
         const pages = { [BACKUP_PAGE]: "#backup", [RESTORE_PAGE]: "#upload" };
         for (const [address, button] of Object.entries(pages)) {
             await page.goto(board.url(address));

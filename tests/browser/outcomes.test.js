@@ -1,5 +1,5 @@
-// What became of a request is shown in words, by an icon and by its colour, and in attributes that do
-// not depend on the language.
+// Tests that a page shows the outcome of a request in words, by icon and colour, and in attributes
+// that do not depend on the language.
 
 import assert from "node:assert/strict";
 import { after, before, beforeEach, describe, test } from "node:test";
@@ -19,8 +19,8 @@ const FILE = makeConfigurationFile({
     payload: Buffer.from("x"),
 });
 
-// Each outcome of a restore: how the back-end is told to bring it about, and what the page shows: the
-// caption that is its word, and in English a text.
+// Each outcome of a restore: the boardctl order that causes it, and what the page shows: `word` is a
+// caption, `text` is the English text.
 const OUTCOMES = [
     { order: ["reset"], outcome: "done", style: "success", message: "70", code: "0",
         word: 9012, text: /was restored\./ },
@@ -101,7 +101,7 @@ for (const kind of BROWSERS) {
                     const seen = await noticeOf(page);
                     assertOutcome(seen, expected, language);
                     looks.set(seen.outcome, [seen.ground, seen.icon, seen.word]);
-                    // The short list of what was asked for, in the words of the selection page.
+                    // The requested restore, in the words of the selection page.
                     const list = await page.$$eval(".plan dd", (all) =>
                         all.map((each) => each.textContent));
                     assert.deepEqual(list.slice(0, 3), ["a.dat", "3", "R&D"]);
@@ -113,7 +113,7 @@ for (const kind of BROWSERS) {
                 }
             });
 
-            test("of a page that needs the back-end name its trouble in the reader's language", async () => {
+            test("of a failed back-end are named in the reader's language", async () => {
                 await board.control("refuse", "0x0201002F", 1609);
                 await page.goto(board.url(BACKUP_PAGE));
                 const seen = await noticeOf(page);
@@ -139,7 +139,7 @@ for (const kind of BROWSERS) {
             await board?.remove();
         });
 
-        test("of a restore are shown all the same", async () => {
+        test("of a restore are shown", async () => {
             const page = await browser.newPage();
             await logIn(page, board);
             for (const expected of OUTCOMES) {
@@ -148,7 +148,7 @@ for (const kind of BROWSERS) {
                 await board.control(...expected.order);
                 await restoreWithoutScript(page, 3);
                 assertOutcome(await noticeOf(page), expected, "en");
-                assert.equal(await page.$(".plan"), null);  // a script makes it
+                assert.equal(await page.$(".plan"), null);  // made by a script
             }
         });
     });

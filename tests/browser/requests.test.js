@@ -1,4 +1,4 @@
-// Requests that no page of the board sends: each gets an answer that says what is wrong.
+// Tests of requests that no page of the board sends: each answer says what is wrong.
 
 import assert from "node:assert/strict";
 import { unlink, writeFile } from "node:fs/promises";
@@ -12,9 +12,9 @@ import { MULTIPART, uploadBody } from "./support/multipart.js";
 const SCREEN = "/maintenance/efi_backup_restore.cgi";
 
 const WAYS = {
-    "behind the web server": WebClient,
-    "by hand, through a pipe": DirectClient.from("pipe"),
-    "by hand, from a file": DirectClient.from("file"),
+    "through the web server": WebClient,
+    "directly, through a pipe": DirectClient.from("pipe"),
+    "directly, from a file": DirectClient.from("file"),
 };
 
 for (const [way, Client] of Object.entries(WAYS)) {
@@ -118,16 +118,16 @@ for (const [way, Client] of Object.entries(WAYS)) {
             });
         });
 
-        describe("a session that is none", () => {
+        describe("an invalid session", () => {
             const token = "0123456789abcdef0123456789abcdef";
             for (const [what, cookie] of [
                 ["no cookie", ""],
-                ["a forged one", `session=0123456789abcdef-${token}`],
-                ["a path", `session=../../../../etc/passwd-${token}`],
-                ["an empty one", "session="],
-                ["a long one", `session=${"a".repeat(4000)}`],
+                ["a forged cookie", `session=0123456789abcdef-${token}`],
+                ["a path as cookie", `session=../../../../etc/passwd-${token}`],
+                ["an empty cookie", "session="],
+                ["a long cookie", `session=${"a".repeat(4000)}`],
             ]) {
-                test(`${what} is asked to log in`, async () => {
+                test(`${what} leads to a request to log in`, async () => {
                     const stranger = new Client(board);
                     stranger.cookie = cookie;
                     for (const target of [
@@ -139,7 +139,7 @@ for (const [way, Client] of Object.entries(WAYS)) {
                 });
             }
 
-            test("the identifier without its secret is asked to log in", async () => {
+            test("an identifier without its secret leads to a request to log in", async () => {
                 const [identifier] = client.cookie.slice("session=".length).split("-");
                 for (const value of [identifier, `${identifier}-`, `${identifier}-${token}`]) {
                     const stranger = new Client(board);
@@ -148,7 +148,7 @@ for (const [way, Client] of Object.entries(WAYS)) {
                 }
             });
 
-            test("an expired one is asked to log in, and its files are gone", async () => {
+            test("an expired session leads to a request to log in and loses its files", async () => {
                 const own = await Board.start();
                 try {
                     const idle = await Client.loggedIn(own);
@@ -165,7 +165,7 @@ for (const [way, Client] of Object.entries(WAYS)) {
         });
 
         describe("a posted backup", () => {
-            test("without a chosen partition shows only the reason", async () => {
+            test("without a partition shows only the reason", async () => {
                 const answer = await client.post(SCREEN, {
                     functionID: "105",
                     hidden_status: "BACKUP",
@@ -175,7 +175,7 @@ for (const [way, Client] of Object.entries(WAYS)) {
                 assert.match(await board.trace(), /getFormData KEY_RADIO_BUTTON error!!/);
             });
 
-            test("in lower case shows the list and backs nothing up", async () => {
+            test("with a step in lower case shows the list and backs up nothing", async () => {
                 const other = await Client.loggedIn(board);
                 const page = await other.backUp(3, { hidden_status: "backup" });
                 assert.equal(page.status, 200);
@@ -183,7 +183,7 @@ for (const [way, Client] of Object.entries(WAYS)) {
                 assert.doesNotMatch(page.text, /id="download_link"/);
             });
 
-            test("of a text takes partition 0", async () => {
+            test("with a text as partition number backs up partition 0", async () => {
                 const page = await client.backUp("abc");
                 assert.match(downloadLink(page), /filename=Partition0_\d{8}_/);
             });
@@ -215,7 +215,7 @@ for (const [way, Client] of Object.entries(WAYS)) {
         });
 
         describe("a download", () => {
-            test("is the backup of its own session, byte for byte", async () => {
+            test("delivers the backup of its own session byte for byte", async () => {
                 const [one, other] = [await Client.loggedIn(board), await Client.loggedIn(board)];
                 const oneLink = downloadLink(await one.backUp(0));
                 const otherLink = downloadLink(await other.backUp(5));
@@ -243,7 +243,7 @@ for (const [way, Client] of Object.entries(WAYS)) {
                 "functionID=5&filename=efi_backup",
                 "functionID=5&filename=passwd",
             ]) {
-                test(`of something else is refused: ${query || "no query"}`, async () => {
+                test(`with a wrong query is refused: ${query || "no query"}`, async () => {
                     await client.backUp(3);
                     const answer = await client.get(`/common/download.cgi?${query}`);
                     assert.ok([400, 404].includes(answer.status));
@@ -252,7 +252,7 @@ for (const [way, Client] of Object.entries(WAYS)) {
                 });
             }
 
-            test("whose file is gone, empty or damaged is an error page", async () => {
+            test("of a missing, empty or damaged file gives an error page", async () => {
                 const own = await Client.loggedIn(board);
                 const link = downloadLink(await own.backUp(3));
                 const identifier = own.cookie.slice("session=".length).split("-")[0];
@@ -274,7 +274,7 @@ for (const [way, Client] of Object.entries(WAYS)) {
             });
         }
 
-        test("HEAD answers with the header alone", async () => {
+        test("HEAD answers with the header only", async () => {
             const answer = await client.request(`${SCREEN}?functionID=105`, { method: "HEAD" });
             assert.equal(answer.status, 200);
             assert.equal(answer.bytes.length, 0);
@@ -301,13 +301,13 @@ describe("the board", () => {
         "/maintenance/",
         "/common/",
     ]) {
-        test(`nothing beside the served files can be had: ${target}`, async () => {
+        test(`only served files are delivered: ${target}`, async () => {
             const answer = await client.get(target);
             assert.ok([403, 404].includes(answer.status), String(answer.status));
         });
     }
 
-    test("a back-end that is gone is said so at login and on the page", async () => {
+    test("an absent back-end is reported at login and on the page", async () => {
         const own = await Board.start();
         try {
             const user = await WebClient.loggedIn(own);
@@ -327,7 +327,7 @@ describe("the board", () => {
         }
     });
 
-    test("a board keeps its sessions and its partitions over a restart", async () => {
+    test("a board keeps sessions and partitions over a restart", async () => {
         const own = await Board.start();
         try {
             const user = await WebClient.loggedIn(own);

@@ -1,4 +1,4 @@
-// An operator restores configurations in real browsers.
+// Tests of restores in real browsers.
 
 import assert from "node:assert/strict";
 import { createHash } from "node:crypto";
@@ -21,7 +21,7 @@ import { chooseFile, restoreTo, upload } from "./support/restorePage.js";
 
 const SAVED = Date.UTC(2026, 2, 7, 12) / 1000;
 
-// Of a board description; the second partition is installed later.
+// Parts of a board description; the second partition is installed later.
 const [PARTITION_0, PARTITION_1] = [0, 1].map(
     (number) =>
         `[[partition]]\nnumber = ${number}\nname = "P${number}"\nnode_ids = [${number}]\n` +
@@ -50,11 +50,11 @@ for (const kind of BROWSERS) {
         beforeEach(async () => {
             page = await browser.newPage();
             await logIn(page, board);
-            // Anew for each test: a user's oldest session ends when there are too many.
+            // New for each test, because a user's oldest session ends when there are too many.
             observer = await Client.loggedIn(board);
         });
 
-        // What the board holds for a partition now.
+        // Returns the board's current configuration of a partition.
         async function payloadOf(partition) {
             const file = await observer.get(downloadLink(await observer.backUp(partition)));
             return parseConfigurationFile(file.bytes).payload;
@@ -77,7 +77,7 @@ for (const kind of BROWSERS) {
             });
         }
 
-        test("a file goes onto the two partitions that were ticked, and onto no other", async () => {
+        test("a file is restored only to the two selected partitions", async () => {
             const before = await payloadOf(0);
             await upload(page, board, "Partition3.dat", makeFile("Boot=1\n", { version: "-" }));
             assert.deepEqual(
@@ -116,7 +116,7 @@ for (const kind of BROWSERS) {
             assert.equal((await page.$$("#restore")).length, 1);
         });
 
-        test("the question of select-all counts every installed partition, and later ones", async () => {
+        test("the question of select-all counts installed and later partitions", async () => {
             await upload(page, board, "a.dat", makeFile("x"));
             page.accept = false;
             await page.click("#check_box");
@@ -126,7 +126,7 @@ for (const kind of BROWSERS) {
             for (const [number, { name }] of demoPartitions()) {
                 assert.ok(question.includes(`${number}: ${name}`), question);
             }
-            // Every row ticked by hand posts these rows and no others.
+            // Rows selected one by one post these rows only.
             await page.click("#pid0");
             await page.click("#pid0");
             await page.click("#restore");
@@ -134,7 +134,7 @@ for (const kind of BROWSERS) {
                 /All installed/);
         });
 
-        test("select-all reaches a partition installed after the page was made, as the result says", async () => {
+        test("select-all includes a partition installed after the page was made", async () => {
             const own = await Board.start(`max_partitions = 4\n${PARTITION_0}${demoUsers()}`);
             try {
                 const visitor = await browser.newPage();
@@ -160,7 +160,7 @@ for (const kind of BROWSERS) {
         test("the upload form posts its step once", async () => {
             await page.goto(board.url(RESTORE_PAGE));
             await chooseFile(page, "a.dat", makeFile("x"));
-            // The form is kept from leaving, so that what it posts can be looked at.
+            // The form is not sent; its data is read instead.
             const steps = await page.$eval("#upload", (button) => {
                 let posted;
                 button.form.addEventListener("submit", (event) => {
@@ -173,7 +173,7 @@ for (const kind of BROWSERS) {
             assert.deepEqual(steps, ["1"]);
         });
 
-        test("nothing is ticked at the start, and nothing ticked is said so", async () => {
+        test("nothing is selected at first and an empty selection is refused", async () => {
             await upload(page, board, "a.dat", makeFile("x"));
             assert.equal((await page.$$("input:checked")).length, 0);
             const posts = countPosts(page);
@@ -183,7 +183,7 @@ for (const kind of BROWSERS) {
             assert.equal((await page.$$("#restore")).length, 1);
         });
 
-        test("select-all follows the rows, and the rows follow it", async () => {
+        test("select-all and the rows follow each other", async () => {
             await upload(page, board, "a.dat", makeFile("x"));
             const state = () =>
                 page.evaluate(() => ({
@@ -203,7 +203,7 @@ for (const kind of BROWSERS) {
             assert.deepEqual(await state(), { all: false, mixed: false, rows: 0 });
         });
 
-        test("rows say where the file came from and which versions differ", async () => {
+        test("rows mark the file's partition and differing versions", async () => {
             await upload(page, board, "a.dat", makeFile("x"));
             const remarks = await page.$$eval("tbody tr", (rows) =>
                 rows.map((row) => [row.cells[1].textContent, row.cells[4].textContent]),
@@ -216,7 +216,7 @@ for (const kind of BROWSERS) {
             }
         });
 
-        test("a file of an unknown version differs from none", async () => {
+        test("a file with an unknown version is not marked as differing", async () => {
             await upload(page, board, "a.dat", makeFile("x", { version: "-" }));
             const remarks = await page.$$eval("tbody tr", (rows) =>
                 rows.map((row) => row.cells[4].textContent));
@@ -224,9 +224,9 @@ for (const kind of BROWSERS) {
             assert.ok(!remarks.some((text) => /differs/.test(text)), remarks.join("|"));
         });
 
-        test("the button of a discard says that it is under way, and is sent once", async () => {
+        test("the button of a discard shows progress and is sent once", async () => {
             await upload(page, board, "a.dat", makeFile("x"));
-            // The form is kept from leaving, so that the page stays to be looked at.
+            // The form is not sent, so that the page remains.
             const seen = await page.evaluate(() => {
                 let sent = 0;
                 addEventListener("submit", (event) => {
@@ -260,7 +260,7 @@ for (const kind of BROWSERS) {
             assert.equal((await payloadOf(3)).toString(), "second");
         });
 
-        test("a window says at once that another one has uploaded another file", async () => {
+        test("a window is marked outdated after an upload in another window", async () => {
             const before = await payloadOf(3);
             await upload(page, board, "a.dat", makeFile("a"));
             await page.click("#pid3");
@@ -280,7 +280,7 @@ for (const kind of BROWSERS) {
             assert.equal((await payloadOf(3)).toString(), "b");
         });
 
-        test("a window says at once that another one has discarded its file", async () => {
+        test("a window is marked outdated after a discard in another window", async () => {
             await upload(page, board, "a.dat", makeFile("a"));
             const other = await browser.newWindow(page.browserContext());
             await upload(other, board, "a.dat", makeFile("a"));
@@ -289,7 +289,7 @@ for (const kind of BROWSERS) {
                 assert.match(await textOf(page, "#outdated"), /out of date/));
         });
 
-        test("what was backed up comes back the same elsewhere", async () => {
+        test("a backup is restored unchanged to another partition", async () => {
             const original = await observer.get(downloadLink(await observer.backUp(2)));
             await upload(page, board, "x.dat", original.bytes);
             await restoreTo(page, [3]);
@@ -305,7 +305,7 @@ for (const kind of BROWSERS) {
             ["a large file", "a.dat", Buffer.alloc(393217), /at most 393216.*\[63-1028\]/],
             ["a wrong name", "a.DAT", Buffer.from("x"), /must end in \.dat.*\[63-1026\]/],
         ]) {
-            test(`${what} is refused before it is sent, and by the board in the same words`, async () => {
+            test(`${what} is refused by the page and by the board in the same words`, async () => {
                 await page.goto(board.url(RESTORE_PAGE));
                 const posts = countPosts(page);
                 await chooseFile(page, name, bytes);
@@ -324,7 +324,7 @@ for (const kind of BROWSERS) {
             });
         }
 
-        test("no file chosen is said so", async () => {
+        test("a missing file is refused", async () => {
             await page.goto(board.url(RESTORE_PAGE));
             const posts = countPosts(page);
             await page.click("#upload");
@@ -332,7 +332,7 @@ for (const kind of BROWSERS) {
             await posts.assertNone();
         });
 
-        test("something that is no configuration file is refused and not kept", async () => {
+        test("a file that is not a configuration file is refused and not kept", async () => {
             const before = (await stagedFiles()).length;
             await upload(page, board, "a.dat", Buffer.from("no configuration"));
             await page.waitForAlert(/not a usable BIOS configuration file.*\[64-1026\]/);
@@ -340,7 +340,7 @@ for (const kind of BROWSERS) {
             assert.equal((await page.$$("#upload")).length, 1);
         });
 
-        test("a refused restore changes nothing and says why", async () => {
+        test("a refused restore changes nothing and shows the reason", async () => {
             const running = [...demoPartitions()].find(([, each]) => each.running)[0];
             const before = [await payloadOf(running), await payloadOf(3)];
             await upload(page, board, "a.dat", makeFile("never", { version: "-" }));
@@ -354,7 +354,7 @@ for (const kind of BROWSERS) {
             assert.deepEqual(await payloadOf(3), before[1]);
         });
 
-        test("Refresh after a restore restores nothing", async () => {
+        test("Reload after a restore restores nothing", async () => {
             await upload(page, board, "a.dat", makeFile("once"));
             await restoreTo(page, [3]);
             await page.waitForAlert(/was restored/);
@@ -386,7 +386,7 @@ for (const kind of BROWSERS) {
     });
 }
 
-describe("restore without a mouse, and without scripts", () => {
+describe("restore by keyboard, by double press and in Japanese", () => {
     let board;
     let browser;
     let page;
@@ -407,14 +407,14 @@ describe("restore without a mouse, and without scripts", () => {
     const facts = { saveTime: SAVED, partition: 3, version: "1.23 B", name: "R&D" };
     const file = makeConfigurationFile({ ...facts, payload: Buffer.from("x") });
 
-    test("the keyboard alone does it all", async () => {
+    test("works with the keyboard alone", async () => {
         await page.goto(board.url(RESTORE_PAGE));
         await chooseFile(page, "a.dat", file);
         await page.focus("#filename");
         await page.keyboard.press("Tab");
         await Promise.all([page.waitForNavigation(), page.keyboard.press("Enter")]);
         await page.focus("#check_box");
-        // To the row of partition 3, past 0 and 2.
+        // Moves past partitions 0 and 2 to partition 3.
         for (let i = 0; i < 3; ++i) {
             await page.keyboard.press("Tab");
         }
@@ -442,7 +442,7 @@ describe("restore without a mouse, and without scripts", () => {
         assert.match(await textOf(page, ".plan"), /3: R&D/);
     });
 
-    test("the language can be chosen on the menu, and every page speaks it", async () => {
+    test("every page uses the language chosen on the menu", async () => {
         await page.goto(board.url("/"));
         await Promise.all([page.waitForNavigation(), page.click("button[value=ja]")]);
         await upload(page, board, "a.dat", file);

@@ -1,4 +1,4 @@
-// What keeps strangers out, as they would try it.
+// Tests of the defences against outsiders.
 
 import assert from "node:assert/strict";
 import { once } from "node:events";
@@ -29,8 +29,8 @@ describe("security", () => {
         ["the login page", () => client.get("/login.cgi"), 200],
         ["a refused login", () => client.post("/login.cgi", { user: "x", password: "y" }), 403],
         ["the menu", () => client.get("/"), 200],
-        ["the way to the login page", () => new Client(board).get("/"), 303],
-        ["a download that is none", () => client.get("/common/download.cgi"), 400],
+        ["the redirection to the login page", () => new Client(board).get("/"), 303],
+        ["a download without a name", () => client.get("/common/download.cgi"), 400],
         ["another method", () => client.request("/login.cgi", { method: "DELETE" }), 405],
         ["another site's post", () => client.post("/logout.cgi", {}, { origin: "http://x" }), 403],
         ["the style sheet", () => client.get("/default.css"), 200],
@@ -40,7 +40,7 @@ describe("security", () => {
         ["a refused file", () => client.get("/x.conf"), 403],
         ["a post to a file", () => client.post("/default.css", {}), 403],
     ]) {
-        test(`${what} keeps itself to itself`, async () => {
+        test(`${what} has the security headers`, async () => {
             const answer = await ask();
             assert.equal(answer.status, status);
             const header = (name) => answer.headers.get(name) ?? "";
@@ -56,7 +56,7 @@ describe("security", () => {
         });
     }
 
-    test("guessing passwords is slowed down, and only for who guesses", async () => {
+    test("guessing passwords slows down only the guesser", async () => {
         const own = await Board.start();
         try {
             const logIn = async (user, password, cookie = "") => {
@@ -69,7 +69,7 @@ describe("security", () => {
             assert.match(device, /^device=[0-9a-f]{32}; .*HttpOnly; SameSite=Strict$/);
             const start = Date.now();
             const guesses = Array.from({ length: 40 }, (_, i) => logIn("admin", `wrong${i}`));
-            // A browser that has logged in before, and another account.
+            // A browser that has logged in before, then another account.
             const known = await logIn("admin", "admin", device.split(";")[0]);
             assert.equal(known.status, 303);
             assert.ok(!known.headers.get("set-cookie").includes("device="));
@@ -86,14 +86,14 @@ describe("security", () => {
         }
     });
 
-    test("a login is only taken from the body of a request", async () => {
+    test("a login is accepted only in the body of a request", async () => {
         const user = new Client(board);
         const answer = await user.post("/login.cgi?user=admin&password=admin", {});
         assertErrorPage(answer, 400, /malformed/);
         assert.equal(answer.headers.get("set-cookie"), null);
     });
 
-    test("a login is never taken from outside, and ends with the logout", async () => {
+    test("a login gets a new session, which ends with the logout", async () => {
         const user = new Client(board);
         user.cookie = `session=${"0".repeat(16)}-${"0".repeat(32)}`;
         const answer = await user.post("/login.cgi", { user: "admin", password: "admin" });
@@ -108,7 +108,7 @@ describe("security", () => {
         assertErrorPage(await user.get(`${SCREEN}?functionID=105`), 403, /[Ll]og in/);
     });
 
-    test("logs hold no secret and no line that somebody forged", async () => {
+    test("logs contain no secret and no forged line", async () => {
         const token = client.cookie.slice("session=".length).split("-")[1];
         const forged = "\nforged line";
         await client.get(`${SCREEN}?functionID=105${encodeURIComponent(forged)}`);
@@ -124,7 +124,7 @@ describe("security", () => {
         }
     });
 
-    test("a program that cannot be started is an error page, and nothing of it is shown", async () => {
+    test("an unusable program gives an error page without its content", async () => {
         const own = await Board.start();
         try {
             await chmod(own.path("usr/local/www/htdocs/login.cgi"), 0o600);
@@ -138,13 +138,13 @@ describe("security", () => {
     });
 
     for (const [what, request] of [
-        ["no HTTP", "nonsense\r\n\r\n"],
+        ["a request that is not HTTP", "nonsense\r\n\r\n"],
         ["a header without a colon", "GET / HTTP/1.1\r\nHost: localhost\r\nnonsense\r\n\r\n"],
         ["two lengths", "POST / HTTP/1.1\r\nHost: localhost\r\nContent-Length: 1\r\nContent-Length: 2\r\n\r\n"],
         ["a path above the root", "GET /../../etc/passwd HTTP/1.1\r\nHost: localhost\r\n\r\n"],
         ["an encoded path", "GET /%2e%2e/%2e%2e/etc/passwd HTTP/1.1\r\nHost: localhost\r\n\r\n"],
         ["a NUL in the path", "GET /default.css%00.html HTTP/1.1\r\nHost: localhost\r\n\r\n"],
-        ["a path behind a program", "GET /login.cgi/../default.css HTTP/1.1\r\nHost: localhost\r\n\r\n"],
+        ["a path after a program", "GET /login.cgi/../default.css HTTP/1.1\r\nHost: localhost\r\n\r\n"],
     ]) {
         test(`${what} is refused by the web server`, async () => {
             const socket = net.connect(new URL(board.origin).port, "127.0.0.1");

@@ -1,4 +1,4 @@
-// A board on which something is missing or in the way says so.
+// Tests of a board with missing partitions or misplaced files.
 
 import assert from "node:assert/strict";
 import { mkdir } from "node:fs/promises";
@@ -19,7 +19,7 @@ const FILE = makeConfigurationFile({
     payload: Buffer.from("x"),
 });
 
-// Runs `use` with a board and somebody who is logged in.
+// Runs `use` with a board and a logged-in client.
 async function withBoard(description, use) {
     const board = await Board.start(description);
     try {
@@ -37,7 +37,7 @@ function upload(client) {
     });
 }
 
-test("without an installed partition there is nothing to back up or to restore", () =>
+test("backup and restore are refused without an installed partition", () =>
     withBoard(`max_partitions = 4\n${demoUsers()}`, async (board, client) => {
         const words = /No partition is installed.*\[46-1026\]/;
         assertErrorPage(await client.get(`${SCREEN}?functionID=105`), 400, words);
@@ -52,7 +52,7 @@ test("an upload that cannot be locked is refused", () =>
         assert.match(await board.trace(), /AbstractBackupRestorePage::upload failed/);
     }));
 
-test("what lies in the place of a session's file refuses the request before its work", () =>
+test("a folder in place of a session's file stops the request", () =>
     withBoard(undefined, async (board, client) => {
         const identifier = client.cookie.slice("session=".length).split("-")[0];
         await mkdir(board.path("var/tmp", `restored_eficonf${identifier}`));

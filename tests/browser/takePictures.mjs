@@ -1,4 +1,4 @@
-// Takes pictures of every page from a board of its own. tools/draw runs it.
+// Takes pictures of every page of a board that it starts itself. tools/draw runs it.
 //
 // Usage: takePictures.mjs [--variants] FOLDER
 
@@ -34,7 +34,7 @@ async function select(page, board) {
     await page.click("#pid5");
 }
 
-// Each page, in an order in which the later ones have something to show.
+// Each page, in an order that gives the later ones content.
 const PAGES = {
     login: (page, board) => page.goto(board.url("/login.cgi")),
     upload: (page, board) => page.goto(board.url(RESTORE_PAGE)),

@@ -1,4 +1,4 @@
-// The board over https, as a browser sees it.
+// Tests of the board over https in a browser.
 
 import assert from "node:assert/strict";
 import { execFileSync } from "node:child_process";
@@ -29,7 +29,7 @@ describe("over TLS", () => {
         await board?.remove();
     });
 
-    // The one key that the browser takes without somebody who vouches for it.
+    // Returns the digest of the only public key that the browser accepts without an authority.
     function keyOf({ root }) {
         return execFileSync(
             "sh",
@@ -43,7 +43,7 @@ describe("over TLS", () => {
         ).trim();
     }
 
-    test("a configuration is backed up, and the restore page is shown", async () => {
+    test("a configuration is backed up and the restore page is shown", async () => {
         page = await browser.newPage();
         await logIn(page, board);
         assert.equal(new URL(page.url()).protocol, "https:");
@@ -55,7 +55,7 @@ describe("over TLS", () => {
         assert.match(await textOf(page, "h1"), /Restore/);
     });
 
-    test("a browser that trusts nobody's word does not show the board", async () => {
+    test("a browser without the board's key does not show the board", async () => {
         const other = await Browser.start();
         try {
             const refused = await other.newPage();
@@ -65,7 +65,7 @@ describe("over TLS", () => {
         }
     });
 
-    test("nothing on a page is fetched without TLS", async () => {
+    test("pages fetch nothing without TLS", async () => {
         page = await browser.newPage();
         const fetched = [];
         page.on("request", (request) => fetched.push(request.url()));
@@ -76,7 +76,7 @@ describe("over TLS", () => {
     });
 });
 
-describe("under a name of another's", () => {
+describe("under a foreign host name", () => {
     test("a page cannot speak to the board", async () => {
         const board = await Board.start(undefined, ["--host", "board.example"]);
         const browser = await Browser.start("en", "chromium", { words: [

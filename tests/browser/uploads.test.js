@@ -1,5 +1,5 @@
-// Uploads as no browser sends them: each gets an answer that says what is wrong, and an earlier
-// staged file stays or goes as it should.
+// Tests of uploads that no browser sends: each answer says what is wrong, and an earlier staged
+// file is kept or removed as it should be.
 
 import assert from "node:assert/strict";
 import { once } from "node:events";
@@ -17,9 +17,9 @@ const SCREEN = "/maintenance/efi_backup_restore.cgi";
 const LARGEST_FILE = 393216;
 
 const WAYS = {
-    "behind the web server": WebClient,
-    "by hand, through a pipe": DirectClient.from("pipe"),
-    "by hand, from a file": DirectClient.from("file"),
+    "through the web server": WebClient,
+    "directly, through a pipe": DirectClient.from("pipe"),
+    "directly, from a file": DirectClient.from("file"),
 };
 
 function makeFile(payload, more = {}) {
@@ -35,7 +35,7 @@ function makeFile(payload, more = {}) {
 
 for (const [way, Client] of Object.entries(WAYS)) {
     describe(`uploads ${way}`, () => {
-        // What takes a connection to the web server.
+        // For tests that need a connection to the web server.
         const connectionTest = Client === WebClient ? test : () => {};
         let board;
         let client;
@@ -63,8 +63,8 @@ for (const [way, Client] of Object.entries(WAYS)) {
             return readFile(staged).catch(() => null);
         }
 
-        // Nothing stays but whole files of sessions and the lock. The web server and the program
-        // remove what is theirs a little after the client has its answer.
+        // Expects only whole files of sessions and the lock. Waits for the web server and the program,
+        // which remove their temporary files shortly after the answer.
         async function assertNoLeftovers() {
             const expected = /^(restored_eficonf|efi_backup)([0-9a-f]{16}|\.lock)$/;
             await eventually(async () => {
@@ -73,7 +73,7 @@ for (const [way, Client] of Object.entries(WAYS)) {
             });
         }
 
-        test("a file of the largest size is staged, one byte more is not", async () => {
+        test("a file of the largest size is staged, a larger one is not", async () => {
             const room = LARGEST_FILE - makeFile("").length;
             const largest = makeFile(Buffer.alloc(room, 7));
             assert.equal(largest.length, LARGEST_FILE);
@@ -89,7 +89,7 @@ for (const [way, Client] of Object.entries(WAYS)) {
             await assertNoLeftovers();
         });
 
-        connectionTest("beyond the web server's limit stands a page that says so", async () => {
+        connectionTest("a request beyond the web server's limit gets an error page", async () => {
             const answer = await post(uploadBody(Buffer.alloc(20 * 1024 * 1024)));
             assertErrorPage(answer, 413, /The request is too large/);
             await assertNoLeftovers();
@@ -118,7 +118,7 @@ for (const [way, Client] of Object.entries(WAYS)) {
             });
         }
 
-        test("an empty file is refused even under the right name", async () => {
+        test("an empty file is refused", async () => {
             assert.match((await post(uploadBody(""))).text, /\[33-1028\]/);
             assert.match(await board.trace(), /Uploading BIOS Conf\.\(File Size=0\)/);
         });
@@ -134,7 +134,7 @@ for (const [way, Client] of Object.entries(WAYS)) {
             }
         });
 
-        test("a body cut anywhere is refused whole, and the staged file stays", async () => {
+        test("a truncated body is refused and the staged file is kept", async () => {
             const first = makeFile("first");
             assert.equal((await post(uploadBody(first))).status, 200);
             const body = uploadBody(makeFile("second"));
@@ -161,9 +161,9 @@ for (const [way, Client] of Object.entries(WAYS)) {
             ["an endless header", Buffer.concat([...good, part(`X: ${"x".repeat(5000)}`, "x"), END]), MULTIPART, 413],
             ["thousands of parts", Buffer.concat([...good, ...Array(3000).fill(field("a", "b")), END]), MULTIPART, 413],
             ["an endless value", Buffer.concat([field("a", "b".repeat(5000)), END]), MULTIPART, 413],
-            ["something behind a boundary", Buffer.from(`--${BOUNDARY}junk\r\n\r\n`)],
+            ["text after a boundary", Buffer.from(`--${BOUNDARY}junk\r\n\r\n`)],
         ]) {
-            test(`${what} is refused, and the staged file stays`, async () => {
+            test(`${what} is refused and the staged file is kept`, async () => {
                 const first = makeFile("first");
                 await post(uploadBody(first));
                 const answer = await post(body, { "content-type": type ?? MULTIPART });
@@ -173,7 +173,7 @@ for (const [way, Client] of Object.entries(WAYS)) {
             });
         }
 
-        connectionTest("the same upload in pieces of any size is the same upload", async () => {
+        connectionTest("an upload may arrive in pieces of any size", async () => {
             const bytes = makeFile("in pieces");
             const body = uploadBody(bytes);
             for (const size of [1, 2, 4, body.length]) {
@@ -196,7 +196,7 @@ for (const [way, Client] of Object.entries(WAYS)) {
             }
         });
 
-        connectionTest("an upload that breaks off leaves nothing", async () => {
+        connectionTest("an aborted upload leaves nothing", async () => {
             const body = uploadBody(Buffer.alloc(200000));
             for (let round = 0; round < 5; ++round) {
                 const socket = net.connect(new URL(board.origin).port, "127.0.0.1");
@@ -209,13 +209,13 @@ for (const [way, Client] of Object.entries(WAYS)) {
                 socket.destroy();
                 await eventually(async () => assert.deepEqual(await board.programs(), []));
             }
-            // The next request of the session finds everything as it was.
+            // The session is still usable.
             assert.equal((await client.get(`${SCREEN}?functionID=106`)).status, 200);
             await assertNoLeftovers();
             assert.equal(await stagedBytes(), null);
         });
 
-        test("without a session nothing is read and nothing is stored", async () => {
+        test("an upload without a session is refused and not stored", async () => {
             const stranger = new Client(board);
             const answer = await stranger.request(SCREEN, {
                 method: "POST",
@@ -226,7 +226,7 @@ for (const [way, Client] of Object.entries(WAYS)) {
             await assertNoLeftovers();
         });
 
-        test("two sessions never see each other's file", async () => {
+        test("two sessions never share a file", async () => {
             const other = await Client.loggedIn(board);
             const [mine, theirs] = [makeFile("mine"), makeFile("theirs", { partition: 7 })];
             assert.match((await post(uploadBody(mine))).text, /id="file_pid">3</);
@@ -247,7 +247,7 @@ for (const [way, Client] of Object.entries(WAYS)) {
                 assert.match((await step(2, { pid3: "3" })).text, /\[64-1539\]/);
             });
 
-            test("no ticked partition is sent all the same, and refused", async () => {
+            test("a restore without a partition is refused", async () => {
                 await post(uploadBody(makeFile("x")));
                 assert.match((await step(2)).text, /No partition was changed.*\[71-\d+\]/);
                 assert.notEqual(await stagedBytes(), null);
@@ -262,9 +262,9 @@ for (const [way, Client] of Object.entries(WAYS)) {
                 assert.equal(payload.toString(), "by value");
             });
 
-            test("select-all means every installed partition, whatever else is ticked", async () => {
+            test("select-all overrides single partitions", async () => {
                 await post(uploadBody(makeFile("x")));
-                // Partition 7 is running and partition 0 has another version: all or none is none.
+                // Partition 7 is running and partition 0 has another version, so none is restored.
                 assert.match((await step(2, { check_box: "", pid3: "3" })).text, /\[(73|353)-\d+\]/);
             });
 
@@ -275,21 +275,21 @@ for (const [way, Client] of Object.entries(WAYS)) {
                 });
             }
 
-            test("a post without a step shows the bare page", async () => {
+            test("a post without a step shows an empty page", async () => {
                 const answer = await client.post(SCREEN, { functionID: "106" });
                 assert.equal(answer.status, 200);
                 assert.doesNotMatch(answer.text, /type="file"/);
                 assert.match(answer.text, /did not say what to do/);
             });
 
-            test("a discard without a file says nothing, and is traced", async () => {
+            test("a discard without a file is only traced", async () => {
                 const answer = await step(3);
                 assert.match(answer.text, /type="file"/);
                 assert.doesNotMatch(answer.text, /role="alert"/);
                 assert.match(await board.trace(), /remove\(.*restored_eficonf[0-9a-f]+\) failed \(errno 2\)/);
             });
 
-            test("after a restore the file stays, and a discard removes it", async () => {
+            test("the file remains after a restore until it is discarded", async () => {
                 await post(uploadBody(makeFile("x")));
                 assert.match((await step(2, { pid3: "3" })).text, /was restored/);
                 assert.notEqual(await stagedBytes(), null);
@@ -297,13 +297,13 @@ for (const [way, Client] of Object.entries(WAYS)) {
                 assert.equal(await stagedBytes(), null);
             });
 
-            test("the field \"message\" shows the notice again, even when it is empty", async () => {
+            test("an empty field \"message\" shows the notice again", async () => {
                 const answer = await client.get(`${SCREEN}?functionID=106&message=`);
                 assert.match(answer.text, /data-message="70"[^>]*>The BIOS configuration was restored/);
             });
         });
 
-        test("a user without authority gets the reason, and changes nothing", async () => {
+        test("a user without authority sees the reason and changes nothing", async () => {
             const viewer = await Client.loggedIn(board, "viewer");
             const link = downloadLink(await client.backUp(3));
             const before = parseConfigurationFile((await client.get(link)).bytes).payload;
@@ -321,13 +321,13 @@ for (const [way, Client] of Object.entries(WAYS)) {
             ]) {
                 const answer = await send();
                 assertErrorPage(answer, 403, /\[12-1033\]/);
-                // The header has a form of its own, to log out.
+                // The header has a form too, to log out.
                 const page = answer.text.slice(answer.text.indexOf("<main>"));
                 assert.doesNotMatch(page, /<form|configuration was restored|download_link/);
             }
             const again = downloadLink(await client.backUp(3));
             assert.deepEqual(parseConfigurationFile((await client.get(again)).bytes).payload, before);
-            // The viewer's own upload and the empty file of the backup, which logging out removes.
+            // Logging out removes the viewer's upload and the backup's empty file.
             await assertNoLeftovers();
             assert.ok((await board.temporaryFiles()).length <= files + 2);
             await viewer.post("/logout.cgi", {});

@@ -1,4 +1,4 @@
-// The screens work where no scripts run. In every browser.
+// Tests that the screens work without scripts, in every browser.
 
 import assert from "node:assert/strict";
 import { after, before, beforeEach, describe, test } from "node:test";

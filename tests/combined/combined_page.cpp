@@ -1,5 +1,5 @@
-// The combined page as a CGI program of its own, for the browser tests. No board has it: the
-// program's dispatcher does not build that page.
+// A CGI program that shows the combined page, for the browser tests. No board has it, because the
+// program's dispatcher never builds that page.
 
 #include "main/EFIBackupRestoreMain.h"
 #include "pages/EFIBackupRestorePage.h"
@@ -20,7 +20,7 @@ public:
         guiCheckSession(true);
         messageMgr = new MessageMgr(messageSet);
         requester = new CGIRequester(sessionText.c_str());
-        // As on a board whose error page returns, when the query says so.
+        // This field of the query simulates a board on which errorExit() returns.
         std::string ignored;
         const bool errorPageReturns = formInfo->getFormData("error_page_returns", ignored);
         int displayMode = JudgeAuthority(&authority, 105, -1).getDisplayMode() != 0 ? 2 : 0;

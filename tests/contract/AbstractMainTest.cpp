@@ -26,7 +26,7 @@ int throwException(ProbeMain& /*main*/) {
                      0, 0);
 }
 
-// Prints "valid" if the session is, and nothing otherwise.
+// Prints "valid" if the session is valid, and nothing otherwise.
 int checkSession(ProbeMain& main) {
     main.guiCheckSession(true);
     std::cout << "valid";
@@ -44,7 +44,7 @@ std::string languageAndSession(const Environment& variables) {
 
 }  // namespace
 
-TEST(AbstractMainTest, execRunsTheDispatcherOnceAndReturnsItsResult) {
+TEST(AbstractMainTest, execRunsDispatcherOnceAndReturnsItsResult) {
     for (const int status : {0, 7, 255}) {
         const ChildResult result = runRequest({}, [status](ProbeMain& /*main*/) {
             std::cerr << "called;";
@@ -55,7 +55,7 @@ TEST(AbstractMainTest, execRunsTheDispatcherOnceAndReturnsItsResult) {
     }
 }
 
-TEST(AbstractMainTest, execSendsAllThatWasPrintedAsOneResponse) {
+TEST(AbstractMainTest, execSendsAllOutputAsOneResponse) {
     const ChildResult result = runRequest({}, [](ProbeMain& /*main*/) {
         std::cout << "first half," << std::flush << "second half";
         return 0;
@@ -64,7 +64,7 @@ TEST(AbstractMainTest, execSendsAllThatWasPrintedAsOneResponse) {
     EXPECT_EQ(bodyOf(result.output), "first half,second half");
 }
 
-TEST(AbstractMainTest, execTurnsAnExceptionIntoAnErrorPage) {
+TEST(AbstractMainTest, execTurnsExceptionIntoErrorPage) {
     const ChildResult result = runRequest({}, throwException);
     EXPECT_EQ(result.signal, 0) << result.errors;
     const std::string page = bodyOf(result.output);
@@ -73,7 +73,7 @@ TEST(AbstractMainTest, execTurnsAnExceptionIntoAnErrorPage) {
     EXPECT_THAT(textOf(page), HasSubstr(std::to_string(DETAIL)));
 }
 
-TEST(AbstractMainTest, execTracesAnException) {
+TEST(AbstractMainTest, execTracesException) {
     const TraceLines trace;
     if (!trace.isFile()) {
         GTEST_SKIP() << "The trace log is not a file.";
@@ -82,9 +82,9 @@ TEST(AbstractMainTest, execTracesAnException) {
     EXPECT_THAT(trace.added(), testing::ElementsAre(HasSubstr(std::to_string(DETAIL))));
 }
 
-// The name makes it run before all others in a process that runs several tests: a platform may
-// read the language once in a process, and the children here inherit what it has read.
-TEST(AbstractMainDeathTest, readsSessionAndLanguageOfTheRequest) {
+// GoogleTest runs suites named *DeathTest first. A platform may read the language once per process,
+// and the child processes of this test would inherit the language read by an earlier test.
+TEST(AbstractMainDeathTest, readsSessionAndLanguageOfRequest) {
     const std::string english = languageAndSession(requestOf(User::WITH_RIGHT, 0));
     const std::string japanese = languageAndSession(requestOf(User::WITH_RIGHT, 1));
     EXPECT_EQ(english.substr(0, 2), "0 ");
@@ -95,7 +95,7 @@ TEST(AbstractMainDeathTest, readsSessionAndLanguageOfTheRequest) {
     EXPECT_GT(other.size(), 2u);
 }
 
-TEST(AbstractMainTest, guiCheckSessionReturnsForAValidSession) {
+TEST(AbstractMainTest, guiCheckSessionReturnsForValidSession) {
     for (const User user : {User::WITH_RIGHT, User::WITHOUT_RIGHT}) {
         const ChildResult result = runRequest(requestOf(user), checkSession);
         EXPECT_EQ(bodyOf(result.output), "valid");
@@ -103,7 +103,7 @@ TEST(AbstractMainTest, guiCheckSessionReturnsForAValidSession) {
     }
 }
 
-TEST(AbstractMainTest, guiCheckSessionEndsARequestWithoutAValidSession) {
+TEST(AbstractMainTest, guiCheckSessionEndsRequestWithoutValidSession) {
     for (const Environment& variables : requestsWithoutSession()) {
         SCOPED_TRACE(variables.empty() ? "" : variables.begin()->second);
         const ChildResult result = runRequest(variables, checkSession);
@@ -112,7 +112,7 @@ TEST(AbstractMainTest, guiCheckSessionEndsARequestWithoutAValidSession) {
     }
 }
 
-TEST(AbstractMainTest, errorExitShowsTitleAndMessageAndEndsTheRequest) {
+TEST(AbstractMainTest, errorExitShowsTitleAndMessageAndEndsRequest) {
     const ChildResult result = runRequest(requestOf(User::WITH_RIGHT), [](ProbeMain& main) {
         std::cout << "BEFORE";
         main.errorExit("Screen <title>", "No <b>partition</b> & \"nothing\" else<br>second text");
@@ -128,7 +128,7 @@ TEST(AbstractMainTest, errorExitShowsTitleAndMessageAndEndsTheRequest) {
     EXPECT_THAT(page, Not(HasSubstr("AFTER")));
 }
 
-TEST(AbstractMainTest, errorExitShowsMessageAndCodeAndEndsTheRequest) {
+TEST(AbstractMainTest, errorExitShowsMessageAndCodeAndEndsRequest) {
     const ChildResult result = runRequest(requestOf(User::WITH_RIGHT), [](ProbeMain& main) {
         main.errorExit("The board failed.", DETAIL);
         std::cout << "AFTER";

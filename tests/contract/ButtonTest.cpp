@@ -13,7 +13,7 @@ using testing::HasSubstr;
 
 namespace {
 
-// The one button, which is a `button` or an `input`.
+// Returns the only button, a `button` or an `input` element.
 Tag buttonOf(const Button& button) {
     const std::string printed = printedHTML(button);
     std::vector<Tag> buttons = tagsOf(printed, "button");
@@ -23,7 +23,7 @@ Tag buttonOf(const Button& button) {
     return buttons.empty() ? Tag() : buttons[0];
 }
 
-// What the operator reads on the button.
+// Returns the button's visible label.
 std::string labelOf(const Button& button) {
     const Tag tag = buttonOf(button);
     return tag.name == "input" ? attribute(tag, "value") : textOf(printedHTML(button));
@@ -32,7 +32,7 @@ std::string labelOf(const Button& button) {
 }  // namespace
 
 // The upload page's button.
-TEST(ButtonTest, aButtonRunsItsScriptAndSubmitsNothing) {
+TEST(ButtonTest, runsItsScriptWithoutSubmitting) {
     const Button button("install", "Upload", "form_name", 0, "\"uploadFunction()\"", false);
     EXPECT_THAT(labelOf(button), HasSubstr("Upload"));
     const Tag tag = buttonOf(button);
@@ -45,19 +45,19 @@ TEST(ButtonTest, aButtonRunsItsScriptAndSubmitsNothing) {
     EXPECT_FALSE(tag.attributes.contains("disabled"));
 }
 
-TEST(ButtonTest, aButtonMayBeDisabled) {
+TEST(ButtonTest, canBeDisabled) {
     EXPECT_TRUE(
         buttonOf(Button("b", "B", "f", 0, "\"a()\"", true)).attributes.contains("disabled"));
 }
 
-TEST(ButtonTest, aWidthChangesNothingElse) {
+TEST(ButtonTest, widthChangesNothingElse) {
     const Button button("install", "Upload", "form_name", 20, "\"uploadFunction()\"", false);
     EXPECT_THAT(labelOf(button), HasSubstr("Upload"));
     EXPECT_THAT(attribute(buttonOf(button), clickAttribute()), HasSubstr("uploadFunction()"));
     EXPECT_FALSE(buttonOf(button).attributes.contains("disabled"));
 }
 
-TEST(ButtonTest, hostileTextsStayInTheirPlaces) {
+TEST(ButtonTest, escapesHostileTexts) {
     const Button harmless("name", "label", "form", 0, "\"call()\"", false);
     const std::vector<std::string> tags = tagNamesOf(printedHTML(harmless));
     const std::size_t attributeCount = buttonOf(harmless).attributes.size();
@@ -73,7 +73,7 @@ TEST(ButtonTest, hostileTextsStayInTheirPlaces) {
     }
 }
 
-TEST(ButtonTest, isNeverAnError) {
+TEST(ButtonTest, isErrorReturnsFalse) {
     EXPECT_FALSE(Button("b", "B", "f", 0, "\"a()\"", false).isError());
 }
 

@@ -22,11 +22,11 @@ using VeskUi::SET_RESTORE;
 
 namespace {
 
-// Below the time that a web server usually gives a CGI program, 30 s, so that the operator gets
-// the program's own page.
+// Below the 30 s after which web servers usually end a CGI program, so that the operator gets the
+// program's own page.
 const std::chrono::seconds LONGEST_REQUEST(25);
 
-// What the cookie of a request holds of this user's session.
+// Returns the session text that AbstractMain reads for this user.
 std::string sessionTextOf(User user) {
     return runWithMain(requestOf(user),
                        [](ProbeMain& main) {
@@ -48,7 +48,7 @@ VeskUi::PrimitiveTypeArray<unsigned char> targets(const Bytes& numbers) {
     return array;
 }
 
-// Keeps the answer and the four bytes after it.
+// Copies the answer and the four bytes after it.
 class ProbeObject : public VeskUi::SerializableObject {
 public:
     unsigned int getSerialized(unsigned char* /*buffer*/, unsigned int /*size*/) const override {
@@ -70,12 +70,12 @@ protected:
     const std::string sessionText = sessionTextOf(User::WITH_RIGHT);
 };
 
-// The tests that need a back-end.
+// Fixture for tests that need a back-end.
 class CGIRequesterExchangeTest : public CGIRequesterTest {
 protected:
     void SetUp() override {
         if (startBackend({{}}) == nullptr) {
-            GTEST_SKIP() << "platformSpecifics has no back-end.";
+            GTEST_SKIP() << "platformSpecifics provides no back-end.";
         }
     }
 
@@ -86,7 +86,7 @@ protected:
 
 }  // namespace
 
-TEST_F(CGIRequesterExchangeTest, connectsWithItsFirstRequest) {
+TEST_F(CGIRequesterExchangeTest, connectsOnFirstRequest) {
     CGIRequester requester(sessionText.c_str());
     EXPECT_EQ(requester.getErrorCode(), 0);
     start({{.object = serialize(samplePacket())}});
@@ -94,7 +94,7 @@ TEST_F(CGIRequesterExchangeTest, connectsWithItsFirstRequest) {
     EXPECT_TRUE(requester.getInfo(GET_PARTITION_INFO, packet));
 }
 
-TEST_F(CGIRequesterTest, copiesTheSessionText) {
+TEST_F(CGIRequesterTest, copiesSessionText) {
     std::string text = sessionText;
     const CGIRequester requester(text.c_str());
     const std::string identifier = requester.getSessionId();
@@ -102,7 +102,7 @@ TEST_F(CGIRequesterTest, copiesTheSessionText) {
     EXPECT_EQ(requester.getSessionId(), identifier);
 }
 
-TEST_F(CGIRequesterExchangeTest, fillsTheObjectFromTheAnswer) {
+TEST_F(CGIRequesterExchangeTest, fillsObjectFromAnswer) {
     start({{.object = serialize(samplePacket())}});
     {
         CGIRequester requester(sessionText.c_str());
@@ -117,7 +117,7 @@ TEST_F(CGIRequesterExchangeTest, fillsTheObjectFromTheAnswer) {
     EXPECT_EQ(requests[0].number, GET_PARTITION_INFO);
 }
 
-TEST_F(CGIRequesterExchangeTest, fourZeroBytesFollowTheAnswer) {
+TEST_F(CGIRequesterExchangeTest, fourZeroBytesFollowAnswer) {
     std::vector<BackendReply> replies;
     for (std::size_t size = 0; size < 100; ++size) {
         replies.push_back({.object = Bytes(size, 0xFF)});
@@ -132,7 +132,7 @@ TEST_F(CGIRequesterExchangeTest, fourZeroBytesFollowTheAnswer) {
     }
 }
 
-TEST_F(CGIRequesterExchangeTest, refusesAnAnswerThatTheObjectDoesNotTake) {
+TEST_F(CGIRequesterExchangeTest, requestFailsWhenObjectRejectsAnswer) {
     Bytes answer = serialize(samplePacket());
     answer.pop_back();
     start({{.object = answer}});
@@ -143,7 +143,7 @@ TEST_F(CGIRequesterExchangeTest, refusesAnAnswerThatTheObjectDoesNotTake) {
     EXPECT_FALSE(packet.isInstalled(0));
 }
 
-TEST_F(CGIRequesterExchangeTest, sendsTheObject) {
+TEST_F(CGIRequesterExchangeTest, sendsObject) {
     start({{}});
     const auto object = targets({0, 3, 255});
     std::string identifier;
@@ -160,7 +160,7 @@ TEST_F(CGIRequesterExchangeTest, sendsTheObject) {
     EXPECT_EQ(requests[0].sessionId, identifier);
 }
 
-TEST_F(CGIRequesterExchangeTest, reportsARefusalByItsCode) {
+TEST_F(CGIRequesterExchangeTest, reportsCodeOfRefusal) {
     std::vector<BackendReply> replies;
     const unsigned int codes[] = {1047, 1539, 1549, 1551, 1};
     for (const unsigned int code : codes) {
@@ -177,7 +177,7 @@ TEST_F(CGIRequesterExchangeTest, reportsARefusalByItsCode) {
     }
 }
 
-TEST_F(CGIRequesterExchangeTest, theErrorCodeIsThatOfTheLastRequest) {
+TEST_F(CGIRequesterExchangeTest, errorCodeIsThatOfLastRequest) {
     start({{.kind = BackendReply::REFUSE, .errorCode = 1047}, {}});
     CGIRequester requester(sessionText.c_str());
     EXPECT_FALSE(requester.setInfo(SET_RESTORE, targets({1})));
@@ -186,7 +186,7 @@ TEST_F(CGIRequesterExchangeTest, theErrorCodeIsThatOfTheLastRequest) {
     EXPECT_EQ(requester.getErrorCode(), 0);
 }
 
-TEST_F(CGIRequesterExchangeTest, failsSoonWithoutABackEnd) {
+TEST_F(CGIRequesterExchangeTest, failsQuicklyWithoutBackEnd) {
     start({{}});
     backend.reset();
     const auto begin = std::chrono::steady_clock::now();
@@ -199,7 +199,7 @@ TEST_F(CGIRequesterExchangeTest, failsSoonWithoutABackEnd) {
     EXPECT_LT(std::chrono::steady_clock::now() - begin, LONGEST_REQUEST);
 }
 
-TEST_F(CGIRequesterExchangeTest, givesUpASilentBackEnd) {
+TEST_F(CGIRequesterExchangeTest, timesOutOnSilentBackEnd) {
     start({{.kind = BackendReply::SILENT}});
     const auto begin = std::chrono::steady_clock::now();
     CGIRequester requester(sessionText.c_str());
@@ -208,7 +208,7 @@ TEST_F(CGIRequesterExchangeTest, givesUpASilentBackEnd) {
     EXPECT_LT(std::chrono::steady_clock::now() - begin, LONGEST_REQUEST);
 }
 
-TEST_F(CGIRequesterTest, theSessionIdentifierIsFitForAFileName) {
+TEST_F(CGIRequesterTest, sessionIdentifierIsUsableInFileName) {
     const std::string identifier = CGIRequester(sessionText.c_str()).getSessionId();
     const std::string other =
         CGIRequester(sessionTextOf(User::WITHOUT_RIGHT).c_str()).getSessionId();
@@ -221,12 +221,12 @@ TEST_F(CGIRequesterTest, theSessionIdentifierIsFitForAFileName) {
     }
 }
 
-TEST_F(CGIRequesterTest, theSessionIdentifierDoesNotContainTheSecret) {
+TEST_F(CGIRequesterTest, sessionIdentifierDoesNotContainSecret) {
     const std::string identifier = CGIRequester(sessionText.c_str()).getSessionId();
     EXPECT_EQ(identifier.find(sessionText), std::string::npos);
 }
 
-TEST_F(CGIRequesterTest, aTextThatIsNotASessionGivesNoPath) {
+TEST_F(CGIRequesterTest, identifierOfInvalidSessionContainsNoPath) {
     for (const char* text :
          {"", "x", "../../../../etc/passwd", "0123456789abcdef/../x", "\xFF\xFE"}) {
         const std::string identifier = CGIRequester(text).getSessionId();

@@ -15,8 +15,8 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-// The box of a partition, as a row of the selection has it.
-TEST(CheckBoxTest, aBoxIsOneFieldOfItsForm) {
+// A partition's box in a row of the selection page.
+TEST(CheckBoxTest, boxIsOneFieldOfItsForm) {
     CheckBox boxes("", "", "form_name", &ALLOWED);
     boxes.add("pid3", "3", "", "", false, false);
     const std::vector<Tag> inputs = inputsOf(boxes);
@@ -31,8 +31,8 @@ TEST(CheckBoxTest, aBoxIsOneFieldOfItsForm) {
     EXPECT_FALSE(inputs[0].attributes.contains(clickAttribute()));
 }
 
-// The box that ticks all the others.
-TEST(CheckBoxTest, aBoxMayHaveALabelAnEmptyValueAndAClickHandler) {
+// The box that selects all others.
+TEST(CheckBoxTest, printsLabelEmptyValueAndClickHandler) {
     CheckBox boxes("", "", "form_name", &ALLOWED);
     boxes.add("check_box", "", "Select all", "", false, false);
     boxes.setClickHandler("switchField()");
@@ -45,7 +45,7 @@ TEST(CheckBoxTest, aBoxMayHaveALabelAnEmptyValueAndAClickHandler) {
     EXPECT_FALSE(inputs[0].attributes.contains("checked"));
 }
 
-TEST(CheckBoxTest, everyDisplayModeButTwoDisables) {
+TEST(CheckBoxTest, disablesUnlessDisplayModeIsTwo) {
     for (const int mode : {-1, 0, 1, 3, 102}) {
         SCOPED_TRACE(mode);
         CheckBox boxes("", "", "form", &mode);
@@ -57,7 +57,7 @@ TEST(CheckBoxTest, everyDisplayModeButTwoDisables) {
     }
 }
 
-TEST(CheckBoxTest, theDisplayModeIsLookedAtWhenPrinting) {
+TEST(CheckBoxTest, readsDisplayModeWhenPrinting) {
     int mode = 0;
     CheckBox boxes("", "", "form", &mode);
     boxes.add("pid0", "0", "", "", false, false);
@@ -66,7 +66,7 @@ TEST(CheckBoxTest, theDisplayModeIsLookedAtWhenPrinting) {
     EXPECT_FALSE(inputsOf(boxes).at(0).attributes.contains("disabled"));
 }
 
-TEST(CheckBoxTest, boxesStandInTheirOrderEachWithItsMarks) {
+TEST(CheckBoxTest, printsBoxesInOrderWithTheirStates) {
     CheckBox boxes("", "", "form", &ALLOWED);
     boxes.add("pid7", "7", "", "", false, true);
     boxes.add("pid3", "3", "", "", true, false);
@@ -83,18 +83,18 @@ TEST(CheckBoxTest, boxesStandInTheirOrderEachWithItsMarks) {
     EXPECT_TRUE(inputs[2].attributes.contains("checked"));
 }
 
-TEST(CheckBoxTest, aLabelBelongsToItsBox) {
+TEST(CheckBoxTest, labelBelongsToItsBox) {
     CheckBox boxes("", "", "form", &ALLOWED);
     boxes.add("pid0", "0", "Partition 0", "", false, false);
     EXPECT_TRUE(hasLabel(printedHTML(boxes))) << printedHTML(boxes);
     EXPECT_THAT(textOf(printedHTML(boxes)), HasSubstr("Partition 0"));
 }
 
-TEST(CheckBoxTest, withoutBoxesThereIsNone) {
+TEST(CheckBoxTest, printsNoInputWithoutBoxes) {
     EXPECT_THAT(inputsOf(CheckBox("title", "", "form", &ALLOWED)), IsEmpty());
 }
 
-TEST(CheckBoxTest, hostileTextsStayInTheirPlaces) {
+TEST(CheckBoxTest, escapesHostileTexts) {
     CheckBox harmless("title", "description", "form", &ALLOWED);
     harmless.add("name", "value", "label", "hint", false, false);
     harmless.setClickHandler("call()");
@@ -116,7 +116,7 @@ TEST(CheckBoxTest, hostileTextsStayInTheirPlaces) {
     }
 }
 
-TEST(CheckBoxTest, isNeverAnError) {
+TEST(CheckBoxTest, isErrorReturnsFalse) {
     EXPECT_FALSE(CheckBox("", "", "form", &ALLOWED).isError());
 }
 

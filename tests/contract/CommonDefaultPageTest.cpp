@@ -11,8 +11,7 @@ using Gui::MessageMgr;
 
 namespace {
 
-// A page that notes which of its builders runs, and builds itself in its constructor as all pages
-// do.
+// Records which builder runs. Like all pages, it is built by its constructor.
 class ProbePage : public CommonDefaultPage {
 public:
     ProbePage(MessageMgr& messageMgr, int* displayMode)
@@ -35,11 +34,11 @@ std::string builtFor(const std::optional<std::string>& method) {
 
 }  // namespace
 
-TEST(MakePageTest, aPostIsAnAction) {
+TEST(MakePageTest, postRunsMakeConfigPage) {
     EXPECT_EQ(builtFor("POST"), "action");
 }
 
-TEST(MakePageTest, everyOtherRequestIsADisplay) {
+TEST(MakePageTest, everyOtherMethodRunsMakeDispPage) {
     EXPECT_EQ(builtFor("GET"), "display");
     EXPECT_EQ(builtFor("HEAD"), "display");
     EXPECT_EQ(builtFor("post"), "display");

@@ -8,7 +8,7 @@
 
 namespace VeskLib::Test {
 
-TEST(CommonUtilTest, partitionNumbersEndBeforeTheBoardsNumber) {
+TEST(CommonUtilTest, returnsMaxPartitionNumOfBoard) {
     const unsigned int expected = maxPartitionNum();
     const ChildResult result = runInChild([] {
         std::cout << CommonUtil::getMaxPartitionNum() << ' ' << CommonUtil::getMaxPartitionNum();

@@ -25,7 +25,7 @@ protected:
     EFIConfFileTest()
         : path(getCGIPath("/var/tmp/contract_file_") + std::to_string(::getpid()) + ".dat") {}
 
-    // Both forms refuse the file and leave the outputs as they were.
+    // Checks that both overloads reject the file and leave the outputs unchanged.
     void expectRefused(const std::string& content) {
         writeText(path, content);
         EFIConfFile file(path.c_str());
@@ -46,7 +46,7 @@ protected:
     const std::vector<ConfigurationFileSample> samples = configurationFileSamples();
 };
 
-TEST_F(EFIConfFileTest, readsWhatAFileContains) {
+TEST_F(EFIConfFileTest, readsEveryHeaderField) {
     ASSERT_FALSE(samples.empty());
     for (const ConfigurationFileSample& sample : samples) {
         writeText(path, sample.bytes);
@@ -66,7 +66,7 @@ TEST_F(EFIConfFileTest, readsWhatAFileContains) {
     }
 }
 
-TEST_F(EFIConfFileTest, theShortFormReadsTheSame) {
+TEST_F(EFIConfFileTest, shortFormReadsTheSame) {
     for (const ConfigurationFileSample& sample : samples) {
         writeText(path, sample.bytes);
         EFIConfFile::EFIConfFileHeader header;
@@ -78,7 +78,7 @@ TEST_F(EFIConfFileTest, theShortFormReadsTheSame) {
     }
 }
 
-TEST_F(EFIConfFileTest, aFileOfAnotherLengthIsRefused) {
+TEST_F(EFIConfFileTest, rejectsTruncatedOrExtendedFile) {
     for (const ConfigurationFileSample& sample : samples) {
         const std::size_t step = std::max<std::size_t>(sample.bytes.size() / 100, 1);
         for (std::size_t size = 0; size < sample.bytes.size(); size += step) {
@@ -90,7 +90,7 @@ TEST_F(EFIConfFileTest, aFileOfAnotherLengthIsRefused) {
     }
 }
 
-TEST_F(EFIConfFileTest, aDamagedFileIsRefused) {
+TEST_F(EFIConfFileTest, rejectsDamagedFile) {
     for (const ConfigurationFileSample& sample : samples) {
         const std::size_t step = std::max<std::size_t>(sample.bytes.size() / 100, 1);
         for (std::size_t offset = 0; offset < sample.bytes.size(); offset += step) {
@@ -102,26 +102,26 @@ TEST_F(EFIConfFileTest, aDamagedFileIsRefused) {
     }
 }
 
-TEST_F(EFIConfFileTest, anAbsentFileThrowsWhenOpened) {
+TEST_F(EFIConfFileTest, constructorThrowsForMissingFile) {
     EXPECT_THROW(EFIConfFile file(path.c_str()), PException);
     EXPECT_THROW(EFIConfFile file(""), PException);
 }
 
-TEST_F(EFIConfFileTest, anEmptyFileIsRefused) {
+TEST_F(EFIConfFileTest, rejectsEmptyFile) {
     expectRefused("");
 }
 
-TEST_F(EFIConfFileTest, aFileOfAnotherKindIsRefused) {
+TEST_F(EFIConfFileTest, rejectsFileOfAnotherFormat) {
     expectRefused("<html><body>not a configuration file</body></html>\n");
     expectRefused(std::string(100, '\0'));
     expectRefused(std::string(1000, '\xFF'));
 }
 
-TEST_F(EFIConfFileTest, aFileThatIsTooLargeIsRefused) {
+TEST_F(EFIConfFileTest, rejectsOversizedFile) {
     expectRefused(std::string(393216 + 1, 'x'));
 }
 
-TEST_F(EFIConfFileTest, aFolderIsRefused) {
+TEST_F(EFIConfFileTest, rejectsFolder) {
     EXPECT_THROW(
         {
             EFIConfFile file(getCGIPath("/var/tmp").c_str());

@@ -30,8 +30,8 @@ ChildSetup postRequest(const std::string& body, const std::string& query = "") {
             .input = body};
 }
 
-// The field as the program finds it: its value in brackets, "absent", or "refused" for a request
-// that throws. `value` holds "unchanged" before.
+// Describes the field as the program finds it: its value in brackets, "absent" and the unchanged
+// output, or "refused" if the call throws.
 std::string ask(const FormInfo& formInfo, const std::string& name) {
     std::string value = "unchanged";
     try {
@@ -42,7 +42,7 @@ std::string ask(const FormInfo& formInfo, const std::string& name) {
     }
 }
 
-// The answer to one question in a process of its own.
+// The same in a new process that handles `request`.
 std::string answer(const ChildSetup& request, const std::string& name) {
     const ChildResult result = runInChild(
         [&name] {
@@ -56,7 +56,7 @@ std::string answer(const ChildSetup& request, const std::string& name) {
 
 }  // namespace
 
-TEST(FormInfoTest, theProgramMakesTheOneObject) {
+TEST(FormInfoTest, firstMainCreatesTheOnlyInstance) {
     EXPECT_EQ(FormInfo::myInstance, nullptr);
     const ChildResult result = runInChild([] {
         const FormInfo* first = nullptr;
@@ -70,42 +70,42 @@ TEST(FormInfoTest, theProgramMakesTheOneObject) {
     EXPECT_EQ(result.exitStatus, 0) << result.errors;
 }
 
-TEST(FormInfoTest, readsTheQueryString) {
+TEST(FormInfoTest, readsQueryString) {
     EXPECT_EQ(answer(getRequest("functionID=105"), "functionID"), "[105]");
     EXPECT_EQ(answer(getRequest("a=1&functionID=0105&b=2"), "functionID"), "[0105]");
 }
 
-TEST(FormInfoTest, readsAPostedForm) {
+TEST(FormInfoTest, readsPostedForm) {
     EXPECT_EQ(answer(postRequest("hidden_status=BACKUP&radio_button=3"), "radio_button"), "[3]");
 }
 
-TEST(FormInfoTest, anAbsentFieldLeavesTheValueAsItIs) {
+TEST(FormInfoTest, absentFieldLeavesValueUnchanged) {
     EXPECT_EQ(answer(getRequest("functionID=105"), "function"), "absent, unchanged");
     EXPECT_EQ(answer(getRequest("functionID=105"), "functionid"), "absent, unchanged");
     EXPECT_EQ(answer(getRequest(""), "functionID"), "absent, unchanged");
     EXPECT_EQ(answer({}, "functionID"), "absent, unchanged");
 }
 
-TEST(FormInfoTest, aValueMayBeEmpty) {
+TEST(FormInfoTest, findsFieldWithEmptyValue) {
     EXPECT_EQ(answer(getRequest("functionID="), "functionID"), "[]");
     EXPECT_EQ(answer(postRequest("radio_button=&x=1"), "radio_button"), "[]");
 }
 
-TEST(FormInfoTest, valuesAreDecoded) {
+TEST(FormInfoTest, decodesNamesAndValues) {
     EXPECT_EQ(answer(getRequest("pid0=a+b%20c%26%3D%2B%25"), "pid0"), "[a b c&=+%]");
     EXPECT_EQ(answer(postRequest("pid0=%E8%A3%BD%e5%93%81"), "pid0"), "[\xE8\xA3\xBD\xE5\x93\x81]");
     EXPECT_EQ(answer(getRequest("hidden%5fstatus=1"), "hidden_status"), "[1]");
 }
 
-TEST(FormInfoTest, aFormFieldWinsOverAQueryFieldOfItsName) {
+TEST(FormInfoTest, formFieldTakesPrecedenceOverQueryField) {
     const ChildSetup request = postRequest("functionID=105", "functionID=106&other=query");
     EXPECT_EQ(answer(request, "functionID"), "[105]");
     EXPECT_EQ(answer(request, "other"), "[query]");
 }
 
-// Without scripts the upload form relies on it: its button posts "hidden_status" before the hidden
-// field of that name.
-TEST(FormInfoTest, theFirstOfTwoFieldsOfANameWins) {
+// The upload form relies on this when scripts are disabled: its button posts "hidden_status" before
+// the hidden field of that name.
+TEST(FormInfoTest, firstOfRepeatedFieldsTakesPrecedence) {
     EXPECT_EQ(answer(postRequest("hidden_status=1&x=2&hidden_status=0"), "hidden_status"), "[1]");
     EXPECT_EQ(answer(postRequest("hidden_status=&hidden_status=0"), "hidden_status"), "[]");
     EXPECT_EQ(answer(getRequest("functionID=105&functionID=106"), "functionID"), "[105]");
@@ -115,7 +115,7 @@ TEST(FormInfoTest, theFirstOfTwoFieldsOfANameWins) {
         "[1]");
 }
 
-TEST(FormInfoTest, everyFieldIsFoundAsOftenAsItIsAskedFor) {
+TEST(FormInfoTest, findsFieldsRepeatedly) {
     const ChildResult result = runInChild(
         [] {
             const FormInfo formInfo;
@@ -128,7 +128,7 @@ TEST(FormInfoTest, everyFieldIsFoundAsOftenAsItIsAskedFor) {
     EXPECT_EQ(result.output, "[2] [1] [2] absent, unchanged ");
 }
 
-TEST(FormInfoTest, aRequestIsReadWhenItIsFirstAskedAbout) {
+TEST(FormInfoTest, readsRequestOnFirstUse) {
     const ChildResult result = runInChild(
         [] {
             const FormInfo formInfo;
@@ -141,7 +141,7 @@ TEST(FormInfoTest, aRequestIsReadWhenItIsFirstAskedAbout) {
     EXPECT_EQ(result.output, "x");
 }
 
-TEST(FormInfoTest, nothingIsFoundAfterTheEndOfTheWork) {
+TEST(FormInfoTest, findsNothingAfterTerminate) {
     const ChildResult result = runInChild(
         [] {
             FormInfo formInfo;
@@ -156,7 +156,7 @@ TEST(FormInfoTest, nothingIsFoundAfterTheEndOfTheWork) {
     EXPECT_EQ(result.output, "[1] absent, unchanged absent, unchanged absent, unchanged");
 }
 
-TEST(FormInfoTest, nothingIsFoundAfterAnEndWithoutAQuestion) {
+TEST(FormInfoTest, findsNothingWhenTerminatedBeforeFirstUse) {
     const ChildResult result = runInChild(
         [] {
             FormInfo formInfo;
@@ -168,14 +168,14 @@ TEST(FormInfoTest, nothingIsFoundAfterAnEndWithoutAQuestion) {
     EXPECT_EQ(result.output, "absent, unchanged absent, unchanged");
 }
 
-TEST(FormInfoTest, aRequestFarAboveEveryNeedIsRefused) {
+TEST(FormInfoTest, throwsForOversizedRequest) {
     const std::string megabyte(1024 * 1024, 'x');
     EXPECT_EQ(answer(postRequest("a=" + megabyte), "a"), "refused");
     EXPECT_EQ(answer(postRequest(megabyte + "=1"), "a"), "refused");
     EXPECT_EQ(answer(getRequest("a=" + megabyte.substr(0, 100000)), "a"), "refused");
 }
 
-TEST(FormInfoTest, aFormThatIsCutShortIsRefused) {
+TEST(FormInfoTest, throwsForTruncatedForm) {
     ChildSetup request = postRequest("a=1&b=2");
     request.environment["CONTENT_LENGTH"] = "100";
     EXPECT_EQ(answer(request, "a"), "refused");

@@ -46,14 +46,14 @@ std::string everyByte() {
     return content + "\r\n--" + content;
 }
 
-// A path of this test's own, on the file system of the staged files.
+// Returns a path that only this test uses, on the file system of the staged files.
 std::string stagingPath() {
     return getCGIPath("/var/tmp/contract_upload_") + std::to_string(::getpid());
 }
 
 }  // namespace
 
-TEST(FormInfoUploadTest, givesTheNameAsTheBrowserSentIt) {
+TEST(FormInfoUploadTest, returnsFileNameAsSent) {
     for (const std::string name :
          {"eficonf.dat", "a b.dat", "C:folder.dat", "\xE8\xA3\xBD.dat", ".dat", "x", "a/b.dat"}) {
         EXPECT_EQ(printedWith(upload(name, "x"),
@@ -62,7 +62,7 @@ TEST(FormInfoUploadTest, givesTheNameAsTheBrowserSentIt) {
     }
 }
 
-TEST(FormInfoUploadTest, countsTheBytes) {
+TEST(FormInfoUploadTest, returnsFileSize) {
     for (const std::size_t size : {std::size_t{0}, std::size_t{1}, std::size_t{65536},
                                    LARGEST_UPLOAD, LARGEST_UPLOAD + 1, 2 * LARGEST_UPLOAD}) {
         EXPECT_EQ(printedWith(upload("a.dat", std::string(size, 'x')),
@@ -71,7 +71,7 @@ TEST(FormInfoUploadTest, countsTheBytes) {
     }
 }
 
-TEST(FormInfoUploadTest, storesTheBytesWhereRenameKeepsThem) {
+TEST(FormInfoUploadTest, storesFileWhereItCanBeRenamedToStaging) {
     for (const std::string& content : {everyByte(), std::string(LARGEST_UPLOAD, 'y')}) {
         const std::string staged = stagingPath();
         EXPECT_EQ(printedWith(upload("a.dat", content),
@@ -85,7 +85,7 @@ TEST(FormInfoUploadTest, storesTheBytesWhereRenameKeepsThem) {
     }
 }
 
-TEST(FormInfoUploadTest, theFormsFieldsAreThereAsWell) {
+TEST(FormInfoUploadTest, readsFieldsOfUploadForm) {
     EXPECT_EQ(printedWith(upload("a.dat", "x"),
                           [](FormInfo& form) {
                               std::string value;
@@ -94,7 +94,7 @@ TEST(FormInfoUploadTest, theFormsFieldsAreThereAsWell) {
               "1106");
 }
 
-TEST(FormInfoUploadTest, withoutAFileTheTextsAreEmptyAndTheSizeIsZero) {
+TEST(FormInfoUploadTest, returnsEmptyTextsAndZeroSizeWithoutFile) {
     const auto ask = [](FormInfo& form) {
         std::cout << "[" << form.getUploadFileName() << form.getUploadFilePath() << "]"
                   << form.getUploadFileSize();
@@ -103,7 +103,7 @@ TEST(FormInfoUploadTest, withoutAFileTheTextsAreEmptyAndTheSizeIsZero) {
     EXPECT_EQ(printedWith({}, ask), "[]0");
 }
 
-TEST(FormInfoUploadTest, terminateRemovesAnUploadThatWasNotMoved) {
+TEST(FormInfoUploadTest, terminateRemovesUploadThatWasNotMoved) {
     const std::string path = printedWith(upload("a.dat", "content"), [](FormInfo& form) {
         const std::string stored = form.getUploadFilePath();
         std::cout << (exists(stored) ? stored : "not stored");
@@ -113,7 +113,7 @@ TEST(FormInfoUploadTest, terminateRemovesAnUploadThatWasNotMoved) {
     EXPECT_FALSE(exists(path)) << path;
 }
 
-TEST(FormInfoUploadTest, terminateForgetsTheFile) {
+TEST(FormInfoUploadTest, terminateForgetsFile) {
     EXPECT_EQ(printedWith(upload("a.dat", "content"),
                           [](FormInfo& form) {
                               form.terminate();
@@ -123,7 +123,7 @@ TEST(FormInfoUploadTest, terminateForgetsTheFile) {
               "[]0");
 }
 
-TEST(FormInfoUploadTest, terminateLeavesAMovedFile) {
+TEST(FormInfoUploadTest, terminateKeepsMovedFile) {
     const std::string staged = stagingPath();
     printedWith(upload("a.dat", "content"), [&staged](FormInfo& form) {
         static_cast<void>(std::rename(form.getUploadFilePath().c_str(), staged.c_str()));

@@ -30,7 +30,7 @@ class HTMLCodeGeneratorTest : public testing::Test {
 protected:
     static std::string mark(const std::string& name) { return skeletonMark(name); }
 
-    // Prints a skeleton of this content.
+    // Returns what the generator prints for a skeleton with this content.
     std::string print(const std::string& content) const {
         const TemporarySkeleton skeleton(content);
         return printedHTML(HTMLCodeGenerator(skeleton.path(), &components));
@@ -41,14 +41,14 @@ protected:
     ProbeCounts otherCounts;
 };
 
-TEST_F(HTMLCodeGeneratorTest, aSkeletonWithoutMarksIsPrintedAsItIs) {
-    // Nothing that any board could take for a mark.
+TEST_F(HTMLCodeGeneratorTest, printsSkeletonWithoutMarksUnchanged) {
+    // No board can mistake any of this for a mark.
     const std::string content = "<p class=\"x\">caf\xC3\xA9 'and' 100; \n\n</p>\n";
     EXPECT_EQ(print(content), content);
     EXPECT_EQ(print(""), "");
 }
 
-TEST_F(HTMLCodeGeneratorTest, componentsStandAtTheirPlaces) {
+TEST_F(HTMLCodeGeneratorTest, printsComponentsAtTheirMarks) {
     ProbeComponent one("1", counts);
     ProbeComponent two("2", counts);
     components = {{"one", &one}, {"two", &two}};
@@ -56,7 +56,7 @@ TEST_F(HTMLCodeGeneratorTest, componentsStandAtTheirPlaces) {
     EXPECT_EQ(print(mark("one") + mark("two")), "12");
 }
 
-TEST_F(HTMLCodeGeneratorTest, aComponentIsPrintedOncePerMark) {
+TEST_F(HTMLCodeGeneratorTest, printsComponentOncePerMark) {
     ProbeComponent one("1", counts);
     ProbeComponent two("2", otherCounts);
     components = {{"one", &one}, {"two", &two}};
@@ -67,18 +67,18 @@ TEST_F(HTMLCodeGeneratorTest, aComponentIsPrintedOncePerMark) {
     EXPECT_EQ(counts.printed, 3);
 }
 
-TEST_F(HTMLCodeGeneratorTest, anUnknownNamePrintsNothing) {
+TEST_F(HTMLCodeGeneratorTest, unknownNamePrintsNothing) {
     ProbeComponent one("1", counts);
     components = {{"one", &one}};
     EXPECT_EQ(print("[" + mark("filepath") + mark("One") + mark("on") + mark("one_") + "]"), "[]");
 }
 
-TEST_F(HTMLCodeGeneratorTest, anEntryWithoutComponentPrintsNothing) {
+TEST_F(HTMLCodeGeneratorTest, nullComponentPrintsNothing) {
     components = {{"one", nullptr}};
     EXPECT_EQ(print("[" + mark("one") + "]"), "[]");
 }
 
-TEST_F(HTMLCodeGeneratorTest, whatAComponentPrintsIsNotReadAsSkeleton) {
+TEST_F(HTMLCodeGeneratorTest, doesNotExpandMarksInComponentOutput) {
     ProbeComponent secret("SECRET", otherCounts);
     for (const std::string& text : hostileTexts()) {
         SCOPED_TRACE(text);
@@ -90,7 +90,7 @@ TEST_F(HTMLCodeGeneratorTest, whatAComponentPrintsIsNotReadAsSkeleton) {
     EXPECT_EQ(otherCounts.printed, 0);
 }
 
-TEST_F(HTMLCodeGeneratorTest, seesTheComponentsThatStandInTheMapWhenPrinting) {
+TEST_F(HTMLCodeGeneratorTest, looksUpComponentsWhenPrinting) {
     const TemporarySkeleton skeleton("[" + mark("one") + "]");
     const HTMLCodeGenerator generator(skeleton.path(), &components);
     EXPECT_EQ(printedHTML(generator), "[]");
@@ -101,7 +101,7 @@ TEST_F(HTMLCodeGeneratorTest, seesTheComponentsThatStandInTheMapWhenPrinting) {
     EXPECT_EQ(printedHTML(generator), "[]");
 }
 
-TEST_F(HTMLCodeGeneratorTest, doesNotOwnTheComponents) {
+TEST_F(HTMLCodeGeneratorTest, doesNotOwnComponents) {
     ProbeComponent one("1", counts);
     components["one"] = &one;
     print(mark("one"));
@@ -109,7 +109,7 @@ TEST_F(HTMLCodeGeneratorTest, doesNotOwnTheComponents) {
     EXPECT_EQ(components.size(), 1u);
 }
 
-TEST_F(HTMLCodeGeneratorTest, printsTheSkeletonThatWasSetLast) {
+TEST_F(HTMLCodeGeneratorTest, setSkeletonFileReplacesSkeleton) {
     const TemporarySkeleton first("first");
     const TemporarySkeleton second("second");
     HTMLCodeGenerator generator(first.path(), &components);
@@ -118,7 +118,7 @@ TEST_F(HTMLCodeGeneratorTest, printsTheSkeletonThatWasSetLast) {
     EXPECT_EQ(printedHTML(generator), "second");
 }
 
-TEST_F(HTMLCodeGeneratorTest, printsInsideOneAnother) {
+TEST_F(HTMLCodeGeneratorTest, generatorsCanBeNested) {
     class Row : public Gui::HTMLComponent {
     public:
         explicit Row(const HTMLCodeGenerator& generator) : generator(generator) {}
@@ -137,17 +137,17 @@ TEST_F(HTMLCodeGeneratorTest, printsInsideOneAnother) {
     EXPECT_EQ(print("[" + mark("row") + mark("cell") + mark("row") + "]"), "[<c><c>]");
 }
 
-TEST_F(HTMLCodeGeneratorTest, aMissingSkeletonThrowsWhenPrintedAndPrintsNothing) {
+TEST_F(HTMLCodeGeneratorTest, missingSkeletonThrowsWhenPrintedAndPrintsNothing) {
     const HTMLCodeGenerator generator("/var/tmp/no_such_skeleton.txt", &components);
     EXPECT_EQ(printedBy([&generator] { EXPECT_THROW(generator.printHTML(), PException); }), "");
 }
 
-TEST_F(HTMLCodeGeneratorTest, aFolderIsNoSkeleton) {
+TEST_F(HTMLCodeGeneratorTest, folderAsSkeletonThrowsAndPrintsNothing) {
     const HTMLCodeGenerator generator("/var/tmp", &components);
     EXPECT_EQ(printedBy([&generator] { EXPECT_THROW(generator.printHTML(), PException); }), "");
 }
 
-TEST_F(HTMLCodeGeneratorTest, anExceptionOfAComponentPassesOn) {
+TEST_F(HTMLCodeGeneratorTest, propagatesExceptionOfComponent) {
     ThrowingComponent throwing;
     components["throwing"] = &throwing;
     EXPECT_THROW(print("before" + mark("throwing") + "after"), std::runtime_error);

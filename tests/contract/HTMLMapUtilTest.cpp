@@ -19,7 +19,7 @@ public:
     }
 
 protected:
-    // Inserts a new component, which the map owns.
+    // Inserts a new component; the map takes ownership.
     Gui::HTMLComponent* insert(const std::string& name, ProbeCounts& counts) {
         auto component = std::make_unique<ProbeComponent>(name, counts);
         HTMLMapUtil::insertIntoMap(components, name, component.get());
@@ -31,7 +31,7 @@ protected:
     ProbeCounts second;
 };
 
-TEST_F(HTMLMapUtilTest, aComponentStandsUnderItsName) {
+TEST_F(HTMLMapUtilTest, insertsComponentUnderItsName) {
     Gui::HTMLComponent* body = insert("body", first);
     Gui::HTMLComponent* title = insert("title", second);
     EXPECT_EQ(components.size(), 2u);
@@ -40,7 +40,7 @@ TEST_F(HTMLMapUtilTest, aComponentStandsUnderItsName) {
     EXPECT_EQ(first.deleted + second.deleted, 0);
 }
 
-TEST_F(HTMLMapUtilTest, theDisplacedComponentIsDeletedOnceAndTheLastOneStays) {
+TEST_F(HTMLMapUtilTest, deletesReplacedComponentOnce) {
     insert("onload_function", first);
     Gui::HTMLComponent* last = insert("onload_function", second);
     EXPECT_EQ(components.size(), 1u);
@@ -49,20 +49,20 @@ TEST_F(HTMLMapUtilTest, theDisplacedComponentIsDeletedOnceAndTheLastOneStays) {
     EXPECT_EQ(second.deleted, 0);
 }
 
-TEST_F(HTMLMapUtilTest, theSameComponentAgainStaysAlive) {
+TEST_F(HTMLMapUtilTest, doesNotDeleteReinsertedComponent) {
     Gui::HTMLComponent* component = insert("body", first);
     HTMLMapUtil::insertIntoMap(components, "body", component);
     EXPECT_EQ(components.at("body"), component);
     EXPECT_EQ(first.deleted, 0);
 }
 
-TEST_F(HTMLMapUtilTest, anEntryWithoutComponentIsFilled) {
+TEST_F(HTMLMapUtilTest, replacesNullEntry) {
     components["body"] = nullptr;
     Gui::HTMLComponent* component = insert("body", first);
     EXPECT_EQ(components.at("body"), component);
 }
 
-TEST_F(HTMLMapUtilTest, namesAreTakenAsTheyAre) {
+TEST_F(HTMLMapUtilTest, comparesNamesExactly) {
     insert("body", first);
     insert("Body", second);
     insert("", second);

@@ -24,7 +24,7 @@ const char* const PLACES[] = {"body", "css", "java_script", "meta_frameid", "tit
 
 class HTMLPageContractTest : public testing::Test {
 protected:
-    // The five components that the dispatcher puts into the shell.
+    // Inserts the five components that the dispatcher puts into the shell.
     void fill(HTMLPage& page) {
         for (const char* name : PLACES) {
             page.componentMap[name] =
@@ -35,13 +35,13 @@ protected:
     std::map<std::string, ProbeCounts> counts;
 };
 
-TEST_F(HTMLPageContractTest, isMadeEmptyWithAGenerator) {
+TEST_F(HTMLPageContractTest, isConstructedEmptyWithGenerator) {
     const HTMLPage page(1);
     EXPECT_TRUE(page.componentMap.empty());
     EXPECT_NE(page.generator, nullptr);
 }
 
-TEST_F(HTMLPageContractTest, anEmptyShellIsADocument) {
+TEST_F(HTMLPageContractTest, emptyPageIsACompleteDocument) {
     const HTMLPage page(1);
     const std::string printed = printedHTML(*page.generator);
     EXPECT_THAT(tagNamesOf(printed), testing::IsSupersetOf({"html", "head", "body", "/html"}));
@@ -50,7 +50,7 @@ TEST_F(HTMLPageContractTest, anEmptyShellIsADocument) {
     }
 }
 
-TEST_F(HTMLPageContractTest, everyComponentIsPrintedOnce) {
+TEST_F(HTMLPageContractTest, printsEveryComponentOnce) {
     HTMLPage page(1);
     fill(page);
     const std::string printed = printedHTML(*page.generator);
@@ -62,7 +62,7 @@ TEST_F(HTMLPageContractTest, everyComponentIsPrintedOnce) {
     }
 }
 
-TEST_F(HTMLPageContractTest, everyComponentIsWhereItBelongs) {
+TEST_F(HTMLPageContractTest, printsEveryComponentInItsPlace) {
     HTMLPage page(1);
     fill(page);
     const std::string printed = printedHTML(*page.generator);

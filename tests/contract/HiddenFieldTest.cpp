@@ -11,7 +11,7 @@ using Gui::HiddenField;
 
 namespace {
 
-// The field is one hidden input with these attributes, and shows nothing.
+// Checks that the field is one hidden input with these attributes, and displays nothing.
 void expectField(const std::string& name, const std::string& value, const std::string& form) {
     const HiddenField field(name, value, form);
     const std::string printed = printedHTML(field);
@@ -32,11 +32,11 @@ TEST(HiddenFieldTest, isOneFieldOfItsForm) {
     expectField("hidden_status", "BACKUP", "form_name");
 }
 
-TEST(HiddenFieldTest, mayBeEmpty) {
+TEST(HiddenFieldTest, canHaveEmptyValue) {
     expectField("message", "", "form_name");
 }
 
-TEST(HiddenFieldTest, hostileTextsStayInTheirAttributes) {
+TEST(HiddenFieldTest, escapesHostileTexts) {
     for (const std::string& text : printableTexts()) {
         SCOPED_TRACE(text);
         expectField("name", text, "form");
@@ -45,7 +45,7 @@ TEST(HiddenFieldTest, hostileTextsStayInTheirAttributes) {
     }
 }
 
-TEST(HiddenFieldTest, isNeverAnError) {
+TEST(HiddenFieldTest, isErrorReturnsFalse) {
     EXPECT_FALSE(HiddenField("name", "value", "form").isError());
 }
 

@@ -23,7 +23,7 @@ const std::size_t NUMBER_OFFSET = 1;  // after the kind
 const std::size_t TEXTS_OFFSET = 5;
 const int TEXTS = 4;  // session, address of the client, identifier of the request, staged file
 const unsigned char SET = 2;
-const unsigned char END = 0xFF;  // ends this back-end; no kind of the host's
+const unsigned char END = 0xFF;  // stops this back-end; not a kind of the host's frames
 
 sockaddr_un addressOf(const std::string& path) {
     sockaddr_un address = {};
@@ -60,7 +60,7 @@ void appendNumber(Bytes& bytes, std::size_t number) {
     }
 }
 
-// Reads exactly `size` bytes; returns fewer at the end of the connection.
+// Reads `size` bytes, or fewer if the connection ends.
 Bytes receive(int connection, std::size_t size) {
     Bytes bytes(size);
     std::size_t received = 0;
@@ -164,8 +164,8 @@ HostBackend::~HostBackend() {
     static_cast<void>(::unlink(path.c_str()));
 }
 
-// The frame that ends the back-end queues up after every connection that was made before it, so
-// that no request is missed.
+// The back-end accepts the connection with the END frame after all earlier ones, so no request is
+// missed.
 std::vector<BackendRequest> HostBackend::stop() {
     const sockaddr_un address = addressOf(path);
     const int connection = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);

@@ -10,7 +10,8 @@
 namespace VeskLib::Test {
 
 // The host platform's back-end for the tests: a child process that listens on the socket of the
-// board's root and serves one connection after the other. docs/wire-formats.md has the frames.
+// board's root and serves one connection at a time. The frames are described in
+// docs/wire-formats.md.
 class HostBackend : public Backend {
 public:
     // Throws std::runtime_error if it cannot listen.

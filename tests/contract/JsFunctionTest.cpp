@@ -17,7 +17,7 @@ using testing::SizeIs;
 
 namespace {
 
-// The one script that the function prints.
+// Returns the only script that the function prints.
 std::string scriptOf(const JsFunction& function) {
     const std::vector<std::string> scripts = scriptsOf(printedHTML(function));
     EXPECT_THAT(scripts, SizeIs(1));
@@ -35,13 +35,13 @@ JsFunction& withAlert(JsFunction& function, const std::string& text) {
 
 }  // namespace
 
-TEST(JsFunctionTest, isAFunctionOfItsName) {
+TEST(JsFunctionTest, definesFunctionOfItsName) {
     const JsFunction function("onLoadFunction()");
     EXPECT_THAT(scriptOf(function), HasSubstr("function onLoadFunction()"));
     EXPECT_THAT(alertsOf(function), IsEmpty());
 }
 
-TEST(JsFunctionTest, callsStandInTheOrderInWhichTheyWereAdded) {
+TEST(JsFunctionTest, keepsOrderOfCalls) {
     JsFunction function("onLoadFunction()");
     function.addFunction("initialize()");
     function.addAlertFunction("first");
@@ -61,7 +61,7 @@ TEST(JsFunctionTest, callsStandInTheOrderInWhichTheyWereAdded) {
     EXPECT_NE(secondAlert, std::string::npos);
 }
 
-TEST(JsFunctionTest, theAlertShowsHostileTextsAsTheyAre) {
+TEST(JsFunctionTest, alertShowsHostileTextsUnchanged) {
     JsFunction harmless("onLoadFunction()");
     const std::string structure = withoutStrings(scriptOf(withAlert(harmless, "harmless")));
     for (const std::string& text : printableTexts()) {
@@ -73,7 +73,7 @@ TEST(JsFunctionTest, theAlertShowsHostileTextsAsTheyAre) {
     }
 }
 
-TEST(JsFunctionTest, aHostileAlertChangesNothingOfThePageAroundIt) {
+TEST(JsFunctionTest, hostileAlertDoesNotChangeTags) {
     JsFunction harmless("onLoadFunction()");
     const std::vector<std::string> tags = tagNamesOf(printedHTML(withAlert(harmless, "harmless")));
     for (const std::string& text : hostileTexts()) {
@@ -83,7 +83,7 @@ TEST(JsFunctionTest, aHostileAlertChangesNothingOfThePageAroundIt) {
     }
 }
 
-TEST(JsFunctionTest, noScriptIsEndedOrCommentedOutByAText) {
+TEST(JsFunctionTest, hostileAlertCannotEndOrCommentOutScript) {
     for (const std::string& text : hostileTexts()) {
         SCOPED_TRACE(text);
         JsFunction function("onLoadFunction()");
@@ -93,19 +93,19 @@ TEST(JsFunctionTest, noScriptIsEndedOrCommentedOutByAText) {
     }
 }
 
-TEST(JsFunctionTest, theTextsOfAMessageAreLinesOfTheAlert) {
+TEST(JsFunctionTest, alertShowsBreaksAsLines) {
     JsFunction function("onLoadFunction()");
     function.addAlertFunction("not restored<br>back-end \"busy\"<br>try again");
     EXPECT_THAT(alertsOf(function), ElementsAre("not restored\nback-end \"busy\"\ntry again"));
 }
 
-TEST(JsFunctionTest, anEmptyAlertIsAnAlert) {
+TEST(JsFunctionTest, showsEmptyAlert) {
     JsFunction function("onLoadFunction()");
     function.addAlertFunction("");
     EXPECT_THAT(alertsOf(function), ElementsAre(""));
 }
 
-TEST(JsFunctionTest, theTextOfAnAlertStandsOnThePageAsWell) {
+TEST(JsFunctionTest, printsAlertTextOnPageToo) {
     for (const std::string& text : printableTexts()) {
         SCOPED_TRACE(text);
         JsFunction function("onLoadFunction()");
@@ -113,13 +113,13 @@ TEST(JsFunctionTest, theTextOfAnAlertStandsOnThePageAsWell) {
     }
 }
 
-TEST(JsFunctionTest, withoutAnAlertThePageShowsNothing) {
+TEST(JsFunctionTest, printsNoTextOnPageWithoutAlert) {
     JsFunction function("onLoadFunction()");
     function.addFunction("initialize()");
     EXPECT_THAT(textOf(printedHTML(function)), testing::MatchesRegex("[ \n]*"));
 }
 
-TEST(JsFunctionTest, isNeverAnError) {
+TEST(JsFunctionTest, isErrorReturnsFalse) {
     EXPECT_FALSE(JsFunction("onLoadFunction()").isError());
 }
 

@@ -19,7 +19,7 @@ namespace {
 
 const int FUNCTIONS[] = {105, 106};
 
-// "yes" or "no" for a user whose session was checked.
+// Checks the user's session and returns "yes" if the user may use `function`, otherwise "no".
 std::string judge(User user, int function) {
     return runWithMain(requestOf(user),
                        [function](ProbeMain& main) {
@@ -31,7 +31,7 @@ std::string judge(User user, int function) {
         .output;
 }
 
-// Asks the back-end for a change and for information, after the dispatcher has judged the user.
+// Requests a change and then information from the back-end, after the user's right was judged.
 ChildResult changeAfterJudging(User user) {
     return runWithMain(requestOf(user), [](ProbeMain& main) {
         main.guiCheckSession(true);
@@ -57,19 +57,19 @@ std::vector<unsigned int> numbersOf(const std::vector<BackendRequest>& requests)
 
 }  // namespace
 
-TEST(JudgeAuthorityTest, allowsAUserWithTheRight) {
+TEST(JudgeAuthorityTest, allowsUserWithRight) {
     for (const int function : FUNCTIONS) {
         EXPECT_EQ(judge(User::WITH_RIGHT, function), "yes") << function;
     }
 }
 
-TEST(JudgeAuthorityTest, refusesAUserWithoutTheRight) {
+TEST(JudgeAuthorityTest, refusesUserWithoutRight) {
     for (const int function : FUNCTIONS) {
         EXPECT_EQ(judge(User::WITHOUT_RIGHT, function), "no") << function;
     }
 }
 
-TEST(JudgeAuthorityTest, refusesWhoeverHasNoSession) {
+TEST(JudgeAuthorityTest, refusesRequestWithoutSession) {
     const ChildResult result = runWithMain({}, [](ProbeMain& main) {
         main.connect();
         std::cout << (main.mayUse(105) ? "yes" : "no");
@@ -78,21 +78,21 @@ TEST(JudgeAuthorityTest, refusesWhoeverHasNoSession) {
     EXPECT_EQ(result.output, "no");
 }
 
-TEST(JudgeAuthorityTest, letsAnAllowedUserChange) {
+TEST(JudgeAuthorityTest, sendsChangeOfAllowedUser) {
     const auto backend = startBackend({{.object = {0, 0}}});
     if (backend == nullptr) {
-        GTEST_SKIP() << "platformSpecifics has no back-end.";
+        GTEST_SKIP() << "platformSpecifics provides no back-end.";
     }
     EXPECT_EQ(changeAfterJudging(User::WITH_RIGHT).output, "sent, no code, answered");
     EXPECT_THAT(numbersOf(backend->stop()), testing::ElementsAre(SET_BACKUP, GET_VERSION_INFO));
 }
 
-// The pages act on a posted form before they look at the display mode, so only the platform can
-// keep a user without the right from changing anything.
-TEST(JudgeAuthorityTest, sendsNoChangeOfARefusedUser) {
+// The pages process a posted form before they check the display mode, so only the platform can
+// prevent changes by a user without the right.
+TEST(JudgeAuthorityTest, blocksChangeOfRefusedUser) {
     const auto backend = startBackend({{.object = {0, 0}}});
     if (backend == nullptr) {
-        GTEST_SKIP() << "platformSpecifics has no back-end.";
+        GTEST_SKIP() << "platformSpecifics provides no back-end.";
     }
     EXPECT_EQ(changeAfterJudging(User::WITHOUT_RIGHT).output, "not sent, code, answered");
     EXPECT_THAT(numbersOf(backend->stop()), testing::ElementsAre(GET_VERSION_INFO));

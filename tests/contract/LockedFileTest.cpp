@@ -30,7 +30,7 @@ protected:
         path = folder + "/lock";
     }
 
-    // A child process that holds the lock, says so, and then waits to be killed.
+    // Run in a child process: obtains the lock, prints "locked", and waits to be killed.
     static int holdForEver(const std::string& path) {
         const LockedFile lock(path);
         std::cout << "locked" << std::endl;
@@ -39,7 +39,8 @@ protected:
         }
     }
 
-    // A step that two processes must not take at once, `count` times.
+    // Increments the number in `counter` `count` times, each under the lock; concurrent increments
+    // would be lost.
     static int countUp(const std::string& path, const std::string& counter, int count) {
         for (int i = 0; i < count; ++i) {
             const LockedFile lock(path);
@@ -58,7 +59,7 @@ protected:
     std::string path;
 };
 
-TEST_F(LockedFileTest, makesTheFileAndLeavesIt) {
+TEST_F(LockedFileTest, createsAndKeepsFile) {
     {
         const LockedFile lock(path);
         EXPECT_TRUE(exists(path));
@@ -66,13 +67,13 @@ TEST_F(LockedFileTest, makesTheFileAndLeavesIt) {
     EXPECT_TRUE(exists(path));
 }
 
-TEST_F(LockedFileTest, leavesTheContentAsItIs) {
+TEST_F(LockedFileTest, keepsContentOfFile) {
     writeText(path, "content");
     const LockedFile lock(path);
     EXPECT_EQ(readText(path), "content");
 }
 
-TEST_F(LockedFileTest, isReleasedAtTheEndOfItsLife) {
+TEST_F(LockedFileTest, destructorReleasesLock) {
     for (int i = 0; i < 3; ++i) {
         const LockedFile lock(path);
     }
@@ -83,7 +84,7 @@ TEST_F(LockedFileTest, isReleasedAtTheEndOfItsLife) {
               0);
 }
 
-TEST_F(LockedFileTest, isReleasedWhenAnExceptionPasses) {
+TEST_F(LockedFileTest, exceptionReleasesLock) {
     const auto fail = [this] {
         const LockedFile lock(path);
         throw std::runtime_error("failed");
@@ -92,7 +93,7 @@ TEST_F(LockedFileTest, isReleasedWhenAnExceptionPasses) {
     const LockedFile lock(path);
 }
 
-TEST_F(LockedFileTest, twoProcessesNeverHoldItAtOnce) {
+TEST_F(LockedFileTest, excludesOtherProcesses) {
     const std::string counter = folder + "/counter";
     writeText(counter, "0");
     std::list<ChildProcess> children;
@@ -106,14 +107,14 @@ TEST_F(LockedFileTest, twoProcessesNeverHoldItAtOnce) {
     EXPECT_EQ(readText(counter), "100");
 }
 
-TEST_F(LockedFileTest, aLockThatAnotherKeepsThrowsInTheEnd) {
+TEST_F(LockedFileTest, throwsWhileAnotherProcessHoldsLock) {
     ChildProcess holder([this] { return holdForEver(path); });
     ASSERT_EQ(holder.readLine(), "locked");
     expectRefused(path);
     EXPECT_TRUE(exists(path));
 }
 
-TEST_F(LockedFileTest, theLockOfAKilledProcessIsReleased) {
+TEST_F(LockedFileTest, killingHolderReleasesLock) {
     ChildProcess holder([this] { return holdForEver(path); });
     ASSERT_EQ(holder.readLine(), "locked");
     holder.kill();
@@ -121,7 +122,7 @@ TEST_F(LockedFileTest, theLockOfAKilledProcessIsReleased) {
     const LockedFile lock(path);
 }
 
-TEST_F(LockedFileTest, isNotPassedOnToAProgramThatTheHolderStarts) {
+TEST_F(LockedFileTest, startedProgramDoesNotInheritLock) {
     auto lock = std::make_unique<LockedFile>(path);
     ChildProcess program(
         [] { return ::execl("/bin/sh", "sh", "-c", "echo on; sleep 60", nullptr); });
@@ -130,7 +131,7 @@ TEST_F(LockedFileTest, isNotPassedOnToAProgramThatTheHolderStarts) {
     const LockedFile again(path);
 }
 
-TEST_F(LockedFileTest, aLinkIsRefusedAndNotFollowed) {
+TEST_F(LockedFileTest, rejectsLinkWithoutFollowingIt) {
     const std::string target = folder + "/target";
     ASSERT_EQ(::symlink(target.c_str(), path.c_str()), 0);
     expectRefused(path);
@@ -139,16 +140,16 @@ TEST_F(LockedFileTest, aLinkIsRefusedAndNotFollowed) {
     expectRefused(path);
 }
 
-TEST_F(LockedFileTest, aPipeIsRefusedWithoutWaitingForItsOtherEnd) {
+TEST_F(LockedFileTest, rejectsPipeWithoutBlocking) {
     ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
     expectRefused(path);
 }
 
-TEST_F(LockedFileTest, aFolderIsRefused) {
+TEST_F(LockedFileTest, rejectsFolder) {
     expectRefused(folder);
 }
 
-TEST_F(LockedFileTest, aPathInAMissingFolderIsRefused) {
+TEST_F(LockedFileTest, rejectsPathInMissingFolder) {
     expectRefused(folder + "/missing/lock");
 }
 

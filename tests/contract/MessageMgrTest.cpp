@@ -19,7 +19,7 @@ const int ENGLISH = 0;
 const int JAPANESE = 1;
 const int UNKNOWN_NUMBER = 32001;
 
-// Every number that the pages ask for.
+// Every number that the pages use.
 const int MESSAGES[] = {12, 30, 33, 45, 46, 63, 64, 70, 71, 72, 73, 250, 293, 303, 353, 354};
 const int CAPTIONS[] = {131,  132,  394,  499,  971,  973,  986,  1002,
                         1003, 1004, 1005, 1006, 1356, 1357, 1358, 1359};
@@ -32,7 +32,8 @@ std::string caption(int language, int number) {
     return MessageMgr(language).getString(number);
 }
 
-// What stands for a text that is missing: what stands for an unknown number, with this number.
+// Returns the replacement for a missing text `number`, made from the replacement for
+// UNKNOWN_NUMBER.
 std::string missing(std::string textOfUnknown, int number) {
     const std::string unknown = std::to_string(UNKNOWN_NUMBER);
     return textOfUnknown.replace(textOfUnknown.find(unknown), unknown.size(),
@@ -44,7 +45,7 @@ bool isPrintableASCII(const std::string& text) {
                        [](unsigned char byte) { return byte >= 0x20 && byte < 0x7F; });
 }
 
-bool holdsControls(const std::string& text) {
+bool containsControls(const std::string& text) {
     return std::any_of(text.begin(), text.end(),
                        [](unsigned char byte) { return byte < 0x20 || byte == 0x7F; });
 }
@@ -60,30 +61,30 @@ void expectText(const Texts& texts, int number) {
     EXPECT_THAT(english, Not(IsEmpty()));
     EXPECT_TRUE(isPrintableASCII(english)) << english;
     EXPECT_FALSE(isPrintableASCII(japanese)) << japanese;
-    EXPECT_FALSE(holdsControls(japanese)) << japanese;
+    EXPECT_FALSE(containsControls(japanese)) << japanese;
     EXPECT_EQ((english + japanese).find("<br>"), std::string::npos);
 }
 
 }  // namespace
 
-TEST(MessageMgrTest, everyMessageOfThePagesIsThereInBothLanguages) {
+TEST(MessageMgrTest, hasEveryMessageInBothLanguages) {
     for (const int number : MESSAGES) {
         expectText(message, number);
     }
 }
 
-TEST(MessageMgrTest, everyCaptionOfThePagesIsThereInBothLanguages) {
+TEST(MessageMgrTest, hasEveryCaptionInBothLanguages) {
     for (const int number : CAPTIONS) {
         expectText(caption, number);
     }
 }
 
-TEST(MessageMgrTest, messagesAndCaptionsAreNumberedApart) {
+TEST(MessageMgrTest, numbersMessagesAndCaptionsSeparately) {
     EXPECT_NE(message(ENGLISH, 12), caption(ENGLISH, 12));
     EXPECT_NE(message(ENGLISH, 131), caption(ENGLISH, 131));
 }
 
-TEST(MessageMgrTest, theCodeStandsAtTheEnd) {
+TEST(MessageMgrTest, appendsCodeToMessage) {
     for (const int language : {ENGLISH, JAPANESE}) {
         const std::string plain = message(language, 72);
         const std::string coded = MessageMgr(language).getMessage(72, 1539);
@@ -98,19 +99,19 @@ TEST(MessageMgrTest, differentCodesGiveDifferentTexts) {
     EXPECT_NE(messages.getMessage(72, -1), messages.getMessage(72, 1));
 }
 
-TEST(MessageMgrTest, anUnknownNumberIsNamed) {
+TEST(MessageMgrTest, namesUnknownNumber) {
     EXPECT_THAT(message(ENGLISH, UNKNOWN_NUMBER), HasSubstr("32001"));
     EXPECT_THAT(caption(JAPANESE, UNKNOWN_NUMBER), HasSubstr("32001"));
 }
 
-TEST(MessageMgrTest, anUnknownLanguageIsEnglish) {
+TEST(MessageMgrTest, usesEnglishForUnknownLanguage) {
     for (const int language : {-1, 99}) {
         EXPECT_EQ(message(language, 72), message(ENGLISH, 72));
         EXPECT_EQ(caption(language, 1006), caption(ENGLISH, 1006));
     }
 }
 
-TEST(MessageMgrTest, cataloguesOfTwoLanguagesLiveSideBySide) {
+TEST(MessageMgrTest, twoLanguagesCanBeUsedAtOnce) {
     const MessageMgr english(ENGLISH);
     const MessageMgr japanese(JAPANESE);
     EXPECT_EQ(english.getString(1006), caption(ENGLISH, 1006));

@@ -12,7 +12,7 @@ PException makeException(const char* text) {
 
 }  // namespace
 
-TEST(PExceptionTest, givesWhatItWasMadeOf) {
+TEST(PExceptionTest, returnsConstructorArguments) {
     const PException exception = makeException("text");
     EXPECT_EQ(exception.getSystem(), 1);
     EXPECT_EQ(exception.getSubsystem(), 2);
@@ -26,13 +26,13 @@ TEST(PExceptionTest, givesWhatItWasMadeOf) {
     }
 }
 
-TEST(PExceptionTest, thereIsNoArgumentBeyondTheEighth) {
+TEST(PExceptionTest, argumentsBeyondTheEighthAreZero) {
     const PException exception = makeException("text");
     EXPECT_EQ(exception.getArgument(8), 0);
     EXPECT_EQ(exception.getArgument(~0U), 0);
 }
 
-TEST(PExceptionTest, aTextTravelsInAnArgument) {
+TEST(PExceptionTest, keepsTextPointerInArgument) {
     static const char TEXT[] = "constant text";
     try {
         throw makeException(TEXT);
@@ -41,7 +41,7 @@ TEST(PExceptionTest, aTextTravelsInAnArgument) {
     }
 }
 
-TEST(PExceptionTest, aCopyHoldsTheSame) {
+TEST(PExceptionTest, copyHasSameValues) {
     const PException exception = makeException("text");
     PException copy = makeException("other");
     copy = exception;
@@ -51,7 +51,7 @@ TEST(PExceptionTest, aCopyHoldsTheSame) {
     EXPECT_EQ(another.getArgument(7), 8);
 }
 
-TEST(PExceptionTest, aDerivedExceptionIsCaughtAsOne) {
+TEST(PExceptionTest, derivedExceptionIsCaughtAsPException) {
     class Derived : public PException {
     public:
         Derived() : PException(makeException("derived")) {}

@@ -6,13 +6,13 @@
 
 namespace VeskLib::Test {
 
-// What happened to components.
+// Counts calls and deletions of components.
 struct ProbeCounts {
     int printed = 0;
     int deleted = 0;
 };
 
-// A component that prints a text as it is and counts what happens to it.
+// A component that prints a text unescaped and counts prints and deletions.
 class ProbeComponent : public Gui::HTMLComponent {
 public:
     // `counts` must outlive the component.

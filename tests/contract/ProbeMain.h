@@ -10,7 +10,7 @@
 
 namespace VeskLib::Test {
 
-// A main object that runs a test's function as its dispatcher and opens what pages cannot see.
+// A main object that runs a test's function as its dispatcher and makes protected members public.
 class ProbeMain : public Gui::AbstractMain {
 public:
     using Work = std::function<int(ProbeMain&)>;
@@ -25,25 +25,26 @@ public:
     using AbstractMain::messageSet;
     using AbstractMain::sessionText;
 
-    // Makes the request channel as the dispatcher does and returns it; the main object owns it.
+    // Creates the request channel as the dispatcher does and returns it. The main object owns it.
     Gui::CGIRequester& connect();
 
-    // Returns whether JudgeAuthority lets the user of the checked session use `function`, asked in
-    // the order of the dispatcher. Needs connect() before.
+    // Returns true if JudgeAuthority lets the user of the checked session use `function`. Calls
+    // JudgeAuthority in the same order as the dispatcher. connect() must have been called.
     bool mayUse(int function);
 
 private:
     Work work;
 };
 
-// Runs `work` as the dispatcher of a request, by exec() and in a child process. The method is GET
-// unless `variables` has another.
+// Runs `work` as the dispatcher of a request: in a child process, through exec(). The method is GET
+// unless `variables` specifies another.
 ChildResult runRequest(const Environment& variables, const ProbeMain::Work& work);
 
-// Runs `work` with the main object of a request, without exec(); its result is the child's status.
+// Runs `work` with the main object of a request in a child process, without exec(). The result of
+// `work` is the child's exit status.
 ChildResult runWithMain(const Environment& variables, const ProbeMain::Work& work);
 
-// What follows the header of a CGI response; a test failure and "" if there is no header.
+// Returns the body of a CGI response. Fails the test and returns "" if there is no header.
 std::string bodyOf(const std::string& response);
 
 }  // namespace VeskLib::Test

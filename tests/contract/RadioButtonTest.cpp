@@ -14,7 +14,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-TEST(RadioButtonTest, aChoiceIsOneButtonOfItsGroupAndForm) {
+TEST(RadioButtonTest, choiceIsOneButtonOfItsGroupAndForm) {
     RadioButton group("radio_button", "", "form_name", &ALLOWED);
     group.add("0", "", false, false);
     const std::vector<Tag> inputs = inputsOf(group);
@@ -28,7 +28,7 @@ TEST(RadioButtonTest, aChoiceIsOneButtonOfItsGroupAndForm) {
     EXPECT_FALSE(inputs[0].attributes.contains("disabled"));
 }
 
-TEST(RadioButtonTest, everyDisplayModeButTwoDisables) {
+TEST(RadioButtonTest, disablesUnlessDisplayModeIsTwo) {
     for (const int mode : {-1, 0, 1, 3, 102}) {
         SCOPED_TRACE(mode);
         RadioButton group("name", "", "form", &mode);
@@ -40,7 +40,7 @@ TEST(RadioButtonTest, everyDisplayModeButTwoDisables) {
     }
 }
 
-TEST(RadioButtonTest, theDisplayModeIsLookedAtWhenPrinting) {
+TEST(RadioButtonTest, readsDisplayModeWhenPrinting) {
     int mode = 0;
     RadioButton group("name", "", "form", &mode);
     group.add("0", "", false, false);
@@ -49,7 +49,7 @@ TEST(RadioButtonTest, theDisplayModeIsLookedAtWhenPrinting) {
     EXPECT_FALSE(inputsOf(group).at(0).attributes.contains("disabled"));
 }
 
-TEST(RadioButtonTest, choicesStandInTheirOrderWithTheirMarks) {
+TEST(RadioButtonTest, printsChoicesInOrderWithTheirStates) {
     RadioButton group("name", "", "form", &ALLOWED);
     group.add("7", "", false, true);
     group.add("3", "", true, false);
@@ -66,18 +66,18 @@ TEST(RadioButtonTest, choicesStandInTheirOrderWithTheirMarks) {
     EXPECT_FALSE(inputs[2].attributes.contains("disabled"));
 }
 
-TEST(RadioButtonTest, aGroupWithoutChoicesPrintsNoButton) {
+TEST(RadioButtonTest, printsNoButtonWithoutChoices) {
     EXPECT_THAT(inputsOf(RadioButton("name", "title", "form", &ALLOWED)), IsEmpty());
 }
 
-TEST(RadioButtonTest, aLabelBelongsToItsChoice) {
+TEST(RadioButtonTest, labelBelongsToItsChoice) {
     RadioButton group("name", "", "form", &ALLOWED);
     group.add("0", "Partition 0", false, false);
     EXPECT_THAT(textOf(printedHTML(group)), HasSubstr("Partition 0"));
     EXPECT_TRUE(hasLabel(printedHTML(group))) << printedHTML(group);
 }
 
-TEST(RadioButtonTest, hostileTextsStayInTheirPlaces) {
+TEST(RadioButtonTest, escapesHostileTexts) {
     RadioButton harmless("name", "title", "form", &ALLOWED);
     harmless.add("value", "label", false, false);
     const std::vector<std::string> tags = tagNamesOf(printedHTML(harmless));
@@ -96,7 +96,7 @@ TEST(RadioButtonTest, hostileTextsStayInTheirPlaces) {
     }
 }
 
-TEST(RadioButtonTest, isNeverAnError) {
+TEST(RadioButtonTest, isErrorReturnsFalse) {
     EXPECT_FALSE(RadioButton("name", "", "form", &ALLOWED).isError());
 }
 

@@ -11,7 +11,7 @@ using Gui::SelectFile;
 using testing::SizeIs;
 
 // The upload page's selector.
-TEST(SelectFileTest, aSelectorIsOneFileFieldOfItsForm) {
+TEST(SelectFileTest, isOneFileFieldOfItsForm) {
     const std::vector<Tag> tags = inputsOf(SelectFile("filename", "", "form_name", 70, 0));
     ASSERT_THAT(tags, SizeIs(1));
     EXPECT_EQ(attribute(tags[0], "id"), "filename");
@@ -23,12 +23,12 @@ TEST(SelectFileTest, aSelectorIsOneFileFieldOfItsForm) {
     EXPECT_FALSE(tags[0].attributes.contains("disabled"));
 }
 
-TEST(SelectFileTest, aSelectorMayOfferSomeKindsOfFilesFirst) {
+TEST(SelectFileTest, printsAcceptAttribute) {
     const std::string printed = printedHTML(SelectFile("filename", ".dat", "form", 70, 0));
     EXPECT_EQ(tagsOf(printed, "input").at(0).attributes.at("accept"), ".dat");
 }
 
-TEST(SelectFileTest, hostileTextsStayInTheirPlaces) {
+TEST(SelectFileTest, escapesHostileTexts) {
     const SelectFile harmlessField("n", "a", "f", 70, 0);
     const std::vector<Tag> harmless = inputsOf(harmlessField);
     for (const std::string& text : printableTexts()) {
@@ -44,7 +44,7 @@ TEST(SelectFileTest, hostileTextsStayInTheirPlaces) {
     }
 }
 
-TEST(SelectFileTest, isNeverAnError) {
+TEST(SelectFileTest, isErrorReturnsFalse) {
     EXPECT_FALSE(SelectFile("filename", "", "form", 70, 0).isError());
 }
 

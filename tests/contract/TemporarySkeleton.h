@@ -4,7 +4,8 @@
 
 namespace VeskLib::Test {
 
-// A skeleton file under "/var/tmp", which every board has, with a name that no other has.
+// A skeleton file with a unique name under "/var/tmp", which exists on every board. Removed by the
+// destructor.
 class TemporarySkeleton {
 public:
     explicit TemporarySkeleton(const std::string& content);
@@ -12,7 +13,7 @@ public:
     TemporarySkeleton& operator=(const TemporarySkeleton&) = delete;
     ~TemporarySkeleton();
 
-    // The board's path, as a generator takes it.
+    // Returns the board's path, as HTMLCodeGenerator expects it.
     const std::string& path() const { return boardPath; }
 
 private:

@@ -11,12 +11,12 @@ namespace VeskLib::Test {
 using Gui::TextString;
 using testing::IsEmpty;
 
-TEST(TextStringTest, aPlainTextIsPrintedAsItIs) {
+TEST(TextStringTest, printsPlainTextUnchanged) {
     EXPECT_EQ(printedHTML(TextString("/default.css")), "/default.css");
     EXPECT_EQ(printedHTML(TextString("")), "");
 }
 
-TEST(TextStringTest, aHostileTextIsTextAndNothingElse) {
+TEST(TextStringTest, escapesHostileTexts) {
     for (const std::string& text : printableTexts()) {
         SCOPED_TRACE(text);
         const std::string printed = printedHTML(TextString(text));
@@ -26,20 +26,20 @@ TEST(TextStringTest, aHostileTextIsTextAndNothingElse) {
     }
 }
 
-TEST(TextStringTest, theProgramsOwnSettingsAreTheDefaults) {
+TEST(TextStringTest, printsSameWithExplicitDefaults) {
     for (const std::string& text : hostileTexts()) {
         SCOPED_TRACE(text);
         EXPECT_EQ(printedHTML(TextString(text, false, false, 6)), printedHTML(TextString(text)));
     }
 }
 
-TEST(TextStringTest, aTextThatIsReadyToPrintIsPrintedAsItIs) {
+TEST(TextStringTest, doesNotEscapeTextThatIsReadyToPrint) {
     for (const std::string& text : hostileTexts()) {
         EXPECT_EQ(printedHTML(TextString(text, false, true)), text);
     }
 }
 
-TEST(TextStringTest, anEmphasizedTextIsEscapedAsWell) {
+TEST(TextStringTest, escapesEmphasizedText) {
     for (const std::string& text : printableTexts()) {
         SCOPED_TRACE(text);
         const std::string printed = printedHTML(TextString(text, true));
@@ -49,7 +49,7 @@ TEST(TextStringTest, anEmphasizedTextIsEscapedAsWell) {
     }
 }
 
-TEST(TextStringTest, keepsATextOfItsOwn) {
+TEST(TextStringTest, copiesItsText) {
     std::string text = "first";
     const TextString component(text);
     text = "second";
@@ -61,7 +61,7 @@ TEST(TextStringTest, printsTheSameEveryTime) {
     EXPECT_EQ(printedHTML(component), printedHTML(component));
 }
 
-TEST(TextStringTest, isNeverAnError) {
+TEST(TextStringTest, isErrorReturnsFalse) {
     EXPECT_FALSE(TextString("text").isError());
 }
 

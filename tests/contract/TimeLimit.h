@@ -4,8 +4,8 @@
 
 namespace VeskLib::Test {
 
-// Ends the test program with a failure that names the test when one test takes longer than the
-// limit, so that a board that hangs fails the test that finds it, also outside of ctest.
+// Exits the test program with a failure that names the test when a test exceeds the time limit, so
+// that a board that hangs fails the right test, even outside of ctest.
 class TimeLimit : public testing::EmptyTestEventListener {
 public:
     explicit TimeLimit(unsigned int seconds) : seconds(seconds) {}

@@ -5,7 +5,7 @@
 
 namespace VeskLib::Test {
 
-// The trace log of the board, and what is added to it while the object lives.
+// The board's trace log, and the lines added to it since construction.
 class TraceLines {
 public:
     TraceLines();
@@ -15,7 +15,7 @@ public:
 
     const std::string& hostPath() const { return path; }
 
-    // Returns the lines that were added since the object was made.
+    // Returns the lines added since construction.
     std::vector<std::string> added() const;
 
 private:

@@ -29,7 +29,7 @@ protected:
     const std::string& path = trace.hostPath();
 };
 
-TEST_F(VeskTraceContractTest, everyCallIsOneLine) {
+TEST_F(VeskTraceContractTest, writesOneLinePerCall) {
     VeskTrace log(1, 2, 29697);
     log.putLog(0, "AbstractBackupRestorePage::upload failed");
     log.putLog(0, "Illegal query string (107)");
@@ -40,12 +40,12 @@ TEST_F(VeskTraceContractTest, everyCallIsOneLine) {
     EXPECT_EQ(readText(path).back(), '\n');
 }
 
-TEST_F(VeskTraceContractTest, anEmptyTextIsALineAsWell) {
+TEST_F(VeskTraceContractTest, writesLineForEmptyText) {
     VeskTrace(1, 2, 29696).putLog(0, "");
     EXPECT_THAT(newLines(), SizeIs(1));
 }
 
-TEST_F(VeskTraceContractTest, noTextForgesALine) {
+TEST_F(VeskTraceContractTest, hostileTextCannotForgeLine) {
     VeskTrace log(1, 2, 29696);
     for (const std::string& text : hostileTexts()) {
         log.putLog(0, text.c_str());
@@ -59,14 +59,14 @@ TEST_F(VeskTraceContractTest, noTextForgesALine) {
     }
 }
 
-TEST_F(VeskTraceContractTest, theWholeOfAnOrdinaryTextIsKept) {
+TEST_F(VeskTraceContractTest, keepsWholeTextOf255Bytes) {
     const std::string text(255, 'x');
     VeskTrace(1, 2, 29696).putLog(0, text.c_str());
     ASSERT_THAT(newLines(), SizeIs(1));
     EXPECT_THAT(newLines()[0], HasSubstr(text));
 }
 
-TEST_F(VeskTraceContractTest, aLogThatCannotBeWrittenIsPassedOver) {
+TEST_F(VeskTraceContractTest, ignoresUnwritableLog) {
     const std::filesystem::path aside = path + ".aside";
     if (exists(path)) {
         std::filesystem::rename(path, aside);

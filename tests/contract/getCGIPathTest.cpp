@@ -10,7 +10,7 @@ namespace VeskLib::Test {
 
 using testing::EndsWith;
 
-TEST(GetCGIPathTest, givesAnAbsolutePathToTheSameFile) {
+TEST(GetCGIPathTest, returnsAbsolutePathEndingInArgument) {
     for (const char* path : {"/var/tmp/efi_backup", "/var/tmp/restored_eficonf.lock",
                              "/usr/local/www/skel/skeleton_efi_backup.txt"}) {
         EXPECT_THAT(getCGIPath(path), EndsWith(path));
@@ -18,14 +18,14 @@ TEST(GetCGIPathTest, givesAnAbsolutePathToTheSameFile) {
     }
 }
 
-TEST(GetCGIPathTest, everyPathIsUnderTheSameRoot) {
+TEST(GetCGIPathTest, everyPathIsUnderSameRoot) {
     const std::string root = getCGIPath("");
     EXPECT_EQ(getCGIPath("/var/tmp/efi_backup"), root + "/var/tmp/efi_backup");
     EXPECT_EQ(getCGIPath("/var/tmp/efi_backup") + "0123456789abcdef",
               getCGIPath("/var/tmp/efi_backup0123456789abcdef"));
 }
 
-TEST(GetCGIPathTest, theStagingFolderCanBeWritten) {
+TEST(GetCGIPathTest, stagingFolderIsWritable) {
     const std::string path = getCGIPath("/var/tmp/contract_path_test");
     writeText(path, "text");
     EXPECT_EQ(readText(path), "text");

@@ -11,22 +11,22 @@
 
 namespace VeskLib::Test {
 
-// The display mode in which choices can be taken.
+// The display mode in which inputs are enabled.
 inline const int ALLOWED = 2;
 
-// The input elements that a component prints.
+// Returns the input elements that a component prints.
 inline std::vector<Tag> inputsOf(const Gui::HTMLComponent& component) {
     return tagsOf(printedHTML(component), "input");
 }
 
-// The value of an attribute; a text that no component prints if there is none.
+// Returns the value of an attribute, or a text that no component prints if it is missing.
 inline std::string attribute(const Tag& tag, const std::string& name) {
     const auto found = tag.attributes.find(name);
     return found == tag.attributes.end() ? "(no attribute " + name + ")" : found->second;
 }
 
-// Returns whether a label that is printed with the one input belongs to it: by its `for`, or
-// because the input is inside of it.
+// Returns true if the only label belongs to the only input: by its attribute `for`, or because it
+// encloses the input.
 inline bool hasLabel(std::string_view html) {
     const std::vector<Tag> inputs = tagsOf(html, "input");
     const std::vector<Tag> labels = tagsOf(html, "label");

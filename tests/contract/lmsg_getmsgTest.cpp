@@ -17,7 +17,7 @@ const std::size_t SIZE = 256;
 const std::size_t GUARD_SIZE = 64;
 const char GUARD = '\x5A';
 
-// A buffer as the program has it, with guards on both sides of it.
+// A buffer of the program's size, with guard bytes before and after it.
 class GuardedBuffer {
 public:
     GuardedBuffer() { bytes.fill(GUARD); }
@@ -35,7 +35,7 @@ private:
     std::array<char, GUARD_SIZE + SIZE + GUARD_SIZE> bytes;
 };
 
-// The text that the number gives with these arguments.
+// Returns the text of the number with these arguments.
 template <typename... Arguments>
 std::string format(int number, Arguments... arguments) {
     GuardedBuffer buffer;
@@ -47,7 +47,7 @@ std::string format(int number, Arguments... arguments) {
 
 }  // namespace
 
-TEST(LmsgGetmsgTest, everyTraceTextTakesTheArgumentsOfTheProgram) {
+TEST(LmsgGetmsgTest, traceTextsContainTheirArguments) {
     EXPECT_THAT(format(107, "the screen information"), HasSubstr("the screen information"));
     EXPECT_THAT(format(20003, "EFIBackupPage::makeConfigPage"),
                 HasSubstr("EFIBackupPage::makeConfigPage"));
@@ -64,12 +64,12 @@ TEST(LmsgGetmsgTest, everyTraceTextTakesTheArgumentsOfTheProgram) {
     EXPECT_THAT(textAndNumber, HasSubstr("-105"));
 }
 
-TEST(LmsgGetmsgTest, theTextsToldApartByTheirNumbersAreDifferent) {
+TEST(LmsgGetmsgTest, differentNumbersGiveDifferentTexts) {
     EXPECT_NE(format(20003, "x"), format(20020, "x"));
     EXPECT_NE(format(107, "x"), format(20020, "x"));
 }
 
-TEST(LmsgGetmsgTest, aLongArgumentIsCutToFitTheBuffer) {
+TEST(LmsgGetmsgTest, cutsLongArgumentToFitBuffer) {
     const std::string argument(1000, 'a');
     for (const int number : {107, 20003, 20019, 20020}) {
         SCOPED_TRACE(number);
@@ -80,7 +80,7 @@ TEST(LmsgGetmsgTest, aLongArgumentIsCutToFitTheBuffer) {
     EXPECT_LT(format(20034, argument.c_str(), 1).size(), SIZE);
 }
 
-TEST(LmsgGetmsgTest, everyLengthAroundTheBuffersFitsIn) {
+TEST(LmsgGetmsgTest, fillsButDoesNotOverflowBuffer) {
     const std::size_t own = format(20020, "").size();
     for (std::size_t length = SIZE - own - 3; length <= SIZE - own + 3; ++length) {
         SCOPED_TRACE(length);
@@ -89,11 +89,11 @@ TEST(LmsgGetmsgTest, everyLengthAroundTheBuffersFitsIn) {
     }
 }
 
-TEST(LmsgGetmsgTest, conversionsInAnArgumentAreText) {
+TEST(LmsgGetmsgTest, doesNotExpandConversionsInArgument) {
     EXPECT_THAT(format(20020, "%s%s%n%1000d"), HasSubstr("%s%s%n%1000d"));
 }
 
-TEST(LmsgGetmsgTest, anUnknownNumberIsNamed) {
+TEST(LmsgGetmsgTest, namesUnknownNumber) {
     GuardedBuffer buffer;
     EXPECT_EQ(lmsg_getmsg(31999, buffer.start()), buffer.start());
     EXPECT_THAT(buffer.text(), HasSubstr("31999"));

@@ -7,7 +7,8 @@
 
 namespace {
 
-// The slowest test waits for a silent back-end, 10 s on the host; the rest is for slow machines.
+// The slowest test waits for a silent back-end: 10 s on the host. The rest is a margin for slow
+// machines.
 const unsigned int TEST_SECONDS = 60;
 
 }  // namespace

@@ -8,8 +8,8 @@
 
 namespace VeskLib::Test {
 
-// A posted form as browsers send it: the fields in their order, then the file
-// unless `fileName` is empty.
+// Returns a posted form as browsers send it: the fields in order, then the file unless `fileName`
+// is empty.
 ChildSetup multipartRequest(const std::vector<std::pair<std::string, std::string>>& fields,
                             const std::string& fileName, const std::string& content);
 

@@ -36,7 +36,7 @@ struct SystemBoard {
 
 const std::vector<SystemBoard> BOARDS = {{true, true}, {false, false}, {true, false}, {true, true}};
 
-// Fills every member with something of its own.
+// Fills every member with different values.
 void fill(HardInstallInfoPacket& packet) {
     for (const SystemBoard& board : BOARDS) {
         packet.systemBoards.records.emplace_back();
@@ -60,7 +60,7 @@ void fill(HardInstallInfoPacket& packet) {
 
 }  // namespace
 
-TEST(PacketsTest, aPartitionTableThatWasNeverFilledHoldsNone) {
+TEST(PacketsTest, emptyPartitionTableHasNoPartitions) {
     const PartitionInfoPacket packet;
     for (const int partition : OUTSIDE) {
         SCOPED_TRACE(partition);
@@ -72,7 +72,7 @@ TEST(PacketsTest, aPartitionTableThatWasNeverFilledHoldsNone) {
     }
 }
 
-TEST(PacketsTest, aPartitionTableGivesItsEntriesAndNothingOutside) {
+TEST(PacketsTest, partitionTableReturnsOnlyItsEntries) {
     PartitionInfoPacket packet;
     packet.addPartition({.installed = true, .name = "<\xE8\xA3\xBD>", .nodeIds = {0x10, 0x81}});
     packet.addPartition({.installed = false, .name = "", .nodeIds = {}});
@@ -88,7 +88,7 @@ TEST(PacketsTest, aPartitionTableGivesItsEntriesAndNothingOutside) {
     }
 }
 
-TEST(PacketsTest, aPartitionTableSurvivesTheWire) {
+TEST(PacketsTest, partitionTableSurvivesSerialization) {
     PartitionInfoPacket sent;
     sent.addPartition({.installed = true, .name = "first", .nodeIds = {1, 2, 3}});
     sent.addPartition({.installed = false, .name = "", .nodeIds = {}});
@@ -99,7 +99,7 @@ TEST(PacketsTest, aPartitionTableSurvivesTheWire) {
     EXPECT_EQ(received.getPartitionName(2), std::string(1000, 'n'));
 }
 
-TEST(PacketsTest, versionsThatWereNeverFilledAreUnknown) {
+TEST(PacketsTest, emptyVersionTableReturnsUnknown) {
     const VersionInfoPacket packet;
     for (const int board : OUTSIDE) {
         EXPECT_EQ(packet.getBIOSVersion(board, 0), "-");
@@ -107,7 +107,7 @@ TEST(PacketsTest, versionsThatWereNeverFilledAreUnknown) {
     EXPECT_EQ(packet.getBIOSVersion(0, 0), "-");
 }
 
-TEST(PacketsTest, versionsSurviveTheWire) {
+TEST(PacketsTest, versionTableSurvivesSerialization) {
     VersionInfoPacket sent;
     sent.addBIOSVersion("1.23 B");
     sent.addBIOSVersion("-");
@@ -120,7 +120,7 @@ TEST(PacketsTest, versionsSurviveTheWire) {
     }
 }
 
-TEST(PacketsTest, anAnswerThatIsCutShortIsRefusedAndChangesNothing) {
+TEST(PacketsTest, truncatedAnswerIsRejectedAndChangesNothing) {
     PartitionInfoPacket partitions;
     partitions.addPartition({.installed = true, .name = "name", .nodeIds = {1}});
     VersionInfoPacket versions;
@@ -139,7 +139,7 @@ TEST(PacketsTest, anAnswerThatIsCutShortIsRefusedAndChangesNothing) {
     }
 }
 
-TEST(PacketsTest, installInformationThatWasNeverFilledKnowsNoBoard) {
+TEST(PacketsTest, emptyInstallInformationHasNoBoards) {
     const HardInstallInfoPacket packet;
     for (const int kind : {-1, 0, 1, 2, 3, 255}) {
         for (const int number : OUTSIDE) {
@@ -150,7 +150,7 @@ TEST(PacketsTest, installInformationThatWasNeverFilledKnowsNoBoard) {
     }
 }
 
-TEST(PacketsTest, installInformationKnowsItsSystemBoards) {
+TEST(PacketsTest, installInformationReturnsItsSystemBoards) {
     HardInstallInfoPacket packet;
     fill(packet);
     for (std::size_t number = 0; number < BOARDS.size(); ++number) {
@@ -164,7 +164,7 @@ TEST(PacketsTest, installInformationKnowsItsSystemBoards) {
     EXPECT_FALSE(packet.isHome(SYSTEM_BOARD, static_cast<int>(BOARDS.size()), 0));
 }
 
-TEST(PacketsTest, installInformationSurvivesTheWire) {
+TEST(PacketsTest, installInformationSurvivesSerialization) {
     HardInstallInfoPacket sent;
     fill(sent);
     HardInstallInfoPacket received;
@@ -190,7 +190,7 @@ TEST(PacketsTest, installInformationSurvivesTheWire) {
     }
 }
 
-TEST(PacketsTest, installInformationReplacesWhatThePacketContained) {
+TEST(PacketsTest, deserializingReplacesInstallInformation) {
     HardInstallInfoPacket packet;
     fill(packet);
     const Bytes bytes = serialize(packet);
@@ -198,7 +198,7 @@ TEST(PacketsTest, installInformationReplacesWhatThePacketContained) {
     EXPECT_EQ(serialize(packet), bytes);
 }
 
-TEST(PacketsTest, serializingIntoTooSmallABufferThrows) {
+TEST(PacketsTest, serializingIntoTooSmallBufferThrows) {
     HardInstallInfoPacket packet;
     fill(packet);
     Bytes buffer(packet.getSerializedSize());

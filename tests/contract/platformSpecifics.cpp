@@ -15,7 +15,7 @@ const unsigned int MAX_PARTITIONS = 12;
 const char* const TOKEN = "0123456789abcdef0123456789abcdef";
 const char* const TOKEN_SHA256 = "3eb1bd439947eb762998e566ccc2e099c791118b2f40579cc4f7da2b5061b7f9";
 
-// Adds lines to what the back-end publishes.
+// Adds lines to the board properties that the back-end publishes.
 void publish(const std::string& lines) {
     const std::string path = getCGIPath("/var/run/board_properties");
     const std::string before =
@@ -25,7 +25,8 @@ void publish(const std::string& lines) {
     }
 }
 
-// Writes a session file of the host platform and returns the CGI variables of its requests.
+// Writes a session file of the host platform. Returns the CGI variables of a request in the
+// session.
 Environment startSession(const std::string& identifier, const std::string& functions,
                          std::time_t created, const std::string& language = "en") {
     const std::string user = "contract" + functions;

@@ -8,16 +8,18 @@
 
 namespace VeskLib::Test {
 
-// What the tests need to know of a board and no header of the platform says. A board brings its own
-// definitions (CMake option PLATFORM_SPECIFICS); platformSpecifics.cpp has the host's.
+// What the tests must know of a board and the platform's headers do not state. Each board provides
+// its own definitions (CMake option PLATFORM_SPECIFICS); those of the host are in
+// platformSpecifics.cpp.
 
-// How a skeleton marks the place of the component `name`.
+// Returns the mark in a skeleton at which the component `name` is printed.
 std::string skeletonMark(const std::string& name);
 
-// The attribute in which a component prints the script call of a click.
+// Returns the name of the attribute in which a component prints its click handler.
 std::string clickAttribute();
 
-// The board's path of the trace log; empty when the log is not a file, which skips its tests.
+// Returns the board's path of the trace log. Returns "" if the log is not a file, which skips the
+// tests of the log.
 std::string traceFile();
 
 // WITH_RIGHT may use the functions 105 and 106, WITHOUT_RIGHT neither of them.
@@ -27,11 +29,12 @@ enum class User { WITH_RIGHT, WITHOUT_RIGHT };
 // `messageSet`. The session lasts until the test program ends; two calls may return the same one.
 Environment requestOf(User user, int messageSet = 0);
 
-// Returns the CGI variables of requests that carry no valid session: none at all, a malformed one,
-// one that never existed, one with a wrong secret, one that has expired.
+// Returns the CGI variables of requests without a valid session: no session, malformed, never
+// existed, wrong secret, expired.
 std::vector<Environment> requestsWithoutSession();
 
-// A configuration file that the board can restore, and what EFIConfFile must read from it.
+// A configuration file that the board can restore, and the values that EFIConfFile must read from
+// it.
 struct ConfigurationFileSample {
     std::string bytes;
     unsigned int revision = 0;
@@ -41,21 +44,22 @@ struct ConfigurationFileSample {
     std::string partitionName;
 };
 
-// Returns at least one sample. One was saved after January 2038, if the board can make it.
+// Returns at least one sample. If the board can make such a file, one was saved after January 2038.
 std::vector<ConfigurationFileSample> configurationFileSamples();
 
 // Returns the `word` of HardInstallInfoPacket::SBData for a system board.
 unsigned int systemBoardWord(bool installed, bool home);
 
-// Returns what CommonUtil::getMaxPartitionNum() must return, above 0. Called before it.
+// Returns the value that CommonUtil::getMaxPartitionNum() must return, above 0. Called before that
+// function.
 unsigned int maxPartitionNum();
 
-// What the back-end does with one request.
+// The reaction of the back-end to one request.
 struct BackendReply {
     enum Kind {
-        ANSWER,  // carries it out; `object` is the answer to a getInfo()
+        ANSWER,  // carries out the request; `object` is the answer to a getInfo()
         REFUSE,  // answers with `errorCode`
-        SILENT,  // never answers, and keeps the connection
+        SILENT,  // never answers, but keeps the connection open
     };
     Kind kind = ANSWER;
     std::vector<unsigned char> object = {};
@@ -69,18 +73,19 @@ struct BackendRequest {
     std::vector<unsigned char> object;  // of a setInfo(); empty for a getInfo()
 };
 
-// A back-end that CGIRequester reaches, from this process and its children, while the object lives.
+// A back-end that CGIRequester can reach, from this process and its children, while the object
+// exists.
 class Backend {
 public:
     virtual ~Backend() = default;
 
-    // Stops the back-end and returns the requests in the order in which they arrived. Called once,
-    // after every CGIRequester that has connected is destroyed.
+    // Stops the back-end and returns the requests in order of arrival. Called once, after every
+    // connected CGIRequester has been destroyed.
     virtual std::vector<BackendRequest> stop() = 0;
 };
 
-// Starts a back-end that gives the replies one after the other, the last one to every request that
-// follows. Returns null if the board cannot have one, which skips the tests that need it.
+// Starts a back-end that sends the replies in order, and repeats the last one for all further
+// requests. Returns null if the board cannot provide one, which skips the tests that need it.
 std::unique_ptr<Backend> startBackend(const std::vector<BackendReply>& replies);
 
 }  // namespace VeskLib::Test

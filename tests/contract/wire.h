@@ -8,10 +8,10 @@ namespace VeskLib::Test {
 
 using Bytes = std::vector<unsigned char>;
 
-// The wire form of an object.
+// Returns the wire form of an object.
 Bytes serialize(const VeskUi::SerializableObject& object);
 
-// Returns what setSerialized() returns for these bytes.
+// Calls setSerialized() with the bytes and returns its result.
 bool deserialize(VeskUi::SerializableObject& object, const Bytes& bytes);
 
 }  // namespace VeskLib::Test

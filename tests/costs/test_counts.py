@@ -70,7 +70,11 @@ class Counter:
             os.utime(self.scene.board.path(path))  # otherwise the request records the use
         if program is not None:
             request["program"] = str(program)
-        run = runProgram(self.scene.board, request, prefix=prefix, more=ENVIRONMENT)
+        # A file is read in pieces of the same size every time, a pipe is not.
+        with tempfile.TemporaryFile() as body:
+            body.write(request.get("body", b""))
+            body.seek(0)
+            run = runProgram(self.scene.board, request, prefix=prefix, more=ENVIRONMENT, body=body)
         if run.exitStatus != 0 or not run.output.startswith(b"Status: 200"):
             raise AssertionError(f"{kind}: {run.exitStatus} {run.output!r} {run.errors!r}")
         return run.output

@@ -18,12 +18,12 @@ class Architecture(DocumentTest):
     def folders(self):
         """What the tables of folders say of each."""
         return {codes_in(row[0])[0].rstrip("/"): row[1]
-                for cells, rows in self.document.tables() if cells == ["folder", "holds"]
+                for cells, rows in self.document.tables() if cells == ["folder", "contents"]
                 for row in rows}
 
     def test_the_folders_of_the_program_are_listed(self):
         program, other = [[codes_in(row[0])[0] for row in rows]
-                          for cells, rows in self.document.tables() if cells == ["folder", "holds"]]
+                          for cells, rows in self.document.tables() if cells == ["folder", "contents"]]
         stated = re.search(r"The program is `([^`]+)`", read("docs/porting.md"))[1].split()
         self.assertEqual(sorted(program), sorted(stated))
         folders = {each.name for each in PROJECT.iterdir()
@@ -96,7 +96,7 @@ class Architecture(DocumentTest):
 
     def test_the_folders_of_tests_are_there_and_built(self):
         parts = read("tests/CMakeLists.txt")
-        for folders, _, _ in self.table("tests", "link the program against", "and look at"):
+        for folders, _, _ in self.table("tests", "link the program against", "and check"):
             for folder in codes_in(folders):
                 self.assertTrue((PROJECT / folder / "CMakeLists.txt").exists())
                 self.assertRegex(parts, r"\b%s\b" % folder.removeprefix("tests/"))

@@ -316,7 +316,7 @@ class WithoutTheLog(AuditDocument):
         self.assertIn("`trace.log` says so", self.rows()["all others"])
         self.assertEqual(self.admin.request("DELETE", SCREEN).status, 405)
         trace = self.board.path("/var/log/trace.log").read_text()
-        self.assertIn("The audit log does not take a refusal", trace)
+        self.assertIn("A refusal cannot be written to the audit log", trace)
 
     def test_the_back_end_serves(self):
         self.assertIn("says so on standard error and serves", self.rows()["start"])
@@ -330,7 +330,7 @@ class WithoutTheLog(AuditDocument):
             self.assertEqual(Client(restarted).get("/login.cgi").status, 200)
             restarted.end()
             restarted.log.seek(0)
-            self.assertIn("the audit log takes no line", restarted.log.read())
+            self.assertIn("the audit log cannot be written", restarted.log.read())
 
 
 if __name__ == "__main__":

@@ -226,9 +226,7 @@ class BoardDescription(DocumentTest):
 
     def test_a_configuration_file_has_the_stated_length(self):
         limit = self.stated(r"configuration file must not be longer than (\d+) bytes")
-        header = constant("platform/host/storage/ConfigurationFile.h",
-                          "LARGEST_CONFIGURATION_FILE")
-        self.assertEqual(limit, header)
+        self.assertEqual(limit, constant("data/uploadLimit.h", "LARGEST_UPLOAD"))
         # Header, the version "-", the name "x" and the checksum.
         room = limit - 28 - 1 - 1 - 4
         self.assertIsNone(self.start(self.settings("", fill_bytes=str(room))))

@@ -93,7 +93,7 @@ class ConfigurationFile(DocumentTest):
 
     def test_a_file_has_the_stated_size(self):
         limit = self.stated(r"A file is at most (\d+) bytes long")
-        self.assertEqual(limit, constant(HEADER, "LARGEST_CONFIGURATION_FILE"))
+        self.assertEqual(limit, constant("data/uploadLimit.h", "LARGEST_UPLOAD"))
         for size, usable in ((limit, True), (limit + 1, False)):
             payload = size - 28 - 4
             head = self.example[:20] + struct.pack(">HHI", 0, 0, payload)
@@ -164,7 +164,7 @@ class ConfigurationFile(DocumentTest):
     def test_the_price_of_a_restore_is_the_one_stated(self):
         megabytes, count = self.stated(r"payloads of all partitions again, (\d+) MB for (\w+) full")
         self.assertEqual(count, "eight")
-        self.assertEqual(8 * constant(HEADER, "LARGEST_CONFIGURATION_FILE") // 10 ** 6, megabytes)
+        self.assertEqual(8 * constant("data/uploadLimit.h", "LARGEST_UPLOAD") // 10 ** 6, megabytes)
 
     def test_the_table_of_the_state_file_reads_its_example(self):
         sizes = [row[0] for row in self.table("size", "field")]

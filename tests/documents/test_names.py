@@ -29,7 +29,7 @@ def tree():
 
 FILES = tree()
 DOCUMENTS = [Document(str(path)) for path in sorted(FILES)
-             if path.suffix == ".md" and path.parts[0] in ("README.md", "docs")]
+             if path.suffix == ".md" and path.parts[0] in ("README.md", "CONTRIBUTING.md", "docs")]
 
 
 def slug(heading):

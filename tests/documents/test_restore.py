@@ -163,7 +163,7 @@ class Restore(BoardDocumentTest):
 
     def test_a_file_may_have_the_stated_length(self):
         limit = self.stated(r"A file may hold (\d+) bytes")
-        self.assertEqual(limit, constant(CONFIGURATION_LIMIT, "FILE_LENGTH"))
+        self.assertEqual(limit, constant("data/uploadLimit.h", "LARGEST_UPLOAD"))
         # The longest file is read, and found to be no configuration.
         self.assertIn("[64-1026]", self.client.upload(bytes(limit)).text)
         self.assertIn("[63-1028]", self.client.upload(bytes(limit + 1)).text)

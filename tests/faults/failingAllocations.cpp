@@ -1,9 +1,9 @@
-// A library that is loaded before a program's others and lets its allocations fail.
+// A preloaded library that makes a program's allocations fail. Environment variables:
 //
 // FAIL_ALLOCATION=N     the N-th allocation fails (from 1)
-// FAIL_FROM_THEN_ON=1   every further one fails as well
-// ALLOCATION_COUNT=FILE at the end, the number of allocations before main() and the number of all
-//                       are written into this file
+// FAIL_FROM_THEN_ON=1   all later allocations fail too
+// ALLOCATION_COUNT=FILE at exit, writes the number of allocations before main() and the total
+//                       number to this file
 
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -16,7 +16,7 @@
 
 extern "C" {
 
-// The C library's own, under the names that it keeps for libraries such as this one.
+// The C library's own functions, under names reserved for replacements such as this one.
 void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);
 void* __libc_realloc(void* memory, std::size_t size);
@@ -32,7 +32,7 @@ unsigned long beforeMain = 0;
 using Main = int (*)(int, char**, char**);
 Main programsMain = nullptr;
 
-// Read with the first allocation, which comes before any constructor of the program.
+// Set by the first allocation, which comes before any constructor of the program.
 unsigned long failing = 0;
 bool lasting = false;
 std::atomic<bool> prepared = false;
@@ -77,7 +77,7 @@ int enterMain(int argc, char** argv, char** environment) {
 
 extern "C" {
 
-// What a program's first instructions call; it runs the constructors and then `main`.
+// Called by a program's first instructions; runs the constructors and then `main`.
 __attribute__((visibility("default"))) int __libc_start_main(Main main, int argc, char** argv,
                                                              void (*init)(), void (*fini)(),
                                                              void (*loaderFini)(), void* stackEnd) {

@@ -36,7 +36,7 @@ namespace {
 
 const int FAILED = 1;
 
-// Prints a page; a request that must not get so far is known by its text.
+// Prints a page. Tests of failing requests expect its text to be absent.
 int printPage(TestMain& /*main*/) {
     std::cout << "<p>THE PAGE</p>";
     return 0;
@@ -59,7 +59,7 @@ protected:
     void makeConfigPage() override {}
 };
 
-// Asks whether the user may use function 106 and begins its page, as a dispatcher does.
+// Checks the user's right to function 106 and begins its page, as a dispatcher does.
 void beginPage(TestMain& main) {
     main.requester = std::make_unique<Gui::CGIRequester>("").release();
     int displayMode = Gui::JudgeAuthority(&main.authority, 106, -1).getDisplayMode();
@@ -76,7 +76,7 @@ protected:
         return exists(path) ? linesOf(readText(path)) : std::vector<std::string>();
     }
 
-    // The response of a request that ends in an error page.
+    // Runs a request that must end in an error page and returns its response.
     static CGIResponse runFailing(const TestMain::Work& work, const Environment& environment) {
         const ChildResult result = runRequest(work, environment);
         EXPECT_EQ(result.exitStatus, FAILED) << result.errors;
@@ -87,7 +87,7 @@ protected:
         return response;
     }
 
-    // The response to a cookie that is not let in.
+    // Expects the login page in response to a request with this cookie value.
     static void expectLoginPage(const std::string& cookieValue) {
         const CGIResponse response = runFailing(printGuardedPage, getRequest(cookieValue));
         EXPECT_EQ(response.status, "403 Forbidden");
@@ -98,7 +98,7 @@ protected:
     static Session startSession() { return VeskLib::Test::startSession("user", false, ",105,"); }
 };
 
-TEST_F(AbstractMainTest, thePageIsTheResponse) {
+TEST_F(AbstractMainTest, sendsPageAsResponse) {
     for (const Environment& request : {getRequest(), postRequest()}) {
         const ChildResult result = runRequest(printPage, request);
         EXPECT_EQ(result.exitStatus, 0) << result.errors;
@@ -108,7 +108,7 @@ TEST_F(AbstractMainTest, thePageIsTheResponse) {
     EXPECT_THAT(traceLines(), IsEmpty());
 }
 
-TEST_F(AbstractMainTest, aHeadRequestGetsThePagesHeaders) {
+TEST_F(AbstractMainTest, answersHeadWithHeadersOnly) {
     Environment request = getRequest();
     request["REQUEST_METHOD"] = "HEAD";
     const CGIResponse response = parseResponse(runRequest(printPage, request).output, true);
@@ -116,7 +116,7 @@ TEST_F(AbstractMainTest, aHeadRequestGetsThePagesHeaders) {
     EXPECT_EQ(response.header("Content-Length"), "15");
 }
 
-TEST_F(AbstractMainTest, theResultOfTheWorkIsTheExitStatus) {
+TEST_F(AbstractMainTest, returnsResultOfWorkAsExitStatus) {
     for (const int status : {0, 1, 7}) {
         EXPECT_EQ(runRequest([status](TestMain&) { return status; }, getRequest()).exitStatus,
                   status);
@@ -124,7 +124,7 @@ TEST_F(AbstractMainTest, theResultOfTheWorkIsTheExitStatus) {
     EXPECT_EQ(runRequest([](TestMain&) { return -1; }, getRequest()).exitStatus, 255);
 }
 
-TEST_F(AbstractMainTest, theWorkIsDoneOnce) {
+TEST_F(AbstractMainTest, doesWorkOnce) {
     const ChildResult result = runRequest(
         [](TestMain&) {
             std::cout << "once;";
@@ -134,7 +134,7 @@ TEST_F(AbstractMainTest, theWorkIsDoneOnce) {
     EXPECT_EQ(parseResponse(result.output).body, "once;");
 }
 
-TEST_F(AbstractMainTest, aResponseThatCannotBeSentIsAFailure) {
+TEST_F(AbstractMainTest, failsIfResponseCannotBeSent) {
     const ChildResult result = runInChild(
         [] {
             ::close(STDOUT_FILENO);
@@ -145,7 +145,7 @@ TEST_F(AbstractMainTest, aResponseThatCannotBeSentIsAFailure) {
     EXPECT_EQ(result.signal, 0);
 }
 
-TEST_F(AbstractMainTest, otherMethodsAreNotAllowed) {
+TEST_F(AbstractMainTest, rejectsOtherMethods) {
     for (const char* method : {"PUT", "DELETE", "OPTIONS", "get", ""}) {
         Environment request = getRequest();
         request["REQUEST_METHOD"] = method;
@@ -157,7 +157,7 @@ TEST_F(AbstractMainTest, otherMethodsAreNotAllowed) {
     EXPECT_EQ(runFailing(printPage, {}).status, "405 Method Not Allowed");
 }
 
-TEST_F(AbstractMainTest, anotherSitesPostIsForbidden) {
+TEST_F(AbstractMainTest, rejectsCrossSitePost) {
     Environment request = postRequest(startSession().cookieValue());
     request["HTTP_ORIGIN"] = "http://evil";
     const CGIResponse response = runFailing(printPage, request);
@@ -169,19 +169,19 @@ TEST_F(AbstractMainTest, anotherSitesPostIsForbidden) {
     EXPECT_EQ(runFailing(printPage, request).status, "403 Forbidden");
 }
 
-TEST_F(AbstractMainTest, aLoggedInUserGetsThePage) {
+TEST_F(AbstractMainTest, showsPageToLoggedInUser) {
     const ChildResult result =
         runRequest(printGuardedPage, getRequest(startSession().cookieValue()));
     EXPECT_EQ(result.exitStatus, 0);
     EXPECT_THAT(parseResponse(result.output).body, HasSubstr("THE PAGE"));
 }
 
-TEST_F(AbstractMainTest, withoutASessionTheLoginIsOffered) {
+TEST_F(AbstractMainTest, offersLoginWithoutSession) {
     expectLoginPage("");
     expectLoginPage("0123456789abcdef-" + std::string(32, '0'));
 }
 
-TEST_F(AbstractMainTest, malformedCookiesAreNoSession) {
+TEST_F(AbstractMainTest, rejectsMalformedCookies) {
     const std::string cookie = startSession().cookieValue();
     for (const std::string& text :
          {std::string("x"), cookie.substr(0, 16), cookie.substr(1), cookie + "0",
@@ -190,23 +190,23 @@ TEST_F(AbstractMainTest, malformedCookiesAreNoSession) {
     }
 }
 
-TEST_F(AbstractMainTest, aForgedTokenIsNoSession) {
+TEST_F(AbstractMainTest, rejectsForgedToken) {
     const Session session = startSession();
     expectLoginPage(session.identifier + "-" + std::string(32, '0'));
     expectLoginPage(session.identifier + "-" + startSession().token);
 }
 
-TEST_F(AbstractMainTest, anExpiredSessionIsNone) {
+TEST_F(AbstractMainTest, rejectsExpiredSession) {
     const Session session = startSession();
     setAge(sessionFile(session.identifier), Host::SESSION_IDLE_SECONDS + 1);
     expectLoginPage(session.cookieValue());
 }
 
-TEST_F(AbstractMainTest, aPostWithoutASessionGetsTheLoginAsWell) {
+TEST_F(AbstractMainTest, rejectsPostWithoutSession) {
     EXPECT_EQ(runFailing(printGuardedPage, postRequest()).status, "403 Forbidden");
 }
 
-TEST_F(AbstractMainTest, aSessionThatEndsWhileTheBodyComesGetsTheLogin) {
+TEST_F(AbstractMainTest, offersLoginIfSessionEndsDuringBody) {
     const Session session = startSession();
     const auto readForm = [&session](TestMain& main) {
         main.guiCheckSession(true);
@@ -220,7 +220,7 @@ TEST_F(AbstractMainTest, aSessionThatEndsWhileTheBodyComesGetsTheLogin) {
     EXPECT_THAT(response.body, HasSubstr("href=\"/login.cgi\""));
 }
 
-TEST_F(AbstractMainTest, aPostLooksAtTheSessionsFilesBeforeItsWork) {
+TEST_F(AbstractMainTest, checksSessionFilesBeforePost) {
     const Session session = startSession();
     ASSERT_EQ(::symlink("/nowhere", stagingFile(session.identifier).c_str()), 0);
     const CGIResponse response = runFailing(printGuardedPage, postRequest(session.cookieValue()));
@@ -229,7 +229,7 @@ TEST_F(AbstractMainTest, aPostLooksAtTheSessionsFilesBeforeItsWork) {
     EXPECT_EQ(runRequest(printGuardedPage, getRequest(session.cookieValue())).exitStatus, 0);
 }
 
-TEST_F(AbstractMainTest, aChangeThatCannotBeRecordedIsAnErrorPage) {
+TEST_F(AbstractMainTest, failsIfChangeCannotBeRecorded) {
     const Session session = startSession();
     writeText(stagingFile(session.identifier), "staged");
     ASSERT_EQ(::mkfifo(boardFile("/var/log/audit.log").c_str(), 0600), 0);
@@ -243,7 +243,7 @@ TEST_F(AbstractMainTest, aChangeThatCannotBeRecordedIsAnErrorPage) {
     EXPECT_THAT(textOf(response.body), HasSubstr("[9020-1115]"));
 }
 
-TEST_F(AbstractMainTest, aFileIsKeptOnlyForWhoMayRestore) {
+TEST_F(AbstractMainTest, storesFileOnlyForUsersWhoMayRestore) {
     const auto showPolicy = [](TestMain& main) {
         main.guiCheckSession(false);
         std::cout << (Host::formPolicy().file == Host::FormPolicy::File::STORED);
@@ -258,7 +258,7 @@ TEST_F(AbstractMainTest, aFileIsKeptOnlyForWhoMayRestore) {
     EXPECT_EQ(shown(""), "0");
 }
 
-TEST_F(AbstractMainTest, aCheckThatShowsNoErrorGoesOnWithoutRights) {
+TEST_F(AbstractMainTest, silentCheckGrantsNoRights) {
     const ChildResult result = runRequest(
         [](TestMain& main) {
             main.guiCheckSession(false);
@@ -269,7 +269,7 @@ TEST_F(AbstractMainTest, aCheckThatShowsNoErrorGoesOnWithoutRights) {
     EXPECT_EQ(parseResponse(result.output).body, "01");
 }
 
-TEST_F(AbstractMainTest, aCheckThatShowsNoErrorLeavesTheRightsUnchanged) {
+TEST_F(AbstractMainTest, silentCheckLeavesRightsUnchanged) {
     const std::string functions = ",105,";
     const ChildResult result = runRequest(
         [&functions](TestMain& main) {
@@ -282,7 +282,7 @@ TEST_F(AbstractMainTest, aCheckThatShowsNoErrorLeavesTheRightsUnchanged) {
     EXPECT_EQ(parseResponse(result.output).body, "7,105,");
 }
 
-TEST_F(AbstractMainTest, theCheckGivesTheUsersRights) {
+TEST_F(AbstractMainTest, checkSetsRightsOfUser) {
     const Session some = VeskLib::Test::startSession("user", false, ",105,");
     const Session all = VeskLib::Test::startSession("admin", true, "");
     for (const bool showError : {true, false}) {
@@ -299,7 +299,7 @@ TEST_F(AbstractMainTest, theCheckGivesTheUsersRights) {
     }
 }
 
-TEST_F(AbstractMainTest, theCookieAndTheLanguageAreThereBeforeTheWork) {
+TEST_F(AbstractMainTest, setsCookieAndLanguageBeforeWork) {
     Environment request = getRequest();
     request["HTTP_COOKIE"] = "language=ja; session=as it came";
     const ChildResult result = runRequest(
@@ -311,7 +311,7 @@ TEST_F(AbstractMainTest, theCookieAndTheLanguageAreThereBeforeTheWork) {
     EXPECT_EQ(parseResponse(result.output).body, "as it came|1");
 }
 
-TEST_F(AbstractMainTest, errorExitShowsItsTextsAndEndsTheRequest) {
+TEST_F(AbstractMainTest, errorExitShowsTextsAndEndsRequest) {
     const CGIResponse response = runFailing(
         [](TestMain& main) {
             std::cout << "half of THE PAGE";
@@ -327,7 +327,7 @@ TEST_F(AbstractMainTest, errorExitShowsItsTextsAndEndsTheRequest) {
     EXPECT_THAT(traceLines(), IsEmpty());
 }
 
-TEST_F(AbstractMainTest, errorExitWithACodeShowsTheCode) {
+TEST_F(AbstractMainTest, errorExitShowsCode) {
     const CGIResponse response = runFailing(
         [](TestMain& main) {
             main.errorExit("The message", 1539);
@@ -337,7 +337,7 @@ TEST_F(AbstractMainTest, errorExitWithACodeShowsTheCode) {
     EXPECT_THAT(response.body, HasSubstr("<p>The message [1539]</p>"));
 }
 
-TEST_F(AbstractMainTest, hostileTextsStayInTheErrorPage) {
+TEST_F(AbstractMainTest, escapesHostileTextsInErrorPage) {
     const auto fail = [](const std::string& text) {
         return runFailing(
             [&text](TestMain& main) {
@@ -355,7 +355,7 @@ TEST_F(AbstractMainTest, hostileTextsStayInTheErrorPage) {
     }
 }
 
-TEST_F(AbstractMainTest, anErrorAfterAFailedBackEndRequestIsTheServersTrouble) {
+TEST_F(AbstractMainTest, answersUnavailableAfterFailedBackEndRequest) {
     const CGIResponse response = runFailing(
         [](TestMain& main) {
             main.requester = std::make_unique<Gui::CGIRequester>("").release();
@@ -368,7 +368,7 @@ TEST_F(AbstractMainTest, anErrorAfterAFailedBackEndRequestIsTheServersTrouble) {
     EXPECT_EQ(response.status, "503 Service Unavailable");
 }
 
-TEST_F(AbstractMainTest, anErrorWithoutABackEndRequestIsTheClients) {
+TEST_F(AbstractMainTest, answersBadRequestWithoutBackEndRequest) {
     const CGIResponse response = runFailing(
         [](TestMain& main) {
             main.requester = std::make_unique<Gui::CGIRequester>("").release();
@@ -379,7 +379,7 @@ TEST_F(AbstractMainTest, anErrorWithoutABackEndRequestIsTheClients) {
     EXPECT_EQ(response.status, "400 Bad Request");
 }
 
-TEST_F(AbstractMainTest, answersForbiddenWhereverARefusedUsersRequestEnds) {
+TEST_F(AbstractMainTest, answersForbiddenWhereverRefusedRequestEnds) {
     const std::vector<TestMain::Work> ends = {
         [](TestMain& main) {
             main.errorExit("title", "message");
@@ -408,7 +408,7 @@ TEST_F(AbstractMainTest, answersForbiddenWhereverARefusedUsersRequestEnds) {
     }
 }
 
-TEST_F(AbstractMainTest, keepsTheStatusOfAnErrorBeforeThePageBegins) {
+TEST_F(AbstractMainTest, keepsStatusOfErrorBeforePage) {
     const CGIResponse response = runFailing(
         [](TestMain& main) {
             Gui::JudgeAuthority(&main.authority, 106, -1).getDisplayMode();
@@ -419,7 +419,7 @@ TEST_F(AbstractMainTest, keepsTheStatusOfAnErrorBeforeThePageBegins) {
     EXPECT_EQ(response.status, "400 Bad Request");
 }
 
-TEST_F(AbstractMainTest, keepsTheStatusOfAnAllowedUsersError) {
+TEST_F(AbstractMainTest, keepsStatusOfAllowedUsersError) {
     const std::string functions = ",106,";
     const CGIResponse response = runFailing(
         [&functions](TestMain& main) {
@@ -432,7 +432,7 @@ TEST_F(AbstractMainTest, keepsTheStatusOfAnAllowedUsersError) {
     EXPECT_EQ(response.status, "400 Bad Request");
 }
 
-TEST_F(AbstractMainTest, anExceptionThatNobodyCatchesIsOneWholeErrorPageAndATraceLine) {
+TEST_F(AbstractMainTest, turnsUncaughtExceptionIntoErrorPageAndTraceLine) {
     const CGIResponse response = runFailing(
         [](TestMain&) -> int {
             std::cout << "half of THE PAGE";
@@ -445,7 +445,7 @@ TEST_F(AbstractMainTest, anExceptionThatNobodyCatchesIsOneWholeErrorPageAndATrac
     EXPECT_THAT(traceLines(), ElementsAre(HasSubstr("level 0: LockedFile failed [1101]")));
 }
 
-TEST_F(AbstractMainTest, aRequestThatIsTooLargeOrMalformedIsTheClients) {
+TEST_F(AbstractMainTest, answersClientErrorToLargeOrMalformedRequest) {
     const auto fail = [](Host::PlatformError error) {
         return runFailing(
             [error](TestMain&) -> int { throw Host::makePlatformException(error, "refused"); },
@@ -459,7 +459,7 @@ TEST_F(AbstractMainTest, aRequestThatIsTooLargeOrMalformedIsTheClients) {
     EXPECT_THAT(textOf(malformed.body), HasSubstr("damaged or incomplete"));
 }
 
-TEST_F(AbstractMainTest, theExceptionsOfTheLibraryEndTheSame) {
+TEST_F(AbstractMainTest, turnsStandardExceptionIntoErrorPage) {
     const CGIResponse response = runFailing(
         [](TestMain&) -> int {
             std::cout << "half of THE PAGE";
@@ -471,13 +471,13 @@ TEST_F(AbstractMainTest, theExceptionsOfTheLibraryEndTheSame) {
     EXPECT_THAT(traceLines(), ElementsAre(HasSubstr("std::bad_alloc")));
 }
 
-TEST_F(AbstractMainTest, anErrorPageForAHeadRequestHasNoBody) {
+TEST_F(AbstractMainTest, omitsErrorPageBodyForHead) {
     Environment request = getRequest();
     request["REQUEST_METHOD"] = "HEAD";
     EXPECT_EQ(runFailing(printGuardedPage, request).status, "403 Forbidden");
 }
 
-TEST_F(AbstractMainTest, whatTheWorkMadeGoesWithTheRequest) {
+TEST_F(AbstractMainTest, deletesRequesterWithRequest) {
     const ChildResult result = runInChild(
         [] {
             class Noisy : public Gui::CGIRequester {

@@ -53,39 +53,39 @@ protected:
 
 }  // namespace
 
-TEST_F(AuditHistoryTest, readsTheNewestLineFirstAcrossTheFormerFiles) {
+TEST_F(AuditHistoryTest, readsNewestLineFirstAcrossRotatedFiles) {
     writePrivateText(path(), "6\n7\n");
     writePrivateText(path(1), "4\n5\n");
     writePrivateText(path(2), "3\n");
     EXPECT_THAT(readAll(), ElementsAre("7", "6", "5", "4", "3"));
 }
 
-TEST_F(AuditHistoryTest, hasNoLineBeforeAnyIsWritten) {
+TEST_F(AuditHistoryTest, isEmptyWithoutLog) {
     AuditHistory history(ENOUGH);
     EXPECT_THAT(linesOf(history), IsEmpty());
     EXPECT_FALSE(history.wasCut());
     EXPECT_FALSE(history.wasUnreadable());
 }
 
-TEST_F(AuditHistoryTest, readsTheFormerFileWhileThereIsNoNewOneYet) {
+TEST_F(AuditHistoryTest, readsRotatedFileWithoutCurrentOne) {
     writePrivateText(path(1), "1\n");
     EXPECT_THAT(readAll(), ElementsAre("1"));
 }
 
-TEST_F(AuditHistoryTest, passesOverALineThatIsBeingWritten) {
+TEST_F(AuditHistoryTest, skipsUnfinishedLine) {
     writePrivateText(path(), "1\n2\nhal");
     EXPECT_THAT(readAll(), ElementsAre("2", "1"));
     writePrivateText(path(), "hal");
     EXPECT_THAT(readAll(), IsEmpty());
 }
 
-TEST_F(AuditHistoryTest, stopsAtTheStatedNumberOfBytes) {
+TEST_F(AuditHistoryTest, stopsAtByteLimit) {
     writePrivateText(path(), "1111\n2222\n3333\n");
     writePrivateText(path(1), "0000\n");
     for (std::size_t most = 0; most <= 20; ++most) {
         AuditHistory history(most);
         const std::vector<std::string> lines = linesOf(history);
-        // The first line is only known to be whole when the byte before it was read.
+        // The first line is known to be whole only if the byte before it was read.
         const std::size_t expected = most == 20   ? 4
                                      : most >= 15 ? 3
                                      : most == 0  ? 0
@@ -95,7 +95,7 @@ TEST_F(AuditHistoryTest, stopsAtTheStatedNumberOfBytes) {
     }
 }
 
-TEST_F(AuditHistoryTest, readsEachLineOnceWhenTheLogIsRotatedMeanwhile) {
+TEST_F(AuditHistoryTest, readsEachLineOnceDespiteRotation) {
     writePrivateText(path(), "3\n4\n");
     writePrivateText(path(1), "1\n2\n");
     AuditHistory history(ENOUGH);
@@ -107,7 +107,7 @@ TEST_F(AuditHistoryTest, readsEachLineOnceWhenTheLogIsRotatedMeanwhile) {
     EXPECT_THAT(linesOf(history), ElementsAre("3", "2", "1"));
 }
 
-TEST_F(AuditHistoryTest, reportsAFileThatIsNotTheBoards) {
+TEST_F(AuditHistoryTest, reportsLinkAsUnreadable) {
     writePrivateText(path(), "2\n");
     ASSERT_EQ(::symlink("/etc/passwd", path(1).c_str()), 0);
     AuditHistory history(ENOUGH);
@@ -115,14 +115,14 @@ TEST_F(AuditHistoryTest, reportsAFileThatIsNotTheBoards) {
     EXPECT_TRUE(history.wasUnreadable());
 }
 
-TEST_F(AuditHistoryTest, doesNotWaitForAPipe) {
+TEST_F(AuditHistoryTest, doesNotBlockOnPipe) {
     ASSERT_EQ(::mkfifo(path().c_str(), 0600), 0);
     AuditHistory history(ENOUGH);
     EXPECT_THAT(linesOf(history), IsEmpty());
     EXPECT_TRUE(history.wasUnreadable());
 }
 
-TEST_F(AuditHistoryTest, readsBackWhatIsRecorded) {
+TEST_F(AuditHistoryTest, readsBackRecordedEvent) {
     writeText(boardFile("/var/run/board_properties"), "max_partitions=8\nname=b\n");
     AuditEvent event;
     event.event = "restore";
@@ -161,18 +161,18 @@ TEST_F(AuditHistoryTest, readsBackWhatIsRecorded) {
     EXPECT_EQ(read.event.code, event.code);
 }
 
-TEST(AuditLineTest, takesTheTimeInUTC) {
+TEST(AuditLineTest, readsTimeAsUTC) {
     AuditRecord record;
     ASSERT_TRUE(decode(lineOf(""), record));
     EXPECT_EQ(record.time, 1795335146);
 }
 
-TEST(AuditLineTest, passesOverMembersThatAreNotKnown) {
+TEST(AuditLineTest, skipsUnknownMembers) {
     EXPECT_TRUE(
         isLine(lineOf(R"(,"later":{"a":[1,{"b":null}],"file":2},"more":[true,-1.5],"n":-7)")));
 }
 
-TEST(AuditLineTest, refusesEveryTruncatedLine) {
+TEST(AuditLineTest, rejectsEveryTruncatedLine) {
     const std::string whole =
         lineOf(R"(,"user":"a","partitions":[1,2],"file":{"sha256":"ab","partition":3},"code":7)");
     ASSERT_TRUE(isLine(whole));
@@ -182,7 +182,7 @@ TEST(AuditLineTest, refusesEveryTruncatedLine) {
     EXPECT_FALSE(isLine(whole + "}"));
 }
 
-TEST(AuditLineTest, refusesMembersOfAnotherKind) {
+TEST(AuditLineTest, rejectsMembersOfWrongType) {
     for (const char* member : {R"("user":1)",
                                R"("user":null)",
                                R"("user":{})",
@@ -211,7 +211,7 @@ TEST(AuditLineTest, refusesMembersOfAnotherKind) {
     }
 }
 
-TEST(AuditLineTest, refusesWhatIsNoLine) {
+TEST(AuditLineTest, rejectsInvalidLines) {
     for (const char* text :
          {"", "x", "7", "\"x\"", "null", "[]", "{}", R"({"event":"start"})",
           R"({"time":"2026-11-22T08:12:26.123Z"})", R"({"time":"","event":"start"})",

@@ -17,7 +17,7 @@ AuditEvent eventOf(const std::string& name, const std::string& user = "") {
     return event;
 }
 
-// How many of `count` events at that time get a line.
+// Returns how many of `count` events at `now` get a line.
 unsigned int admitted(AuditLimits& limits, unsigned int count, std::time_t now,
                       const std::string& user = "") {
     unsigned int lines = 0;
@@ -36,7 +36,7 @@ TEST(AuditLimits, admitTenEventsAMinute) {
     EXPECT_EQ(admitted(limits, 5, START + 300), 5U);
 }
 
-TEST(AuditLimits, reportWhatWasOnlyCounted) {
+TEST(AuditLimits, reportCountedEvents) {
     AuditLimits limits;
     admitted(limits, 13, START);
     limits.admit(eventOf("login_failed"), START + 1);
@@ -49,7 +49,7 @@ TEST(AuditLimits, reportWhatWasOnlyCounted) {
     EXPECT_TRUE(limits.takeReports(START + 61).empty());
 }
 
-TEST(AuditLimits, loseNoCountWhenThePeriodsFollowEachOther) {
+TEST(AuditLimits, keepCountsOfConsecutivePeriods) {
     AuditLimits limits;
     admitted(limits, 13, START);
     admitted(limits, 13, START + 60);
@@ -58,7 +58,7 @@ TEST(AuditLimits, loseNoCountWhenThePeriodsFollowEachOther) {
     EXPECT_EQ(reports[0].counts.at("refusal"), 6U);
 }
 
-TEST(AuditLimits, giveALongFloodFewerAndFewerLines) {
+TEST(AuditLimits, admitFewerAndFewerLinesOfLongFlood) {
     AuditLimits limits;
     unsigned int lines = 0;
     const std::time_t day = 24 * 60 * 60;
@@ -70,16 +70,16 @@ TEST(AuditLimits, giveALongFloodFewerAndFewerLines) {
     EXPECT_GE(lines, 90U);
 }
 
-TEST(AuditLimits, beginAnewAfterAQuietTime) {
+TEST(AuditLimits, resetAfterQuietTime) {
     AuditLimits limits;
     admitted(limits, 20, START);
-    admitted(limits, 20, START + 60);  // two minutes long
+    admitted(limits, 20, START + 60);  // begins a period of two minutes
     EXPECT_EQ(admitted(limits, 20, START + 600), 10U);
     EXPECT_EQ(admitted(limits, 20, START + 659), 0U);
     EXPECT_EQ(admitted(limits, 20, START + 661), 10U);
 }
 
-TEST(AuditLimits, countEveryUserApart) {
+TEST(AuditLimits, countUsersSeparately) {
     AuditLimits limits;
     EXPECT_EQ(admitted(limits, 20, START), 10U);
     EXPECT_EQ(admitted(limits, 12, START, "viewer"), 10U);
@@ -90,13 +90,13 @@ TEST(AuditLimits, countEveryUserApart) {
     EXPECT_EQ(reports[1].counts.at("refusal"), 2U);
 }
 
-TEST(AuditLimits, doNotStopWhenTheClockIsSetBack) {
+TEST(AuditLimits, admitEventsAfterClockIsSetBack) {
     AuditLimits limits;
     EXPECT_EQ(admitted(limits, 20, START), 10U);
     EXPECT_EQ(admitted(limits, 20, START - 100000), 10U);
 }
 
-TEST(AuditLimits, areReadBack) {
+TEST(AuditLimits, surviveSaveAndLoad) {
     AuditLimits limits;
     admitted(limits, 13, START);
     admitted(limits, 11, START, "\xFF \"x\"");
@@ -107,7 +107,7 @@ TEST(AuditLimits, areReadBack) {
     EXPECT_EQ(reports[0].counts.at("refusal"), 4U);
 }
 
-TEST(AuditLimits, beginAnewWithADamagedText) {
+TEST(AuditLimits, resetOnDamagedText) {
     for (const char* text : {"", "{", "[]", "{\"\":1}", "{\"\":{\"start\":\"x\"}}",
                              "{\"\":{\"start\":1,\"length\":-5,\"lines\":0}}"}) {
         AuditLimits limits = AuditLimits::load(text);

@@ -51,7 +51,7 @@ protected:
 
 }  // namespace
 
-TEST_F(AuditLogTest, aLineHasEveryFieldThatIsKnown) {
+TEST_F(AuditLogTest, writesEveryKnownField) {
     AuditEvent event = eventOf("restore");
     event.user = "admin";
     event.address = "192.0.2.1";
@@ -74,12 +74,12 @@ TEST_F(AuditLogTest, aLineHasEveryFieldThatIsKnown) {
                           "\"result\":\"done\"\\}"));
 }
 
-TEST_F(AuditLogTest, whatIsNotKnownIsLeftOut) {
+TEST_F(AuditLogTest, omitsUnknownFields) {
     record(eventOf("start"));
     EXPECT_EQ(lastLine().size(), 2U);
 }
 
-TEST_F(AuditLogTest, noTextEndsTheLineOrTurnsIt) {
+TEST_F(AuditLogTest, writesOnlyPrintableASCII) {
     for (const char* text : {"a\nb", "\"}", "\x1B[2J", "\xE2\x80\xAE", "\xFF\xFE", "\\"}) {
         AuditEvent event = eventOf("login");
         event.user = text;
@@ -94,7 +94,7 @@ TEST_F(AuditLogTest, noTextEndsTheLineOrTurnsIt) {
     }
 }
 
-TEST_F(AuditLogTest, isTheOwnersAlone) {
+TEST_F(AuditLogTest, isAccessibleToOwnerOnly) {
     const mode_t before = ::umask(0);
     record(eventOf("start"));
     recordRefusal(eventOf("refusal"));
@@ -106,7 +106,7 @@ TEST_F(AuditLogTest, isTheOwnersAlone) {
     }
 }
 
-TEST_F(AuditLogTest, refusesAFileThatIsNotItsOwn) {
+TEST_F(AuditLogTest, rejectsLinkAndPipe) {
     ASSERT_EQ(::symlink("elsewhere", path().c_str()), 0);
     EXPECT_EQ(codeOf([] { record(eventOf("start")); }), AUDIT_NOT_WRITTEN);
     std::filesystem::remove(path());
@@ -115,14 +115,14 @@ TEST_F(AuditLogTest, refusesAFileThatIsNotItsOwn) {
     EXPECT_FALSE(exists(boardFile("/var/log/elsewhere")));
 }
 
-TEST_F(AuditLogTest, aLineAfterHalfALineBeginsAnew) {
+TEST_F(AuditLogTest, startsNewLineAfterTruncatedOne) {
     writePrivateText(path(), "{\"event\":\"half");
     record(eventOf("start"));
     ASSERT_EQ(lines().size(), 2U);
     EXPECT_EQ(lastLine()["event"], "start");
 }
 
-TEST_F(AuditLogTest, aLineThatDoesNotFitIsNotWrittenInPart) {
+TEST_F(AuditLogTest, writesNoPartOfLineThatDoesNotFit) {
     record(eventOf("start"));
     const std::string before = readText(path());
     const ChildResult result = runInChild([&before] {
@@ -133,7 +133,7 @@ TEST_F(AuditLogTest, aLineThatDoesNotFitIsNotWrittenInPart) {
     EXPECT_EQ(readText(path()), before);
 }
 
-TEST_F(AuditLogTest, threadsWriteInTheOrderInWhichTheyCame) {
+TEST_F(AuditLogTest, servesThreadsInOrder) {
     std::optional<AuditLog> log(std::in_place, 0);
     std::vector<std::thread> threads;
     for (const char* name : {"start", "login", "logout"}) {
@@ -152,7 +152,7 @@ TEST_F(AuditLogTest, threadsWriteInTheOrderInWhichTheyCame) {
     EXPECT_THAT(names, testing::ElementsAre("start", "login", "logout", "end"));
 }
 
-TEST_F(AuditLogTest, aTurnThatDoesNotComeIsTold) {
+TEST_F(AuditLogTest, reportsTurnTimeout) {
     const Turn first(Deadline(5000));
     std::thread([] {
         EXPECT_EQ(codeOf([] { Turn second(Deadline(10)); }), AUDIT_NOT_WRITTEN);
@@ -160,13 +160,13 @@ TEST_F(AuditLogTest, aTurnThatDoesNotComeIsTold) {
     EXPECT_EQ(Turn::waiting(), 0U);
 }
 
-TEST_F(AuditLogTest, takesTheSpaceOfAChangeInAdvance) {
+TEST_F(AuditLogTest, reservesSpaceInAdvance) {
     const std::size_t moreThanThereIs = std::size_t(1) << 62;
     EXPECT_EQ(codeOf([] { AuditLog log(moreThanThereIs); }), AUDIT_NOT_WRITTEN);
     EXPECT_EQ(codeOf([] { AuditLog log(1000); }), 0);
 }
 
-TEST_F(AuditLogTest, aFullFileBecomesAFormerOne) {
+TEST_F(AuditLogTest, rotatesFullFile) {
     writePrivateText(path(), std::string(1024 * 1024, 'x') + "\n");
     for (int number = 1; number <= 15; ++number) {
         writePrivateText(path() + "." + std::to_string(number), std::to_string(number));
@@ -179,7 +179,7 @@ TEST_F(AuditLogTest, aFullFileBecomesAFormerOne) {
     EXPECT_FALSE(exists(path() + ".16"));
 }
 
-TEST_F(AuditLogTest, linesOfManyProcessesAreWholeAndAllThere) {
+TEST_F(AuditLogTest, keepsConcurrentLinesWhole) {
     std::vector<std::thread> writers;
     for (int writer = 0; writer < 4; ++writer) {
         writers.emplace_back([] {
@@ -198,7 +198,7 @@ TEST_F(AuditLogTest, linesOfManyProcessesAreWholeAndAllThere) {
     }
 }
 
-TEST_F(AuditLogTest, aHolderKeepsOthersOut) {
+TEST_F(AuditLogTest, locksOutOtherWriters) {
     std::thread other;
     {
         AuditLog log(0);
@@ -214,12 +214,12 @@ TEST_F(AuditLogTest, aHolderKeepsOthersOut) {
     EXPECT_EQ(JSON::parse(all[1])["event"], "second");
 }
 
-TEST_F(AuditLogTest, aFloodOfRefusalsIsCounted) {
+TEST_F(AuditLogTest, countsFloodOfRefusals) {
     for (int i = 0; i < 50; ++i) {
         recordRefusal(eventOf("refusal"));
     }
     EXPECT_EQ(lines().size(), 10U);
-    // As if the minute were over.
+    // Moves the start of the period back, as if the minute had passed.
     std::string counts = readText(boardFile("/var/log/audit.counts"));
     JSON saved = JSON::parse(counts);
     saved[""]["start"] = saved[""]["start"].get<long>() - 60;
@@ -230,14 +230,14 @@ TEST_F(AuditLogTest, aFloodOfRefusalsIsCounted) {
     EXPECT_EQ(JSON::parse(lines()[10])["counts"]["refusal"], 40);
 }
 
-TEST_F(AuditLogTest, aRefusalThatCannotBeRecordedIsTraced) {
+TEST_F(AuditLogTest, tracesRefusalThatCannotBeRecorded) {
     ASSERT_EQ(::mkfifo(path().c_str(), 0600), 0);
     recordRefusal(eventOf("refusal"));
     EXPECT_THAT(readText(boardFile("/var/log/trace.log")),
-                testing::HasSubstr("The audit log does not take a refusal"));
+                testing::HasSubstr("A refusal cannot be written to the audit log"));
 }
 
-TEST_F(AuditLogTest, isSentToTheSystemLogAsWell) {
+TEST_F(AuditLogTest, sendsLineToSystemLog) {
     const std::string socketPath = boardFile("/var/run/log");
     const int receiver = ::socket(AF_UNIX, SOCK_DGRAM | SOCK_NONBLOCK, 0);
     sockaddr_un address = {};
@@ -254,7 +254,7 @@ TEST_F(AuditLogTest, isSentToTheSystemLogAsWell) {
     EXPECT_EQ(std::string(message), "<85>efi_audit: " + lines().at(0));
 }
 
-TEST_F(AuditLogTest, everyLineNamesTheBoard) {
+TEST_F(AuditLogTest, namesBoardInEveryLine) {
     writeText(boardFile("/var/run/board_properties"), "max_partitions=1\nname=Rack 4 \"east\"\n");
     record(eventOf("start"));
     EXPECT_EQ(lastLine()["board"], "Rack 4 \"east\"");
@@ -263,20 +263,20 @@ TEST_F(AuditLogTest, everyLineNamesTheBoard) {
     EXPECT_FALSE(lastLine().contains("board"));
 }
 
-TEST_F(AuditLogTest, aLineIsWrittenWhileTheBoardsNameCannotBeRead) {
+TEST_F(AuditLogTest, writesLineIfBoardNameIsUnreadable) {
     ASSERT_EQ(::mkdir(boardFile("/var/run/board_properties").c_str(), 0700), 0);
     record(eventOf("start"));
     EXPECT_EQ(lastLine()["event"], "start");
 }
 
-TEST_F(AuditLogTest, aSystemLogThatIsAwayChangesNothing) {
+TEST_F(AuditLogTest, ignoresMissingSystemLog) {
     writeText(boardFile("/var/run/board_properties"),
               "max_partitions=1\nsyslog_socket=/no/such/socket\n");
     record(eventOf("start"));
     EXPECT_EQ(lines().size(), 1U);
 }
 
-TEST(AuditedFile, isWhatTheBytesSay) {
+TEST(AuditedFile, describesEncodedBytes) {
     ConfigurationFile file;
     file.saveTime = 1236384000;
     file.partition = 3;
@@ -292,7 +292,7 @@ TEST(AuditedFile, isWhatTheBytesSay) {
     EXPECT_FALSE(auditedFile({'x'}));
 }
 
-TEST_F(AuditLogTest, aFileIsWhatItsBytesAre) {
+TEST_F(AuditLogTest, describesStoredFile) {
     ConfigurationFile file;
     file.version = "1.23 B";
     file.payload.assign(100000, 'x');

@@ -20,21 +20,21 @@ std::string sessionIn(const std::string& cookies) {
 
 }  // namespace
 
-TEST(EnvironmentTest, aVariableThatIsNotSetIsEmpty) {
+TEST(EnvironmentTest, returnsEmptyForUnsetVariable) {
     const ScopedEnvironment unset("BOARD_TEST_VARIABLE", std::nullopt);
     EXPECT_EQ(readEnvironment("BOARD_TEST_VARIABLE"), "");
     const ScopedEnvironment set("BOARD_TEST_VARIABLE", " a=b ");
     EXPECT_EQ(readEnvironment("BOARD_TEST_VARIABLE"), " a=b ");
 }
 
-TEST(EnvironmentTest, aCookieIsFoundAmongOthers) {
+TEST(EnvironmentTest, findsCookieAmongOthers) {
     EXPECT_EQ(sessionIn("session=abc"), "abc");
     EXPECT_EQ(sessionIn("language=ja; session=abc; x=1"), "abc");
     EXPECT_EQ(sessionIn("language=ja;session=abc;x=1"), "abc");
     EXPECT_EQ(sessionIn("a=1; \t session=abc"), "abc");
 }
 
-TEST(EnvironmentTest, aCookieThatIsNotThereIsEmpty) {
+TEST(EnvironmentTest, returnsEmptyForMissingCookie) {
     const ScopedEnvironment environment("HTTP_COOKIE", std::nullopt);
     EXPECT_EQ(readCookie("session"), "");
     EXPECT_EQ(sessionIn(""), "");
@@ -42,24 +42,24 @@ TEST(EnvironmentTest, aCookieThatIsNotThereIsEmpty) {
     EXPECT_EQ(sessionIn("session="), "");
 }
 
-TEST(EnvironmentTest, namesAreComparedWhole) {
+TEST(EnvironmentTest, comparesWholeNames) {
     EXPECT_EQ(sessionIn("mysession=1; sessionid=2; sessio=3; SESSION=4; session =5"), "");
     EXPECT_EQ(sessionIn("sessionsession=1; session=2"), "2");
     EXPECT_EQ(sessionIn("x=session=1"), "");
 }
 
-TEST(EnvironmentTest, theFirstCookieOfANameCounts) {
+TEST(EnvironmentTest, prefersFirstCookieOfName) {
     EXPECT_EQ(sessionIn("session=first; session=second"), "first");
 }
 
-TEST(EnvironmentTest, aValueIsTakenAsItIs) {
+TEST(EnvironmentTest, keepsCookieValueVerbatim) {
     EXPECT_EQ(sessionIn("session=a=b"), "a=b");
     EXPECT_EQ(sessionIn("session=\"quoted\""), "\"quoted\"");
     EXPECT_EQ(sessionIn("session=../../etc/passwd"), "../../etc/passwd");
     EXPECT_EQ(sessionIn("session=\r\n<script>"), "\r\n<script>");
 }
 
-TEST(EnvironmentTest, hostileHeadersAreReadToTheirEnd) {
+TEST(EnvironmentTest, readsHostileHeadersToEnd) {
     for (const char* cookies : {";", ";;;;", " ", "; ;", "=", "==;=", "session", "session;", "\t\t",
                                 ";session", "\xFF\xFE;\x01"}) {
         EXPECT_EQ(sessionIn(cookies), "") << cookies;
@@ -68,12 +68,12 @@ TEST(EnvironmentTest, hostileHeadersAreReadToTheirEnd) {
     EXPECT_EQ(sessionIn("session=" + std::string(50000, 'x')).size(), 50000u);
 }
 
-TEST(HostPathTest, pathsAreUnderTheRoot) {
+TEST(HostPathTest, isUnderRoot) {
     const ScopedEnvironment root("BOARD_ROOT", "/somewhere/root");
     EXPECT_EQ(getCGIPath("/var/tmp/x"), "/somewhere/root/var/tmp/x");
 }
 
-TEST(HostPathTest, withoutARootTheyAreTheBoardsOwn) {
+TEST(HostPathTest, isUnchangedWithoutRoot) {
     const ScopedEnvironment root("BOARD_ROOT", std::nullopt);
     EXPECT_EQ(getCGIPath("/var/tmp/x"), "/var/tmp/x");
 }

@@ -23,7 +23,7 @@ namespace {
 
 const std::size_t SMALL_BODY = 4 * 1024;
 
-// The field as the first question of a process finds it.
+// Returns a field as a new process reads it: "[value]", "absent" or a refusal.
 std::string ask(const ChildSetup& request, const std::string& name) {
     const ChildResult result = runInChild(
         [&name] {
@@ -40,7 +40,7 @@ std::string ask(const ChildSetup& request, const std::string& name) {
     return result.output;
 }
 
-// A posted form; `contentLength` empty announces none.
+// Returns a posted form. If `contentLength` is empty, the length is not announced.
 ChildSetup post(const std::string& body, const std::string& contentLength,
                 InputKind kind = InputKind::PIPE) {
     Environment environment = {{"REQUEST_METHOD", "POST"},
@@ -67,7 +67,7 @@ std::string askQuery(const std::string& query) {
                "a");
 }
 
-// The field as a program finds it that takes SMALL_BODY bytes.
+// Same as askPosted(), for a program that accepts SMALL_BODY bytes.
 std::string askSmall(const std::string& body, const std::string& contentLength) {
     Host::formPolicy().bodyLength = SMALL_BODY;
     const std::string answer = askPosted(body, contentLength);
@@ -75,7 +75,7 @@ std::string askSmall(const std::string& body, const std::string& contentLength) 
     return answer;
 }
 
-// A form of exactly `size` bytes that begins with "a=1".
+// Returns a form of exactly `size` bytes that begins with "a=1".
 std::string formOf(std::size_t size) {
     std::string form = "a=1";
     while (form.size() < size) {
@@ -87,7 +87,7 @@ std::string formOf(std::size_t size) {
 
 }  // namespace
 
-TEST(FormInfoHostTest, theFileThatThePostedPageShowedIsNoted) {
+TEST(FormInfoHostTest, notesFileShownByPostedPage) {
     const auto notedOf = [](const std::string& body, const std::string& query) {
         ChildSetup request = post(body, std::to_string(body.size()));
         request.environment["QUERY_STRING"] = query;
@@ -107,7 +107,7 @@ TEST(FormInfoHostTest, theFileThatThePostedPageShowedIsNoted) {
     EXPECT_EQ(notedOf("staged_file=" + std::string(1000, 'c'), ""), std::string(65, 'c'));
 }
 
-TEST(FormInfoHostTest, theBodyMayComeFromAPipeOrAFile) {
+TEST(FormInfoHostTest, readsBodyFromPipeOrFile) {
     for (const InputKind kind : {InputKind::PIPE, InputKind::FILE}) {
         EXPECT_EQ(askPosted("a=1&b=2", "7", kind), "[1]");
         EXPECT_EQ(askPosted(formOf(BODY_LENGTH), std::to_string(BODY_LENGTH), kind), "[1]");
@@ -115,14 +115,14 @@ TEST(FormInfoHostTest, theBodyMayComeFromAPipeOrAFile) {
     }
 }
 
-TEST(FormInfoHostTest, withoutALengthTheBodyIsReadToItsEnd) {
+TEST(FormInfoHostTest, readsBodyToEndWithoutLength) {
     for (const InputKind kind : {InputKind::PIPE, InputKind::FILE}) {
         EXPECT_EQ(askPosted("b=2&a=last", "", kind), "[last]");
         EXPECT_EQ(askPosted("", "", kind), "absent");
     }
 }
 
-TEST(FormInfoHostTest, aBodyThatIsCutShortIsRefused) {
+TEST(FormInfoHostTest, rejectsTruncatedBody) {
     for (const InputKind kind : {InputKind::PIPE, InputKind::FILE}) {
         EXPECT_EQ(askPosted("a=1", "4", kind), MALFORMED);
         EXPECT_EQ(askPosted("", "1", kind), MALFORMED);
@@ -130,45 +130,45 @@ TEST(FormInfoHostTest, aBodyThatIsCutShortIsRefused) {
     }
 }
 
-TEST(FormInfoHostTest, whatStandsBehindTheAnnouncedLengthIsNotRead) {
+TEST(FormInfoHostTest, ignoresBytesAfterAnnouncedLength) {
     EXPECT_EQ(askPosted("a=1234", "3"), "[1]");
     EXPECT_EQ(askPosted("a=1&b=2", "0"), "absent");
 }
 
-TEST(FormInfoHostTest, aLengthThatIsNoNumberIsRefused) {
+TEST(FormInfoHostTest, rejectsInvalidLength) {
     for (const char* length :
          {"abc", "-1", "+3", "3x", " 3", "3 ", "0x3", "3.0", "1e1", "99999999999999999999999"}) {
         EXPECT_EQ(askPosted("a=1", length), MALFORMED) << length;
     }
 }
 
-TEST(FormInfoHostTest, aLengthAboveTheLimitIsRefusedWhateverFollows) {
+TEST(FormInfoHostTest, rejectsLengthAboveLimit) {
     EXPECT_EQ(askPosted("a=1", std::to_string(BODY_LENGTH + 1)), TOO_LARGE);
     EXPECT_EQ(askPosted("a=1", "9999999999"), TOO_LARGE);
-    // The largest number that there is, which must not pass for "no length".
+    // The largest number must not be taken for "no length".
     EXPECT_EQ(askPosted("a=1", "18446744073709551615"), TOO_LARGE);
 }
 
-TEST(FormInfoHostTest, aProgramMayTakeLess) {
+TEST(FormInfoHostTest, appliesLowerLimitOfProgram) {
     EXPECT_EQ(askSmall(formOf(SMALL_BODY), std::to_string(SMALL_BODY)), "[1]");
     EXPECT_EQ(askSmall(formOf(SMALL_BODY), ""), "[1]");
     EXPECT_EQ(askSmall(formOf(SMALL_BODY + 1), std::to_string(SMALL_BODY + 1)), TOO_LARGE);
     EXPECT_EQ(askSmall(formOf(SMALL_BODY + 1), ""), TOO_LARGE);
-    // Refused by what it announces, without waiting for it.
+    // Rejected because of the announced length, without waiting for the body.
     EXPECT_EQ(askSmall("", std::to_string(SMALL_BODY + 1)), TOO_LARGE);
 }
 
-TEST(FormInfoHostTest, aBodyMayBeAsLongAsItsLimitAlsoUnannounced) {
+TEST(FormInfoHostTest, acceptsUnannouncedBodyUpToLimit) {
     EXPECT_EQ(askPosted(formOf(BODY_LENGTH), ""), "[1]");
     EXPECT_EQ(askPosted(formOf(BODY_LENGTH + 1), ""), TOO_LARGE);
 }
 
-TEST(FormInfoHostTest, withoutStandardInputAFormIsRefused) {
+TEST(FormInfoHostTest, rejectsFormWithoutStandardInput) {
     EXPECT_EQ(askPosted("", "3", InputKind::CLOSED), MALFORMED);
     EXPECT_EQ(askPosted("", "", InputKind::CLOSED), MALFORMED);
 }
 
-TEST(FormInfoHostTest, aReadingRequestHasNoBody) {
+TEST(FormInfoHostTest, ignoresBodyOfGetAndHead) {
     ChildSetup request = post("a=1", "3");
     for (const char* method : {"GET", "HEAD"}) {
         request.environment["REQUEST_METHOD"] = method;
@@ -179,7 +179,7 @@ TEST(FormInfoHostTest, aReadingRequestHasNoBody) {
     EXPECT_EQ(ask(request, "a"), "absent");
 }
 
-TEST(FormInfoHostTest, onlyAFormIsReadAsAForm) {
+TEST(FormInfoHostTest, ignoresOtherContentTypes) {
     EXPECT_EQ(askTyped("application/x-www-form-urlencoded; charset=UTF-8"), "[1]");
     EXPECT_EQ(askTyped("application/x-www-form-urlencoded;charset=UTF-8"), "[1]");
     EXPECT_EQ(askTyped(""), "[1]");
@@ -193,12 +193,12 @@ TEST(FormInfoHostTest, onlyAFormIsReadAsAForm) {
     }
 }
 
-TEST(FormInfoHostTest, aQueryMayBeAsLongAsItsLimit) {
+TEST(FormInfoHostTest, acceptsQueryUpToLimit) {
     EXPECT_EQ(askQuery(formOf(QUERY_LENGTH)), "[1]");
     EXPECT_EQ(askQuery(formOf(QUERY_LENGTH + 1)), TOO_LARGE);
 }
 
-TEST(FormInfoHostTest, aSignalDoesNotEndTheReading) {
+TEST(FormInfoHostTest, continuesReadingAfterSignal) {
     const auto readSlowBody = [] {
         interruptOften();
         int ends[2] = {};

@@ -34,7 +34,7 @@ std::string fieldOf(const FormInfo& form, const std::string& name) {
     return form.getFormData(name, value) ? name + " [" + value + "]" : "no " + name;
 }
 
-// What a program of the board finds: the fields "a" and "b", and the file with its content.
+// Returns the contents as a program of the board reads them: the fields "a" and "b", and the file.
 std::string contentOf(const FormInfo& form) {
     try {
         std::string found = fieldOf(form, "a") + ", " + fieldOf(form, "b");
@@ -51,7 +51,7 @@ class FormInfoUploadTest : public BoardTest {
 protected:
     static std::vector<std::string> names() { return namesIn(boardFile("/var/tmp")); }
 
-    // What `work` prints in a process of its own, a line each.
+    // Runs `work` in a child process and returns the lines that it prints.
     static std::vector<std::string> run(const std::function<void()>& work,
                                         const ChildSetup& request) {
         const ChildResult result = runInChild(
@@ -64,7 +64,7 @@ protected:
         return linesOf(result.output);
     }
 
-    // What is found in a request. The object goes in the end, and with it the file.
+    // Returns the contents of a request. Expects that the destroyed form leaves no file.
     static std::string find(const ChildSetup& request) {
         const ChildResult result = runInChild(
             [] {
@@ -77,7 +77,7 @@ protected:
         return result.output;
     }
 
-    // The same by a program that does with a file what `policy` says.
+    // Same as find(), for a program with this policy.
     static std::string findBy(const Host::FormPolicy& policy, const ChildSetup& request) {
         Host::formPolicy() = policy;
         const std::string found = find(request);
@@ -85,7 +85,8 @@ protected:
         return found;
     }
 
-    // Reads a request that is refused, and looks whether anything of it is to be found after that.
+    // Reads a request that must be refused and returns the refusal. Expects that nothing of it is
+    // kept.
     static std::string findRefused(const ChildSetup& request) {
         const std::vector<std::string> lines = run(
             [] {
@@ -122,7 +123,7 @@ Received receiveUpload(std::size_t size) {
 
 }  // namespace
 
-TEST_F(FormInfoUploadTest, fieldsAndTheFileAreFound) {
+TEST_F(FormInfoUploadTest, findsFieldsAndFile) {
     const std::string parts =
         fieldPart("a", "1") + filePart("filename", "saved.dat", "content") + fieldPart("b", "x y");
     for (const InputKind kind : {InputKind::PIPE, InputKind::FILE}) {
@@ -132,7 +133,7 @@ TEST_F(FormInfoUploadTest, fieldsAndTheFileAreFound) {
     }
 }
 
-TEST_F(FormInfoUploadTest, aFileMayOnlyBeCounted) {
+TEST_F(FormInfoUploadTest, countsFileWithoutStoring) {
     const Host::FormPolicy counted = {.file = Host::FormPolicy::File::COUNTED};
     const std::string parts = fieldPart("a", "1") + filePart("f", "saved.dat", "content");
     EXPECT_EQ(findBy(counted, postParts(parts)), "a [1], no b, file [saved.dat] of 7 bytes: []");
@@ -140,7 +141,7 @@ TEST_F(FormInfoUploadTest, aFileMayOnlyBeCounted) {
               "no a, no b, file [n] of " + std::to_string(2 * BODY_LENGTH) + " bytes: []");
 }
 
-TEST_F(FormInfoUploadTest, aFileThatIsNotTakenCountsAsAField) {
+TEST_F(FormInfoUploadTest, limitsRefusedFileLikeField) {
     const std::size_t length = 3000;
     const Host::FormPolicy refused = {.bodyLength = 2 * length,
                                       .file = Host::FormPolicy::File::REFUSED};
@@ -151,7 +152,7 @@ TEST_F(FormInfoUploadTest, aFileThatIsNotTakenCountsAsAField) {
     EXPECT_EQ(findBy(refused, postParts(field + fieldPart("a", "1") + sized(length))), TOO_LARGE);
 }
 
-TEST_F(FormInfoUploadTest, valuesAreTakenAsTheyStand) {
+TEST_F(FormInfoUploadTest, keepsValuesVerbatim) {
     EXPECT_EQ(find(postParts(fieldPart("a", "1+1%41&b=2") + fieldPart("b", ""))),
               "a [1+1%41&b=2], b [], file [] of 0 bytes: []");
     for (const std::string& text : hostileTexts()) {
@@ -160,22 +161,22 @@ TEST_F(FormInfoUploadTest, valuesAreTakenAsTheyStand) {
     }
 }
 
-TEST_F(FormInfoUploadTest, theFirstFieldOfANameCountsAndTheFormBeforeTheQuery) {
+TEST_F(FormInfoUploadTest, prefersFirstFieldAndFormOverQuery) {
     ChildSetup request = postParts(fieldPart("a", "1") + fieldPart("a", "2"));
     request.environment["QUERY_STRING"] = "a=3&b=4";
     EXPECT_EQ(find(request), "a [1], b [4], file [] of 0 bytes: []");
 }
 
-TEST_F(FormInfoUploadTest, aFileIsNoField) {
+TEST_F(FormInfoUploadTest, doesNotReturnFileAsField) {
     EXPECT_EQ(find(postParts(filePart("a", "n", "1"))), "no a, no b, file [n] of 1 bytes: [1]");
 }
 
-TEST_F(FormInfoUploadTest, aFileMayBeEmptyOrNotChosen) {
+TEST_F(FormInfoUploadTest, acceptsEmptyOrUnselectedFile) {
     EXPECT_EQ(find(postParts(filePart("f", "n", ""))), "no a, no b, file [n] of 0 bytes: []");
     EXPECT_EQ(find(postParts(filePart("f", "", ""))), NOTHING);
 }
 
-TEST_F(FormInfoUploadTest, aFileBeyondTheLimitIsCountedAndTheFieldsBehindItAreFound) {
+TEST_F(FormInfoUploadTest, findsFieldsAfterOversizedFile) {
     const std::string file(FILE_LENGTH, 'x');
     EXPECT_EQ(find(postParts(filePart("f", "n", file) + fieldPart("a", "1"))),
               "a [1], no b, file [n] of " + std::to_string(FILE_LENGTH) + " bytes: [" + file + "]");
@@ -183,7 +184,7 @@ TEST_F(FormInfoUploadTest, aFileBeyondTheLimitIsCountedAndTheFieldsBehindItAreFo
               "a [1], no b, file [n] of " + std::to_string(FILE_LENGTH + 1) + " bytes: []");
 }
 
-TEST_F(FormInfoUploadTest, aSecondFileIsRefused) {
+TEST_F(FormInfoUploadTest, rejectsSecondFile) {
     for (const std::string& second : {filePart("g", "m", "two"), filePart("f", "n", "one"),
                                       filePart("g", "", ""), filePart("g", "m", "")}) {
         EXPECT_EQ(findRefused(postParts(fieldPart("a", "1") + filePart("f", "n", "one") + second)),
@@ -192,7 +193,7 @@ TEST_F(FormInfoUploadTest, aSecondFileIsRefused) {
     EXPECT_EQ(findRefused(postParts(filePart("f", "", "") + filePart("g", "m", "two"))), MALFORMED);
 }
 
-TEST_F(FormInfoUploadTest, nothingIsKeptOfAFormThatBreaksOff) {
+TEST_F(FormInfoUploadTest, keepsNothingOfTruncatedForm) {
     const std::string parts =
         fieldPart("a", "1") + filePart("f", "n", "content") + fieldPart("b", "2");
     const std::string whole = parts + LAST_BOUNDARY;
@@ -206,7 +207,7 @@ TEST_F(FormInfoUploadTest, nothingIsKeptOfAFormThatBreaksOff) {
     }
 }
 
-TEST_F(FormInfoUploadTest, aFormThatEndsBeforeItsAnnouncedLengthIsRefusedAlsoWhenItLooksWhole) {
+TEST_F(FormInfoUploadTest, rejectsFormShorterThanAnnounced) {
     ChildSetup request = postParts(fieldPart("a", "1"));
     for (const char* length : {"1000", "18446744073709551615"}) {
         request.environment["CONTENT_LENGTH"] = length;
@@ -214,13 +215,13 @@ TEST_F(FormInfoUploadTest, aFormThatEndsBeforeItsAnnouncedLengthIsRefusedAlsoWhe
     }
 }
 
-TEST_F(FormInfoUploadTest, withoutALengthTheFormIsReadToItsEnd) {
+TEST_F(FormInfoUploadTest, readsFormToEndWithoutLength) {
     ChildSetup request = postParts(fieldPart("a", "1") + filePart("f", "n", "content"));
     request.environment.erase("CONTENT_LENGTH");
     EXPECT_EQ(find(request), "a [1], no b, file [n] of 7 bytes: [content]");
 }
 
-TEST_F(FormInfoUploadTest, aMalformedPartIsRefusedWithAllThatIsAroundIt) {
+TEST_F(FormInfoUploadTest, rejectsFormWithMalformedPart) {
     const std::string parts = fieldPart("a", "1") + filePart("f", "n", "content");
     EXPECT_EQ(findRefused(postParts(parts + partOf("no colon\r\n", ""))), MALFORMED);
     EXPECT_EQ(findRefused(postBody(parts + "--boundaryjunk" + LAST_BOUNDARY)), MALFORMED);
@@ -229,7 +230,7 @@ TEST_F(FormInfoUploadTest, aMalformedPartIsRefusedWithAllThatIsAroundIt) {
     EXPECT_EQ(findRefused(request), MALFORMED);
 }
 
-TEST_F(FormInfoUploadTest, valuesMayBeAsLongAsTheirLimits) {
+TEST_F(FormInfoUploadTest, acceptsValuesUpToLimits) {
     const std::string value(VALUE_LENGTH, 'v');
     EXPECT_EQ(find(postParts(fieldPart("a", value))),
               "a [" + value + "], no b, file [] of 0 bytes: []");
@@ -242,7 +243,7 @@ TEST_F(FormInfoUploadTest, valuesMayBeAsLongAsTheirLimits) {
     EXPECT_EQ(findRefused(postParts(parts + fieldPart("d", "v"))), TOO_LARGE);
 }
 
-TEST_F(FormInfoUploadTest, onlyAFormIsReadAsAForm) {
+TEST_F(FormInfoUploadTest, ignoresOtherContentTypes) {
     ChildSetup request = postParts(fieldPart("a", "1"));
     for (const char* type : {"multipart/mixed; boundary=boundary", "multipart/form-datax",
                              "multipart/form-dat; boundary=boundary", "multipart/"}) {
@@ -255,7 +256,7 @@ TEST_F(FormInfoUploadTest, onlyAFormIsReadAsAForm) {
     EXPECT_EQ(find(request), NOTHING);
 }
 
-TEST_F(FormInfoUploadTest, theEndOfTheWorkRemovesAFileThatNobodyMoved) {
+TEST_F(FormInfoUploadTest, terminateRemovesUnmovedFile) {
     const auto work = [] {
         FormInfo form;
         std::cout << contentOf(form) << '\n' << names().size() << '\n';
@@ -267,7 +268,7 @@ TEST_F(FormInfoUploadTest, theEndOfTheWorkRemovesAFileThatNobodyMoved) {
     EXPECT_THAT(names(), IsEmpty());
 }
 
-TEST_F(FormInfoUploadTest, theEndOfTheWorkLeavesAFileThatSomebodyMoved) {
+TEST_F(FormInfoUploadTest, terminateLeavesMovedFile) {
     const std::string kept = boardFile("/var/tmp/kept");
     const auto work = [&kept] {
         FormInfo form;
@@ -280,9 +281,9 @@ TEST_F(FormInfoUploadTest, theEndOfTheWorkLeavesAFileThatSomebodyMoved) {
     EXPECT_EQ(readText(kept), "content");
 }
 
-TEST_F(FormInfoUploadTest, aFileThatNobodyAskedForNeedsNoEndOfTheWork) {
+TEST_F(FormInfoUploadTest, leavesNoUnrequestedFileWithoutTerminate) {
     const auto work = [] {
-        // As the program has it: nobody deletes the object.
+        // As in the program, the object is never deleted.
         FormInfo::myInstance = std::make_unique<FormInfo>().release();
         std::cout << fieldOf(*FormInfo::myInstance, "a") << std::endl;
     };
@@ -291,7 +292,7 @@ TEST_F(FormInfoUploadTest, aFileThatNobodyAskedForNeedsNoEndOfTheWork) {
     EXPECT_THAT(names(), IsEmpty());
 }
 
-TEST_F(FormInfoUploadTest, aFileThatCannotBeStoredLeavesTheFieldsReadable) {
+TEST_F(FormInfoUploadTest, readsFieldsIfFileCannotBeStored) {
     std::filesystem::remove_all(boardFile("/var/tmp"));
     const auto work = [] {
         const FormInfo form;
@@ -302,7 +303,7 @@ TEST_F(FormInfoUploadTest, aFileThatCannotBeStoredLeavesTheFieldsReadable) {
                 ElementsAre("a [1]", "7", refused(Host::UPLOAD_NOT_STORED)));
 }
 
-TEST_F(FormInfoUploadTest, memoryDoesNotGrowWithTheUpload) {
+TEST_F(FormInfoUploadTest, needsConstantMemory) {
     const long small = 1024;
     const long large = 8 * 1024 * 1024;
     const Received least = receiveUpload(small);

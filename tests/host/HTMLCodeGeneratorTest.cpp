@@ -30,7 +30,8 @@ const std::map<std::string, Gui::HTMLComponent*> NO_COMPONENTS;
 
 class HTMLCodeGeneratorHostTest : public BoardTest {
 protected:
-    // What the process prints for the skeleton, or the detail code with which it refuses.
+    // Prints the skeleton in a child process. Returns the output, or the refusal with its detail
+    // code.
     static std::string print() {
         const ChildResult result = runInChild([] {
             try {
@@ -50,24 +51,24 @@ protected:
     }
 };
 
-TEST_F(HTMLCodeGeneratorHostTest, aMalformedSkeletonIsRefusedAndItsPlaceTraced) {
+TEST_F(HTMLCodeGeneratorHostTest, rejectsMalformedSkeletonAndTracesPlace) {
     writeText(boardFile(SKELETON), "first line\n  {{no mark}}\n");
     EXPECT_EQ(print(), refused(Host::SKELETON_NOT_USABLE));
     EXPECT_THAT(traceLines(), ElementsAre(HasSubstr(SKELETON + ":2:3: not a mark")));
 }
 
-TEST_F(HTMLCodeGeneratorHostTest, aMissingSkeletonIsTraced) {
+TEST_F(HTMLCodeGeneratorHostTest, tracesMissingSkeleton) {
     EXPECT_EQ(print(), refused(Host::SKELETON_NOT_USABLE));
     EXPECT_THAT(traceLines(), ElementsAre(HasSubstr(SKELETON)));
 }
 
-TEST_F(HTMLCodeGeneratorHostTest, aLinkIsNoSkeleton) {
+TEST_F(HTMLCodeGeneratorHostTest, rejectsLink) {
     writeText(boardFile("/var/tmp/other.txt"), "text");
     ASSERT_EQ(::symlink(boardFile("/var/tmp/other.txt").c_str(), boardFile(SKELETON).c_str()), 0);
     EXPECT_THAT(print(), HasSubstr("refused"));
 }
 
-TEST_F(HTMLCodeGeneratorHostTest, aSkeletonMayBeAQuarterOfAMegabyte) {
+TEST_F(HTMLCodeGeneratorHostTest, acceptsSkeletonUpToQuarterMegabyte) {
     const std::string largest(256 * 1024, 'x');
     writeText(boardFile(SKELETON), largest);
     EXPECT_EQ(print(), largest);
@@ -75,7 +76,7 @@ TEST_F(HTMLCodeGeneratorHostTest, aSkeletonMayBeAQuarterOfAMegabyte) {
     EXPECT_THAT(print(), HasSubstr("refused"));
 }
 
-TEST_F(HTMLCodeGeneratorHostTest, aSkeletonIsReadOncePerProcess) {
+TEST_F(HTMLCodeGeneratorHostTest, readsSkeletonOncePerProcess) {
     writeText(boardFile(SKELETON), "row;");
     const ChildResult result = runInChild([] {
         const HTMLCodeGenerator first(SKELETON, &NO_COMPONENTS);
@@ -88,7 +89,7 @@ TEST_F(HTMLCodeGeneratorHostTest, aSkeletonIsReadOncePerProcess) {
     EXPECT_EQ(result.output, "row;row;row;");
 }
 
-TEST_F(HTMLCodeGeneratorHostTest, aSkeletonThatWasMissingIsLookedForAgain) {
+TEST_F(HTMLCodeGeneratorHostTest, retriesMissingSkeleton) {
     const ChildResult result = runInChild([] {
         const HTMLCodeGenerator generator(SKELETON, &NO_COMPONENTS);
         EXPECT_THROW(generator.printHTML(), PException);
@@ -99,13 +100,13 @@ TEST_F(HTMLCodeGeneratorHostTest, aSkeletonThatWasMissingIsLookedForAgain) {
     EXPECT_EQ(result.output, "here now");
 }
 
-// The shell is read first; without one, nothing else would be.
+// Creates a shell, because it is read ahead first; without it, nothing is read ahead.
 class SkeletonAheadTest : public HTMLCodeGeneratorHostTest {
 protected:
     SkeletonAheadTest() { writeText(boardFile(Host::SHELL_SKELETON), "shell"); }
 };
 
-TEST_F(SkeletonAheadTest, thePageIsReadWhileThereIsNothingElseToDo) {
+TEST_F(SkeletonAheadTest, readsPageDuringIdleTime) {
     writeText(boardFile(SKELETON), "row;");
     const ChildResult result = runInChild([] {
         const HTMLCodeGenerator generator(SKELETON, &NO_COMPONENTS);
@@ -117,7 +118,7 @@ TEST_F(SkeletonAheadTest, thePageIsReadWhileThereIsNothingElseToDo) {
     EXPECT_EQ(result.output, "row;");
 }
 
-TEST_F(SkeletonAheadTest, onlyTheFirstIsReadAhead) {
+TEST_F(SkeletonAheadTest, readsOnlyFirstSkeletonAhead) {
     writeText(boardFile(SKELETON), "page;");
     const ChildResult result = runInChild([] {
         const HTMLCodeGenerator page(SKELETON, &NO_COMPONENTS);
@@ -130,7 +131,7 @@ TEST_F(SkeletonAheadTest, onlyTheFirstIsReadAhead) {
     EXPECT_EQ(result.output, "page;");
 }
 
-TEST_F(SkeletonAheadTest, whatIsWrongWithASkeletonIsTracedWhenItIsPrinted) {
+TEST_F(SkeletonAheadTest, tracesProblemWhenPrinting) {
     writeText(boardFile(SKELETON), "{{no mark}}");
     const ChildResult result = runInChild([] {
         const HTMLCodeGenerator generator(SKELETON, &NO_COMPONENTS);

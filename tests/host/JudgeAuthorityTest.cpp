@@ -20,7 +20,7 @@ int preCheck(const CGIAuthority& authority, int function) {
     return JudgeAuthority(&authority, function, WHOLE_SERVER).preCheckDisplayMode(requester);
 }
 
-// A refusal lasts until the process ends, so every question has a process of its own.
+// Runs in a child process, because a refusal lasts until the process ends.
 int displayMode(const CGIAuthority& authority, int function) {
     return runInChild([&authority, function] {
                return JudgeAuthority(&authority, function, WHOLE_SERVER).getDisplayMode();
@@ -36,7 +36,7 @@ TEST(HostJudgeAuthorityTest, allowsEveryFunctionAtOnce) {
     EXPECT_EQ(preCheck(authority, 106), ALLOWED_AT_ONCE);
 }
 
-TEST(HostJudgeAuthorityTest, looksAtTheListOfEveryOtherUser) {
+TEST(HostJudgeAuthorityTest, checksFunctionListOfOtherUsers) {
     const std::string functions = ",105,106,";
     EXPECT_NE(preCheck({.everyFunction = 0, .functions = &functions}, 105), ALLOWED_AT_ONCE);
     EXPECT_NE(preCheck({}, 105), ALLOWED_AT_ONCE);
@@ -50,7 +50,7 @@ TEST(HostJudgeAuthorityTest, allowsAListedFunction) {
     }
 }
 
-TEST(HostJudgeAuthorityTest, refusesAFunctionThatIsNotListed) {
+TEST(HostJudgeAuthorityTest, refusesUnlistedFunction) {
     const std::string functions = ",105,1060,";
     const CGIAuthority authority = {.everyFunction = 0, .functions = &functions};
     for (const int function : {0, 1, 5, 10, 15, 106, 1051, 10, -105, 60}) {

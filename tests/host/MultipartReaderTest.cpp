@@ -20,8 +20,7 @@ using Host::FormLimits::PART_HEADER_LENGTH;
 
 namespace {
 
-// Writes down what it is given: "<name>value</>" for a field, "<name|file name>bytes</>" for a
-// file.
+// Records its calls: "<name>value</>" for a field, "<name|file name>bytes</>" for a file.
 class Recorder : public Host::MultipartHandler {
 public:
     void beginPart(const std::string& name, const std::string* fileName) override {
@@ -38,7 +37,8 @@ public:
     std::string text;
 };
 
-// What is found in a body that comes in these pieces; after a refusal what was found before it.
+// Returns the recorded parts of a body that arrives in these pieces, followed by the refusal if
+// there is one.
 std::string readPieces(const std::vector<std::string_view>& pieces,
                        const std::string& contentType = MULTIPART_TYPE) {
     Recorder recorder;
@@ -62,7 +62,7 @@ std::vector<std::string_view> piecesOf(std::string_view body, std::size_t size) 
     return pieces;
 }
 
-// What is found in a body, which must be the same however it is cut into pieces.
+// Returns the recorded parts of a body. Expects the same parts however the body is split.
 std::string readEachWay(const std::string& body, const std::string& contentType = MULTIPART_TYPE) {
     const std::string_view view = body;
     const std::string whole = readPieces({view}, contentType);
@@ -80,41 +80,41 @@ std::string readParts(const std::string& parts) {
     return readEachWay(parts + LAST_BOUNDARY);
 }
 
-// What is found in a body with one part of these header lines.
+// Returns the recorded parts of a body with one part that has these header lines.
 std::string readHeader(const std::string& lines) {
     return readParts(partOf(lines, "content"));
 }
 
 std::string headerOfSize(std::size_t size) {
     std::string lines = "Content-Disposition: form-data; name=a\r\nX-Padding: ";
-    // The last line break belongs to the header's end.
+    // The last line break is not counted: it belongs to the end of the header.
     lines.append(size - lines.size(), 'x');
     return lines + "\r\n";
 }
 
 }  // namespace
 
-TEST(MultipartReaderTest, fieldsAndFilesAreFoundInTheirOrder) {
+TEST(MultipartReaderTest, readsFieldsAndFilesInOrder) {
     const std::string binary("\0\r\n\n\r\xFF--\r\n\r\n", 12);
     EXPECT_EQ(readParts(fieldPart("status", "1") + filePart("file", "a.dat", binary) +
                         fieldPart("empty", "") + fieldPart("lines", "one\r\ntwo\r\n")),
               "<status>1</><file|a.dat>" + binary + "</><empty></><lines>one\r\ntwo\r\n</>");
 }
 
-TEST(MultipartReaderTest, aBodyMayHoldNoPart) {
+TEST(MultipartReaderTest, acceptsBodyWithoutParts) {
     EXPECT_EQ(readEachWay("--boundary--\r\n"), "");
     EXPECT_EQ(readEachWay("--boundary--"), "");
 }
 
-TEST(MultipartReaderTest, aFieldMayHaveTheNameOfAnother) {
+TEST(MultipartReaderTest, acceptsRepeatedFieldName) {
     EXPECT_EQ(readParts(fieldPart("a", "1") + fieldPart("a", "2")), "<a>1</><a>2</>");
 }
 
-TEST(MultipartReaderTest, aFileMayHaveNoNameAndNoBytes) {
+TEST(MultipartReaderTest, acceptsFileWithoutNameAndBytes) {
     EXPECT_EQ(readParts(filePart("file", "", "")), "<file|></>");
 }
 
-TEST(MultipartReaderTest, whatStandsInFrontOfTheFirstBoundaryIsPassedOver) {
+TEST(MultipartReaderTest, skipsPreamble) {
     const std::string parts = fieldPart("a", "1") + LAST_BOUNDARY;
     for (const std::string preamble :
          {"preamble\r\n", "\r\n", "\r\n\r\n", "--bound\r\n", "x--boundary\r\n", "--\r\n-\r\n",
@@ -123,14 +123,15 @@ TEST(MultipartReaderTest, whatStandsInFrontOfTheFirstBoundaryIsPassedOver) {
     }
 }
 
-TEST(MultipartReaderTest, aBoundaryBelongsAtTheStartOfALine) {
+TEST(MultipartReaderTest, requiresBoundaryAtLineStart) {
     const std::string parts = fieldPart("a", "1") + LAST_BOUNDARY;
-    // The part's own boundary is none, and all up to the last one stands in front of the first.
+    // The part's boundary does not start a line, so everything before the last boundary is
+    // preamble.
     EXPECT_EQ(readEachWay("x" + parts), "");
     EXPECT_EQ(readEachWay("\n" + parts), "");
 }
 
-TEST(MultipartReaderTest, whatStandsBehindTheLastBoundaryIsPassedOver) {
+TEST(MultipartReaderTest, skipsEpilogue) {
     const std::string parts = fieldPart("a", "1");
     for (const std::string epilogue :
          {"", "\r\n", "junk", "\r\nepilogue", "\r\n--boundary", "\r\n--boundaryjunk",
@@ -140,7 +141,7 @@ TEST(MultipartReaderTest, whatStandsBehindTheLastBoundaryIsPassedOver) {
     }
 }
 
-TEST(MultipartReaderTest, aContentMayHoldAlmostABoundary) {
+TEST(MultipartReaderTest, keepsPartialBoundaryInContent) {
     const std::string delimiter = "\r\n--boundary";
     for (std::size_t length = 1; length < delimiter.size(); ++length) {
         const std::string start = delimiter.substr(0, length);
@@ -156,13 +157,13 @@ TEST(MultipartReaderTest, aContentMayHoldAlmostABoundary) {
     }
 }
 
-TEST(MultipartReaderTest, aContentMayHoldAnotherBoundary) {
+TEST(MultipartReaderTest, keepsOtherBoundaryInContent) {
     const std::string body =
         "--b\r\nContent-Disposition: form-data; name=a\r\n\r\n\r\n--a\r\n--\r\n--b--";
     EXPECT_EQ(readEachWay(body, "multipart/form-data; boundary=b"), "<a>\r\n--a\r\n--</>");
 }
 
-TEST(MultipartReaderTest, theBoundaryMayBeWrittenInEveryWay) {
+TEST(MultipartReaderTest, parsesBoundaryParameter) {
     const std::string body = fieldPart("a", "1") + LAST_BOUNDARY;
     for (const std::string parameters :
          {"; boundary=boundary", ";boundary=boundary", "; boundary=\"boundary\"",
@@ -176,14 +177,14 @@ TEST(MultipartReaderTest, theBoundaryMayBeWrittenInEveryWay) {
     }
 }
 
-TEST(MultipartReaderTest, aBoundaryMayHoldWhatItsQuotesProtect) {
+TEST(MultipartReaderTest, unquotesBoundary) {
     const std::string body =
         "--a;b \"c\"\r\nContent-Disposition: form-data; name=a\r\n\r\n1\r\n"
         "--a;b \"c\"--";
     EXPECT_EQ(readEachWay(body, "multipart/form-data; boundary=\"a;b \\\"c\\\"\""), "<a>1</>");
 }
 
-TEST(MultipartReaderTest, withoutAUsableBoundaryTheFormIsRefused) {
+TEST(MultipartReaderTest, rejectsUnusableBoundary) {
     for (const std::string& parameters :
          {std::string(), std::string(";"), std::string("; boundary"), std::string("; boundary="),
           std::string("; boundary=; x=y"), std::string("; boundary=\"\""),
@@ -195,7 +196,7 @@ TEST(MultipartReaderTest, withoutAUsableBoundaryTheFormIsRefused) {
     }
 }
 
-TEST(MultipartReaderTest, aBoundaryMayBeAsLongAsItsLimit) {
+TEST(MultipartReaderTest, acceptsBoundaryUpToLimit) {
     const std::string boundary(BOUNDARY_LENGTH, 'b');
     const std::string body = "--" + boundary +
                              "\r\nContent-Disposition: form-data; name=a\r\n\r\n1\r\n--" +
@@ -203,7 +204,7 @@ TEST(MultipartReaderTest, aBoundaryMayBeAsLongAsItsLimit) {
     EXPECT_EQ(readEachWay(body, "multipart/form-data; boundary=" + boundary), "<a>1</>");
 }
 
-TEST(MultipartReaderTest, aFormThatIsCutShortIsRefusedWhereverItIsCut) {
+TEST(MultipartReaderTest, rejectsTruncatedForm) {
     const std::string body =
         "preamble\r\n" + fieldPart("a", "1") + filePart("f", "n", "bytes") + "--boundary--";
     for (std::size_t length = 0; length < body.size(); ++length) {
@@ -213,7 +214,7 @@ TEST(MultipartReaderTest, aFormThatIsCutShortIsRefusedWhereverItIsCut) {
     EXPECT_EQ(readEachWay(body), "<a>1</><f|n>bytes</>");
 }
 
-TEST(MultipartReaderTest, nothingMayStandBehindABoundary) {
+TEST(MultipartReaderTest, rejectsJunkAfterBoundary) {
     const std::string part = "Content-Disposition: form-data; name=b\r\n\r\n2\r\n--boundary--";
     for (const std::string junk : {"x\r\n", " \r\n", "\t\r\n", "-\r\n", "-x\r\n", "\n", "\r\r\n",
                                    "y--\r\n", " --\r\n", "\r", "\rx"}) {
@@ -224,7 +225,7 @@ TEST(MultipartReaderTest, nothingMayStandBehindABoundary) {
     }
 }
 
-TEST(MultipartReaderTest, aPartWithoutASoundHeaderIsRefused) {
+TEST(MultipartReaderTest, rejectsPartWithInvalidHeader) {
     const std::string named = "Content-Disposition: form-data; name=\"a\"\r\n";
     for (const std::string& lines :
          {std::string(), std::string("Content-Type: text/plain\r\n"),
@@ -240,12 +241,12 @@ TEST(MultipartReaderTest, aPartWithoutASoundHeaderIsRefused) {
     }
 }
 
-TEST(MultipartReaderTest, aPartWithoutAnEmptyLineHasNoHeader) {
+TEST(MultipartReaderTest, rejectsPartWithoutEmptyLine) {
     EXPECT_EQ(readEachWay("--boundary\r\nContent-Disposition: form-data; name=a\r\n--boundary--"),
               MALFORMED);
 }
 
-TEST(MultipartReaderTest, aNameMayBeAsLongAsItsLimit) {
+TEST(MultipartReaderTest, acceptsNameUpToLimit) {
     const auto readName = [](std::size_t length) {
         return readParts(fieldPart(std::string(length, 'n'), "1"));
     };
@@ -258,14 +259,13 @@ TEST(MultipartReaderTest, aNameMayBeAsLongAsItsLimit) {
     EXPECT_EQ(readFileName(FILE_NAME_LENGTH + 1), TOO_LARGE);
 }
 
-// The limit once held only for a body that came in one piece: a header of just its length was
-// refused when its end came in two.
-TEST(MultipartReaderTest, aHeaderMayBeAsLongAsItsLimitHoweverItComes) {
+// Regression test: a header of exactly the limit was refused if its end arrived in two pieces.
+TEST(MultipartReaderTest, acceptsHeaderUpToLimitInAnyPieces) {
     EXPECT_EQ(readHeader(headerOfSize(PART_HEADER_LENGTH)), "<a>content</>");
     EXPECT_EQ(readHeader(headerOfSize(PART_HEADER_LENGTH + 1)), TOO_LARGE);
 }
 
-TEST(MultipartReaderTest, aHeaderWithoutEndIsRefusedBeforeItIsHere) {
+TEST(MultipartReaderTest, rejectsEndlessHeaderEarly) {
     Recorder recorder;
     MultipartReader reader(MULTIPART_TYPE, recorder);
     reader.feed("--boundary\r\n");
@@ -280,7 +280,7 @@ TEST(MultipartReaderTest, aHeaderWithoutEndIsRefusedBeforeItIsHere) {
     EXPECT_EQ(readPieces({"--boundary\r\n" + std::string(PART_HEADER_LENGTH + 4, 'x')}), TOO_LARGE);
 }
 
-TEST(MultipartReaderTest, thereMayBeAsManyPartsAsTheLimit) {
+TEST(MultipartReaderTest, acceptsPartsUpToLimit) {
     std::string parts;
     std::string found;
     for (std::size_t part = 0; part < FIELDS; ++part) {
@@ -294,7 +294,7 @@ TEST(MultipartReaderTest, thereMayBeAsManyPartsAsTheLimit) {
     }
 }
 
-TEST(MultipartReaderTest, bytesArePassedOnAsTheyComeUpToAPossibleBoundary) {
+TEST(MultipartReaderTest, forwardsBytesExceptPossibleBoundary) {
     Recorder recorder;
     MultipartReader reader(MULTIPART_TYPE, recorder);
     reader.feed("--boundary\r\nContent-Disposition: form-data; name=a; filename=b\r\n\r\n");
@@ -306,7 +306,7 @@ TEST(MultipartReaderTest, bytesArePassedOnAsTheyComeUpToAPossibleBoundary) {
     }
 }
 
-TEST(MultipartReaderTest, aHandlersExceptionPassesOn) {
+TEST(MultipartReaderTest, propagatesHandlerException) {
     class Refusing : public Host::MultipartHandler {
     public:
         void beginPart(const std::string& /*name*/, const std::string* /*fileName*/) override {

@@ -33,13 +33,13 @@ std::string outcome(const char* name) {
 
 }  // namespace
 
-TEST(NoticeTest, eachTextHasItsNumberAndItsCode) {
+TEST(NoticeTest, marksEachTextWithNumberAndCode) {
     const std::string notice = noticeOf(text(RESTORE_FAILED, 1602) + "<br>" + text(12, 1033));
     EXPECT_THAT(notice, HasSubstr("<p data-message=\"71\" data-code=\"1602\">"));
     EXPECT_THAT(notice, HasSubstr("<p data-message=\"12\" data-code=\"1033\">"));
 }
 
-TEST(NoticeTest, anOutcomeHasItsOwnLook) {
+TEST(NoticeTest, stylesEachOutcome) {
     EXPECT_THAT(noticeOf(text(RESTORED, 0)),
                 AllOf(HasSubstr(outcome("done")), HasSubstr("\"notice success\"")));
     EXPECT_THAT(noticeOf(text(RESTORE_FAILED, 1602)),
@@ -49,7 +49,7 @@ TEST(NoticeTest, anOutcomeHasItsOwnLook) {
                       HasSubstr("href=\"/activity.cgi\"")));
 }
 
-TEST(NoticeTest, onlyARestoreWithoutAnAnswerOrWithAnUnknownCodeIsUnknown) {
+TEST(NoticeTest, isUnknownOnlyForUnansweredRestoreOrUnknownCode) {
     for (const int code : {1613, 2002, 2003, 2004, 1999}) {
         EXPECT_THAT(noticeOf(text(RESTORE_FAILED, code)), HasSubstr(outcome("unknown"))) << code;
         EXPECT_THAT(noticeOf(text(72, code)), HasSubstr(outcome("refused"))) << code;
@@ -59,7 +59,7 @@ TEST(NoticeTest, onlyARestoreWithoutAnAnswerOrWithAnUnknownCodeIsUnknown) {
     }
 }
 
-TEST(NoticeTest, theOutcomeThatNeedsMostAttentionCounts) {
+TEST(NoticeTest, showsMostSevereOutcome) {
     const std::string done = text(RESTORED, 0);
     const std::string refused = text(12, 1033);
     const std::string unknown = text(RESTORE_FAILED, 2003);
@@ -69,12 +69,12 @@ TEST(NoticeTest, theOutcomeThatNeedsMostAttentionCounts) {
                 HasSubstr(outcome("unknown")));
 }
 
-TEST(NoticeTest, aTextThatTheCatalogueDidNotIssueSaysNothingOfAnOutcome) {
+TEST(NoticeTest, derivesNoOutcomeFromForeignText) {
     EXPECT_THAT(noticeOf("a text [71-1602]"),
                 AllOf(Not(HasSubstr("data-")), HasSubstr("<p>a text [71-1602]</p>")));
 }
 
-TEST(NoticeTest, theTraceTextThatIsShownIsMarkedAsEnglish) {
+TEST(NoticeTest, marksTraceTextAsEnglish) {
     char buffer[256];
     EXPECT_THAT(noticeOf(lmsg_getmsg(107, buffer, "the partition status")),
                 HasSubstr("<p class=\"detail\" lang=\"en\">Failed to obtain the partition status"));

@@ -21,9 +21,9 @@ namespace {
 
 const int SHORT = 50;
 const int LONG = 600000;
-const int WITHOUT_AN_END = 20000;  // bytes, one in a millisecond
+const int WITHOUT_AN_END = 20000;  // bytes, one per millisecond
 
-// How a body ends that reads standard input for `milliseconds`: 0, or the code of its refusal.
+// Reads a body from standard input within `milliseconds`. Returns 0, or the code of its refusal.
 int endOf(int milliseconds) {
     try {
         RequestBody body(milliseconds);
@@ -35,7 +35,7 @@ int endOf(int milliseconds) {
     return 0;
 }
 
-// Makes a pipe the standard input and returns the end to write to.
+// Makes a pipe the standard input and returns its write end, or -1 on errors.
 int makeInput() {
     int ends[2];
     return ::pipe(ends) == 0 && ::dup2(ends[0], STDIN_FILENO) == STDIN_FILENO ? ends[1] : -1;
@@ -43,7 +43,7 @@ int makeInput() {
 
 }  // namespace
 
-TEST(RequestBodyTest, aBodyThatNeverComesIsRefused) {
+TEST(RequestBodyTest, rejectsMissingBodyAfterTimeout) {
     const ChildResult result = runInChild([] {
         makeInput();
         return endOf(SHORT) == Host::REQUEST_TOO_SLOW ? 0 : 1;
@@ -51,7 +51,7 @@ TEST(RequestBodyTest, aBodyThatNeverComesIsRefused) {
     EXPECT_EQ(result.exitStatus, 0);
 }
 
-TEST(RequestBodyTest, aByteNowAndThenMakesTheTimeNoLonger) {
+TEST(RequestBodyTest, doesNotExtendDeadlineForSlowBytes) {
     const ChildResult result = runInChild([] {
         const int end = makeInput();
         std::thread([end] {
@@ -60,14 +60,14 @@ TEST(RequestBodyTest, aByteNowAndThenMakesTheTimeNoLonger) {
             }
             ::close(end);
         }).detach();
-        // A process that ends normally would take the thread's time as well.
+        // A normal exit could be delayed by the thread.
         ::_exit(endOf(SHORT) == Host::REQUEST_TOO_SLOW ? 0 : 1);
         return 1;
     });
     EXPECT_EQ(result.exitStatus, 0);
 }
 
-TEST(RequestBodyTest, aBodyInTimeIsWholeWhateverInterruptsIt) {
+TEST(RequestBodyTest, readsWholeBodyDespiteSignals) {
     const std::string body(100000, 'x');
     const ChildResult result = runInChild(
         [&body] {
@@ -84,7 +84,7 @@ TEST(RequestBodyTest, aBodyInTimeIsWholeWhateverInterruptsIt) {
 }
 
 // The web server ends a request that is still arriving after 28 s.
-TEST(RequestBodyTest, isGivenUpBeforeTheServerEndsItsConnection) {
+TEST(RequestBodyTest, timesOutBeforeServer) {
     EXPECT_LT(RequestBody::DEADLINE_MILLISECONDS, 28000);
     EXPECT_GE(RequestBody::DEADLINE_MILLISECONDS, 20000);
 }

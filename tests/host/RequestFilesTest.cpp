@@ -31,7 +31,7 @@ using testing::IsEmpty;
 
 namespace {
 
-// What surrounds a request that may change a session's files.
+// Tests of the checks around a request that may change a session's files.
 class RequestFilesTest : public BoardTest {
 protected:
     RequestFilesTest()
@@ -39,7 +39,7 @@ protected:
           backup(backupFile(session.identifier)),
           staged(stagingFile(session.identifier)) {}
 
-    // A request whose work is `work`; the code of what refuses it, 0 for nothing.
+    // Runs a request that does `work`. Returns 0, or statusOf() of the code that refuses it.
     int request(const std::function<void()>& work, const char* method = "POST") const {
         const ChildResult result = runInChild(
             [&] {
@@ -59,10 +59,10 @@ protected:
         return result.exitStatus;
     }
 
-    // A code of the platform's as an exit status.
+    // Returns an error code of the platform as an exit status.
     static int statusOf(int code) { return code - 1000; }
 
-    // Puts an upload in place as the program does.
+    // Stages an upload as the program does.
     void upload(const std::string& bytes) const {
         Host::UploadFile file;
         file.write(bytes);
@@ -99,7 +99,7 @@ protected:
 
 }  // namespace
 
-TEST_F(RequestFilesTest, filesOfTheBoardsOwnAreFine) {
+TEST_F(RequestFilesTest, acceptsOwnFiles) {
     EXPECT_EQ(request([] {}), 0);
     writeText(backup, "backup");
     writeText(staged, "staged");
@@ -108,7 +108,7 @@ TEST_F(RequestFilesTest, filesOfTheBoardsOwnAreFine) {
     EXPECT_THAT(events(), IsEmpty());
 }
 
-TEST_F(RequestFilesTest, whatIsNotARegularFileOfTheBoardsOwnIsRefusedBeforeTheWork) {
+TEST_F(RequestFilesTest, rejectsForeignFilesBeforeWork) {
     const std::string precious = boardFile("/var/precious");
     writeText(precious, "precious");
     for (const std::string& path : {backup, staged}) {
@@ -137,7 +137,7 @@ TEST_F(RequestFilesTest, whatIsNotARegularFileOfTheBoardsOwnIsRefusedBeforeTheWo
     EXPECT_EQ(readText(precious), "precious");
 }
 
-TEST_F(RequestFilesTest, anUploadIsRecordedWithWhatItHolds) {
+TEST_F(RequestFilesTest, recordsUploadWithFileDetails) {
     ASSERT_EQ(request([this] { upload(configuration()); }), 0);
     ASSERT_EQ(events().size(), 1U);
     const JSON event = events()[0];
@@ -147,12 +147,12 @@ TEST_F(RequestFilesTest, anUploadIsRecordedWithWhatItHolds) {
     EXPECT_EQ(event["session"], session.identifier);
     EXPECT_EQ(event["address"], "192.0.2.1");
     EXPECT_EQ(event["file"]["partition"], 3);
-    // The same bytes again are another upload.
+    // Uploading the same bytes again is another upload.
     ASSERT_EQ(request([this] { upload(configuration()); }), 0);
     EXPECT_EQ(events().size(), 2U);
 }
 
-TEST_F(RequestFilesTest, anUploadThatIsNotStagedIsRecordedAsRefused) {
+TEST_F(RequestFilesTest, recordsUnstagedUploadAsRefused) {
     writeText(staged, "staged");
     const auto refuse = [] {
         Host::UploadFile file;
@@ -167,7 +167,7 @@ TEST_F(RequestFilesTest, anUploadThatIsNotStagedIsRecordedAsRefused) {
     EXPECT_EQ(readText(staged), "staged");
 }
 
-TEST_F(RequestFilesTest, aDiscardIsRecorded) {
+TEST_F(RequestFilesTest, recordsDiscard) {
     writeText(staged, "staged");
     ASSERT_EQ(request([this] { std::filesystem::remove(staged); }), 0);
     ASSERT_EQ(events().size(), 1U);
@@ -175,20 +175,20 @@ TEST_F(RequestFilesTest, aDiscardIsRecorded) {
     EXPECT_EQ(events()[0]["result"], "done");
 }
 
-TEST_F(RequestFilesTest, anUploadThatCannotBeRecordedIsRemoved) {
+TEST_F(RequestFilesTest, removesUploadThatCannotBeRecorded) {
     breakAuditLog();
     EXPECT_EQ(request([this] { upload(configuration()); }), statusOf(Host::AUDIT_NOT_WRITTEN));
     EXPECT_FALSE(exists(staged));
 }
 
-TEST_F(RequestFilesTest, aDiscardThatCannotBeRecordedIsNoSuccess) {
+TEST_F(RequestFilesTest, failsIfDiscardCannotBeRecorded) {
     writeText(staged, "staged");
     breakAuditLog();
     EXPECT_EQ(request([this] { std::filesystem::remove(staged); }),
               statusOf(Host::AUDIT_NOT_WRITTEN));
 }
 
-TEST_F(RequestFilesTest, nothingOfARefusedUserStays) {
+TEST_F(RequestFilesTest, removesFilesOfRefusedUser) {
     struct Case {
         const char* functions;
         bool backupStays;
@@ -209,7 +209,7 @@ TEST_F(RequestFilesTest, nothingOfARefusedUserStays) {
     }
 }
 
-TEST_F(RequestFilesTest, whatIsWrittenForAnEndedSessionIsRemoved) {
+TEST_F(RequestFilesTest, removesFilesOfEndedSession) {
     const auto work = [this] {
         Host::endSession(session.identifier);
         writeText(backup, "backup");
@@ -221,7 +221,7 @@ TEST_F(RequestFilesTest, whatIsWrittenForAnEndedSessionIsRemoved) {
     EXPECT_THAT(events(), IsEmpty());
 }
 
-TEST_F(RequestFilesTest, aRequestThatPostsNothingRecordsARefusalOnly) {
+TEST_F(RequestFilesTest, recordsOnlyRefusalForGet) {
     writeText(backup, "backup");
     publishUser("user", false, "");
     ASSERT_EQ(request([] { Host::noteRefusedPage(); }, "GET"), 0);

@@ -21,7 +21,7 @@ namespace {
 
 const std::string FORGED = "0123456789abcdef-" + std::string(32, '0');
 
-// Each request is a process of its own: it reads the board's properties once.
+// Runs each request in a child process, because a process reads the board's properties once.
 class RequestSessionTest : public BoardTest {
 protected:
     static std::string run(const std::function<void()>& work, const Environment& environment = {}) {
@@ -35,7 +35,8 @@ protected:
         return result.output;
     }
 
-    // The user of a cookie's session, and whether they may use the functions 105 and 106.
+    // Returns the user of a cookie's session, followed by 1 or 0 for the right to use function 105
+    // and function 106.
     static std::string whoIs(const std::string& cookieValue) {
         return run([&cookieValue] {
             const Host::RequestSession* const found = Host::findRequestSession(cookieValue);
@@ -78,7 +79,7 @@ protected:
 
 }  // namespace
 
-TEST_F(RequestSessionTest, theRightsAreThoseOfTheDescriptionNow) {
+TEST_F(RequestSessionTest, usesCurrentRights) {
     const Session session = startSession("user", false, ",105,");
     EXPECT_EQ(whoIs(session.cookieValue()), "user10");
     publishUser("user", false, ",106,");
@@ -88,7 +89,7 @@ TEST_F(RequestSessionTest, theRightsAreThoseOfTheDescriptionNow) {
     EXPECT_EQ(whoIs(FORGED), "nobody");
 }
 
-TEST_F(RequestSessionTest, aUserWhoIsNotDescribedAnyMoreHasNoSession) {
+TEST_F(RequestSessionTest, endsSessionOfRemovedUser) {
     const Session session = startSession("user", false, ",105,");
     writeText(backupFile(session.identifier), "backup");
     describeOnly("another");
@@ -100,19 +101,19 @@ TEST_F(RequestSessionTest, aUserWhoIsNotDescribedAnyMoreHasNoSession) {
     EXPECT_EQ(line["reason"], "user");
     EXPECT_EQ(line["user"], "user");
     EXPECT_EQ(line["session"], session.identifier);
-    // Who is described again later does not get it back.
+    // Describing the user again does not restore the session.
     publishUser("user", false, ",105,");
     EXPECT_EQ(whoIs(session.cookieValue()), "nobody");
 }
 
-TEST_F(RequestSessionTest, withoutAnyDescriptionNobodyIsLetInAndNoSessionEnds) {
+TEST_F(RequestSessionTest, rejectsButKeepsSessionWithoutDescription) {
     const Session session = startSession("user", false, ",105,");
     describeNobody();
     EXPECT_EQ(whoIs(session.cookieValue()), "nobody");
     EXPECT_TRUE(exists(session));
 }
 
-TEST_F(RequestSessionTest, ofSeveralCookiesTheOneOfALivingSessionCounts) {
+TEST_F(RequestSessionTest, prefersCookieOfLiveSession) {
     const std::string good = startSession("user", false, "").cookieValue();
     for (const std::string& other : {std::string(), std::string("x"), FORGED}) {
         EXPECT_EQ(cookieOf("session=" + other + "; session=" + good), good) << other;
@@ -123,16 +124,16 @@ TEST_F(RequestSessionTest, ofSeveralCookiesTheOneOfALivingSessionCounts) {
     EXPECT_EQ(cookieOf("language=ja"), "");
 }
 
-TEST_F(RequestSessionTest, overHTTPSOnlyTheGuardedCookieCounts) {
+TEST_F(RequestSessionTest, acceptsOnlyHostPrefixedCookieOverHTTPS) {
     EXPECT_EQ(cookieOf("session=plain; __Host-session=guarded", true), "guarded");
     EXPECT_EQ(cookieOf("session=plain", true), "");
     EXPECT_EQ(cookieOf("session=plain; __Host-session=guarded"), "plain");
 }
 
-TEST_F(RequestSessionTest, aSessionThatEndsMeanwhileIsRequiredInVain) {
+TEST_F(RequestSessionTest, rejectsSessionEndedMeanwhile) {
     const Session session = startSession("user", false, ",105,");
     const std::string output = run([&session] {
-        Host::requireLivingSession();  // nothing is asked of a request without a session
+        Host::requireLivingSession();  // accepts a request without a session
         Host::findRequestSession(session.cookieValue());
         Host::requireLivingSession();
         std::cout << "alive, ";
@@ -146,7 +147,7 @@ TEST_F(RequestSessionTest, aSessionThatEndsMeanwhileIsRequiredInVain) {
     EXPECT_EQ(output, "alive, 4031");
 }
 
-TEST_F(RequestSessionTest, anEventSaysWhoAskedAndFromWhere) {
+TEST_F(RequestSessionTest, eventNamesUserSessionAndAddress) {
     const Session session = startSession("user", false, ",105,");
     const std::string output = run(
         [&session] {

@@ -32,7 +32,8 @@ const ChildSetup HEAD = {.environment = {{"REQUEST_METHOD", "HEAD"}}, .input = {
 const int NOT_SENT = 9;
 const int NOT_PREPARED = 8;
 
-// Sends a response in a process of its own; its exit status tells whether send() was content.
+// Sends a response in a child process, which exits with 0 if send() succeeds, with NOT_SENT if it
+// fails, and with NOT_PREPARED if `prepare` fails.
 ChildResult respond(
     const Work& work, const ChildSetup& setup = GET,
     const std::function<bool()>& prepare = [] { return true; }) {
@@ -63,7 +64,7 @@ bool replaceOutput(int descriptor) {
 
 class ResponseTest : public BoardTest {};
 
-TEST_F(ResponseTest, theLastResortIsAWholePageWhateverWasPrinted) {
+TEST_F(ResponseTest, lastResortReplacesPrintedPage) {
     const CGIResponse response = responseOf([](Response& own) {
         own.setStatus(200);
         own.addHeader("Set-Cookie", "secret");
@@ -80,13 +81,13 @@ TEST_F(ResponseTest, theLastResortIsAWholePageWhateverWasPrinted) {
     EXPECT_THAT(response.body, testing::Not(HasSubstr("half a page")));
 }
 
-TEST_F(ResponseTest, theLastResortHasNoBodyForHEAD) {
+TEST_F(ResponseTest, lastResortHasNoBodyForHead) {
     const ChildResult result = respond([](Response& own) { own.useLastResort(); }, HEAD);
     EXPECT_EQ(result.exitStatus, 0) << result.errors;
     EXPECT_TRUE(result.output.ends_with("\r\n\r\n")) << result.output;
 }
 
-TEST_F(ResponseTest, whatCannotBePrintedIsAnExceptionAndNoGap) {
+TEST_F(ResponseTest, throwsIfPrintingFails) {
     const ChildResult result = respond([](Response&) {
         class Broken : public std::streambuf {
         protected:
@@ -108,18 +109,18 @@ TEST_F(ResponseTest, whatCannotBePrintedIsAnExceptionAndNoGap) {
     EXPECT_TRUE(result.output.ends_with("thrown")) << result.output;
 }
 
-TEST_F(ResponseTest, whatIsPrintedIsTheBody) {
+TEST_F(ResponseTest, sendsPrintedTextAsBody) {
     const CGIResponse response = responseOf([](Response&) { std::cout << "<p>" << 42 << "</p>"; });
     EXPECT_EQ(response.status, "200 OK");
     EXPECT_EQ(response.header("Content-Type"), "text/html; charset=UTF-8");
     EXPECT_EQ(response.body, "<p>42</p>");
 }
 
-TEST_F(ResponseTest, anEmptyBodyHasTheLengthZero) {
+TEST_F(ResponseTest, sendsZeroLengthForEmptyBody) {
     EXPECT_EQ(responseOf([](Response&) {}).header("Content-Length"), "0");
 }
 
-TEST_F(ResponseTest, everyByteOfTheBodyIsKept) {
+TEST_F(ResponseTest, keepsEveryByteOfBody) {
     std::string bytes;
     for (int value = 0; value < 256; ++value) {
         bytes += static_cast<char>(value);
@@ -127,7 +128,7 @@ TEST_F(ResponseTest, everyByteOfTheBodyIsKept) {
     EXPECT_EQ(responseOf([&bytes](Response&) { std::cout << bytes; }).body, bytes);
 }
 
-TEST_F(ResponseTest, everyResponseKeepsThePageToItself) {
+TEST_F(ResponseTest, sendsSecurityHeaders) {
     const CGIResponse response = responseOf([](Response&) {});
     EXPECT_EQ(response.header("Cache-Control"), "no-store");
     EXPECT_EQ(response.header("X-Content-Type-Options"), "nosniff");
@@ -140,7 +141,7 @@ TEST_F(ResponseTest, everyResponseKeepsThePageToItself) {
     EXPECT_TRUE(policy.ends_with("script-src 'self'")) << policy;
 }
 
-TEST_F(ResponseTest, onlyTheScriptsOfThePageItselfRun) {
+TEST_F(ResponseTest, limitsScriptsToSelfAndNonce) {
     const CGIResponse response = responseOf([](Response&) { std::cout << Host::scriptNonce(); });
     EXPECT_EQ(response.body.size(), 32U);
     const std::string policy = response.header("Content-Security-Policy");
@@ -149,7 +150,7 @@ TEST_F(ResponseTest, onlyTheScriptsOfThePageItselfRun) {
     EXPECT_NE(other.body, response.body);
 }
 
-TEST_F(ResponseTest, everyStatusHasItsReason) {
+TEST_F(ResponseTest, sendsReasonWithStatus) {
     const std::map<int, std::string> reasons = {
         {200, "200 OK"},
         {303, "303 See Other"},
@@ -169,7 +170,7 @@ TEST_F(ResponseTest, everyStatusHasItsReason) {
     }
 }
 
-TEST_F(ResponseTest, headersAreAdded) {
+TEST_F(ResponseTest, addsHeaders) {
     const CGIResponse response = responseOf([](Response& made) {
         made.addHeader("Location", "/maintenance/x?a=b");
         made.addHeader("Allow", "GET");
@@ -180,7 +181,7 @@ TEST_F(ResponseTest, headersAreAdded) {
     EXPECT_EQ(response.header("Content-Type"), "application/octet-stream");
 }
 
-TEST_F(ResponseTest, aHeaderWithALineBreakIsLeftOut) {
+TEST_F(ResponseTest, omitsHeaderWithLineBreak) {
     const CGIResponse plain = responseOf([](Response&) {});
     for (const char* hostile : {"x\r\nSet-Cookie: a=b", "x\nSet-Cookie: a=b", "x\r", "\n"}) {
         const CGIResponse response = responseOf([&](Response& made) {
@@ -193,7 +194,7 @@ TEST_F(ResponseTest, aHeaderWithALineBreakIsLeftOut) {
     }
 }
 
-TEST_F(ResponseTest, discardForgetsThePageAndTheHeaders) {
+TEST_F(ResponseTest, discardClearsPageAndHeaders) {
     const CGIResponse response = responseOf([](Response& made) {
         std::cout << "half a page";
         made.addHeader("Location", "/");
@@ -207,14 +208,14 @@ TEST_F(ResponseTest, discardForgetsThePageAndTheHeaders) {
     EXPECT_EQ(response.header("Content-Type"), "text/html; charset=UTF-8");
 }
 
-TEST_F(ResponseTest, aHeadRequestGetsTheHeadersOnly) {
+TEST_F(ResponseTest, answersHeadWithHeadersOnly) {
     const auto work = [](Response&) { std::cout << "the page"; };
     const CGIResponse head = parseResponse(respond(work, HEAD).output, true);
     EXPECT_EQ(head.headers, responseOf(work).headers);
     EXPECT_EQ(head.header("Content-Length"), "8");
 }
 
-TEST_F(ResponseTest, nothingLeavesBeforeTheEnd) {
+TEST_F(ResponseTest, writesNothingBeforeSend) {
     const ChildResult result = runInChild([] {
         {
             const Response response;
@@ -226,9 +227,9 @@ TEST_F(ResponseTest, nothingLeavesBeforeTheEnd) {
     EXPECT_EQ(result.output, "after");
 }
 
-TEST_F(ResponseTest, headerAndBodyLeaveInOneWrite) {
+TEST_F(ResponseTest, sendsHeaderAndBodyInOneWrite) {
     int ends[2] = {};
-    // Every write to such a socket is one message.
+    // Each write to such a socket is one message.
     ASSERT_EQ(::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends), 0);
     const std::string page(20000, 'p');
     const ChildResult result = respond([&page](Response&) { std::cout << page; }, GET,
@@ -244,7 +245,7 @@ TEST_F(ResponseTest, headerAndBodyLeaveInOneWrite) {
     ::close(ends[0]);
 }
 
-TEST_F(ResponseTest, aPageLargerThanAPipeLeavesWholeInSpiteOfSignals) {
+TEST_F(ResponseTest, sendsLargePageDespiteSignals) {
     const std::string page(3 * 1024 * 1024, 'p');
     ChildProcess child(
         [&page] {
@@ -254,20 +255,20 @@ TEST_F(ResponseTest, aPageLargerThanAPipeLeavesWholeInSpiteOfSignals) {
             return response.send() ? 0 : NOT_SENT;
         },
         GET);
-    ::usleep(50000);  // the pipe is full and the writer interrupted
+    ::usleep(50000);  // until the pipe is full and the writer interrupted
     const ChildResult result = child.wait();
     EXPECT_EQ(result.exitStatus, 0) << result.errors;
     EXPECT_EQ(parseResponse(result.output).body.size(), page.size());
 }
 
-TEST_F(ResponseTest, withoutStandardOutputNothingIsSent) {
+TEST_F(ResponseTest, failsWithoutStandardOutput) {
     const ChildResult result = respond([](Response&) { std::cout << "page"; }, GET,
                                        [] { return ::close(STDOUT_FILENO) == 0; });
     EXPECT_EQ(result.exitStatus, NOT_SENT);
     EXPECT_EQ(result.signal, 0);
 }
 
-TEST_F(ResponseTest, aBrowserThatIsGoneIsNoDeath) {
+TEST_F(ResponseTest, survivesClosedConnection) {
     const ChildResult result =
         respond([](Response&) { std::cout << "page"; }, GET,
                 [] {
@@ -278,17 +279,17 @@ TEST_F(ResponseTest, aBrowserThatIsGoneIsNoDeath) {
     EXPECT_EQ(result.signal, 0);
 }
 
-TEST_F(ResponseTest, aFullDeviceIsNoDeath) {
+TEST_F(ResponseTest, survivesFullDevice) {
     const ChildResult result = respond([](Response&) { std::cout << "page"; }, GET,
                                        [] { return replaceOutput(::open("/dev/full", O_WRONLY)); });
     EXPECT_EQ(result.exitStatus, NOT_SENT);
 }
 
-TEST_F(ResponseTest, aFileThatMayNotGrowIsNoDeath) {
+TEST_F(ResponseTest, survivesFileSizeLimit) {
     const std::string path = boardFile("/var/tmp/response");
     const ChildResult result = respond(
         [](Response&) {
-            // From here on, so that nothing but the response meets the limit.
+            // Set here, so that the limit applies only to the response.
             const rlimit limit = {.rlim_cur = 100, .rlim_max = RLIM_INFINITY};
             ::setrlimit(RLIMIT_FSIZE, &limit);
             std::cout << "page";

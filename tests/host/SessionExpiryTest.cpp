@@ -16,7 +16,7 @@ using Host::SESSION_LIFE_SECONDS;
 
 namespace {
 
-// Far more than a test takes between setting a time and asking.
+// In seconds; far longer than the time between setting a time and checking it.
 const std::time_t MARGIN = 30;
 
 std::time_t ageOf(const std::string& path) {
@@ -32,7 +32,7 @@ protected:
     SessionExpiryTest()
         : session(Host::startSession("operator")), path(sessionFile(session.identifier)) {}
 
-    // Has the session been created `seconds` ago; its file's time is set anew as well.
+    // Sets the session's creation time to `seconds` ago. This also updates the time of its file.
     void createdAgo(std::time_t seconds) {
         setField(session, "created", std::to_string(std::time(nullptr) - seconds));
     }
@@ -49,20 +49,20 @@ protected:
     std::string path;
 };
 
-TEST_F(SessionExpiryTest, aSessionLivesWhileItIsUsed) {
+TEST_F(SessionExpiryTest, staysAliveWithinIdleLimit) {
     setAge(path, SESSION_IDLE_SECONDS - MARGIN);
     EXPECT_TRUE(isAlive());
 }
 
-// What a page shows as the rest of the session, found out by letting time pass.
-TEST_F(SessionExpiryTest, aSessionEndsWhenItSays) {
+// Pages compute the remaining time of a session from `ends`.
+TEST_F(SessionExpiryTest, reportsTimeOfExpiry) {
     const auto endOf = [this] {
         Session found;
         EXPECT_TRUE(Host::findSession(session.cookieValue(), found));
         return found.ends;
     };
     EXPECT_EQ(session.ends, session.created + SESSION_IDLE_SECONDS);
-    // A use within a minute of the last one is not noted, so that it adds nothing.
+    // A use within a minute of the last one is not recorded and extends nothing.
     setAge(path, 40);
     EXPECT_EQ(endOf(), lastUse() + SESSION_IDLE_SECONDS);
     EXPECT_LE(endOf(), std::time(nullptr) + SESSION_IDLE_SECONDS - 40);
@@ -70,26 +70,26 @@ TEST_F(SessionExpiryTest, aSessionEndsWhenItSays) {
     const std::time_t before = std::time(nullptr);
     EXPECT_GE(endOf(), before + SESSION_IDLE_SECONDS);
     EXPECT_EQ(endOf(), lastUse() + SESSION_IDLE_SECONDS);
-    // No use prolongs it beyond its life.
+    // No use extends the session beyond its longest life.
     createdAgo(SESSION_LIFE_SECONDS - MARGIN);
     const std::time_t now = std::time(nullptr);
     EXPECT_LE(endOf(), now + MARGIN);
     EXPECT_GE(endOf(), now + MARGIN - 1);
 }
 
-TEST_F(SessionExpiryTest, aSessionThatNobodyUsesExpires) {
+TEST_F(SessionExpiryTest, expiresWhenIdle) {
     setAge(path, SESSION_IDLE_SECONDS + 1);
     EXPECT_FALSE(isAlive());
 }
 
-TEST_F(SessionExpiryTest, aUsedSessionExpiresInTheEndAsWell) {
+TEST_F(SessionExpiryTest, expiresAtEndOfLifeDespiteUse) {
     createdAgo(SESSION_LIFE_SECONDS - MARGIN);
     EXPECT_TRUE(isAlive());
     createdAgo(SESSION_LIFE_SECONDS + 1);
     EXPECT_FALSE(isAlive());
 }
 
-TEST_F(SessionExpiryTest, halfAnHourAndHalfADayAreTheLimits) {
+TEST_F(SessionExpiryTest, usesLimitsOfHalfHourAndHalfDay) {
     setAge(path, 29 * 60);
     EXPECT_TRUE(isAlive());
     createdAgo(11 * 60 * 60);
@@ -98,25 +98,25 @@ TEST_F(SessionExpiryTest, halfAnHourAndHalfADayAreTheLimits) {
     EXPECT_FALSE(isAlive());
 }
 
-TEST_F(SessionExpiryTest, aUseIsNoted) {
+TEST_F(SessionExpiryTest, recordsUse) {
     setAge(path, SESSION_IDLE_SECONDS - MARGIN);
     EXPECT_TRUE(isAlive());
     EXPECT_LT(ageOf(path), MARGIN);
 }
 
-TEST_F(SessionExpiryTest, aForgedCookieIsNoUse) {
+TEST_F(SessionExpiryTest, doesNotCountForgedCookieAsUse) {
     setAge(path, SESSION_IDLE_SECONDS - MARGIN);
     EXPECT_FALSE(isLetIn(session.identifier + "-" + std::string(32, 'f')));
     EXPECT_GE(ageOf(path), SESSION_IDLE_SECONDS - MARGIN);
 }
 
-TEST_F(SessionExpiryTest, notEveryRequestWrites) {
+TEST_F(SessionExpiryTest, doesNotWriteOnEveryRequest) {
     setAge(path, 10);
     EXPECT_TRUE(isAlive());
     EXPECT_GE(ageOf(path), 10);
 }
 
-TEST_F(SessionExpiryTest, aTimeOfCreationThatIsNoneIsLongAgo) {
+TEST_F(SessionExpiryTest, rejectsInvalidCreationTime) {
     for (const char* created :
          {"", "x", "-1", "-9223372036854775808", "12", "1e18", "99999999999999999999999999"}) {
         const Session other = Host::startSession("operator");
@@ -125,7 +125,7 @@ TEST_F(SessionExpiryTest, aTimeOfCreationThatIsNoneIsLongAgo) {
     }
 }
 
-TEST_F(SessionExpiryTest, anExpiredSessionIsRemoved) {
+TEST_F(SessionExpiryTest, removesExpiredSession) {
     setAge(path, SESSION_IDLE_SECONDS + 1);
     EXPECT_FALSE(isAlive());
     EXPECT_FALSE(exists(path));

@@ -33,7 +33,7 @@ const std::string ORPHAN = "00000000000000ff";
 
 }  // namespace
 
-// What becomes of the files of sessions that end.
+// Tests of the files of sessions that end.
 class SessionFilesTest : public BoardTest {
 protected:
     // A session with a backup and an upload.
@@ -55,7 +55,7 @@ protected:
     }
 };
 
-TEST_F(SessionFilesTest, theEndOfASessionRemovesItsFilesOnly) {
+TEST_F(SessionFilesTest, endRemovesOnlyFilesOfSession) {
     const Session ended = startWithFiles();
     const Session other = startWithFiles();
     endSession(ended.identifier);
@@ -65,7 +65,7 @@ TEST_F(SessionFilesTest, theEndOfASessionRemovesItsFilesOnly) {
     EXPECT_TRUE(isLetIn(other.cookieValue()));
 }
 
-TEST_F(SessionFilesTest, anExpiredSessionTakesItsFilesWithIt) {
+TEST_F(SessionFilesTest, expiryRemovesFiles) {
     const Session expired = startWithFiles();
     const Session other = startWithFiles();
     setAge(sessionFile(expired.identifier), Host::SESSION_IDLE_SECONDS + 1);
@@ -74,17 +74,17 @@ TEST_F(SessionFilesTest, anExpiredSessionTakesItsFilesWithIt) {
     EXPECT_TRUE(hasEverything(other));
 }
 
-TEST_F(SessionFilesTest, anExpiredSessionEndsAlsoWhenTheAuditLogTakesNothing) {
+TEST_F(SessionFilesTest, endsExpiredSessionIfAuditLogFails) {
     const Session expired = startWithFiles();
     setAge(sessionFile(expired.identifier), Host::SESSION_IDLE_SECONDS + 1);
     ASSERT_EQ(::mkfifo(boardFile("/var/log/audit.log").c_str(), 0600), 0);
     EXPECT_NO_THROW(endExpiredSessions());
     EXPECT_TRUE(hasNothing(expired.identifier));
     EXPECT_THAT(readText(boardFile("/var/log/trace.log")),
-                testing::HasSubstr("The audit log does not take the end of a session"));
+                testing::HasSubstr("The end of a session cannot be written to the audit log"));
 }
 
-TEST_F(SessionFilesTest, anIdentifierThatIsNoneEndsNothing) {
+TEST_F(SessionFilesTest, ignoresInvalidIdentifier) {
     const Session session = startWithFiles();
     writeText(boardFile("/var/tmp/efi_backup"), "not a session's");
     writeText(boardFile("/var/precious"), "not a session's");
@@ -98,7 +98,7 @@ TEST_F(SessionFilesTest, anIdentifierThatIsNoneEndsNothing) {
     EXPECT_TRUE(exists(boardFile("/var/precious")));
 }
 
-TEST_F(SessionFilesTest, endingASessionTwiceOrWithoutFilesIsFine) {
+TEST_F(SessionFilesTest, endsSessionTwiceOrWithoutFiles) {
     const Session session = Host::startSession("operator");
     endSession(session.identifier);
     endSession(session.identifier);
@@ -106,7 +106,7 @@ TEST_F(SessionFilesTest, endingASessionTwiceOrWithoutFilesIsFine) {
     EXPECT_THAT(namesIn(boardFile("/var/tmp")), IsEmpty());
 }
 
-TEST_F(SessionFilesTest, theUploadIsRemovedUnderTheStagingLock) {
+TEST_F(SessionFilesTest, removesUploadUnderStagingLock) {
     const Session session = startWithFiles();
     ChildProcess holder([] {
         const LockedFile lock(boardFile("/var/tmp/restored_eficonf.lock"));
@@ -124,14 +124,14 @@ TEST_F(SessionFilesTest, theUploadIsRemovedUnderTheStagingLock) {
     });
     ASSERT_EQ(ending.readLine(), "ending");
     EXPECT_TRUE(happensInTime([&session] { return !exists(backupFile(session.identifier)); }));
-    ::usleep(20000);  // for a removal that does not wait for the lock
+    ::usleep(20000);  // enough for a removal that does not wait for the lock
     EXPECT_TRUE(exists(stagingFile(session.identifier)));
     holder.kill();
     EXPECT_EQ(ending.wait().exitStatus, 0);
     EXPECT_FALSE(exists(stagingFile(session.identifier)));
 }
 
-TEST_F(SessionFilesTest, aSessionEndsAlsoWhileTheStagingLockCannotBeHad) {
+TEST_F(SessionFilesTest, endsSessionWithoutStagingLock) {
     const Session session = startWithFiles();
     const std::string lockPath = boardFile("/var/tmp/restored_eficonf.lock");
     ASSERT_EQ(::symlink("/nowhere", lockPath.c_str()), 0);
@@ -139,14 +139,14 @@ TEST_F(SessionFilesTest, aSessionEndsAlsoWhileTheStagingLockCannotBeHad) {
     EXPECT_FALSE(exists(sessionFile(session.identifier)));
     EXPECT_FALSE(exists(backupFile(session.identifier)));
     EXPECT_TRUE(exists(stagingFile(session.identifier)));
-    // It is an orphan now, and is found when the lock is sound again.
+    // The upload is an orphan now. It is removed once the lock can be taken again.
     ASSERT_EQ(::unlink(lockPath.c_str()), 0);
     endExpiredSessions();
     EXPECT_TRUE(hasNothing(session.identifier));
 }
 
-// A limit of open files is what makes every file unreadable for a while.
-TEST_F(SessionFilesTest, aSessionThatCannotBeReadNowIsLeftAlone) {
+// A limit on open files makes every file unreadable for a while.
+TEST_F(SessionFilesTest, keepsUnreadableSession) {
     if (SANITIZED) {
         GTEST_SKIP() << "the sanitizers need descriptors";
     }
@@ -165,12 +165,12 @@ TEST_F(SessionFilesTest, aSessionThatCannotBeReadNowIsLeftAlone) {
     EXPECT_TRUE(isLetIn(session.cookieValue()));
 }
 
-TEST_F(SessionFilesTest, theEndOfASessionThatStaysIsToldAsFailed) {
+TEST_F(SessionFilesTest, reportsFailureToEndSession) {
     const Session session = startWithFiles();
     const std::string path = sessionFile(session.identifier);
     ASSERT_EQ(::unlink(path.c_str()), 0);
     EXPECT_TRUE(endSession(session.identifier));
-    // Only an empty folder could be removed.
+    // A folder that is not empty cannot be removed.
     ASSERT_EQ(::mkdir(path.c_str(), 0700), 0);
     writeText(path + "/file", "");
     EXPECT_FALSE(endSession(session.identifier));
@@ -178,7 +178,7 @@ TEST_F(SessionFilesTest, theEndOfASessionThatStaysIsToldAsFailed) {
     EXPECT_TRUE(endSession(session.identifier));
 }
 
-TEST_F(SessionFilesTest, allExpiredSessionsEndTogether) {
+TEST_F(SessionFilesTest, endsAllExpiredSessions) {
     const Session idle = startWithFiles();
     const Session old = startWithFiles();
     const Session living = startWithFiles();
@@ -191,7 +191,7 @@ TEST_F(SessionFilesTest, allExpiredSessionsEndTogether) {
     EXPECT_TRUE(isLetIn(living.cookieValue()));
 }
 
-TEST_F(SessionFilesTest, lookingForExpiredSessionsIsNoUse) {
+TEST_F(SessionFilesTest, doesNotCountExpiryCheckAsUse) {
     const Session session = startWithFiles();
     setAge(sessionFile(session.identifier), Host::SESSION_IDLE_SECONDS - 60);
     endExpiredSessions();
@@ -199,7 +199,7 @@ TEST_F(SessionFilesTest, lookingForExpiredSessionsIsNoUse) {
     EXPECT_FALSE(isLetIn(session.cookieValue()));
 }
 
-TEST_F(SessionFilesTest, filesWithoutASessionAreRemoved) {
+TEST_F(SessionFilesTest, removesFilesWithoutSession) {
     writeText(backupFile(ORPHAN), "backup");
     writeText(stagingFile(ORPHAN), "upload");
     writeText(stagingFile("ff00000000000000"), "upload");
@@ -207,7 +207,7 @@ TEST_F(SessionFilesTest, filesWithoutASessionAreRemoved) {
     EXPECT_THAT(namesIn(boardFile("/var/tmp")), ElementsAre("restored_eficonf.lock"));
 }
 
-TEST_F(SessionFilesTest, filesThatAreNoSessionsStay) {
+TEST_F(SessionFilesTest, keepsUnrelatedFiles) {
     const std::vector<std::string> names = {
         "efi_backup",
         "efi_backup0123456789ABCDEF",
@@ -226,14 +226,14 @@ TEST_F(SessionFilesTest, filesThatAreNoSessionsStay) {
     EXPECT_EQ(namesIn(boardFile("/var/tmp")), names);
 }
 
-TEST_F(SessionFilesTest, whatIsNotNamedLikeASessionStaysInTheSessionFolder) {
+TEST_F(SessionFilesTest, keepsUnrelatedFilesInSessionFolder) {
     writeText(boardFile("/var/lib/session/README"), "text");
     writeText(boardFile("/var/lib/session/0123456789ABCDEF"), "text");
     endExpiredSessions();
     EXPECT_THAT(namesIn(boardFile("/var/lib/session")), ElementsAre("0123456789ABCDEF", "README"));
 }
 
-TEST_F(SessionFilesTest, aDamagedSessionIsRemovedAndALinkIsNotFollowed) {
+TEST_F(SessionFilesTest, removesDamagedSessionWithoutFollowingLinks) {
     writeText(sessionFile(ORPHAN), "damaged");
     const std::string elsewhere = boardFile("/var/precious");
     writeText(elsewhere, "precious");
@@ -246,14 +246,14 @@ TEST_F(SessionFilesTest, aDamagedSessionIsRemovedAndALinkIsNotFollowed) {
     EXPECT_EQ(readText(elsewhere), "precious");
 }
 
-TEST_F(SessionFilesTest, aLinkToNothingIsRemovedAsWell) {
+TEST_F(SessionFilesTest, removesDanglingLinks) {
     ASSERT_EQ(::symlink("/nowhere", stagingFile(ORPHAN).c_str()), 0);
     ASSERT_EQ(::symlink("/nowhere", backupFile(ORPHAN).c_str()), 0);
     endExpiredSessions();
     EXPECT_TRUE(hasNothing(ORPHAN));
 }
 
-TEST_F(SessionFilesTest, missingFoldersAreFine) {
+TEST_F(SessionFilesTest, acceptsMissingFolders) {
     const ChildResult result = runInChild(
         [] {
             endExpiredSessions();

@@ -16,13 +16,13 @@ const std::string COOKIE = IDENTIFIER + "-" + TOKEN;
 
 }  // namespace
 
-TEST(SessionShapeTest, aWellFormedValueHasItsIdentifier) {
+TEST(SessionShapeTest, findsIdentifierOfWellFormedValue) {
     EXPECT_TRUE(isCookieValue(COOKIE));
     EXPECT_TRUE(isSessionIdentifier(IDENTIFIER));
     EXPECT_EQ(identifierOf(COOKIE), IDENTIFIER);
 }
 
-TEST(SessionShapeTest, everyOtherLengthIsRefused) {
+TEST(SessionShapeTest, rejectsOtherLengths) {
     for (std::size_t length = 0; length < COOKIE.size(); ++length) {
         EXPECT_FALSE(isCookieValue(COOKIE.substr(0, length))) << length;
         EXPECT_EQ(identifierOf(COOKIE.substr(0, length)), "");
@@ -34,7 +34,7 @@ TEST(SessionShapeTest, everyOtherLengthIsRefused) {
     EXPECT_FALSE(isSessionIdentifier(""));
 }
 
-TEST(SessionShapeTest, everyPlaceTakesItsCharactersOnly) {
+TEST(SessionShapeTest, rejectsWrongCharacterInAnyPlace) {
     for (std::size_t i = 0; i < COOKIE.size(); ++i) {
         for (int value = 0; value < 256; ++value) {
             std::string changed = COOKIE;
@@ -50,7 +50,7 @@ TEST(SessionShapeTest, everyPlaceTakesItsCharactersOnly) {
     }
 }
 
-TEST(SessionShapeTest, pathsAreNoIdentifiers) {
+TEST(SessionShapeTest, rejectsPaths) {
     for (const char* text : {"../../etc/passwd", "..............//", "/var/lib/session"}) {
         EXPECT_FALSE(isSessionIdentifier(text));
         EXPECT_EQ(identifierOf(text + std::string("-") + TOKEN), "");

@@ -30,8 +30,8 @@ using testing::IsEmpty;
 
 namespace {
 
-// From now on the kernel says EPERM to this process when it asks for a file's status, as a security
-// module may do.
+// Makes system calls that read a file's status fail with EPERM in this process from now on, as a
+// security module might.
 void denyStatus() {
     sock_filter rules[] = {
         BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
@@ -51,7 +51,7 @@ class SessionTest : public BoardTest {
 protected:
     static Session start() { return Host::startSession("operator"); }
 
-    // The session that this cookie value finds; one without an identifier when there is none.
+    // Returns the session with this cookie value, or one without an identifier if there is none.
     static Session find(const std::string& cookieValue) {
         Session session;
         Host::findSession(cookieValue, session);
@@ -59,7 +59,7 @@ protected:
     }
 };
 
-TEST_F(SessionTest, aSessionIsFoundByItsCookie) {
+TEST_F(SessionTest, findsSessionByCookie) {
     const std::time_t before = std::time(nullptr);
     const Session started = start();
     const Session found = find(started.cookieValue());
@@ -71,14 +71,14 @@ TEST_F(SessionTest, aSessionIsFoundByItsCookie) {
     EXPECT_LE(found.created, std::time(nullptr));
 }
 
-TEST_F(SessionTest, theCookieIsIdentifierAndToken) {
+TEST_F(SessionTest, cookieIsIdentifierAndToken) {
     const Session session = start();
     EXPECT_EQ(session.cookieValue(), session.identifier + "-" + session.token);
     EXPECT_TRUE(Host::isCookieValue(session.cookieValue()));
     EXPECT_EQ(Host::identifierOf(session.cookieValue()), session.identifier);
 }
 
-TEST_F(SessionTest, everySessionHasAnotherIdentifierAndAnotherToken) {
+TEST_F(SessionTest, givesEverySessionNewIdentifierAndToken) {
     const std::size_t count = 200;
     std::set<std::string> identifiers;
     std::set<std::string> tokens;
@@ -92,7 +92,7 @@ TEST_F(SessionTest, everySessionHasAnotherIdentifierAndAnotherToken) {
     EXPECT_EQ(tokens.size(), count);
 }
 
-TEST_F(SessionTest, everyDigitOfTheSecretVaries) {
+TEST_F(SessionTest, variesEveryDigitOfSecret) {
     std::vector<std::set<char>> seen;
     for (int i = 0; i < 200; ++i) {
         const Session session = start();
@@ -103,12 +103,12 @@ TEST_F(SessionTest, everyDigitOfTheSecretVaries) {
         }
     }
     for (std::size_t place = 0; place < seen.size(); ++place) {
-        // 200 random digits that show fewer than 8 of 16 values do not occur.
+        // It is practically impossible that 200 random digits have fewer than 8 of 16 values.
         EXPECT_GE(seen[place].size(), 8u) << place;
     }
 }
 
-TEST_F(SessionTest, theFileIsTheOwnersAlone) {
+TEST_F(SessionTest, storesFileForOwnerOnly) {
     const Session session = start();
     struct stat status = {};
     ASSERT_EQ(::stat(sessionFile(session.identifier).c_str(), &status), 0);
@@ -116,7 +116,7 @@ TEST_F(SessionTest, theFileIsTheOwnersAlone) {
     EXPECT_THAT(namesIn(boardFile("/var/lib/session")), testing::ElementsAre(session.identifier));
 }
 
-TEST_F(SessionTest, everyDigitOfTheTokenCounts) {
+TEST_F(SessionTest, checksEveryDigitOfToken) {
     const std::string cookie = start().cookieValue();
     for (std::size_t place = 17; place < cookie.size(); ++place) {
         std::string forged = cookie;
@@ -126,14 +126,14 @@ TEST_F(SessionTest, everyDigitOfTheTokenCounts) {
     EXPECT_TRUE(isLetIn(cookie));
 }
 
-TEST_F(SessionTest, theTokenOfAnotherSessionIsForged) {
+TEST_F(SessionTest, rejectsTokenOfOtherSession) {
     const Session one = start();
     const Session other = start();
     EXPECT_FALSE(isLetIn(one.identifier + "-" + other.token));
     EXPECT_FALSE(isLetIn(other.identifier + "-" + one.token));
 }
 
-TEST_F(SessionTest, aForgedCookieDoesNotEndTheSession) {
+TEST_F(SessionTest, keepsSessionDespiteForgedCookie) {
     const Session session = start();
     writeText(backupFile(session.identifier), "backup");
     EXPECT_FALSE(isLetIn(session.identifier + "-" + std::string(32, '0')));
@@ -141,7 +141,7 @@ TEST_F(SessionTest, aForgedCookieDoesNotEndTheSession) {
     EXPECT_TRUE(isLetIn(session.cookieValue()));
 }
 
-TEST_F(SessionTest, malformedCookiesFindNothing) {
+TEST_F(SessionTest, rejectsMalformedCookies) {
     const Session session = start();
     for (const std::string& cookie :
          {std::string(), session.identifier, session.token, session.identifier + session.token,
@@ -152,7 +152,7 @@ TEST_F(SessionTest, malformedCookiesFindNothing) {
     }
 }
 
-TEST_F(SessionTest, aFailedSearchLeavesTheOutputAsItIs) {
+TEST_F(SessionTest, leavesOutputUnchangedIfNotFound) {
     start();
     Session session;
     session.user = "unchanged";
@@ -162,18 +162,18 @@ TEST_F(SessionTest, aFailedSearchLeavesTheOutputAsItIs) {
     EXPECT_EQ(session.identifier, "");
 }
 
-TEST_F(SessionTest, aUserNameIsTakenAsItIs) {
+TEST_F(SessionTest, keepsUserNameVerbatim) {
     for (const char* user : {"", "a=b", "token=0", "caf\xC3\xA9 <script>", "x\r", " spaces "}) {
         EXPECT_EQ(find(Host::startSession(user).cookieValue()).user, user);
     }
 }
 
-TEST_F(SessionTest, aLineBreakInANameCannotForgeALine) {
+TEST_F(SessionTest, rejectsLineBreakInName) {
     EXPECT_THROW(Host::startSession("user\ntoken_sha256=1"), PException);
     EXPECT_THAT(namesIn(boardFile("/var/lib/session")), IsEmpty());
 }
 
-TEST_F(SessionTest, aSessionThatCannotBeStoredIsNotStarted) {
+TEST_F(SessionTest, failsIfSessionCannotBeStored) {
     std::filesystem::remove_all(boardFile("/var/lib/session"));
     try {
         start();
@@ -183,7 +183,7 @@ TEST_F(SessionTest, aSessionThatCannotBeStoredIsNotStarted) {
     }
 }
 
-TEST_F(SessionTest, hostileFilesAreNoSessions) {
+TEST_F(SessionTest, rejectsHostileFiles) {
     const Session session = start();
     const std::string path = sessionFile(session.identifier);
     const std::string sound = readText(path);
@@ -205,14 +205,14 @@ TEST_F(SessionTest, hostileFilesAreNoSessions) {
     EXPECT_TRUE(isLetIn(session.cookieValue()));
 }
 
-TEST_F(SessionTest, linesThatNobodyKnowsArePassedOver) {
+TEST_F(SessionTest, skipsUnknownLines) {
     const Session session = start();
     const std::string path = sessionFile(session.identifier);
     writeText(path, readText(path) + "color=blue\nnot a line\ntoken_sha256=second\n");
     EXPECT_TRUE(isLetIn(session.cookieValue()));
 }
 
-TEST_F(SessionTest, refusesAFileThatOthersMayReadOrOwn) {
+TEST_F(SessionTest, rejectsFileThatOthersMayReadOrOwn) {
     const Session session = start();
     const std::string path = sessionFile(session.identifier);
     for (const mode_t mode : {0644U, 0640U, 0601U, 0700U, 0400U, 04600U}) {
@@ -228,7 +228,7 @@ TEST_F(SessionTest, refusesAFileThatOthersMayReadOrOwn) {
     EXPECT_FALSE(isLetIn(session.cookieValue()));
 }
 
-TEST_F(SessionTest, refusesAFileFromTheFuture) {
+TEST_F(SessionTest, rejectsFileFromFuture) {
     const Session used = start();
     setAge(sessionFile(used.identifier), -3600);
     EXPECT_FALSE(isLetIn(used.cookieValue()));
@@ -240,7 +240,7 @@ TEST_F(SessionTest, refusesAFileFromTheFuture) {
     EXPECT_TRUE(isLetIn(slightly.cookieValue()));
 }
 
-TEST_F(SessionTest, storesNothingThatLogsIn) {
+TEST_F(SessionTest, doesNotStoreToken) {
     const Session session = start();
     const std::string content = readText(sessionFile(session.identifier));
     EXPECT_EQ(content.find(session.token), std::string::npos);
@@ -249,12 +249,12 @@ TEST_F(SessionTest, storesNothingThatLogsIn) {
     EXPECT_FALSE(isLetIn(session.identifier + "-" + sum.substr(0, session.token.size())));
 }
 
-TEST_F(SessionTest, endsTheOldestOfTooManySessionsOfAUser) {
+TEST_F(SessionTest, endsOldestSessionOverLimit) {
     const Session other = Host::startSession("viewer");
     std::vector<Session> sessions;
     for (std::size_t i = 0; i < Host::SESSIONS_OF_A_USER + 2; ++i) {
         sessions.push_back(start());
-        // The clock's seconds do not tell the sessions apart.
+        // Sets distinct times, because the sessions may start within the same second.
         setField(sessions.back(), "created",
                  std::to_string(std::time(nullptr) - 100 + static_cast<std::time_t>(i)));
     }
@@ -267,14 +267,14 @@ TEST_F(SessionTest, endsTheOldestOfTooManySessionsOfAUser) {
     EXPECT_EQ(namesIn(boardFile("/var/lib/session")).size(), Host::SESSIONS_OF_A_USER + 1);
 }
 
-TEST_F(SessionTest, endsTheOldestOfTooManySessionsOfTheSameSecond) {
+TEST_F(SessionTest, endsOldestSessionOfSameSecond) {
     std::map<std::string, Session> sessions;  // by identifier
     while (sessions.size() < Host::SESSIONS_OF_A_USER) {
         const Session session = start();
         sessions[session.identifier] = session;
     }
     const std::time_t second = std::time(nullptr);
-    long nanoseconds = 999;  // the first identifier is that of the newest
+    long nanoseconds = 999;  // the session with the first identifier is the newest
     for (const auto& [identifier, session] : sessions) {
         setField(session, "created", std::to_string(second));
         const timespec moment = {.tv_sec = second, .tv_nsec = nanoseconds--};
@@ -288,7 +288,7 @@ TEST_F(SessionTest, endsTheOldestOfTooManySessionsOfTheSameSecond) {
     }
 }
 
-TEST_F(SessionTest, isLeftAloneWhenTheSystemDeniesALookAtIt) {
+TEST_F(SessionTest, keepsSessionIfStatusIsDenied) {
     const Session session = start();
     const ChildResult child = runInChild([&session] {
         denyStatus();
@@ -303,7 +303,7 @@ TEST_F(SessionTest, isLeftAloneWhenTheSystemDeniesALookAtIt) {
     EXPECT_TRUE(isLetIn(session.cookieValue()));
 }
 
-TEST_F(SessionTest, findsByIdentifierWhatLivesAndEndsNothing) {
+TEST_F(SessionTest, findsByIdentifierWithoutEndingSessions) {
     const Session session = start();
     Session found;
     EXPECT_TRUE(Host::findSessionByIdentifier(session.identifier, found));
@@ -318,7 +318,7 @@ TEST_F(SessionTest, findsByIdentifierWhatLivesAndEndsNothing) {
     EXPECT_TRUE(exists(sessionFile(session.identifier)));
 }
 
-TEST_F(SessionTest, aLinkInPlaceOfTheFileIsNotFollowed) {
+TEST_F(SessionTest, doesNotFollowLink) {
     const Session session = start();
     const std::string path = sessionFile(session.identifier);
     const std::string elsewhere = boardFile("/var/tmp/elsewhere");
@@ -328,7 +328,7 @@ TEST_F(SessionTest, aLinkInPlaceOfTheFileIsNotFollowed) {
     EXPECT_TRUE(exists(elsewhere));
 }
 
-TEST_F(SessionTest, aFolderOrAPipeInPlaceOfTheFileIsNoSession) {
+TEST_F(SessionTest, rejectsFolderOrPipe) {
     const std::string cookie = "0123456789abcdef-" + std::string(32, '0');
     std::filesystem::create_directory(sessionFile("0123456789abcdef"));
     EXPECT_FALSE(isLetIn(cookie));

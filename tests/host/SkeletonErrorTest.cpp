@@ -4,7 +4,7 @@
 
 namespace VeskLib::Test {
 
-TEST(SkeletonErrorTest, everyMalformedMarkIsRefused) {
+TEST(SkeletonErrorTest, rejectsMalformedMarks) {
     for (const char* mark : {"{{}}",
                              "{{ }}",
                              "{{ a}}",
@@ -51,7 +51,7 @@ TEST(SkeletonErrorTest, everyMalformedMarkIsRefused) {
     }
 }
 
-TEST(SkeletonErrorTest, everyWellFormedMarkIsTaken) {
+TEST(SkeletonErrorTest, acceptsWellFormedMarks) {
     for (const char* mark :
          {"{{a}}", "{{a|script}}", "{{a|attribute}}", "{{text 1}}", "{{text 9001|script}}",
           "{{text 9001|attribute}}", "{{language}}", "{{staged_file}}", "{{if a}}{{end}}",
@@ -60,33 +60,33 @@ TEST(SkeletonErrorTest, everyWellFormedMarkIsTaken) {
     }
 }
 
-TEST(SkeletonErrorTest, thePlaceIsTheMarksLineAndColumn) {
+TEST(SkeletonErrorTest, reportsLineAndColumnOfMark) {
     EXPECT_EQ(problemOf("\n\n  {{a b}}"), "3:3 not a mark");
     EXPECT_EQ(problemOf("{{a}}\n{{b}} {{c d}}\n"), "2:7 not a mark");
     EXPECT_EQ(problemOf("\n{{}}"), "2:1 not a mark");
     EXPECT_EQ(problemOf("x{{}}"), "1:2 not a mark");
 }
 
-TEST(SkeletonErrorTest, aMarkThatIsNotClosedIsRefused) {
+TEST(SkeletonErrorTest, rejectsUnclosedMark) {
     EXPECT_EQ(problemOf("<p>\n {{title"), "2:2 the mark is not closed");
     EXPECT_EQ(problemOf("{{a}"), "1:1 the mark is not closed");
     EXPECT_EQ(problemOf("{{"), "1:1 the mark is not closed");
     EXPECT_EQ(problemOf("{{a}}{{"), "1:6 the mark is not closed");
 }
 
-TEST(SkeletonErrorTest, aConditionWithoutEndIsShownWhereItBegins) {
+TEST(SkeletonErrorTest, reportsStartOfUnclosedCondition) {
     EXPECT_EQ(problemOf("a\n {{if a}} b"), "2:2 the condition has no end");
     EXPECT_EQ(problemOf("{{if a}}"), "1:1 the condition has no end");
     EXPECT_EQ(problemOf("{{if a}}{{end}}\n{{if b}}"), "2:1 the condition has no end");
 }
 
-TEST(SkeletonErrorTest, theConditionThatLacksItsEndIsShownAndNotOneThatHasIt) {
+TEST(SkeletonErrorTest, reportsUnclosedAmongClosedConditions) {
     EXPECT_EQ(problemOf("{{if a}}\n{{if b}}\n{{end}}\n"), "1:1 the condition has no end");
     EXPECT_EQ(problemOf("{{if a}}\n{{if b}}\n"), "2:1 the condition has no end");
     EXPECT_EQ(problemOf("x{{if a}}{{if b}}{{end}}{{if c}}{{end}}"), "1:2 the condition has no end");
 }
 
-TEST(SkeletonErrorTest, anEndTooManyIsRefused) {
+TEST(SkeletonErrorTest, rejectsSurplusEnd) {
     EXPECT_EQ(problemOf("{{if a}}{{end}}\n{{end}}"), "2:1 not a mark");
 }
 

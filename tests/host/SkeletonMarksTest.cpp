@@ -13,7 +13,7 @@ using Gui::MessageMgr;
 using Gui::TextString;
 using testing::ElementsAre;
 
-TEST(SkeletonMarksTest, aMessageIsPrintedWithItsCodeInTheRequestsLanguage) {
+TEST(SkeletonMarksTest, printsMessageWithCodeInRequestLanguage) {
     const MessageMgr english(0);
     const MessageMgr japanese(1);
     ASSERT_NE(english.getMessage(33, 1028), japanese.getMessage(33, 1028));
@@ -23,14 +23,14 @@ TEST(SkeletonMarksTest, aMessageIsPrintedWithItsCodeInTheRequestsLanguage) {
               "[" + japanese.getMessage(33, 1028) + "]");
 }
 
-TEST(SkeletonMarksTest, aMessageMayHaveNoCode) {
+TEST(SkeletonMarksTest, printsMessageWithoutCode) {
     const std::string message = MessageMgr(0).getMessage(303, 0);
     EXPECT_EQ(message.find('['), std::string::npos);
     EXPECT_EQ(textOf(printIn("en", "{{message 303-0}}")), message);
     EXPECT_EQ(textOf(printIn("en", "{{message 303-7}}")), message + " [303-7]");
 }
 
-TEST(SkeletonMarksTest, aMessageIsSafeInItsPlace) {
+TEST(SkeletonMarksTest, escapesMessageForItsPlace) {
     const std::string message = MessageMgr(0).getMessage(293, 5);
     const std::string printed = printIn(
         "en",
@@ -42,11 +42,11 @@ TEST(SkeletonMarksTest, aMessageIsSafeInItsPlace) {
     EXPECT_THAT(tagNamesOf(printed), ElementsAre("p", "script", "/script", "/p"));
 }
 
-TEST(SkeletonMarksTest, anUnknownMessageIsSeen) {
+TEST(SkeletonMarksTest, showsUnknownMessage) {
     EXPECT_EQ(printIn("en", "{{message 31999-4}}"), MessageMgr(0).getMessage(31999, 4));
 }
 
-TEST(SkeletonMarksTest, everyMalformedMessageIsRefused) {
+TEST(SkeletonMarksTest, rejectsMalformedMessages) {
     for (const char* mark : {"{{message }}",
                              "{{message 33}}",
                              "{{message 33-}}",
@@ -81,7 +81,7 @@ TEST(SkeletonMarksTest, everyMalformedMessageIsRefused) {
     }
 }
 
-TEST(SkeletonMarksTest, everyWellFormedMarkIsTaken) {
+TEST(SkeletonMarksTest, acceptsWellFormedMarks) {
     for (const char* mark :
          {"{{message 33-1028}}", "{{message 33-0}}", "{{message 1-1|script}}",
           "{{message 1-0|attribute}}", "{{message}}", "{{message|script}}", "{{unless a}}{{end}}",
@@ -90,7 +90,7 @@ TEST(SkeletonMarksTest, everyWellFormedMarkIsTaken) {
     }
 }
 
-TEST(SkeletonMarksTest, unlessPrintsWhatAComponentWouldReplace) {
+TEST(SkeletonMarksTest, unlessPrintsOnlyWithoutComponent) {
     TextString one("1");
     const std::string source = "[{{unless a}}none{{end}}{{if a}}{{a}}{{end}}]";
     EXPECT_EQ(print(source), "[none]");
@@ -99,7 +99,7 @@ TEST(SkeletonMarksTest, unlessPrintsWhatAComponentWouldReplace) {
     EXPECT_EQ(print(source, {{"b", &one}}), "[none]");
 }
 
-TEST(SkeletonMarksTest, conditionsOfBothKindsNest) {
+TEST(SkeletonMarksTest, nestsConditionsOfBothKinds) {
     TextString one("1");
     const std::string source =
         "{{unless a}}A{{unless b}}B{{end}}c{{if b}}D{{end}}e{{end}}"
@@ -110,7 +110,7 @@ TEST(SkeletonMarksTest, conditionsOfBothKindsNest) {
     EXPECT_EQ(print(source, {{"a", &one}, {"b", &one}}), "Fh.");
 }
 
-TEST(SkeletonMarksTest, aConditionMayBeEmptyOrTheLastOfAll) {
+TEST(SkeletonMarksTest, acceptsEmptyOrFinalCondition) {
     TextString one("1");
     EXPECT_EQ(print("x{{unless a}}{{end}}"), "x");
     EXPECT_EQ(print("x{{unless a}}{{end}}", {{"a", &one}}), "x");
@@ -118,7 +118,7 @@ TEST(SkeletonMarksTest, aConditionMayBeEmptyOrTheLastOfAll) {
     EXPECT_EQ(print("{{unless a}}x{{end}}{{unless a}}y{{end}}z", {{"a", &one}}), "z");
 }
 
-TEST(SkeletonMarksTest, everyMalformedConditionIsRefused) {
+TEST(SkeletonMarksTest, rejectsMalformedConditions) {
     for (const char* mark :
          {"{{unless }}{{end}}", "{{unless  a}}{{end}}", "{{unless a }}{{end}}",
           "{{unless a b}}{{end}}", "{{unless a|script}}{{end}}", "{{unless a-b}}{{end}}",
@@ -130,13 +130,13 @@ TEST(SkeletonMarksTest, everyMalformedConditionIsRefused) {
     EXPECT_EQ(problemOf("{{unless a}}{{end}}\n {{end}}"), "2:2 not a mark");
 }
 
-// It was once taken for "{{if a}}".
-TEST(SkeletonMarksTest, twoConditionsInOneMarkAreRefused) {
+// Regression test: the mark was taken for "{{if a}}".
+TEST(SkeletonMarksTest, rejectsTwoConditionsInOneMark) {
     EXPECT_EQ(problemOf("{{if unless a}}{{end}}"), "1:1 not a mark");
 }
 
-// It was once shown four columns beside where it stands, and before the skeleton's own start.
-TEST(SkeletonMarksTest, aConditionWithoutEndIsShownWhereItBegins) {
+// Regression test: the reported column was four off, and could be before the start of the skeleton.
+TEST(SkeletonMarksTest, reportsStartOfUnclosedCondition) {
     EXPECT_EQ(problemOf("{{unless a}}"), "1:1 the condition has no end");
     EXPECT_EQ(problemOf("a\n {{unless a}} b"), "2:2 the condition has no end");
     EXPECT_EQ(problemOf("{{if a}}{{end}} {{unless b}}{{if c}}{{end}}"),

@@ -23,12 +23,12 @@ using Gui::TextString;
 using Host::Skeleton;
 using testing::ElementsAre;
 
-TEST(SkeletonTest, aComponentIsPrintedAsItPrintsItself) {
+TEST(SkeletonTest, printsComponentVerbatim) {
     TextString markup("<b>&</b>", false, true);
     EXPECT_EQ(print("[{{a}}|{{a}}]", {{"a", &markup}}), "[<b>&</b>|<b>&</b>]");
 }
 
-TEST(SkeletonTest, namesAreLettersDigitsAndUnderscores) {
+TEST(SkeletonTest, acceptsLettersDigitsAndUnderscoresInNames) {
     TextString one("1");
     const Components components = {
         {"pid0", &one},      {"Hidden_Status_9", &one}, {"_", &one},    {"0", &one},
@@ -38,12 +38,12 @@ TEST(SkeletonTest, namesAreLettersDigitsAndUnderscores) {
               "11111111");
 }
 
-TEST(SkeletonTest, anUnknownNamePrintsNothingWhateverItsPlace) {
+TEST(SkeletonTest, printsNothingForUnknownName) {
     EXPECT_EQ(print("[{{a}}{{a|script}}{{a|attribute}}{{if a}}x{{end}}]"), "[]");
     EXPECT_EQ(print("[{{a}}{{a|script}}{{if a}}x{{end}}]", {{"a", nullptr}}), "[]");
 }
 
-TEST(SkeletonTest, aSharedTextIsFoundWhereThePageHasNoComponent) {
+TEST(SkeletonTest, fallsBackToSharedText) {
     TextString own("own");
     Host::shareText("a", "<shared>");
     EXPECT_EQ(print("{{a}}{{a|attribute}}{{if a}}x{{end}}{{unless a}}y{{end}}"),
@@ -53,7 +53,7 @@ TEST(SkeletonTest, aSharedTextIsFoundWhereThePageHasNoComponent) {
     EXPECT_EQ(print("[{{a}}{{if a}}x{{end}}]"), "[]");
 }
 
-TEST(SkeletonTest, aScriptPlaceMakesTheTextAStringOfTheScript) {
+TEST(SkeletonTest, escapesTextForScript) {
     for (const std::string& text : printableTexts()) {
         SCOPED_TRACE(text);
         TextString component(text, false, true);
@@ -64,7 +64,7 @@ TEST(SkeletonTest, aScriptPlaceMakesTheTextAStringOfTheScript) {
     }
 }
 
-TEST(SkeletonTest, anAttributePlaceMakesTheTextAnAttributesValue) {
+TEST(SkeletonTest, escapesTextForAttribute) {
     for (const std::string& text : printableTexts()) {
         SCOPED_TRACE(text);
         TextString component(text, false, true);
@@ -74,8 +74,8 @@ TEST(SkeletonTest, anAttributePlaceMakesTheTextAnAttributesValue) {
     }
 }
 
-TEST(SkeletonTest, everyScriptOfAPageHasTheSameNonce) {
-    // In a process of its own, because a process keeps its nonce.
+TEST(SkeletonTest, usesOneNoncePerPage) {
+    // Runs in a child process, because a process keeps its nonce.
     const ChildResult result = runInChild([] {
         Skeleton("{{nonce}} {{nonce}} ").print({});
         std::cout << Host::scriptNonce();
@@ -86,7 +86,7 @@ TEST(SkeletonTest, everyScriptOfAPageHasTheSameNonce) {
     EXPECT_EQ(result.output.size(), 98U);
 }
 
-TEST(SkeletonTest, aConditionLooksOnlyAtTheComponentsBeingThere) {
+TEST(SkeletonTest, conditionTestsOnlyPresence) {
     TextString empty("");
     TextString one("1");
     EXPECT_EQ(print("[{{if a}}yes{{end}}]", {{"a", &empty}}), "[yes]");
@@ -94,7 +94,7 @@ TEST(SkeletonTest, aConditionLooksOnlyAtTheComponentsBeingThere) {
     EXPECT_EQ(print("{{if a}}{{end}}", {{"a", &one}}), "");
 }
 
-TEST(SkeletonTest, conditionsMayBeNested) {
+TEST(SkeletonTest, nestsConditions) {
     const std::string source = "<{{if a}}A{{if b}}B{{end}}a{{end}}{{if b}}b{{end}}>";
     TextString one("1");
     EXPECT_EQ(print(source, {{"a", &one}, {"b", &one}}), "<ABab>");
@@ -103,7 +103,7 @@ TEST(SkeletonTest, conditionsMayBeNested) {
     EXPECT_EQ(print(source), "<>");
 }
 
-TEST(SkeletonTest, conditionsMayFollowOneAnotherAndEndTheSkeleton) {
+TEST(SkeletonTest, acceptsConsecutiveAndFinalConditions) {
     TextString one("1");
     const std::string source =
         "{{if a}}{{if a}}{{a}}{{end}}{{end}}{{if b}}x{{end}}{{if a}}y{{end}}";
@@ -111,13 +111,13 @@ TEST(SkeletonTest, conditionsMayFollowOneAnotherAndEndTheSkeleton) {
     EXPECT_EQ(print(source), "");
 }
 
-TEST(SkeletonTest, captionsAndTheLanguageFollowTheRequest) {
+TEST(SkeletonTest, printsCaptionsInRequestLanguage) {
     EXPECT_EQ(printIn("en", "{{language}}: {{text 1006}}"), "en: Back up");
     EXPECT_EQ(printIn("ja", "{{language}}: {{text 1006}}"),
               "ja: \xE3\x83\x90\xE3\x83\x83\xE3\x82\xAF\xE3\x82\xA2\xE3\x83\x83\xE3\x83\x97");
 }
 
-TEST(SkeletonTest, captionsAreEscapedForTheirPlace) {
+TEST(SkeletonTest, escapesCaptionsForTheirPlace) {
     const std::string html = printIn("en", "{{text 9058}}");
     const std::string attribute = printIn("en", "{{text 9058|attribute}}");
     const std::string script = printIn("en", "{{text 9058|script}}");
@@ -126,17 +126,17 @@ TEST(SkeletonTest, captionsAreEscapedForTheirPlace) {
     EXPECT_NE(script.find("file\\x27s"), std::string::npos) << script;
 }
 
-TEST(SkeletonTest, anUnknownCaptionPrintsNothing) {
+TEST(SkeletonTest, printsNothingForUnknownCaption) {
     EXPECT_EQ(printIn("en", "[{{text 32000}}]"), "[]");
 }
 
-TEST(SkeletonTest, bracesThatAreNoMarkAreKept) {
+TEST(SkeletonTest, keepsBracesOutsideMarks) {
     EXPECT_EQ(print("a { b } c }} d {x} } }"), "a { b } c }} d {x} } }");
     EXPECT_EQ(print("{"), "{");
     EXPECT_EQ(print("}}"), "}}");
 }
 
-TEST(SkeletonTest, theOutputGoesOnAsUsualAfterAComponentThrew) {
+TEST(SkeletonTest, restoresOutputAfterComponentThrows) {
     class Throwing : public Gui::HTMLComponent {
     public:
         void printHTML() const override {
@@ -154,7 +154,7 @@ TEST(SkeletonTest, theOutputGoesOnAsUsualAfterAComponentThrew) {
     EXPECT_EQ(printed, "after");
 }
 
-TEST(SkeletonTest, knowsItsPieces) {
+TEST(SkeletonTest, returnsPieces) {
     const Skeleton skeleton("a{{b|script}}{{text 9001}}{{if c}}{{language}}{{end}}");
     const std::vector<Skeleton::Piece>& pieces = skeleton.getPieces();
     ASSERT_EQ(pieces.size(), 5u);
@@ -166,7 +166,7 @@ TEST(SkeletonTest, knowsItsPieces) {
     EXPECT_EQ(pieces[4].kind, Skeleton::Kind::LANGUAGE);
 }
 
-TEST(SkeletonTest, thePageNamesTheStagedFileThatItShows) {
+TEST(SkeletonTest, printsShownStagedFile) {
     EXPECT_EQ(print("[{{staged_file}}]"), "[]");
     Host::setShownFile("ab");
     EXPECT_EQ(print("[{{staged_file}}]"), "[ab]");

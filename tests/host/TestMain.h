@@ -9,7 +9,7 @@
 
 namespace VeskLib::Test {
 
-// A program of the board whose work a test gives.
+// A program of the board that runs a function of the test.
 class TestMain : public Gui::AbstractConfigMain {
 public:
     using Work = std::function<int(TestMain&)>;
@@ -18,7 +18,7 @@ public:
 
     int individualProc() override;
 
-    // What a program of the board sees of the platform.
+    // Makes public what the platform offers to a program of the board.
     using AbstractMain::authority;
     using AbstractMain::errorExit;
     using AbstractMain::guiCheckSession;
@@ -31,10 +31,10 @@ private:
     Work work;
 };
 
-// Runs a request in a process of its own; its exit status is what exec() returns.
+// Runs a request in a child process, which exits with the result of exec().
 ChildResult runRequest(const TestMain::Work& work, const Environment& environment);
 
-// An ordinary request, and one that carries a session's cookie.
+// Return a GET or POST request, with a session's cookie if `cookieValue` is not empty.
 Environment getRequest(const std::string& cookieValue = "");
 Environment postRequest(const std::string& cookieValue = "");
 

@@ -33,7 +33,7 @@ protected:
 
 }  // namespace
 
-TEST_F(UploadExpiryTest, whatAKilledProcessLeftIsRemovedAndALivingUploadStays) {
+TEST_F(UploadExpiryTest, keepsUploadUntilItsProcessEnds) {
     ChildProcess process([] {
         Host::UploadFile file;
         file.write("content");
@@ -53,7 +53,7 @@ TEST_F(UploadExpiryTest, whatAKilledProcessLeftIsRemovedAndALivingUploadStays) {
     EXPECT_THAT(names(), IsEmpty());
 }
 
-TEST_F(UploadExpiryTest, theNextUploadRemovesWhatAKilledOneLeft) {
+TEST_F(UploadExpiryTest, nextUploadRemovesAbandonedOne) {
     writeText(at("upload_0123456789abcdef"), "text");
     Host::UploadFile file;
     file.write("content");
@@ -63,7 +63,7 @@ TEST_F(UploadExpiryTest, theNextUploadRemovesWhatAKilledOneLeft) {
     EXPECT_TRUE(exists(path));
 }
 
-TEST_F(UploadExpiryTest, everyAbandonedUploadIsRemovedAndNothingElse) {
+TEST_F(UploadExpiryTest, removesOnlyAbandonedUploads) {
     for (const char* name : {"upload_0123456789abcdef", "upload_x", "upload_", "upload",
                              "my_upload_0123456789abcdef", "Upload_x", "other"}) {
         writeText(at(name), "text");
@@ -72,14 +72,14 @@ TEST_F(UploadExpiryTest, everyAbandonedUploadIsRemovedAndNothingElse) {
     EXPECT_THAT(names(), ElementsAre("Upload_x", "my_upload_0123456789abcdef", "other", "upload"));
 }
 
-TEST_F(UploadExpiryTest, uploadsElsewhereStay) {
+TEST_F(UploadExpiryTest, keepsUploadsElsewhere) {
     const std::string elsewhere = boardFile("/var/run/upload_x");
     writeText(elsewhere, "text");
     endExpiredSessions();
     EXPECT_TRUE(exists(elsewhere));
 }
 
-TEST_F(UploadExpiryTest, aLinkIsRemovedAndNotFollowed) {
+TEST_F(UploadExpiryTest, removesLinkButKeepsTarget) {
     const std::string elsewhere = boardFile("/var/run/precious");
     writeText(elsewhere, "precious");
     ASSERT_EQ(::symlink(elsewhere.c_str(), at("upload_link").c_str()), 0);
@@ -88,7 +88,7 @@ TEST_F(UploadExpiryTest, aLinkIsRemovedAndNotFollowed) {
     EXPECT_EQ(readText(elsewhere), "precious");
 }
 
-TEST_F(UploadExpiryTest, aFolderStays) {
+TEST_F(UploadExpiryTest, keepsFolder) {
     ASSERT_EQ(::mkdir(at("upload_folder").c_str(), 0700), 0);
     endExpiredSessions();
     EXPECT_THAT(names(), ElementsAre("upload_folder"));

@@ -30,7 +30,7 @@ class UploadFileTest : public BoardTest {
 protected:
     static std::vector<std::string> names() { return namesIn(boardFile("/var/tmp")); }
 
-    // The sizes of the files without a name that this process holds open under /var/tmp.
+    // Returns the sizes of the unnamed files under /var/tmp that this process has open.
     static std::vector<std::size_t> unnamedSizes() {
         std::vector<std::size_t> sizes;
         const std::string start = boardFile("/var/tmp/#");
@@ -46,7 +46,7 @@ protected:
         return sizes;
     }
 
-    // path(), or the code of the exception that it throws.
+    // Returns path(), or the code of the exception that it throws.
     static std::string pathOf(UploadFile& file) {
         try {
             return file.path();
@@ -60,7 +60,7 @@ const std::string NOT_STORED = std::to_string(Host::UPLOAD_NOT_STORED);
 
 }  // namespace
 
-TEST_F(UploadFileTest, aFileHasNoNameUntilItIsAskedForOne) {
+TEST_F(UploadFileTest, hasNoNameUntilRequested) {
     UploadFile file;
     file.write("one ");
     file.write("two");
@@ -75,7 +75,7 @@ TEST_F(UploadFileTest, aFileHasNoNameUntilItIsAskedForOne) {
     EXPECT_THAT(names(), testing::SizeIs(1));
 }
 
-TEST_F(UploadFileTest, everyUploadHasANameOfItsOwn) {
+TEST_F(UploadFileTest, givesEachUploadUniqueName) {
     UploadFile one;
     UploadFile other;
     one.write("1");
@@ -84,7 +84,7 @@ TEST_F(UploadFileTest, everyUploadHasANameOfItsOwn) {
     EXPECT_EQ(readText(one.path()) + readText(other.path()), "12");
 }
 
-TEST_F(UploadFileTest, onlyItsOwnerMayReadIt) {
+TEST_F(UploadFileTest, isReadableByOwnerOnly) {
     for (const mode_t mask : {mode_t{0}, mode_t{022}}) {
         UploadFile file;
         const mode_t former = ::umask(mask);
@@ -96,7 +96,7 @@ TEST_F(UploadFileTest, onlyItsOwnerMayReadIt) {
     }
 }
 
-TEST_F(UploadFileTest, bytesBeyondTheLimitAreCountedAndNotStored) {
+TEST_F(UploadFileTest, countsBytesBeyondLimitWithoutStoring) {
     UploadFile file;
     file.write(std::string(FILE_LENGTH - 10, 'a'));
     file.write(std::string(30, 'b'));
@@ -107,7 +107,7 @@ TEST_F(UploadFileTest, bytesBeyondTheLimitAreCountedAndNotStored) {
     EXPECT_THAT(names(), IsEmpty());
 }
 
-TEST_F(UploadFileTest, aFileMayBeAsLongAsTheLimit) {
+TEST_F(UploadFileTest, storesFileUpToLimit) {
     UploadFile whole;
     whole.write(std::string(FILE_LENGTH, 'a'));
     EXPECT_EQ(whole.size(), FILE_LENGTH);
@@ -119,7 +119,7 @@ TEST_F(UploadFileTest, aFileMayBeAsLongAsTheLimit) {
     EXPECT_EQ(longer.path(), "");
 }
 
-TEST_F(UploadFileTest, theSizeEndsAtItsLargestNumber) {
+TEST_F(UploadFileTest, saturatesSize) {
     const std::string piece(16 * 1024 * 1024, 'a');
     const std::uint64_t largest = std::numeric_limits<std::uint32_t>::max();
     UploadFile file;
@@ -136,7 +136,7 @@ TEST_F(UploadFileTest, theSizeEndsAtItsLargestNumber) {
     EXPECT_EQ(file.path(), "");
 }
 
-TEST_F(UploadFileTest, withoutBytesThereIsNoFile) {
+TEST_F(UploadFileTest, makesNoFileWithoutBytes) {
     UploadFile file;
     EXPECT_EQ(file.size(), 0U);
     EXPECT_EQ(file.path(), "");
@@ -147,7 +147,7 @@ TEST_F(UploadFileTest, withoutBytesThereIsNoFile) {
     EXPECT_THAT(unnamedSizes(), IsEmpty());
 }
 
-TEST_F(UploadFileTest, aFileThatNobodyMovedIsRemoved) {
+TEST_F(UploadFileTest, removesUnmovedFile) {
     {
         UploadFile named;
         named.write("named");
@@ -159,7 +159,7 @@ TEST_F(UploadFileTest, aFileThatNobodyMovedIsRemoved) {
     EXPECT_THAT(unnamedSizes(), IsEmpty());
 }
 
-TEST_F(UploadFileTest, aFileThatSomebodyMovedStays) {
+TEST_F(UploadFileTest, keepsMovedFile) {
     const std::string kept = boardFile("/var/tmp/kept");
     {
         UploadFile file;
@@ -170,7 +170,7 @@ TEST_F(UploadFileTest, aFileThatSomebodyMovedStays) {
     EXPECT_EQ(readText(kept), "content");
 }
 
-TEST_F(UploadFileTest, aRemovedFileIsEmptyAgain) {
+TEST_F(UploadFileTest, isEmptyAfterRemove) {
     UploadFile file;
     file.write("content");
     EXPECT_NE(file.path(), "");
@@ -183,7 +183,7 @@ TEST_F(UploadFileTest, aRemovedFileIsEmptyAgain) {
     EXPECT_EQ(readText(file.path()), "more");
 }
 
-TEST_F(UploadFileTest, aKilledProcessLeavesNothing) {
+TEST_F(UploadFileTest, leavesNothingIfProcessIsKilled) {
     ChildProcess process([] {
         UploadFile file;
         file.write(std::string(100000, 'a'));
@@ -200,7 +200,7 @@ TEST_F(UploadFileTest, aKilledProcessLeavesNothing) {
     EXPECT_THAT(names(), IsEmpty());
 }
 
-TEST_F(UploadFileTest, withoutItsFolderAFileIsCountedAndNotStored) {
+TEST_F(UploadFileTest, countsBytesWithoutFolder) {
     std::filesystem::remove_all(boardFile("/var/tmp"));
     UploadFile file;
     file.write("one");
@@ -210,7 +210,7 @@ TEST_F(UploadFileTest, withoutItsFolderAFileIsCountedAndNotStored) {
     EXPECT_EQ(pathOf(file), NOT_STORED);
 }
 
-TEST_F(UploadFileTest, aFileThatIsNotWholeStaysNotStored) {
+TEST_F(UploadFileTest, doesNotStoreIncompleteFile) {
     std::filesystem::remove_all(boardFile("/var/tmp"));
     UploadFile file;
     file.write("one");
@@ -223,7 +223,7 @@ TEST_F(UploadFileTest, aFileThatIsNotWholeStaysNotStored) {
     EXPECT_EQ(pathOf(file), "");
 }
 
-TEST_F(UploadFileTest, aFolderThatGoesBeforeTheNameIsAnError) {
+TEST_F(UploadFileTest, failsIfFolderDisappears) {
     UploadFile file;
     file.write("content");
     std::filesystem::remove_all(boardFile("/var/tmp"));
@@ -231,7 +231,7 @@ TEST_F(UploadFileTest, aFolderThatGoesBeforeTheNameIsAnError) {
     EXPECT_EQ(file.size(), 7U);
 }
 
-TEST_F(UploadFileTest, aDiskThatTakesOnlyAPartIsAnError) {
+TEST_F(UploadFileTest, failsOnPartialWrite) {
     const ChildResult result = runInChild([] {
         const ScopedFileSizeLimit limit(1000);
         UploadFile fitting;

@@ -16,7 +16,7 @@ namespace {
 
 using Fields = std::map<std::string, std::string>;
 
-// The fields of `text` read in pieces of `size` bytes; null fields for a refused text.
+// Returns the fields of `text`, read in pieces of `size` bytes. Throws PException if it is refused.
 Fields read(const std::string& text, std::size_t size = std::string::npos) {
     Fields fields;
     UrlencodedReader reader(fields);
@@ -29,7 +29,7 @@ Fields read(const std::string& text, std::size_t size = std::string::npos) {
     return fields;
 }
 
-// Whether the text is refused for its size.
+// Returns true if the text is refused as too large.
 bool isTooLarge(const std::string& text) {
     try {
         read(text);
@@ -50,7 +50,7 @@ std::string repeat(const std::string& text, std::size_t count) {
 
 }  // namespace
 
-TEST(UrlencodedReaderTest, fieldsAreSeparatedAndDecoded) {
+TEST(UrlencodedReaderTest, separatesAndDecodesFields) {
     EXPECT_THAT(
         read("a=1&b=x+y%20z&c=%41%62%2f%2F%00"),
         ElementsAre(Pair("a", "1"), Pair("b", "x y z"), Pair("c", std::string("Ab//\0", 5))));
@@ -58,7 +58,7 @@ TEST(UrlencodedReaderTest, fieldsAreSeparatedAndDecoded) {
     EXPECT_THAT(read("a=%C3%A9%ff"), ElementsAre(Pair("a", "\xC3\xA9\xFF")));
 }
 
-TEST(UrlencodedReaderTest, partsMayBeMissing) {
+TEST(UrlencodedReaderTest, acceptsMissingNamesAndValues) {
     EXPECT_THAT(read(""), IsEmpty());
     EXPECT_THAT(read("&&&"), IsEmpty());
     EXPECT_THAT(read("a"), ElementsAre(Pair("a", "")));
@@ -67,12 +67,12 @@ TEST(UrlencodedReaderTest, partsMayBeMissing) {
     EXPECT_THAT(read("&a=1&&b=2&"), ElementsAre(Pair("a", "1"), Pair("b", "2")));
 }
 
-TEST(UrlencodedReaderTest, onlyTheFirstEqualSignSeparates) {
+TEST(UrlencodedReaderTest, splitsAtFirstEqualSign) {
     EXPECT_THAT(read("a=b=c=="), ElementsAre(Pair("a", "b=c==")));
     EXPECT_THAT(read("a%3Db=%26"), ElementsAre(Pair("a=b", "&")));
 }
 
-TEST(UrlencodedReaderTest, anEscapeThatIsNoneStandsForItself) {
+TEST(UrlencodedReaderTest, keepsInvalidEscapeVerbatim) {
     for (const char* text : {"%", "%%", "%4", "%G0", "%0G", "%zz", "% 1", "%-1", "%u0041", "100%",
                              "%/0", "%:0", "%@0", "%`0", "%g1"}) {
         EXPECT_EQ(read("a=" + std::string(text)).at("a"), text) << text;
@@ -83,7 +83,7 @@ TEST(UrlencodedReaderTest, anEscapeThatIsNoneStandsForItself) {
     EXPECT_EQ(read("a=%4+1").at("a"), "%4 1");
 }
 
-TEST(UrlencodedReaderTest, everyEscapeGivesItsByte) {
+TEST(UrlencodedReaderTest, decodesEveryEscape) {
     const char upper[] = "0123456789ABCDEF";
     const char lower[] = "0123456789abcdef";
     for (int value = 0; value < 256; ++value) {
@@ -93,7 +93,7 @@ TEST(UrlencodedReaderTest, everyEscapeGivesItsByte) {
     }
 }
 
-TEST(UrlencodedReaderTest, thePiecesDoNotMatter) {
+TEST(UrlencodedReaderTest, doesNotDependOnPieces) {
     const std::string text = "functionID=105&hidden_status=BACKUP&n%61me=a+b%20c%&x=%4&=&&y=%e3%81";
     const Fields whole = read(text);
     EXPECT_EQ(whole.size(), 6u);
@@ -111,11 +111,11 @@ TEST(UrlencodedReaderTest, thePiecesDoNotMatter) {
     }
 }
 
-TEST(UrlencodedReaderTest, theFirstFieldOfANameCounts) {
+TEST(UrlencodedReaderTest, prefersFirstFieldOfName) {
     EXPECT_THAT(read("a=1&a=2&b=3&%61=4"), ElementsAre(Pair("a", "1"), Pair("b", "3")));
 }
 
-TEST(UrlencodedReaderTest, fieldsThatAreThereAlreadyAreKept) {
+TEST(UrlencodedReaderTest, keepsExistingFields) {
     Fields fields = {{"a", "form"}};
     UrlencodedReader reader(fields);
     reader.feed("a=query&b=query");
@@ -123,7 +123,7 @@ TEST(UrlencodedReaderTest, fieldsThatAreThereAlreadyAreKept) {
     EXPECT_THAT(fields, ElementsAre(Pair("a", "form"), Pair("b", "query")));
 }
 
-TEST(UrlencodedReaderTest, aNameMayBeAsLongAsItsLimit) {
+TEST(UrlencodedReaderTest, acceptsNameUpToLimit) {
     const std::size_t limit = Host::FormLimits::NAME_LENGTH;
     EXPECT_EQ(read(std::string(limit, 'n') + "=1").size(), 1u);
     EXPECT_TRUE(isTooLarge(std::string(limit + 1, 'n') + "=1"));
@@ -132,7 +132,7 @@ TEST(UrlencodedReaderTest, aNameMayBeAsLongAsItsLimit) {
     EXPECT_TRUE(isTooLarge(std::string(limit + 1, 'n')));
 }
 
-TEST(UrlencodedReaderTest, aValueMayBeAsLongAsItsLimit) {
+TEST(UrlencodedReaderTest, acceptsValueUpToLimit) {
     const std::size_t limit = Host::FormLimits::VALUE_LENGTH;
     EXPECT_EQ(read("a=" + std::string(limit, 'v')).at("a").size(), limit);
     EXPECT_TRUE(isTooLarge("a=" + std::string(limit + 1, 'v')));
@@ -141,7 +141,7 @@ TEST(UrlencodedReaderTest, aValueMayBeAsLongAsItsLimit) {
     EXPECT_TRUE(isTooLarge("a=" + std::string(limit + 1, 'v') + "&b=1"));
 }
 
-TEST(UrlencodedReaderTest, thereMayBeAsManyFieldsAsTheLimit) {
+TEST(UrlencodedReaderTest, acceptsFieldsUpToLimit) {
     const std::size_t limit = Host::FormLimits::FIELDS;
     EXPECT_FALSE(isTooLarge(repeat("a=1&", limit)));
     EXPECT_TRUE(isTooLarge(repeat("a=1&", limit + 1)));
@@ -149,7 +149,7 @@ TEST(UrlencodedReaderTest, thereMayBeAsManyFieldsAsTheLimit) {
     EXPECT_FALSE(isTooLarge(repeat("&", limit * 10)));
 }
 
-TEST(UrlencodedReaderTest, theFormOfAServerFullOfPartitionsFitsIn) {
+TEST(UrlencodedReaderTest, acceptsFormOfAllPartitions) {
     std::string form = "hidden_status=2&functionID=106&message=";
     for (int partition = 0; partition < 256; ++partition) {
         const std::string number = std::to_string(partition);
@@ -160,7 +160,7 @@ TEST(UrlencodedReaderTest, theFormOfAServerFullOfPartitionsFitsIn) {
     EXPECT_LE(form.size(), Host::FormLimits::BODY_LENGTH);
 }
 
-TEST(UrlencodedReaderTest, anEndlessFieldIsRefusedBeforeItsEnd) {
+TEST(UrlencodedReaderTest, rejectsEndlessFieldEarly) {
     for (const std::string start : {"", "a="}) {
         Fields fields;
         UrlencodedReader reader(fields);

@@ -32,7 +32,7 @@ void put(const std::string& text) {
     VeskTrace(1, 2, 29697).putLog(0, text.c_str());
 }
 
-// A log of `size` bytes, made of lines.
+// Returns a log of `size` bytes that consists of lines.
 std::string fill(std::size_t size) {
     std::string text;
     while (text.size() < size) {
@@ -48,7 +48,7 @@ protected:
     static std::vector<std::string> lines() { return linesOf(readText(boardFile(LOG))); }
 };
 
-TEST_F(VeskTraceHostTest, aLineTellsWhenWhoWhereAndWhat) {
+TEST_F(VeskTraceHostTest, writesTimeProcessPlaceAndText) {
     put("the text");
     EXPECT_THAT(lines(), testing::ElementsAre(MatchesRegex(
                              "....-..-..T..:..:..Z .[0-9]+. 1\\.2\\.7401 level 0: the text")));
@@ -57,7 +57,7 @@ TEST_F(VeskTraceHostTest, aLineTellsWhenWhoWhereAndWhat) {
     EXPECT_THAT(lines()[1], EndsWith(" 255.255.FFFF level 255: "));
 }
 
-TEST_F(VeskTraceHostTest, onlyTheBoardsUserReadsTheLogWhateverTheMask) {
+TEST_F(VeskTraceHostTest, isPrivateWhateverTheUmask) {
     const mode_t mask = ::umask(0);
     put("text");
     ::umask(mask);
@@ -66,7 +66,7 @@ TEST_F(VeskTraceHostTest, onlyTheBoardsUserReadsTheLogWhateverTheMask) {
     EXPECT_EQ(status.st_mode & 07777, 0600U);
 }
 
-TEST_F(VeskTraceHostTest, theTimeIsNow) {
+TEST_F(VeskTraceHostTest, writesCurrentTime) {
     put("text");
     const std::time_t now = std::time(nullptr);
     std::string day(10, ' ');
@@ -81,7 +81,7 @@ TEST_F(VeskTraceHostTest, theTimeIsNow) {
     EXPECT_THAT(lines()[0].substr(0, 10), testing::AnyOf(day, dayBefore));
 }
 
-TEST_F(VeskTraceHostTest, controlCharactersAreEscaped) {
+TEST_F(VeskTraceHostTest, escapesControlCharacters) {
     put("a\nb\r\tc\x1B[0m\x7F\x01z");
     EXPECT_THAT(lines(),
                 testing::ElementsAre(EndsWith("level 0: a\\x0Ab\\x0D\\x09c\\x1B[0m\\x7F\\x01z")));
@@ -89,7 +89,7 @@ TEST_F(VeskTraceHostTest, controlCharactersAreEscaped) {
     EXPECT_THAT(lines()[1], EndsWith("level 0: caf\xC3\xA9 \xFF \\ %s"));
 }
 
-TEST_F(VeskTraceHostTest, aVeryLongTextIsCut) {
+TEST_F(VeskTraceHostTest, truncatesLongText) {
     put(std::string(2048, 'x'));
     put(std::string(2049, 'x'));
     put(std::string(100000, '\n'));
@@ -100,14 +100,14 @@ TEST_F(VeskTraceHostTest, aVeryLongTextIsCut) {
     EXPECT_LT(traced[2].size(), 4u * 2048 + 100);
 }
 
-TEST_F(VeskTraceHostTest, theLogIsNotForEverybody) {
+TEST_F(VeskTraceHostTest, isNotAccessibleToOthers) {
     put("text");
     struct stat status = {};
     ASSERT_EQ(::stat(boardFile(LOG).c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 0137U, 0u);
 }
 
-TEST_F(VeskTraceHostTest, aFullLogIsPutAside) {
+TEST_F(VeskTraceHostTest, rotatesFullLog) {
     const std::string full = fill(MEGABYTE);
     writeText(boardFile(LOG), full);
     writeText(boardFile(FORMER_LOG), "the one before");
@@ -116,14 +116,14 @@ TEST_F(VeskTraceHostTest, aFullLogIsPutAside) {
     EXPECT_THAT(lines(), testing::ElementsAre(HasSubstr("first of the new log")));
 }
 
-TEST_F(VeskTraceHostTest, aLogThatIsNotFullGoesOn) {
+TEST_F(VeskTraceHostTest, appendsToLogThatIsNotFull) {
     writeText(boardFile(LOG), fill(MEGABYTE - 1));
     put("goes on");
     EXPECT_FALSE(exists(boardFile(FORMER_LOG)));
     EXPECT_THAT(lines().back(), HasSubstr("goes on"));
 }
 
-TEST_F(VeskTraceHostTest, howeverMuchIsTracedTheFilesStayBounded) {
+TEST_F(VeskTraceHostTest, boundsSizeOfFiles) {
     const std::string text(2000, 't');
     for (int i = 0; i < 1700; ++i) {
         put(text);
@@ -134,7 +134,7 @@ TEST_F(VeskTraceHostTest, howeverMuchIsTracedTheFilesStayBounded) {
     EXPECT_LT(readText(boardFile(FORMER_LOG)).size(), MEGABYTE + oneLine);
 }
 
-TEST_F(VeskTraceHostTest, aLogThatCannotBePutAsideStaysBounded) {
+TEST_F(VeskTraceHostTest, boundsLogThatCannotBeRotated) {
     writeText(boardFile(LOG), fill(MEGABYTE));
     std::filesystem::create_directory(boardFile(FORMER_LOG));
     const std::string text(2000, 't');
@@ -144,7 +144,7 @@ TEST_F(VeskTraceHostTest, aLogThatCannotBePutAsideStaysBounded) {
     EXPECT_LT(readText(boardFile(LOG)).size(), MEGABYTE + 10 * text.size());
 }
 
-TEST_F(VeskTraceHostTest, manyProcessesLoseAndTearNoLineAlsoWhileTheLogIsPutAside) {
+TEST_F(VeskTraceHostTest, keepsConcurrentLinesWholeDuringRotation) {
     const int processes = 4;
     const int linesEach = 300;
     writeText(boardFile(LOG), fill(MEGABYTE - 60000));
@@ -175,7 +175,7 @@ TEST_F(VeskTraceHostTest, manyProcessesLoseAndTearNoLineAlsoWhileTheLogIsPutAsid
     EXPECT_EQ(std::unique(found.begin(), found.end()), found.end());
 }
 
-TEST_F(VeskTraceHostTest, aLinkIsNotFollowed) {
+TEST_F(VeskTraceHostTest, doesNotFollowLink) {
     const std::string elsewhere = boardFile("/var/tmp/elsewhere");
     writeText(elsewhere, "precious");
     ASSERT_EQ(::symlink(elsewhere.c_str(), boardFile(LOG).c_str()), 0);
@@ -183,9 +183,9 @@ TEST_F(VeskTraceHostTest, aLinkIsNotFollowed) {
     EXPECT_EQ(readText(elsewhere), "precious");
 }
 
-TEST_F(VeskTraceHostTest, aPipeInPlaceOfTheLogIsPassedOverWithoutWaiting) {
+TEST_F(VeskTraceHostTest, skipsPipeWithoutBlocking) {
     ASSERT_EQ(::mkfifo(boardFile(LOG).c_str(), 0600), 0);
-    // A child, which would be killed if it waited for the pipe's other end.
+    // Runs in a child process, which is killed if it waits for the pipe's other end.
     const auto putInChild = [] {
         return runInChild([] {
                    put("text");
@@ -202,13 +202,13 @@ TEST_F(VeskTraceHostTest, aPipeInPlaceOfTheLogIsPassedOverWithoutWaiting) {
     ::close(reader);
 }
 
-TEST_F(VeskTraceHostTest, aMissingFolderIsPassedOver) {
+TEST_F(VeskTraceHostTest, ignoresMissingFolder) {
     std::filesystem::remove_all(boardFile("/var/log"));
     EXPECT_NO_THROW(put("text"));
     EXPECT_FALSE(exists(boardFile("/var/log")));
 }
 
-TEST_F(VeskTraceHostTest, noDescriptorIsLeftOpen) {
+TEST_F(VeskTraceHostTest, leavesNoDescriptorOpen) {
     const auto lowestFree = [] {
         const int descriptor = ::dup(STDERR_FILENO);
         ::close(descriptor);

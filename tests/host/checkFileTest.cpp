@@ -38,7 +38,7 @@ protected:
     const std::string path = boardFile("/var/tmp/file");
 };
 
-TEST_F(CheckFileTest, sumsUpWhatTheFileSays) {
+TEST_F(CheckFileTest, returnsHeaderAndHash) {
     writeText(path, bytesOf("1.23 B"));
     const std::optional<SummedFile> summed = sum();
     ASSERT_TRUE(summed);
@@ -47,22 +47,22 @@ TEST_F(CheckFileTest, sumsUpWhatTheFileSays) {
     EXPECT_EQ(summed->sha256, sha256Hex(bytesOf("1.23 B")));
 }
 
-TEST_F(CheckFileTest, readsAFileOnceWhileItIsTheSame) {
+TEST_F(CheckFileTest, readsUnchangedFileOnce) {
     writeText(path, bytesOf("1.23 B"));
     const std::string first = sum()->sha256;
-    // What is open for writing only cannot be read.
+    // A file opened for writing only cannot be read, so this result was remembered.
     EXPECT_EQ(sum(O_WRONLY)->sha256, first);
     writeText(boardFile("/var/tmp/other"), bytesOf("2.00"));
     std::filesystem::rename(boardFile("/var/tmp/other"), path);
     EXPECT_EQ(codeOf([&] { sum(O_WRONLY); }), FILE_NOT_READABLE);
 }
 
-TEST_F(CheckFileTest, readsAFileAgainThatWasChangedInItsPlace) {
+TEST_F(CheckFileTest, rereadsFileChangedInPlace) {
     writeText(path, bytesOf("1.23 B"));
     struct stat before = {};
     ASSERT_EQ(::stat(path.c_str(), &before), 0);
     ASSERT_TRUE(sum());
-    // The same length, and made to look as old as before: its change stands in the file system.
+    // The same length and modification time as before: only the change time differs.
     struct stat after = {};
     do {
         writeText(path, bytesOf("1.24 B"));
@@ -74,7 +74,7 @@ TEST_F(CheckFileTest, readsAFileAgainThatWasChangedInItsPlace) {
     EXPECT_EQ(sum()->file.version, "1.24 B");
 }
 
-TEST_F(CheckFileTest, knowsAnUnusableFileToo) {
+TEST_F(CheckFileTest, remembersUnusableFile) {
     writeText(path, "x");
     EXPECT_FALSE(sum());
     EXPECT_FALSE(sum(O_WRONLY));
@@ -82,7 +82,7 @@ TEST_F(CheckFileTest, knowsAnUnusableFileToo) {
     EXPECT_TRUE(sum());
 }
 
-TEST_F(CheckFileTest, checksWithoutSummingUp) {
+TEST_F(CheckFileTest, checksWithoutHashing) {
     writeText(path, bytesOf("1.23 B"));
     const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
     EXPECT_EQ(checkFile(file.get())->version, "1.23 B");

@@ -7,7 +7,7 @@
 
 #include <filesystem>
 
-// The check that holds the texts together while the board is built.
+// Tests of check_texts, which checks catalogues and skeletons while the board is built.
 
 namespace VeskLib::Test {
 
@@ -37,7 +37,7 @@ protected:
         ASSERT_EQ(result.exitStatus, 0) << result.errors;
     }
 
-    // The Japanese catalogue with a line added.
+    // Rebuilds the Japanese catalogue with a line added to a set.
     void addToJapanese(const std::string& set, const std::string& line) const {
         std::string text = readSource("ja");
         const std::string start = "$set " + set + "\n";
@@ -60,7 +60,7 @@ protected:
     std::string skeleton;
 };
 
-TEST_F(CheckTextsTest, theTextsOfTheBoardAreSound) {
+TEST_F(CheckTextsTest, acceptsTextsOfBoard) {
     std::vector<std::string> skeletons;
     for (const char* folder : {PROGRAM_SKELETONS, PLATFORM_SKELETONS, WEB_SKELETONS}) {
         const std::vector<std::string> paths = pathsIn(folder);
@@ -72,30 +72,30 @@ TEST_F(CheckTextsTest, theTextsOfTheBoardAreSound) {
     EXPECT_FALSE(skeletons.empty());
 }
 
-TEST_F(CheckTextsTest, aMalformedMarkIsShownByLineAndColumn) {
+TEST_F(CheckTextsTest, reportsLineAndColumnOfMalformedMark) {
     writeText(skeleton, "<p>\n  {{no mark}}\n");
     expectProblem(check({skeleton}), skeleton + ":2:3: not a mark");
 }
 
-TEST_F(CheckTextsTest, aCaptionThatDoesNotExistIsFound) {
+TEST_F(CheckTextsTest, reportsMissingCaption) {
     writeText(skeleton, "{{text 9001}}{{text 9999|script}}");
     expectProblem(check({skeleton}), "there is no text 9999");
 }
 
-TEST_F(CheckTextsTest, everySkeletonIsLookedAt) {
+TEST_F(CheckTextsTest, checksEverySkeleton) {
     writeText(skeleton, "{{text 9001}}");
     expectProblem(check({boardFile("/var/tmp/missing.txt"), skeleton}), "missing.txt");
     expectProblem(check({skeleton, boardFile("/var/tmp/missing.txt")}), "cannot be read");
 }
 
-TEST_F(CheckTextsTest, aTextThatOneLanguageLacksIsFound) {
+TEST_F(CheckTextsTest, reportsTextMissingInOneLanguage) {
     addToJapanese("1", "500 \"extra\"");
     expectProblem(check({}), "Text 500 of set 1 is not in every language");
     addToJapanese("2", "9999 \"extra\"");
     expectProblem(check({}), "Text 9999 of set 2 is not in every language");
 }
 
-TEST_F(CheckTextsTest, placeholdersMustBeTheSame) {
+TEST_F(CheckTextsTest, reportsDifferingPlaceholders) {
     const std::string english = R"(1 "%s of %d"
 2 "100%% of %s"
 3 "#1 of #2"
@@ -115,7 +115,7 @@ TEST_F(CheckTextsTest, placeholdersMustBeTheSame) {
               "Text 4 of set 1 has other placeholders in ja.\n");
 }
 
-TEST_F(CheckTextsTest, everyLanguageHasItsTagItsNameAndEveryText) {
+TEST_F(CheckTextsTest, reportsMissingTagNameOrText) {
     for (const auto& [tag, name] : Host::languages()) {
         const std::string whole = readSource(tag);
         for (const std::string number : {"9005", "9006", "303"}) {
@@ -131,7 +131,7 @@ TEST_F(CheckTextsTest, everyLanguageHasItsTagItsNameAndEveryText) {
     EXPECT_EQ(check({}).errors, "");
 }
 
-TEST_F(CheckTextsTest, withoutCataloguesNothingIsSound) {
+TEST_F(CheckTextsTest, failsWithoutCatalogues) {
     std::filesystem::remove_all(root + "/usr/local/share/catalogue");
     expectProblem(check({}), "are the catalogues in place?");
 }

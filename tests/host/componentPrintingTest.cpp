@@ -28,7 +28,7 @@ Attributes attributesOf(const std::string& printed, const std::string& tag) {
 
 }  // namespace
 
-TEST(ComponentPrintingTest, aCheckBoxHasItsMarkup) {
+TEST(ComponentPrintingTest, printsCheckBox) {
     CheckBox boxes("title", "description", "form", &ALLOWED);
     boxes.add("all", "", "Select all", "", true, false);
     boxes.add("pid3", "3", "", "hint", false, true);
@@ -43,14 +43,14 @@ TEST(ComponentPrintingTest, aCheckBoxHasItsMarkup) {
         " disabled>");
 }
 
-TEST(ComponentPrintingTest, aCheckBoxHasNoEmptyAttributes) {
+TEST(ComponentPrintingTest, omitsEmptyAttributesOfCheckBox) {
     CheckBox boxes("", "", "form", &ALLOWED);
     boxes.add("pid3", "3", "", "", false, false);
     EXPECT_EQ(printedHTML(boxes),
               "<input type=\"checkbox\" id=\"pid3\" name=\"pid3\" value=\"3\" form=\"form\">");
 }
 
-TEST(ComponentPrintingTest, aButtonHasItsMarkup) {
+TEST(ComponentPrintingTest, printsButton) {
     EXPECT_EQ(printedHTML(Button("install", "Upload", "form", 12, "\"uploadFunction()\"", false)),
               "<button type=\"button\" id=\"install\" name=\"install\" form=\"form\""
               " data-click=\"uploadFunction()\" data-width=\"12\">Upload</button>");
@@ -59,7 +59,7 @@ TEST(ComponentPrintingTest, aButtonHasItsMarkup) {
               " disabled>B</button>");
 }
 
-TEST(ComponentPrintingTest, aButtonsCallLosesThePairOfQuotesAroundIt) {
+TEST(ComponentPrintingTest, stripsQuotesAroundCallOfButton) {
     const std::vector<std::pair<std::string, std::string>> calls = {
         {"\"a()\"", "a()"},
         {"a()", "a()"},
@@ -78,14 +78,14 @@ TEST(ComponentPrintingTest, aButtonsCallLosesThePairOfQuotesAroundIt) {
     }
 }
 
-TEST(ComponentPrintingTest, aWidthBelowOneIsThatOfTheLabel) {
+TEST(ComponentPrintingTest, omitsWidthBelowOne) {
     for (const int width : {0, -1}) {
         const std::string printed = printedHTML(Button("b", "B", "f", width, "a()", false));
         EXPECT_FALSE(attributesOf(printed, "button").contains("data-width"));
     }
 }
 
-TEST(ComponentPrintingTest, aFileSelectorHasItsMarkup) {
+TEST(ComponentPrintingTest, printsFileSelector) {
     EXPECT_EQ(printedHTML(SelectFile("filename", ".dat", "form", 70, 255)),
               "<input type=\"file\" id=\"filename\" name=\"filename\" form=\"form\""
               " accept=\".dat\" size=\"70\" maxlength=\"255\">");
@@ -95,7 +95,7 @@ TEST(ComponentPrintingTest, aFileSelectorHasItsMarkup) {
     }
 }
 
-TEST(ComponentPrintingTest, aHostileTextStaysInItsCheckBox) {
+TEST(ComponentPrintingTest, escapesTextsOfCheckBox) {
     for (const std::string& text : printableTexts()) {
         SCOPED_TRACE(text);
         CheckBox boxes(text, text, text, &ALLOWED);
@@ -118,7 +118,7 @@ TEST(ComponentPrintingTest, aHostileTextStaysInItsCheckBox) {
     }
 }
 
-TEST(ComponentPrintingTest, aHostileHintStaysInItsCheckBox) {
+TEST(ComponentPrintingTest, escapesHintOfCheckBox) {
     for (const std::string& text : printableTexts()) {
         CheckBox boxes("title", "", "form", &ALLOWED);
         boxes.add("name", "", "", text, false, false);
@@ -128,7 +128,7 @@ TEST(ComponentPrintingTest, aHostileHintStaysInItsCheckBox) {
     }
 }
 
-TEST(ComponentPrintingTest, aHostileTextStaysInItsButton) {
+TEST(ComponentPrintingTest, escapesTextsOfButton) {
     for (const std::string& text : printableTexts()) {
         SCOPED_TRACE(text);
         const std::string printed =
@@ -145,7 +145,7 @@ TEST(ComponentPrintingTest, aHostileTextStaysInItsButton) {
     }
 }
 
-TEST(ComponentPrintingTest, aHostileTextStaysInItsFileSelector) {
+TEST(ComponentPrintingTest, escapesTextsOfFileSelector) {
     for (const std::string& text : printableTexts()) {
         SCOPED_TRACE(text);
         const std::string printed = printedHTML(SelectFile(text, text, text, 0, 0));

@@ -6,7 +6,7 @@
 
 namespace VeskLib::Test {
 
-TEST(Cookies, areForThisHostAndNoScript) {
+TEST(Cookies, areHttpOnlyAndSameSite) {
     const ScopedEnvironment plain("HTTPS", std::nullopt);
     EXPECT_EQ(Host::makeCookie("session", "x"), "session=x; Path=/; HttpOnly; SameSite=Strict");
     EXPECT_EQ(Host::makeCookie("session", "", 0),

@@ -28,7 +28,8 @@ namespace {
 
 using Work = std::function<void(Response&)>;
 
-// The response that `work` makes in a process of its own, half a page printed before.
+// Returns the response of `work`, run in a child process after half a page was printed. Expects the
+// response to contain nothing of that page.
 CGIResponse respondInstead(const Work& work, const std::string& language = "en") {
     const ChildResult result = runInChild(
         [&work] {
@@ -87,7 +88,7 @@ protected:
     std::string aside;
 };
 
-TEST_F(ErrorPageTest, aPageHasItsTitleAndItsLines) {
+TEST_F(ErrorPageTest, showsTitleAndLines) {
     const CGIResponse response =
         show({.status = 404, .title = "A & B", .message = "one<br>two <b>"});
     EXPECT_EQ(response.status, "404 Not Found");
@@ -96,7 +97,7 @@ TEST_F(ErrorPageTest, aPageHasItsTitleAndItsLines) {
     EXPECT_THAT(response.body, HasSubstr("<p>one</p><p>two &lt;b&gt;</p>"));
 }
 
-TEST_F(ErrorPageTest, aPageSaysWhereToGo) {
+TEST_F(ErrorPageTest, linksToMenuOrLogin) {
     const std::string toMenu = show({.title = "t", .message = "m"}).body;
     EXPECT_THAT(toMenu, HasSubstr("href=\"/\""));
     EXPECT_THAT(toMenu, Not(HasSubstr("href=\"/login.cgi\"")));
@@ -105,7 +106,7 @@ TEST_F(ErrorPageTest, aPageSaysWhereToGo) {
     EXPECT_THAT(toLogin, Not(HasSubstr("href=\"/\"")));
 }
 
-TEST_F(ErrorPageTest, withoutItsSkeletonThePageIsPlainAndSaysTheSame) {
+TEST_F(ErrorPageTest, printsPlainPageWithoutSkeleton) {
     takeSkeletonAway();
     for (const std::string& text : printableTexts()) {
         SCOPED_TRACE(text);
@@ -119,7 +120,7 @@ TEST_F(ErrorPageTest, withoutItsSkeletonThePageIsPlainAndSaysTheSame) {
     EXPECT_THAT(traceLines().at(0), HasSubstr("skeleton_error.txt"));
 }
 
-TEST_F(ErrorPageTest, aMalformedSkeletonGivesThePlainPageAndNothingOfIt) {
+TEST_F(ErrorPageTest, printsPlainPageForMalformedSkeleton) {
     takeSkeletonAway();
     writeText(skeleton, "BEGINNING {{title}} {{malformed mark}}");
     const CGIResponse response = show({.title = "Title", .message = "message"});
@@ -127,7 +128,7 @@ TEST_F(ErrorPageTest, aMalformedSkeletonGivesThePlainPageAndNothingOfIt) {
     EXPECT_THAT(response.body, HasSubstr("<h1>Title</h1><p>message</p>"));
 }
 
-TEST_F(ErrorPageTest, givesTheFixedPageWhenNoPageCanBePrinted) {
+TEST_F(ErrorPageTest, usesLastResortIfPrintingFails) {
     class FullBuffer : public std::streambuf {
     protected:
         int_type overflow(int_type /*character*/) override { throw std::bad_alloc(); }
@@ -143,7 +144,7 @@ TEST_F(ErrorPageTest, givesTheFixedPageWhenNoPageCanBePrinted) {
     EXPECT_THAT(textOf(response.body), HasSubstr("no memory left"));
 }
 
-TEST_F(ErrorPageTest, everyCheckHasItsPageInBothLanguages) {
+TEST_F(ErrorPageTest, printsEveryPageInBothLanguages) {
     const std::vector<std::pair<std::function<ErrorPage()>, std::string>> pages = {
         {Host::makeMethodPage, "405 Method Not Allowed"},
         {Host::makeMisdirectedPage, "421 Misdirected Request"},
@@ -163,7 +164,7 @@ TEST_F(ErrorPageTest, everyCheckHasItsPageInBothLanguages) {
     }
 }
 
-TEST_F(ErrorPageTest, anExceptionIsTracedWithItsArguments) {
+TEST_F(ErrorPageTest, tracesExceptionWithArguments) {
     static const char TEXT[] = "PrimitiveTypeArray";
     const CGIResponse response = showException(20019, reinterpret_cast<long>(TEXT));
     EXPECT_EQ(response.status, "500 Internal Server Error");
@@ -172,12 +173,12 @@ TEST_F(ErrorPageTest, anExceptionIsTracedWithItsArguments) {
     EXPECT_THAT(traceLines(), ElementsAre(HasSubstr("PrimitiveTypeArray [4711]")));
 }
 
-TEST_F(ErrorPageTest, anExceptionWithAnUnknownMessageIsTracedByItsNumber) {
+TEST_F(ErrorPageTest, tracesNumberOfUnknownMessage) {
     EXPECT_EQ(showException(31999, 0).status, "500 Internal Server Error");
     EXPECT_THAT(traceLines(), ElementsAre(HasSubstr("31999")));
 }
 
-TEST_F(ErrorPageTest, anExceptionWithoutItsTextIsNoCrash) {
+TEST_F(ErrorPageTest, survivesExceptionWithoutText) {
     EXPECT_EQ(showException(20019, 0).status, "500 Internal Server Error");
     EXPECT_THAT(traceLines(), ElementsAre(HasSubstr("[4711]")));
 }

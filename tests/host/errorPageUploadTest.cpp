@@ -23,7 +23,7 @@ namespace {
 
 const std::string URLENCODED = "application/x-www-form-urlencoded";
 
-// A program that looks at a posted form before it prints its page.
+// Reads a posted form while a page is being printed.
 int readForm(TestMain& /*main*/) {
     std::cout << "half a page";
     std::string value;
@@ -55,12 +55,12 @@ class ErrorPageUploadTest : public BoardTest {};
 
 }  // namespace
 
-TEST_F(ErrorPageUploadTest, aSoundUploadIsNoError) {
+TEST_F(ErrorPageUploadTest, acceptsValidUpload) {
     const CGIResponse response = respond(postParts(fieldPart("a", "1")));
     EXPECT_EQ(response.body, "half a page1");
 }
 
-TEST_F(ErrorPageUploadTest, aBrokenUploadIsCalledOneInEveryLanguage) {
+TEST_F(ErrorPageUploadTest, reportsBrokenUploadInEveryLanguage) {
     const std::string parts = fieldPart("a", "1") + filePart("f", "n", "content");
     for (const ChildSetup& request : {postBody(parts), postParts(parts + parts)}) {
         const CGIResponse english = respond(request);
@@ -77,7 +77,7 @@ TEST_F(ErrorPageUploadTest, aBrokenUploadIsCalledOneInEveryLanguage) {
     }
 }
 
-TEST_F(ErrorPageUploadTest, aFormInPartsWithoutABoundaryIsABrokenUpload) {
+TEST_F(ErrorPageUploadTest, reportsMissingBoundaryAsBrokenUpload) {
     ChildSetup request = postParts(fieldPart("a", "1"));
     request.environment["CONTENT_TYPE"] = "Multipart/Form-Data ; x=y";
     const CGIResponse response = respond(request);
@@ -85,7 +85,7 @@ TEST_F(ErrorPageUploadTest, aFormInPartsWithoutABoundaryIsABrokenUpload) {
     EXPECT_THAT(textOf(response.body), HasSubstr(uploadFailed(Host::ENGLISH)));
 }
 
-TEST_F(ErrorPageUploadTest, aPartWithBrokenQuotesIsABrokenUpload) {
+TEST_F(ErrorPageUploadTest, reportsBrokenQuotesAsBrokenUpload) {
     for (const char* name : {"\"a", "\"a\"b", "\"a\"; filename=\"f.dat"}) {
         const std::string header = std::string("Content-Disposition: form-data; name=") + name;
         const CGIResponse response = respond(postParts(partOf(header + "\r\n", "1")));
@@ -94,7 +94,7 @@ TEST_F(ErrorPageUploadTest, aPartWithBrokenQuotesIsABrokenUpload) {
     }
 }
 
-TEST_F(ErrorPageUploadTest, anotherBrokenFormIsNoUpload) {
+TEST_F(ErrorPageUploadTest, reportsOtherBrokenFormAsMalformedRequest) {
     ChildSetup request = postBody("a=1");
     request.environment["CONTENT_LENGTH"] = "4";
     for (const std::string& type : {URLENCODED, std::string(), URLENCODED + "; x=multipart/"}) {
@@ -106,13 +106,13 @@ TEST_F(ErrorPageUploadTest, anotherBrokenFormIsNoUpload) {
     }
 }
 
-TEST_F(ErrorPageUploadTest, anUploadWithTooMuchAroundItIsTooLarge) {
+TEST_F(ErrorPageUploadTest, reportsOversizedFieldAsTooLarge) {
     const CGIResponse response = respond(postParts(fieldPart("a", std::string(100000, 'v'))));
     EXPECT_EQ(response.status, "413 Content Too Large");
     EXPECT_THAT(textOf(response.body), HasSubstr(caption(9022, Host::REQUEST_TOO_LARGE)));
 }
 
-TEST_F(ErrorPageUploadTest, anUploadThatTheDiskDoesNotTakeIsTheBoardsTrouble) {
+TEST_F(ErrorPageUploadTest, reportsServerErrorIfUploadCannotBeStored) {
     ChildSetup request = postParts(filePart("f", "n", "content"));
     request.environment["BOARD_ROOT"] = boardFile("/var/run/none");
     const CGIResponse response = respond(request);

@@ -25,12 +25,12 @@ bool isControl(int value) {
     return (value < 0x20 && value != '\t') || value == 0x7F;
 }
 
-// The picture of an ASCII control character.
+// Returns the visible symbol for an ASCII control character.
 std::string pictureOf(int value) {
     return encodeUTF8(value == 0x7F ? 0x2421 : 0x2400 + static_cast<char32_t>(value));
 }
 
-// What shows nothing, turns the direction of a text, or ends its line.
+// Returns the characters that are invisible, change the direction of text, or end a line.
 std::vector<char32_t> hiddenCharacters() {
     std::vector<char32_t> all = {0xAD, 0x061C, 0x180E, 0xFEFF};
     for (const auto& [first, last] : {std::pair<char32_t, char32_t>(0x80, 0x9F),
@@ -48,7 +48,7 @@ std::vector<char32_t> hiddenCharacters() {
 
 }  // namespace
 
-TEST(EscapeTest, everyByteOfAnHTMLTextIsItselfItsReferenceOrItsPicture) {
+TEST(EscapeTest, escapesEveryByteForHTML) {
     const std::map<char, std::string> references = {
         {'&', "&amp;"}, {'<', "&lt;"}, {'>', "&gt;"}, {'"', "&quot;"}, {'\'', "&#39;"}};
     for (int value = 0; value < 256; ++value) {
@@ -62,7 +62,7 @@ TEST(EscapeTest, everyByteOfAnHTMLTextIsItselfItsReferenceOrItsPicture) {
     }
 }
 
-TEST(EscapeTest, aHiddenCharacterIsSeen) {
+TEST(EscapeTest, replacesHiddenCharacters) {
     for (const char32_t character : hiddenCharacters()) {
         SCOPED_TRACE(static_cast<unsigned int>(character));
         const std::string text = "a" + encodeUTF8(character) + "z";
@@ -73,7 +73,7 @@ TEST(EscapeTest, aHiddenCharacterIsSeen) {
     }
 }
 
-TEST(EscapeTest, theNeighboursOfHiddenCharactersAreKept) {
+TEST(EscapeTest, keepsNeighboursOfHiddenCharacters) {
     for (const char32_t character : std::initializer_list<char32_t>{
              0xA0,   0xAC,   0xAE,   0xBF,   0x061B, 0x061D,  0x180D,
              0x180F, 0x200A, 0x2010, 0x2027, 0x202F, 0x205F,  0x2070,
@@ -85,13 +85,13 @@ TEST(EscapeTest, theNeighboursOfHiddenCharactersAreKept) {
     }
 }
 
-TEST(EscapeTest, anHTMLTextIsPrintedAsItIsEscaped) {
+TEST(EscapeTest, printEscapedMatchesEscapeHTML) {
     for (const std::string& text : hostileTexts()) {
         EXPECT_EQ(printedBy([&text] { Host::printEscaped(text); }), escapeHTML(text));
     }
 }
 
-TEST(EscapeTest, everyByteOfAScriptTextIsItselfItsEscapeOrItsPicture) {
+TEST(EscapeTest, escapesEveryByteForScripts) {
     const std::string escaped = "\"'$`\\<>&\t";
     for (int value = 0; value < 256; ++value) {
         SCOPED_TRACE(value);
@@ -107,7 +107,7 @@ TEST(EscapeTest, everyByteOfAScriptTextIsItselfItsEscapeOrItsPicture) {
     }
 }
 
-TEST(EscapeTest, aCharacterThatIsCutShortIsKept) {
+TEST(EscapeTest, keepsTruncatedCharacter) {
     EXPECT_EQ(escapeScript("\xE2\x80"), "\xE2\x80");
     EXPECT_EQ(escapeScript("\xE2"), "\xE2");
     EXPECT_EQ(escapeScript("\xE2\x80<"), "\xE2\x80\\x3c");
@@ -115,7 +115,7 @@ TEST(EscapeTest, aCharacterThatIsCutShortIsKept) {
     EXPECT_EQ(escapeHTML("\xC2<"), "\xC2&lt;");
 }
 
-TEST(EscapeTest, aBrowserReadsBackWhatWasEscaped) {
+TEST(EscapeTest, browserReadsBackEscapedText) {
     for (const std::string& text : printableTexts()) {
         SCOPED_TRACE(text);
         EXPECT_EQ(textOf(escapeHTML(text)), text);
@@ -128,7 +128,7 @@ TEST(EscapeTest, aBrowserReadsBackWhatWasEscaped) {
     }
 }
 
-TEST(EscapeTest, aTextWithoutSpecialCharactersIsKept) {
+TEST(EscapeTest, keepsOrdinaryText) {
     EXPECT_EQ(escapeHTML(""), "");
     EXPECT_EQ(escapeScript(""), "");
     EXPECT_EQ(escapeScript("caf\xC3\xA9 {}()%#@!~*=+-_.,:;?/|^[]"),

@@ -14,7 +14,8 @@ using Host::trim;
 
 namespace {
 
-// "[value]", or "absent" with `value` as it was; the error code of a refused header.
+// Returns "[value]" if the parameter is found. Otherwise returns "absent" or the error code of a
+// refused header, followed by the unchanged `value`.
 std::string find(const std::string& header, const std::string& name) {
     std::string value = "unchanged";
     try {
@@ -25,7 +26,7 @@ std::string find(const std::string& header, const std::string& name) {
     }
 }
 
-// `text` as a quoted parameter holds it.
+// Returns `text` as the value of a quoted parameter.
 std::string quoted(const std::string& text) {
     std::string result = "\"";
     for (const char character : text) {
@@ -39,7 +40,7 @@ std::string quoted(const std::string& text) {
 
 }  // namespace
 
-TEST(HeaderValueTest, aParameterStandsWithOrWithoutQuotes) {
+TEST(HeaderValueTest, findsQuotedAndUnquotedParameters) {
     EXPECT_EQ(find("v; a=b", "a"), "[b]");
     EXPECT_EQ(find("v;a=b;c=d", "c"), "[d]");
     EXPECT_EQ(find("v; a=\"b c\"; c=d", "a"), "[b c]");
@@ -52,7 +53,7 @@ TEST(HeaderValueTest, aParameterStandsWithOrWithoutQuotes) {
     EXPECT_EQ(find("; a=b", "a"), "[b]");
 }
 
-TEST(HeaderValueTest, aParameterMayBeEmpty) {
+TEST(HeaderValueTest, acceptsEmptyParameter) {
     EXPECT_EQ(find("v; a=", "a"), "[]");
     EXPECT_EQ(find("v; a=; b=c", "a"), "[]");
     EXPECT_EQ(find("v; a=\"\"", "a"), "[]");
@@ -60,25 +61,25 @@ TEST(HeaderValueTest, aParameterMayBeEmpty) {
     EXPECT_EQ(find("v; a; b=c", "a"), "[]");
 }
 
-TEST(HeaderValueTest, theFirstParameterOfANameCounts) {
+TEST(HeaderValueTest, prefersFirstParameterOfName) {
     EXPECT_EQ(find("v; a=1; a=2", "a"), "[1]");
     EXPECT_EQ(find("v; b; b=2; a=3", "a"), "[3]");
 }
 
-TEST(HeaderValueTest, anAbsentParameterLeavesTheValueAsItIs) {
+TEST(HeaderValueTest, leavesValueUnchangedIfAbsent) {
     for (const char* header : {"", "v", "a=b", "v; ab=c", "v; b=a", "v;", ";;", "v; b=\"; a=c\"",
                                "v; b=\"\\\"; a=c\"", "v; =a"}) {
         EXPECT_EQ(find(header, "a"), "absent, unchanged") << header;
     }
 }
 
-TEST(HeaderValueTest, aQuotedTextMayHoldWhatSeparates) {
+TEST(HeaderValueTest, keepsSeparatorsInQuotes) {
     EXPECT_EQ(find("v; a=\"x;y=z\"; b=c", "a"), "[x;y=z]");
     EXPECT_EQ(find("v; a=\"x;y=z\"; b=c", "b"), "[c]");
     EXPECT_EQ(find("v; a=\"x;b=z\"; b=c", "b"), "[c]");
 }
 
-TEST(HeaderValueTest, aBackslashProtectsAQuoteAndABackslashOnly) {
+TEST(HeaderValueTest, backslashEscapesOnlyQuoteAndBackslash) {
     EXPECT_EQ(find(R"(v; a="x\"y"; b=c)", "a"), R"([x"y])");
     EXPECT_EQ(find(R"(v; a="x\"y"; b=c)", "b"), "[c]");
     EXPECT_EQ(find(R"(v; a="x\\y")", "a"), R"([x\y])");
@@ -87,14 +88,14 @@ TEST(HeaderValueTest, aBackslashProtectsAQuoteAndABackslashOnly) {
     EXPECT_EQ(find(R"(v; a=x\y)", "a"), R"([x\y])");
 }
 
-TEST(HeaderValueTest, everyTextSurvivesItsQuotes) {
+TEST(HeaderValueTest, unquotesEveryText) {
     for (const std::string& text : hostileTexts()) {
         EXPECT_EQ(find("v; x=1; a=" + quoted(text) + "; y=2", "a"), "[" + text + "]");
         EXPECT_EQ(find("v; x=1; a=" + quoted(text) + "; y=2", "y"), "[2]");
     }
 }
 
-TEST(HeaderValueTest, brokenQuotesAreRefusedAlsoInOtherParameters) {
+TEST(HeaderValueTest, rejectsBrokenQuotesInAnyParameter) {
     const std::string malformed = std::to_string(Host::REQUEST_MALFORMED);
     for (const char* header :
          {"v; a=\"", "v; a=\"b", "v; a=\"b\\\"", "v; a=\"b\\\\\"x", "v; a=\"b\"c", "v; a=\"b\" c",
@@ -105,7 +106,7 @@ TEST(HeaderValueTest, brokenQuotesAreRefusedAlsoInOtherParameters) {
     EXPECT_EQ(find("v; a=\"b\" \t; c=d", "a"), "[b]");
 }
 
-TEST(HeaderValueTest, theMainValueStandsBeforeTheParameters) {
+TEST(HeaderValueTest, mainValuePrecedesParameters) {
     EXPECT_EQ(mainValue("text/plain"), "text/plain");
     EXPECT_EQ(mainValue(" \ttext/plain \t; a=b; c=d"), "text/plain");
     EXPECT_EQ(mainValue("a;"), "a");
@@ -113,7 +114,7 @@ TEST(HeaderValueTest, theMainValueStandsBeforeTheParameters) {
     EXPECT_EQ(mainValue(""), "");
 }
 
-TEST(HeaderValueTest, aMediaTypeIsTheSameInCapitalsAndWhateverFollowsIt) {
+TEST(HeaderValueTest, comparesMediaTypeIgnoringCaseAndParameters) {
     for (const char* type :
          {"multipart/form-data", "Multipart/FORM-data", " multipart/form-data",
           "multipart/form-data;boundary=x", "multipart/form-data ; boundary=x"}) {
@@ -126,7 +127,7 @@ TEST(HeaderValueTest, aMediaTypeIsTheSameInCapitalsAndWhateverFollowsIt) {
     }
 }
 
-TEST(HeaderValueTest, blanksAreTrimmedAtTheEndsOnly) {
+TEST(HeaderValueTest, trimsBlanksAtEndsOnly) {
     EXPECT_EQ(trim(" \t a \t b\t "), "a \t b");
     EXPECT_EQ(trim("a"), "a");
     EXPECT_EQ(trim(" \t "), "");
@@ -134,14 +135,15 @@ TEST(HeaderValueTest, blanksAreTrimmedAtTheEndsOnly) {
     EXPECT_EQ(trim("\ra\n"), "\ra\n");
 }
 
-TEST(HeaderValueTest, onlyLettersAreTheSameInCapitals) {
+TEST(HeaderValueTest, ignoresCaseOfLettersOnly) {
     EXPECT_TRUE(equalsIgnoringCase("Form-DATA", "fORM-data"));
     EXPECT_TRUE(equalsIgnoringCase("AZaz", "azAZ"));
     EXPECT_TRUE(equalsIgnoringCase("", ""));
     EXPECT_FALSE(equalsIgnoringCase("a", "b"));
     EXPECT_FALSE(equalsIgnoringCase("a", "ab"));
     EXPECT_FALSE(equalsIgnoringCase("ab", "a"));
-    // The characters beside the capitals, with the bit set that makes small letters.
+    // The neighbours of the capitals, compared with the same characters with the lower-case bit
+    // set.
     EXPECT_FALSE(equalsIgnoringCase("@", "`"));
     EXPECT_FALSE(equalsIgnoringCase("[", "{"));
     EXPECT_FALSE(equalsIgnoringCase("\r", "-"));

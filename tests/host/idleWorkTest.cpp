@@ -34,7 +34,7 @@ TEST_F(IdleWorkTest, isDoneOnce) {
     EXPECT_EQ(done, 1);
 }
 
-TEST_F(IdleWorkTest, keepsItsFailuresToItself) {
+TEST_F(IdleWorkTest, swallowsExceptions) {
     Host::planIdleWork(fail);
     Host::doIdleWork();
     Host::doIdleWork();

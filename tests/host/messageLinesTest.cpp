@@ -15,7 +15,7 @@ using Host::printMessage;
 using Host::splitMessage;
 using testing::ElementsAre;
 
-TEST(MessageLinesTest, aMessageIsSplitAtItsBreaks) {
+TEST(MessageLinesTest, splitsMessageAtBreaks) {
     EXPECT_THAT(splitMessage("one"), ElementsAre("one"));
     EXPECT_THAT(splitMessage("one<br>two<br>three"), ElementsAre("one", "two", "three"));
     EXPECT_THAT(splitMessage(""), ElementsAre(""));
@@ -23,11 +23,11 @@ TEST(MessageLinesTest, aMessageIsSplitAtItsBreaks) {
     EXPECT_THAT(splitMessage("one<br><br>two<br>"), ElementsAre("one", "", "two", ""));
 }
 
-TEST(MessageLinesTest, onlyTheBreakOfThePagesSplits) {
+TEST(MessageLinesTest, splitsOnlyAtExactBreak) {
     EXPECT_THAT(splitMessage("a<BR>b<br/>c<br >d\ne<b"), ElementsAre("a<BR>b<br/>c<br >d\ne<b"));
 }
 
-TEST(MessageLinesTest, everyLineIsAnEscapedParagraph) {
+TEST(MessageLinesTest, printsLinesAsEscapedParagraphs) {
     EXPECT_EQ(printedBy([] { printMessage("a & b<br>c"); }), "<p>a &amp; b</p><p>c</p>");
     for (const std::string& text : printableTexts()) {
         const std::string printed = printedBy([&text] { printMessage(text); });
@@ -36,7 +36,7 @@ TEST(MessageLinesTest, everyLineIsAnEscapedParagraph) {
     }
 }
 
-// What is printed of a message with the code of the last refusal.
+// Tests of the details printed below a message that has the code of the last refusal.
 class RefusalDetailsTest : public testing::Test {
 protected:
     RefusalDetailsTest() {
@@ -52,23 +52,23 @@ protected:
     }
 };
 
-TEST_F(RefusalDetailsTest, thePartitionsStandBelowTheMessage) {
+TEST_F(RefusalDetailsTest, listsPartitionsBelowMessage) {
     EXPECT_EQ(printedWith({"", {{3, ""}, {7, ""}}}),
               "<p class=\"partitions\">Partitions: 3, 7</p>");
 }
 
-TEST_F(RefusalDetailsTest, eachPartitionHasItsVersions) {
+TEST_F(RefusalDetailsTest, showsVersionsOfEachPartition) {
     EXPECT_EQ(printedWith({"1.23 B", {{0, "10.20.30"}, {2, "<b>"}}}),
               "<p class=\"partitions\">Partition 0: BIOS version 10.20.30, file 1.23 B<br>"
               "Partition 2: BIOS version &lt;b&gt;, file 1.23 B</p>");
 }
 
-TEST_F(RefusalDetailsTest, noPartitionOfAnotherCodeIsShown) {
+TEST_F(RefusalDetailsTest, omitsPartitionsOfOtherCode) {
     EXPECT_EQ(printedWith({"", {{3, ""}}}, 1551), "");
     EXPECT_EQ(printedWith({}), "");
 }
 
-TEST_F(RefusalDetailsTest, aLongVersionIsCutBetweenCharacters) {
+TEST_F(RefusalDetailsTest, truncatesLongVersionBetweenCharacters) {
     const std::string printed = printedWith({std::string(79, 'x') + "\xC3\xA9", {{0, "1\n2"}}});
     EXPECT_EQ(printed,
               "<p class=\"partitions\">Partition 0: BIOS version 1\xE2\x90\x8A"

@@ -13,7 +13,7 @@ using Host::loginPath;
 using Host::pageOfFunction;
 using Host::wantedFunction;
 
-TEST(OwnPagesTest, knowsThePagesOfTheFunctions) {
+TEST(OwnPagesTest, findsPagesOfFunctions) {
     EXPECT_EQ(pageOfFunction("105"), "/maintenance/efi_backup_restore.cgi?functionID=105");
     EXPECT_EQ(pageOfFunction("106"), "/maintenance/efi_backup_restore.cgi?functionID=106");
     EXPECT_EQ(pageOfFunction("110"), "/activity.cgi");
@@ -21,7 +21,7 @@ TEST(OwnPagesTest, knowsThePagesOfTheFunctions) {
     EXPECT_EQ(loginPath(""), "/login.cgi");
 }
 
-TEST(OwnPagesTest, leadsToNoOtherPlace) {
+TEST(OwnPagesTest, rejectsOtherDestinations) {
     for (const std::string text :
          {"", "0105", "105 ", " 105", "105&x=y", "105#x", "1050", "5", "-105", "+105", "0x69",
           "//evil.example", "https://evil.example/", "/logout.cgi", "\\\\evil.example",
@@ -34,14 +34,14 @@ TEST(OwnPagesTest, leadsToNoOtherPlace) {
     }
 }
 
-TEST(OwnPagesTest, wantedIsWhatTheRequestAsksFor) {
+TEST(OwnPagesTest, wantsFunctionOfQuery) {
     const ScopedEnvironment method("REQUEST_METHOD", "GET");
     const ScopedEnvironment query("QUERY_STRING", "functionID=106");
     const ScopedEnvironment referer("HTTP_REFERER", "http://127.0.0.1/x?functionID=105");
     EXPECT_EQ(wantedFunction(), "106");
 }
 
-TEST(OwnPagesTest, ofAPostThePageItComesFromIsWanted) {
+TEST(OwnPagesTest, wantsReferringPageOfPost) {
     const ScopedEnvironment method("REQUEST_METHOD", "POST");
     const ScopedEnvironment query("QUERY_STRING", "");
     for (const auto& [from, wanted] : std::map<std::string, std::string>{
@@ -54,7 +54,7 @@ TEST(OwnPagesTest, ofAPostThePageItComesFromIsWanted) {
     }
 }
 
-TEST(OwnPagesTest, aGetWithoutAQueryWantsNoPage) {
+TEST(OwnPagesTest, ignoresRefererOfGet) {
     const ScopedEnvironment method("REQUEST_METHOD", "GET");
     const ScopedEnvironment query("QUERY_STRING", "");
     const ScopedEnvironment referer("HTTP_REFERER", "http://127.0.0.1/x?functionID=105");

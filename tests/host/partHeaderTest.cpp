@@ -11,7 +11,7 @@ using Host::PartHeader;
 
 namespace {
 
-// "name", or "name|file name" of a file; or that it was refused.
+// Returns "name" for a field, "name|file name" for a file, or the refusal.
 std::string parse(const std::string& lines) {
     try {
         const PartHeader header = parsePartHeader(lines);
@@ -28,7 +28,7 @@ std::string parseDisposition(const std::string& value) {
 
 }  // namespace
 
-TEST(PartHeaderTest, aPartIsAFileWhenItNamesOne) {
+TEST(PartHeaderTest, recognizesFileByFileName) {
     EXPECT_EQ(parseDisposition(" form-data; name=\"a\""), "a");
     EXPECT_EQ(parseDisposition(" form-data; name=\"a\"; filename=\"b.dat\""), "a|b.dat");
     EXPECT_EQ(parseDisposition(" form-data; filename=\"b.dat\"; name=\"a\""), "a|b.dat");
@@ -38,14 +38,14 @@ TEST(PartHeaderTest, aPartIsAFileWhenItNamesOne) {
     EXPECT_EQ(parseDisposition(" form-data; name=\"filename=b\""), "filename=b");
 }
 
-TEST(PartHeaderTest, headersAreFoundWhateverTheirCaseAndOrder) {
+TEST(PartHeaderTest, findsHeadersInAnyCaseAndOrder) {
     EXPECT_EQ(parse("\r\nContent-Type: x\r\nCONTENT-disposition: Form-Data; NAME=a\r\nX:"), "a");
     EXPECT_EQ(parse("\r\nContent-Disposition : form-data;name=a"), "a");
     EXPECT_EQ(parse("\r\nX: a: b\r\nContent-Disposition: form-data; name=a"), "a");
     EXPECT_EQ(parse("\r\nX-Content-Disposition: form-data; name=a"), MALFORMED);
 }
 
-TEST(PartHeaderTest, brokenQuotesAreRefusedWhereverTheyStand) {
+TEST(PartHeaderTest, rejectsBrokenQuotesAnywhere) {
     for (const char* value :
          {"name=\"a", "name=\"a\\\"", "name=\"a\"b", "name=\"a\" b; filename=c", "name=\"a\"\"b\"",
           "name=a\"b", "name=a; filename=\"b", "name=a; filename=\"b\"c", "name=a; other=\"b",
@@ -54,21 +54,21 @@ TEST(PartHeaderTest, brokenQuotesAreRefusedWhereverTheyStand) {
     }
 }
 
-TEST(PartHeaderTest, onlyFormDataIsTaken) {
+TEST(PartHeaderTest, acceptsOnlyFormData) {
     for (const char* value : {"", " ", " attachment; name=a", " form-datax; name=a",
                               " xform-data; name=a", "; name=a", " name=a", " form data; name=a"}) {
         EXPECT_EQ(parseDisposition(value), MALFORMED) << value;
     }
 }
 
-TEST(PartHeaderTest, theLastOfTwoDispositionsMustBeSoundAsWell) {
+TEST(PartHeaderTest, rejectsInvalidSecondDisposition) {
     const std::string first = "\r\nContent-Disposition: form-data; name=a; filename=b";
     EXPECT_EQ(parse(first + "\r\nContent-Disposition: form-data"), MALFORMED);
     EXPECT_EQ(parse(first + "\r\nContent-Disposition: attachment; name=c"), MALFORMED);
     EXPECT_EQ(parse(first + "\r\nContent-Disposition: form-data; name=c"), "c");
 }
 
-TEST(PartHeaderTest, malformedLinesAreRefused) {
+TEST(PartHeaderTest, rejectsMalformedLines) {
     const std::string disposition = "\r\nContent-Disposition: form-data; name=a";
     EXPECT_EQ(parse(disposition), "a");
     for (const char* line :

@@ -10,16 +10,17 @@ namespace VeskLib::Test {
 
 using Components = std::map<std::string, Gui::HTMLComponent*>;
 
-// What the skeleton of this source prints.
+// Prints a skeleton with this source and returns the output.
 std::string print(const std::string& source, const Components& components = {});
 
-// Prints it in a process of its own, whose request asks for `language`.
+// Same as print(), in a child process with a request for `language`.
 std::string printIn(const std::string& language, const std::string& source);
 
-// What `work` prints in such a process. A process keeps the language and the nonce of its request.
+// Same for the output of `work`. It runs in a child, because a process keeps the language and the
+// nonce of its request.
 std::string printedIn(const std::string& language, const std::function<void()>& work);
 
-// "line:column problem", or "" for a sound skeleton.
+// Returns "line:column problem", or "" if the skeleton is well-formed.
 std::string problemOf(const std::string& source);
 
 }  // namespace VeskLib::Test

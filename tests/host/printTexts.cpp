@@ -1,5 +1,5 @@
-// Prints a text of every kind. The catalogues are opened once per process, so a test that wants
-// them elsewhere starts this program.
+// Prints one text of each kind. A process opens the catalogues once, so a test that needs them in
+// another place starts this program.
 
 #include "platform/host/text/Catalogue.h"
 

@@ -1,5 +1,5 @@
-// Reads a posted form as a program of the board does and prints how many bytes its file has, how
-// many of them are stored, and how much memory that took at most, in KiB.
+// Reads a posted form as a program of the board does. Prints the size of its file in bytes, how
+// many bytes are stored (-1 if none), and the peak memory use in KiB.
 
 #include <VeskLib/Gui/FormInfo.h>
 #include <VeskLib/PException.h>
@@ -12,7 +12,7 @@
 
 namespace {
 
-// The process's own, which is not that of the process that started it.
+// Returns the peak memory use of this process in KiB, without that of the process that started it.
 std::string readPeakMemory() {
     std::ifstream status("/proc/self/status");
     std::string word;

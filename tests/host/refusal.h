@@ -8,12 +8,12 @@
 
 namespace VeskLib::Test {
 
-// What tests note in the place of a result when there is none for this reason.
+// Returns the text with which tests report a refusal with this code.
 inline std::string refused(int code) {
     return "refused " + std::to_string(code);
 }
 
-// The detail of the exception that `work` throws; 0 when it throws none.
+// Returns the detail code of the exception that `work` throws, or 0 if it throws none.
 template <typename Work>
 int codeOf(const Work& work) {
     try {

@@ -33,18 +33,18 @@ RequestVerdict check(const Value& method, const Value& site = {}, const Value& o
     return checkRequest();
 }
 
-// Another site's link to a page with this query.
+// Checks a request that follows another site's link to a page with this query.
 RequestVerdict follow(const char* method, const char* query, const Value& site = "cross-site") {
     const ScopedEnvironment queryVariable("QUERY_STRING", query);
     return check(method, site);
 }
 
-// A request to a board whose properties are `properties`, in a process of its own, which reads them
-// once.
-RequestVerdict ask(const std::string& properties, const Value& host, const Value& more = {}) {
+// Checks a request to a board with these properties. Runs in a child process, because a process
+// reads them once.
+RequestVerdict ask(const std::string& properties, const Value& host, const Value& origin = {}) {
     writeText(boardFile("/var/run/board_properties"), properties);
     const ChildResult result =
-        runInChild([&] { return static_cast<int>(check("GET", {}, more, host)); });
+        runInChild([&] { return static_cast<int>(check("GET", {}, origin, host)); });
     EXPECT_EQ(result.signal, 0) << result.errors;
     return static_cast<RequestVerdict>(result.exitStatus);
 }
@@ -57,7 +57,7 @@ bool isAcceptedPost(const Value& site, const Value& origin, const Value& host = 
 
 }  // namespace
 
-TEST(RequestChecksTest, threeMethodsAreKnown) {
+TEST(RequestChecksTest, acceptsOnlyThreeMethods) {
     for (const char* method : {"GET", "HEAD", "POST"}) {
         EXPECT_EQ(check(method), RequestVerdict::ACCEPTED) << method;
     }
@@ -68,11 +68,11 @@ TEST(RequestChecksTest, threeMethodsAreKnown) {
     EXPECT_EQ(check(std::nullopt), RequestVerdict::METHOD_NOT_ALLOWED);
 }
 
-TEST(RequestChecksTest, anUnknownMethodIsRefusedFirst) {
+TEST(RequestChecksTest, checksMethodFirst) {
     EXPECT_EQ(check("PUT", "cross-site"), RequestVerdict::METHOD_NOT_ALLOWED);
 }
 
-TEST(RequestChecksTest, aReadingRequestMayComeFromAnywhere) {
+TEST(RequestChecksTest, acceptsReadFromAnySite) {
     for (const char* method : {"GET", "HEAD"}) {
         EXPECT_EQ(check(method, "cross-site", "http://evil"), RequestVerdict::ACCEPTED);
         for (const char* query : {"", "functionID=105", "functionID="}) {
@@ -81,7 +81,7 @@ TEST(RequestChecksTest, aReadingRequestMayComeFromAnywhere) {
     }
 }
 
-TEST(RequestChecksTest, anotherSitesLinkNamesAFunctionAndNothingElse) {
+TEST(RequestChecksTest, limitsCrossSiteLinkToFunction) {
     for (const char* method : {"GET", "HEAD"}) {
         for (const char* query :
              {"functionID=106&hidden_status=3", "hidden_status=3", "functionID=105x",
@@ -97,7 +97,7 @@ TEST(RequestChecksTest, anotherSitesLinkNamesAFunctionAndNothingElse) {
     }
 }
 
-TEST(RequestChecksTest, aPostMustNotComeFromAnotherSite) {
+TEST(RequestChecksTest, rejectsCrossSitePost) {
     EXPECT_TRUE(isAcceptedPost("same-origin", std::nullopt));
     EXPECT_TRUE(isAcceptedPost("none", std::nullopt));
     EXPECT_FALSE(isAcceptedPost("cross-site", std::nullopt));
@@ -106,7 +106,7 @@ TEST(RequestChecksTest, aPostMustNotComeFromAnotherSite) {
     EXPECT_FALSE(isAcceptedPost("anything", std::nullopt));
 }
 
-TEST(RequestChecksTest, thePostsOriginMustBeTheHost) {
+TEST(RequestChecksTest, requiresOriginToMatchHost) {
     EXPECT_TRUE(isAcceptedPost({}, "http://localhost:8080"));
     EXPECT_FALSE(isAcceptedPost({}, "https://localhost:8080"));
     EXPECT_TRUE(isAcceptedPost({}, "http://localhost", "localhost"));
@@ -123,7 +123,7 @@ TEST(RequestChecksTest, thePostsOriginMustBeTheHost) {
     }
 }
 
-TEST(RequestChecksTest, overTLSTheOriginsSchemeIsHTTPS) {
+TEST(RequestChecksTest, requiresHTTPSOriginOverTLS) {
     for (const char* on : {"", "off", "1", "On", "http"}) {
         const ScopedEnvironment variable("HTTPS", on);
         EXPECT_FALSE(Host::isSecureRequest()) << on;
@@ -138,24 +138,24 @@ TEST(RequestChecksTest, overTLSTheOriginsSchemeIsHTTPS) {
     EXPECT_FALSE(isAcceptedPost({}, "https://localhost", "localhost:80"));
 }
 
-TEST(RequestChecksTest, bothHeadersMustAgree) {
+TEST(RequestChecksTest, rejectsPostIfEitherHeaderIsForeign) {
     EXPECT_TRUE(isAcceptedPost("same-origin", "http://localhost:8080"));
     EXPECT_FALSE(isAcceptedPost("same-origin", "http://evil"));
     EXPECT_FALSE(isAcceptedPost("cross-site", "http://localhost:8080"));
 }
 
-TEST(RequestChecksTest, aClientThatIsNoBrowserSendsNeither) {
+TEST(RequestChecksTest, acceptsPostWithoutEitherHeader) {
     EXPECT_TRUE(isAcceptedPost(std::nullopt, std::nullopt));
     EXPECT_TRUE(isAcceptedPost("", ""));
     EXPECT_TRUE(isAcceptedPost(std::nullopt, std::nullopt, std::nullopt));
 }
 
-TEST(RequestChecksTest, anOriginWithoutAHostToCompareIsRefused) {
+TEST(RequestChecksTest, rejectsOriginWithoutHost) {
     EXPECT_FALSE(isAcceptedPost({}, "http://localhost:8080", std::nullopt));
     EXPECT_FALSE(isAcceptedPost({}, "http://", std::nullopt));
 }
 
-TEST(RequestChecksTest, onlyAPostIsAPost) {
+TEST(RequestChecksTest, recognizesPost) {
     const ScopedEnvironment post("REQUEST_METHOD", "POST");
     EXPECT_TRUE(Host::isPost());
     const ScopedEnvironment get("REQUEST_METHOD", "GET");
@@ -166,14 +166,14 @@ TEST(RequestChecksTest, onlyAPostIsAPost) {
 
 class HostTest : public BoardTest {};
 
-TEST_F(HostTest, everyBoardHasTheNamesOfItsOwnMachine) {
+TEST_F(HostTest, acceptsLoopbackNames) {
     for (const char* host : {"127.0.0.1", "localhost", "[::1]", "127.0.0.1:8080", "LOCALHOST:1",
                              "[::1]:65535", "[0:0::1]:80"}) {
         EXPECT_EQ(ask("", host), RequestVerdict::ACCEPTED) << host;
     }
 }
 
-TEST_F(HostTest, aBoardHasTheNamesThatItWasGiven) {
+TEST_F(HostTest, acceptsOnlyConfiguredNames) {
     const std::string properties =
         "max_partitions=8\nhost=board.example\nhost=10.0.0.5\nhost=[fe80::1]\n";
     for (const char* host :
@@ -207,14 +207,14 @@ TEST_F(HostTest, aBoardHasTheNamesThatItWasGiven) {
     EXPECT_EQ(ask(properties, std::string(300, 'a')), RequestVerdict::MISDIRECTED);
 }
 
-TEST_F(HostTest, onlyAClientThatIsNoBrowserMayLeaveTheNameOut) {
+TEST_F(HostTest, requiresHostOfBrowsers) {
     EXPECT_EQ(ask("", std::nullopt), RequestVerdict::ACCEPTED);
     EXPECT_EQ(ask("", ""), RequestVerdict::ACCEPTED);
     EXPECT_EQ(ask("", std::nullopt, "http://evil"), RequestVerdict::MISDIRECTED);
     EXPECT_EQ(check("GET", "cross-site", {}, std::nullopt), RequestVerdict::MISDIRECTED);
 }
 
-TEST_F(HostTest, namesThatCannotBeReadAreAnErrorAndNotNone) {
+TEST_F(HostTest, failsIfNamesCannotBeRead) {
     ASSERT_EQ(::mkdir(boardFile("/var/run/board_properties").c_str(), 0700), 0);
     const ChildResult result = runInChild([] {
         try {

@@ -8,7 +8,7 @@ namespace VeskLib::Test {
 
 namespace {
 
-// The language is found once per process, so every request is a process of its own.
+// Runs in a child process, because a process determines its language once.
 std::string languageOf(const Environment& environment) {
     const ChildResult result = runInChild([] { return Host::requestLanguage(); },
                                           {.environment = environment, .input = {}});
@@ -22,12 +22,12 @@ std::string acceptedLanguage(const std::string& header) {
 
 }  // namespace
 
-TEST(RequestLanguageTest, withoutAnyWishItIsEnglish) {
+TEST(RequestLanguageTest, defaultsToEnglish) {
     EXPECT_EQ(languageOf({}), "en");
     EXPECT_EQ(acceptedLanguage(""), "en");
 }
 
-TEST(RequestLanguageTest, theFirstLanguageThatTheBoardHasIsTaken) {
+TEST(RequestLanguageTest, picksFirstAvailableLanguage) {
     const std::map<std::string, std::string> table = {
         {"ja", "ja"},
         {"en", "en"},
@@ -55,14 +55,14 @@ TEST(RequestLanguageTest, theFirstLanguageThatTheBoardHasIsTaken) {
     }
 }
 
-TEST(RequestLanguageTest, everyLanguageOfTheBoardCanBeChosen) {
+TEST(RequestLanguageTest, picksEachLanguageOfTheBoard) {
     for (const auto& [tag, name] : Host::languages()) {
         EXPECT_EQ(acceptedLanguage(tag), tag);
         EXPECT_EQ(languageOf({{"HTTP_COOKIE", std::string("language=") + tag}}), tag);
     }
 }
 
-TEST(RequestLanguageTest, aVeryLongWishIsReadToItsEnd) {
+TEST(RequestLanguageTest, readsLongHeaderToEnd) {
     std::string header;
     for (int i = 0; i < 10000; ++i) {
         header += "xx,";
@@ -70,13 +70,13 @@ TEST(RequestLanguageTest, aVeryLongWishIsReadToItsEnd) {
     EXPECT_EQ(acceptedLanguage(header + "ja"), "ja");
 }
 
-TEST(RequestLanguageTest, theOperatorsChoiceWinsOverTheBrowsers) {
+TEST(RequestLanguageTest, prefersOperatorChoiceOverBrowser) {
     EXPECT_EQ(languageOf({{"HTTP_COOKIE", "language=ja"}, {"HTTP_ACCEPT_LANGUAGE", "en"}}), "ja");
     EXPECT_EQ(languageOf({{"HTTP_COOKIE", "a=b; language=en"}, {"HTTP_ACCEPT_LANGUAGE", "ja"}}),
               "en");
 }
 
-TEST(RequestLanguageTest, aChoiceThatTheBoardDoesNotHaveIsPassedOver) {
+TEST(RequestLanguageTest, ignoresUnknownLanguage) {
     for (const char* choice : {"xx", "", "jaa", "../../x", "1", "%s"}) {
         SCOPED_TRACE(choice);
         const std::string cookie = std::string("language=") + choice;
@@ -85,7 +85,7 @@ TEST(RequestLanguageTest, aChoiceThatTheBoardDoesNotHaveIsPassedOver) {
     }
 }
 
-TEST(RequestLanguageTest, anUnknownNumberIsEnglish) {
+TEST(RequestLanguageTest, tagsUnknownNumberAsEnglish) {
     EXPECT_STREQ(Host::languageTag(Host::ENGLISH), "en");
     EXPECT_STREQ(Host::languageTag(1), "ja");
     EXPECT_STREQ(Host::languageTag(-1), "en");

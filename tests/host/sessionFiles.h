@@ -7,18 +7,18 @@
 
 namespace VeskLib::Test {
 
-// The files that a session has.
+// Return the paths of a session's files.
 std::string sessionFile(const std::string& identifier);
 std::string backupFile(const std::string& identifier);
 std::string stagingFile(const std::string& identifier);
 
-// Sets a file's time to `seconds` ago; a link's own time when it is one.
+// Sets a file's times to `seconds` ago. Does not follow a symbolic link.
 void setAge(const std::string& path, std::time_t seconds);
 
-// Replaces what a session's file says of `field`.
+// Replaces the value of `field` in a session's file.
 void setField(const Host::Session& session, const std::string& field, const std::string& value);
 
-// Whether a request with this cookie value is let in.
+// Returns true if a request with this cookie value is let in.
 bool isLetIn(const std::string& cookieValue);
 
 }  // namespace VeskLib::Test

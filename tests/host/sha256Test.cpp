@@ -6,7 +6,7 @@ namespace VeskLib::Test {
 
 using namespace Host;
 
-TEST(SHA256, hasTheSumsOfTheStandard) {
+TEST(SHA256, matchesStandardVectors) {
     EXPECT_EQ(sha256Hex(""), "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855");
     EXPECT_EQ(sha256Hex("abc"), "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
     EXPECT_EQ(sha256Hex("abcdbcdecdefdefgefghfghighijhijkijkljklmklmnlmnomnopnopq"),
@@ -15,7 +15,7 @@ TEST(SHA256, hasTheSumsOfTheStandard) {
               "cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0");
 }
 
-TEST(SHA256, doesNotDependOnThePieces) {
+TEST(SHA256, doesNotDependOnPieces) {
     for (std::size_t size = 0; size < 200; ++size) {
         const std::string text(size, 'x');
         SHA256 sum;

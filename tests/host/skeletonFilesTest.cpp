@@ -14,7 +14,7 @@
 #include <memory>
 #include <string>
 
-// The skeletons as they are shipped.
+// Tests of the skeletons as they are shipped.
 
 namespace VeskLib::Test {
 
@@ -26,7 +26,7 @@ namespace {
 const std::string PROGRAM = PROGRAM_SKELETONS;
 const std::string PLATFORM = PLATFORM_SKELETONS;
 
-// How often each component is placed.
+// The number of places of each component, by name.
 using Places = std::map<std::string, int>;
 
 Places placesIn(const std::string& path) {
@@ -49,7 +49,7 @@ void expectPlaces(const std::string& path, const Places& expected) {
     }
 }
 
-// What is printed outside of scripts.
+// Returns the printed page without its scripts.
 std::string withoutScripts(std::string printed) {
     for (const std::string& script : scriptsOf(printed)) {
         printed.erase(printed.find(script), script.size());
@@ -57,7 +57,7 @@ std::string withoutScripts(std::string printed) {
     return printed;
 }
 
-// The skeleton as printed with these texts, each ready to print.
+// Prints a skeleton with these texts as components, which are not escaped, and returns the output.
 std::string printFile(const std::string& path, const std::map<std::string, std::string>& texts) {
     const ChildResult result = runInChild([&] {
         std::map<std::string, std::unique_ptr<TextString>> owned;
@@ -80,12 +80,12 @@ std::string printBackupPage(const std::string& filepath) {
 
 }  // namespace
 
-TEST(SkeletonFilesTest, shellPlacesWhatTheDispatcherPutsIn) {
+TEST(SkeletonFilesTest, shellPlacesDispatcherComponents) {
     expectPlaces(PLATFORM + "/skeleton_shell.txt",
                  {{"body", 1}, {"css", 1}, {"java_script", 1}, {"meta_frameid", 1}, {"title", 1}});
 }
 
-// The components of the combined page are among them, which shares the skeleton.
+// Includes the components of the combined page, which shares the skeleton.
 TEST(SkeletonFilesTest, backupSkeletonPlacesEveryComponent) {
     expectPlaces(PROGRAM + "/skeleton_efi_backup.txt", {{"onload_function", 1},
                                                         {"form_action", 1},
@@ -152,7 +152,7 @@ TEST(SkeletonFilesTest, errorPagePlacesTitleAndMessage) {
     expectPlaces(PLATFORM + "/skeleton_error.txt", {{"title", 1}, {"message", 1}});
 }
 
-// What is left of a mark in whatever shape has a brace, and the markup has none of its own.
+// Any remainder of a mark contains a brace or a bar, and the markup itself contains neither.
 TEST(SkeletonFilesTest, unfilledSkeletonPrintsNoPartOfAMark) {
     for (const char* folder : {PROGRAM_SKELETONS, PLATFORM_SKELETONS, WEB_SKELETONS}) {
         for (const std::string& path : pathsIn(folder)) {
@@ -168,10 +168,10 @@ TEST(SkeletonFilesTest, unfilledSkeletonPrintsNoPartOfAMark) {
     }
 }
 
-TEST(SkeletonFilesTest, aHostileDownloadNameStaysInItsPlacesOnTheBackupPage) {
+TEST(SkeletonFilesTest, backupPageEscapesDownloadName) {
     const std::string link = "/common/download.cgi?functionID=5&filename=";
     const std::string harmless = printBackupPage(link + "partition0.dat");
-    // The first script is a file of its own.
+    // The first script element loads a file.
     ASSERT_EQ(scriptsOf(harmless).size(), 2u);
     for (const std::string& text : printableTexts()) {
         SCOPED_TRACE(text);

@@ -15,7 +15,7 @@ namespace VeskLib::Test {
 
 namespace {
 
-// Different everywhere, so that no two pieces can be taken for each other.
+// Returns a text without repetition, so that its pieces cannot be confused.
 std::string countUpTo(int last) {
     std::string text;
     for (int number = 0; number < last; ++number) {
@@ -44,8 +44,8 @@ protected:
     int ends[2] = {-1, -1};
 };
 
-// A signal makes the system return with what it has written until then.
-TEST_F(WriteWholeTest, interruptedPiecesAreTheWhole) {
+// A signal makes write() return after a part of the text.
+TEST_F(WriteWholeTest, writesWholeTextDespiteSignals) {
     struct sigaction interrupting = {};
     struct sigaction before = {};
     interrupting.sa_handler = ignoreSignal;
@@ -70,13 +70,13 @@ TEST_F(WriteWholeTest, interruptedPiecesAreTheWhole) {
     EXPECT_TRUE(received == first + second);
 }
 
-TEST_F(WriteWholeTest, whatIsNotTakenIsAFailure) {
+TEST_F(WriteWholeTest, failsOnPartialWrite) {
     ASSERT_EQ(::fcntl(ends[1], F_SETFL, O_NONBLOCK), 0);
     EXPECT_FALSE(Host::writeWhole(ends[1], countUpTo(10000), "the end"));
     EXPECT_EQ(errno, EAGAIN);
 }
 
-TEST_F(WriteWholeTest, nothingIsWrittenAtOnce) {
+TEST_F(WriteWholeTest, acceptsEmptyText) {
     EXPECT_TRUE(Host::writeWhole(-1, ""));
 }
 

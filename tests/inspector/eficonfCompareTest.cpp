@@ -13,23 +13,23 @@ namespace {
 
 class EficonfCompareTest : public InspectorTest {
 protected:
-    // The lines that tell how the files differ; the JSON must tell the same.
+    // Returns the differences that are printed. Expects the same ones in the JSON report.
     std::vector<std::string> differences(const Host::ConfigurationFile& first,
                                          const Host::ConfigurationFile& second) const {
         const std::vector<std::string> command = {"compare", write("first.dat", first),
                                                   write("second.dat", second)};
         const ChildResult result = runInspector(command);
         EXPECT_EQ(result.exitStatus, DIFFERENT) << result.errors;
-        std::vector<std::string> told;
+        std::vector<std::string> reported;
         const json report = runForJSON(command, DIFFERENT);
         for (const json& difference : report.at("differences")) {
             EXPECT_EQ(difference.size(), 3U);
-            told.push_back(difference.at("what").get<std::string>() + ": " +
-                           difference.at("first").get<std::string>() + " -> " +
-                           difference.at("second").get<std::string>());
+            reported.push_back(difference.at("what").get<std::string>() + ": " +
+                               difference.at("first").get<std::string>() + " -> " +
+                               difference.at("second").get<std::string>());
         }
-        EXPECT_EQ(linesOf(result.output), told);
-        return told;
+        EXPECT_EQ(linesOf(result.output), reported);
+        return reported;
     }
 
     std::vector<std::string> payloadDifferences(const std::string& first,
@@ -40,12 +40,12 @@ protected:
 
 }  // namespace
 
-TEST_F(EficonfCompareTest, filesThatHoldTheSameAreTheSame) {
+TEST_F(EficonfCompareTest, reportsEqualFiles) {
     const std::string first = write("a.dat", makeSample("Boot mode=UEFI\n"));
     const std::string second = write("b.dat", makeSample("Boot mode=UEFI\n"));
     const ChildResult result = runInspector({"compare", first, second});
     EXPECT_EQ(result.exitStatus, SAME);
-    EXPECT_EQ(result.output, "The files hold the same.\n");
+    EXPECT_EQ(result.output, "The files have the same content.\n");
     const json report = runForJSON({"compare", first, second}, SAME);
     EXPECT_EQ(report.size(), 3U);
     EXPECT_EQ(report.at("differences"), json::array());
@@ -54,7 +54,7 @@ TEST_F(EficonfCompareTest, filesThatHoldTheSameAreTheSame) {
     EXPECT_EQ(runInspector({"compare", first, first}).exitStatus, SAME);
 }
 
-TEST_F(EficonfCompareTest, everyFieldOfTheHeaderIsCompared) {
+TEST_F(EficonfCompareTest, comparesEveryHeaderField) {
     const Host::ConfigurationFile sample = makeSample("abc");
     Host::ConfigurationFile other = sample;
     other.saveTime += 1;
@@ -71,7 +71,7 @@ TEST_F(EficonfCompareTest, everyFieldOfTheHeaderIsCompared) {
     EXPECT_THAT(differences(sample, other), ElementsAre("BIOS version: 1.23 B -> 1.24 B"));
 }
 
-TEST_F(EficonfCompareTest, everyDifferenceIsToldInOrder) {
+TEST_F(EficonfCompareTest, listsDifferencesInOrder) {
     Host::ConfigurationFile other = makeSample("b=2\n");
     other.saveTime = 0;
     other.partition = 0;
@@ -84,7 +84,7 @@ TEST_F(EficonfCompareTest, everyDifferenceIsToldInOrder) {
                     "payload size: 9 -> 4", "setting a: 1 -> (none)", "setting b: 10 -> 2"));
 }
 
-TEST_F(EficonfCompareTest, settingsAreComparedOneByOne) {
+TEST_F(EficonfCompareTest, comparesSettingsByName) {
     EXPECT_THAT(payloadDifferences("Boot mode=UEFI\nBoot timeout=5\nSecure boot=\n",
                                    "Secure boot=\nBoot mode=UEFI\nBoot timeout=7\n"),
                 ElementsAre("setting Boot timeout: 5 -> 7"));
@@ -96,14 +96,14 @@ TEST_F(EficonfCompareTest, settingsAreComparedOneByOne) {
     EXPECT_THAT(payloadDifferences("A=1\na=1\n", "A=1\na=2\n"), ElementsAre("setting a: 1 -> 2"));
 }
 
-TEST_F(EficonfCompareTest, settingsThatDifferInTheirOrderAloneAreTold) {
+TEST_F(EficonfCompareTest, reportsReorderedSettings) {
     EXPECT_THAT(payloadDifferences("a=1\nb=2\n", "b=2\na=1\n"),
                 ElementsAre("payload byte 0: 97 -> 98"));
     EXPECT_THAT(payloadDifferences("a=1\na=2\n", "a=1\na=3\n"),
                 ElementsAre("payload byte 6: 50 -> 51"));
 }
 
-TEST_F(EficonfCompareTest, otherPayloadsDifferFromAByteOn) {
+TEST_F(EficonfCompareTest, reportsFirstDifferingByte) {
     EXPECT_THAT(payloadDifferences("abc", "abd"), ElementsAre("payload byte 2: 99 -> 100"));
     EXPECT_THAT(payloadDifferences("abc", "ab"),
                 ElementsAre("payload size: 3 -> 2", "payload byte 2: 99 -> (none)"));
@@ -113,8 +113,8 @@ TEST_F(EficonfCompareTest, otherPayloadsDifferFromAByteOn) {
                 ElementsAre("payload byte 0: 255 -> 0"));
 }
 
-TEST_F(EficonfCompareTest, showsTheFirstByteWhereNoSettingDiffers) {
-    // No end of the last line; a line without "="; control characters.
+TEST_F(EficonfCompareTest, showsFirstByteIfNoSettingDiffers) {
+    // An unterminated last line, a line without "=", control characters.
     EXPECT_THAT(payloadDifferences("a=1\nb=2", "a=1\nb=3"),
                 ElementsAre("payload byte 6: 50 -> 51"));
     EXPECT_THAT(payloadDifferences("a=1\nb:2\n", "a=1\nb:3\n"),
@@ -124,7 +124,7 @@ TEST_F(EficonfCompareTest, showsTheFirstByteWhereNoSettingDiffers) {
                 ElementsAre("payload byte 2: 49 -> 50"));
 }
 
-TEST_F(EficonfCompareTest, showsSettingsByNameWhereOtherBytesDifferToo) {
+TEST_F(EficonfCompareTest, showsSettingsByNameIfOtherBytesDiffer) {
     EXPECT_THAT(payloadDifferences("a=1\n\x01\x02", "a=2\n\x01\x03"),
                 ElementsAre("setting a: 1 -> 2", "byte 1 outside the settings: 2 -> 3"));
     EXPECT_THAT(payloadDifferences("\x01\na=1\nb=2\n", "\x01\na=1\nb=3\n"),
@@ -136,7 +136,7 @@ TEST_F(EficonfCompareTest, showsSettingsByNameWhereOtherBytesDifferToo) {
                 ElementsAre("setting a: 1 -> (none)", "byte 0 outside the settings: (none) -> 97"));
 }
 
-TEST_F(EficonfCompareTest, ignoresTheTimeOnlyWhenAskedTo) {
+TEST_F(EficonfCompareTest, ignoresTimeOnlyOnRequest) {
     const std::string first = write("a.dat", makeSample("a=1\n"));
     Host::ConfigurationFile later = makeSample("a=1\n");
     later.saveTime += 86400;
@@ -145,7 +145,7 @@ TEST_F(EficonfCompareTest, ignoresTheTimeOnlyWhenAskedTo) {
     const std::vector<std::string> command = {"compare", "--ignore-time", first, second};
     const ChildResult result = runInspector(command);
     EXPECT_EQ(result.exitStatus, SAME);
-    EXPECT_EQ(result.output, "The files hold the same, apart from the time.\n");
+    EXPECT_EQ(result.output, "The files have the same content, but different save times.\n");
     EXPECT_EQ(runForJSON(command, SAME).at("differences"), json::array());
     later.partition = 4;
     const ChildResult other =
@@ -153,12 +153,12 @@ TEST_F(EficonfCompareTest, ignoresTheTimeOnlyWhenAskedTo) {
     EXPECT_EQ(other.exitStatus, DIFFERENT);
     EXPECT_EQ(other.output, "partition: 3 -> 4\n");
     EXPECT_EQ(runInspector({"compare", "--ignore-time", first, first}).output,
-              "The files hold the same.\n");
+              "The files have the same content.\n");
     EXPECT_EQ(runInspector({"compare", "--ignore-time", first, at("missing")}).exitStatus,
               NOT_USABLE);
 }
 
-TEST_F(EficonfCompareTest, aFileThatIsNotUsableIsShownAndNotCompared) {
+TEST_F(EficonfCompareTest, showsUnusableFilesInsteadOfComparing) {
     const std::string sound = write("a.dat", makeSample("abc"));
     const std::string other = write("other", "abc");
     const std::string missing = at("missing");
@@ -178,7 +178,7 @@ TEST_F(EficonfCompareTest, aFileThatIsNotUsableIsShownAndNotCompared) {
     }
 }
 
-TEST_F(EficonfCompareTest, controlCharactersDoNotReachTheTerminal) {
+TEST_F(EficonfCompareTest, printsNoControlCharacters) {
     Host::ConfigurationFile first = makeSample("a=1\n");
     Host::ConfigurationFile second = makeSample("a=2\n");
     first.version = "1\xC2\x9B";
@@ -193,7 +193,7 @@ TEST_F(EficonfCompareTest, controlCharactersDoNotReachTheTerminal) {
     EXPECT_EQ(report.at("differences").at(1).at("first"), "1\xC2\x9B");
 }
 
-TEST_F(EficonfCompareTest, textsThatAreNotUTF8AreToldAsWell) {
+TEST_F(EficonfCompareTest, reportsTextsThatAreNotUTF8) {
     Host::ConfigurationFile other = makeSample("abc");
     other.partitionName = "Al\xFFpha";
     const std::vector<std::string> command = {"compare", write("a.dat", makeSample("abc")),
@@ -202,7 +202,7 @@ TEST_F(EficonfCompareTest, textsThatAreNotUTF8AreToldAsWell) {
               "Al\xEF\xBF\xBDpha");
 }
 
-TEST_F(EficonfCompareTest, theVerdictDoesNotDependOnTheOrderOfTheFiles) {
+TEST_F(EficonfCompareTest, comparesInEitherOrder) {
     EXPECT_THAT(payloadDifferences("abd", "abc"), ElementsAre("payload byte 2: 100 -> 99"));
     EXPECT_THAT(payloadDifferences("a=1\n", ""),
                 ElementsAre("payload size: 4 -> 0", "setting a: 1 -> (none)"));

@@ -21,7 +21,7 @@ using testing::Not;
 
 namespace {
 
-// The sums of "abc" and of nothing, as FIPS 180-4 and every book on it have them.
+// The well-known SHA-256 sums (FIPS 180-4) of "abc" and of the empty string.
 const std::string SUM_OF_ABC = "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad";
 const std::string SUM_OF_NOTHING =
     "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855";
@@ -30,7 +30,8 @@ const char* const NOT_A_FILE_OF_OURS = "not a configuration file, or damaged";
 
 class EficonfShowTest : public InspectorTest {
 protected:
-    // The verdict on a file that is not usable, the same in both kinds of output.
+    // Returns the verdict on a file that is not usable. Expects the same verdict in both output
+    // formats.
     static std::string verdictOn(const std::string& path) {
         const ChildResult text = runInspector({"show", path});
         EXPECT_EQ(text.exitStatus, NOT_USABLE) << text.errors;
@@ -48,7 +49,7 @@ protected:
 
 }  // namespace
 
-TEST_F(EficonfShowTest, aUsableFileIsShown) {
+TEST_F(EficonfShowTest, showsUsableFile) {
     const std::string path = write("a.dat", makeSample("abc"));
     const ChildResult result = runInspector({"show", path});
     EXPECT_EQ(result.exitStatus, SAME);
@@ -62,7 +63,7 @@ TEST_F(EficonfShowTest, aUsableFileIsShown) {
                             "Settings: none; the payload is opaque, not name=value lines"));
 }
 
-TEST_F(EficonfShowTest, aUsableFileIsShownAsJSON) {
+TEST_F(EficonfShowTest, showsUsableFileAsJSON) {
     const std::string path = write("a.dat", makeSample("abc"));
     json report = runForJSON({"show", path}, SAME);
     const std::string sum = report.at("sha256");
@@ -102,7 +103,7 @@ TEST_F(EficonfShowTest, listsTheSettingsOfThePayload) {
 
 TEST_F(EficonfShowTest, listsSettingsAmongOtherBytes) {
     // A line without a name, one without "=", one with a control character, one that is not UTF-8,
-    // and a last line without an end.
+    // and an unterminated last line.
     const std::string path =
         write("a.dat", makeSample("=1\na=1\nb\nc=\t\nd=\xFF\n\nname=\xE5\x80\xA4\ne=1"));
     EXPECT_THAT(runInspector({"show", path}).output, EndsWith("\nSettings: 2\n"
@@ -140,11 +141,11 @@ TEST_F(EficonfShowTest, saysWhyAFileIsNotUsable) {
         return reason;
     };
     EXPECT_EQ(reasonOf(""), "the file is empty");
-    EXPECT_EQ(reasonOf("abc"), "it does not begin as a configuration file does");
-    EXPECT_EQ(reasonOf(std::string(100, 'x')), "it does not begin as a configuration file does");
+    EXPECT_EQ(reasonOf("abc"), "it does not begin like a configuration file");
+    EXPECT_EQ(reasonOf(std::string(100, 'x')), "it does not begin like a configuration file");
     EXPECT_EQ(reasonOf(sound.substr(0, 27)), "it ends within its header");
     EXPECT_EQ(reasonOf(sound.substr(0, sound.size() - 1)),
-              "it is cut off: by its header it has 1 byte more");
+              "it is cut off: by its header, it has 1 byte more");
     EXPECT_EQ(reasonOf(sound + "xy"), "2 bytes follow its end");
     std::string changed = sound;
     changed[30] = 'x';
@@ -154,14 +155,14 @@ TEST_F(EficonfShowTest, saysWhyAFileIsNotUsable) {
     EXPECT_EQ(reasonOf(changed), "its layout is of revision 2, not 1");
 }
 
-TEST_F(EficonfShowTest, theOptionMayStandInFrontOfTheFile) {
+TEST_F(EficonfShowTest, acceptsOptionBeforeFile) {
     const std::string path = write("a.dat", makeSample("abc"));
     const ChildResult result = runInspector({"show", "--json", path});
     EXPECT_EQ(result.exitStatus, SAME);
     EXPECT_EQ(json::parse(result.output), runForJSON({"show", path}, SAME));
 }
 
-TEST_F(EficonfShowTest, aFileMayHoldNextToNothing) {
+TEST_F(EficonfShowTest, showsMinimalFile) {
     const Host::ConfigurationFile empty;
     const json report = runForJSON({"show", write("a.dat", empty)}, SAME);
     EXPECT_EQ(report.at("size"), 32);
@@ -173,7 +174,7 @@ TEST_F(EficonfShowTest, aFileMayHoldNextToNothing) {
     EXPECT_EQ(report.at("payloadSha256"), SUM_OF_NOTHING);
 }
 
-TEST_F(EficonfShowTest, numbersAreShownToTheirLargest) {
+TEST_F(EficonfShowTest, showsLargestNumbers) {
     Host::ConfigurationFile file = makeSample("");
     file.saveTime = 0xFFFFFFFF;
     file.partition = 0xFFFFFFFF;
@@ -182,7 +183,7 @@ TEST_F(EficonfShowTest, numbersAreShownToTheirLargest) {
     EXPECT_EQ(report.at("partition"), 4294967295U);
 }
 
-TEST_F(EficonfShowTest, sumsAreThoseThatEverybodyComputes) {
+TEST_F(EficonfShowTest, showsStandardHashes) {
     EXPECT_EQ(runForJSON({"show", write("abc", "abc")}, NOT_USABLE).at("sha256"), SUM_OF_ABC);
     const json empty = runForJSON({"show", write("empty", "")}, NOT_USABLE);
     EXPECT_EQ(empty.at("sha256"), SUM_OF_NOTHING);
@@ -192,7 +193,7 @@ TEST_F(EficonfShowTest, sumsAreThoseThatEverybodyComputes) {
         "cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0");
 }
 
-TEST_F(EficonfShowTest, aFileThatIsNoneOfOursIsCalledSo) {
+TEST_F(EficonfShowTest, reportsForeignFile) {
     for (const std::string& bytes :
          {std::string(), std::string("abc"), std::string(1000, '\0'), std::string(1000, 'x')}) {
         EXPECT_EQ(verdictOn(write("other", bytes)), NOT_A_FILE_OF_OURS);
@@ -201,11 +202,11 @@ TEST_F(EficonfShowTest, aFileThatIsNoneOfOursIsCalledSo) {
     EXPECT_THAT(linesOf(result.output),
                 ElementsAre("File: " + at("abc"),
                             std::string("Verdict: ") + NOT_A_FILE_OF_OURS +
-                                " (it does not begin as a configuration file does)",
+                                " (it does not begin like a configuration file)",
                             "Size: 3 bytes", "SHA-256: " + SUM_OF_ABC));
 }
 
-TEST_F(EficonfShowTest, aFileThatIsDamagedAnywhereIsCalledSo) {
+TEST_F(EficonfShowTest, detectsDamageAnywhere) {
     const std::string sound = readText(write("a.dat", makeSample("abc")));
     for (std::size_t place = 0; place < sound.size(); ++place) {
         std::string damaged = sound;
@@ -222,7 +223,7 @@ TEST_F(EficonfShowTest, aFileThatIsDamagedAnywhereIsCalledSo) {
     EXPECT_EQ(verdictOn(write("long.dat", sound + "x")), NOT_A_FILE_OF_OURS);
 }
 
-TEST_F(EficonfShowTest, aFileMayBeAsLargeAsTheLimit) {
+TEST_F(EficonfShowTest, acceptsFileUpToLimit) {
     Host::ConfigurationFile file = makeSample("");
     file.payload.resize(LARGEST_CONFIGURATION_FILE - encode(file).size(), 'p');
     const json report = runForJSON({"show", write("a.dat", file)}, SAME);
@@ -230,7 +231,7 @@ TEST_F(EficonfShowTest, aFileMayBeAsLargeAsTheLimit) {
     EXPECT_EQ(report.at("payloadSize"), file.payload.size());
 }
 
-TEST_F(EficonfShowTest, aLargerFileIsCalledTooLarge) {
+TEST_F(EficonfShowTest, reportsTooLargeFile) {
     const std::string path = write("a", std::string(LARGEST_CONFIGURATION_FILE + 1, 'x'));
     EXPECT_EQ(verdictOn(path), "too large");
     const json report = runForJSON({"show", path}, NOT_USABLE);
@@ -239,7 +240,7 @@ TEST_F(EficonfShowTest, aLargerFileIsCalledTooLarge) {
     EXPECT_EQ(report.at("reason"), "a configuration file has at most 393216 bytes");
 }
 
-TEST_F(EficonfShowTest, aFileThatIsFarTooLargeIsNotEvenRead) {
+TEST_F(EficonfShowTest, doesNotReadHugeFile) {
     const std::string path = write("a", "");
     std::filesystem::resize_file(path, 64 * 1024 * 1024 + 1);
     EXPECT_EQ(verdictOn(path), "too large");
@@ -249,7 +250,7 @@ TEST_F(EficonfShowTest, aFileThatIsFarTooLargeIsNotEvenRead) {
     EXPECT_EQ(report.at("reason"), "a configuration file has at most 393216 bytes");
 }
 
-TEST_F(EficonfShowTest, aFileThatCannotBeReadIsCalledSoWithTheReason) {
+TEST_F(EficonfShowTest, reportsWhyFileCannotBeRead) {
     EXPECT_EQ(verdictOn(at("missing")), "not readable");
     EXPECT_THAT(runInspector({"show", at("missing")}).output,
                 HasSubstr("not readable (No such file or directory)\n"));
@@ -269,7 +270,7 @@ TEST_F(EficonfShowTest, aFileThatCannotBeReadIsCalledSoWithTheReason) {
     EXPECT_FALSE(usable.contains("reason"));
 }
 
-TEST_F(EficonfShowTest, controlCharactersDoNotReachTheTerminal) {
+TEST_F(EficonfShowTest, printsNoControlCharacters) {
     Host::ConfigurationFile file = makeSample("");
     file.version = std::string("1\0\x1B[2J", 6);
     file.partitionName =
@@ -282,7 +283,7 @@ TEST_F(EficonfShowTest, controlCharactersDoNotReachTheTerminal) {
     EXPECT_THAT(runInspector({"show", at("no\x1B[2Jsuch")}).output, HasSubstr("no?[2Jsuch\n"));
 }
 
-TEST_F(EficonfShowTest, everyTextSurvivesJSON) {
+TEST_F(EficonfShowTest, keepsEveryTextInJSON) {
     for (const std::string& text : hostileTexts()) {
         Host::ConfigurationFile file = makeSample("");
         file.partitionName = text;
@@ -298,7 +299,7 @@ TEST_F(EficonfShowTest, everyTextSurvivesJSON) {
     }
 }
 
-TEST_F(EficonfShowTest, wrongUsageIsSaid) {
+TEST_F(EficonfShowTest, reportsWrongUsage) {
     const std::string path = write("a.dat", makeSample(""));
     for (const std::vector<std::string>& words :
          std::vector<std::vector<std::string>>{{},
@@ -321,7 +322,7 @@ TEST_F(EficonfShowTest, wrongUsageIsSaid) {
     }
 }
 
-TEST_F(EficonfShowTest, helpTellsTheExitStatuses) {
+TEST_F(EficonfShowTest, helpListsExitStatuses) {
     const ChildResult result = runInspector({"--help"});
     EXPECT_EQ(result.exitStatus, SAME);
     EXPECT_THAT(result.output, HasSubstr("show"));
@@ -336,7 +337,7 @@ TEST_F(EficonfShowTest, helpTellsTheExitStatuses) {
     EXPECT_THAT(runInspector({"compare", "--help"}).output, HasSubstr("--ignore-time"));
 }
 
-TEST_F(EficonfShowTest, reportsAnAnswerThatIsLost) {
+TEST_F(EficonfShowTest, reportsFailureToPrint) {
     const std::string path = write("a.dat", makeSample("x"));
     for (const std::string& words :
          {"show " + path, "show --json " + path, "compare " + path + " " + path,
@@ -353,7 +354,7 @@ TEST_F(EficonfShowTest, reportsAnAnswerThatIsLost) {
     }
 }
 
-TEST_F(EficonfShowTest, reportsAReaderThatHasGone) {
+TEST_F(EficonfShowTest, reportsClosedPipe) {
     const std::string path = write("a.dat", makeSample("x"));
     // The pipe's only reader closes before eficonf is started.
     const std::string script = "mkfifo " + at("pipe") + "; exec 3<>" + at("pipe") + " 4>" +

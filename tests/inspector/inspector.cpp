@@ -28,7 +28,7 @@ nlohmann::json runForJSON(std::vector<std::string> words, int expectedStatus) {
 InspectorTest::InspectorTest()
     : folder((std::filesystem::temp_directory_path() / "inspector-XXXXXX").string()) {
     if (::mkdtemp(folder.data()) == nullptr) {
-        throw std::runtime_error("no folder for the inspector's files");
+        throw std::runtime_error("cannot create a folder for the inspector's files");
     }
 }
 

@@ -12,26 +12,26 @@
 
 namespace VeskLib::Test {
 
-// The exit statuses of eficonf.
+// Exit statuses of eficonf.
 enum InspectorStatus { SAME = 0, DIFFERENT = 1, NOT_USABLE = 2, USAGE = 3, NOT_PRINTED = 4 };
 
-// Runs eficonf in the time zone of Japan, 9 hours before UTC. It must have written to one of its
-// outputs only.
+// Runs eficonf in the time zone of Japan, UTC+9. Fails the test if it writes to both standard
+// output and standard error.
 ChildResult runInspector(std::vector<std::string> words);
 
-// Runs it with "--json" and reads what it prints.
+// Runs eficonf with "--json" and parses its output. Expects the exit status `expectedStatus`.
 nlohmann::json runForJSON(std::vector<std::string> words, int expectedStatus);
 
-// A test with a folder of its own.
+// A fixture with a temporary folder, which the destructor removes.
 class InspectorTest : public testing::Test {
 protected:
     InspectorTest();
     ~InspectorTest() override;
 
-    // The path of `name` in the folder.
+    // Returns the path of `name` in the folder.
     std::string at(const std::string& name) const { return folder + "/" + name; }
 
-    // Writes a file into the folder and gives its path.
+    // Writes a file into the folder and returns its path.
     std::string write(const std::string& name, std::string_view bytes) const;
     std::string write(const std::string& name, const Host::ConfigurationFile& file) const;
 
@@ -39,7 +39,7 @@ private:
     std::string folder;
 };
 
-// Partition 3, saved on 2026-03-07T12:00:00Z, of BIOS version "1.23 B", with the payload.
+// Returns a configuration of partition 3 with BIOS version "1.23 B", saved on 2026-03-07T12:00:00Z.
 Host::ConfigurationFile makeSample(std::string_view payload);
 
 }  // namespace VeskLib::Test

@@ -1,4 +1,4 @@
-// The program as it is built for a board, run as a web server runs it, prints the same bytes on
+// Tests that the program, built for a board and run as a CGI program, prints the same bytes on
 // every processor.
 
 #include "platform/host/session/Session.h"
@@ -31,7 +31,7 @@ class BackupPageTest : public BoardTest {
 protected:
     BackupPageTest() { writeText(boardFile("/var/run/board_properties"), "max_partitions=4\n"); }
 
-    // What the program answers to a logged-in operator of this language.
+    // Returns the response to a logged-in operator with this language, without times and nonces.
     static std::string answer(const std::string& language) {
         const Host::Session session = startSession("admin", true, "");
         const FakeBackend backend(Host::ReplyFrame{0, fourPartitions()});
@@ -46,7 +46,7 @@ protected:
         return withoutTimes(withoutNonce(result.output));
     }
 
-    // The page with zeros in place of how long the session lives.
+    // Returns `page` with zeros in place of the digits of the session's remaining time.
     static std::string withoutTimes(const std::string& page) {
         const std::regex start("<p id=\"session\"[^\n]*");
         std::smatch line;
@@ -58,7 +58,7 @@ protected:
                line.suffix().str();
     }
 
-    // The page with zeros in place of the random mark of its scripts.
+    // Returns `page` with zeros in place of the nonce of its scripts.
     static std::string withoutNonce(std::string page) {
         const std::string introduction = "'nonce-";
         const std::size_t length = 32;
@@ -77,11 +77,11 @@ protected:
 
 }  // namespace
 
-TEST_F(BackupPageTest, englishPageHasItsBytes) {
+TEST_F(BackupPageTest, englishPageMatchesExpectedBytes) {
     expectBytes(answer("en"), "backup_page_en.txt");
 }
 
-TEST_F(BackupPageTest, japanesePageHasItsBytes) {
+TEST_F(BackupPageTest, japanesePageMatchesExpectedBytes) {
     expectBytes(answer("ja"), "backup_page_ja.txt");
 }
 

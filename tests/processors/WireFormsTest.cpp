@@ -1,5 +1,5 @@
-// Everything that travels between processes or is kept in a file has the same bytes on every
-// processor: one sample of each, with numbers whose bytes all differ.
+// Tests that everything sent between processes or stored in a file has the same bytes on every
+// processor. There is one sample of each kind, with numbers in which no two bytes are equal.
 
 #include "data/HardInstallInfoPacket.h"
 #include "data/PrimitiveTypeWrapper.h"
@@ -26,14 +26,14 @@ namespace {
 const std::uint32_t WORD = 0x81C2E3F4;
 const std::uint16_t HALF_WORD = 0x95A6;
 
-// Gathers lines of a name and the bytes that go with it.
+// Collects lines of the form "name: bytes".
 class WireForms {
 public:
     void add(const std::string& name, const Bytes& bytes) {
         text += name + ": " + toHexadecimal(bytes) + "\n";
     }
 
-    // A serializable object; it must read what it wrote and write the same again.
+    // Adds a serializable object, and expects it to survive a round trip unchanged.
     template <typename Object>
     void add(const std::string& name, const Object& object) {
         const Bytes bytes = serialize(object);
@@ -43,7 +43,7 @@ public:
         EXPECT_EQ(toHexadecimal(serialize(read)), toHexadecimal(bytes)) << name;
     }
 
-    // A frame, a login or a file, all of which have an encode() and a decode().
+    // Adds a frame, a login or a file, which have encode() and decode(), and expects the same.
     template <typename Coded>
     void addCoded(const std::string& name, const Coded& coded) {
         const Bytes bytes = encode(coded);
@@ -124,7 +124,7 @@ void addFramesAndFiles(WireForms& forms) {
 
 }  // namespace
 
-TEST(WireFormsTest, everyWireFormHasItsBytes) {
+TEST(WireFormsTest, everyWireFormMatchesExpectedBytes) {
     WireForms forms;
     addContainers(forms);
     addPackets(forms);

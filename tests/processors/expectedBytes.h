@@ -4,9 +4,9 @@
 
 namespace VeskLib::Test {
 
-// Holds `text` against the checked-in file `name`. When RENEW_EXPECTED is set in the environment,
-// `text` becomes the file's content instead: after a change of a skeleton, a text or a wire form
-// that is meant.
+// Expects `text` to equal the checked-in file `name`. If RENEW_EXPECTED is set in the environment,
+// writes `text` to the file first; use it after a deliberate change to a skeleton, a text or a wire
+// form.
 void expectBytes(const std::string& text, const std::string& name);
 
 }  // namespace VeskLib::Test

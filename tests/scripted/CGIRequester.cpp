@@ -10,7 +10,7 @@ using namespace VeskLib::Scripted;
 namespace VeskLib::Gui {
 
 struct CGIRequester::State {
-    // The script's reply; the error code is kept as a real channel keeps it.
+    // Returns the script's reply, and stores its error code as a real channel does.
     const Reply& ask(unsigned int request) {
         static const Reply NO_REPLY{NOT_SCRIPTED, nullptr};
         const auto found = script().replies.find(request);

@@ -29,8 +29,8 @@ void CheckBox::setClickHandler(const std::string& call) {
     clickHandler = call;
 }
 
-// "CheckBox(title, described by, form, display mode){box(name, value, label, hint, ticked,
-// disabled);}", followed by "click(call)" when a click is handled.
+// Prints "CheckBox(title, described by, form, display mode){box(name, value, label, hint, ticked,
+// disabled);}", followed by "click(call)" if there is a click handler.
 void CheckBox::printHTML() const {
     std::cout << describe("CheckBox", title, describedBy, form, *displayMode) << "{";
     for (const Box& box : boxes) {

@@ -24,7 +24,7 @@ void HTMLCodeGenerator::setSkeletonFile(const std::string& newSkeletonFile) {
     skeletonFile = newSkeletonFile;
 }
 
-// "[skeleton|name=component|name=component]"
+// Prints "[skeleton|name=component|name=component]".
 void HTMLCodeGenerator::printHTML() const {
     record("printHTML " + skeletonFile);
     const auto error = script().skeletonErrors.find(skeletonFile);

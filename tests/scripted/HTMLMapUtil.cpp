@@ -17,7 +17,7 @@ void HTMLMapUtil::insertIntoMap(std::map<std::string, HTMLComponent*>& component
     if (place == nullptr) {
         record("insertIntoMap " + name);
     } else {
-        record("insertIntoMap " + name + ", which displaces");
+        record("insertIntoMap " + name + ", replacing");
         delete place;
     }
     place = component;

@@ -6,7 +6,7 @@ using namespace VeskLib::Scripted;
 
 namespace VeskLib::Gui {
 
-// Not among the counted objects: its destructor is the program's.
+// Not a counted object, because its destructor is the program's.
 HTMLPage::HTMLPage(int shell)
     : generator(new HTMLCodeGenerator("shell " + std::to_string(shell), &componentMap)) {
     record("new " + describe("HTMLPage", shell));

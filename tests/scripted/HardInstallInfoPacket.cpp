@@ -17,7 +17,7 @@ bool HardInstallInfoPacket::isHome(int kind, int number, int sub) const {
     return script().homeBoards.contains(number);
 }
 
-// The scripted channel fills packets without bytes.
+// The scripted channel fills packets directly, so serialization does nothing.
 unsigned int HardInstallInfoPacket::getSerialized(unsigned char* /*buffer*/,
                                                   unsigned int /*size*/) const {
     return 0;

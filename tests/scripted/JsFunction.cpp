@@ -27,7 +27,7 @@ void JsFunction::addAlertFunction(std::string text) {
     calls.push_back({true, std::move(text)});
 }
 
-// "JsFunction(name){call;alert(text);}"
+// Prints "JsFunction(name){call;alert(text);}".
 void JsFunction::printHTML() const {
     std::cout << describe("JsFunction", name) << "{";
     for (const Call& call : calls) {

@@ -7,7 +7,7 @@ using namespace VeskLib::Scripted;
 
 namespace VeskLib::Gui {
 
-// The arguments on a line: the authority's first field, the function number, the partition.
+// Records the authority's first field, the function number and the partition.
 int JudgeAuthority::preCheckDisplayMode(CGIRequester& /*requester*/) {
     record(describe("preCheckDisplayMode", authority->everyFunction, functionNumber, partition));
     return script().preCheckDisplayMode;

@@ -9,7 +9,7 @@ namespace VeskLib {
 
 LockedFile::LockedFile(const std::string& path) : descriptor(-1) {
     if (script().lockError) {
-        record("LockedFile cannot be had: " + path);
+        record("LockedFile cannot be locked: " + path);
         throw makeScriptedException(*script().lockError);
     }
     objectMade(this, describe("LockedFile", path));

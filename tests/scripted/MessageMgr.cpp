@@ -14,7 +14,7 @@ MessageMgr::~MessageMgr() {
     objectDeleted(this);
 }
 
-// "message 72/1047"; the program gives no further arguments.
+// Returns for instance "message 72/1047". The program passes no further arguments.
 std::string MessageMgr::getMessage(int message, int code, ...) const {
     std::string text = "message " + std::to_string(message) + "/" + std::to_string(code);
     record("getMessage " + text);

@@ -44,7 +44,7 @@ void PartitionInfoPacket::addPartition(const Partition& partition) {
     partitions.push_back(partition);
 }
 
-// The scripted channel fills packets without bytes.
+// The scripted channel fills packets directly, so serialization does nothing.
 unsigned int PartitionInfoPacket::getSerialized(unsigned char* /*buffer*/,
                                                 unsigned int /*size*/) const {
     return 0;

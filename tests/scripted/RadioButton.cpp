@@ -24,7 +24,7 @@ void RadioButton::add(const std::string& value, const std::string& label, bool c
     choices.push_back({value, label, chosen, disabled});
 }
 
-// "RadioButton(name, title, form, display mode){choice(value, label, chosen, disabled);}"
+// Prints "RadioButton(name, title, form, display mode){choice(value, label, chosen, disabled);}".
 void RadioButton::printHTML() const {
     std::cout << describe("RadioButton", name, title, form, *displayMode) << "{";
     for (const Choice& choice : choices) {

@@ -12,7 +12,7 @@ namespace {
 struct Records {
     std::vector<std::string> calls;
     std::map<const void*, std::string> living;
-    std::map<std::string, std::exception_ptr> exceptions;  // by the beginning of the line
+    std::map<std::string, std::exception_ptr> exceptions;  // by the line's prefix
     unsigned int wrongDeletions = 0;
 };
 
@@ -25,7 +25,7 @@ Records& records() {
 
 void record(const std::string& call) {
     records().calls.push_back(call);
-    // Any platform call may change errno; the program must have read it before.
+    // Any platform call may change errno, so the program must read it before making one.
     errno = ENOTSUP;
     for (const auto& [beginning, exception] : records().exceptions) {
         if (exception != nullptr && call.starts_with(beginning)) {

@@ -6,40 +6,40 @@
 
 namespace VeskLib::Scripted {
 
-// What the program asked of the platform: one readable line per call, in order, and the platform
-// objects that are alive. A line begins with the operation's name; the making and the deletion of
-// an object are lines too, such as "new HiddenField(name, value, form)".
+// Records the program's calls to the platform, in order, as one readable line each, and keeps track
+// of the platform objects that are alive. A line starts with the operation's name. Construction and
+// deletion of an object are lines too, for instance "new HiddenField(name, value, form)".
 
 void record(const std::string& call);
 
-// All lines since forgetRecords().
+// Returns all lines since the last forgetCalls() or forgetRecords().
 const std::vector<std::string>& recordedCalls();
 
-// The lines that begin with one of `beginnings`.
+// Returns the lines that start with one of `beginnings`.
 std::vector<std::string> recordedCalls(const std::vector<std::string>& beginnings);
 
-// Drops the lines; the objects stay known.
+// Discards the lines, but keeps track of the objects.
 void forgetCalls();
 
-// From now on the call whose line begins with `beginning` throws `exception`, which may be of any
-// type; the line is recorded before. Null takes that back. Not for deletions.
+// Makes every call with a line that starts with `beginning` throw `exception`, of any type, after
+// recording the line. Null undoes that. Must not be used for deletions.
 void throwAt(const std::string& beginning, const std::exception_ptr& exception);
 
-// Drops everything.
+// Discards lines, objects and exceptions.
 void forgetRecords();
 
-// To be called by the constructor and the destructor of every platform class. `description` is
-// the class with its constructor arguments.
+// Called by the constructor and the destructor of every platform class. `description` is the class
+// name with the constructor's arguments.
 void objectMade(const void* object, const std::string& description);
 void objectDeleted(const void* object);
 
-// The descriptions of the objects that were made and not deleted.
+// Returns the descriptions of the objects that are alive.
 std::vector<std::string> livingObjects();
 
-// How often a destructor ran for an object that was not alive.
+// Returns how often a destructor ran for an object that was not alive.
 unsigned int wrongDeletions();
 
-// The written forms that the lines use.
+// Return the text that represents `value` in a line.
 std::string toText(const std::string& value);
 std::string toText(const char* value);
 std::string toText(bool value);
@@ -48,7 +48,7 @@ std::string toText(unsigned int value);
 std::string toHexadecimal(unsigned int number);                      // 0x0201002F
 std::string toHexadecimal(const std::vector<unsigned char>& bytes);  // 00 02 41 42
 
-// "name(first, second)"
+// Returns "name(first, second)".
 template <typename First, typename... Others>
 std::string describe(const std::string& name, const First& first, const Others&... others) {
     return name + "(" + (toText(first) + ... + (", " + toText(others))) + ")";

@@ -15,51 +15,52 @@
 
 namespace VeskLib::Scripted {
 
-// Thrown where a real platform ends the process.
+// Thrown where a real platform would end the process.
 struct RequestEnded {
     std::string endedBy;
 };
 
-// The back-end's answer to a request: refused when the error code is not 0. `fill` puts the
-// answer of a getInfo() into the program's object.
+// The back-end's answer to a request: refused if the error code is not 0. `fill` writes the answer
+// to a getInfo() into the program's object.
 struct Reply {
     int errorCode = 0;
     std::function<void(VeskUi::SerializableObject&)> fill;
 };
 
-// The error code of a request for which the script holds no reply.
+// The error code of a request that has no reply in the script.
 inline constexpr int NOT_SCRIPTED = 9999;
 
-// What the platform answers. A test changes what matters to it. Where a detail code is optional,
-// setting it makes the operation throw PException with that code.
+// The platform's answers; a test changes those that matter to it. Each optional detail code, if
+// set, makes its operation throw PException with that code.
 struct Script {
-    // Gives the back-end's partition table, and as many partition numbers.
+    // Sets the back-end's partition table, and the number of partitions to its size.
     void setPartitions(const std::vector<VeskUi::PartitionInfoPacket::Partition>& partitions);
 
-    // Has the back-end know these BIOS versions, by system board, and which boards are installed.
+    // Set the back-end's BIOS versions, indexed by system board, and the numbers of its installed
+    // boards and of its home boards. They take effect when the program requests them.
     void setVersions(const std::vector<std::string>& versions);
     void setBoards(const std::set<int>& installed, const std::set<int>& home);
 
-    // What the request's cookie says; what it does not say stays as it is.
+    // The contents of the request's cookie. An unset value leaves the program's value unchanged.
     std::optional<std::string> sessionText = "the session";
     std::optional<int> messageSet;
 
-    // The session's user.
+    // The user's authority.
     Gui::CGIAuthority authority = {};
     int preCheckDisplayMode = 0;
     int displayMode = 2;
 
-    // The request's end.
-    std::optional<int> exitStatus;  // of exec(); individualProc()'s result when not set
-    bool sessionIsValid = true;     // guiCheckSession() throws RequestEnded when not
-    bool errorExitReturns = false;  // errorExit() throws RequestEnded when not
+    // How the request ends.
+    std::optional<int> exitStatus;  // of exec(); if unset, individualProc()'s result
+    bool sessionIsValid = true;     // if false, guiCheckSession() throws RequestEnded
+    bool errorExitReturns = false;  // if false, errorExit() throws RequestEnded
 
-    // The form. makePage() runs makeConfigPage() when it was posted, makeDispPage() when not.
+    // The form. makePage() calls makeConfigPage() if the form was posted, otherwise makeDispPage().
     bool posted = false;
     std::optional<unsigned short> formError;
     std::map<std::string, std::string> formFields;
 
-    // The uploaded file, and the detail with which getUploadFilePath() throws.
+    // The uploaded file, and the detail code that getUploadFilePath() throws.
     std::string uploadName;
     std::string uploadPath;
     unsigned int uploadSize = 0;
@@ -68,16 +69,17 @@ struct Script {
     std::string sessionId = "S1";
     std::map<unsigned int, Reply> replies;  // by request number
 
-    // getMaxPartitionNum()'s results, one per call; the last one stays.
+    // The results of getMaxPartitionNum(), one per call; the last one is repeated.
     std::vector<unsigned int> maxPartitionNumbers = {0};
     std::set<int> installedBoards;
     std::set<int> homeBoards;
 
-    // By name of the place, and by the skeleton's path: insertIntoMap() and printHTML() throw.
+    // Detail codes that insertIntoMap() throws, by component name, and that printHTML() throws, by
+    // skeleton path.
     std::map<std::string, unsigned short> insertErrors;
     std::map<std::string, unsigned short> skeletonErrors;
 
-    std::string pathPrefix = "/board";  // getCGIPath() puts it before a path
+    std::string pathPrefix = "/board";  // prepended by getCGIPath()
 
     std::optional<unsigned short> lockError;
     std::optional<unsigned short> openError;    // of EFIConfFile
@@ -87,9 +89,9 @@ struct Script {
     std::string fileVersion;
     std::string filePartitionName;
 
-    // The operating system's calls. An errno other than 0 makes the call fail. The others
-    // succeed without touching a file, unless `realFiles` is set. `descriptor` is what creat() then
-    // returns; no process here has so many open.
+    // System calls. A nonzero errno makes its call fail. Otherwise calls succeed without touching
+    // any file, and creat() returns `descriptor`, a number too large to be open in this process.
+    // With `realFiles`, they go to the operating system.
     int creatError = 0;
     int closeError = 0;
     int renameError = 0;
@@ -98,17 +100,17 @@ struct Script {
     int descriptor = 100000;
 };
 
-// The script of the test that runs.
+// Returns the script of the current test.
 Script& script();
 
-// Starts over: the script as declared above, nothing recorded, and the program's calls of the
-// operating system are recorded and scripted.
+// Resets the script to its defaults, discards all records, and starts to record and script the
+// program's system calls.
 void startScript();
 
-// From now on calls of the operating system go through unrecorded.
+// Lets system calls through to the operating system again, without recording them.
 void endScript();
 
-// The exception that a scripted failure with `detail` throws.
+// Returns the exception that a scripted failure with `detail` throws.
 PException makeScriptedException(unsigned short detail);
 
 }  // namespace VeskLib::Scripted

@@ -24,7 +24,7 @@ void VersionInfoPacket::addBIOSVersion(const std::string& version) {
     biosVersions.push_back(version);
 }
 
-// The scripted channel fills packets without bytes.
+// The scripted channel fills packets directly, so serialization does nothing.
 unsigned int VersionInfoPacket::getSerialized(unsigned char* /*buffer*/,
                                               unsigned int /*size*/) const {
     return 0;

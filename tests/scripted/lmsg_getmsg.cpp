@@ -11,7 +11,7 @@ namespace {
 
 const std::size_t BUFFER_SIZE = 256;
 
-// The arguments that the catalogue's text `number` takes.
+// Returns the format of the arguments of text `number`.
 const char* argumentsOf(int number) {
     switch (number) {
         case 20011:
@@ -28,10 +28,10 @@ const char* argumentsOf(int number) {
 
 }  // namespace
 
-// "lmsg 20011 [text] [13]"
+// Writes for instance "lmsg 20011 [text] [13]".
 char* lmsg_getmsg(int number, char* buffer, ...) {
     VeskLib::Scripted::record("lmsg_getmsg " + std::to_string(number));
-    // Uses all the bytes that a caller must give, as a long text would.
+    // Writes all the bytes that a caller must provide, as a long text would.
     std::memset(buffer, '\0', BUFFER_SIZE);
     const std::string format = "lmsg " + std::to_string(number) + argumentsOf(number);
     va_list arguments;

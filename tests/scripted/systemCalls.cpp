@@ -8,8 +8,8 @@
 #include <cerrno>
 #include <cstdio>
 
-// The linker's --wrap sends a call of creat() to __wrap_creat(), and one of __real_creat() to the
-// operating system.
+// The linker's option --wrap redirects calls of creat() to __wrap_creat(), and calls of
+// __real_creat() to the C library.
 // NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
 extern "C" {
 int __real_creat(const char* path, mode_t mode);
@@ -27,7 +27,7 @@ namespace VeskLib::Scripted {
 
 namespace {
 
-// Not in the script: it is also read after the script's end of life, when the process exits.
+// Not part of the script, because it is still read after the script's destruction at exit.
 bool systemCallsAreScripted = false;
 
 int fail(int errorNumber) {
@@ -58,7 +58,7 @@ int __wrap_creat(const char* path, mode_t mode) {
     return script().realFiles ? __real_creat(path, mode) : script().descriptor;
 }
 
-// What the C library's headers make of creat() where files are wider than a pointer.
+// The C library's headers map creat() to this where file offsets are wider than pointers.
 int __wrap_creat64(const char* path, mode_t mode) {
     return __wrap_creat(path, mode);
 }

@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 std::string boardFile(const std::string& path) {
     const char* root = std::getenv("BOARD_ROOT");
     if (root == nullptr) {
-        throw std::runtime_error("there is no board's root");
+        throw std::runtime_error("BOARD_ROOT is not set");
     }
     return root + path;
 }

@@ -6,11 +6,12 @@
 
 namespace VeskLib::Test {
 
-// The host path of a board's file, for a test that looks at the file itself.
+// Returns the path on the host of a file of the board. Throws std::runtime_error if BOARD_ROOT is
+// not set.
 std::string boardFile(const std::string& path);
 
-// A test on a board's root that the test program has made: every test finds the folders under
-// "/var" empty.
+// A fixture on the board root that the test program has made. Empties the folders under "/var"
+// before each test.
 class BoardTest : public testing::Test {
 protected:
     BoardTest();

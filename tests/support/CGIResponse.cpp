@@ -23,7 +23,7 @@ CGIResponse parseResponse(const std::string& output, bool headOnly) {
     while (true) {
         const std::size_t end = output.find("\r\n", position);
         if (end == std::string::npos) {
-            ADD_FAILURE() << "the headers have no end: " << output;
+            ADD_FAILURE() << "no empty line ends the headers: " << output;
             return response;
         }
         const std::string line = output.substr(position, end - position);

@@ -7,18 +7,19 @@
 
 namespace VeskLib::Test {
 
-// A response as a web server reads it from a CGI program.
+// A response of a CGI program, as the web server reads it.
 struct CGIResponse {
     std::string status;  // "200 OK"
     std::vector<std::pair<std::string, std::string>> headers;
     std::string body;
 
-    // The value of a header; empty when there is none, a test failure when there are several.
+    // Returns the value of a header, or "" if it is absent. Fails the test if it occurs more than
+    // once.
     std::string header(std::string_view name) const;
 };
 
-// Reads a response and holds it against the rules that every response keeps: headers that end in
-// CR LF, no line that is no header, and a Content-Length that is the body's, unless `headOnly`.
+// Parses a response. Fails the test if a header line is malformed or does not end in CR LF, or if
+// Content-Length is not the size of the body. With `headOnly`, expects an empty body instead.
 CGIResponse parseResponse(const std::string& output, bool headOnly = false);
 
 }  // namespace VeskLib::Test

@@ -23,14 +23,14 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// Far above what any test needs, also under valgrind on a busy machine.
+// Far longer than any test needs, even under valgrind on a busy machine.
 const std::chrono::seconds TIME_LIMIT(120);
 const int POLL_MILLISECONDS = 100;
 const int PROGRAM_NOT_STARTED = 127;
 
 void makePipe(int (&ends)[2]) {
     if (::pipe2(ends, O_CLOEXEC) != 0) {
-        throw std::runtime_error("no pipe for a child process");
+        throw std::runtime_error("cannot create a pipe for a child process");
     }
 }
 
@@ -63,7 +63,7 @@ void setEnvironment(const Environment& environment) {
     }
 }
 
-// What starts a program that was built for another processor; nothing for one of our own.
+// Returns the emulator command for programs built for another processor; empty in a native build.
 std::vector<std::string> emulator() {
     std::vector<std::string> words;
 #ifdef EMULATOR
@@ -75,7 +75,8 @@ std::vector<std::string> emulator() {
     return words;
 }
 
-// Appends what there is to read; closes the descriptor at the end of the file.
+// Appends the available bytes to `text`. Closes the descriptor at the end of the file and on
+// errors.
 void collect(int& descriptor, std::string& text) {
     char buffer[65536];
     const ssize_t count = ::read(descriptor, buffer, sizeof buffer);
@@ -89,7 +90,7 @@ void collect(int& descriptor, std::string& text) {
 }  // namespace
 
 ChildProcess::ChildProcess(const std::function<int()>& work, const ChildSetup& setup) {
-    // A child that does not read its input is no reason to end the test.
+    // A child that does not read its input must not end the test.
     std::signal(SIGPIPE, SIG_IGN);
     prepareInput(setup);
     makePipe(outputEnds);
@@ -98,7 +99,7 @@ ChildProcess::ChildProcess(const std::function<int()>& work, const ChildSetup& s
     std::fflush(nullptr);
     process = ::fork();
     if (process < 0) {
-        throw std::runtime_error("no child process");
+        throw std::runtime_error("cannot start a child process");
     }
     if (process == 0) {
         runChild(work, setup);
@@ -129,7 +130,7 @@ void ChildProcess::prepareInput(const ChildSetup& setup) {
             const auto size = static_cast<ssize_t>(setup.input.size());
             if (::write(inputEnds[0], setup.input.data(), setup.input.size()) != size ||
                 ::lseek(inputEnds[0], 0, SEEK_SET) != 0) {
-                throw std::runtime_error("no input file for a child process");
+                throw std::runtime_error("cannot write the input file of a child process");
             }
             break;
         }
@@ -140,7 +141,7 @@ void ChildProcess::prepareInput(const ChildSetup& setup) {
 
 void ChildProcess::runChild(const std::function<int()>& work, const ChildSetup& setup) {
     std::signal(SIGPIPE, SIG_DFL);
-    // A test that is ended by force takes its children along.
+    // If the test is killed, its children are killed as well.
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (inputEnds[0] >= 0) {
         ::dup2(inputEnds[0], STDIN_FILENO);
@@ -154,22 +155,22 @@ void ChildProcess::runChild(const std::function<int()>& work, const ChildSetup& 
         closeEnd(ends[1]);
     }
     setEnvironment(setup.environment);
-    // An exception must not reach the test that is under way in the parent.
+    // An exception aborts the child: it must not unwind into the child's copy of the test.
     const auto run = [&work]() noexcept { return work(); };
     const int status = run();
     std::cout.flush();
-    // The ordinary end, so that leak checks and coverage counters see the child as well.
+    // A normal exit, so that leak checks and coverage counters include the child.
     std::exit(status);
 }
 
-// Feeds and collects for a moment; false when the child has closed its outputs.
+// Transfers data for up to POLL_MILLISECONDS. Returns false once the child has closed its outputs.
 bool ChildProcess::exchange() {
     if (outputEnds[0] < 0 && errorEnds[0] < 0) {
         return false;
     }
     pollfd waited[] = {{outputEnds[0], POLLIN, 0},
                        {errorEnds[0], POLLIN, 0},
-                       {inputEnds[1], POLLOUT, 0}};  // poll() passes over descriptors below 0
+                       {inputEnds[1], POLLOUT, 0}};  // poll() ignores negative descriptors
     if (::poll(waited, 3, POLL_MILLISECONDS) > 0) {
         if (waited[0].revents != 0) {
             collect(outputEnds[0], result.output);

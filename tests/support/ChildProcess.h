@@ -11,46 +11,46 @@ namespace VeskLib::Test {
 
 using Environment = std::map<std::string, std::string>;
 
-// Where a child's standard input comes from.
+// The source of a child's standard input.
 enum class InputKind {
-    PIPE,    // `input` through a pipe that is closed behind it
+    PIPE,    // `input` through a pipe, which is closed after it
     FILE,    // `input` in an unnamed file
-    CLOSED,  // there is none
+    CLOSED,  // no standard input
 };
 
 struct ChildSetup {
-    // Set in the child. CGI variables of the test's own process are not inherited.
+    // Set in the child. The child does not inherit the CGI variables of the test process.
     Environment environment;
     std::string input;
     InputKind inputKind = InputKind::PIPE;
 };
 
 struct ChildResult {
-    int exitStatus = -1;  // -1 when a signal ended the child
-    int signal = 0;       // 0 when it exited
+    int exitStatus = -1;  // -1 if a signal ended the child
+    int signal = 0;       // 0 if it exited
     std::string output;
     std::string errors;
 };
 
-// A child process that runs a function of the test's own. A child that outlives the time limit,
-// which is far above what any test needs, is killed, and so is one that is still there when the
-// object goes.
+// A child process that runs a function of the test. It is killed if it exceeds a time limit, which
+// is far longer than any test needs, or if it still runs when the object is destroyed.
 class ChildProcess {
 public:
-    // The result of `work` is the child's exit status; an exception that leaves it aborts the
-    // child.
+    // Starts a child that exits with the result of `work`. An exception thrown by `work` aborts the
+    // child. Throws std::runtime_error if the child cannot be started.
     explicit ChildProcess(const std::function<int()>& work, const ChildSetup& setup = {});
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;
     ~ChildProcess();
 
-    // The next line that the child prints, without its end; what there is when the child ends.
+    // Waits for a line of output and returns it without its line break. If the child closes its
+    // outputs or the time limit passes first, returns the remaining output.
     std::string readLine();
 
-    // Kills the child at once.
+    // Sends SIGKILL to the child.
     void kill();
 
-    // Waits for the child's end. The output does not hold what readLine() gave.
+    // Waits until the child ends. The output excludes the lines that readLine() returned.
     ChildResult wait();
 
 private:
@@ -68,10 +68,11 @@ private:
     ChildResult result;
 };
 
-// Runs `work` in a child process and waits for its end.
+// Runs `work` in a child process and waits until it ends.
 ChildResult runInChild(const std::function<int()>& work, const ChildSetup& setup = {});
 
-// Runs a program: `command` is its path and its arguments.
+// Runs a program, given by its path and its arguments, and waits until it ends. The exit status is
+// 127 if the program cannot be started.
 ChildResult runProgram(const std::vector<std::string>& command, const ChildSetup& setup = {});
 
 }  // namespace VeskLib::Test

@@ -5,7 +5,7 @@
 
 namespace VeskLib::Test {
 
-// Sets an environment variable, or unsets it, for as long as the object lives.
+// Sets an environment variable, or unsets it if there is no value. The destructor restores it.
 class ScopedEnvironment {
 public:
     ScopedEnvironment(const std::string& name, const std::optional<std::string>& value);

@@ -4,8 +4,9 @@
 
 namespace VeskLib::Test {
 
-// Limits a resource of this process (RLIMIT_...) for as long as the object lives. Whatever the
-// process writes after its tests, as the counters of a coverage build, is not limited.
+// Lowers the soft limit of a resource (RLIMIT_...) of this process. The destructor restores it, so
+// that output after the tests, such as coverage counters, is not limited. The constructor throws
+// std::runtime_error if the limit cannot be set.
 class ScopedLimit {
 public:
     ScopedLimit(int resource, rlim_t limit);
@@ -18,7 +19,8 @@ private:
     rlimit former = {};
 };
 
-// The same for the size of files; the process outlives an attempt to write more.
+// Limits the size of files and ignores SIGXFSZ, so that a write beyond the limit fails without
+// ending the process.
 class ScopedFileSizeLimit {
 public:
     explicit ScopedFileSizeLimit(rlim_t bytes);

@@ -29,10 +29,10 @@ TemporaryRoot::TemporaryRoot(const std::vector<std::string>& catalogueFolders,
     : owner(::getpid()) {
     std::string name = (fs::temp_directory_path() / "board-XXXXXX").string();
     if (::mkdtemp(name.data()) == nullptr) {
-        throw std::runtime_error("no folder for a board's root");
+        throw std::runtime_error("cannot create a folder for the board's root");
     }
     folder = name;
-    // The back-end takes no folder into which others may write.
+    // The back-end rejects folders that others may write to.
     ::umask(022);
     ::setenv("BOARD_ROOT", name.c_str(), 1);
     for (const char* part : {"var/lib/session", "var/log", "var/run", "var/tmp"}) {

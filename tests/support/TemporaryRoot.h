@@ -8,12 +8,12 @@
 
 namespace VeskLib::Test {
 
-// A board's root in a folder of its own: the folders of an installed board, its catalogues and its
-// skeletons. The environment variable BOARD_ROOT names it from construction on. The process that
-// made it removes it; its children leave it alone.
+// A board's root in a new temporary folder: the folders of an installed board, its catalogues and
+// its skeletons. The constructor sets BOARD_ROOT to it and the umask to 022. The destructor removes
+// it, but only in the process that created it.
 class TemporaryRoot {
 public:
-    // Copies every file of these folders.
+    // Copies all files of these folders. Throws if the root cannot be created.
     TemporaryRoot(const std::vector<std::string>& catalogueFolders,
                   const std::vector<std::string>& skeletonFolders);
     TemporaryRoot(const TemporaryRoot&) = delete;

@@ -4,7 +4,7 @@
 
 namespace VeskLib::Test {
 
-// A code point as UTF-8.
+// Returns a code point encoded as UTF-8.
 std::string encodeUTF8(unsigned long code);
 
 }  // namespace VeskLib::Test

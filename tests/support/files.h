@@ -6,22 +6,23 @@
 
 namespace VeskLib::Test {
 
-// The content of a file; a test failure and "" when it cannot be read.
+// Returns the content of a file. If it cannot be read, fails the test and returns "".
 std::string readText(const std::string& path);
 
-// Writes a file anew.
+// Creates or overwrites a file. Fails the test on errors.
 void writeText(const std::string& path, std::string_view text);
 
-// The same, for the file's owner only.
+// Same as writeText(), with mode 0600.
 void writePrivateText(const std::string& path, std::string_view text);
 
-// What a folder holds, sorted: the names, or the whole paths.
+// Return the sorted names, or full paths, of the entries of a folder.
 std::vector<std::string> namesIn(const std::string& folder);
 std::vector<std::string> pathsIn(const std::string& folder);
 
-// The lines of a text, without their ends. A last line that has no end counts as well.
+// Returns the lines of a text without their line breaks, including an unterminated last line.
 std::vector<std::string> linesOf(const std::string& text);
 
+// Returns true if the path exists. Does not follow a symbolic link.
 bool exists(const std::string& path);
 
 }  // namespace VeskLib::Test

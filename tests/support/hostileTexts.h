@@ -5,12 +5,13 @@
 
 namespace VeskLib::Test {
 
-// Texts that an operator, a file or the back-end may put into a page, and which must not leave
-// their place in it.
+// Texts that an operator, a file or the back-end might put into a page. They must be escaped there,
+// so that they cannot change its markup or its scripts.
 const std::vector<std::string>& hostileTexts();
 
-// Those without control characters, ends of lines and characters that turn the direction of a text:
-// how these are shown is for each platform to decide, the others are shown as they are.
+// The hostile texts without control characters, line breaks and characters that change the
+// direction of text. Every platform shows these unchanged; how it shows the others is up to the
+// platform.
 const std::vector<std::string>& printableTexts();
 
 }  // namespace VeskLib::Test

@@ -2,7 +2,7 @@
 
 namespace VeskLib::Test {
 
-// Has a signal interrupt the process's system calls every ten milliseconds from now on.
+// Makes a signal interrupt the system calls of this process every 10 ms from now on.
 void interruptOften();
 
 }  // namespace VeskLib::Test

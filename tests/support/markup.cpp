@@ -22,7 +22,7 @@ std::string toLower(std::string_view text) {
     return lower;
 }
 
-// What the reference `name`, without "&" and ";", stands for; empty when it is none.
+// Returns the character of the reference `name`, given without "&" and ";", or "" if it is unknown.
 std::string resolveReference(const std::string& name) {
     static const std::map<std::string, std::string> NAMED = {
         {"amp", "&"}, {"lt", "<"}, {"gt", ">"}, {"quot", "\""}, {"apos", "'"}};
@@ -38,7 +38,7 @@ std::string resolveReference(const std::string& name) {
         std::strtoul(name.c_str() + (hexadecimal ? 2 : 1), nullptr, hexadecimal ? 16 : 10));
 }
 
-// Reads markup from its start to its end, as a browser does.
+// Parses markup as a browser does.
 class MarkupReader {
 public:
     explicit MarkupReader(std::string_view html) : html(html) {}

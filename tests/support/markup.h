@@ -7,28 +7,28 @@
 
 namespace VeskLib::Test {
 
-// A tag as a browser sees it; "/p" is the name of an end tag.
+// A tag as a browser parses it. The name of an end tag begins with a slash, as in "/p".
 struct Tag {
     std::string name;
     std::map<std::string, std::string> attributes;  // values unescaped
 };
 
-// `text` with its character references replaced, as a browser shows it.
+// Returns `text` with its character references resolved, as a browser shows it.
 std::string unescapeHTML(std::string_view text);
 
-// The tags in the order in which they stand. What stands inside a script is no markup.
+// Returns the tags in document order. The content of scripts is not parsed.
 std::vector<Tag> tagsOf(std::string_view html);
 
-// The names of the tags only: what a text that leaves its place would change.
+// Returns the names of the tags. They change if a text that is not escaped adds markup.
 std::vector<std::string> tagNamesOf(std::string_view html);
 
-// The tags of one name.
+// Returns the tags of this name.
 std::vector<Tag> tagsOf(std::string_view html, std::string_view name);
 
-// What stands between the tags, unescaped, scripts left out.
+// Returns the text between the tags, unescaped and without scripts.
 std::string textOf(std::string_view html);
 
-// The source of every script element, as far as a browser reads it: to the first "</script".
+// Returns the source of each script element. As in a browser, it ends at the first "</script".
 std::vector<std::string> scriptsOf(std::string_view html);
 
 }  // namespace VeskLib::Test

@@ -5,10 +5,10 @@
 
 namespace VeskLib::Test {
 
-// What `work` prints to std::cout. An exception that leaves it passes on.
+// Returns the output of `work` to std::cout. Exceptions of `work` propagate.
 std::string printedBy(const std::function<void()>& work);
 
-// What a component or a generator prints.
+// Returns the output of a component or a generator.
 template <typename Printable>
 std::string printedHTML(const Printable& printable) {
     return printedBy([&printable] { printable.printHTML(); });

@@ -2,8 +2,8 @@
 
 namespace VeskLib::Test {
 
-// Whether the sanitizers watch this build. Their check of an object's type opens a pipe, so that it
-// takes every object for none while there are no descriptors.
+// True in builds with sanitizers. Their check of an object's type opens a pipe, so it reports every
+// object as invalid while no descriptor is available.
 #if defined(__SANITIZE_ADDRESS__)
 inline constexpr bool SANITIZED = true;
 #elif defined(__has_feature)

@@ -16,7 +16,7 @@ bool isQuote(char character) {
     return character == '"' || character == '\'' || character == '`';
 }
 
-// Reads a script from its start to its end, as far as literals and comments go.
+// Finds the string literals and comments of a script.
 class ScriptReader {
 public:
     ScriptReader(std::string_view script, std::string_view function)
@@ -42,7 +42,7 @@ public:
     }
 
     std::vector<std::string> arguments;
-    std::string rest;  // without literals and comments
+    std::string rest;  // without comments, and with empty literals
 
 private:
     bool atLineEnd() const {
@@ -62,7 +62,7 @@ private:
             }
         }
         EXPECT_TRUE(position < script.size() && script[position] == script[start])
-            << "a string literal without an end: " << script.substr(start);
+            << "an unterminated string literal: " << script.substr(start);
         ++position;
         return value;
     }

@@ -6,12 +6,12 @@
 
 namespace VeskLib::Test {
 
-// The values of the string literals that `script` hands to `function` as its first argument, in
-// their order. A literal that has no end on its line is a test failure.
+// Returns the string literals that `script` passes to `function` as its first argument, in order.
+// Fails the test if a literal is not terminated on its line.
 std::vector<std::string> stringArgumentsOf(std::string_view script, std::string_view function);
 
-// `script` with its string literals emptied and its comments left out: what a text that leaves
-// its literal would change.
+// Returns `script` without comments and with empty string literals. The result changes if a text
+// that is not escaped ends its literal.
 std::string withoutStrings(std::string_view script);
 
 }  // namespace VeskLib::Test

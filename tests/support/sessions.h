@@ -6,14 +6,14 @@
 
 namespace VeskLib::Test {
 
-// Publishes a user of the board with these rights, beside those that are published.
+// Adds a user with these rights to the published properties of the board.
 void publishUser(const std::string& name, bool everyFunction, const std::string& functions);
 
-// Starts a session for a user that is published with these rights.
+// Publishes a user with these rights and starts a session for them.
 Host::Session startSession(const std::string& user, bool everyFunction,
                            const std::string& functions);
 
-// Writes the file of a session with this cookie value, which began just now.
+// Writes the file of a session that has this cookie value and was created just now.
 void writeSession(const std::string& cookieValue, const std::string& user);
 
 }  // namespace VeskLib::Test

@@ -1,5 +1,5 @@
-// A board's libraries reach the members of the program's classes by their place in the object. The
-// places are read from pointers to the members, which the Itanium C++ ABI lays out as offsets.
+// Tests of the layout of classes: a board's libraries access members by their offsets. The offsets
+// are taken from pointers to members, which the Itanium C++ ABI represents as offsets.
 
 #include "data/HardInstallInfoPacket.h"
 #include "data/PrimitiveTypeWrapper.h"
@@ -42,15 +42,15 @@ Member memberOf(Type Class::*pointer) {
     return {static_cast<std::size_t>(offset), &typeid(Type)};
 }
 
-// The members of a class in the order in which Reveal lists them. References are left out, because
-// there are no pointers to them.
+// Returns the members of a class in the order in which Reveal lists them. References are left out,
+// because there are no pointers to them.
 template <typename Class>
 std::vector<Member>& membersOf() {
     static std::vector<Member> members;
     return members;
 }
 
-// Fills membersOf<Class>() before main(). Its explicit instantiations may name private members.
+// Fills membersOf<Class>() before main(). An explicit instantiation may name private members.
 template <typename Class, auto... Pointers>
 struct Reveal {
     static const bool filled;
@@ -64,7 +64,7 @@ std::size_t roundUp(std::size_t offset, std::size_t alignment) {
     return (offset + alignment - 1) / alignment * alignment;
 }
 
-// Walks over the members of an object, each directly after the one before.
+// Walks over the members of an object, and expects no gap between them except for alignment.
 class Walk {
 public:
     Walk(const std::vector<Member>& members, std::size_t begin) : members(members), end(begin) {}
@@ -83,7 +83,7 @@ public:
         ++index;
     }
 
-    // Returns the size of the object up to here.
+    // Expects that no member is left, and returns the offset past the last one.
     std::size_t finish() const {
         EXPECT_EQ(index, members.size());
         return end;
@@ -95,7 +95,8 @@ private:
     std::size_t index = 0;
 };
 
-// Expects members of these types in this order, from `begin` on, and returns where they end.
+// Expects members of these types in this order, starting at offset `begin`, and returns the offset
+// past the last one.
 template <typename... Types>
 std::size_t expectLayout(const std::vector<Member>& members, std::size_t begin) {
     Walk walk(members, begin);
@@ -108,7 +109,7 @@ void expectEnd(std::size_t end) {
     EXPECT_EQ(sizeof(Class), roundUp(end, alignof(Class)));
 }
 
-// Objects begin with the pointer to their virtual operations, if they have any.
+// Objects with virtual functions begin with a vtable pointer of this size.
 const std::size_t VIRTUAL = sizeof(void*);
 
 template struct Reveal<MetaTag, &MetaTag::name, &MetaTag::content, &MetaTag::contentUrl,
@@ -159,7 +160,7 @@ const void* pointerAt(const Class& object, std::size_t offset) {
 
 }  // namespace
 
-TEST(LayoutTest, ofComponents) {
+TEST(LayoutTest, componentsKeepLayout) {
     expectEnd<MetaTag>(expectLayout<std::string, std::string, std::string, std::string>(
         membersOf<MetaTag>(), VIRTUAL));
     expectEnd<HTMLContainer>(expectLayout<std::vector<std::unique_ptr<HTMLComponent>>, bool>(
@@ -172,15 +173,15 @@ TEST(LayoutTest, ofComponents) {
         expectLayout<ComponentMap, HTMLCodeGenerator*>(membersOf<HTMLPage>(), VIRTUAL));
 }
 
-// A pointer in place of each container that a board's library sees as one of pointers.
-TEST(LayoutTest, ofOwnedPointersIsThatOfPointers) {
+// A board's library sees a container of unique_ptrs as one of raw pointers.
+TEST(LayoutTest, uniquePtrHasLayoutOfRawPointer) {
     EXPECT_EQ(sizeof(std::unique_ptr<HTMLComponent>), sizeof(HTMLComponent*));
     EXPECT_EQ(sizeof(std::vector<std::unique_ptr<ByteArray>>), sizeof(std::vector<ByteArray*>));
     const auto component = std::make_unique<ProbeComponent>("name");
     EXPECT_EQ(pointerAt(component, 0), component.get());
 }
 
-TEST(LayoutTest, ofTheMainObject) {
+TEST(LayoutTest, mainObjectKeepsLayout) {
     const std::size_t end =
         expectLayout<trace::VeskTrace, FormInfo*, CGIRequester*, MessageMgr*, int, int,
                      CGIAuthority, std::string, bool, int>(membersOf<AbstractMain>(), VIRTUAL);
@@ -191,7 +192,7 @@ TEST(LayoutTest, ofTheMainObject) {
 
 class PageLayoutTest : public PageTest {};
 
-TEST_F(PageLayoutTest, ofThePageBases) {
+TEST_F(PageLayoutTest, pageBasesKeepLayout) {
     const std::size_t base = expectBaseLayout();
     expectEnd<CommonDefaultPage>(base);
     expectEnd<AbstractBackupRestorePage>(expectPageLayout());
@@ -201,7 +202,7 @@ TEST_F(PageLayoutTest, ofThePageBases) {
     EXPECT_EQ(pointerAt(page, base + sizeof(void*)), &formInfo);
 }
 
-TEST_F(PageLayoutTest, ofThePages) {
+TEST_F(PageLayoutTest, pagesKeepLayout) {
     const std::size_t base = expectPageLayout();
     expectEnd<EFIBackupPage>(
         expectLayout<std::string, PartitionInfoPacket>(membersOf<EFIBackupPage>(), base));
@@ -212,7 +213,7 @@ TEST_F(PageLayoutTest, ofThePages) {
         membersOf<EFIBackupRestorePage>(), base));
 }
 
-TEST(LayoutTest, ofDataObjects) {
+TEST(LayoutTest, dataObjectsKeepLayout) {
     using Packet = HardInstallInfoPacket;
     using Collection = ComponentInfoCollection<ByteArray>;
     using Number = PrimitiveTypeWrapper<unsigned int>;

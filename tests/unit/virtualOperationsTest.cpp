@@ -1,6 +1,6 @@
-// Classes of the program are called by the board's libraries and the other way round, through
-// virtual operations that both sides know by their place. The places are read from pointers to
-// the operations, which the Itanium C++ ABI lays out.
+// Tests of vtables: the program and the board's libraries call each other's virtual functions by
+// vtable slot. The slots are taken from pointers to member functions, as the Itanium C++ ABI lays
+// them out.
 
 #include "data/ComponentInfoCollection.h"
 #include "data/PrimitiveTypeArray.h"
@@ -21,7 +21,7 @@ namespace VeskLib::Test {
 
 namespace {
 
-// Two places before these belong to the destructor.
+// The two slots before these belong to the destructor.
 const std::vector<std::size_t> THREE_OPERATIONS = {2, 3, 4};
 
 template <typename Operation>
@@ -29,8 +29,8 @@ std::size_t placeOf(Operation operation) {
     std::size_t words[2];
     static_assert(sizeof operation == sizeof words);
     std::memcpy(words, &operation, sizeof words);
-    // The offset in the table; one more on processors that mark virtual operations here, and not,
-    // as ARM does, in the other word.
+    // The offset in the vtable, plus one on processors that mark virtual functions here. ARM marks
+    // them in the other word.
     return words[0] / sizeof(void*);
 }
 
@@ -53,7 +53,7 @@ std::vector<std::size_t> placesInPage() {
 
 }  // namespace
 
-TEST(VirtualOperationsTest, ofSerializableObjectsKeepTheirPlaces) {
+TEST(VirtualOperationsTest, serializableObjectsKeepSlots) {
     using ByteArray = VeskUi::PrimitiveTypeArray<unsigned char>;
     EXPECT_EQ(placesInSerializable<VeskUi::SerializableObject>(), THREE_OPERATIONS);
     EXPECT_EQ(placesInSerializable<VeskUi::PrimitiveTypeWrapper<unsigned int>>(), THREE_OPERATIONS);
@@ -61,7 +61,7 @@ TEST(VirtualOperationsTest, ofSerializableObjectsKeepTheirPlaces) {
     EXPECT_EQ(placesInSerializable<VeskUi::ComponentInfoCollection<ByteArray>>(), THREE_OPERATIONS);
 }
 
-TEST(VirtualOperationsTest, ofComponentsKeepTheirPlaces) {
+TEST(VirtualOperationsTest, componentsKeepSlots) {
     const std::vector<std::size_t> expected = {2, 3};
     EXPECT_EQ(placesInComponent<Gui::HTMLComponent>(), expected);
     EXPECT_EQ(placesInComponent<Gui::MetaTag>(), expected);
@@ -72,7 +72,7 @@ TEST(VirtualOperationsTest, ofComponentsKeepTheirPlaces) {
     EXPECT_EQ(placeOf(&Gui::HTMLItem::add), 4u);
 }
 
-TEST(VirtualOperationsTest, ofPagesKeepTheirPlaces) {
+TEST(VirtualOperationsTest, pagesKeepSlots) {
     const std::vector<std::size_t> expected = {2, 3, 4, 5};
     EXPECT_EQ(placesInPage<Gui::CommonDefaultPage>(), expected);
     EXPECT_EQ(placesInPage<Gui::AbstractBackupRestorePage>(), expected);
@@ -81,8 +81,8 @@ TEST(VirtualOperationsTest, ofPagesKeepTheirPlaces) {
     EXPECT_EQ(placesInPage<Gui::EFIRestorePage>(), expected);
 }
 
-TEST(VirtualOperationsTest, ofTheMainObjectKeepTheirPlaces) {
-    // The one with a text and a number; the other errorExit() is not virtual.
+TEST(VirtualOperationsTest, mainObjectKeepsSlots) {
+    // The overload with a text and a number; the other one is not virtual.
     void (Gui::AbstractMain::*errorExit)(std::string, int) = &Gui::AbstractMain::errorExit;
     EXPECT_EQ(placeOf(errorExit), 2u);
     EXPECT_EQ(placeOf(&Gui::AbstractMain::individualProc), 3u);

@@ -40,7 +40,7 @@ private:
     ScopedEnvironment zone;
 };
 
-TEST_F(DownloadNameTest, takesTheNamesThatTheProgramMakes) {
+TEST_F(DownloadNameTest, acceptsNamesThatTheProgramMakes) {
     EXPECT_TRUE(isName("Partition3_20261114_123B.dat"));
     EXPECT_TRUE(isName("Partition0_20270101_.dat"));
     EXPECT_TRUE(isName("Partition4294967295_20261114_Unknown.dat"));
@@ -51,7 +51,7 @@ TEST_F(DownloadNameTest, takesTheNamesThatTheProgramMakes) {
     EXPECT_TRUE(isName("Partition2_20261114_\xE7\x89\x88\xF0\x9F\x98\x80.dat"));
 }
 
-TEST_F(DownloadNameTest, takesNoOtherName) {
+TEST_F(DownloadNameTest, rejectsOtherNames) {
     for (const std::string name : {"",
                                    ".dat",
                                    "Partition3_20261114_123B",
@@ -81,7 +81,7 @@ TEST_F(DownloadNameTest, takesNoOtherName) {
     }
 }
 
-TEST_F(DownloadNameTest, takesNoVersionThatHasNoPlaceInAName) {
+TEST_F(DownloadNameTest, rejectsUnprintableVersion) {
     for (const std::string version :
          {"a\r\nSet-Cookie: x=y", "a\nb", "a\tb", "a\x7F", "a\xC2\x85", "\xFF", "a\xC3", "\xC0\xAF",
           "\xE0\x80\xAF", "\xED\xA0\x80", "\xF4\x90\x80\x80"}) {
@@ -90,13 +90,13 @@ TEST_F(DownloadNameTest, takesNoVersionThatHasNoPlaceInAName) {
     EXPECT_FALSE(isName(std::string("Partition3_20261114_a\0b.dat", 27)));
 }
 
-TEST_F(DownloadNameTest, takesNoPathInFrontOfAName) {
+TEST_F(DownloadNameTest, rejectsPathBeforeName) {
     EXPECT_FALSE(isName("../Partition3_20261114_123B.dat"));
     EXPECT_FALSE(isName("/var/tmp/Partition3_20261114_123B.dat"));
     EXPECT_FALSE(isName("C:\\Partition3_20261114_123B.dat"));
 }
 
-TEST_F(DownloadNameTest, fitsAsAPageShowsIt) {
+TEST_F(DownloadNameTest, fitsVersionAsAPageShowsIt) {
     const Host::ConfigurationFile file = makeFile(3,
                                                   "1.2\xE2\x80\xAE"
                                                   "3");
@@ -111,7 +111,7 @@ TEST_F(DownloadNameTest, fitsAsAPageShowsIt) {
     EXPECT_FALSE(fits("Partition3_20261114_123.dat", file));
 }
 
-TEST_F(DownloadNameTest, fitsTheFileThatItWasMadeFor) {
+TEST_F(DownloadNameTest, fitsItsOwnFile) {
     EXPECT_TRUE(fits("Partition3_20261114_123B.dat", makeFile(3, "1.23 B")));
     EXPECT_TRUE(fits("BIOS_20261114_123B.dat", makeFile(0, "1.23 B")));
     EXPECT_TRUE(fits("Partition0_20261114_102030.dat", makeFile(0, "10.20.30")));
@@ -133,7 +133,7 @@ TEST_F(DownloadNameTest, fitsNoOtherFile) {
     }
 }
 
-TEST_F(DownloadNameTest, dateIsLocalWithMonthAndDayInTwoDigits) {
+TEST_F(DownloadNameTest, dateIsLocalWithTwoDigitMonthAndDay) {
     Host::ConfigurationFile file = makeFile(0, "1");
     file.saveTime = 1798761600;  // 2027-01-01 00:00 UTC
     EXPECT_TRUE(fits("Partition0_20270101_1.dat", file));

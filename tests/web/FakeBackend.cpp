@@ -21,7 +21,7 @@ using Bytes = std::vector<unsigned char>;
 const int DEADLINE_MILLISECONDS = 60000;
 
 int listenAt(const std::string& path) {
-    ::unlink(path.c_str());  // of a back-end that was there before
+    ::unlink(path.c_str());  // left by an earlier back-end
     const Host::SocketAddress address(path);
     const int listener = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
     EXPECT_EQ(::bind(listener, address.get(), Host::SocketAddress::size()), 0) << path;
@@ -29,8 +29,8 @@ int listenAt(const std::string& path) {
     return listener;
 }
 
-// Prints the first request that it gets. 0 also when nobody connects before the listener is shut
-// down.
+// Prints the first request. Returns the exit status: 0 also if the listener is shut down before
+// anyone connects.
 int answer(int listener, const std::vector<Host::ReplyFrame>& replies) {
     const int connection = ::accept(listener, nullptr, nullptr);
     if (connection < 0) {

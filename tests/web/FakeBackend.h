@@ -9,18 +9,18 @@
 
 namespace VeskLib::Test {
 
-// A back-end that listens where the board's back-end does, and takes one connection.
+// A back-end that listens on the socket of the board's back-end and accepts one connection.
 class FakeBackend {
 public:
-    // Answers with `reply`; hangs up without an answer when there is none.
+    // Answers the first request with `reply`; without one, closes the connection unanswered.
     explicit FakeBackend(const std::optional<Host::ReplyFrame>& reply);
-    // Answers as many requests, and hangs up.
+    // Answers one request per reply, in order, then closes the connection.
     explicit FakeBackend(const std::vector<Host::ReplyFrame>& replies);
     FakeBackend(const FakeBackend&) = delete;
     FakeBackend& operator=(const FakeBackend&) = delete;
     ~FakeBackend();
 
-    // Stops listening and gives the first request that was made; nothing when none was.
+    // Stops listening. Returns the first request received, or nothing if there was none.
     std::optional<Host::RequestFrame> takeRequest();
 
 private:

@@ -13,7 +13,7 @@ namespace VeskLib::Test {
 
 namespace {
 
-// Without the variables of the test's own process, as a web server starts a program.
+// Contains only CGI variables and none of the test's own environment, as with a web server.
 ChildSetup makeSetup(const WebRequest& request) {
     ChildSetup setup;
     setup.environment = {{"REQUEST_METHOD", request.method}, {"QUERY_STRING", request.query},

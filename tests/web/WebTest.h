@@ -10,36 +10,34 @@
 
 namespace VeskLib::Test {
 
-// A request as the web server hands it to a program.
+// A request as the web server passes it to a program.
 struct WebRequest {
     std::string method = "GET";
     std::string query = {};
     std::string form = {};    // the body of a POST, urlencoded
     std::string cookie = {};  // the whole Cookie header
-    Environment more = {};    // further variables
+    Environment more = {};    // additional environment variables; they override the others
 };
 
-// Runs one of the board's web programs. Every response that it gives is held against the rules
-// that all of them keep.
+// Runs one of the board's web programs. Expects a clean exit, an empty standard error, and the
+// headers that every response has.
 CGIResponse runWebProgram(const std::string& program, const WebRequest& request);
 
-// The Cookie header of a browser that is logged in to `session`.
+// Returns the Cookie header of a browser logged in as `session`.
 std::string cookieOf(const Host::Session& session);
 
-// A caption of the board, in English.
+// Returns the English caption of that number; the test fails if there is none.
 std::string caption(int number);
 
-// The response is a page of that status that shows the text, and nothing else: no download, no
-// cookie, no redirection.
+// Expects a page with this status that shows `text`, and no download, cookie or redirection.
 void expectPage(const CGIResponse& response, const std::string& status, const std::string& text);
 
-// The response sends the browser to `location`.
+// Expects a redirection to `location`.
 void expectRedirection(const CGIResponse& response, const std::string& location);
 
-// A test of the board's web programs.
 class WebTest : public BoardTest {
 protected:
-    // The files of the sessions that there are.
+    // Returns the names of all session files.
     static std::vector<std::string> sessionFiles();
 
     static std::string trace();

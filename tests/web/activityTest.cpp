@@ -32,7 +32,7 @@ protected:
         return event;
     }
 
-    // A restore of partitions 2 and 3, as it is or is not finished.
+    // Returns a restore of partitions 2 and 3 with the given result ("begun", "done", ...).
     static Host::AuditEvent restoreWith(const std::string& result, const std::string& request) {
         Host::AuditEvent event = eventOf("restore", "admin");
         event.address = "192.0.2.1";
@@ -46,7 +46,7 @@ protected:
         return event;
     }
 
-    // The text of each row of the table.
+    // Returns the text of each table row.
     static std::vector<std::string> rowsOf(const CGIResponse& response) {
         std::vector<std::string> rows;
         const std::string& page = response.body;
@@ -61,11 +61,11 @@ protected:
     const Host::Session user = startSession("user", false, ",105,");
 };
 
-TEST_F(ActivityTest, whoIsNotLoggedInIsSentToTheLoginAndBack) {
+TEST_F(ActivityTest, anonymousUserIsSentToLoginAndBack) {
     expectRedirection(runWebProgram(ACTIVITY_PROGRAM, {}), "/login.cgi?functionID=110");
 }
 
-TEST_F(ActivityTest, tellsWhatWasDoneInWords) {
+TEST_F(ActivityTest, describesActionInWords) {
     writePrivateText(
         boardFile("/var/log/audit.log"),
         R"({"time":"2026-11-22T20:12:26.123Z","event":"restore","user":"admin",)"
@@ -87,7 +87,7 @@ TEST_F(ActivityTest, tellsWhatWasDoneInWords) {
     EXPECT_THAT(response.body, HasSubstr("datetime=\"2026-11-22T20:12:26Z\""));
 }
 
-TEST_F(ActivityTest, aUserSeesTheirOwnAndWhoMaySeesEverybodys) {
+TEST_F(ActivityTest, onlyPermittedUsersSeeActionsOfOthers) {
     Host::record(eventOf("start", ""));
     Host::record(eventOf("upload", "admin"));
     Host::record(eventOf("backup", "user"));
@@ -97,18 +97,18 @@ TEST_F(ActivityTest, aUserSeesTheirOwnAndWhoMaySeesEverybodys) {
     EXPECT_THAT(rowsOf(own)[0], HasSubstr(caption(9325)));
     EXPECT_THAT(textOf(own.body), HasSubstr(caption(9303)));
     EXPECT_EQ(rowsOf(showTo(startSession("root", true, ""))).size(), 3U);
-    // A user whose name begins alike.
+    // "use" is a prefix of "user".
     EXPECT_EQ(rowsOf(showTo(startSession("use", false, ""))).size(), 0U);
 }
 
-TEST_F(ActivityTest, theNewestIsFirst) {
+TEST_F(ActivityTest, newestActionIsFirst) {
     Host::record(eventOf("upload", "user"));
     Host::record(eventOf("discard", "user"));
     const std::vector<std::string> rows = rowsOf(showTo(user));
     EXPECT_THAT(rows, ElementsAre(HasSubstr(caption(9329)), HasSubstr(caption(9327))));
 }
 
-TEST_F(ActivityTest, aRestoreIsOneActionWithItsOutcome) {
+TEST_F(ActivityTest, restoreIsOneRowWithItsOutcome) {
     Host::record(restoreWith("begun", "1"));
     Host::record(restoreWith("done", "1"));
     Host::record(restoreWith("begun", "2"));
@@ -116,7 +116,7 @@ TEST_F(ActivityTest, aRestoreIsOneActionWithItsOutcome) {
                 ElementsAre(HasSubstr(caption(9342)), HasSubstr(caption(9340))));
 }
 
-TEST_F(ActivityTest, hostileTextsStayInTheirPlace) {
+TEST_F(ActivityTest, hostileTextsAddNoMarkup) {
     Host::record(eventOf("backup", "plain"));
     const std::vector<std::string> plain = tagNamesOf(showTo(admin).body);
     for (const std::string& text : hostileTexts()) {
@@ -141,7 +141,7 @@ TEST_F(ActivityTest, hostileTextsStayInTheirPlace) {
     }
 }
 
-TEST_F(ActivityTest, damagedLinesArePassedOver) {
+TEST_F(ActivityTest, skipsDamagedLines) {
     Host::record(eventOf("backup", "user"));
     const std::string path = boardFile("/var/log/audit.log");
     const std::string whole = readText(path);
@@ -149,7 +149,7 @@ TEST_F(ActivityTest, damagedLinesArePassedOver) {
     EXPECT_EQ(rowsOf(showTo(user)).size(), 2U);
 }
 
-TEST_F(ActivityTest, atMostAHundredActionsAreShown) {
+TEST_F(ActivityTest, showsAtMostAHundredActions) {
     Host::record(eventOf("backup", "user"));
     const std::string path = boardFile("/var/log/audit.log");
     const std::string line = readText(path);
@@ -165,7 +165,7 @@ TEST_F(ActivityTest, atMostAHundredActionsAreShown) {
     EXPECT_THAT(textOf(showTo(user).body), HasSubstr(caption(9314)));
 }
 
-TEST_F(ActivityTest, onlyTheEndOfALongLogIsRead) {
+TEST_F(ActivityTest, readsOnlyTheEndOfALongLog) {
     Host::record(eventOf("backup", "user"));
     const std::string path = boardFile("/var/log/audit.log");
     std::string other;
@@ -180,12 +180,12 @@ TEST_F(ActivityTest, onlyTheEndOfALongLogIsRead) {
     EXPECT_THAT(textOf(response.body), HasSubstr(caption(9306)));
 }
 
-TEST_F(ActivityTest, aLogThatCannotBeReadIsReported) {
+TEST_F(ActivityTest, reportsUnreadableLog) {
     ASSERT_EQ(::mkfifo(boardFile("/var/log/audit.log").c_str(), 0600), 0);
     expectPage(showTo(user), "200 OK", caption(9305));
 }
 
-TEST_F(ActivityTest, everyEventOfTheBoardHasWordsInEveryLanguage) {
+TEST_F(ActivityTest, everyEventHasWordsInEveryLanguage) {
     for (int number = 9320; number <= 9335; ++number) {
         for (int language = 0; language < std::ssize(Host::languages()); ++language) {
             EXPECT_NE(Host::findText(language, Host::TextSet::CAPTIONS, number), nullptr) << number;

@@ -1,4 +1,4 @@
-// The state of the partitions on the menu.
+// Tests of the partition table on the menu page.
 
 #include "data/HardInstallInfoPacket.h"
 #include "data/requestNumbers.h"
@@ -30,7 +30,8 @@ Host::ReplyFrame replyWith(const VeskUi::SerializableObject& object) {
     return {.errorCode = 0, .payload = bytes};
 }
 
-// Partitions 1 and 3; 3 has system board 2, which is its home board, and 1 has none.
+// Partitions 1 and 3 are installed. Partition 3 has system board 2 as its home board; partition 1
+// has none.
 std::vector<Host::ReplyFrame> sampleReplies() {
     VeskUi::PartitionInfoPacket partitions;
     partitions.addPartition({});
@@ -106,7 +107,7 @@ protected:
 
 const std::time_t DAY = 24 * 60 * 60;
 
-TEST_F(DailyRoundTest, listsTheInstalledPartitionsWithTheirVersions) {
+TEST_F(DailyRoundTest, listsInstalledPartitionsWithVersions) {
     const std::vector<std::string> rows = rowsOf(show());
     ASSERT_EQ(rows.size(), 2U);
     EXPECT_THAT(textOf(rows[0]), HasSubstr("<i>one</i>"));
@@ -115,7 +116,7 @@ TEST_F(DailyRoundTest, listsTheInstalledPartitionsWithTheirVersions) {
     EXPECT_THAT(rows[1], HasSubstr("\">2.0</td>"));
 }
 
-TEST_F(DailyRoundTest, tellsWhenEachWasLastBackedUpAndRestoredAndByWhom) {
+TEST_F(DailyRoundTest, showsLastBackupAndRestoreOfEachPartition) {
     log(backup(3, 9 * DAY, "old") + restore("1", 5 * DAY, "restorer", "begun") +
         restore("1", 5 * DAY, "restorer", "done") + backup(3, 2 * DAY + 60, "saver") +
         backup(3, DAY, "refused", "refused") + restore("2", DAY, "refused", "refused"));
@@ -134,7 +135,7 @@ TEST_F(DailyRoundTest, tellsWhenEachWasLastBackedUpAndRestoredAndByWhom) {
     }
 }
 
-TEST_F(DailyRoundTest, aRestoreWithoutAnOutcomeIsMarked) {
+TEST_F(DailyRoundTest, marksRestoreWithoutOutcome) {
     log(restore("1", 3 * DAY, "a", "begun") + restore("1", 3 * DAY, "a", "failed") +
         restore("2", DAY + 60, "b", "begun"));
     const std::vector<std::string> rows = rowsOf(show());
@@ -146,7 +147,7 @@ TEST_F(DailyRoundTest, aRestoreWithoutAnOutcomeIsMarked) {
     EXPECT_THAT(textOf(rowsOf(show()).at(0)), Not(HasSubstr("by a")));
 }
 
-TEST_F(DailyRoundTest, saysWhatOfALongLogWasNotRead) {
+TEST_F(DailyRoundTest, saysThatALongLogWasReadInPart) {
     std::string other;
     while (other.size() < 5U * 1024 * 1024) {
         other += lineOf(0, "\"event\":\"start\"");
@@ -159,7 +160,7 @@ TEST_F(DailyRoundTest, saysWhatOfALongLogWasNotRead) {
     EXPECT_THAT(textOf(show().body), Not(HasSubstr(caption(9396))));
 }
 
-TEST_F(DailyRoundTest, theScreensAreLinkedByThoseWhoMayUseThem) {
+TEST_F(DailyRoundTest, linksOnlyPermittedScreens) {
     const auto linksFor = [](const std::string& functions) {
         FakeBackend backend(sampleReplies());
         std::vector<std::string> links;
@@ -175,7 +176,7 @@ TEST_F(DailyRoundTest, theScreensAreLinkedByThoseWhoMayUseThem) {
     EXPECT_THAT(linksFor(",106,"), ElementsAre("Restore 3"));
 }
 
-TEST_F(DailyRoundTest, whoMayUseNeitherScreenSeesNoPartitions) {
+TEST_F(DailyRoundTest, userWithoutRightsSeesNoPartitions) {
     FakeBackend backend(sampleReplies());
     const CGIResponse response = showTo(startSession("viewer", false, ",110,"));
     EXPECT_THAT(rowsOf(response), IsEmpty());
@@ -183,7 +184,7 @@ TEST_F(DailyRoundTest, whoMayUseNeitherScreenSeesNoPartitions) {
     EXPECT_FALSE(backend.takeRequest());
 }
 
-TEST_F(DailyRoundTest, aBackEndThatDoesNotAnswerLeavesTheMenu) {
+TEST_F(DailyRoundTest, menuAppearsWithoutBackEnd) {
     const Host::Session session = startSession("admin", false, ",105,106,");
     const auto expectMenu = [](const CGIResponse& response, const std::string& code) {
         expectPage(response, "200 OK", caption(9394) + " [9394-" + code + "]");
@@ -192,12 +193,12 @@ TEST_F(DailyRoundTest, aBackEndThatDoesNotAnswerLeavesTheMenu) {
     };
     expectMenu(showTo(session), "2001");
     {
-        FakeBackend backend(std::nullopt);  // hangs up
+        FakeBackend backend(std::nullopt);  // closes the connection
         expectMenu(showTo(session), "2003");
     }
     {
         std::vector<Host::ReplyFrame> replies = sampleReplies();
-        replies.resize(2);  // hangs up half-way
+        replies.resize(2);  // closes the connection before the third reply
         FakeBackend backend(replies);
         expectMenu(showTo(session), "2003");
     }
@@ -211,7 +212,7 @@ TEST_F(DailyRoundTest, aBackEndThatDoesNotAnswerLeavesTheMenu) {
     }
 }
 
-TEST_F(DailyRoundTest, aBoardWithoutPartitionsSaysSo) {
+TEST_F(DailyRoundTest, saysThatBoardHasNoPartitions) {
     VeskUi::PartitionInfoPacket none;
     std::vector<Host::ReplyFrame> replies = sampleReplies();
     replies[0] = replyWith(none);

@@ -27,7 +27,7 @@ std::string toText(const Host::ConfigurationFile& file) {
     return {bytes.begin(), bytes.end()};
 }
 
-// A session that may make backups, with one of partition 3.
+// A session with the right to make backups, and a backup of partition 3.
 class DownloadTest : public WebTest {
 protected:
     DownloadTest() {
@@ -50,7 +50,7 @@ protected:
         return runWebProgram(DOWNLOAD_PROGRAM, request);
     }
 
-    // Asks for `name` (as it stands in the query string), logged in.
+    // Requests `name` with the session's cookie; `name` goes unencoded into the query string.
     CGIResponse download(const std::string& name) const {
         return run({.query = "functionID=5&filename=" + name, .cookie = cookieOf(session)});
     }
@@ -59,7 +59,7 @@ protected:
     Host::ConfigurationFile file;
 };
 
-TEST_F(DownloadTest, sendsTheBackupWholeUnderItsName) {
+TEST_F(DownloadTest, sendsWholeBackupUnderItsName) {
     const CGIResponse response = download(NAME);
     EXPECT_EQ(response.status, "200 OK");
     EXPECT_EQ(response.header("Content-Type"), "application/octet-stream");
@@ -68,12 +68,12 @@ TEST_F(DownloadTest, sendsTheBackupWholeUnderItsName) {
     EXPECT_EQ(response.body, toText(file));
 }
 
-TEST_F(DownloadTest, backupStaysForAnotherDownload) {
+TEST_F(DownloadTest, backupRemainsAfterDownload) {
     download(NAME);
     EXPECT_EQ(download(NAME).body, toText(file));
 }
 
-TEST_F(DownloadTest, nameWithoutAPartitionIsTakenToo) {
+TEST_F(DownloadTest, acceptsNameWithoutPartition) {
     EXPECT_EQ(download("BIOS_20261114_123B.dat").body, toText(file));
 }
 
@@ -86,7 +86,7 @@ TEST_F(DownloadTest, largestFileIsSentWhole) {
     EXPECT_EQ(download(NAME).body.size(), Host::LARGEST_CONFIGURATION_FILE);
 }
 
-TEST_F(DownloadTest, headTellsTheLengthOnly) {
+TEST_F(DownloadTest, headSendsOnlyTheLength) {
     const CGIResponse response = run({.method = "HEAD",
                                       .query = std::string("functionID=5&filename=") + NAME,
                                       .cookie = cookieOf(session)});
@@ -94,7 +94,7 @@ TEST_F(DownloadTest, headTellsTheLengthOnly) {
     EXPECT_EQ(response.header("Content-Length"), std::to_string(toText(file).size()));
 }
 
-TEST_F(DownloadTest, nameBeyondASCIIIsSentInBothWays) {
+TEST_F(DownloadTest, sendsNonASCIINameInBothForms) {
     file.version = "1.2 \xE7\x89\x88";
     storeBackup(toText(file));
     const CGIResponse response = download("Partition3_20261114_12%E7%89%88.dat");
@@ -104,7 +104,7 @@ TEST_F(DownloadTest, nameBeyondASCIIIsSentInBothWays) {
     EXPECT_EQ(response.body, toText(file));
 }
 
-TEST_F(DownloadTest, versionThatHasNoPlaceInANameIsDownloadedAllTheSame) {
+TEST_F(DownloadTest, replacesUnsafeCharactersInName) {
     file.version = "../1\"2";
     storeBackup(toText(file));
     const CGIResponse response = download("Partition3_20261114_%2F1%222.dat");
@@ -117,7 +117,7 @@ TEST_F(DownloadTest, versionThatHasNoPlaceInANameIsDownloadedAllTheSame) {
     }
 }
 
-TEST_F(DownloadTest, dateIsThatOfTheBoardsTimeZone) {
+TEST_F(DownloadTest, dateIsInTheBoardsTimeZone) {
     const auto downloadAs = [this](const std::string& name) {
         return run({.query = "functionID=5&filename=" + name,
                     .cookie = cookieOf(session),
@@ -127,7 +127,7 @@ TEST_F(DownloadTest, dateIsThatOfTheBoardsTimeZone) {
     expectPage(downloadAs(NAME), "404 Not Found", caption(NO_SUCH_BACKUP));
 }
 
-TEST_F(DownloadTest, otherNamesAreNoDownload) {
+TEST_F(DownloadTest, otherNamesAreRefused) {
     for (const char* name :
          {"", "x", "../../etc/passwd", "/etc/passwd", "%2Fetc%2Fpasswd", "..%5C..%5Cx.dat",
           "../Partition3_20261114_123B.dat", "Partition3_20261114_123B.dat%0D%0ASet-Cookie:%20x=y",
@@ -139,7 +139,7 @@ TEST_F(DownloadTest, otherNamesAreNoDownload) {
     }
 }
 
-TEST_F(DownloadTest, otherFunctionsAreNoDownload) {
+TEST_F(DownloadTest, otherFunctionsAreRefused) {
     const std::string name = std::string("&filename=") + NAME;
     for (const char* function : {"", "functionID=", "functionID=105", "functionID=05",
                                  "functionID=5%20", "functionID=5x", "functionID=-5"}) {
@@ -155,7 +155,7 @@ TEST_F(DownloadTest, oversizedQueryIsRefused) {
     expectPage(download(std::string(20000, 'a')), "413 Content Too Large", "1108");
 }
 
-TEST_F(DownloadTest, nameOfAnEarlierBackupDeliversNoOther) {
+TEST_F(DownloadTest, nameOfAnotherBackupIsNotFound) {
     for (const char* name : {"Partition2_20261114_123B.dat", "Partition3_20261113_123B.dat",
                              "Partition3_20261114_124B.dat", "Partition3_20261114_Unknown.dat",
                              "BIOS_20261113_123B.dat"}) {
@@ -169,7 +169,7 @@ TEST_F(DownloadTest, missingBackupIsNotFound) {
     EXPECT_THAT(trace(), HasSubstr("cannot be read (errno:2)"));
 }
 
-TEST_F(DownloadTest, fileThatIsNoWholeConfigurationFileIsNotFound) {
+TEST_F(DownloadTest, damagedFileIsNotFound) {
     const std::string whole = toText(file);
     std::string changed = whole;
     changed[whole.size() / 2] = static_cast<char>(changed[whole.size() / 2] ^ 1);
@@ -199,7 +199,7 @@ TEST_F(DownloadTest, folderIsNotFound) {
     expectPage(download(NAME), "404 Not Found", caption(NO_SUCH_BACKUP));
 }
 
-TEST_F(DownloadTest, whoIsNotLoggedInGetsNothing) {
+TEST_F(DownloadTest, downloadNeedsALogin) {
     const Host::Session expired = startSession("admin", true, "");
     expire(expired);
     for (const std::string& cookie :
@@ -211,12 +211,12 @@ TEST_F(DownloadTest, whoIsNotLoggedInGetsNothing) {
     }
 }
 
-// What is wrong with the name is only for those who may download.
+// Only those who may download learn what is wrong with a name.
 TEST_F(DownloadTest, sessionIsCheckedBeforeTheName) {
     expectPage(run({.query = "functionID=5&filename=x"}), "403 Forbidden", caption(LOGIN_NEEDED));
 }
 
-TEST_F(DownloadTest, roleWithoutTheBackupFunctionGetsNothing) {
+TEST_F(DownloadTest, downloadNeedsTheBackupFunction) {
     const Host::Session viewer = startSession("viewer", false, ",106,");
     writeText(boardFile("/var/tmp/efi_backup" + viewer.identifier), toText(file));
     expectPage(

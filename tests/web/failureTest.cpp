@@ -1,4 +1,4 @@
-// A board whose web content is damaged still answers with a whole page.
+// Tests that a board with damaged web content still answers with a complete page.
 
 #include "platform/host/session/Session.h"
 #include "tests/support/files.h"
@@ -15,7 +15,7 @@ namespace {
 
 using testing::HasSubstr;
 
-// Replaces a file of the board for as long as the object lives.
+// Replaces the content of a board's file; the destructor restores it.
 class DamagedFile {
 public:
     DamagedFile(const std::string& path, const std::string& content)
@@ -38,7 +38,7 @@ const char* const ERROR_PAGE = "/usr/local/www/skel/skeleton_error.txt";
 
 class FailureTest : public WebTest {};
 
-TEST_F(FailureTest, damagedSkeletonGivesTheErrorPageAndNoHalfPage) {
+TEST_F(FailureTest, damagedSkeletonGivesErrorPage) {
     const Host::Session session = startSession("admin", false, "");
     for (const char* skeleton : {FRAME, MENU_BODY}) {
         const DamagedFile damage(skeleton, "<p>half a page</p>{{no such mark");
@@ -64,7 +64,7 @@ TEST_F(FailureTest, missingCatalogueStillGivesAPage) {
     expectPage(response, "200 OK", "9100");
 }
 
-TEST_F(FailureTest, traceThatCannotBeWrittenIsPassedOver) {
+TEST_F(FailureTest, unwritableTraceChangesNothing) {
     std::filesystem::remove_all(boardFile("/var/log"));
     expectPage(runWebProgram(LOGIN_PROGRAM, {.method = "POST", .form = "user=a&password=b"}),
                "503 Service Unavailable", "2001");

@@ -1,4 +1,4 @@
-// What the header of every page says: which board, who is logged in, and for how long.
+// Tests of the header of every page: the board, the user, and the session's remaining time.
 
 #include "platform/host/session/Session.h"
 #include "tests/support/files.h"
@@ -42,7 +42,7 @@ protected:
         return page.substr(start, end - start);
     }
 
-    // The element that says how long the session lives.
+    // Returns the element with the session's remaining time.
     static std::optional<Tag> sessionLine(const CGIResponse& response) {
         for (const Tag& tag : tagsOf(response.body, "p")) {
             const auto id = tag.attributes.find("id");
@@ -65,7 +65,7 @@ protected:
     }
 };
 
-TEST_F(HeaderTest, namesTheBoardOnThePagesOfEverybody) {
+TEST_F(HeaderTest, namesTheBoardWithAndWithoutLogin) {
     nameBoard("Rack 4, row 12");
     const CGIResponse login = runWebProgram(LOGIN_PROGRAM, {.cookie = "device=x"});
     EXPECT_EQ(titleOf(login), "Log in - Rack 4, row 12 - Server Management Board");
@@ -79,7 +79,7 @@ TEST_F(HeaderTest, namesTheBoardOnThePagesOfEverybody) {
     EXPECT_THAT(textOf(headerOf(shown.body)), HasSubstr("Rack 4, row 12"));
 }
 
-TEST_F(HeaderTest, aBoardThatHasNoNameIsStillAPage) {
+TEST_F(HeaderTest, boardWithoutNameGetsAPage) {
     const CGIResponse login = runWebProgram(LOGIN_PROGRAM, {.cookie = "device=x"});
     EXPECT_EQ(titleOf(login), "Log in - Server Management Board");
     EXPECT_THAT(login.body, Not(HasSubstr("board-name")));
@@ -88,7 +88,7 @@ TEST_F(HeaderTest, aBoardThatHasNoNameIsStillAPage) {
               "Log in - Server Management Board");
 }
 
-TEST_F(HeaderTest, theNameStaysInItsPlace) {
+TEST_F(HeaderTest, boardNameAddsNoMarkup) {
     nameBoard("x");
     const auto tags = [] {
         return tagNamesOf(runWebProgram(LOGIN_PROGRAM, {.cookie = "device=x"}).body);
@@ -103,7 +103,7 @@ TEST_F(HeaderTest, theNameStaysInItsPlace) {
               "Log in - left\uFFFDright - Server Management Board");
 }
 
-TEST_F(HeaderTest, whoIsLoggedInSeesTheSessionAndCanEndIt) {
+TEST_F(HeaderTest, showsSessionAndLogoutToUser) {
     const Host::Session session = startSession("admin", false, "");
     for (const std::string& page :
          {menu(session).body, runWebProgram(ACTIVITY_PROGRAM, {.cookie = cookieOf(session)}).body,
@@ -117,7 +117,7 @@ TEST_F(HeaderTest, whoIsLoggedInSeesTheSessionAndCanEndIt) {
     }
 }
 
-TEST_F(HeaderTest, whoIsNotLoggedInSeesNoSession) {
+TEST_F(HeaderTest, showsNoSessionWithoutLogin) {
     for (const CGIResponse& response :
          {runWebProgram(LOGIN_PROGRAM, {.cookie = "device=x"}), runWebProgram(DOWNLOAD_PROGRAM, {}),
           runWebProgram(STAY_PROGRAM, {})}) {
@@ -127,8 +127,8 @@ TEST_F(HeaderTest, whoIsNotLoggedInSeesNoSession) {
     }
 }
 
-// The time that the page states is the time that the session's file has: no page states more.
-TEST_F(HeaderTest, theRemainingTimeIsTrue) {
+// No page shows more time than the session's file grants.
+TEST_F(HeaderTest, remainingTimeIsCorrect) {
     const Host::Session session = startSession("admin", false, "");
     const auto leftAfter = [&session](std::time_t seconds) {
         lastUsedAgo(session, seconds);
@@ -136,16 +136,16 @@ TEST_F(HeaderTest, theRemainingTimeIsTrue) {
         EXPECT_TRUE(line);
         return std::stol(line ? line->attributes.at("data-left") : "0");
     };
-    // Not noted as a use: less than a minute has passed since the last.
+    // Not recorded as a use, because less than a minute has passed since the last.
     EXPECT_LE(leftAfter(40), Host::SESSION_IDLE_SECONDS - 40);
     EXPECT_GE(leftAfter(40), Host::SESSION_IDLE_SECONDS - 58);
-    // Noted, so that all of it is left.
+    // Recorded, so that the whole time is left.
     const long noted = leftAfter(300);
     EXPECT_LE(noted, Host::SESSION_IDLE_SECONDS);
     EXPECT_GE(noted, Host::SESSION_IDLE_SECONDS - 20);
 }
 
-TEST_F(HeaderTest, theTimeOfASessionAtTheEndOfItsLifeIsTrue) {
+TEST_F(HeaderTest, remainingTimeIsLimitedBySessionLife) {
     const Host::Session session = startSession("admin", false, "");
     const std::string path = boardFile("/var/lib/session/" + session.identifier);
     std::string text = readText(path);
@@ -160,7 +160,7 @@ TEST_F(HeaderTest, theTimeOfASessionAtTheEndOfItsLifeIsTrue) {
     EXPECT_EQ(line->attributes.at("data-left"), line->attributes.at("data-life"));
 }
 
-TEST_F(HeaderTest, stayingIsAUseOfTheSession) {
+TEST_F(HeaderTest, stayExtendsTheSession) {
     const Host::Session session = startSession("admin", false, "");
     lastUsedAgo(session, Host::SESSION_IDLE_SECONDS - 60);
     const CGIResponse response =
@@ -172,14 +172,14 @@ TEST_F(HeaderTest, stayingIsAUseOfTheSession) {
     EXPECT_GE(found.ends, std::time(nullptr) + Host::SESSION_IDLE_SECONDS - 60);
 }
 
-TEST_F(HeaderTest, nobodyStaysWithoutASession) {
+TEST_F(HeaderTest, stayNeedsASession) {
     const Host::Session expired = startSession("admin", false, "");
     expire(expired);
     expectPage(runWebProgram(STAY_PROGRAM, {.query = "use=1", .cookie = cookieOf(expired)}),
                "403 Forbidden", caption(9026));
 }
 
-TEST_F(HeaderTest, anotherSiteLetsNobodyStay) {
+TEST_F(HeaderTest, stayFromAnotherSiteIsRefused) {
     const Host::Session session = startSession("admin", false, "");
     lastUsedAgo(session, 600);
     expectPage(runWebProgram(STAY_PROGRAM, {.query = "use=1",
@@ -188,8 +188,9 @@ TEST_F(HeaderTest, anotherSiteLetsNobodyStay) {
                "403 Forbidden", caption(9025));
 }
 
-// Three skeletons have the header, because reading it from a fourth would cost system calls.
-TEST_F(HeaderTest, isTheSameInEverySkeleton) {
+// The header is repeated in three skeletons, because reading it from a fourth file would cost
+// system calls.
+TEST_F(HeaderTest, headerIsTheSameInEverySkeleton) {
     const std::string frame =
         headerOf(readText(std::string(WEB_SKELETONS) + "/skeleton_web_frame.txt"));
     for (const char* name : {"/skeleton_shell.txt", "/skeleton_error.txt"}) {
@@ -197,7 +198,7 @@ TEST_F(HeaderTest, isTheSameInEverySkeleton) {
     }
 }
 
-TEST_F(HeaderTest, theErrorPageLeadsBackAfterTheLogin) {
+TEST_F(HeaderTest, errorPageLeadsBackAfterLogin) {
     const CGIResponse response = runWebProgram(DOWNLOAD_PROGRAM, {.query = "functionID=105"});
     std::vector<std::string> links;
     for (const Tag& link : tagsOf(response.body, "a")) {

@@ -1,4 +1,4 @@
-// The web server's log, as keep_log keeps it.
+// Tests of keep_log, which writes the web server's log.
 
 #include "tests/support/BoardTest.h"
 #include "tests/support/ChildProcess.h"
@@ -27,18 +27,18 @@ protected:
 
 }  // namespace
 
-TEST_F(KeepLogTest, linesAreAppended) {
+TEST_F(KeepLogTest, appendsLines) {
     keep("one\ntwo\n");
     keep("three\n");
     EXPECT_EQ(log(), "one\ntwo\nthree\n");
 }
 
-TEST_F(KeepLogTest, anUnfinishedLineIsFinished) {
+TEST_F(KeepLogTest, endsUnfinishedLine) {
     keep("one\ntw");
     EXPECT_EQ(log(), "one\ntw\n");
 }
 
-TEST_F(KeepLogTest, theLogIsBounded) {
+TEST_F(KeepLogTest, limitsSizeOfLog) {
     std::string input;
     while (input.size() < 5 * MEGABYTE) {
         input += std::string(99, 'x') + "\n";
@@ -52,12 +52,12 @@ TEST_F(KeepLogTest, theLogIsBounded) {
     EXPECT_EQ(namesIn(boardFile("/var/log")).size(), 2U);
 }
 
-TEST_F(KeepLogTest, aLineWithoutAnEndTakesNoMemoryWithoutAnEnd) {
+TEST_F(KeepLogTest, splitsEndlessLine) {
     keep(std::string(3 * MEGABYTE, 'x'));
     EXPECT_LE(log().size(), MEGABYTE + 32 * 1024);
 }
 
-TEST_F(KeepLogTest, wrongUseIsRefused) {
+TEST_F(KeepLogTest, rejectsWrongUse) {
     EXPECT_EQ(runProgram({KEEP_LOG}, {}).exitStatus, 2);
 }
 

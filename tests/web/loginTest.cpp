@@ -56,7 +56,7 @@ protected:
         return post("user=admin&password=admin", cookie);
     }
 
-    // The cookies that the response sets, in their order.
+    // Returns the response's Set-Cookie headers, in order.
     static std::vector<std::string> newCookies(const CGIResponse& response) {
         std::vector<std::string> cookies;
         for (const auto& [name, value] : response.headers) {
@@ -67,14 +67,14 @@ protected:
         return cookies;
     }
 
-    // The device that the back-end was asked with.
+    // Returns the device in the login request that the back-end received.
     static std::string askedDevice(FakeBackend& backend) {
         Host::LoginRequest login;
         EXPECT_TRUE(Host::decode(backend.takeRequest()->payload, login));
         return login.device;
     }
 
-    // The value that the response gives the session cookie.
+    // Returns the new value of the session cookie.
     static std::string newCookie(const CGIResponse& response) {
         const std::string header = response.header("Set-Cookie");
         EXPECT_THAT(header, MatchesRegex("session=[0-9a-f]{16}-[0-9a-f]{32}; Path=/; HttpOnly; "
@@ -107,8 +107,8 @@ TEST_F(LoginTest, getShowsAnEmptyForm) {
     EXPECT_THAT(sessionFiles(), IsEmpty());
 }
 
-// So that the back-end can tell it from a program that only guesses.
-TEST_F(LoginTest, getNamesABrowserThatHasNoName) {
+// The name distinguishes the browser from a program that guesses passwords.
+TEST_F(LoginTest, getNamesAnUnnamedBrowser) {
     const std::vector<std::string> cookies = newCookies(run({}));
     EXPECT_THAT(cookies, ElementsAre(MatchesRegex("device=[0-9a-f]{32}; Path=/; Max-Age=31536000; "
                                                   "HttpOnly; SameSite=Strict")));
@@ -128,7 +128,7 @@ TEST_F(LoginTest, acceptedUserGetsASession) {
     EXPECT_EQ(session.user, "admin");
 }
 
-TEST_F(LoginTest, leadsToThePageThatWasWanted) {
+TEST_F(LoginTest, leadsToRequestedPage) {
     const std::string cookie = "device=" + DEVICE;
     const CGIResponse form = run({.query = "functionID=106", .cookie = cookie});
     expectPage(form, "200 OK", caption(9101));
@@ -142,7 +142,7 @@ TEST_F(LoginTest, leadsToThePageThatWasWanted) {
     }
 }
 
-TEST_F(LoginTest, leadsToNoOtherPlaceThanThePagesOfTheBoard) {
+TEST_F(LoginTest, leadsOnlyToPagesOfTheBoard) {
     for (const char* target :
          {"", "1", "1050", "105%0d%0aX:+y", "%2f%2fevil.example", "https:%2f%2fevil.example",
           "%2flogout.cgi", "105%26x=y", "%5c%5cevil.example", "105%00"}) {
@@ -154,12 +154,12 @@ TEST_F(LoginTest, leadsToNoOtherPlaceThanThePagesOfTheBoard) {
     }
 }
 
-TEST_F(LoginTest, aRefusedLoginKeepsThePageThatWasWanted) {
+TEST_F(LoginTest, refusedLoginKeepsRequestedPage) {
     FakeBackend backend(refuse(Host::BACKEND_LOGIN_REFUSED));
     EXPECT_EQ(valueOf(post("user=admin&password=x&functionID=105"), "functionID"), "105");
 }
 
-TEST_F(LoginTest, backEndIsAskedWithExactlyWhatWasTyped) {
+TEST_F(LoginTest, sendsTypedTextUnchangedToBackEnd) {
     FakeBackend backend(accept({}));
     post("password=p%26%3D%2B+%25%22&user=J%C3%BCrgen+%3Cb%3E");
     const std::optional<Host::RequestFrame> request = backend.takeRequest();
@@ -172,7 +172,7 @@ TEST_F(LoginTest, backEndIsAskedWithExactlyWhatWasTyped) {
     EXPECT_EQ(login.password, "p&=+ %\"");
 }
 
-TEST_F(LoginTest, refusedUserSeesTheFormAgainWithTheNameAndWithoutThePassword) {
+TEST_F(LoginTest, refusedLoginShowsNameButNoPassword) {
     FakeBackend backend(refuse(Host::BACKEND_LOGIN_REFUSED));
     const CGIResponse response = post("user=admin&password=topsecret");
     expectPage(response, "403 Forbidden", caption(LOGIN_REFUSED));
@@ -182,7 +182,7 @@ TEST_F(LoginTest, refusedUserSeesTheFormAgainWithTheNameAndWithoutThePassword) {
     EXPECT_THAT(sessionFiles(), IsEmpty());
 }
 
-TEST_F(LoginTest, backEndLearnsWhereTheAttemptComesFrom) {
+TEST_F(LoginTest, sendsClientAddressToBackEnd) {
     FakeBackend backend(refuse(Host::BACKEND_LOGIN_TOO_SOON));
     const CGIResponse response = run({.method = "POST",
                                       .form = "user=admin&password=x",
@@ -207,7 +207,7 @@ TEST_F(LoginTest, onlyTheBodyOfAPostLogsIn) {
     EXPECT_THAT(sessionFiles(), IsEmpty());
 }
 
-TEST_F(LoginTest, browserKeepsTheNameThatTheBackEndGivesIt) {
+TEST_F(LoginTest, setsDeviceCookieFromBackEnd) {
     FakeBackend backend(accept({.device = DEVICE}));
     EXPECT_THAT(
         newCookies(post("user=admin&password=admin")),
@@ -215,7 +215,7 @@ TEST_F(LoginTest, browserKeepsTheNameThatTheBackEndGivesIt) {
                     "device=" + DEVICE + "; Path=/; Max-Age=31536000; HttpOnly; SameSite=Strict"));
 }
 
-TEST_F(LoginTest, encryptedConnectionsHaveADeviceCookieOfTheirOwn) {
+TEST_F(LoginTest, encryptedConnectionHasItsOwnDeviceCookie) {
     FakeBackend backend(accept({.device = DEVICE}));
     const CGIResponse response = run({.method = "POST",
                                       .form = "user=admin&password=admin",
@@ -234,14 +234,14 @@ TEST_F(LoginTest, encryptedConnectionsHaveADeviceCookieOfTheirOwn) {
     EXPECT_EQ(askedDevice(again), DEVICE);
 }
 
-TEST_F(LoginTest, knownBrowserIsNamedAndKeepsItsName) {
+TEST_F(LoginTest, knownBrowserKeepsItsName) {
     FakeBackend backend(accept({}));
     const CGIResponse response = post("user=admin&password=admin", "device=" + DEVICE);
     EXPECT_THAT(newCookies(response), ElementsAre(StartsWith("session=")));
     EXPECT_EQ(askedDevice(backend), DEVICE);
 }
 
-TEST_F(LoginTest, whatIsNoNameOfABrowserIsPassedOver) {
+TEST_F(LoginTest, ignoresMalformedDeviceCookie) {
     for (const std::string& device : {std::string("x"), DEVICE + "0", std::string(32, 'A'),
                                       std::string(32, '-'), std::string(60000, 'a')}) {
         FakeBackend backend(accept({}));
@@ -250,8 +250,8 @@ TEST_F(LoginTest, whatIsNoNameOfABrowserIsPassedOver) {
     }
 }
 
-// A damaged answer must not put anything else into the header.
-TEST_F(LoginTest, onlyTheNameOfABrowserBecomesACookie) {
+// A damaged answer from the back-end must not reach the header.
+TEST_F(LoginTest, setsNoCookieFromMalformedDevice) {
     for (const char* device :
          {"x; Domain=example", "a2378c31bfb1", "0123456789abcdef0123456789abcde\n"}) {
         FakeBackend backend(accept({.device = device}));
@@ -265,7 +265,7 @@ TEST_F(LoginTest, refusedLoginSetsNoCookie) {
     EXPECT_THAT(newCookies(post("user=admin&password=x", "device=" + DEVICE)), IsEmpty());
 }
 
-TEST_F(LoginTest, refusedLoginIsTracedWithoutWhatWasTyped) {
+TEST_F(LoginTest, refusedLoginIsTracedWithoutTypedText) {
     FakeBackend backend(refuse(Host::BACKEND_LOGIN_REFUSED));
     post("user=typedname&password=topsecret");
     EXPECT_THAT(trace(), HasSubstr("Login refused, code 1607"));
@@ -273,7 +273,7 @@ TEST_F(LoginTest, refusedLoginIsTracedWithoutWhatWasTyped) {
     EXPECT_THAT(trace(), Not(HasSubstr("topsecret")));
 }
 
-TEST_F(LoginTest, typedNameStaysInItsPlace) {
+TEST_F(LoginTest, typedNameAddsNoMarkup) {
     std::string plainTags;
     for (const std::string& name : printableTexts()) {
         FakeBackend backend(refuse(Host::BACKEND_LOGIN_REFUSED));
@@ -294,7 +294,7 @@ TEST_F(LoginTest, typedNameStaysInItsPlace) {
     }
 }
 
-TEST_F(LoginTest, missingFieldsAreAskedForAsEmptyTexts) {
+TEST_F(LoginTest, missingFieldsCountAsEmpty) {
     FakeBackend backend(refuse(Host::BACKEND_LOGIN_REFUSED));
     expectPage(post(""), "403 Forbidden", caption(LOGIN_REFUSED));
     const std::optional<Host::RequestFrame> request = backend.takeRequest();
@@ -304,7 +304,7 @@ TEST_F(LoginTest, missingFieldsAreAskedForAsEmptyTexts) {
     EXPECT_EQ(login.user + login.password, "");
 }
 
-TEST_F(LoginTest, absentBackEndHasAMessageOfItsOwn) {
+TEST_F(LoginTest, absentBackEndIsReported) {
     const CGIResponse response = post("user=admin&password=topsecret");
     expectPage(response, "503 Service Unavailable", caption(BACKEND_SILENT) + " [9105-2001]");
     EXPECT_EQ(valueOf(response, "user"), "admin");
@@ -312,14 +312,14 @@ TEST_F(LoginTest, absentBackEndHasAMessageOfItsOwn) {
     EXPECT_THAT(sessionFiles(), IsEmpty());
 }
 
-TEST_F(LoginTest, backEndThatHangsUpIsNoLogin) {
+TEST_F(LoginTest, closedConnectionIsReported) {
     FakeBackend backend(std::nullopt);
     expectPage(post("user=admin&password=admin"), "503 Service Unavailable",
                caption(BACKEND_SILENT) + " [9105-2003]");
     EXPECT_THAT(sessionFiles(), IsEmpty());
 }
 
-TEST_F(LoginTest, answerThatIsNoRightsIsNoLogin) {
+TEST_F(LoginTest, malformedAnswerIsReported) {
     FakeBackend backend(Host::ReplyFrame{.errorCode = 0, .payload = {1, 0, 9, ','}});
     expectPage(post("user=admin&password=admin"), "503 Service Unavailable",
                caption(BACKEND_SILENT) + " [9105-2005]");
@@ -332,7 +332,7 @@ TEST_F(LoginTest, otherErrorsOfTheBackEndDoNotBlameThePassword) {
                caption(BACKEND_SILENT) + " [9105-1603]");
 }
 
-TEST_F(LoginTest, presentedSessionIsReplacedAndEnded) {
+TEST_F(LoginTest, loginEndsPresentedSession) {
     const Host::Session former = startSession("other", false, ",106,");
     const std::string backup = boardFile("/var/tmp/efi_backup" + former.identifier);
     writeText(backup, "bytes");
@@ -344,21 +344,21 @@ TEST_F(LoginTest, presentedSessionIsReplacedAndEnded) {
     EXPECT_THAT(sessionFiles(), SizeIs(1));
 }
 
-TEST_F(LoginTest, cookieThatNobodyGaveOutIsNotAdopted) {
+TEST_F(LoginTest, forgedCookieIsNotAdopted) {
     const std::string forged = "0123456789abcdef-0123456789abcdef0123456789abcdef";
     EXPECT_NE(newCookie(logIn("session=" + forged)), forged);
     Host::Session session;
     EXPECT_FALSE(Host::findSession(forged, session));
 }
 
-TEST_F(LoginTest, sessionOfAnotherBrowserStays) {
+TEST_F(LoginTest, forgedTokenEndsNoSessionAtLogin) {
     const Host::Session other = startSession("other", false, "");
     logIn("session=" + other.identifier + "-00000000000000000000000000000000");
     Host::Session session;
     EXPECT_TRUE(Host::findSession(other.cookieValue(), session));
 }
 
-TEST_F(LoginTest, refusedLoginLeavesThePresentedSession) {
+TEST_F(LoginTest, refusedLoginKeepsPresentedSession) {
     const Host::Session former = startSession("other", false, "");
     FakeBackend backend(refuse(Host::BACKEND_LOGIN_REFUSED));
     post("user=admin&password=x", cookieOf(former));
@@ -366,19 +366,19 @@ TEST_F(LoginTest, refusedLoginLeavesThePresentedSession) {
     EXPECT_TRUE(Host::findSession(former.cookieValue(), session));
 }
 
-TEST_F(LoginTest, everyLoginGetsAnotherSession) {
+TEST_F(LoginTest, everyLoginGetsANewSession) {
     EXPECT_NE(newCookie(logIn()).substr(0, 16), newCookie(logIn()).substr(0, 16));
     EXPECT_THAT(sessionFiles(), SizeIs(2));
 }
 
-TEST_F(LoginTest, expiredSessionsOfOthersEndWithTheNextLogin) {
+TEST_F(LoginTest, loginRemovesExpiredSessions) {
     const Host::Session forgotten = startSession("other", false, "");
     expire(forgotten);
     logIn();
     EXPECT_FALSE(exists(boardFile("/var/lib/session/" + forgotten.identifier)));
 }
 
-TEST_F(LoginTest, sessionThatCannotBeStoredIsNoLogin) {
+TEST_F(LoginTest, loginFailsIfSessionCannotBeStored) {
     std::filesystem::remove_all(boardFile("/var/lib/session"));
     writeText(boardFile("/var/lib/session"), "a file in the way");
     expectPage(logIn(), "500 Internal Server Error", "1106");

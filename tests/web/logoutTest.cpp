@@ -21,7 +21,7 @@ protected:
         return Host::findSession(session.cookieValue(), found);
     }
 
-    // The response sends the browser to the login page and takes the cookie from it.
+    // Expects a redirection to the login page that deletes the cookie and the browser's data.
     static void expectLoggedOut(const CGIResponse& response) {
         expectRedirection(response, "/login.cgi");
         EXPECT_EQ(response.header("Set-Cookie"),
@@ -32,7 +32,7 @@ protected:
     const Host::Session session = startSession("admin", false, ",105,106,");
 };
 
-TEST_F(LogoutTest, postEndsTheSessionWithItsFilesAndNoOther) {
+TEST_F(LogoutTest, postEndsOnlyItsSessionAndFiles) {
     const Host::Session other = startSession("viewer", false, "");
     for (const char* file : {"/var/tmp/efi_backup", "/var/tmp/restored_eficonf"}) {
         writeText(boardFile(file + session.identifier), "bytes");
@@ -47,7 +47,7 @@ TEST_F(LogoutTest, postEndsTheSessionWithItsFilesAndNoOther) {
     }
 }
 
-TEST_F(LogoutTest, postWithoutASessionClearsTheCookieAllTheSame) {
+TEST_F(LogoutTest, postWithoutSessionClearsTheCookie) {
     for (const char* cookie : {"", "session=", "session=../../etc/passwd", "session=x; other=y"}) {
         expectLoggedOut(run({.method = "POST", .cookie = cookie}));
     }
@@ -60,20 +60,20 @@ TEST_F(LogoutTest, forgedTokenEndsNoSession) {
     EXPECT_TRUE(isAlive(session));
 }
 
-TEST_F(LogoutTest, getLogsNobodyOut) {
+TEST_F(LogoutTest, getEndsNoSession) {
     const CGIResponse response = run({.cookie = cookieOf(session)});
     expectPage(response, "405 Method Not Allowed", caption(LOGOUT_NEEDS_BUTTON));
     EXPECT_EQ(response.header("Allow"), "POST");
     EXPECT_TRUE(isAlive(session));
 }
 
-TEST_F(LogoutTest, headLogsNobodyOut) {
+TEST_F(LogoutTest, headEndsNoSession) {
     const CGIResponse response = run({.method = "HEAD", .cookie = cookieOf(session)});
     EXPECT_EQ(response.status, "405 Method Not Allowed");
     EXPECT_TRUE(isAlive(session));
 }
 
-TEST_F(LogoutTest, postOfAnotherSiteLogsNobodyOut) {
+TEST_F(LogoutTest, postFromAnotherSiteEndsNoSession) {
     const CGIResponse response = run({.method = "POST",
                                       .cookie = cookieOf(session),
                                       .more = {{"HTTP_SEC_FETCH_SITE", "cross-site"}}});

@@ -30,7 +30,7 @@ protected:
         return run({.cookie = cookieOf(session)});
     }
 
-    // The links to the program's screens.
+    // Returns the links to the program's screens.
     static std::vector<std::string> linksOf(const CGIResponse& response) {
         std::vector<std::string> links;
         for (const Tag& link : tagsOf(response.body, "a")) {
@@ -41,7 +41,7 @@ protected:
         return links;
     }
 
-    // How often the page says that a function is not available.
+    // Returns how often the page says that a function is not available.
     static int countUnavailable(const CGIResponse& response) {
         const std::string text = textOf(response.body);
         const std::string words = caption(NOT_AVAILABLE);
@@ -54,7 +54,7 @@ protected:
     }
 };
 
-TEST_F(MenuTest, whoIsNotLoggedInIsSentToTheLogin) {
+TEST_F(MenuTest, anonymousUserIsSentToLogin) {
     const Host::Session expired = startSession("admin", true, "");
     expire(expired);
     const Host::Session real = startSession("admin", true, "");
@@ -66,19 +66,19 @@ TEST_F(MenuTest, whoIsNotLoggedInIsSentToTheLogin) {
     }
 }
 
-TEST_F(MenuTest, showsWhoIsLoggedInAndBothFunctions) {
+TEST_F(MenuTest, showsUserAndBothFunctions) {
     const CGIResponse response = showTo(startSession("admin", false, ",105,106,"));
     expectPage(response, "200 OK", "admin");
     EXPECT_THAT(linksOf(response), ElementsAre(BACKUP_LINK, RESTORE_LINK));
     EXPECT_EQ(countUnavailable(response), 0);
 }
 
-TEST_F(MenuTest, everyFunctionIncludesBoth) {
+TEST_F(MenuTest, userWithEveryFunctionGetsBothLinks) {
     const CGIResponse response = showTo(startSession("root", true, ""));
     EXPECT_THAT(linksOf(response), ElementsAre(BACKUP_LINK, RESTORE_LINK));
 }
 
-TEST_F(MenuTest, functionThatTheRoleLacksIsNamedAndNotLinked) {
+TEST_F(MenuTest, missingFunctionIsNamedAndNotLinked) {
     const CGIResponse one = showTo(startSession("operator", false, ",105,"));
     EXPECT_THAT(linksOf(one), ElementsAre(BACKUP_LINK));
     EXPECT_EQ(countUnavailable(one), 1);
@@ -94,7 +94,7 @@ TEST_F(MenuTest, functionNumberIsComparedWhole) {
     EXPECT_THAT(linksOf(response), IsEmpty());
 }
 
-TEST_F(MenuTest, everybodyIsLedToTheActivity) {
+TEST_F(MenuTest, everyUserGetsLinksToActivity) {
     for (const char* functions : {"", ",105,106,110,"}) {
         const CGIResponse response = showTo(startSession("user", false, functions));
         int count = 0;
@@ -105,7 +105,7 @@ TEST_F(MenuTest, everybodyIsLedToTheActivity) {
     }
 }
 
-TEST_F(MenuTest, languageIsChosenOnThePageThatWasShown) {
+TEST_F(MenuTest, choosingLanguageReturnsToThePage) {
     const auto choose = [](const std::string& function, const std::string& cookie) {
         return run({.method = "POST",
                     .form = "language=ja&functionID=" + function,
@@ -129,7 +129,7 @@ TEST_F(MenuTest, logoutIsAPost) {
     EXPECT_EQ(methods["/index.cgi"], "post");
 }
 
-TEST_F(MenuTest, userNameStaysInItsPlace) {
+TEST_F(MenuTest, userNameAddsNoMarkup) {
     const std::vector<std::string> plain =
         tagNamesOf(showTo(startSession("admin", false, "")).body);
     for (const std::string& name : printableTexts()) {
@@ -150,7 +150,7 @@ TEST_F(MenuTest, languageIsKeptInACookie) {
     }
 }
 
-TEST_F(MenuTest, languageThatTheBoardDoesNotSpeakIsRefused) {
+TEST_F(MenuTest, unknownLanguageIsRefused) {
     for (const char* form :
          {"", "language=", "language=xx", "language=EN", "language=ja%0d%0aX: y", "tongue=en"}) {
         const CGIResponse response = run({.method = "POST", .form = form});
@@ -158,13 +158,13 @@ TEST_F(MenuTest, languageThatTheBoardDoesNotSpeakIsRefused) {
     }
 }
 
-TEST_F(MenuTest, languageIsNotChosenByALink) {
+TEST_F(MenuTest, linkDoesNotChangeLanguage) {
     const Host::Session session = startSession("admin", false, "");
     const CGIResponse response = run({.query = "language=ja", .cookie = cookieOf(session)});
     expectPage(response, "200 OK", caption(9155));
 }
 
-TEST_F(MenuTest, pageSpeaksTheLanguageOfTheCookieElseOfTheBrowser) {
+TEST_F(MenuTest, cookieLanguageWinsOverBrowserLanguage) {
     const Host::Session session = startSession("admin", false, "");
     const std::string japanese = Host::findText(1, Host::TextSet::CAPTIONS, 9155);
     ASSERT_NE(japanese, caption(9155));

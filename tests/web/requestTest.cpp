@@ -1,4 +1,4 @@
-// What every web program of the board checks before it looks at a request.
+// Tests of the checks that every web program makes before it handles a request.
 
 #include "tests/web/FakeBackend.h"
 #include "tests/web/WebTest.h"
@@ -35,7 +35,7 @@ TEST_P(EveryProgramTest, otherMethodsAreNotAllowed) {
     }
 }
 
-TEST_P(EveryProgramTest, aNameThatIsNotTheBoardsIsNotAnswered) {
+TEST_P(EveryProgramTest, foreignHostNameIsMisdirected) {
     for (const char* method : {"GET", "POST"}) {
         if (std::string(GetParam().allowed).find(method) != std::string::npos) {
             const CGIResponse response = runWebProgram(
@@ -51,7 +51,7 @@ class PostTest : public WebTest, public testing::WithParamInterface<const char*>
 INSTANTIATE_TEST_SUITE_P(Programs, PostTest,
                          testing::Values(LOGIN_PROGRAM, LOGOUT_PROGRAM, MENU_PROGRAM));
 
-TEST_P(PostTest, postOfAnotherSiteIsRefused) {
+TEST_P(PostTest, postFromAnotherSiteIsRefused) {
     const std::vector<Environment> foreign = {
         {{"HTTP_SEC_FETCH_SITE", "cross-site"}},
         {{"HTTP_SEC_FETCH_SITE", "same-site"}},
@@ -69,7 +69,7 @@ TEST_P(PostTest, postOfAnotherSiteIsRefused) {
     }
 }
 
-TEST_P(PostTest, postOfThisSiteIsTaken) {
+TEST_P(PostTest, postFromOwnSiteIsAccepted) {
     const CGIResponse response =
         runWebProgram(GetParam(), {.method = "POST",
                                    .form = "user=admin&password=admin&language=ja",
@@ -82,13 +82,13 @@ class FormTest : public WebTest, public testing::WithParamInterface<const char*>
 
 INSTANTIATE_TEST_SUITE_P(Programs, FormTest, testing::Values(LOGIN_PROGRAM, MENU_PROGRAM));
 
-TEST_P(FormTest, oversizedFormIsRefusedWhole) {
+TEST_P(FormTest, oversizedFormIsRefused) {
     const CGIResponse response = runWebProgram(
         GetParam(), {.method = "POST", .form = "language=ja&user=" + std::string(100000, 'a')});
     expectPage(response, "413 Content Too Large", "1108");
 }
 
-TEST_P(FormTest, bodyThatIsCutShortIsRefused) {
+TEST_P(FormTest, truncatedBodyIsRefused) {
     const CGIResponse response = runWebProgram(
         GetParam(),
         {.method = "POST", .form = "language=ja&user=admin", .more = {{"CONTENT_LENGTH", "1000"}}});

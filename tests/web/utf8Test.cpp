@@ -8,7 +8,7 @@ namespace {
 
 using namespace Board;
 
-TEST(utf8, printableTextIsTaken) {
+TEST(utf8, wellFormedTextIsPrintable) {
     for (const std::string text :
          {"", " ", "~", "\xC2\xA0", "\xDF\xBF", "\xE0\xA0\x80", "\xED\x9F\xBF", "\xEE\x80\x80",
           "\xEF\xBF\xBD", "\xF0\x90\x80\x80", "\xF4\x8F\xBF\xBF"}) {
@@ -35,16 +35,16 @@ TEST(utf8, malformedTextIsNotPrintable) {
     }
 }
 
-TEST(utf8, everyCharacterBeyondASCIIIsReplacedByOne) {
+TEST(utf8, replacesEachNonASCIICharacterByOne) {
     EXPECT_EQ(replaceNonASCII("a\xC3\xA4z \xE7\x89\x88\xF0\x9F\x98\x80.", '_'), "a_z __.");
 }
 
-TEST(utf8, everythingButUnreservedCharactersIsEncoded) {
+TEST(utf8, encodesAllButUnreservedCharacters) {
     EXPECT_EQ(percentEncode("aZ09-._"), "aZ09-._");
     EXPECT_EQ(percentEncode("a b%\"\xC3\xA4~'"), "a%20b%25%22%C3%A4%7E%27");
 }
 
-TEST(utf8, asciiIsToldFromTheRest) {
+TEST(utf8, recognizesASCII) {
     EXPECT_TRUE(isASCII("\x01 abc\x7F"));
     EXPECT_FALSE(isASCII("ab\xC3\xA4"));
 }

@@ -1,5 +1,5 @@
-// Shows on the pages of a logged-in user how long the session still lives, warns before it ends,
-// and lets the user stay.
+// Shows a logged-in user how long the session will last, warns before it ends, and lets the user
+// extend it.
 
 "use strict";
 
@@ -8,8 +8,8 @@ const SECOND = 1000;
 const MINUTE = 60 * SECOND;
 const WARNING = MINUTE;
 
-// Where the pages of this browser tell each other when the session ends: each request is a use of
-// it, and the newest page knows best.
+// The key in local storage under which the browser's pages share the end of the session. Each
+// request extends the session, so the newest page is right.
 const ENDS = "sessionEnds";
 
 const line = document.getElementById("session");
@@ -24,18 +24,18 @@ function remember() {
     try {
         localStorage.setItem(ENDS, String(ends));
     } catch {
-        // Without storage, each page goes by what it knows itself.
+        // Without storage, each page relies on its own value.
     }
 }
 
-// Shows one of the texts of the page, or none. The notice is announced when it changes, so it
+// Shows one of the page's texts, or none. Screen readers announce each change of the notice, so it
 // changes only here.
 function say(text) {
     stage = text;
     const found = text && texts.querySelector(`[data-case=${text}]`);
     notice.replaceChildren(...(found ? [document.importNode(found, true)] : []));
     notice.querySelector("button")?.addEventListener("click", stay);
-    // A login leads back to the screen that is shown.
+    // After the login, the browser returns to this screen.
     const link = notice.querySelector("a");
     if (link && /^\?functionID=\d+$/.test(location.search)) {
         link.search = location.search;
@@ -59,13 +59,13 @@ function show() {
             say("");
         }
     } else if (stage === "" || stage === "stayed") {
-        // Nothing prolongs a session beyond its life.
+        // A session cannot be extended beyond its maximum life.
         say(lifeEnds - ends < SECOND ? "last" : "ending");
     }
 }
 
-// Uses the session without leaving the page. A picture is what the page's policy lets a script
-// ask for; each has an address of its own, because a page asks only once for the same.
+// Extends the session without leaving the page, by loading a picture, which the page's policy
+// permits. Each has its own address, because a page loads the same address only once.
 function stay() {
     const use = new Image();
     use.addEventListener("load", () => {

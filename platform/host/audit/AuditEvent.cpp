@@ -34,8 +34,8 @@ std::string formatTime(AuditTime time) {
     return std::string(text, size) + fraction;
 }
 
-// One object of JSON. The members are written as they come: the library's own objects need memory
-// when they are destroyed, and without memory that would end the process.
+// Writes a JSON object member by member. The library's own objects are not used: their destructor
+// allocates, which would end the process when memory is exhausted.
 class Object {
 public:
     void put(std::string_view name, const std::string& value) {

@@ -10,7 +10,7 @@
 
 namespace VeskLib::Host {
 
-// A configuration file as the audit log names it.
+// A configuration file as the audit log describes it.
 struct AuditedFile {
     std::string sha256;  // of the whole file
     unsigned int partition = 0;
@@ -18,12 +18,12 @@ struct AuditedFile {
     std::uint32_t saved = 0;  // seconds since 1970-01-01 UTC
 };
 
-// One line of the audit log; docs/audit.md gives the fields. Empty ones are left out.
+// One line of the audit log. docs/audit.md describes the fields; empty ones are left out.
 struct AuditEvent {
     std::string event;
     std::string user;
     std::string address;
-    std::string session;  // the identifier, which is no secret
+    std::string session;  // the identifier, which is not secret
     std::string request;
     std::string reason;
     std::string order;
@@ -31,25 +31,25 @@ struct AuditEvent {
     std::optional<AuditedFile> file;
     std::map<unsigned int, std::string> before;  // SHA-256 of a partition's configuration
     std::map<unsigned int, std::string> after;
-    std::map<std::string, unsigned int> counts;  // of events that have no line of their own
+    std::map<std::string, unsigned int> counts;  // of events without a line of their own, by name
     std::string result;
     int code = 0;
 };
 
-// `text` as JSON has it, in quotes. It is ASCII, whatever `text` is.
+// Returns `text` as a quoted JSON string, which is always ASCII.
 std::string jsonText(const std::string& text);
 
 using AuditTime = std::chrono::system_clock::time_point;
 
-// The line of `event` on the board of that name, with its line feed. It is ASCII: whatever a text
-// contains cannot end the line or turn its direction.
+// Returns the line for `event`, with its line feed; `board` is the board's name. The line is ASCII,
+// so that no text in it can end the line or change the direction of text.
 std::string encode(const AuditEvent& event, AuditTime time, const std::string& board);
 
-// What the log says of a file with these bytes; none when they are not a configuration file.
+// Describes a file with these bytes. Returns nullopt if they are not a configuration file.
 std::optional<AuditedFile> auditedFile(const std::vector<unsigned char>& bytes);
 
-// The same for the file `path`, read piece by piece. Throws PException (FILE_NOT_READABLE) when it
-// cannot be read, or belongs to another user.
+// The same for the file `path`, which is read piece by piece. Throws PException (FILE_NOT_READABLE)
+// if it cannot be read or belongs to another user.
 std::optional<AuditedFile> auditedFileAt(const std::string& path);
 
 }  // namespace VeskLib::Host

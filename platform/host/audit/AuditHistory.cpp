@@ -26,7 +26,7 @@ namespace {
 
 const std::size_t LONGEST_LINE = 128 * 1024;  // a restore of 256 partitions takes 40 KiB
 const std::size_t LONGEST_TEXT = 4096;
-// Those that AuditTime has.
+// The years that AuditTime can represent.
 const int FIRST_YEAR = 1970;
 const int LAST_YEAR = 2261;
 const std::size_t MOST_PARTITIONS = 256;
@@ -34,7 +34,7 @@ const std::size_t MOST_COUNTS = 64;
 // Far above the size at which the log is rotated.
 const std::size_t LARGEST_LOG = 16 * 1024 * 1024;
 
-// "2026-01-31T23:59:59.123Z", without the fraction.
+// Parses a time such as "2026-01-31T23:59:59.123Z", dropping the fraction.
 bool readTime(const std::string& text, std::time_t& time) {
     using namespace std::chrono;
     int year = 0;
@@ -62,8 +62,8 @@ bool readTime(const std::string& text, std::time_t& time) {
     return true;
 }
 
-// Takes a line piece by piece; a document of the library would need memory when it is destroyed.
-// Every callback returns false for what no line of the log has.
+// Parses a line by callbacks, because the destructor of a parsed document would allocate. A
+// callback returns false, which stops the parser, if the value cannot be part of a log line.
 class LineReader : public nlohmann::json_sax<nlohmann::json> {
 public:
     AuditRecord record;
@@ -134,12 +134,12 @@ public:
         return depth > LINE && takeNumber(value);
     }
 
-    bool number_integer(number_integer_t /*value*/) override { return isPassedOver(); }
+    bool number_integer(number_integer_t /*value*/) override { return isIgnored(); }
     bool number_float(number_float_t /*value*/, const string_t& /*text*/) override {
-        return isPassedOver();
+        return isIgnored();
     }
-    bool null() override { return isPassedOver(); }
-    bool boolean(bool /*value*/) override { return isPassedOver(); }
+    bool null() override { return isIgnored(); }
+    bool boolean(bool /*value*/) override { return isIgnored(); }
     bool binary(binary_t& /*value*/) override { return false; }
     bool parse_error(std::size_t /*position*/, const std::string& /*token*/,
                      const nlohmann::json::exception& /*problem*/) override {
@@ -149,7 +149,7 @@ public:
 private:
     enum class Place { LINE, FILE, COUNTS, PARTITIONS, OTHER };
 
-    // How many objects and arrays are open.
+    // Values of `depth`, the number of open objects and arrays.
     static constexpr std::size_t LINE = 1;
     static constexpr std::size_t MEMBER = 2;
 
@@ -159,7 +159,7 @@ private:
         }
     }
 
-    // The members that have a kind of their own.
+    // Returns true if the current member is not decoded, so that its value may have any type.
     bool isForeign() const {
         for (const char* name : {"time", "event", "user", "address", "request", "reason", "order",
                                  "result", "code", "partitions", "file", "counts"}) {
@@ -170,7 +170,7 @@ private:
         return true;
     }
 
-    bool isPassedOver() const {
+    bool isIgnored() const {
         return depth == LINE ? isForeign() : depth > LINE && where == Place::OTHER;
     }
 
@@ -257,7 +257,7 @@ bool AuditHistory::next(std::string_view& line) {
             return false;
         }
     }
-    // `text` ends with a line feed or with the start of the file that was cut.
+    // `text` ends with a line feed.
     text.pop_back();
     const std::size_t start = text.rfind('\n') + 1;  // npos + 1 is 0
     current.assign(text, start);
@@ -266,8 +266,8 @@ bool AuditHistory::next(std::string_view& line) {
     return true;
 }
 
-// Takes the next older file. While the files are looked at, they may be renamed: one that was read
-// under a younger name is passed over.
+// Reads the next older file. The files may be rotated meanwhile: one that was already read under
+// its previous name is skipped.
 bool AuditHistory::openNext() {
     while (number < AUDIT_FORMER_FILES && !cut && !unreadable) {
         ++number;
@@ -277,7 +277,7 @@ bool AuditHistory::openNext() {
         const Descriptor file(openOwnFile(path, LARGEST_LOG, status));
         if (!file.isOpen()) {
             if (errno == ENOENT && number == 0) {
-                continue;  // just renamed, or none was written yet
+                continue;  // just rotated, or nothing logged yet
             }
             unreadable = errno != ENOENT;
             return false;

@@ -9,7 +9,7 @@ namespace VeskLib::Host {
 bool AuditLimits::admit(const AuditEvent& event, std::time_t now) {
     Period& period = periods[event.user];
     if (period.isOver(now)) {
-        // The longer somebody goes on, the fewer lines they get.
+        // An origin that keeps filling its periods gets ever longer ones.
         const bool goesOn =
             period.lines >= LINES && now >= period.start && now < period.start + 2 * period.length;
         period = {.start = now,
@@ -36,7 +36,7 @@ std::vector<AuditEvent> AuditLimits::takeReports(std::time_t now) {
             report.counts.swap(state.counts);
             reports.push_back(std::move(report));
         }
-        // Kept for as long as it decides on the length of the next period.
+        // A period is kept as long as it can affect the length of the next one.
         const bool forgotten = now < state.start || now >= state.start + 2 * state.length;
         period = forgotten ? periods.erase(period) : std::next(period);
     }
@@ -60,8 +60,8 @@ std::string AuditLimits::save() const {
     return text.empty() ? "{}" : text + "}";
 }
 
-// Takes the saved text piece by piece. A whole text would be one of the library's objects, which
-// need memory when they are destroyed; without memory that would end the process.
+// Parses the saved text by callbacks. The destructor of a parsed document would allocate, which
+// would end the process when memory is exhausted.
 class AuditLimits::Reader : public nlohmann::json_sax<nlohmann::json> {
 public:
     AuditLimits limits;
@@ -109,7 +109,7 @@ public:
     }
 
 private:
-    // How many objects are open where the keys of each stand.
+    // Values of `depth`, the number of open objects, where the keys of each kind appear.
     static constexpr std::size_t USER = 1;
     static constexpr std::size_t PERIOD = 2;
     static constexpr std::size_t COUNTS = 3;

@@ -9,8 +9,8 @@
 
 namespace VeskLib::Host {
 
-// Which of the events that anybody can cause get a line of their own, by origin: a user, or
-// everybody who is not logged in.
+// Limits the log lines of events that anybody can cause. Limits apply per origin: a user, or all
+// clients that are not logged in.
 class AuditLimits {
 public:
     static constexpr unsigned int LINES = 10;  // in one period
@@ -20,11 +20,11 @@ public:
     // Counts `event`, which happens at `now`. Returns true if it gets a line of its own.
     bool admit(const AuditEvent& event, std::time_t now);
 
-    // Returns the events that report what was only counted in the periods that are over, and
-    // forgets the counts. A period that the clock says begins in the future is over.
+    // Returns events that report the counts of all periods that are over, and resets these counts.
+    // A period that starts in the future, because the clock was set back, counts as over.
     std::vector<AuditEvent> takeReports(std::time_t now);
 
-    // As text, and back. A text that is damaged gives limits without any counts.
+    // Converts to text and back. A damaged text gives limits without counts.
     std::string save() const;
     static AuditLimits load(const std::string& text);
 

@@ -43,7 +43,7 @@ int holdLog(const Deadline& deadline) {
     }
 }
 
-// A file that a power cut left with half a line: the next line begins a line of its own.
+// Returns true if the last line is incomplete, as a power cut may leave it.
 bool endsWithinLine(int descriptor, long long size) {
     char last = '\n';
     if (size > 0 && ::pread(descriptor, &last, 1, size - 1) != 1) {
@@ -58,7 +58,8 @@ bool syncFolder(const std::string& path) {
     return folder.isOpen() && (::fsync(folder.get()) == 0 || errno == EINVAL);
 }
 
-// A line is written also while the board's name cannot be read.
+// Returns empty properties if they cannot be read; the line is then written without the board's
+// name.
 BoardProperties readProperties() {
     try {
         return readBoardProperties();
@@ -75,7 +76,7 @@ AuditLimits loadLimits() {
     return AuditLimits::load({bytes.begin(), bytes.end()});
 }
 
-// Not synced: a power cut costs the counts of one period.
+// Not synced: a power cut loses the counts of one period.
 void saveLimits(const AuditLimits& limits) {
     const Descriptor file(::open(getCGIPath(AUDIT_COUNTS).c_str(),
                                  O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK,
@@ -135,7 +136,7 @@ void AuditLog::open(std::size_t reserve) {
         }
         ++size;
     }
-    // A file system that cannot do this says so; it is then found out when the lines are written.
+    // Not every file system can reserve space; a full disk then shows only when a line is written.
     if (reserve != 0 &&
         ::fallocate(descriptor, FALLOC_FL_KEEP_SIZE, size, static_cast<off_t>(reserve)) != 0 &&
         errno != EOPNOTSUPP && errno != ENOSYS) {
@@ -144,7 +145,7 @@ void AuditLog::open(std::size_t reserve) {
 }
 
 void AuditLog::rotate() {
-    // What was taken in advance and not used is given back.
+    // Frees reserved space that was not used.
     static_cast<void>(!::ftruncate(descriptor, size));
     ::close(descriptor);
     descriptor = -1;
@@ -184,7 +185,7 @@ void recordRefusal(const AuditEvent& event) noexcept {
     try {
         AuditLog(0).appendLimited(event);
     } catch (...) {
-        trace::VeskTrace(1, 1, 1).putLog(0, "The audit log does not take a refusal");
+        trace::VeskTrace(1, 1, 1).putLog(0, "A refusal cannot be written to the audit log");
     }
 }
 

@@ -8,33 +8,31 @@
 
 namespace VeskLib::Host {
 
-// The youngest former file is audit.log.1.
+// The number of rotated files that are kept; audit.log.1 is the newest.
 inline constexpr int AUDIT_FORMER_FILES = 15;
 
-// The board's audit log: one line of JSON for each event, /var/log/audit.log. It is rotated at
-// 1 MiB, with 15 former files kept (".1" is the youngest).
+// The board's audit log, /var/log/audit.log: one line of JSON per event. It is rotated at 1 MiB.
 //
-// An object holds the log: no other process or thread writes to it meanwhile. So a change between
-// two of its lines has its place in the order of the log.
+// While an AuditLog exists, no other process or thread can write to the log. A change made between
+// two appended lines therefore keeps its place in the log's order.
 class AuditLog {
 public:
-    // Waits up to 5 s for other holders, threads of this process in the order in which they came,
-    // and takes `reserve` bytes of the disk in advance, so that a line about what has happened does
-    // not fail for lack of space. Throws PException (AUDIT_NOT_WRITTEN) when any of that is not
-    // possible.
+    // Locks the log, waiting up to 5 s; threads of this process get it in the order of their calls.
+    // Reserves `reserve` bytes on the disk, so that a line about something that has happened does
+    // not fail for lack of space. Throws PException (AUDIT_NOT_WRITTEN) on failure.
     explicit AuditLog(std::size_t reserve);
     AuditLog(const AuditLog&) = delete;
     AuditLog& operator=(const AuditLog&) = delete;
     ~AuditLog();
 
-    // Appends the line of `event`; when it returns, the line is on the disk. Throws PException
-    // (AUDIT_NOT_WRITTEN) otherwise, and the log is as before.
+    // Appends the line of `event` and syncs it to the disk. On failure throws PException
+    // (AUDIT_NOT_WRITTEN) and leaves the log as it was.
     void append(const AuditEvent& event);
 
-    // Appends the line of an event that anybody can cause as often as they like. After the tenth of
-    // one origin in a minute, events are only counted, in a line that follows when the minute is
-    // over; so nobody can rotate the other lines away. The minute becomes two, four and so on, up
-    // to a day, as long as each sees ten events.
+    // Appends the line of an event that anybody can cause as often as they like. After ten events
+    // of one origin in a minute, further ones are only counted, and reported in one line when the
+    // minute is over; so nobody can have other lines rotated away. The minute becomes two, four and
+    // so on, up to a day, as long as each period sees ten events.
     void appendLimited(const AuditEvent& event);
 
 private:
@@ -50,11 +48,11 @@ private:
     long long size = 0;
 };
 
-// Appends one line.
+// Locks the log and appends one line. Throws like AuditLog.
 void record(const AuditEvent& event);
 
-// Appends one limited line, for a refusal, which changes nothing. Does not throw, because the
-// refusal is what the client must get; a failure is traced.
+// Appends a limited line about a refusal. Does not throw, because a refusal changes nothing and the
+// client must get it all the same; a failure is traced.
 void recordRefusal(const AuditEvent& event) noexcept;
 
 }  // namespace VeskLib::Host

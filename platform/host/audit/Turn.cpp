@@ -16,7 +16,7 @@ namespace {
 struct Queue {
     std::mutex guard;
     std::condition_variable moved;
-    std::list<const Turn*> turns;  // the first is under way
+    std::list<const Turn*> turns;  // the first one has the turn
 };
 
 Queue& queue() {

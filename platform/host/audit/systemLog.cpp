@@ -31,7 +31,7 @@ void sendToSystemLog(const std::string& socketPath, std::string_view line) noexc
             send(socketPath, line);
         }
     } catch (...) {
-        // The line is in the audit log, which is what counts.
+        // Ignored: the line is already in the audit log.
     }
 }
 

@@ -2,8 +2,8 @@
 
 namespace VeskLib::Host {
 
-// Owns an open descriptor, or none when the number is negative. Its end closes it and keeps errno,
-// so that the reason of an earlier failure is not lost.
+// Owns an open file descriptor, or none if the number is negative. The destructor closes it and
+// leaves errno unchanged, so that callers can still read the cause of an earlier failure.
 class Descriptor {
 public:
     explicit Descriptor(int number) : number(number) {}

@@ -6,21 +6,22 @@
 
 namespace VeskLib::Host {
 
-// The partitions because of which a change was refused.
+// The partitions that caused the refusal of a change.
 struct RefusalDetails {
     struct Partition {
         std::uint32_t number = 0;
-        std::string version;  // of its BIOS, where the code is about versions; else empty
+        std::string version;  // of its BIOS if the code is about versions; otherwise empty
     };
 
-    std::string fileVersion;  // that the staged file holds, where the code is about versions
-    std::vector<Partition> partitions;  // by number
+    std::string fileVersion;  // of the staged file if the code is about versions; otherwise empty
+    std::vector<Partition> partitions;  // sorted by number
 };
 
-// Notes what the back-end said beside the code of this process's last request; 0 for none.
+// Stores the details that came with the error code of this process's last request. `code` is 0 if
+// the request succeeded.
 void noteRefusal(int code, const RefusalDetails& details);
 
-// Returns the details of the last request if it was refused with `code`; none otherwise.
+// Returns the details of the last request if its error code was `code`; otherwise empty details.
 const RefusalDetails& refusalDetails(int code);
 
 }  // namespace VeskLib::Host

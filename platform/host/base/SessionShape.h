@@ -4,15 +4,15 @@
 
 namespace VeskLib::Host {
 
-// A login session's cookie value is its identifier (16 lowercase hexadecimal digits), a "-" and its
-// secret token (32 of them). The identifier alone may be seen in file names; it is no login.
+// The cookie value of a login session is its identifier (16 lowercase hexadecimal digits), "-" and
+// its secret token (32 digits). The identifier is used in file names; alone it is not a login.
 
-// Whether `text` has the shape of a cookie value, and of an identifier. Checked before either
-// touches a path.
+// Return true if `text` has the form of a cookie value or of an identifier. Call them before using
+// either in a path.
 bool isCookieValue(const std::string& text);
 bool isSessionIdentifier(const std::string& text);
 
-// The identifier in a cookie value; empty when the value is malformed.
+// Returns the identifier in a cookie value; an empty string if the value is malformed.
 std::string identifierOf(const std::string& cookieValue);
 
 }  // namespace VeskLib::Host

@@ -4,7 +4,7 @@
 
 namespace VeskLib::Host {
 
-// Where the host platform keeps things, each before getCGIPath().
+// Paths of the host platform's files and folders, before getCGIPath().
 inline constexpr const char* CATALOGUE_FOLDER = "/usr/local/share/catalogue";
 inline constexpr const char* SKELETON_FOLDER = "/usr/local/www/skel";
 inline constexpr const char* SESSION_FOLDER = "/var/lib/session";

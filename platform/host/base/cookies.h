@@ -4,15 +4,16 @@
 
 namespace VeskLib::Host {
 
-// Returns true if the browser speaks TLS, to the web server or to a proxy that the server believes.
+// Returns true if the browser uses TLS, to the web server or to a proxy that the server trusts.
 bool isSecureRequest();
 
-// The name by which a cookie of the board travels. Over HTTPS it begins with "__Host-": browsers
-// take and send such a cookie over HTTPS only, and from this very host.
+// Returns the name under which the board's cookie `name` is sent. Over HTTPS the name begins with
+// "__Host-", so that browsers accept and send the cookie only over HTTPS and only for this host.
 std::string cookieName(const std::string& name);
 
-// The value of a Set-Cookie header for this cookie: for all paths, not for scripts, not sent along
-// from other sites. Without `maxAgeSeconds` the browser forgets it when it ends.
+// Returns the value of a Set-Cookie header for this cookie: for all paths, hidden from scripts, and
+// not sent with requests from other sites. If `maxAgeSeconds` is negative, the browser deletes the
+// cookie when it closes.
 std::string makeCookie(const std::string& name, const std::string& value, long maxAgeSeconds = -1);
 
 }  // namespace VeskLib::Host

@@ -4,7 +4,7 @@
 
 namespace VeskLib::Host {
 
-// Returns whether two texts are equal, in a time that does not tell where they differ.
+// Returns true if the texts are equal. The time it takes does not depend on where they differ.
 bool equalSteadily(std::string_view one, std::string_view other);
 
 }  // namespace VeskLib::Host

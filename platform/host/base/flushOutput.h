@@ -2,8 +2,8 @@
 
 namespace VeskLib::Host {
 
-// Flushes std::cout. If that fails, as on a full disk or a closed pipe, prints the reason to
-// std::cerr after the name of the program and returns false.
+// Flushes std::cout. If that fails, for example because the disk is full or the pipe is closed,
+// prints the name of the program and the reason to std::cerr and returns false.
 bool flushOutput(const char* program);
 
 }  // namespace VeskLib::Host

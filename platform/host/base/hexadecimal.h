@@ -5,7 +5,7 @@
 
 namespace VeskLib::Host {
 
-// Returns two lowercase digits for each byte.
+// Returns the bytes as hexadecimal text: two lowercase digits for each.
 std::string toHexadecimal(const unsigned char* bytes, std::size_t size);
 
 }  // namespace VeskLib::Host

@@ -6,7 +6,7 @@ namespace VeskLib::Host {
 
 namespace {
 
-// Atomic because each thread may have a channel of its own, which looks for work.
+// Atomic because several threads may each have a channel, which runs the planned work.
 std::atomic<IdleWork> planned = nullptr;
 
 }  // namespace

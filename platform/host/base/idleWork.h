@@ -2,15 +2,14 @@
 
 namespace VeskLib::Host {
 
-// Work that a request will need anyway, and that need not wait until it does: it is done while the
-// back-end works on an answer.
+// Work that the request needs later, done early, while the process waits for the back-end.
 using IdleWork = void (*)();
 
-// Keeps `work` for the next wait, in place of what was kept before.
+// Plans `work` for the next wait, in place of any work planned before.
 void planIdleWork(IdleWork work);
 
-// Does the work that was planned, once. Its failures end here: what needs it does it again, and
-// then tells.
+// Does the planned work, once. Ignores its failures: the code that needs the result tries again and
+// reports them.
 void doIdleWork() noexcept;
 
 }  // namespace VeskLib::Host

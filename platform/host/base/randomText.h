@@ -5,8 +5,8 @@
 
 namespace VeskLib::Host {
 
-// `byteCount` random bytes of the kernel, as lower-case hexadecimal digits; at most 32 bytes.
-// Throws PException (NO_RANDOM_NUMBERS) when the kernel gives none.
+// Returns `byteCount` (at most 32) random bytes from the kernel as lowercase hexadecimal digits.
+// Throws PException (NO_RANDOM_NUMBERS) if the kernel does not supply them.
 std::string makeRandomText(std::size_t byteCount);
 
 }  // namespace VeskLib::Host

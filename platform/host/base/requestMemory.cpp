@@ -1,11 +1,11 @@
-// operator new and operator delete of the programs that the web server starts.
+// operator new and operator delete for the programs that the web server starts.
 //
-// Such a process makes some hundred small objects and exits. Small objects are placed one after the
-// other in a block that is never reused, which takes a tenth of the instructions of malloc() and
-// free(). Larger ones, such as the growing text of a page, come from malloc(), and so does
-// everything once the block is full.
+// Such a process allocates a few hundred small objects and exits. They are placed one after the
+// other in a block and their memory is never reused, which takes a tenth of the instructions of
+// malloc() and free(). Larger objects, such as the growing text of a page, come from malloc(), and
+// so do all objects once the block is full.
 //
-// Not for a process that runs for long, nor for one with threads.
+// Not suitable for long-running processes or processes with threads.
 
 #include <algorithm>
 #include <cstddef>

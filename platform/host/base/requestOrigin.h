@@ -4,11 +4,11 @@
 
 namespace VeskLib::Host {
 
-// The address of the request's client, as the web server gives it; may be empty.
+// Returns the address of the request's client, as set by the web server; may be empty.
 std::string clientAddress();
 
-// What names this request in the audit log, the same for the whole process and another for every
-// request of the board: the time of the first call and the process number. No secret.
+// Returns the identifier of this request in the audit log: the time of the first call and the
+// process number. It is constant within the process and unique on the board. It is not secret.
 const std::string& requestIdentifier();
 
 }  // namespace VeskLib::Host

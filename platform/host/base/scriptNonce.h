@@ -4,12 +4,13 @@
 
 namespace VeskLib::Host {
 
-// The mark that the scripts within this process's page carry. The page's Content-Security-Policy
-// names it, so that a browser runs these scripts and no other. Random, made at the first call.
-// Throws PException (NO_RANDOM_NUMBERS) when the kernel gives none.
+// Returns the nonce of the scripts in this process's page. The page's Content-Security-Policy
+// contains it, so that a browser runs these inline scripts and no others. Random, created on the
+// first call. Throws PException (NO_RANDOM_NUMBERS) if the kernel supplies no random bytes.
 const std::string& scriptNonce();
 
-// Whether scriptNonce() was called, so that a page without scripts names no mark.
+// Returns true if scriptNonce() was called. Otherwise the page has no inline scripts, and its
+// policy needs no nonce.
 bool hasScriptNonce();
 
 }  // namespace VeskLib::Host

@@ -11,7 +11,7 @@ namespace VeskLib::Host {
 namespace {
 
 const std::size_t BLOCK_SIZE = 64;
-const std::size_t LENGTH_SIZE = 8;  // of the bit count that ends the last block
+const std::size_t LENGTH_SIZE = 8;  // of the bit count at the end of the last block
 
 const std::uint32_t ROUND_CONSTANTS[64] = {
     0x428a2f98, 0x71374491, 0xb5c0fbcf, 0xe9b5dba5, 0x3956c25b, 0x59f111f1, 0x923f82a4, 0xab1c5ed5,
@@ -23,7 +23,7 @@ const std::uint32_t ROUND_CONSTANTS[64] = {
     0x19a4c116, 0x1e376c08, 0x2748774c, 0x34b0bcb5, 0x391c0cb3, 0x4ed8aa4a, 0x5b9cca4f, 0x682e6ff3,
     0x748f82ee, 0x78a5636f, 0x84c87814, 0x8cc70208, 0x90befffa, 0xa4506ceb, 0xbef9a3f7, 0xc67178f2};
 
-// A word is big-endian in the block, whatever the processor.
+// Reads a word of the block, which is big-endian on every processor.
 std::uint32_t readWord(const unsigned char* bytes) {
     return static_cast<std::uint32_t>(bytes[0]) << 24 | static_cast<std::uint32_t>(bytes[1]) << 16 |
            static_cast<std::uint32_t>(bytes[2]) << 8 | static_cast<std::uint32_t>(bytes[3]);
@@ -33,7 +33,7 @@ std::uint32_t readWord(const unsigned char* bytes) {
 inline void mix(std::uint32_t a, std::uint32_t b, std::uint32_t c, std::uint32_t& d,
                 std::uint32_t e, std::uint32_t f, std::uint32_t g, std::uint32_t& h,
                 std::uint32_t word) {
-    // One rotation inside the other takes fewer instructions than three side by side.
+    // Nested rotations take fewer instructions than three separate ones.
     const std::uint32_t s1 = std::rotr(e ^ std::rotr(e ^ std::rotr(e, 14), 5), 6);
     const std::uint32_t choice = g ^ (e & (f ^ g));
     const std::uint32_t s0 = std::rotr(a ^ std::rotr(a ^ std::rotr(a, 9), 11), 2);
@@ -59,8 +59,8 @@ void SHA256::takeBlock(const unsigned char* block) {
     }
     auto [a, b, c, d, e, f, g, h] = state;
     for (int i = 0; i < 64; i += 8) {
-        // The words change places every round: after eight, each is where it was, and none was
-        // moved.
+        // Instead of moving the words one place in each round, pass them in rotated order; after
+        // eight rounds the order is the same again.
         mix(a, b, c, d, e, f, g, h, ROUND_CONSTANTS[i] + w[i]);
         mix(h, a, b, c, d, e, f, g, ROUND_CONSTANTS[i + 1] + w[i + 1]);
         mix(g, h, a, b, c, d, e, f, ROUND_CONSTANTS[i + 2] + w[i + 2]);
@@ -91,7 +91,7 @@ void SHA256::add(std::string_view bytes) {
 }
 
 std::string SHA256::finish() {
-    // A bit that is set, and zeros up to the number of bits, which ends a block.
+    // Padding: one set bit, then zeros, then the number of bits at the end of a block.
     const std::uint64_t bits = total * 8;
     char end[BLOCK_SIZE + LENGTH_SIZE] = {'\x80'};
     const std::size_t used = (pendingSize + 1 + LENGTH_SIZE) % BLOCK_SIZE;

@@ -8,13 +8,13 @@
 
 namespace VeskLib::Host {
 
-// Computes a SHA-256 sum (FIPS 180-4) piece by piece. Written here because Debian has no library
-// with it for some of the processors that the host platform is built for.
+// Computes a SHA-256 sum (FIPS 180-4) incrementally. Implemented here because Debian has no library
+// for it on some of the processors that the host platform is built for.
 class SHA256 {
 public:
     void add(std::string_view bytes);
 
-    // The sum of everything that was added, as 64 lowercase hexadecimal digits. Call it once.
+    // Returns the sum of all bytes added, as 64 lowercase hexadecimal digits. Call it only once.
     std::string finish();
 
 private:
@@ -27,7 +27,7 @@ private:
     std::uint64_t total = 0;
 };
 
-// The sum of `bytes`.
+// Return the sum of `bytes`, as 64 lowercase hexadecimal digits.
 std::string sha256Hex(std::string_view bytes);
 std::string sha256Hex(const std::vector<unsigned char>& bytes);
 

@@ -4,19 +4,19 @@
 
 namespace VeskLib::Host {
 
-// Which staged file this request is about, so that a restore cannot take another file than the one
-// that its page showed. A file is named by the SHA-256 of its bytes, in lowercase hexadecimal
-// digits; it is empty if there is no file.
+// Identifies the staged file of this request, so that a restore cannot use a file other than the
+// one that its page showed. The name of a file is the SHA-256 of its bytes in lowercase hexadecimal
+// digits, or empty if there is no file.
 
 // The hidden field in which the selection form posts the name of the file that its page showed.
 inline constexpr const char* STAGED_FILE_FIELD = "staged_file";
 
-// The staged file that this request has read, for the page that shows it.
+// Set and return the staged file that this request has read, for the page that shows it.
 void setShownFile(const std::string& name);
 const std::string& shownFile();
 
-// The file that the posted page showed. Whatever the client sent, at most one digit longer than a
-// name.
+// Set and return the file that the posted form names. A longer value from the client is truncated
+// to one digit more than a name has, so that it matches no file.
 void setPostedFile(const std::string& name);
 const std::string& postedFile();
 

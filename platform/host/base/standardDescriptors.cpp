@@ -14,7 +14,7 @@ void occupyStandardDescriptors() {
         return;
     }
     for (const pollfd& each : standard) {
-        // The lowest free number is the one that open() gives.
+        // open() returns the lowest free number.
         if ((each.revents & POLLNVAL) != 0 &&
             open("/dev/null", each.fd == STDIN_FILENO ? O_WRONLY : O_RDONLY) != each.fd) {
             std::_Exit(EXIT_FAILURE);

@@ -2,10 +2,10 @@
 
 namespace VeskLib::Host {
 
-// Sees to it that standard input, output and errors are taken when a program is started without
-// them, so that no file or connection that it opens gets their numbers and is taken for them. What
-// they are then given fails to read and to write. Ends the process when that cannot be done. To be
-// called before anything is opened.
+// Opens standard input, output and error if the program was started without them. Otherwise a file
+// or connection that it opens later would get one of their numbers and be mistaken for it. Reading
+// from and writing to the descriptors opened here fails. Exits the process if they cannot be
+// opened. Must be called before the program opens anything.
 void occupyStandardDescriptors();
 
 }  // namespace VeskLib::Host

@@ -4,8 +4,8 @@
 
 namespace VeskLib::Host {
 
-// Writes all the bytes of both texts, in as few pieces as the system takes. False when it takes no
-// more; errno then tells why. Takes no memory.
+// Writes all bytes of both texts with as few system calls as possible. Returns false, with errno
+// set, if not all could be written. Allocates no memory.
 bool writeWhole(int descriptor, std::string_view first, std::string_view second = {});
 
 }  // namespace VeskLib::Host

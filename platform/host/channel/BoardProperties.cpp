@@ -15,7 +15,7 @@ namespace VeskLib::Host {
 
 namespace {
 
-// Far above what the back-end writes for a board.
+// Much more than the back-end writes for any board.
 const std::size_t LARGEST_PROPERTIES = 1024 * 1024;
 
 const std::string_view MAX_PARTITIONS = "max_partitions";
@@ -30,7 +30,7 @@ bool readNumber(std::string_view text, unsigned int& number) {
     return result.ec == std::errc() && result.ptr == end;
 }
 
-// "0 ,105,106, NAME", with "-" for no functions: a name may contain blanks.
+// Parses "0 ,105,106, NAME". Without functions the list is "-". A name may contain blanks.
 bool readUser(std::string_view text, BoardProperties& properties) {
     const std::size_t functions = 2;
     const std::size_t end = text.find(' ', functions);
@@ -49,7 +49,7 @@ void addLine(std::string& text, std::string_view name, const std::string& value)
     }
 }
 
-// Reads one line; `counted` becomes true with the number of partitions.
+// Reads one line. Sets `counted` to true if it is the number of partitions.
 bool readLine(std::string_view name, std::string_view value, BoardProperties& properties,
               bool& counted) {
     if (name == MAX_PARTITIONS) {
@@ -128,7 +128,7 @@ BoardProperties readBoardProperties() {
     if (readFile(getCGIPath(BOARD_PROPERTIES), LARGEST_PROPERTIES, bytes)) {
         decode(bytes, properties);
     } else if (errno != ENOENT) {
-        // Not the same as a board without partitions and users, which is what nothing reads as.
+        // Not to be treated like a missing file, which means no partitions and no users.
         throw makePlatformException(FILE_NOT_READABLE, "The board's properties cannot be read");
     }
     return properties;

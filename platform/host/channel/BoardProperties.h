@@ -13,29 +13,29 @@ struct UserRights {
     bool allow(int function) const;
 };
 
-// What the back-end tells every process of the board through the file BOARD_PROPERTIES: one
-// "name=value" line per property.
+// The properties of the board that the back-end publishes to all processes in the file
+// BOARD_PROPERTIES, which has one "name=value" line per property.
 struct BoardProperties {
     unsigned int maxPartitions = 0;
-    std::string name = {};                         // how people tell this board from others
-    std::vector<std::string> hosts = {};           // the names that the board answers to
+    std::string name = {};                         // the name of the board for its users
+    std::vector<std::string> hosts = {};           // the host names that the board answers to
     std::map<std::string, UserRights> users = {};  // by name
     std::string syslogSocket = {};                 // empty: the audit log is not sent there
 };
 
-// A text with a line feed cannot be published and is left out.
+// Returns the content of the file. Omits a text that contains a line feed.
 std::vector<unsigned char> encode(const BoardProperties& properties);
 
-// Unknown lines are passed over. Returns false, with `properties` unchanged, when the number of
-// partitions is missing, or a value is malformed.
+// Ignores unknown lines. Returns false and leaves `properties` unchanged if the number of
+// partitions is missing or a value is malformed.
 bool decode(const std::vector<unsigned char>& bytes, BoardProperties& properties);
 
-// Reads the published properties. Without the file, and with one that is damaged, those of a board
-// without anything. Throws PException (FILE_NOT_READABLE) when there is a file that cannot be read
-// now.
+// Reads the published properties. Returns default properties if the file is missing or damaged.
+// Throws PException (FILE_NOT_READABLE) if the file exists but cannot be read.
 BoardProperties readBoardProperties();
 
-// The same, read once per process, so that everything in one request goes by the same.
+// Returns the published properties, read once per process, so that they are the same throughout a
+// request. Throws like readBoardProperties().
 const BoardProperties& boardProperties();
 
 }  // namespace VeskLib::Host

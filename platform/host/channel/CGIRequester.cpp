@@ -16,7 +16,7 @@ namespace VeskLib::Gui {
 
 namespace {
 
-// A payload that cannot be read says nothing.
+// Stores the details of a refusal; empty details if the payload is malformed.
 void noteAnswer(int code, const std::vector<unsigned char>& payload) {
     Host::RefusalDetails details;
     decode(payload, details);

@@ -19,7 +19,7 @@ namespace VeskLib::Host {
 
 namespace {
 
-// A back-end whose queue of new connections is full has no event to wait for; it is asked again.
+// When the back-end's backlog is full, there is no event to wait for, so connect() is retried.
 const int RETRY_MILLISECONDS = 10;
 
 int codeOf(StreamResult result) {
@@ -101,7 +101,7 @@ int Channel::sendAndReceive(const std::vector<unsigned char>& request, ReplyFram
         return sent;
     }
     doIdleWork();
-    // An answer is hardly ever there at once; to look for it first would be in vain.
+    // Wait first, because the answer has almost never arrived yet.
     if (!waitUntilReady(descriptor, POLLIN, deadline)) {
         return CHANNEL_TIMEOUT;
     }

@@ -6,19 +6,19 @@ namespace VeskLib::Host {
 
 class Deadline;
 
-// Error codes of the channel itself; all others are the back-end's.
+// Error codes of the channel itself. All others come from the back-end.
 inline constexpr int CHANNEL_UNREACHABLE = 2001;   // the back-end does not listen
-inline constexpr int CHANNEL_TIMEOUT = 2002;       // no whole reply within the deadline
+inline constexpr int CHANNEL_TIMEOUT = 2002;       // no complete reply in time
 inline constexpr int CHANNEL_BROKEN = 2003;        // the connection ended within a frame
 inline constexpr int CHANNEL_MALFORMED = 2004;     // an oversized frame, or not a reply
-inline constexpr int CHANNEL_BAD_OBJECT = 2005;    // the object does not take the reply's bytes
+inline constexpr int CHANNEL_BAD_OBJECT = 2005;    // the object rejects the reply's bytes
 inline constexpr int CHANNEL_NO_AUTHORITY = 2006;  // the user may not use the function
 
-// For one exchange; shorter than the web server's limit for a CGI program.
+// The time limit for one exchange; shorter than the web server's limit for a CGI program.
 inline constexpr int CHANNEL_DEADLINE_MILLISECONDS = 10000;
 
-// A connection to the back-end. It connects with the first exchange; after a failure of the
-// channel every further exchange fails with the same code.
+// A connection to the back-end. Connects on the first exchange. After a failure of the channel,
+// every further exchange fails with the same code.
 class Channel {
 public:
     explicit Channel(int deadlineMilliseconds = CHANNEL_DEADLINE_MILLISECONDS)
@@ -27,10 +27,12 @@ public:
     Channel& operator=(const Channel&) = delete;
     ~Channel();
 
-    // Sends `request` and waits for the reply. Returns 0 or the back-end's code with `reply`
-    // filled, or the channel's code with `reply` unchanged. A request above LARGEST_FRAME is not
-    // sent (CHANNEL_MALFORMED) and leaves the channel usable. Any other failure closes the
-    // connection at once, so that the back-end knows that nobody waits.
+    // Sends `request` and waits for the reply. Sets `reply` and returns 0 or the back-end's error
+    // code; or returns an error code of the channel and leaves `reply` unchanged.
+    //
+    // Does not send a request larger than LARGEST_FRAME, but returns CHANNEL_MALFORMED; the channel
+    // remains usable. Any other failure closes the connection immediately, so that the back-end
+    // knows that the client is no longer waiting.
     int exchange(const RequestFrame& request, ReplyFrame& reply);
 
 private:

@@ -18,7 +18,7 @@ bool isRequestKind(std::uint8_t kind) {
            kind <= static_cast<std::uint8_t>(RequestKind::CONTROL);
 }
 
-// What stands behind the fields that were read.
+// Reads the bytes after the parsed fields.
 std::vector<unsigned char> readRest(VeskUi::WireReader& reader) {
     const std::size_t count = reader.remaining();
     const unsigned char* rest = reader.readBytes(count);

@@ -6,16 +6,16 @@
 
 namespace VeskLib::Host {
 
-// The frames of the back-end channel. Each is a 4-byte big-endian length, then that many bytes.
-// docs/wire-formats.md gives the layout by bytes.
+// The frames of the back-end channel: a 4-byte big-endian length, then that many bytes.
+// docs/wire-formats.md describes the layout byte by byte.
 
 inline constexpr std::uint32_t LARGEST_FRAME = 1024 * 1024;
 
 enum class RequestKind : std::uint8_t {
-    GET = 1,      // asks for an object
+    GET = 1,      // requests an object
     SET = 2,      // sends an object
-    LOGIN = 3,    // asks whether a user name and a password belong together
-    CONTROL = 4,  // sends an order of boardctl
+    LOGIN = 3,    // checks a user name and a password
+    CONTROL = 4,  // sends a command of boardctl
 };
 
 struct RequestFrame {
@@ -26,7 +26,7 @@ struct RequestFrame {
     // Empty for GET, LOGIN and CONTROL. The first two are for the audit log.
     std::string address = {};            // of the client
     std::string requestIdentifier = {};  // of the CGI request
-    std::string stagedFile = {};         // what names the file that the page showed; may be empty
+    std::string stagedFile = {};         // name of the file that the page showed; may be empty
 };
 
 struct ReplyFrame {
@@ -34,11 +34,11 @@ struct ReplyFrame {
     std::vector<unsigned char> payload;
 };
 
-// The bytes of a frame without the length in front.
+// Return the bytes of a frame without the preceding length.
 std::vector<unsigned char> encode(const RequestFrame& frame);
 std::vector<unsigned char> encode(const ReplyFrame& frame);
 
-// False, with `frame` unchanged, when the bytes are no frame of that kind.
+// Return false and leave `frame` unchanged if the bytes are not a valid frame of this kind.
 bool decode(const std::vector<unsigned char>& bytes, RequestFrame& frame);
 bool decode(const std::vector<unsigned char>& bytes, ReplyFrame& frame);
 

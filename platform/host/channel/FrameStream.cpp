@@ -19,12 +19,12 @@ bool mustWait() {
     return errno == EAGAIN || errno == EWOULDBLOCK;
 }
 
-// A descriptor that is always ready and never takes or gives a byte must not outlast a deadline.
+// Checked in each loop, because a descriptor may always be ready but never transfer a byte.
 bool hasPassed(const Deadline& deadline) {
     return deadline.remainingMilliseconds() == 0;
 }
 
-// Fills `size` bytes; CLOSED when the connection ended before the first.
+// Receives exactly `size` bytes. Returns CLOSED if the connection ended before the first byte.
 StreamResult receiveBytes(int descriptor, unsigned char* bytes, std::size_t size,
                           const Deadline& deadline) {
     std::size_t received = 0;
@@ -52,7 +52,7 @@ Deadline::Deadline(int milliseconds)
 }
 
 int Deadline::remainingMilliseconds() const {
-    // Rounded up, so that a wait does not end just before the moment and spin.
+    // Rounded up, so that a wait does not end just before the deadline and spin.
     const auto remaining =
         std::chrono::ceil<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
     return static_cast<int>(std::max<std::chrono::milliseconds::rep>(remaining.count(), 0));

@@ -6,12 +6,13 @@
 
 namespace VeskLib::Host {
 
-// A moment by which something must be done.
+// A point in time by which an operation must be complete.
 class Deadline {
 public:
+    // The deadline is `milliseconds` from now.
     explicit Deadline(int milliseconds);
 
-    // 0 when the moment has passed.
+    // Returns 0 if the deadline has passed.
     int remainingMilliseconds() const;
 
 private:
@@ -20,29 +21,30 @@ private:
 
 enum class StreamResult {
     DONE,
-    TIMEOUT,    // not whole within the deadline
-    CLOSED,     // the connection ended where a frame would begin
+    TIMEOUT,    // not complete within the deadline
+    CLOSED,     // the connection ended before the first byte of a frame
     BROKEN,     // the connection ended within a frame, or failed
-    OVERSIZED,  // a frame above LARGEST_FRAME
+    OVERSIZED,  // the frame is larger than LARGEST_FRAME
 };
 
-// Waits until `descriptor` is ready for one of `events` (of poll()) or has failed. False when the
-// deadline passes first.
+// Waits until `descriptor` is ready for one of `events` (of poll()) or has failed. Returns false if
+// the deadline passes first.
 bool waitUntilReady(int descriptor, short events, const Deadline& deadline);
 
-// A frame's bytes with their length in front, as they travel.
+// Returns a frame's bytes preceded by their length, as they are sent.
 std::vector<unsigned char> withLength(const std::vector<unsigned char>& bytes);
 
-// Sends bytes as they are. Never raises SIGPIPE.
+// Sends the bytes unchanged. Never raises SIGPIPE.
 StreamResult sendBytes(int descriptor, const std::vector<unsigned char>& bytes,
                        const Deadline& deadline);
 
-// Sends a frame's bytes with their length in front, in one piece where the socket takes it. Never
-// raises SIGPIPE.
+// Sends a frame's length and bytes, with one system call if the socket accepts them. Never raises
+// SIGPIPE.
 StreamResult sendFrame(int descriptor, const std::vector<unsigned char>& bytes,
                        const Deadline& deadline);
 
-// Receives a whole frame without the length in front. `bytes` is unchanged unless DONE.
+// Receives a complete frame and sets `bytes` to it, without the length. `bytes` is unchanged unless
+// the result is DONE.
 StreamResult receiveFrame(int descriptor, std::vector<unsigned char>& bytes,
                           const Deadline& deadline);
 

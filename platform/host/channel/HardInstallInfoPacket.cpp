@@ -16,7 +16,7 @@ namespace {
 const unsigned int LENGTH_SIZE = 4;
 const std::size_t MEMBER_COUNT = 11;
 
-// The members in the order in which they travel.
+// Returns the members in their order on the wire.
 template <typename Object, typename Packet>
 std::array<Object*, MEMBER_COUNT> membersOf(Packet& packet) {
     return {&packet.systemBoards,  &packet.firstBoards,   &packet.secondBoards,
@@ -36,8 +36,8 @@ void exchangeContents(HardInstallInfoPacket& one, HardInstallInfoPacket& other) 
     }
 }
 
-// Whether the packet's own wire form is exactly these bytes. The containers pass over what they do
-// not understand; a packet that was not understood as a whole is none.
+// Returns true if the packet's wire form is exactly these bytes. Detects malformed bytes that the
+// containers ignore.
 bool isWrittenAs(const HardInstallInfoPacket& packet, const unsigned char* buffer,
                  unsigned int size) {
     if (packet.getSerializedSize() != size) {
@@ -48,7 +48,7 @@ bool isWrittenAs(const HardInstallInfoPacket& packet, const unsigned char* buffe
     return std::equal(bytes.begin(), bytes.end(), buffer);
 }
 
-// The word of the board's record; 0 when there is no such board.
+// Returns the word of the board's record; 0 if there is no such board.
 template <typename Record>
 std::uint32_t wordOf(const PrimitiveTypeArray<Record>& boards, int number) {
     const auto index = static_cast<std::size_t>(number);
@@ -70,7 +70,7 @@ bool HardInstallInfoPacket::isInstalled(int kind, int number) const {
 }
 
 bool HardInstallInfoPacket::isHome(int kind, int number, int sub) const {
-    // Only a system board can be a home board, and it has no parts.
+    // Only a system board can be a home board, and it has no sub-boards.
     return kind == Host::SYSTEM_BOARD && sub == 0 &&
            (wordOf(systemBoards, number) & Host::BOARD_IS_HOME) != 0;
 }
@@ -100,7 +100,8 @@ unsigned int HardInstallInfoPacket::getSerializedSize() const {
 }
 
 bool HardInstallInfoPacket::setSerialized(const unsigned char* buffer, unsigned int size) {
-    // Read into a packet of its own: the containers append, and a fault must change nothing here.
+    // Read into a separate packet, because the containers append, and an error must not change this
+    // one.
     HardInstallInfoPacket read;
     WireReader reader(buffer, size);
     for (SerializableObject* member : membersOf<SerializableObject>(read)) {

@@ -5,24 +5,25 @@
 
 namespace VeskLib::Host {
 
-// The payloads of a LOGIN request and of its reply; docs/wire-formats.md gives them by bytes.
+// The payloads of a LOGIN request and of its reply; docs/wire-formats.md describes them byte by
+// byte.
 
 struct LoginRequest {
     std::string user;
     std::string password;
-    std::string origin;       // the address that asks, for slowing down who guesses; may be empty
-    std::string device = {};  // what an earlier LoginAnswer has given this browser; may be empty
+    std::string origin;       // client address, used to slow down guessing; may be empty
+    std::string device = {};  // the browser's device from an earlier LoginAnswer; may be empty
 };
 
 struct LoginAnswer {
-    // Names the browser from now on; empty when it has a name for this user already.
+    // Identifies the browser in future logins. Empty if it already has a device for this user.
     std::string device = {};
 };
 
 std::vector<unsigned char> encode(const LoginRequest& login);
 std::vector<unsigned char> encode(const LoginAnswer& answer);
 
-// False, with the object unchanged, when the bytes are not exactly such a payload.
+// Return false and leave the object unchanged if the bytes are not exactly one such payload.
 bool decode(const std::vector<unsigned char>& bytes, LoginRequest& login);
 bool decode(const std::vector<unsigned char>& bytes, LoginAnswer& answer);
 

@@ -23,7 +23,7 @@ void writePartition(WireWriter& writer, const PartitionInfoPacket::Partition& pa
     writer.writeBytes(partition.nodeIds.data(), partition.nodeIds.size());
 }
 
-// False when there is no whole partition, or its flag is none.
+// Returns false if the entry is incomplete or its flag is invalid.
 bool readPartition(WireReader& reader, PartitionInfoPacket::Partition& partition) {
     const std::uint8_t flag = Host::readU8(reader);
     partition.installed = flag == 1;

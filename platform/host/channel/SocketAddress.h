@@ -7,8 +7,8 @@
 
 namespace VeskLib::Host {
 
-// The address of a Unix-domain socket. A path that is too long for one (108 bytes) is reached
-// through its opened folder, so that the depth of the board's root does not matter.
+// The address of a Unix-domain socket. If the path is too long for an address (108 bytes), opens
+// its folder and uses a short path through it, so that the path of the board's root may be long.
 class SocketAddress {
 public:
     explicit SocketAddress(const std::string& path);
@@ -16,13 +16,13 @@ public:
     SocketAddress& operator=(const SocketAddress&) = delete;
     ~SocketAddress();
 
-    // Whether `path` itself fits into an address.
+    // Returns true if `path` itself fits into an address.
     static bool fits(const std::string& path);
 
-    // False when the path's folder cannot be opened, or its last name is too long by itself.
+    // Returns false if the path's folder cannot be opened or the file name alone is too long.
     bool isValid() const { return valid; }
 
-    // Stays valid while the object lives.
+    // The result is valid as long as this object exists.
     const sockaddr* get() const { return reinterpret_cast<const sockaddr*>(&address); }
     static socklen_t size() { return sizeof(sockaddr_un); }
 

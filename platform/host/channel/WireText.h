@@ -7,8 +7,8 @@
 
 namespace VeskLib::Host {
 
-// What the board's packets need beyond the cursor that the program brings. Past the end, a read
-// returns zero or an empty text and a write is dropped, like the cursor's own.
+// Further types for WireReader and WireWriter. Past the end of the buffer, a read returns zero or
+// an empty text, and a write is dropped.
 
 std::uint8_t readU8(VeskUi::WireReader& reader);
 void writeU8(VeskUi::WireWriter& writer, std::uint8_t value);
@@ -16,7 +16,7 @@ void writeU8(VeskUi::WireWriter& writer, std::uint8_t value);
 // Reads `count` bytes as text.
 std::string readText(VeskUi::WireReader& reader, std::size_t count);
 
-// A text on the wire: its length in 2 bytes, then the text. A longer text than 65535 bytes is cut.
+// A text on the wire: its length in 2 bytes, then the text, truncated to 65535 bytes.
 std::size_t wireTextSize(const std::string& text);
 void writeWireText(VeskUi::WireWriter& writer, const std::string& text);
 std::string readWireText(VeskUi::WireReader& reader);

@@ -2,8 +2,8 @@
 
 namespace VeskLib::Host {
 
-// A process serves one request. Once its user was found to have no authority for the request's
-// function, it sends no change to the back-end any more, whatever the page's form asks for.
+// Called if the user has no authority for the request's function. From then on this process, which
+// serves only this request, sends no changes to the back-end, whatever was posted.
 void forbidChanges();
 
 bool areChangesForbidden();

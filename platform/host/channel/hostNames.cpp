@@ -24,7 +24,7 @@ bool isDottedName(const std::string& name) {
            !name.starts_with('.') && !name.ends_with('.') && name.find("..") == std::string::npos;
 }
 
-// Each address has one shape only, the one that browsers send.
+// Returns the address in the only form that browsers send, in brackets; empty if it is malformed.
 std::string normaliseAddress(std::string_view text) {
     in6_addr address = {};
     char shape[INET6_ADDRSTRLEN];

@@ -6,12 +6,13 @@
 
 namespace VeskLib::Host {
 
-// The payload of a reply that refuses a request. docs/wire-formats.md gives the layout by bytes.
+// The payload of a reply that refuses a request; docs/wire-formats.md describes the layout byte by
+// byte.
 
-// No bytes without partitions.
+// Returns an empty vector if there are no partitions.
 std::vector<unsigned char> encode(const RefusalDetails& details);
 
-// Returns false, with `details` unchanged, when the bytes are not exactly one such object.
+// Returns false and leaves `details` unchanged if the bytes are not exactly one such payload.
 bool decode(const std::vector<unsigned char>& bytes, RefusalDetails& details);
 
 }  // namespace VeskLib::Host

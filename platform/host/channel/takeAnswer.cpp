@@ -8,7 +8,8 @@ namespace VeskLib::Host {
 
 namespace {
 
-// Behind every answer, for objects that take a fixed number of bytes whatever they are given.
+// Zero bytes appended to every answer, for objects that read a fixed number of bytes whatever its
+// size.
 const std::size_t PADDING = 4;
 
 }  // namespace

@@ -6,8 +6,8 @@
 
 namespace VeskLib::Host {
 
-// Fills `answer` from the payload of a reply. Returns 0, or CHANNEL_BAD_OBJECT if the object does
-// not take the bytes.
+// Sets `answer` from the payload of a reply. Returns 0, or CHANNEL_BAD_OBJECT if the object rejects
+// the bytes.
 int takeAnswer(std::vector<unsigned char> payload, VeskUi::SerializableObject& answer);
 
 }  // namespace VeskLib::Host

@@ -14,7 +14,7 @@ using Host::printText;
 
 namespace {
 
-// The call without the double quotes that the program writes around it.
+// Returns the call without the double quotes that the program puts around it.
 std::string_view unquote(std::string_view call) {
     const bool quoted = call.size() >= 2 && call.front() == '"' && call.back() == '"';
     return quoted ? call.substr(1, call.size() - 2) : call;

@@ -4,7 +4,7 @@
 
 namespace VeskLib::Gui {
 
-// There is one shell; every number stands for it.
+// There is only one shell, whatever the number.
 HTMLPage::HTMLPage(int /*shell*/)
     : generator(new HTMLCodeGenerator(Host::SHELL_SKELETON, &componentMap)) {
 }

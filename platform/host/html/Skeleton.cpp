@@ -20,10 +20,10 @@ namespace VeskLib::Host {
 
 namespace {
 
-// A page has few components: searching them one by one is faster than searching the map.
+// A page has few components, so that a linear search is faster than the map.
 using Components = std::vector<std::pair<std::string_view, const Gui::HTMLComponent*>>;
 
-// Bytes of a skeleton for each of its pieces; most have fewer pieces.
+// Bytes of a skeleton per piece, to reserve memory; most skeletons have fewer pieces.
 const std::size_t USUAL_PIECE = 32;
 
 constexpr std::array<bool, 256> makeNameCharacters() {
@@ -40,7 +40,7 @@ bool isNameCharacter(char character) {
     return TABLE[static_cast<unsigned char>(character)];
 }
 
-// Removes the characters of a name from the start of `text` and returns them.
+// Removes a name from the start of `text` and returns it.
 std::string_view takeName(std::string_view& text) {
     const auto end = std::find_if_not(text.begin(), text.end(), isNameCharacter);
     const std::string_view name(text.begin(), end);
@@ -48,7 +48,7 @@ std::string_view takeName(std::string_view& text) {
     return name;
 }
 
-// Reads the place from the end of a mark. Returns false if it is not a place.
+// Parses the place at the end of a mark, which may be empty. Returns false if it is not a place.
 bool readPlace(std::string_view ending, Skeleton::Place& place) {
     if (ending == "|script") {
         place = Skeleton::Place::SCRIPT;
@@ -58,7 +58,7 @@ bool readPlace(std::string_view ending, Skeleton::Place& place) {
     return ending.empty() || place != Skeleton::Place::MARKUP;
 }
 
-// What a mark of one word prints.
+// Returns the kind of a mark that consists of one word.
 Skeleton::Kind kindOf(std::string_view word) {
     return word == "language"      ? Skeleton::Kind::LANGUAGE
            : word == "nonce"       ? Skeleton::Kind::NONCE
@@ -74,7 +74,8 @@ bool takeNumber(std::string_view& text, int& number) {
     return result.ec == std::errc() && number > 0;
 }
 
-// Removes a dash and the code of a message, 0 if it has none. Returns false if there is neither.
+// Removes "-" and a message's code, 0 for none, from the start of `text`. Returns false if there is
+// no code.
 bool takeCode(std::string_view& text, int& code) {
     if (!text.starts_with('-')) {
         return false;
@@ -92,7 +93,7 @@ const Gui::HTMLComponent* find(const Components& components, std::string_view na
     return entry == components.end() ? findShared(name) : entry->second;
 }
 
-// What a component prints.
+// Returns what a component prints.
 std::string capture(const Gui::HTMLComponent& component) {
     TextBuffer buffer;
     std::streambuf* const page = std::cout.rdbuf(&buffer);
@@ -187,7 +188,7 @@ bool Skeleton::parseMark(std::string_view mark, std::vector<std::size_t>& openCo
            readPlace(mark, piece.place);
 }
 
-// A mark of one word: a component, unless it is one of those that have a meaning.
+// Parses a mark of one word: a keyword, or else a component's name.
 bool Skeleton::parseWord(std::string_view word, std::string_view ending,
                          std::vector<std::size_t>& openConditions) {
     if (word == "end" && ending.empty()) {
@@ -250,7 +251,7 @@ void Skeleton::print(const std::map<std::string, Gui::HTMLComponent*>& map) cons
             case Kind::IF:
             case Kind::UNLESS:
                 if ((find(components, piece.text) != nullptr) != (piece.kind == Kind::IF)) {
-                    i = piece.next - 1;  // the loop adds the one again
+                    i = piece.next - 1;  // the loop increments it
                 }
                 break;
         }

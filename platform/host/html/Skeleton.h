@@ -9,7 +9,7 @@
 
 namespace VeskLib::Host {
 
-// Where and why a skeleton is malformed; line and column count from 1.
+// The position and the reason of a syntax error. Line and column start at 1.
 struct SkeletonError {
     unsigned int line;
     unsigned int column;
@@ -18,16 +18,16 @@ struct SkeletonError {
 
 // A parsed skeleton. Its marks:
 //
-//   {{name}}               the component of that name, as it prints itself
+//   {{name}}               what the component of that name prints
 //   {{message 33-1028}}    message 33 of the catalogue with its code 1028 ("-0" for no code)
 //   {{text 9001}}          a caption of the catalogue, in the request's language
 //   {{language}}           the request's language tag, such as "en"
-//   {{nonce}}              what a <script> needs as its attribute "nonce" to be run
-//   {{staged_file}}        what names the staged file that the page shows; nothing without one
+//   {{nonce}}              the attribute "nonce" that a <script> needs to run
+//   {{staged_file}}        the identity of the staged file that the page shows; empty without one
 //   {{if name}}...{{end}}  printed only when there is a component of that name; may be nested
 //   {{unless name}}...{{end}}  printed only when there is none
 //
-// The first three take "|script" in front of "}}" to be safe inside a JavaScript string, and
+// The first three take "|script" before "}}" to be safe inside a JavaScript string, and
 // "|attribute" to be safe inside a quoted attribute value.
 //
 // A name is made of letters, digits and "_". A name that is neither in the map nor shared (see
@@ -54,7 +54,7 @@ public:
         std::string_view text;  // plain text, or a component's name
         int number = 0;         // of a message or a caption
         int code = 0;           // of a message
-        std::size_t next = 0;   // of a condition: the piece behind its end
+        std::size_t next = 0;   // of a condition: the piece after its end
     };
 
     // Throws SkeletonError when a mark is malformed.

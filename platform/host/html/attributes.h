@@ -4,8 +4,8 @@
 
 namespace VeskLib::Host {
 
-// The attribute that holds the script call of a click. Not "onclick": a page's policy lets no
-// attribute run anything, so that the shell's script binds these calls.
+// The attribute with the script call for a click. Not "onclick", because the page's content
+// security policy runs no attributes; the shell's script binds these calls.
 inline constexpr const char* CLICK_ATTRIBUTE = "data-click";
 
 // Prints ` name="value"` to std::cout, the value escaped.

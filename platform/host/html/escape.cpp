@@ -14,7 +14,7 @@ struct Reference {
     std::string_view text;
 };
 
-// What stands in a page for the characters that would leave their place.
+// Character references for the characters that are special in HTML.
 constexpr Reference REFERENCES[] = {
     {'&', "&amp;"}, {'<', "&lt;"}, {'>', "&gt;"}, {'"', "&quot;"}, {'\'', "&#39;"}};
 
@@ -23,7 +23,8 @@ const char DELETE = '\x7F';
 const char TAB = '\t';
 constexpr std::string_view UNPRINTABLE = "\uFFFD";
 
-// The pictures of the control characters below FIRST_PRINTABLE, U+2400 to U+241F, and of DELETE.
+// Unicode's pictures of the control characters below FIRST_PRINTABLE, U+2400 to U+241F, and of
+// DELETE.
 constexpr std::string_view PICTURES =
     "\u2400\u2401\u2402\u2403\u2404\u2405\u2406\u2407\u2408\u2409\u240A\u240B\u240C\u240D\u240E"
     "\u240F"
@@ -32,9 +33,8 @@ constexpr std::string_view PICTURES =
     "\u2421";
 const std::size_t PICTURE_SIZE = 3;
 
-// The characters outside ASCII that end a line, turn the direction of the text around them, show
-// nothing at all, or are controls: those whose last byte is from `first` to `last` and whose other
-// bytes are `start`.
+// The characters outside ASCII that end a line, change the direction of text, are invisible, or are
+// controls. Each consists of the bytes `start` and a byte from `first` to `last`.
 struct HiddenCharacters {
     std::string_view start;
     unsigned char first;
@@ -55,7 +55,7 @@ constexpr HiddenCharacters HIDDEN_CHARACTERS[] = {
     {"\xF3\xA0\x81", 0x80, 0xBF},  // U+E0040 to U+E007F
 };
 
-// The first byte of each kind of character that something else is printed for.
+// Maps the first byte of each character that may be replaced to true.
 constexpr std::array<bool, 256> makeFirstBytes() {
     std::array<bool, 256> table = {};
     for (std::size_t byte = 0; byte < FIRST_PRINTABLE; ++byte) {
@@ -77,8 +77,8 @@ std::string_view pictureOf(std::size_t number) {
     return PICTURES.substr(number * PICTURE_SIZE, PICTURE_SIZE);
 }
 
-// What is seen in place of the character at the beginning of `rest`, and its `size`; nothing when
-// it is seen itself.
+// Returns the visible replacement for the character at the start of `rest`, and sets `size` to the
+// character's bytes. Returns an empty text if the character needs no replacement.
 std::string_view findVisible(std::string_view rest, std::size_t& size) {
     const auto byte = static_cast<unsigned char>(rest.front());
     size = 1;
@@ -110,26 +110,26 @@ std::string_view findReference(std::string_view rest, std::size_t& size) {
     return findVisible(rest, size);
 }
 
-// Hands on `text` in pieces, with what `find` finds in place of its characters.
+// Passes `text` to `consume` in pieces, with the replacements that `find` returns.
 template <typename Find, typename Consumer>
 void forEachPiece(std::string_view text, Find find, Consumer consume) {
     const auto mayBeReplaced = [](char character) {
         return FIRST_BYTES[static_cast<unsigned char>(character)];
     };
-    const char* handedOn = text.data();
+    const char* pending = text.data();
     const char* const end = text.data() + text.size();
-    const char* next = std::find_if(handedOn, end, mayBeReplaced);
+    const char* next = std::find_if(pending, end, mayBeReplaced);
     while (next != end) {
         std::size_t size = 1;
         const std::string_view found = find({next, end}, size);
         if (!found.empty()) {
-            consume({handedOn, next});
+            consume({pending, next});
             consume(found);
-            handedOn = next + size;
+            pending = next + size;
         }
-        next = std::find_if(found.empty() ? next + 1 : handedOn, end, mayBeReplaced);
+        next = std::find_if(found.empty() ? next + 1 : pending, end, mayBeReplaced);
     }
-    consume({handedOn, end});
+    consume({pending, end});
 }
 
 }  // namespace
@@ -154,7 +154,7 @@ void printEscaped(std::string_view text) {
 
 std::string escapeScript(std::string_view text) {
     static const char DIGITS[] = "0123456789abcdef";
-    // Aligned, so that what a search costs does not depend on where the linker puts the characters.
+    // Aligned, so that the cost of a search does not depend on the address that the linker chooses.
     alignas(16) static const char UNSAFE[] = "\"'$`\\<>&\t";
     std::string escaped;
     escaped.reserve(text.size());

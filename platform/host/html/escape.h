@@ -5,21 +5,21 @@
 
 namespace VeskLib::Host {
 
-// Control characters, line ends among them, and those that show nothing or turn the direction of
-// the text around them are printed as visible ones: the pictures of the ASCII controls, and U+FFFD.
-// So no text looks like another, or like two lines. A tab stays: it is white space, and pages use
-// it.
+// These functions replace control characters (including line ends), invisible characters and those
+// that change the direction of text by visible ones: the pictures of the ASCII controls, and U+FFFD
+// for the others. So no text can pass for another, or for two lines. A tab stays, because pages use
+// it as white space.
 
-// `text` with these characters made visible, and nothing else changed.
+// Returns `text` with only these characters replaced.
 std::string makeVisible(std::string_view text);
 
-// `text` safe as HTML text and as a quoted attribute value.
+// Returns `text` escaped for HTML text and quoted attribute values.
 std::string escapeHTML(std::string_view text);
 
-// Prints the same without making a text of it.
+// Prints the same to std::cout, without building a string.
 void printEscaped(std::string_view text);
 
-// `text` safe inside a quoted JavaScript string, also within a script element.
+// Returns `text` escaped for a quoted JavaScript string, also within a script element.
 std::string escapeScript(std::string_view text);
 
 }  // namespace VeskLib::Host

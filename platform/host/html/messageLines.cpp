@@ -42,7 +42,8 @@ void printCaption(int number) {
     }
 }
 
-// What matters most among the lines: what is not known, then what was refused.
+// Returns the most serious outcome of the lines: unknown, then refused, then done; `otherwise` if
+// no line has one.
 Outcome findOutcome(const std::string& message, Outcome otherwise) {
     Outcome outcome = Outcome::UNTOLD;
     for (const std::string& line : splitMessage(message)) {
@@ -71,12 +72,12 @@ std::string shorten(const std::string& version) {
     }
     std::size_t end = LONGEST_VERSION;
     while (end > 0 && (static_cast<unsigned char>(version[end]) & 0xC0) == 0x80) {
-        --end;  // within a character of UTF-8
+        --end;  // not in the middle of a UTF-8 character
     }
     return version.substr(0, end) + "\u2026";
 }
 
-// The partitions that a refusal is about: each with its versions, or all in one line.
+// Prints the partitions that a refusal is about: each with its versions, or all in one line.
 void printDetails(const std::string& line) {
     const IssuedText* const issued = findIssuedText(line);
     const RefusalDetails& details = refusalDetails(issued == nullptr ? 0 : issued->code);

@@ -7,16 +7,16 @@
 
 namespace VeskLib::Host {
 
-// The lines of a message whose texts are joined by "<br>".
+// Splits a message at each "<br>".
 std::vector<std::string> splitMessage(const std::string& message);
 
 // Prints each line as a paragraph, escaped. If the catalogue issued it, the paragraph has the
-// attributes data-message and data-code, so that a client without eyes knows it in every language.
+// attributes data-message and data-code, by which a program recognises it in every language.
 void printMessage(const std::string& message);
 
-// Prints the message as a notice that shows in words, by an icon and by its colour what it says
-// about the request: `otherwise` if no line comes from the catalogue. An unknown outcome has a link
-// to the page that shows what was done.
+// Prints the message as a notice that shows the request's outcome by a word, an icon and a colour.
+// The outcome is `otherwise` if no line comes from the catalogue. A notice of an unknown outcome
+// has a link to the page that shows what was done.
 void printNotice(const std::string& message, Outcome otherwise);
 
 }  // namespace VeskLib::Host

@@ -4,8 +4,8 @@
 
 namespace VeskLib::Host {
 
-// Prints to std::cout as it stands, past the stream's own formatting, which takes longer than the
-// short texts of a page. A lack of memory is an exception.
+// Prints `text` to std::cout unchanged. Bypasses the stream's formatting, which takes longer than
+// writing the short texts of a page. Throws if memory is exhausted.
 void printText(std::string_view text);
 
 }  // namespace VeskLib::Host

@@ -15,7 +15,7 @@ struct Shared {
     std::unique_ptr<Gui::HTMLComponent> component;
 };
 
-// There are few of them: a search goes through all.
+// Few, so that a linear search will do.
 std::vector<Shared>& sharedComponents() {
     static std::vector<Shared> components;
     return components;

@@ -7,10 +7,10 @@
 
 namespace VeskLib::Host {
 
-// Components that every skeleton of this process finds, whatever page it belongs to: what the
-// header of a page says. A component of the page's own map comes before one of the same name.
+// Components of the page header, which every skeleton of this process finds, whatever page it
+// belongs to. A component of the same name in the page's own map takes precedence.
 
-// Makes `name` a component that prints `text`, escaped; one that had the name is replaced.
+// Adds a component `name` that prints `text`, escaped. Replaces one with the same name.
 void shareText(std::string_view name, const std::string& text);
 
 // Removes the component `name`, if there is one.

@@ -33,10 +33,10 @@ namespace {
 const std::size_t LARGEST_SESSION_FILE = 16 * 1024;
 const int SESSION_FILE_MODE = 0600;
 const mode_t PERMISSIONS = 07777;
-// The last use is kept to this precision, so that not every request writes.
+// The last use is stored with this precision, so that not every request writes to the disk.
 const std::time_t USE_PRECISION_SECONDS = 60;
-// How far ahead of the clock a session's times may be: a clock that is set back a little must not
-// log everybody out.
+// A session's times may be this far in the future: setting the clock back a little must not log
+// everybody out.
 const std::time_t CLOCK_TOLERANCE_SECONDS = 60;
 const std::size_t IDENTIFIER_BYTES = 8;
 const std::size_t TOKEN_BYTES = 16;
@@ -45,7 +45,7 @@ std::string sessionPath(const std::string& identifier) {
     return getCGIPath(SESSION_FOLDER) + "/" + identifier;
 }
 
-// The value of the first line "name=value"; empty when there is none.
+// Returns the value of the first line "name=value"; empty if there is none.
 std::string valueOf(std::string_view name, std::string_view text) {
     while (!text.empty()) {
         const std::size_t end = text.find('\n');
@@ -64,7 +64,7 @@ std::vector<unsigned char> toLines(const Session& session) {
     return {text.begin(), text.end()};
 }
 
-// A session as its file has it.
+// A session as stored in its file.
 struct StoredSession {
     std::string tokenSum;
     std::string user;
@@ -73,7 +73,7 @@ struct StoredSession {
     long lastUseNanoseconds = 0;
 };
 
-// Keeps errno.
+// Preserves errno.
 void traceForeignFile(const std::string& identifier) {
     const int reason = errno;
     trace::VeskTrace(1, 1, 1).putLog(
@@ -81,7 +81,7 @@ void traceForeignFile(const std::string& identifier) {
     errno = reason;
 }
 
-// Returns false, with errno set, when the file cannot be read or is not a session's.
+// Returns false and sets errno if the file cannot be read or is not a session's.
 bool readSession(const std::string& identifier, StoredSession& session) {
     std::vector<unsigned char> bytes;
     struct stat status = {};
@@ -121,11 +121,12 @@ std::time_t endOf(const StoredSession& session) {
 
 enum class SessionState {
     LIVING,
-    GONE,        // absent, expired, or no session at all
-    UNREADABLE,  // whether it lives cannot be told now; it must be left alone
+    GONE,        // absent, expired, or not a session
+    UNREADABLE,  // unknown for now; must not be removed
 };
 
-// What `errno` says of a session's file that cannot be read: only these reasons last.
+// Returns the state for a session file that could not be read, from errno. Only these errors are
+// permanent.
 SessionState stateAfterFailure() {
     const bool lasting =
         errno == ENOENT || errno == ELOOP || errno == EINVAL || errno == EFBIG || errno == EPERM;
@@ -143,11 +144,11 @@ SessionState readState(const std::string& identifier, StoredSession& session) {
     throw makePlatformException(SESSION_NOT_READABLE, "The session cannot be read");
 }
 
-// A session that ends without its user's doing. Its end does not wait for the audit log.
+// Records the end of a session that its user did not ask for. The session ends even if this fails.
 void recordEnd(const char* name, const std::string& identifier, const std::string& user,
                const char* reason) {
     if (user.empty()) {
-        return;  // it could not be read, or was not a session
+        return;  // the file could not be read, or was not a session's
     }
     AuditEvent event;
     event.event = name;
@@ -157,7 +158,8 @@ void recordEnd(const char* name, const std::string& identifier, const std::strin
     try {
         record(event);
     } catch (const PException&) {
-        trace::VeskTrace(1, 1, 1).putLog(0, "The audit log does not take the end of a session");
+        trace::VeskTrace(1, 1, 1).putLog(0,
+                                         "The end of a session cannot be written to the audit log");
     }
 }
 
@@ -171,11 +173,11 @@ void removeStagedFile(const std::string& identifier) {
         const LockedFile lock(getCGIPath(STAGING_LOCK_FILE));
         static_cast<void>(std::remove(path.c_str()));
     } catch (const PException&) {
-        // Another request holds the lock for long; the next endExpiredSessions() finds the file.
+        // The lock is not free in time; the next endExpiredSessions() removes the file.
     }
 }
 
-// The identifier that ends the name of a session's file under /var/tmp; empty for other files.
+// Returns the session identifier at the end of a file name under /var/tmp; empty for other files.
 std::string identifierOfFile(const std::string& name) {
     for (const std::string_view path : {BACKUP_FILE, STAGING_FILE}) {
         const std::string_view prefix = path.substr(path.rfind('/') + 1);
@@ -209,8 +211,8 @@ void endIfGone(const std::string& identifier) {
     }
 }
 
-// Ends the oldest sessions of `user`, so that one more is not too many. Of those that began in the
-// same second, the longest unused is the oldest.
+// Ends the oldest sessions of `user` until there is room for one more. Of those created in the same
+// second, the least recently used ends first.
 void makeRoomFor(const std::string& user) {
     using Age = std::tuple<std::time_t, std::time_t, long>;
     std::vector<std::pair<Age, std::string>> sessions;
@@ -240,7 +242,7 @@ Session startSession(const std::string& user) {
                        .user = user,
                        .created = std::time(nullptr)};
     session.ends = session.created + SESSION_IDLE_SECONDS;
-    // Logins one after the other: two at once would each count without the other.
+    // Serializes logins: two at once would not count each other.
     const LockedFile lock(getCGIPath(LOGIN_LOCK));
     makeRoomFor(user);
     const bool oneLine = user.find('\n') == std::string::npos;
@@ -261,7 +263,7 @@ bool findSession(const std::string& cookieValue, Session& session) {
         case SessionState::LIVING:
             break;
         case SessionState::GONE:
-            // An identifier without a living session holds nothing worth keeping.
+            // Files of a session that is gone are not worth keeping.
             endGoneSession(identifier, found);
             return false;
         case SessionState::UNREADABLE:

@@ -17,8 +17,8 @@ namespace VeskLib::Host {
 
 namespace {
 
-// An upload is locked before it gets its name, and by the time its process lets go of the lock it
-// has been moved or removed.
+// An upload is locked before it gets its name, and moved or removed before its process releases the
+// lock. One that can be locked is therefore abandoned.
 bool isAbandoned(const std::string& path) {
     struct stat status = {};
     if (lstat(path.c_str(), &status) != 0 || S_ISDIR(status.st_mode)) {

@@ -2,8 +2,8 @@
 
 namespace VeskLib::Host {
 
-// Removes every upload under /var/tmp whose process died between giving it its name and moving it:
-// those that nobody holds locked. A folder of such a name stays.
+// Removes uploads under /var/tmp that were named but not moved because their process died: those
+// that are not locked. A folder with such a name stays.
 void removeAbandonedUploads();
 
 }  // namespace VeskLib::Host

@@ -10,11 +10,12 @@ namespace VeskLib::Host {
 
 namespace {
 
-const std::size_t STEP = 4;  // bytes that are looked up independently of each other
+const std::size_t STEP = 4;  // bytes per step, each looked up in a table of its own
 
 using ChecksumTables = std::array<std::array<std::uint32_t, 256>, STEP>;
 
-// The first table has the CRC of each byte, each further one that of the byte and one more zero.
+// The first table has the CRC of each byte; each further table has that of the byte followed by one
+// more zero byte.
 constexpr ChecksumTables makeChecksumTables() {
     ChecksumTables tables = {};
     for (std::uint32_t i = 0; i < 256; ++i) {

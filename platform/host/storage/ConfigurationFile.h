@@ -1,5 +1,7 @@
 #pragma once
 
+#include "data/uploadLimit.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -7,7 +9,7 @@
 
 namespace VeskLib::Host {
 
-// An EFI configuration file as a whole; docs/configuration-file.md gives the layout by bytes.
+// A complete EFI configuration file; docs/configuration-file.md describes the layout byte by byte.
 struct ConfigurationFile {
     std::uint32_t revision = 1;  // of the layout; 1 is the only one
     std::uint32_t saveTime = 0;  // seconds since 1970-01-01 UTC
@@ -17,26 +19,26 @@ struct ConfigurationFile {
     std::vector<unsigned char> payload;
 };
 
-// The largest file that an upload may hold.
-inline constexpr std::size_t LARGEST_CONFIGURATION_FILE = 393216;
+inline constexpr std::size_t LARGEST_CONFIGURATION_FILE = VeskUi::LARGEST_UPLOAD;
 
 inline constexpr std::size_t LARGEST_VERSION = 255;
 inline constexpr std::size_t LARGEST_PARTITION_NAME = 1023;
 
-// Of the layout: what begins a file and what it consists of.
+// Constants of the layout.
 inline constexpr unsigned char MAGIC[8] = {'E', 'F', 'I', 'C', 'O', 'N', 'F', 0x1A};
 inline constexpr std::uint32_t REVISION = 1;
 inline constexpr std::size_t HEADER_SIZE = 28;
 inline constexpr std::size_t CHECKSUM_SIZE = 4;
 
-// The file's bytes; empty when a text, or the file as a whole, would be above its limit.
+// Returns the bytes of the file; an empty vector if a text or the file exceeds its limit.
 std::vector<unsigned char> encode(const ConfigurationFile& file);
 
-// False, with `file` unchanged, when the bytes are not a configuration file, whole and undamaged.
+// Returns false and leaves `file` unchanged if the bytes are not a complete and undamaged
+// configuration file.
 bool decode(const std::vector<unsigned char>& bytes, ConfigurationFile& file);
 
-// The CRC-32 of ISO 3309: polynomial 0x04C11DB7 reflected, initial value and final XOR all ones.
-// `before` is the CRC-32 of the bytes in front of these.
+// Returns the CRC-32 of ISO 3309: polynomial 0x04C11DB7 reflected, initial value and final XOR all
+// ones. `before` is the CRC-32 of the preceding bytes.
 std::uint32_t crc32(const unsigned char* bytes, std::size_t size, std::uint32_t before = 0);
 
 }  // namespace VeskLib::Host

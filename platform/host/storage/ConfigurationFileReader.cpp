@@ -18,7 +18,8 @@ void ConfigurationFileReader::take(const unsigned char* bytes, std::size_t size)
     const std::size_t wanted = std::min(size, LARGEST_HEAD - head.size());
     head.insert(head.end(), bytes, bytes + wanted);
     fileSize += size;
-    // The bytes that are certain not to be the file's last ones leave the tail, then the piece.
+    // Add to the checksum all bytes that cannot be the file's last ones: first from the tail, then
+    // from this piece.
     const std::size_t surplus = tailSize + size - std::min(tailSize + size, CHECKSUM_SIZE);
     const std::size_t fromTail = std::min(surplus, tailSize);
     checksum = crc32(tail.data(), fromTail, checksum);
@@ -30,7 +31,7 @@ void ConfigurationFileReader::take(const unsigned char* bytes, std::size_t size)
     tailSize += size - fromPiece;
 }
 
-// The checksum first: whatever else a damaged file says is not worth looking at.
+// Checked first, because the fields of a damaged file cannot be trusted.
 bool ConfigurationFileReader::isUndamaged() const {
     if (fileSize < HEADER_SIZE + CHECKSUM_SIZE || fileSize > LARGEST_CONFIGURATION_FILE) {
         return false;

@@ -14,7 +14,7 @@ namespace VeskLib::VeskUi {
 
 namespace {
 
-// Returns what `file` has. Throws PException if it has nothing.
+// Returns the value of `file`. Throws PException if there is none.
 template <typename File>
 File require(std::optional<File> file) {
     if (!file) {
@@ -36,7 +36,7 @@ EFIConfFile::~EFIConfFile() {
 }
 
 void EFIConfFile::getFileHeader(EFIConfFileHeader& header, std::string& version) {
-    // Checks the whole file, because the content after a good header may be damaged.
+    // Check the whole file, because the content after an intact header may be damaged.
     Host::ConfigurationFile file = require(Host::checkFile(descriptor));
     header.revision = file.revision;
     header.saveTime = file.saveTime;
@@ -45,7 +45,7 @@ void EFIConfFile::getFileHeader(EFIConfFileHeader& header, std::string& version)
 
 void EFIConfFile::getFileHeader(EFIConfFileHeader& header, std::string& version,
                                 unsigned int& partition, std::string& partitionName) {
-    // Pages ask so only for the staged file. What names it belongs to the bytes that were read.
+    // Pages use this form only for the staged file. Its name must be the sum of the bytes read.
     auto [file, sum] = require(Host::sumFile(descriptor));
     Host::setShownFile(sum);
     header.revision = file.revision;

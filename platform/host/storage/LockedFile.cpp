@@ -8,8 +8,8 @@ namespace VeskLib {
 
 namespace {
 
-// Far longer than any holder needs (one rename or one removal), and well inside the time that the
-// web server gives a request.
+// Much longer than the lock is ever held (for one rename or removal), and well below the web
+// server's time limit for a request.
 const int WAIT_MILLISECONDS = 5000;
 
 }  // namespace

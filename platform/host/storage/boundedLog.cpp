@@ -14,7 +14,7 @@ namespace {
 const off_t LARGEST_FILE = 1024 * 1024;
 const mode_t FILE_MODE = 0600;
 
-// Opens the log for appending; -1 when it is not a regular file that can be written.
+// Opens the log for appending. Returns -1 if it is not a regular file or cannot be opened.
 int openLog(const std::string& path) {
     const int descriptor =
         open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK,
@@ -27,8 +27,8 @@ int openLog(const std::string& path) {
     return descriptor;
 }
 
-// Puts a full log aside and opens a new one; -1 when it cannot be put aside. The lock keeps two
-// processes from doing it one after the other, which would lose the predecessor.
+// Renames a full log and opens a new one. Returns -1 if the log cannot be renamed. The lock
+// prevents two processes from rotating one after the other, which would lose the older log.
 int rotate(int full, const std::string& path) {
     const std::string former = path + ".1";
     struct stat locked = {};

@@ -15,7 +15,7 @@ namespace VeskLib::Host {
 
 namespace {
 
-// Differs between two files, and between a file before and after a change.
+// Returns a value that differs between files, and changes when a file is changed.
 auto versionOf(const struct stat& status) {
     return std::make_tuple(status.st_dev, status.st_ino, status.st_size, status.st_mtim.tv_sec,
                            status.st_mtim.tv_nsec, status.st_ctim.tv_sec, status.st_ctim.tv_nsec);

@@ -20,7 +20,7 @@ namespace VeskLib::Host {
 
 namespace {
 
-// A file written aside is named after the path it will replace, this, and six random characters.
+// A temporary file is named by the path it will replace, this mark and six random characters.
 const std::string_view ASIDE_MARK = ".aside-";
 const std::string_view ASIDE_RANDOM = "XXXXXX";
 const std::size_t PIECE_SIZE = 16 * 1024;
@@ -38,14 +38,14 @@ std::string nameOf(const std::string& path) {
     return slash == std::string::npos ? path : path.substr(slash + 1);
 }
 
-// Gives an empty file these bytes and this mode, and syncs it.
+// Writes the bytes to an empty file, sets its mode, and syncs it.
 bool fill(int descriptor, const std::vector<unsigned char>& bytes, int mode) {
     const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
     return writeWhole(descriptor, text) && ::fchmod(descriptor, static_cast<mode_t>(mode)) == 0 &&
            ::fsync(descriptor) == 0;
 }
 
-// Makes `aside` a synced file with these bytes.
+// Creates a synced temporary file with these bytes. Replaces the Xs in `aside` to make its name.
 bool writeAside(std::string& aside, const std::vector<unsigned char>& bytes, int mode) {
     const Descriptor file(::mkostemp(aside.data(), O_CLOEXEC));
     return file.isOpen() && fill(file.get(), bytes, mode);
@@ -70,11 +70,12 @@ int openFolderOf(const std::string& path) {
 }
 
 bool syncFolder(int folder) {
-    // A file system that cannot sync a folder says EINVAL; it has nothing to wait for.
+    // EINVAL means that the file system cannot sync folders.
     return ::fsync(folder) == 0 || errno == EINVAL;
 }
 
-// The status of an open regular file of at most `limit` bytes.
+// Sets `status`. Returns false, with errno set, unless the open file is a regular file of at most
+// `limit` bytes.
 bool findStatus(int descriptor, std::size_t limit, struct stat& status) {
     if (::fstat(descriptor, &status) != 0) {
         return false;
@@ -83,7 +84,7 @@ bool findStatus(int descriptor, std::size_t limit, struct stat& status) {
         errno = EINVAL;
         return false;
     }
-    // Compared before it is cut to the width of std::size_t.
+    // Compared before it is converted to std::size_t, which may be narrower.
     if (static_cast<std::uint64_t>(status.st_size) > limit) {
         errno = EFBIG;
         return false;
@@ -91,7 +92,7 @@ bool findStatus(int descriptor, std::size_t limit, struct stat& status) {
     return true;
 }
 
-// pread(), begun again when a signal interrupts it.
+// Like pread(), but retries when a signal interrupts it.
 ssize_t readAt(int descriptor, unsigned char* bytes, std::size_t size, std::size_t position) {
     ssize_t count = 0;
     do {
@@ -100,7 +101,7 @@ ssize_t readAt(int descriptor, unsigned char* bytes, std::size_t size, std::size
     return count;
 }
 
-// Reads an open regular file of this status, from its start.
+// Reads an open regular file that has this status, from its start.
 bool readContent(int descriptor, const struct stat& status, std::vector<unsigned char>& bytes) {
     std::vector<unsigned char> content(static_cast<std::size_t>(status.st_size));
     std::size_t filled = 0;
@@ -112,7 +113,7 @@ bool readContent(int descriptor, const struct stat& status, std::vector<unsigned
     return true;
 }
 
-// The system's own EPERM says nothing about whose file it is.
+// Replaces an EPERM of the system, so that EPERM always means a file of another user.
 void hideDenial() {
     errno = errno == EPERM ? EACCES : errno;
 }
@@ -130,7 +131,7 @@ bool readSpan(int descriptor, std::size_t position, std::span<unsigned char> pla
               std::size_t& filled) {
     filled = 0;
     ssize_t count = 1;
-    while (filled < place.size() && count > 0) {  // a file may be cut while it is read
+    while (filled < place.size() && count > 0) {  // a file may be truncated while it is read
         count = readAt(descriptor, place.data() + filled, place.size() - filled, position + filled);
         filled += count > 0 ? static_cast<std::size_t>(count) : 0;
     }

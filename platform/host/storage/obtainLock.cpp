@@ -15,7 +15,7 @@ namespace VeskLib::Host {
 
 namespace {
 
-// Short enough that nobody notices it, long enough that a waiting process costs nothing.
+// Short enough not to be noticed, long enough that waiting takes almost no processor time.
 const int POLL_MILLISECONDS = 10;
 
 int openLockFile(const std::string& path) {
@@ -44,7 +44,7 @@ int obtainLock(const std::string& path, int milliseconds) {
     using Clock = std::chrono::steady_clock;
     const int descriptor = openLockFile(path);
     const Clock::time_point end = Clock::now() + std::chrono::milliseconds(milliseconds);
-    // flock() itself could only wait without a limit, or with an alarm that the caller would feel.
+    // Polls, because flock() has no timeout, and an alarm signal would affect the caller.
     while (::flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
         const bool contended = errno == EWOULDBLOCK || errno == EINTR;
         if (!contended || Clock::now() >= end) {

@@ -19,7 +19,7 @@ bool isKnown(int language) {
     return language >= 0 && language < std::ssize(languages());
 }
 
-// The number of a language tag such as "ja" or "ja-JP"; -1 when it is not one of ours.
+// Returns the number of a language tag such as "ja" or "ja-JP"; -1 if it is not one of ours.
 int findLanguage(std::string_view tag) {
     for (int language = 0; isKnown(language); ++language) {
         const std::string_view ours = languageTag(language);
@@ -30,7 +30,7 @@ int findLanguage(std::string_view tag) {
     return -1;
 }
 
-// Browsers list the languages in order of preference, so the weights need not be read.
+// Ignores the weights, because browsers list the languages in order of preference.
 int findAccepted(std::string_view accepted) {
     while (!accepted.empty()) {
         const std::size_t end = accepted.find(',');

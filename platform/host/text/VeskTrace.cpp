@@ -25,7 +25,7 @@ std::string timestamp() {
     return std::string(text, std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &utc));
 }
 
-// One text stays one line, whatever a request put into it.
+// Escapes control characters, so that text from a request cannot start a new line.
 std::string escapeControls(const char* text) {
     std::string escaped;
     for (std::size_t i = 0; text[i] != '\0' && i < LONGEST_TEXT; ++i) {
@@ -56,7 +56,7 @@ void VeskTrace::putLog(unsigned char level, const char* text) try {
                              " level " + std::to_string(level) + ": " + escapeControls(text) + "\n";
     Host::appendToLog(getCGIPath(Host::TRACE_FILE), line);
 } catch (...) {
-    // Out of memory: the request goes on without its trace line.
+    // Out of memory: the request continues without the trace line.
 }
 
 }  // namespace VeskLib::trace

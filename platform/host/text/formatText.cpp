@@ -10,8 +10,8 @@ void formatText(char* buffer, std::size_t size, const char* format, int number,
         std::snprintf(buffer, size, "Text %d is missing from the message catalogue.", number);
         return;
     }
-    // The catalogues are part of the board's own software, and the build holds the conversions of
-    // all languages together.
+    // The format is trusted: catalogues are part of the board's software, and the build checks that
+    // all languages have the same conversions.
     std::vsnprintf(buffer, size, format, arguments);
 }
 

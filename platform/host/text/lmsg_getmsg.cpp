@@ -10,7 +10,7 @@ namespace {
 
 const std::size_t BUFFER_SIZE = 256;
 
-// The one that the program also shows.
+// The only trace text that the program also shows.
 const int SHOWN_NUMBER = VeskLib::Host::UNAVAILABLE_TEXT;
 
 }  // namespace

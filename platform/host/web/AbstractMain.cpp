@@ -46,7 +46,7 @@ int AbstractMain::exec() {
         }
     } catch (...) {
         Host::printHandledException(response);
-        // The form data outlives the request; an upload that it holds must not.
+        // The form data outlives the request; its uploaded file must not.
         if (formInfo != nullptr) {
             formInfo->terminate();
         }
@@ -65,7 +65,7 @@ int AbstractMain::exec() {
 
 void AbstractMain::getCookie() {
     sessionText = Host::requestCookie();
-    // Only once the session is checked.
+    // Files are stored only after the session has been checked.
     Host::formPolicy().file = Host::FormPolicy::File::COUNTED;
     messageSet = Host::requestLanguage();
 }
@@ -89,9 +89,9 @@ void AbstractMain::guiCheckSession(bool showError) {
 }
 
 void AbstractMain::errorExit(std::string title, std::string message) {
-    // A request that the back-end failed is the server's trouble, every other one the client's.
+    // The error is the server's if the back-end failed, otherwise the client's.
     const int backendCode = requester != nullptr ? requester->getErrorCode() : 0;
-    // Thrown, so that everything the request holds is let go of on the way to exec().
+    // Thrown, so that unwinding to exec() releases everything that the request uses.
     throw ErrorPage{.status = backendCode != 0 ? 503 : 400,
                     .title = std::move(title),
                     .message = Host::explain(message, backendCode)};

@@ -51,7 +51,7 @@ void readUrlencodedBody(Fields& fields) {
     reader.finish();
 }
 
-// Sorts the parts of a form into its fields and its one file.
+// Stores the parts of a form as fields and the one file.
 class FormParts : public Host::MultipartHandler {
 public:
     FormParts(Fields& fields, std::string& fileName, Host::UploadFile& file)
@@ -105,7 +105,7 @@ private:
 
 void readMultipartBody(const std::string& contentType, FormParts& parts) {
     Host::RequestBody body;
-    // Without a file, what surrounds the fields is no excuse.
+    // Without a file, the limit applies to the whole body, including the part headers.
     if (formPolicy().file == FormPolicy::File::REFUSED &&
         body.announcedLength().value_or(0) > formPolicy().bodyLength) {
         refuseSize("The form is too large");
@@ -130,8 +130,8 @@ void readQuery(Fields& fields) {
 }  // namespace
 
 struct FormInfo::State {
-    // Reads the request, once. One that is refused holds nothing at all: a form of which only a
-    // part has arrived must not be acted upon.
+    // Reads the request on the first call. A refused request yields no data at all, because a page
+    // must not act on a part of a form.
     void readOnce() {
         if (read) {
             return;
@@ -149,7 +149,7 @@ struct FormInfo::State {
         }
     }
 
-    // Whether the request was read or not: there is nothing to be found any more.
+    // Discards all data and the uploaded file, and prevents further reading.
     void letGo() {
         read = true;
         fields.clear();

@@ -22,7 +22,7 @@ bool readPort(std::string_view text, unsigned int& port) {
 }  // namespace
 
 bool parseHostName(std::string_view text, bool secure, HostName& host) {
-    // The colons of an address are between its brackets.
+    // An IPv6 address has its colons between brackets.
     const std::size_t nameEnd =
         text.starts_with('[') ? text.find(']') + 1 : std::min(text.find(':'), text.size());
     const std::string_view rest = text.substr(nameEnd);

@@ -5,16 +5,16 @@
 
 namespace VeskLib::Host {
 
-// The value of a Host header, or what follows the scheme in an Origin header.
+// The value of a Host header, or of an Origin header after its scheme.
 struct HostName {
-    std::string name;  // as normaliseHostName() gives it
+    std::string name;  // as normaliseHostName() returns it
     unsigned int port = 0;
 
     bool operator==(const HostName&) const = default;
 };
 
-// Without a port in `text`, it is that of HTTP, or of HTTPS when `secure`. False, with `host`
-// unspecified, when the text is no name with or without a port.
+// Parses a name with or without a port. The default port is that of HTTP, or of HTTPS if `secure`.
+// Returns false and leaves `host` unspecified if the text is malformed.
 bool parseHostName(std::string_view text, bool secure, HostName& host);
 
 bool isLoopbackName(const std::string& name);

@@ -8,10 +8,10 @@ int JudgeAuthority::preCheckDisplayMode(CGIRequester& /*requester*/) {
     return authority->everyFunction != 0 ? 1 : 0;
 }
 
-// The pages examine the display mode only when they build their forms, after the posted action. The
-// request channel is therefore closed for changes here.
+// The pages look at the display mode only when they build their forms, after the posted action.
+// Changes are therefore forbidden here, in the request channel.
 //
-// Rights do not differ between partitions here, so `partition` is not looked at.
+// `partition` is not used, because a user has the same rights on every partition.
 int JudgeAuthority::getDisplayMode() {
     const bool listed =
         authority->functions != nullptr &&

@@ -30,7 +30,7 @@ std::string findBoundary(const std::string& contentType) {
 
 }  // namespace
 
-// The first delimiter need not have a line break in front; one is put there for it.
+// The first delimiter may lack the preceding line break, so one is inserted here.
 MultipartReader::MultipartReader(const std::string& contentType, MultipartHandler& handler)
     : handler(handler), delimiter("\r\n--" + findBoundary(contentType)), pending(LINE_BREAK) {
 }
@@ -43,7 +43,7 @@ void MultipartReader::feed(std::string_view piece) {
     rest = pending;
     while (step()) {
     }
-    // Once for the whole piece: each erasure moves all that is left.
+    // Erased once per piece, because each erasure moves the remaining bytes.
     pending.erase(0, pending.size() - rest.size());
 }
 
@@ -53,7 +53,7 @@ void MultipartReader::finish() {
     }
 }
 
-// Understands as much of `rest` as it can; false when it needs more.
+// Parses one element of `rest`. Returns false if it needs more bytes.
 bool MultipartReader::step() {
     switch (state) {
         case State::PREAMBLE:
@@ -71,7 +71,7 @@ bool MultipartReader::step() {
     return false;
 }
 
-// How much of `rest` cannot be the beginning of a delimiter.
+// Returns the length of the part of `rest` that cannot contain the start of a delimiter.
 std::size_t MultipartReader::safeLength() const {
     return rest.size() < delimiter.size() ? 0 : rest.size() - delimiter.size() + 1;
 }
@@ -87,7 +87,7 @@ bool MultipartReader::skipPreamble() {
     return true;
 }
 
-// A delimiter ends its line, or is the last one and ends in "--".
+// Parses what follows a delimiter: a line break, or "--" after the last one.
 bool MultipartReader::endDelimiter() {
     if (rest.size() < 2) {
         return false;
@@ -95,17 +95,17 @@ bool MultipartReader::endDelimiter() {
     if (rest.starts_with("--")) {
         state = State::EPILOGUE;
     } else if (rest.starts_with(LINE_BREAK)) {
-        // The line break stays: it may be the first half of the header's end.
+        // The line break stays, because it may be the first half of the header's end.
         state = State::HEADER;
     } else {
-        refuse("Something stands behind a boundary");
+        refuse("Unexpected bytes after a boundary");
     }
     return true;
 }
 
 bool MultipartReader::readHeader() {
     const std::size_t end = rest.find(HEADER_END, searched);
-    // Up to three bytes of the header's end may be there already; they are no part of it.
+    // The last three bytes may belong to the header's end, which does not count towards the length.
     searched = rest.size() - std::min(rest.size(), HEADER_END.size() - 1);
     const std::size_t length = std::min(end, searched);
     if (length > FormLimits::PART_HEADER_LENGTH + LINE_BREAK.size()) {

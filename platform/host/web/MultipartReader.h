@@ -5,7 +5,7 @@
 
 namespace VeskLib::Host {
 
-// Takes what a MultipartReader finds. A part is a file when its header names a file.
+// Receives what a MultipartReader parses. A part is a file if its header has a file name.
 class MultipartHandler {
 public:
     MultipartHandler() = default;
@@ -13,23 +13,23 @@ public:
     MultipartHandler& operator=(const MultipartHandler&) = delete;
     virtual ~MultipartHandler() = default;
 
-    // A part begins; `fileName` is null for a form field.
+    // Called at the start of a part; `fileName` is null for a form field.
     virtual void beginPart(const std::string& name, const std::string* fileName) = 0;
 
-    // The next bytes of the part; valid during the call.
+    // Called with the next bytes of the part, which are valid only during the call.
     virtual void takeBytes(std::string_view bytes) = 0;
 
     virtual void endPart() = 0;
 };
 
-// Reads a multipart/form-data body in pieces of any size. It keeps no more of the body than a
-// boundary and one part's header, however long the body is.
+// Parses a multipart/form-data body in pieces of any size. Buffers at most a boundary and one
+// part's header, however long the body is.
 //
-// Every operation throws PException: REQUEST_MALFORMED when the body is not well formed,
-// REQUEST_TOO_LARGE when a limit of FormLimits is passed.
+// Every operation throws PException: REQUEST_MALFORMED if the body is malformed, REQUEST_TOO_LARGE
+// if it exceeds one of the FormLimits.
 class MultipartReader {
 public:
-    // `contentType` is the request's, with its boundary. `handler` must outlive the reader.
+    // `contentType` is the request's, including the boundary. `handler` must outlive the reader.
     MultipartReader(const std::string& contentType, MultipartHandler& handler);
 
     void feed(std::string_view piece);
@@ -48,10 +48,10 @@ private:
     std::size_t safeLength() const;
 
     MultipartHandler& handler;
-    std::string delimiter;     // with the line break in front
-    std::string pending;       // read, and not yet understood
+    std::string delimiter;     // with the preceding line break
+    std::string pending;       // received but not yet parsed
     std::string_view rest;     // of `pending`, within feed()
-    std::size_t searched = 0;  // of `rest`: the header does not end there
+    std::size_t searched = 0;  // bytes of `rest` without the header's end
     State state = State::PREAMBLE;
     std::size_t partCount = 0;
 };

@@ -24,7 +24,7 @@ std::optional<std::size_t> readAnnouncedLength() {
     const char* const end = text.data() + text.size();
     const std::from_chars_result result = std::from_chars(text.data(), end, length);
     if (result.ec != std::errc() || result.ptr != end) {
-        throw makePlatformException(REQUEST_MALFORMED, "The length of the body is no number");
+        throw makePlatformException(REQUEST_MALFORMED, "The length of the body is not a number");
     }
     return length;
 }
@@ -42,7 +42,7 @@ std::string_view RequestBody::next() {
         return {};
     }
     if (!waitUntilReady(STDIN_FILENO, POLLIN, deadline)) {
-        throw makePlatformException(REQUEST_TOO_SLOW, "The body does not come in time");
+        throw makePlatformException(REQUEST_TOO_SLOW, "The body does not arrive in time");
     }
     ssize_t count = -1;
     do {

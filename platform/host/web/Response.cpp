@@ -19,7 +19,7 @@ namespace VeskLib::Host {
 
 namespace {
 
-// Most pages are no larger, and need not be moved while they are printed.
+// Most pages are no larger, so that the buffer is not reallocated while they are printed.
 const std::size_t USUAL_PAGE = 8 * 1024;
 
 const char* const FIXED_HEADERS =
@@ -29,7 +29,7 @@ const char* const FIXED_HEADERS =
     "Content-Security-Policy: default-src 'none'; style-src 'self'; img-src 'self'; "
     "form-action 'self'; base-uri 'none'; frame-ancestors 'none'; script-src 'self'";
 
-// What the policy's last directive, on scripts, goes on with.
+// Returns the rest of the policy's last directive, script-src.
 std::string scriptSource() {
     return hasScriptNonce() ? " 'nonce-" + scriptNonce() + "'" : "";
 }
@@ -67,7 +67,7 @@ bool hasLineBreak(const std::string& text) {
     return text.find_first_of("\r\n") != std::string::npos;
 }
 
-// In plain words of one language: a catalogue and a skeleton would have to be read.
+// In English only, because the catalogue and the skeleton may not be readable.
 const char LAST_RESORT[] =
     "Status: 500 Internal Server Error\r\n"
     "Content-Type: text/html; charset=UTF-8\r\n"
@@ -94,19 +94,19 @@ bool sendLastResort() {
 Response::Response()
     : original(std::cout.rdbuf(&body)), originalExceptions(std::cout.exceptions()) {
     std::cout.exceptions(std::ios::badbit);
-    // A browser that is gone and a full disk are errors that are reported, not deaths.
+    // A closed connection and a full disk are reported as errors and do not kill the process.
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
     occupyStandardDescriptors();
     try {
         body.reserve(USUAL_PAGE);
     } catch (const std::bad_alloc&) {
-        // It grows when it is printed to, or tells then that it cannot.
+        // The buffer grows when it is printed to, or throws then.
     }
 }
 
 Response::~Response() {
-    // Also clears the state, so that what the original mask holds is not thrown here.
+    // rdbuf() also clears the state, so that restoring the mask does not throw.
     std::cout.rdbuf(original);
     std::cout.exceptions(originalExceptions);
 }
@@ -142,7 +142,7 @@ bool Response::send() noexcept {
     try {
         return lastResort ? sendLastResort() : sendPage();
     } catch (const std::exception&) {
-        // Before a byte was written: writing is the last step and takes no memory.
+        // Nothing has been written: writing is the last step and allocates no memory.
         return sendLastResort();
     }
 }

@@ -8,13 +8,12 @@
 
 namespace VeskLib::Host {
 
-// Collects what is printed to std::cout, and sends it as one HTTP response over the CGI
-// interface. While it lives, nothing of the page reaches the server; send() writes header and
-// body in one piece.
+// Collects what is printed to std::cout, and sends it as one HTTP response over the CGI interface.
+// Nothing of the page reaches the server before send(), which writes header and body in one piece.
 //
-// Every response carries Content-Length, no-store and nosniff, and the headers that keep the page
-// out of foreign frames. While it lives, what cannot be printed for lack of memory is an exception
-// and no gap in the page. The process ignores SIGPIPE and SIGXFSZ from then on.
+// Every response has Content-Length, no-store and nosniff, and the headers that keep the page out
+// of foreign frames. During the object's life, printing throws if memory is exhausted, so that no
+// page has gaps. The constructor makes the process ignore SIGPIPE and SIGXFSZ.
 class Response {
 public:
     static constexpr const char* HTML_CONTENT = "text/html; charset=UTF-8";
@@ -24,25 +23,25 @@ public:
     Response& operator=(const Response&) = delete;
     ~Response();
 
-    // 200 unless set; the reason phrase is added.
+    // Sets the status, which is 200 by default. The reason phrase is added.
     void setStatus(int status);
 
-    // HTML_CONTENT unless set.
+    // Sets the content type, which is HTML_CONTENT by default.
     void setContentType(const std::string& contentType);
 
-    // `name` and `value` must hold no line break; a header with one is left out.
+    // Adds a header, unless `name` or `value` contains a line break.
     void addHeader(const std::string& name, const std::string& value);
 
-    // Forgets what was printed and the headers added.
+    // Discards the printed text, the added headers and the content type.
     void discard();
 
-    // From now on the response is a fixed page of an internal error, whatever was or will be
-    // printed: for a process that has no memory left even for an error page. Takes none itself.
+    // Makes the response a fixed page of an internal error, whatever was or will be printed. For a
+    // process without the memory for an error page; allocates none itself.
     void useLastResort() noexcept;
 
-    // Writes the response to standard output; without the body when the request's method is
-    // HEAD. False when it could not be written whole. Called once. A response that cannot be put
-    // together becomes the one of useLastResort().
+    // Writes the response to standard output, without the body if the request's method is HEAD.
+    // Must be called only once. Returns false if the response could not be written completely. A
+    // response that cannot be built is replaced by the one of useLastResort().
     bool send() noexcept;
 
 private:
@@ -50,7 +49,7 @@ private:
 
     bool lastResort = false;
     int status = 200;
-    std::string contentType;  // empty for HTML_CONTENT, so that construction takes no memory
+    std::string contentType;  // empty for HTML_CONTENT, so that the constructor does not allocate
     std::string headers;
     TextBuffer body;
     std::streambuf* original;

@@ -66,7 +66,7 @@ std::string UploadFile::path() {
     }
     if (name.empty()) {
         removeAbandonedUploads();
-        // The lock tells from now on that this upload is not abandoned; nobody else can have it.
+        // The lock marks the upload as not abandoned. No other process can hold it yet.
         if (flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
             throw makePlatformException(UPLOAD_NOT_STORED, "The uploaded file cannot be locked");
         }
@@ -74,7 +74,7 @@ std::string UploadFile::path() {
         if (!nameFile(descriptor, chosen)) {
             throw makePlatformException(UPLOAD_NOT_STORED, "The uploaded file cannot be named");
         }
-        name = std::move(chosen);  // takes no memory: a named file must never be forgotten
+        name = std::move(chosen);  // does not allocate: a named file must not be lost track of
         ++named;
     }
     return name;

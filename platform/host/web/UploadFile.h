@@ -6,36 +6,36 @@
 
 namespace VeskLib::Host {
 
-// An uploaded file on its way to the board's /var/tmp. It has no name until it is whole, so that an
-// upload that breaks off leaves nothing behind, however the process ends.
+// An uploaded file that is being written to the board's /var/tmp. It has no name until it is
+// complete, so that an interrupted upload leaves nothing behind, however the process ends.
 class UploadFile {
 public:
     UploadFile() = default;
     UploadFile(const UploadFile&) = delete;
     UploadFile& operator=(const UploadFile&) = delete;
 
-    // Removes the file unless somebody moved it.
+    // Removes the file unless it was moved away.
     ~UploadFile();
 
-    // From now on, bytes are only counted.
+    // Makes write() only count the bytes.
     void keepNothing() { kept = false; }
 
-    // Appends bytes; those beyond FormLimits::FILE_LENGTH are counted and not stored. What cannot
-    // be stored is known to path().
+    // Appends bytes; those beyond FormLimits::FILE_LENGTH are counted but not stored. path()
+    // reports a failure to store them.
     void write(std::string_view bytes);
 
-    // How many bytes were given to write(), at most 4294967295.
+    // Returns the number of bytes passed to write(), at most 4294967295.
     std::uint32_t size() const;
 
-    // Gives the file a name, if it has none yet, and returns its path. Empty when there is no file,
-    // or it is longer than what is stored. Throws PException (UPLOAD_NOT_STORED) when the disk did
-    // not take it all.
+    // Names the file, unless it has a name, and returns its path. Returns "" if there is no file or
+    // it exceeds the limit. Throws PException (UPLOAD_NOT_STORED) if it could not be stored
+    // completely.
     std::string path();
 
-    // How many files of this process got a name, whatever became of them.
+    // Returns how many files this process has named, including those that are gone.
     static unsigned int namedFiles();
 
-    // Removes the file unless somebody moved it; it is empty again.
+    // Removes the file unless it was moved away. The object is then as new.
     void remove();
 
 private:

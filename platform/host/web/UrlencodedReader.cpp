@@ -7,7 +7,7 @@ namespace VeskLib::Host {
 
 namespace {
 
-// An escape is three characters long, so this is the most that a decoded text can come from.
+// An escape has three characters, so that an encoded text is at most this much longer.
 const std::size_t ENCODED_GROWTH = 3;
 
 int hexadecimalDigit(char character) {

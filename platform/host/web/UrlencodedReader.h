@@ -6,17 +6,17 @@
 
 namespace VeskLib::Host {
 
-// Reads application/x-www-form-urlencoded text in pieces of any size into a map of fields. The
-// first field of a name counts. An escape that is not two hexadecimal digits stands for itself.
+// Parses application/x-www-form-urlencoded text in pieces of any size into a map of fields. Of
+// fields with the same name, the first one counts. A "%" without two hexadecimal digits is literal.
 class UrlencodedReader {
 public:
-    // `fields` must outlive the reader. Fields that it holds already are kept.
+    // `fields` must outlive the reader. Existing fields are kept.
     explicit UrlencodedReader(std::map<std::string, std::string>& fields) : fields(fields) {}
 
-    // Throws PException (REQUEST_TOO_LARGE) when a limit of FormLimits is passed.
+    // Throws PException (REQUEST_TOO_LARGE) if the text exceeds one of the FormLimits.
     void feed(std::string_view piece);
 
-    // Ends the text: the last field is complete.
+    // Ends the text and so completes the last field. Throws like feed().
     void finish();
 
 private:

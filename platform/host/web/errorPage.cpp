@@ -29,8 +29,8 @@ using Gui::TextString;
 const std::size_t MESSAGE_SIZE = 256;
 const int REFUSAL_TITLE = 9010;
 const int INTERNAL_ERROR_TITLE = 9016;
-const int NO_BACKEND_CODE = 1;     // of what could not be had although the back-end did not fail
-const int OTHER_BACKEND_CODE = 2;  // without a text of its own
+const int NO_BACKEND_CODE = 1;     // unavailable although the back-end did not fail
+const int OTHER_BACKEND_CODE = 2;  // any code without a text of its own
 const char* const SKELETON_FILE = "/usr/local/www/skel/skeleton_error.txt";
 
 std::string caption(int number) {
@@ -57,7 +57,7 @@ void printFromSkeleton(const ErrorPage& page) {
     std::map<std::string, Gui::HTMLComponent*> components = {{"title", &title},
                                                              {"message", &message}};
     if (page.offerLogin) {
-        // Also if the session has ended while its request was worked on.
+        // The session may have ended while its request was processed.
         unshareSession();
         components["login"] = &login;
     } else if (page.offerMenu) {
@@ -73,7 +73,7 @@ void printPlain(const ErrorPage& page) {
     std::cout << "</body></html>\n";
 }
 
-// What could not be had, in the operator's language and by the back-end's code.
+// Explains a failed request to the back-end by its code, in the operator's language.
 std::string explainUnavailable(int backendCode) {
     const auto find = [](int code) {
         return findTextForCode(requestLanguage(), UNAVAILABLE_TEXT, code);
@@ -87,7 +87,7 @@ std::string explainUnavailable(int backendCode) {
     return explanation;
 }
 
-// The exception's message, with the arguments it carries.
+// Returns the exception's message with its arguments.
 std::string describe(const PException& exception) {
     char text[MESSAGE_SIZE];
     lmsg_getmsg(exception.getMessageNumber(), text, exception.getArgument(0),
@@ -104,7 +104,7 @@ void printErrorPage(const ErrorPage& page, Response& response) noexcept {
         try {
             printFromSkeleton(page);
         } catch (...) {
-            // The generator has traced why a skeleton cannot be used.
+            // The generator has traced why the skeleton cannot be used.
             response.discard();
             printPlain(page);
         }
@@ -129,7 +129,7 @@ void printExceptionPage(const PException& exception, Response& response) {
         page.message = issueCaption(9017, detail);
     } else if (detail == REQUEST_MALFORMED) {
         page.status = 400;
-        // Only a form with a file is sent in parts.
+        // Only a form with a file is sent as multipart.
         page.message = isMediaType(readEnvironment("CONTENT_TYPE"), MULTIPART_FORM)
                            ? Gui::MessageMgr(requestLanguage()).getMessage(30, detail)
                            : issueCaption(9023, detail);
@@ -174,7 +174,7 @@ ErrorPage makeMethodPage() {
     return {.status = 405, .title = caption(REFUSAL_TITLE), .message = issueCaption(9024)};
 }
 
-// A link would lead to the same wrong name.
+// Without links, which would lead to the same wrong host name.
 ErrorPage makeMisdirectedPage() {
     return {.status = 421,
             .title = caption(REFUSAL_TITLE),

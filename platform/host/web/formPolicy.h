@@ -6,19 +6,19 @@
 
 namespace VeskLib::Host {
 
-// What this process takes of the request's form.
+// What this process accepts in a posted form.
 struct FormPolicy {
     enum class File {
         STORED,
-        COUNTED,  // its size is known, its bytes are not kept
-        REFUSED,  // its bytes count as those of a field
+        COUNTED,  // only the size is kept, not the bytes
+        REFUSED,  // treated as a field, with a field's limits
     };
 
     std::size_t bodyLength = FormLimits::BODY_LENGTH;
     File file = File::STORED;
 };
 
-// The policy that FormInfo goes by when it reads the request.
+// Returns the policy that FormInfo applies when it reads the request.
 FormPolicy& formPolicy();
 
 }  // namespace VeskLib::Host

@@ -18,8 +18,9 @@ char lowerCase(char character) {
     return character >= 'A' && character <= 'Z' ? static_cast<char>(character | 0x20) : character;
 }
 
-// Takes a quoted text off the front of `rest`, which begins behind the opening quote. Browsers
-// escape no backslash, so it stands for itself except in front of a quote or another backslash.
+// Removes a quoted text from the start of `rest`, which begins after the opening quote, and returns
+// it unquoted. Browsers do not escape backslashes, so one is literal unless a quote or another
+// backslash follows.
 std::string takeQuoted(std::string_view& rest) {
     std::string text;
     std::size_t i = 0;
@@ -36,7 +37,7 @@ std::string takeQuoted(std::string_view& rest) {
     return text;
 }
 
-// Takes the text up to the next ";" off the front of `rest`.
+// Removes the text up to the next ";" from the start of `rest` and returns it trimmed.
 std::string_view takePlain(std::string_view& rest) {
     const std::string_view text = rest.substr(0, rest.find(';'));
     rest.remove_prefix(text.size());
@@ -59,7 +60,7 @@ std::string takeValue(std::string_view& rest) {
     return text;
 }
 
-// Takes "name=value" off the front of `rest`, which begins behind a ";".
+// Removes "name=value" from the start of `rest`, which begins after a ";".
 void takeParameter(std::string_view& rest, std::string_view& name, std::string& value) {
     const std::size_t nameEnd = std::min(rest.find_first_of("=;"), rest.size());
     name = trim(rest.substr(0, nameEnd));
@@ -97,7 +98,7 @@ bool isMediaType(std::string_view contentType, std::string_view type) {
 bool findParameter(std::string_view header, std::string_view name, std::string& value) {
     std::optional<std::string> found;
     std::string_view rest = header.substr(std::min(header.find(';'), header.size()));
-    // Also behind the parameter that was looked for: a header is sound as a whole, or not at all.
+    // Continues after a match, so that a header with a malformed rest is refused.
     while (!rest.empty()) {
         rest.remove_prefix(1);
         std::string_view foundName;

@@ -4,22 +4,22 @@
 
 namespace VeskLib::Host {
 
-// The function that lets its user see what everybody did on the board; the number is also that of
-// the page of the latest actions, which everybody may open.
+// The function whose users see the actions of all users. The page of the latest actions has the
+// same number, but every user may open it.
 inline constexpr int ACTIVITY_FUNCTION = 110;
 
-// The pages that one returns to after a login are named by the number of their function, so that no
-// address that somebody sends leads to another place.
+// The page to return to after a login is given by its function number, so that no link can redirect
+// to another site.
 
-// Returns the path of the page of the function with that number, in decimal; "" for every other
-// text.
+// Returns the path of the page of a function, by its decimal number; "" for any other text.
 std::string pageOfFunction(const std::string& number);
 
-// Returns the number of the page that the request asks for, or, for a POST, the page that it comes
-// from; "" if that is none of pageOfFunction().
+// Returns the function number of the requested page, or, for a POST, of the page that it comes
+// from; "" if pageOfFunction() does not know the page.
 std::string wantedFunction();
 
-// Returns the path of the login form that leads on to that page; the plain one for "".
+// Returns the path of the login form that continues to the page of `function`; that of the plain
+// form for "".
 std::string loginPath(const std::string& function);
 
 }  // namespace VeskLib::Host

@@ -25,12 +25,12 @@ void shareSeconds(const char* name, std::time_t seconds) {
     shareText(name, std::to_string(std::max<std::time_t>(seconds, 0)));
 }
 
-// Of a number below 100.
+// `number` must be below 100.
 std::string twoDigits(std::int64_t number) {
     return {static_cast<char>('0' + number / 10), static_cast<char>('0' + number % 10)};
 }
 
-// Without gmtime_r(), which reads the board's time zone.
+// Not with gmtime_r(), which reads the time zone file.
 void shareEnd(std::time_t time) {
     using namespace std::chrono;
     const sys_seconds end{seconds(time)};
@@ -55,7 +55,7 @@ void shareBoardName() {
             shareText("board_name", name);
         }
     } catch (const PException&) {
-        // The page is shown without it.
+        // Ignored: the page is shown without the name.
     }
 }
 

@@ -4,24 +4,24 @@
 
 namespace VeskLib::Host {
 
-// The components that the header of every page names (see sharedComponents.h):
+// The components of every page's header (see sharedComponents.h):
 //
-//   board_name     the board's name; absent while it is not known
-//   session_user   who is logged in; absent for everybody else, as all that follow
-//   session_left   the seconds that are left of the session if it is not used again
-//   session_life   the seconds that are left of it however often it is used
-//   session_idle   the seconds that a use adds at most
+//   board_name     the board's name; absent if it is not known
+//   session_user   the user's name; absent, like all that follow, if nobody is logged in
+//   session_left   seconds until the session ends if it is not used again
+//   session_life   seconds until it ends even if it is used
+//   session_idle   the most seconds by which a use extends it
 //   session_minutes, session_end, session_end_utc
-//                  the first in whole minutes; when the session ends, as an ISO 8601 date and
-//                  as hour and minute in UTC: the board's own time would cost system calls
+//                  session_left in whole minutes; the end of the session as an ISO 8601 date, and
+//                  as hour and minute in UTC, because the local time would cost system calls
 
-// Shares the board's name. Without effect if it cannot be read.
+// Shares the board's name. Does nothing if it cannot be read.
 void shareBoardName();
 
-// Shares whose session this is and how long it lives.
+// Shares the session's user and remaining time.
 void shareSession(const Session& session);
 
-// Removes what shareSession() has shared: nobody is logged in any more.
+// Removes what shareSession() has shared.
 void unshareSession();
 
 }  // namespace VeskLib::Host

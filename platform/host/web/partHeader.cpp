@@ -17,7 +17,7 @@ const std::string_view LINE_BREAK = "\r\n";
 }
 
 void parseDisposition(std::string_view value, PartHeader& header) {
-    header = PartHeader();  // the last of several counts, and nothing of the others
+    header = PartHeader();  // of several, only the last one counts
     if (!equalsIgnoringCase(mainValue(value), "form-data")) {
         refuse("A part is not form data");
     }

@@ -2,10 +2,9 @@
 
 namespace VeskLib::Host {
 
-// The pages act before they look at their user's authority, and may meet errors of their own by
-// then; some requests make them not look at all. Therefore the answer of a process that has begun a
-// page for a user without authority is 403, whatever became of the page. A function that has no
-// page is no matter of authority.
+// Pages act before they check their user's authority; some requests make them fail before that
+// check, or skip it. Therefore the status is 403 whenever the process has begun a page for a user
+// without authority, whatever the page prints. A function without a page does not count.
 void noteRefusedPage();
 
 bool wasPageRefused();

@@ -4,15 +4,15 @@
 
 namespace VeskLib::Host {
 
-// Records a request that is refused before it is looked at.
+// Records a request that is refused before it is processed.
 void recordVerdict(RequestVerdict verdict);
 
 // Records that the session's user was refused a function.
 void recordRefusedRight();
 
-// What the platform does after the work of a request, before its answer leaves: sees to the
-// session's files, and records what the request did to them and whether it was refused. Throws
-// PException when a change cannot be recorded.
+// Called after a request has been processed and before its response is sent. Settles the session's
+// files, and records what the request did to them and whether it was refused. Throws PException if
+// a change cannot be recorded.
 void settleRequest();
 
 }  // namespace VeskLib::Host

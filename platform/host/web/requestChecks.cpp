@@ -15,8 +15,8 @@ namespace {
 
 const std::string_view FUNCTION_FIELD = "functionID=";
 
-// A rebound name would let another site's page speak to the board as if it were the board's own. A
-// browser always sends Host, so that a client which leaves it out is none.
+// Guards against DNS rebinding, by which another site's page could reach the board under a name of
+// its own. Browsers always send Host, so a client that does not is not a browser.
 bool isForThisBoard() {
     const std::string host = readEnvironment("HTTP_HOST");
     if (host.empty()) {
@@ -29,14 +29,14 @@ bool isForThisBoard() {
             std::ranges::find(boardProperties().hosts, name.name) != boardProperties().hosts.end());
 }
 
-// The header is written by the browser and cannot be set by a page. A client that does not send it
-// is an old browser or none.
+// A page cannot set or change this header. A client that does not send it is an old browser or not
+// a browser.
 bool isFetchedFromThisSite() {
     const std::string site = readEnvironment("HTTP_SEC_FETCH_SITE");
     return site.empty() || site == "same-origin" || site == "none";
 }
 
-// The same holds for this one.
+// The same applies to this header.
 bool hasOwnOrigin() {
     const std::string origin = readEnvironment("HTTP_ORIGIN");
     if (origin.empty()) {
@@ -50,7 +50,7 @@ bool hasOwnOrigin() {
            parseHostName(readEnvironment("HTTP_HOST"), isSecureRequest(), to) && from == to;
 }
 
-// Nothing, or the number of a function: what a bookmark or another site may lead to.
+// Returns true if the query is empty or a function number, as in a bookmark or another site's link.
 bool isPlainLink() {
     const std::string query = readEnvironment("QUERY_STRING");
     return query.empty() ||
@@ -68,9 +68,9 @@ RequestVerdict checkRequest() {
     if (!isForThisBoard()) {
         return RequestVerdict::MISDIRECTED;
     }
-    const bool mayCome = isPost() ? isFetchedFromThisSite() && hasOwnOrigin()
+    const bool allowed = isPost() ? isFetchedFromThisSite() && hasOwnOrigin()
                                   : isFetchedFromThisSite() || isPlainLink();
-    return mayCome ? RequestVerdict::ACCEPTED : RequestVerdict::CROSS_SITE;
+    return allowed ? RequestVerdict::ACCEPTED : RequestVerdict::CROSS_SITE;
 }
 
 bool isPost() {

@@ -5,14 +5,15 @@ namespace VeskLib::Host {
 enum class RequestVerdict {
     ACCEPTED,
     METHOD_NOT_ALLOWED,  // neither GET, HEAD nor POST: 405
-    MISDIRECTED,         // sent to a name that the board does not have: 421
-    CROSS_SITE,          // another site's page sent it, and it is more than a plain link: 403
+    MISDIRECTED,         // sent to a host name that is not the board's: 421
+    CROSS_SITE,          // sent by another site's page, and not a plain link: 403
 };
 
-// What every program of the board checks before it looks at a request: the method; that Host is a
-// name of the board; and that the request comes from this site (Sec-Fetch-Site, and for a POST
-// Origin against scheme and Host). Another site's link may name a function and nothing else.
-// Throws PException when the names of the board cannot be read.
+// Makes the checks that every program of the board makes before it processes a request: that the
+// method is allowed, that Host is a name of the board, and that the request comes from this site
+// (Sec-Fetch-Site, and for a POST Origin, which must match scheme and Host). A link on another site
+// may give a function number and nothing else. Throws PException if the board's names cannot be
+// read.
 RequestVerdict checkRequest();
 
 bool isPost();

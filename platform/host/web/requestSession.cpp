@@ -23,7 +23,7 @@ bool isOfLivingSession(const std::string& cookieValue) {
         Session session;
         return findSession(cookieValue, session);
     } catch (const PException&) {
-        return false;  // found out again, and reported, when the session is checked
+        return false;  // occurs again when the session is checked, and is reported then
     }
 }
 
@@ -54,7 +54,7 @@ const RequestSession* findRequestSession(const std::string& cookieValue) {
     const auto& users = boardProperties().users;
     const auto user = users.find(found.session.user);
     if (user == users.end()) {
-        // Without any user there is no description to go by.
+        // Without any users, the board description is not known.
         if (!users.empty()) {
             endSessionBecause(found.session, "user");
         }

@@ -8,10 +8,11 @@
 
 namespace VeskLib::Host {
 
-// The cookie (see cookieName()) with Session::cookieValue().
+// The name of the cookie (see cookieName()) that contains Session::cookieValue().
 inline constexpr const char* SESSION_COOKIE = "session";
 
-// Who sent the request that this process serves, and what the board description lets them do.
+// The session of the request that this process serves, and the rights that the board description
+// gives its user.
 struct RequestSession {
     Session session;
     UserRights rights;
@@ -19,22 +20,23 @@ struct RequestSession {
     bool mayUse(int function) const;
 };
 
-// The value of the request's session cookie; empty without one. Other programs on the same host
-// name may set cookies of the same name: of several, the one of a living session counts.
+// Returns the value of the request's session cookie; empty if there is none. Other programs under
+// the same host name may set a cookie of that name: of several, the one of a living session counts.
 std::string requestCookie();
 
-// Finds the session of a cookie value, and keeps it for requestSession(). Returns null when there
-// is none, or its user is not in the board description any more, which ends it. Throws PException
-// when it cannot be read now.
+// Finds the session of a cookie value, and keeps it for requestSession(). Returns null if there is
+// none. Ends a session with a user that is no longer in the board description, and returns null.
+// Throws PException if the session cannot be read now.
 const RequestSession* findRequestSession(const std::string& cookieValue);
 
-// The session that was found; null before, and if there was none.
+// Returns the session that was found; null before, and if there was none.
 const RequestSession* requestSession();
 
-// Throws the login page if the session that was found has ended since: a body may take long.
+// Throws the login page if the session that was found has ended since, because receiving a body may
+// take long.
 void requireLivingSession();
 
-// An event of this request: its address and identifier, and the session that was found.
+// Returns an event with this request's address and identifier and the session that was found.
 AuditEvent makeAuditEvent(const std::string& name);
 
 }  // namespace VeskLib::Host

@@ -23,7 +23,7 @@ namespace VeskLib::Host {
 
 namespace {
 
-// Which file is staged: another upload has another number or time.
+// Identifies a staged file: another upload has another inode or time.
 class Staged {
 public:
     explicit Staged(const std::optional<struct stat>& status)
@@ -43,7 +43,7 @@ private:
     timespec changed;
 };
 
-// Not known of a request that was refused before, which changes nothing.
+// Unset if the request was refused before, and so changed nothing.
 std::optional<Staged> stagedBefore;
 
 unsigned int uploadsBefore = 0;
@@ -56,19 +56,20 @@ std::string pathOf(const char* file) {
     return getCGIPath(file) + requestSession()->session.identifier;
 }
 
-// Returns nothing when there is nothing at `path`. Throws PException when that cannot be told.
+// Returns nullopt if there is nothing at `path`. Throws PException if that cannot be determined.
 std::optional<struct stat> statusOf(const std::string& path) {
     struct stat status = {};
     if (::lstat(path.c_str(), &status) == 0) {
         return status;
     }
     if (errno != ENOENT) {
-        throw makePlatformException(FILE_NOT_READABLE, "A session's file cannot be looked at");
+        throw makePlatformException(FILE_NOT_READABLE,
+                                    "The status of a session's file cannot be read");
     }
     return std::nullopt;
 }
 
-// The same for a file that must be the board's own; throws PException when it is not.
+// The same, but throws PException if the file is not the board's own.
 std::optional<struct stat> ownStatusOf(const std::string& path) {
     const std::optional<struct stat> status = statusOf(path);
     if (status &&
@@ -84,7 +85,7 @@ void removeStaged() {
     static_cast<void>(std::remove(pathOf(STAGING_FILE).c_str()));
 }
 
-void removeWhatIsNotAllowed() {
+void removeForbiddenFiles() {
     if (!requestSession()->mayUse(BACKUP_FUNCTION)) {
         static_cast<void>(std::remove(pathOf(BACKUP_FILE).c_str()));
     }
@@ -98,7 +99,7 @@ void removeWhatIsNotAllowed() {
 void recordUpload() {
     AuditEvent event = makeAuditEvent("upload");
     event.file = auditedFileAt(pathOf(STAGING_FILE));
-    // One that the page has refused and could not remove.
+    // Without it, the page refused the upload but could not remove it.
     event.result = event.file ? "done" : "refused";
     record(event);
 }
@@ -126,7 +127,7 @@ void recordChanges() {
             recordWithResult("discard", "done");
         }
     } catch (...) {
-        // An upload that has no line is not kept.
+        // An upload without a log line must not be kept.
         if (mayBeNew) {
             removeStaged();
         }
@@ -146,7 +147,7 @@ void checkSessionFiles() {
 void settleSessionFiles() {
     const std::string& identifier = requestSession()->session.identifier;
     if (wasPageRefused()) {
-        removeWhatIsNotAllowed();
+        removeForbiddenFiles();
         return;
     }
     Session session;

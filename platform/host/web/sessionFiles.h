@@ -2,18 +2,19 @@
 
 namespace VeskLib::Host {
 
-// A session's files between requests, its backup and its staged file, are written by the program's
-// own system calls. These surround a request that may change them.
+// Between requests, a session has two files, its backup and its staged file. The program writes
+// them by its own system calls, so these functions are called before and after a request that may
+// change them.
 
-// Before the request's work: refuses what lies in the place of one of the files and is not a
-// regular file of the board's own, since the program would follow a link and wait for a pipe.
-// Throws PException (SESSION_FILE_REFUSED), and traces the path. Also notes what is staged, for
+// Called before the request is processed. Throws PException (SESSION_FILE_REFUSED) and traces the
+// path if anything but a regular file of the board's own is in the place of one of the files,
+// because the program would follow a link and block on a pipe. Also notes which file is staged, for
 // settleSessionFiles().
 void checkSessionFiles();
 
-// After the request's work: removes what a user without the right left behind, and what was written
-// for a session that ended meanwhile, and records an upload or a discard. Throws PException when
-// that cannot be recorded; an upload is removed then.
+// Called after the request has been processed. Removes files that the user has no right to or that
+// were written for a session that has ended meanwhile, and records an upload or a discard. Throws
+// PException if that cannot be recorded; an upload is then removed.
 void settleSessionFiles();
 
 }  // namespace VeskLib::Host

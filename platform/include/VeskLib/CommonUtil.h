@@ -4,8 +4,8 @@ namespace VeskLib {
 
 class CommonUtil {
 public:
-    // How many partitions the server can hold; partition numbers run from 0 to this minus 1.
-    // 0 when the board does not know it. Throws PException when it cannot be read.
+    // Returns the maximum number of partitions, or 0 if the board does not know it. Partition
+    // numbers run from 0 to this number minus 1. Throws PException if it cannot be read.
     static unsigned int getMaxPartitionNum();
 };
 

@@ -4,12 +4,12 @@
 
 namespace VeskLib {
 
-// Holds an exclusive lock on the file `path`, shared by all processes, from construction to
-// destruction. The file is created when absent and is never removed. The lock of a process that
-// dies is released.
+// Holds an exclusive lock on the file `path`, against all processes, from construction to
+// destruction. Creates the file if it does not exist; never removes it. The lock is also released
+// when the process ends.
 //
-// The constructor throws PException when the lock cannot be had: not within the platform's time
-// limit, or because `path` is not a regular file of the program's own.
+// The constructor throws PException if the lock is not free within the platform's time limit, or
+// if `path` is not a regular file of the program's own.
 class LockedFile {
 public:
     explicit LockedFile(const std::string& path);

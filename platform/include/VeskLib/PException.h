@@ -2,11 +2,11 @@
 
 namespace VeskLib {
 
-// What the platform and the data containers throw.
+// The exception that the platform and the data containers throw.
 //
-// The eight trailing arguments are printf-style arguments of the message `messageNumber`. A text
-// travels in them as a pointer converted to `long`; it must point to constant text, which outlives
-// every copy of the exception. `long` is as wide as a pointer on every board (ILP32 and LP64).
+// The eight trailing arguments are printf-style arguments for the message `messageNumber`. A
+// string is passed as a pointer converted to `long`; it must outlive every copy of the exception,
+// so use string literals. `long` is as wide as a pointer on every board (ILP32 and LP64).
 class PException {
 public:
     PException(unsigned char system, unsigned char subsystem, unsigned short module,
@@ -17,17 +17,17 @@ public:
     PException& operator=(const PException&) = default;
     virtual ~PException();
 
-    // The detail code that pages show behind their message: the fifth constructor argument.
+    // Returns `detail`, the code that pages show after their message.
     int getExceptionDetail() const;
 
-    // The other coded arguments, as they were given.
+    // Return the other constructor arguments.
     unsigned char getSystem() const;
     unsigned char getSubsystem() const;
     unsigned short getModule() const;
     unsigned char getSeverity() const;
     int getMessageNumber() const;
 
-    // Argument `index` of the message, 0 to 7; 0 for any other index.
+    // Returns argument `index` of the message, 0 to 7; 0 for any other index.
     long getArgument(unsigned int index) const;
 
 private:

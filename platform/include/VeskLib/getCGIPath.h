@@ -4,7 +4,7 @@
 
 namespace VeskLib {
 
-// The path under which a CGI program reaches the board's file `path` (absolute).
+// Returns the path by which a CGI program opens the board's file `path`, which is absolute.
 std::string getCGIPath(const char* path);
 
 }  // namespace VeskLib

@@ -1,4 +1,4 @@
-"""What the attacks share. The board that they attack is that of the documents' tests."""
+"""Shared code of the attacks. They use the board of the documents' tests."""
 
 import importlib.util
 import sys
@@ -9,7 +9,7 @@ sys.path.append(str(TESTS / "documents"))
 
 
 def load(path):
-    """A module of another folder of tests, which has a package of the same name."""
+    """Loads a module of another test folder, in which the package has a name used here too."""
     spec = importlib.util.spec_from_file_location("shared_" + path.stem, path)
     module = importlib.util.module_from_spec(spec)
     spec.loader.exec_module(module)

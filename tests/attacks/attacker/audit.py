@@ -1,4 +1,4 @@
-"""The audit log as an auditor reads it."""
+"""Reads the audit log as an auditor would."""
 
 import json
 import re
@@ -17,7 +17,7 @@ class Contradiction(Exception):
 
 
 def files_of(board):
-    """The log's files, the oldest first: audit.log.2, audit.log.1, audit.log."""
+    """Returns the log's files, oldest first: audit.log.2, audit.log.1, audit.log."""
     path = board.path(LOG)
     former = [file for file in path.parent.glob(path.name + ".*")
               if file.suffix[1:].isdigit()]
@@ -26,7 +26,7 @@ def files_of(board):
 
 
 def read(board):
-    """Every line, the oldest first; raises when one is not as it should be."""
+    """Returns all events, oldest first; raises Contradiction for a malformed one."""
     events = []
     for file in files_of(board):
         for line in file.read_text(encoding="ascii").splitlines():
@@ -43,15 +43,15 @@ def find(events, **fields):
 
 
 def reconstruct(events):
-    """{partition: the sums that its configuration can have after the last line}: one sum, unless
-    the log leaves it open."""
+    """Returns {partition: the possible hashes of its configuration after the last line}: one hash,
+    or several if the log leaves it open."""
     possible = {}
     for event in events:
         after = event.get("after", {})
         if event["event"] == "start":
             for partition, value in after.items():
                 if value not in possible.get(partition, {value}):
-                    raise Contradiction(f"no line has led to {event}")
+                    raise Contradiction(f"no line explains {event}")
                 possible[partition] = {value}
         elif event["event"] == "restore" and after:
             settle(possible, event, after)
@@ -64,7 +64,8 @@ def settle(possible, event, after):
         known = possible.get(partition, {before[partition]})
         if event["result"] == BEGUN:
             if before[partition] not in known:
-                raise Contradiction(f"partition {partition} was another before {event}")
+                raise Contradiction(
+                    f"partition {partition} had another configuration before {event}")
             possible[partition] = {before[partition], value}
         else:
             if not known <= {before[partition], value}:

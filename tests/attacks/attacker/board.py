@@ -1,4 +1,4 @@
-"""A served board, with a view of everything that an attack may leave behind."""
+"""A served board, with access to everything that an attack may leave on it."""
 
 import hashlib
 import os
@@ -13,17 +13,17 @@ from attacker import TESTS, load
 from support import board as documents
 from support.document import PROJECT
 
-# A slow or busy machine may take so many times as long as what is asked of a board.
+# A slow or busy machine may take this many times the time limits of a board.
 SLOWNESS = 4
 LONG = os.environ.get("ATTACKS_LONG") == "1"
 
-# Directories of the root in which nothing may be left that was not wanted.
+# Paths below the root that an attack must not change.
 TEMPORARY = "/var/tmp"
 SESSIONS = "/var/lib/session"
 STATE = "/var/lib/board/configurations"
 TRACE = "/var/log/trace.log"
 
-# The hash of the demo board's administrator, whose password is the name.
+# The password hash of the demo board's administrator "admin", with the password "admin".
 ADMIN_HASH = re.search(r'password_hash = "([^"]+)"',
                        (PROJECT / "board/demo/demo.toml").read_text(encoding="utf-8"))[1]
 
@@ -32,8 +32,8 @@ _files = load(TESTS / "faults/support/configurationFile.py")
 
 
 class Board(documents.Board):
-    """`users` are {name: functions} of a description with the demo board's partitions. All have
-    the password "admin"."""
+    """`users` is {name: functions}: the board then has these users, all with the password "admin",
+    and the demo board's partitions. Without it, the board is the demo board."""
 
     def __init__(self, *options, users=None, **how):
         super().__init__(*options, **how)
@@ -45,7 +45,7 @@ class Board(documents.Board):
         super().start()
 
     def describe(self, users):
-        """Writes the description, for the next start."""
+        """Writes a description with these users, for the next start."""
         self.users = users
         partitions = (PROJECT / "board/demo/demo.toml").read_text(encoding="utf-8")
         description = partitions[:partitions.index("[[user]]")] + "".join(
@@ -59,12 +59,13 @@ class Board(documents.Board):
 
     @property
     def programs(self):
-        """Where the programs are; tests/faults starts them there."""
+        """The folder of the CGI programs; the modules of tests/faults use it."""
         return self.path("/usr/local/www/htdocs")
 
     def run(self, program, method="GET", query="", cookie=None, body=b"",
             kind="application/x-www-form-urlencoded", deadline=30, **environment):
-        """Starts a program by hand. The run has no answer when it was killed at the deadline."""
+        """Runs a program directly. `answered` of the result is its status, or None if it was killed
+        at the deadline (seconds)."""
         request = {"program": program, "method": method, "query": query, "body": body,
                    "type": kind}
         run = _programs.runProgram(self, request, more=self._environment(cookie, environment),
@@ -74,7 +75,7 @@ class Board(documents.Board):
         return run
 
     def run_and_kill(self, seconds, program, body, cookie):
-        """Starts a program by hand with a post, and kills it after the time."""
+        """Starts a program directly with a POST request, and kills it after `seconds`."""
         request = {"program": program, "method": "POST", "body": body}
         environment = _programs.environmentFor(str(self.root), request)
         environment.update(self._environment(cookie, {}))
@@ -86,7 +87,7 @@ class Board(documents.Board):
             process.kill()
 
     def _environment(self, cookie, more):
-        # Not the host of tests/faults: every board answers for its own port alone.
+        # Replaces the host of tests/faults, because a board answers only for its own port.
         environment = {"HTTP_HOST": "127.0.0.1:%d" % self.port, "SERVER_PORT": str(self.port),
                        "SERVER_NAME": "127.0.0.1"}
         if cookie:
@@ -94,7 +95,7 @@ class Board(documents.Board):
         return {**environment, **more}
 
     def processes(self):
-        """The processes of the board, {number: name}."""
+        """Returns the processes of the board as {number: name}."""
         found = {}
         left = [self.process.pid]
         while left:
@@ -111,7 +112,8 @@ class Board(documents.Board):
         return next(pid for pid, each in self.processes().items() if each == name)
 
     def wait_for_program(self, name="efi_backup_rest", count=1, seconds=10):
-        """Waits until so many processes of the name run; whether they do."""
+        """Waits until at least `count` processes of this name run. Returns False after `seconds`
+        without them."""
         end = time.monotonic() + seconds
         while time.monotonic() < end:
             if list(self.processes().values()).count(name) >= count:
@@ -120,7 +122,8 @@ class Board(documents.Board):
         return False
 
     def disk_use(self):
-        """Bytes on the disk of all files below the root, also of those that have no name."""
+        """Returns the disk space of all files below the root in bytes, including open files without
+        a name."""
         blocks = {}
         for folder, _, names in os.walk(self.root):
             for name in names:
@@ -144,15 +147,15 @@ class Board(documents.Board):
             blocks[status.st_dev, status.st_ino] = status.st_blocks
 
     def temporary_files(self):
-        """Names of what is under /var/tmp, without the lock that all sessions share."""
+        """Returns the names in /var/tmp, without the lock that all sessions share."""
         return sorted(set(os.listdir(self.path(TEMPORARY))) - {"restored_eficonf.lock"})
 
     def state(self):
-        """A sum of all partitions' configurations."""
+        """Returns a hash of all partitions' configurations."""
         return hashlib.sha256(self.path(STATE).read_bytes()).hexdigest()
 
     def text_of_logs(self):
-        """Everything that is in any log, also in that of ./serve itself."""
+        """Returns the contents of all logs, including the output of ./serve."""
         files = [self.folder / "log", *self.path("/var/log").iterdir()]
         return "\n".join(file.read_text(encoding="utf-8", errors="replace") for file in files)
 
@@ -172,7 +175,7 @@ def install(folder, *options):
 
 
 class AttackTest(unittest.TestCase):
-    """A test against a served board that the tests of the class share."""
+    """A test of a served board that all tests of the class share."""
 
     options = ()
     users = None
@@ -183,7 +186,7 @@ class AttackTest(unittest.TestCase):
         cls.board = cls.enterClassContext(Board(*cls.options, users=cls.users))
 
     def assert_within(self, seconds, started, what):
-        """`what` has happened soon enough after `started`; the report has the time."""
+        """Expects that no more than `seconds`, times SLOWNESS, have passed since `started`."""
         taken = time.monotonic() - started
         self.assertLessEqual(taken, seconds * SLOWNESS,
                              f"{what} took {taken:.1f} s instead of {seconds} s")

@@ -1,4 +1,4 @@
-"""Clients of a served board: a browser, and connections on which anything can be sent."""
+"""Clients of a served board: a browser, and raw connections."""
 
 import http.client
 import re
@@ -16,8 +16,7 @@ REJECTED, TOO_SOON, LOGGED_IN = 403, 429, 303
 
 
 class Browser:
-    """Keeps every cookie that it is given. `address` is the one it connects from, `headers` what
-    it adds to each request."""
+    """Keeps all cookies, connects from `address`, and adds `headers` to each request."""
 
     def __init__(self, board, user=None, password=None, address="127.0.0.1", headers=()):
         self.board = board
@@ -67,7 +66,7 @@ class Browser:
 
     @property
     def session(self):
-        """The session's cookie, without its name."""
+        """The value of the session's cookie."""
         found = [self.cookies[name] for name in SESSION_COOKIES if name in self.cookies]
         if len(found) != 1:
             raise AssertionError(f"not one session: {self.cookies}")
@@ -92,7 +91,7 @@ class Browser:
         return self.post("/login.cgi", {"user": user, "password": password or user})
 
     def is_logged_in(self):
-        """Whether the menu is shown. The user need not have any right for it."""
+        """Returns true if the menu is shown, which needs no right."""
         return 'action="/logout.cgi"' in self.get("/").text
 
     def upload(self, content, name="a.dat", status="1", **more):
@@ -112,7 +111,7 @@ class Browser:
 
 
 def download_link(page):
-    """The address that a page of a finished backup downloads from."""
+    """Returns the download address on a page of a finished backup, or None."""
     match = re.search(r"/common/download\.cgi\?functionID=5&(?:amp;)?filename=[\w.]+", page)
     return match and match[0].replace("&amp;", "&")
 
@@ -143,7 +142,7 @@ class Connection:
         self.send(("\r\n".join(head) + "\r\n\r\n").encode())
 
     def answer(self):
-        """All that comes until the other side ends the connection."""
+        """Reads until the server closes the connection; returns everything received."""
         try:
             while data := self.socket.recv(65536):
                 self.answered += data
@@ -152,12 +151,12 @@ class Connection:
         return self.answered
 
     def status(self):
-        """The status of the answer, None when there is none."""
+        """Returns the status of the answer, or None without an answer."""
         match = re.match(rb"HTTP/1\.\d (\d+) ", self.answer())
         return int(match[1]) if match else None
 
     def has_ended(self, seconds=0.0):
-        """Whether the other side has ended the connection, or answered, within the time."""
+        """Returns true if the server answers or closes the connection within `seconds`."""
         self.socket.settimeout(max(seconds, 0.001))
         try:
             data = self.socket.recv(65536)
@@ -170,7 +169,7 @@ class Connection:
 
 
 def keep_trying(log_in, limit, pause=1.0):
-    """Logs in again and again, as a person would; the seconds it took, None after `limit`."""
+    """Tries to log in until it succeeds. Returns the seconds it took, or None after `limit`."""
     started = time.monotonic()
     while True:
         if log_in().status == LOGGED_IN:

@@ -1,4 +1,4 @@
-"""Requests to the back-end without a program in between. docs/wire-formats.md has the bytes."""
+"""Sends requests directly to the back-end. docs/wire-formats.md defines the bytes."""
 
 import re
 import struct
@@ -9,21 +9,21 @@ GET, SET, LOGIN, CONTROL = 1, 2, 3, 4
 BACK_UP, RESTORE = 0x020100A3, 0x020100A4
 NO_SESSION, NOT_ALLOWED, FAULTS_NOT_ALLOWED = 1606, 1611, 1614
 
-# How many texts a request has between its number and its payload: the session's identifier, and
-# what the grammar has behind it.
+# The number of texts between a request's number and its payload: the session's identifier and the
+# texts that follow it in the grammar.
 TEXTS = len(re.search(r"^ +request += kind number (.*?) rest\b",
                       Document("docs/wire-formats.md").text, re.MULTILINE)[1].split())
 
 
 def encode(kind, number, session=b"", payload=b""):
-    """The body of a request frame."""
+    """Returns the body of a request frame."""
     texts = [session] + [b""] * (TEXTS - 1)
     return (struct.pack(">BI", kind, number)
             + b"".join(struct.pack(">H", len(text)) + text for text in texts) + payload)
 
 
 def ask(board, kind, number, session=b"", payload=b""):
-    """Code and payload of the back-end's reply."""
+    """Sends a request; returns code and payload of the back-end's reply."""
     return board.exchange(encode(kind, number, session, payload))[0]
 
 

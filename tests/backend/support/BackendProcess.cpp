@@ -16,8 +16,8 @@ namespace VeskLib::Test {
 
 namespace {
 
-// Appends to `text` until the other side ends, or until `end` is at the end of what was read.
-// Returns false if neither happens in time.
+// Reads into `text` until end of file, or until `text` ends with a non-empty `end`. Returns false
+// if neither happens in time.
 bool readUntil(int descriptor, const std::string& end, std::string& text) {
     const Host::Deadline deadline(LONG);
     while (end.empty() || !text.ends_with(end)) {
@@ -89,13 +89,13 @@ void BackendProcess::start(std::vector<std::string> arguments) {
     int out[2] = {};
     int err[2] = {};
     if (::pipe2(out, O_CLOEXEC) != 0 || ::pipe2(err, O_CLOEXEC) != 0) {
-        throw std::runtime_error("no pipe");
+        throw std::runtime_error("cannot create a pipe");
     }
     process = ::fork();
     if (process == 0) {
         ::dup2(out[1], STDOUT_FILENO);
         ::dup2(err[1], STDERR_FILENO);
-        // Whoever starts the tests in the background has their children ignore it.
+        // Ignored by default if a shell started the tests in the background.
         ::signal(SIGINT, SIG_DFL);
         ::execv(pointers[0], pointers.data());
         ::_exit(127);

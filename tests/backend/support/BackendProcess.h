@@ -8,34 +8,35 @@
 
 namespace VeskLib::Test {
 
-// The real daemon as a process of its own.
+// Runs the real daemon as a child process.
 class BackendProcess {
 public:
     explicit BackendProcess(const std::vector<std::string>& arguments);
 
-    // On a root, with a board description file; takes the orders of boardctl.
+    // Starts the daemon on a root, with a board description file; it accepts orders from boardctl.
     BackendProcess(const std::string& root, const std::string& boardFile);
     BackendProcess(const BackendProcess&) = delete;
     BackendProcess& operator=(const BackendProcess&) = delete;
 
-    // Kills the daemon when it still runs.
+    // Kills the daemon if it is still running.
     ~BackendProcess();
 
-    // Waits for the line "ready". Returns false if the daemon ended instead, or is not ready in
+    // Waits for the line "ready". Returns false if the daemon exits instead or is not ready in
     // time.
     bool waitUntilReady();
 
-    // Sends a signal and does not wait for anything.
+    // Sends a signal without waiting for its effect.
     void signal(int number) const;
 
-    // Sends a signal and waits for the end: the exit status, or minus the signal that ended it.
+    // Sends a signal and waits for the daemon to exit. Returns its exit status, or minus the number
+    // of the signal that killed it.
     int stop(int signal = SIGTERM);
 
-    // Waits for the end without a signal. Kills a daemon that does not end in time, and fails the
+    // The same without sending a signal. Kills a daemon that does not exit in time, and fails the
     // test.
     int waitForEnd();
 
-    // What it wrote to standard error; known after its end.
+    // Returns what the daemon wrote to standard error. Empty until it has exited.
     const std::string& errors() const { return errorText; }
 
 private:

@@ -20,7 +20,8 @@ namespace VeskLib::Test {
 using namespace Board;
 using namespace Host;
 
-// A back-end's service on the sample board, with a state, a session and two users of its own.
+// Fixture for BoardService on the sample board, with a session and two users. The stored state
+// persists from one request to the next.
 class BoardServiceTest : public RootTest {
 protected:
     BoardServiceTest() {
@@ -32,7 +33,7 @@ protected:
         board.users.push_back({"root", hash, {true, ""}});
     }
 
-    // Asks a back-end that finds the state that the last one left.
+    // Sends a request to a new service that reads the state stored by the last one.
     ReplyFrame ask(const RequestFrame& request) const {
         ConfigurationStore store(at("state/configurations"), board);
         FaultSwitches switches;
@@ -59,16 +60,16 @@ protected:
         return ask({RequestKind::LOGIN, 0, "", encode(LoginRequest{user, password, "192.0.2.1"})});
     }
 
-    // What the partition holds now.
-    std::string held(unsigned int partition) const {
+    // Returns the partition's configuration.
+    std::string configurationOf(unsigned int partition) const {
         const Bytes payload = ConfigurationStore(at("state/configurations"), board).read(partition);
         return {payload.begin(), payload.end()};
     }
 
-    std::string everythingHeld() const {
+    std::string allConfigurations() const {
         std::string all;
         for (unsigned int partition = 0; partition < board.partitions.size(); ++partition) {
-            all += held(partition) + ";";
+            all += configurationOf(partition) + ";";
         }
         return all;
     }

@@ -14,7 +14,7 @@ namespace {
 int listenSomewhere() {
     const sockaddr anywhere = {AF_UNIX, {}};
     const int listener = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    // An address without a path lets the kernel choose a name.
+    // With an address without a path, the kernel chooses an abstract name.
     if (::bind(listener, &anywhere, sizeof anywhere.sa_family) != 0 || ::listen(listener, 100)) {
         throw std::runtime_error("cannot listen");
     }

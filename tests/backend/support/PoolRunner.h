@@ -9,21 +9,21 @@
 
 namespace VeskLib::Test {
 
-// A connection pool at work, behind a socket without a name in any folder.
+// Runs a connection pool on an abstract socket.
 class PoolRunner {
 public:
     PoolRunner(Board::RequestHandler handler, const Board::ConnectionLimits& limits);
     PoolRunner(const PoolRunner&) = delete;
     PoolRunner& operator=(const PoolRunner&) = delete;
 
-    // Ends the pool.
+    // Stops the pool.
     ~PoolRunner();
 
-    // Connects a socket: a new one, which is the caller's, or a given one.
+    // Connects a new socket, which the caller must close, or a given one.
     int connect() const;
     void connect(int client) const;
 
-    // The thread that runs the pool.
+    // Returns the id of the thread that runs the pool.
     pid_t supervisor() const { return supervisorNumber; }
 
 private:

@@ -11,13 +11,13 @@
 
 namespace VeskLib::Test {
 
-// A test on a board's root of its own, with a folder to work in.
+// Fixture that gives each test a board root of its own, with a folder to work in.
 class RootTest : public testing::Test {
 protected:
-    // The path of `name` in the folder.
+    // Returns the path of `name` in the folder.
     static std::string at(const std::string& name);
 
-    // What is in the folder, sorted.
+    // Returns the names in the folder, sorted.
     static std::vector<std::string> names();
 
 private:

@@ -27,7 +27,7 @@ ScriptedServer::ScriptedServer(std::function<void(int client)> script)
 }
 
 ScriptedServer::~ScriptedServer() {
-    // Wakes the thread when no client ever came.
+    // Wakes the thread if it still waits for a client.
     ::shutdown(listener, SHUT_RDWR);
     thread.join();
     ::close(listener);
@@ -46,7 +46,7 @@ int openBoardSocket(int pendingClients) {
 
 namespace {
 
-// Waits for an event of a socket. Fails the test if none comes in time.
+// Waits for an event on a socket. Fails the test if none occurs in time.
 bool waitFor(int descriptor, short events) {
     pollfd waited = {descriptor, events, 0};
     const bool came = ::poll(&waited, 1, LONG) > 0;

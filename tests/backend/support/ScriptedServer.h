@@ -7,16 +7,16 @@
 
 namespace VeskLib::Test {
 
-// Stands in for the back-end: listens on the board's socket, takes one client and does with it
-// what a test says. BOARD_ROOT must name a root.
+// Replaces the back-end: listens on the board's socket, accepts one client and runs a script on its
+// connection. BOARD_ROOT must name a root.
 class ScriptedServer {
 public:
-    // `script` gets the connected client's descriptor, which is closed when it returns.
+    // `script` gets the descriptor of the connection, which is closed when it returns.
     explicit ScriptedServer(std::function<void(int client)> script);
     ScriptedServer(const ScriptedServer&) = delete;
     ScriptedServer& operator=(const ScriptedServer&) = delete;
 
-    // Waits until the script has ended.
+    // Waits until the script has returned.
     ~ScriptedServer();
 
 private:
@@ -24,29 +24,29 @@ private:
     std::thread thread;
 };
 
-// Opens a listening socket where the board's programs look for the back-end.
+// Opens a listening socket at the back-end's path. The caller must close it.
 int openBoardSocket(int pendingClients);
 
-// Connects to the board's socket as a client does; -1 when nobody listens.
+// Connects to the board's socket as a client does. Returns -1 if no process listens there.
 int connectToBoard();
 
-// The same without waiting while the board's queue of new clients is full.
+// The same, but returns -1 instead of waiting if the socket's backlog is full.
 int connectToBoardWithoutWaiting();
 
-// Sends all the bytes; passes over a client that has gone.
+// Sends all bytes. Ignores a closed connection.
 void sendBytes(int descriptor, const Bytes& bytes);
 
-// Receives exactly `size` bytes, fewer only when the connection ends before.
+// Receives `size` bytes, or fewer if the connection ends or is silent for too long.
 Bytes receiveBytes(int descriptor, std::size_t size);
 
-// Receives a frame with the length in front.
+// Receives a frame, including its length prefix.
 Bytes receiveFramed(int descriptor);
 
-// A frame's bytes with their length in front.
+// Returns the bytes with their length prefix.
 Bytes framed(const Bytes& bytes);
 
-// Waits until the other side ends the connection, reading what it sends until then; or without
-// reading.
+// Waits until the other side closes the connection; the first function reads and discards what it
+// sends.
 void waitForEnd(int descriptor);
 void waitForHangUp(int descriptor);
 

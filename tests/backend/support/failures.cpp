@@ -7,7 +7,8 @@ namespace VeskLib::Test {
 
 namespace {
 
-// Fewer than there are, and enough for every poll().
+// Fewer than are open already, but enough for poll(), which rejects more descriptors than the
+// limit.
 const rlim_t STANDARD_STREAMS = 3;
 
 const std::size_t PAGE = 0x10000;

@@ -6,7 +6,7 @@
 
 namespace VeskLib::Test {
 
-// While it lives, no thread can be started: each would get a stack that fits into no memory.
+// While an object exists, starting a thread fails, because the default stack size exceeds memory.
 class NoThreads {
 public:
     NoThreads();
@@ -18,7 +18,7 @@ private:
     pthread_attr_t original;
 };
 
-// While it lives, the process gets no new descriptor.
+// While an object exists, the process cannot open descriptors.
 class NoDescriptors : public ScopedLimit {
 public:
     NoDescriptors();

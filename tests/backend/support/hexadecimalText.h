@@ -6,10 +6,10 @@
 
 namespace VeskLib::Test {
 
-// The bytes written as pairs of hexadecimal digits; blanks between pairs are passed over.
+// Returns the bytes written as pairs of hexadecimal digits; ignores blanks between pairs.
 Bytes fromHexadecimal(const std::string& text);
 
-// The bytes as pairs of hexadecimal digits with a blank between pairs.
+// Returns the bytes as pairs of hexadecimal digits, separated by blanks.
 std::string toHexadecimal(const Bytes& bytes);
 
 }  // namespace VeskLib::Test

@@ -4,7 +4,7 @@
 
 namespace VeskLib::Test {
 
-// Six partitions, of which 5 is not installed:
+// Returns a board with six partitions; partition 5 is not installed:
 //
 //   0  BIOS 1.23 B, initial configuration "zero"
 //   1  BIOS 1.9, "one"

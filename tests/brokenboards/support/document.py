@@ -1,4 +1,4 @@
-"""What docs/porting.md says that a board needs."""
+"""The operations that docs/porting.md requires of a board."""
 
 import re
 
@@ -6,7 +6,7 @@ import re
 def operations(document):
     """Returns "header operation" for every operation in the tables of the document.
 
-    A row without a header belongs to the one above it.
+    A row without a header continues the header of the row above.
     """
     found = set()
     header = None

@@ -1,4 +1,4 @@
-"""Builds the contract tests against the host platform's SDK, as it is or with one source edited."""
+"""Builds the contract tests against the host platform's SDK, unchanged or with edited sources."""
 
 import json
 import os
@@ -8,7 +8,7 @@ import subprocess
 
 
 class Failure(Exception):
-    """What keeps the boards from being judged."""
+    """An error that prevents a board from being tested."""
 
 
 def run(command, folder):
@@ -20,7 +20,7 @@ def run(command, folder):
 
 
 class ContractBuild:
-    """A build with contract_tests in it; everything is written below the folder `work`."""
+    """A build that contains contract_tests. All output is written to the folder `work`."""
 
     def __init__(self, project, build, work):
         self.project = project
@@ -32,7 +32,7 @@ class ContractBuild:
             raise Failure(f"{self.build} has no contract_tests; build them first")
 
     def tests(self):
-        """The names of all contract tests."""
+        """Returns the names of all contract tests."""
         names = set()
         suite = ""
         for line in run([self.program, "--gtest_list_tests"], self.build).splitlines():
@@ -54,8 +54,11 @@ class ContractBuild:
                 self.members.setdefault(member, library)
 
     def link(self, work, changed=None, include=None):
-        """Links the tests in `work`. `changed` has sources that replace those of their files;
-        they find headers in the folder `include` first, if given."""
+        """Links the tests in `work` and returns the program's path.
+
+        `changed` maps files to the sources that replace them. They are compiled with `include`, if
+        given, as the first include folder.
+        """
         libraries = {name: os.path.join(self.sdk, "lib", name)
                      for name in os.listdir(os.path.join(self.sdk, "lib"))}
         command = self._link_command()
@@ -66,14 +69,14 @@ class ContractBuild:
                 name = self._library_of(file)
                 libraries[name] = self._replace(work, libraries[name], compiled)
             else:
-                # Of the tests in place of theirs; of the program before its library, so that the
-                # linker does not look there.
+                # A test's object replaces the original. An object of the program precedes its
+                # library, so that the linker does not use the original in there.
                 own = "contract_tests.dir/" + os.path.basename(file) + ".o"
                 objects = [word for word in objects if not word.endswith(own)] + [compiled]
         program = os.path.join(work, "contract_tests")
         own = ["tests/support/libtest_support.a", "main/libefi_program.a", "data/libefi_data.a"]
         frameworks = [word for word in command if os.path.basename(word).startswith("libg")]
-        # Without -fno-lto the linker would optimise what the libraries contain beside machine code.
+        # -fno-lto makes the linker use the machine code in the libraries, not their LTO code.
         run([command[0], "-fno-lto", *[word for word in command if word.startswith("-Wl,-z")],
              "-pie", "-o", program, *objects, "-Wl,--start-group", *own,
              *sorted(libraries.values()), "-Wl,--end-group", *frameworks], self.build)
@@ -101,11 +104,12 @@ class ContractBuild:
         words = shlex.split(entry["command"])
         words = words[:words.index("-o")]
         if not file.startswith("tests/"):
-            # Speed matters more than the code's. Tests have the flags of their precompiled header.
+            # Fast compilation matters more than fast code. Tests keep their flags, because those of
+            # their precompiled header must match.
             words = [word for word in words if not word.startswith(
                 ("-flto", "-ffat-lto", "-O", "-U_FORTIFY", "-D_FORTIFY"))] + ["-O0"]
         first = ["-I", include] if include else []
-        # What is broken on purpose may leave something unused.
+        # No warnings, because an edit may leave names unused.
         run([words[0], *first, *words[1:], "-w", "-o", edited + ".o", "-c", edited],
             entry["directory"])
         return edited + ".o"

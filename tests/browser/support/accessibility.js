@@ -1,4 +1,4 @@
-// Whether everybody can use a page: what axe-core finds on it.
+// Checks the accessibility of a page with axe-core.
 
 import assert from "node:assert/strict";
 import { readFile } from "node:fs/promises";
@@ -11,13 +11,13 @@ export const THEMES = ["light", "dark"];
 // In pixels: a phone and a wide screen.
 export const WIDTHS = [360, 1440];
 
-// Has pages shown in a theme and a width from now on.
+// Sets the theme and width in which `page` is shown from now on.
 export async function show(page, theme, width) {
     await page.setViewport({ width, height: 900 });
     await page.emulateMediaFeatures([{ name: "prefers-color-scheme", value: theme }]);
 }
 
-// Axe-core finds nothing to mend, and nothing must be scrolled sideways.
+// Expects that axe-core finds no violation and that the page does not scroll sideways.
 export async function assertAccessible(page) {
     await page.evaluate(AXE);
     const { violations } = await page.evaluate(() => window.axe.run());

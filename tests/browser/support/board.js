@@ -1,4 +1,4 @@
-// Starts a board for a test, in a folder of its own and on a free port, and ends it.
+// Starts and stops a board for a test, in a new folder and on a free port.
 
 import assert from "node:assert/strict";
 import { execFile as execFileCallback, spawn } from "node:child_process";
@@ -25,9 +25,8 @@ const execFile = promisify(execFileCallback);
 const project = fileURLToPath(new URL("../../..", import.meta.url));
 
 export class Board {
-    // Starts `./serve` without building; BOARD_PRESET names the build that is served. `description`
-    // is the text of a board description; without one it is the demo board's. `options` are further
-    // ones of `./serve`.
+    // Starts `./serve` without building; BOARD_PRESET names the build to serve. `description` is the
+    // text of a board description, by default the demo board's; `options` are passed to `./serve`.
     static async start(description, options = []) {
         const board = new Board();
         board.root = await mkdtemp(path.join(tmpdir(), "board-"));
@@ -83,7 +82,7 @@ export class Board {
         return this.origin + target;
     }
 
-    // A path below the board's root.
+    // Returns a path below the board's root.
     path(...parts) {
         return path.join(this.root, ...parts);
     }
@@ -92,8 +91,8 @@ export class Board {
         return readFile(this.path("var/log/trace.log"), "utf8").catch(() => "");
     }
 
-    // The names in "/var/tmp", without those of the web server, which removes its own a little
-    // after the client has its answer.
+    // Returns the names in "/var/tmp". Waits until the web server has removed its own files, which
+    // it does shortly after the answer.
     async temporaryFiles() {
         return eventually(async () => {
             const names = await readdir(this.path("var/tmp"));
@@ -102,7 +101,7 @@ export class Board {
         });
     }
 
-    // The process numbers of the programs that are answering a request.
+    // Returns the process numbers of the CGI programs that are running.
     async programs() {
         const folder = this.path("usr/local/www/htdocs/");
         const numbers = [];
@@ -127,7 +126,7 @@ export class Board {
         }
     }
 
-    // Serves a program of the tests in place of the screen's own.
+    // Replaces the screen's program with `program`, a path below the build's folder.
     async replaceScreen(program) {
         const preset = process.env.BOARD_PRESET ?? "release";
         const screen = this.path("usr/local/www/htdocs/maintenance/efi_backup_restore.cgi");
@@ -135,7 +134,7 @@ export class Board {
         await copyFile(path.join(project, "build", preset, program), screen);
     }
 
-    // Gives the running back-end an order of boardctl; the answer is what boardctl prints.
+    // Runs boardctl with the given order and returns its output.
     async control(...words) {
         const { stdout } = await execFile(this.path("usr/local/bin/boardctl"), [
             "--root",
@@ -145,7 +144,7 @@ export class Board {
         return stdout;
     }
 
-    // The process number of this board's back-end.
+    // Returns the process number of this board's back-end; throws if none runs.
     async backendProcess() {
         for (const name of await readdir("/proc")) {
             const words = await readFile(`/proc/${name}/cmdline`, "utf8").catch(() => "");

@@ -1,4 +1,4 @@
-// A real browser with its own profile and download folder, and what tests do with its pages.
+// A real browser with its own profile and download folder, and helpers for its pages.
 
 import assert from "node:assert/strict";
 import { mkdtemp, readFile, readdir, rm } from "node:fs/promises";
@@ -25,7 +25,7 @@ const FIREFOX = {
     executablePath: "/usr/bin/firefox-esr",
 };
 
-// TEST_BROWSERS may name one of them only.
+// TEST_BROWSERS limits the tests to the browsers that it lists.
 export const BROWSERS = process.env.TEST_BROWSERS?.split(",") ?? ["chromium", "firefox"];
 
 const PATIENCE = {
@@ -34,7 +34,7 @@ const PATIENCE = {
 };
 
 export class Browser {
-    // `words` are further ones of Chromium's command line. Without `scripts`, pages run none.
+    // `words` are added to Chromium's command line. With `scripts` false, pages run no scripts.
     static async start(language = "en", kind = "chromium", { words = [], scripts = true } = {}) {
         const browser = new Browser();
         browser.scripts = scripts;
@@ -69,9 +69,8 @@ export class Browser {
         await rm(this.folder, { recursive: true, force: true, maxRetries: 30 });
     }
 
-    // A new page in a context of its own, so that tests do not share cookies. `page.alerts`
-    // collects the alerts and questions, which are accepted at once; with `page.accept` false they
-    // are dismissed.
+    // Opens a page in a new context, so that tests do not share cookies. `page.alerts` collects the
+    // texts of all dialogs, which are accepted at once, or dismissed while `page.accept` is false.
     async newPage() {
         const context = await this.process.createBrowserContext(
             this.chromium
@@ -81,7 +80,7 @@ export class Browser {
         return this.newWindow(context);
     }
 
-    // A new page that shares the cookies of the context's others.
+    // Opens a page in an existing context; it shares the cookies of the context's other pages.
     async newWindow(context) {
         const page = await context.newPage();
         page.setDefaultTimeout(PATIENCE_MILLISECONDS);
@@ -90,8 +89,8 @@ export class Browser {
         }
         page.alerts = [];
         page.accept = true;
-        // The text of the newest alert, once it fits: alerts reach the test a little later than
-        // what raised them.
+        // Waits until the newest alert matches and returns its text: alerts reach the test shortly
+        // after the action that raised them.
         page.waitForAlert = async (words) => {
             const deadline = Date.now() + PATIENCE_MILLISECONDS;
             while (!words.test(page.alerts.at(-1) ?? "") && Date.now() < deadline) {
@@ -107,7 +106,7 @@ export class Browser {
         return page;
     }
 
-    // The name and the bytes of the next whole download; each is handed out once.
+    // Waits for a complete download and returns its name and bytes; each is returned once.
     async nextDownload() {
         const deadline = Date.now() + PATIENCE_MILLISECONDS;
         while (Date.now() < deadline) {
@@ -123,8 +122,8 @@ export class Browser {
         throw new Error("No file was downloaded.");
     }
 
-    // Asserts that there is no download beside those handed out, not even one that begins a little
-    // later than the page is there.
+    // Expects no download besides those already returned; waits for one that starts after the page
+    // has loaded.
     async assertNoDownload() {
         await sleep(500);
         assert.deepEqual(await readdir(this.downloads), []);
@@ -142,7 +141,7 @@ export async function logIn(page, board, user = "admin", password = user) {
 export const BACKUP_PAGE = "/maintenance/efi_backup_restore.cgi?functionID=105";
 export const RESTORE_PAGE = "/maintenance/efi_backup_restore.cgi?functionID=106";
 
-// The text of the first element that fits, its white space folded.
+// Returns the text of the first matching element, with white space collapsed.
 export function textOf(page, selector) {
     return page.$eval(selector, (element) => element.textContent.replace(/\s+/g, " ").trim());
 }
@@ -152,20 +151,20 @@ export async function chooseAndBackUp(page, partition) {
     await Promise.all([page.waitForNavigation(), page.click("button[type=submit]#backup")]);
 }
 
-// Counts what a page posts from now on. `posts.assertNone()` first lets the page send what it is
-// about to send, which reaches the test a little later than an alert.
+// Counts the page's POST requests from now on. `posts.assertNone()` first waits for a request that
+// the page may be about to send, because it reaches the test after an alert does.
 export function countPosts(page) {
     const posts = { count: 0 };
     page.on("request", (request) => (posts.count += request.method() === "POST" ? 1 : 0));
     posts.assertNone = async () => {
-        // A page that navigates ends this early.
+        // Fails early if the page navigates.
         await page.evaluate(() => new Promise((done) => setTimeout(done, 200))).catch(() => {});
         assert.equal(posts.count, 0);
     };
     return posts;
 }
 
-// A page's markup without its scripts.
+// Returns the page's markup without its scripts.
 export function markupOf(page) {
     return page.evaluate(() => {
         const copy = document.documentElement.cloneNode(true);

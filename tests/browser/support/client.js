@@ -1,4 +1,4 @@
-// A client without a browser, for requests that no page would send.
+// An HTTP client for requests that no page would send.
 
 import assert from "node:assert/strict";
 import { timeLimit } from "./eventually.js";
@@ -17,9 +17,9 @@ export class Client {
         return client;
     }
 
-    // The answer with its body as `text` and `bytes`; redirections are not followed. Each request
-    // has a connection of its own: the server may close one that was left open just when the next
-    // request is sent on it.
+    // Returns the answer with its body as `text` and `bytes`; does not follow redirections. Each
+    // request has a new connection, because the server may close a kept one just as the next request
+    // is sent on it.
     async request(target, options = {}) {
         const response = await fetch(this.board.url(target), {
             redirect: "manual",
@@ -47,7 +47,7 @@ export class Client {
         });
     }
 
-    // The posted backup form.
+    // Posts the backup form.
     backUp(partition, more = {}) {
         return this.post("/maintenance/efi_backup_restore.cgi", {
             functionID: "105",
@@ -58,7 +58,7 @@ export class Client {
     }
 }
 
-// An answer that an operator can read: whole, HTML, and never a download.
+// Expects a complete HTML page with this status and text, and no download.
 export function assertErrorPage(answer, status, words) {
     assert.equal(answer.status, status, answer.text);
     assert.match(answer.headers.get("content-type"), /^text\/html/);
@@ -67,7 +67,7 @@ export function assertErrorPage(answer, status, words) {
     assert.match(answer.text, words);
 }
 
-// The link of a backup page, as the browser follows it.
+// Returns the download link of a backup page, unescaped.
 export function downloadLink(page) {
     const link = page.text.match(/id="download_link" href="([^"]*)"/);
     assert.ok(link, page.text);

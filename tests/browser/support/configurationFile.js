@@ -1,4 +1,4 @@
-// Reads and makes an EFI configuration file as docs/configuration-file.md describes it.
+// Reads and makes EFI configuration files as described in docs/configuration-file.md.
 
 import assert from "node:assert/strict";
 

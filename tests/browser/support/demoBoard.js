@@ -1,10 +1,11 @@
-// The partitions of the demo board, as its description gives them.
+// The partitions of the demo board, read from its description.
 
 import { readFileSync } from "node:fs";
 import { fileURLToPath } from "node:url";
 import { parse } from "smol-toml";
 
-// The BIOS version that the board shows for a partition: its home system board's.
+// Returns the BIOS version that the board shows for a partition: that of its home system board, or
+// "-" without one.
 function shownVersion(partition, boards) {
     const home = partition.node_ids
         .filter((node) => (node & 0xe0) === 0)
@@ -18,7 +19,7 @@ function demoText() {
     return readFileSync(fileURLToPath(file), "utf8");
 }
 
-// The users of the demo board, for a board of a test's own; tests know their passwords.
+// Returns the demo board's users, for a test's own description: each password is the user's name.
 export function demoUsers() {
     const text = demoText();
     return text.slice(text.indexOf("[[user]]"));

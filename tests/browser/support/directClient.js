@@ -1,6 +1,5 @@
-// A client that starts the board's programs itself, without a web server, which could hide from
-// them what is wrong with a request. Standard input is a pipe or a file; without a body it is
-// nothing.
+// A client that starts the board's programs itself, because a web server could hide errors in a
+// request from them. Standard input is a pipe or a file, and empty without a body.
 
 import { spawn } from "node:child_process";
 import { once } from "node:events";
@@ -58,7 +57,7 @@ export class DirectClient extends Client {
             timeout: PATIENCE_MILLISECONDS,
             killSignal: "SIGKILL",
         });
-        // A program that has answered without its body may be gone before it is written.
+        // A program that does not read the body may exit before all of it is written.
         child.stdin?.on("error", () => {});
         child.stdin?.end(bytes);
         const [output, errors] = await Promise.all([buffer(child.stdout), text(child.stderr)]);
@@ -69,7 +68,7 @@ export class DirectClient extends Client {
         return { status: child.exitCode, output, errors };
     }
 
-    // An unnamed file that holds the bytes.
+    // Returns an open file with the given bytes and no name.
     async inputFile(bytes) {
         const name = path.join(this.board.root, `body-${process.pid}`);
         const writer = await open(name, "w");

@@ -1,12 +1,12 @@
-// Waiting for what comes about a little later than the answer that a test has.
+// Waiting for effects that follow shortly after an answer.
 
 import { setTimeout as sleep } from "node:timers/promises";
 
-// How long a test waits for what must happen; far above what it takes on a busy machine.
+// How long a test waits for something that must happen; far longer than a busy machine needs.
 export const PATIENCE_MILLISECONDS = 120000;
 
-// The result of `check`, which is called again until it throws nothing. When the time is over, its
-// last error is the test's.
+// Calls `check` until it does not throw, and returns its result. After the time limit, throws its
+// last error.
 export async function eventually(check) {
     const deadline = Date.now() + PATIENCE_MILLISECONDS;
     for (;;) {
@@ -21,7 +21,7 @@ export async function eventually(check) {
     }
 }
 
-// Ends a wait for an event with an error when it takes too long: an option of once() and fetch().
+// Returns an option for once() and fetch() that makes a long wait fail.
 export function timeLimit() {
     return { signal: AbortSignal.timeout(PATIENCE_MILLISECONDS) };
 }

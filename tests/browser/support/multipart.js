@@ -1,9 +1,9 @@
-// Multipart bodies by hand, for requests that no browser sends.
+// Builds multipart bodies for requests that no browser sends.
 
 export const BOUNDARY = "----board-test-boundary";
 export const MULTIPART = `multipart/form-data; boundary=${BOUNDARY}`;
 
-// A part: its header lines and its bytes.
+// Returns a part with these header lines and bytes.
 export function part(header, bytes) {
     return Buffer.concat([
         Buffer.from(`--${BOUNDARY}\r\n${header}\r\n\r\n`),
@@ -26,7 +26,7 @@ export function file(name, bytes, fileName = "a.dat") {
 
 export const END = Buffer.from(`--${BOUNDARY}--\r\n`);
 
-// The upload form, as a browser posts it.
+// Returns the body of the upload form as a browser posts it.
 export function uploadBody(bytes, fileName = "a.dat") {
     return Buffer.concat([
         file("filename", bytes, fileName),

@@ -1,11 +1,11 @@
-// What tests do with the pages of a restore.
+// Helpers for the pages of a restore.
 
 import { mkdtemp, rm, writeFile } from "node:fs/promises";
 import { tmpdir } from "node:os";
 import path from "node:path";
 import { RESTORE_PAGE } from "./browser.js";
 
-// Runs `use` with the path of a file of that name and content.
+// Calls `use` with the path of a temporary file with this name and content.
 export async function withFile(name, bytes, use) {
     const folder = await mkdtemp(path.join(tmpdir(), "upload-"));
     try {
@@ -17,14 +17,14 @@ export async function withFile(name, bytes, use) {
     }
 }
 
-// Opens the upload form and uploads a file; ends on the page that follows.
+// Opens the upload form, uploads a file and waits for the next page.
 export async function upload(page, board, name, bytes) {
     await page.goto(board.url(RESTORE_PAGE));
     await chooseFile(page, name, bytes);
     await Promise.all([page.waitForNavigation(), page.click("#upload")]);
 }
 
-// Uses the keyboard on an element: page.click() needs scripts in Firefox.
+// Presses a key on an element: page.click() needs scripts in Firefox.
 async function press(page, selector, key) {
     await page.focus(selector);
     await page.keyboard.press(key);
@@ -35,7 +35,7 @@ export async function followWithoutScript(page, selector) {
     await Promise.all([page.waitForNavigation(), press(page, selector, "Enter")]);
 }
 
-// upload() on a page that runs no scripts.
+// Like upload(), for a page without scripts.
 export async function uploadWithoutScript(page, board, name, bytes) {
     await page.goto(board.url(RESTORE_PAGE));
     await withFile(name, bytes, async (file) => {
@@ -44,7 +44,7 @@ export async function uploadWithoutScript(page, board, name, bytes) {
     });
 }
 
-// restoreTo() on a page that runs no scripts.
+// Like restoreTo(), for a page without scripts.
 export async function restoreWithoutScript(page, partition) {
     await press(page, `#pid${partition}`, " ");
     await followWithoutScript(page, "#restore");
@@ -54,7 +54,7 @@ export async function chooseFile(page, name, bytes) {
     await withFile(name, bytes, async (file) => {
         const chooser = await page.$("#filename");
         await chooser.uploadFile(file);
-        // The browser reads the file when it sends the form, so it has to stand until then.
+        // The browser reads the file when it sends the form. A copy in memory outlives the file.
         await page.evaluate(async () => {
             const input = document.getElementById("filename");
             const kept = new File([await input.files[0].arrayBuffer()], input.files[0].name);

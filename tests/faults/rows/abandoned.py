@@ -1,4 +1,4 @@
-"""A restore whose client gives up while the back-end is held up, at each of its system calls."""
+"""Delays the back-end at each of its system calls during a restore until the client gives up."""
 
 import re
 import socket
@@ -13,7 +13,7 @@ from support.configurationFile import decodeState
 from support.scene import STATE, TARGETS, stagedFile
 from support.worker import RequestWorker
 
-HELP = "a restore whose client goes while the back-end is held up, at each of its system calls"
+HELP = "a restore abandoned by its client while the back-end is delayed at each system call"
 
 SHORT_RUNS = 12
 HOLD_MICROSECONDS = 800000
@@ -21,7 +21,7 @@ PATIENCE_SECONDS = 0.3
 SET, SET_RESTORE = 2, 0x020100A4
 ABANDONED = 1616
 
-# The look for the client, which does not wait, and the change itself.
+# The back-end's check for its client, a poll() without waiting, and the change itself.
 LOOK = re.compile(r"(\d+\.\d+) .*poll\(\[\{fd=\d+, events=0\}\], 1, 0\)")
 COMMIT = re.compile(r"(\d+\.\d+) .*rename\(\"[^\"]*configurations\.aside")
 
@@ -42,7 +42,8 @@ def lastTime(pattern, text):
 
 class Worker(RequestWorker):
     def ask(self):
-        """Sends the request and goes after a while: (the reply or None, when it went)."""
+        """Sends the request and disconnects after PATIENCE_SECONDS at most. Returns the reply or
+        None, and the time of disconnection."""
         with socket.socket(socket.AF_UNIX) as client:
             client.connect(self.board.path("var/run/backend.sock"))
             client.sendall(restoreFrame(self.scene.operator))
@@ -71,13 +72,13 @@ class Worker(RequestWorker):
             trace = log.read()
         problems = self.judgeRun(reply, went, trace, payload)
         board.start()
-        changed = self.holds(payload)
-        tally = ("answered" if reply else "changed behind the client" if changed else
-                 "left alone")
+        changed = self.hasConfiguration(payload)
+        tally = ("answered" if reply else "changed after the client left" if changed else
+                 "not changed")
         return Outcome(problems, "(DELAYED)" in trace, {"trace": trace[-4000:]} if problems else {},
                        tally)
 
-    def holds(self, payload):
+    def hasConfiguration(self, payload):
         payloads = decodeState(self.board.read(STATE))
         return all(payloads[target] == payload for target in TARGETS)
 
@@ -87,18 +88,19 @@ class Worker(RequestWorker):
         result = last[0].get("result") if last else None
         looked = lastTime(LOOK, trace)
         if reply is not None:
-            ok = reply[4:8] == bytes(4) and self.holds(payload) and result == "done"
-            return [] if ok else [f"the answer {reply!r} is not what happened: {last}"]
-        if not self.holds(payload):
-            # One that the back-end had not even begun when it was ended has no line.
+            ok = reply[4:8] == bytes(4) and self.hasConfiguration(payload) and result == "done"
+            return [] if ok else [f"the answer {reply!r} does not match the result: {last}"]
+        if not self.hasConfiguration(payload):
+            # A restore that the back-end had not begun when it was stopped has no line.
             fine = not last or (result == "refused" and last[0].get("code") == ABANDONED)
-            return [] if fine else [f"nothing was changed, and the log says {last}"]
-        problems = [] if result == "done" else [f"it was changed, and the log says {last}"]
-        # Only one that had looked for its client before may still happen.
+            return [] if fine else [f"nothing was changed, but the log says {last}"]
+        problems = [] if result == "done" else [f"it was changed, but the log says {last}"]
+        # The change is allowed only if the client was still connected at the check.
         if looked is None or lastTime(COMMIT, trace) is None:
-            problems.append("the look for the client or the change is not in the trace")
+            problems.append("the check for the client or the change is not in the trace")
         elif went < looked:
-            problems.append(f"it was changed {looked - went:.3f} s after its client had gone")
+            problems.append(f"it was changed, but its client left {looked - went:.3f} s "
+                            "before the check")
         return problems
 
 

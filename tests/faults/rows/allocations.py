@@ -1,4 +1,4 @@
-"""Every allocation of memory failing, once and from then on: the programs and the back-end."""
+"""Makes every memory allocation of the programs and the back-end fail, once and lasting."""
 
 import os
 import tempfile
@@ -10,7 +10,7 @@ from support.requestTypes import BACKEND_REQUESTS, REQUEST_TYPES
 from support.scene import Scene
 from support.worker import RequestWorker
 
-HELP = "each allocation of memory failing, once and from then on"
+HELP = "failure of each memory allocation, once and lasting"
 SHORT_PROGRAM_RUNS = 120
 SHORT_BACKEND_RUNS = 40
 
@@ -18,7 +18,7 @@ LIBRARY = "tests/faults/libfailing_allocations.so"
 
 
 def failure(library, number, lasting):
-    """The environment in which the allocation of this number fails."""
+    """Returns the environment in which this allocation fails, and all later ones if `lasting`."""
     variables = {"LD_PRELOAD": library, "FAIL_ALLOCATION": str(number)}
     if lasting:
         variables["FAIL_FROM_THEN_ON"] = "1"
@@ -37,8 +37,8 @@ class Worker(RequestWorker):
         kind, request, before = self.begin(case)
         run = runProgram(self.board, request,
                          more=failure(self.failingAllocations, case["number"], case["lasting"]))
-        # Before main() nobody is there to be told; and a program that has not even the memory for
-        # its main object may leave the answer to the web server.
+        # No answer is possible before main(), and a program without memory for its main object may
+        # leave the answer to the web server.
         problems = self.judge.judge(kind, before, run, Fault(mute=True, unbegun=case["unbegun"]))
         problems += self.judge.settle()
         return self.outcome(problems, run)
@@ -66,8 +66,8 @@ class Worker(RequestWorker):
 
 
 def countAllocations(context):
-    """How many allocations each program makes before main() and in all, and so the back-end from
-    its start to its end behind one request."""
+    """Counts the allocations before main() and in total, of each program and of the back-end from
+    its start to its stop with one request. Returns two maps from request type to both numbers."""
     library = os.path.join(context.installation.build, LIBRARY)
     path = tempfile.mktemp(prefix="faults-count-")
     count = {"LD_PRELOAD": library, "ALLOCATION_COUNT": path}
@@ -120,7 +120,7 @@ def run(context):
     programs, backend = countAllocations(context)
     if not all(0 < before < count for before, count in (*programs.values(), *backend.values())):
         return Result(violations=[{"file": library, "case": None, "problems": [
-            "the library has no hold of the programs"]}])
+            "the library does not count the programs' allocations"]}])
     cases = (context.sample(makeCases(programs, False), SHORT_PROGRAM_RUNS)
              + context.sample(makeCases(backend, True), SHORT_BACKEND_RUNS))
     return runCases(context, "allocations", cases, lambda: Worker(context.installation))

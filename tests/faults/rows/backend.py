@@ -1,4 +1,4 @@
-"""A back-end that is dead, silent, slow, torn off at every byte, or answers what makes no sense."""
+"""Faults of a back-end that is dead, silent or slow, or sends truncated or invalid replies."""
 
 from support.board import sampleFile
 from support.caseRuns import runCases
@@ -9,19 +9,19 @@ from support.requestTypes import BACKEND_REQUESTS, REQUEST_TYPES
 from support.scene import backupFile
 from support.worker import RequestWorker
 
-HELP = "a back-end that is dead, silent, slow, torn at each byte, or sends wrong lengths and counts"
+HELP = "a dead, silent or slow back-end; replies cut at each byte, wrong bytes and wrong lengths"
 SHORT_RUNS = 250
 
-# Of the length in front of a reply; a frame holds at most 1048576 bytes.
+# Values for the length before a reply; a frame contains at most 1048576 bytes.
 LENGTHS = (0, 1, 2, 3, 4, 1048575, 1048576, 1048577, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF)
 LARGEST_DIFFERENCE = 5
 EXTRA_BYTES = (1, 2, 4, 100, 60000)
 SLOW_SECONDS = 0.002
 TRICKLE_SECONDS = 2
 
-# Each of them takes the 10 s that an exchange may last.
+# Each of these takes 10 s, the time limit of an exchange.
 LONG_WAITS = ("silent", "trickle")
-# The reply arrives whole and unaltered; what may stand behind it answers nothing.
+# The reply arrives whole and unchanged, possibly followed by surplus bytes.
 HARMLESS = ("slow", "early", "extra")
 WAITING_WORKERS = 8
 
@@ -33,7 +33,7 @@ class Worker(RequestWorker):
         self.recorded = {}
 
     def record(self, name):
-        """What the real back-end answers to a request of this type."""
+        """Returns the real back-end's [(request, reply), ...] for a request of this type."""
         if name not in self.recorded:
             request = REQUEST_TYPES[name]().prepare(self.scene)
             recorder = Recorder(self.switch)
@@ -84,8 +84,8 @@ class Worker(RequestWorker):
 
     @staticmethod
     def forgive(case, kind, exchanges):
-        """Nothing is really restored here: the program can only believe a whole answer. And a
-        page of an altered table is whatever that says."""
+        """Adapts the expectations: nothing is really restored here, so that the program can only
+        trust a whole answer, and a page shows an altered table as it is."""
         if case["how"] == "dead" or kind.name in ("upload", "login"):
             return
         isSet = exchanges[case["reply"]][0][4] == 2

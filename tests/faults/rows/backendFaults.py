@@ -1,4 +1,4 @@
-"""Faults in the system calls of the back-end, from its start to the answers that it gives."""
+"""Faults in the system calls of the back-end, from its start to its answers."""
 
 import os
 import tempfile
@@ -13,9 +13,9 @@ from support.worker import RequestWorker
 
 
 class BackendFaultWorker(RequestWorker):
-    """Starts the back-end with one of its calls going wrong, makes a request, and goes on with a
-    healthy one. strace counts the calls of each thread for itself, and the threads that wait
-    for clients take turns, so that a fault "once" meets several connections of the request."""
+    """Starts the back-end with one failing call, makes a request, and continues with a healthy
+    back-end. strace counts the calls of each thread separately, and the threads take turns to
+    accept clients, so that a fault "once" affects several connections of the request."""
 
     def run(self, case):
         self.removeLog()
@@ -36,7 +36,7 @@ class BackendFaultWorker(RequestWorker):
             problems.append("the back-end did not start and does not say why")
         errors = self.board.errors()
         self.board.kill()
-        # What a killed back-end leaves behind goes when the next one starts.
+        # The next start removes the temporary files of a killed back-end.
         self.board.start()
         problems += self.judge.judge(kind, before, run, fault)
         problems += self.judge.settle()
@@ -44,7 +44,7 @@ class BackendFaultWorker(RequestWorker):
 
 
 def listBackendCalls(installation):
-    """{request type: calls}, of all threads: the highest occurrence of each name counts."""
+    """Returns {request type: calls} for all threads together: each name and occurrence once."""
     scene = Scene(installation)
     log = tempfile.mktemp(prefix="faults-log-")
     found = {}
@@ -70,7 +70,7 @@ def mergeThreads(log):
     for file in sorted(os.listdir(folder)):
         if file.startswith(start + "."):
             for call in tracing.readCalls(os.path.join(folder, file)):
-                # Only the main thread's start comes before the program's own code.
+                # Only calls of the main thread can come before the program's own code.
                 known = calls.get((call.name, call.occurrence))
                 if known is None:
                     calls[(call.name, call.occurrence)] = call

@@ -1,4 +1,4 @@
-"""Many sessions at once, and races inside one session: no file is mixed or lost."""
+"""Runs many sessions at once, and races within one session: no file may be mixed or lost."""
 
 import bisect
 import hashlib
@@ -20,7 +20,7 @@ from support.requestTypes import get, multipart, noticesOf, post, postParts
 from support.response import MalformedResponse, parseResponse
 from support.scene import STATE, TARGETS, backupFile, stagedFile
 
-HELP = "many sessions at once and races inside one session, by SHA-256"
+HELP = "many sessions at once and races within one session; files are compared by SHA-256"
 
 # (sessions, rounds of each, races)
 SHORT = (8, 5, 60)
@@ -38,7 +38,7 @@ def digest(data):
 
 
 def payloadOf(session, number):
-    """A payload that nobody else has, and that says everywhere whose it is."""
+    """Returns a unique payload that repeats the session and the number throughout."""
     mark = f"session {session} upload {number} ".encode()
     return mark * (UPLOAD_SIZES[number % len(UPLOAD_SIZES)] // len(mark) + 1)
 
@@ -48,13 +48,13 @@ def fileOf(payload):
 
 
 def saidIn(answer):
-    """What a page tells, in its notices or as an error."""
+    """Returns the text of a page's main part, shortened."""
     return "no answer" if answer is None else " ".join(
         re.sub(r"<[^>]*>", " ", answer.text.split("<main>")[-1]).split())[:300]
 
 
 class Session:
-    """One operator. Keeps what was asked for and what was answered."""
+    """One operator. Records requests and answers."""
 
     def __init__(self, board, number, cookie):
         self.board = board
@@ -64,16 +64,16 @@ class Session:
         self.requests = 0
         self.rounds = 0
         self.busy = 0
-        self.restores = []  # (begin, end, digest of the payload, whether it was confirmed)
+        self.restores = []  # confirmed ones: (begin, end, digest of the payload)
         self.backups = []  # (begin, end, digest of the payload)
-        self.told = []  # (time, event, session, digest of the file): what the audit log must have
+        self.noted = []  # expected in the audit log: (time, event, session, digest of the file)
 
-    def tell(self, event, data=None):
-        self.told.append((time.time(), event, identifierOf(self.cookie),
+    def note(self, event, data=None):
+        self.noted.append((time.time(), event, identifierOf(self.cookie),
                           None if data is None else digest(data)))
 
     def ask(self, request):
-        """The answer, None when there is no valid one."""
+        """Returns the answer, or None if it is not valid."""
         run = runProgram(self.board, request, deadline=DEADLINE_SECONDS)
         self.requests += 1
         try:
@@ -96,14 +96,14 @@ class Session:
         self.discard()
 
     def isBusy(self, answer):
-        """Whether the lock that all sessions share could not be had in time, and the page says so:
-        a machine that is busy enough gets there."""
+        """Returns true if the page reports a timeout of the lock that all sessions share, which can
+        happen on a busy machine."""
         busy = answer is not None and LOCK_NOT_OBTAINED.search(answer.text) is not None
         self.busy += busy
         return busy
 
     def upload(self, data):
-        """Whether the file is staged now."""
+        """Returns true if the file was staged, false if the lock timed out."""
         before = self.board.read(stagedFile(self.cookie))
         answer = self.ask(postParts(self.cookie, multipart(
             {"functionID": 106, "hidden_status": 1}, "conf.dat", data)))
@@ -116,7 +116,7 @@ class Session:
         staged = self.board.read(stagedFile(self.cookie))
         self.expect(staged is not None and digest(staged) == digest(data),
                     "the staged file is not the one that was uploaded")
-        self.tell("upload", data)
+        self.note("upload", data)
         return True
 
     def restore(self, payload):
@@ -125,11 +125,11 @@ class Session:
         answer = self.ask(postParts(self.cookie, multipart(fields)))
         notice = noticesOf(answer) if answer else ""
         confirmed = "configuration was restored." in notice
-        # Another session's restore is under way.
+        # [250-1047]: the restore of another session is running.
         self.expect(confirmed or "[250-1047]" in notice, f"a restore failed: {notice}")
         if confirmed:
             self.restores.append((begin, time.monotonic(), digest(payload)))
-            self.tell("restore", fileOf(payload))
+            self.note("restore", fileOf(payload))
 
     def backup(self, number):
         begin = time.monotonic()
@@ -140,30 +140,31 @@ class Session:
             return
         saved = self.board.read(backupFile(self.cookie)) or b""
         file = decodeConfigurationFile(saved)
-        self.expect(file and file.partition == TARGETS[number % 2], "a backup is not whole")
+        self.expect(file and file.partition == TARGETS[number % 2], "a backup is incomplete")
         if file:
             self.backups.append((begin, time.monotonic(), digest(file.payload)))
-            self.tell("backup", saved)
+            self.note("backup", saved)
         if number % DOWNLOAD_EVERY == 0:
             name = answer.text.split('id="download_link" href="')[1].split('"')[0].split("=")[-1]
             download = self.ask(get(self.cookie, f"functionID=5&filename={name}",
                                     "common/download.cgi"))
             self.expect(download and digest(download.body) == digest(saved),
                         "a download is not the backup")
-            self.tell("download", saved)
+            self.note("download", saved)
 
     def discard(self):
         before = self.board.read(stagedFile(self.cookie))
         answer = self.ask(post(self.cookie, b"functionID=106&hidden_status=3"))
         if self.isBusy(answer):
             return
-        self.expect(self.board.read(stagedFile(self.cookie)) is None, "a discarded file is there")
+        self.expect(self.board.read(stagedFile(self.cookie)) is None, "a discarded file remains")
         if before is not None:
-            self.tell("discard")
+            self.note("discard")
 
 
 def findLost(restores, backups, initial):
-    """Backups that hold what no restore has put there, or what another had surely replaced."""
+    """Reports backups with a configuration that no restore wrote, or that another restore had
+    certainly replaced."""
     problems = []
     made = {restore[2]: restore for restore in restores}
     byEnd = sorted(restores, key=lambda restore: restore[1])
@@ -174,17 +175,17 @@ def findLost(restores, backups, initial):
     for begin, end, payload in backups:
         known = made.get(payload)
         if known is None and payload not in initial:
-            problems.append("a backup holds what no confirmed restore has put there")
+            problems.append("a backup contains a configuration that no confirmed restore wrote")
             continue
         before = bisect.bisect_left(ends, begin)
         replaced = before > 0 and (known[1] if known else 0) < latestBegin[before - 1]
         if replaced or (known and known[0] > end):
-            problems.append("a backup holds what was not the configuration then")
+            problems.append("a backup contains a configuration of another time")
     return problems
 
 
 def runSessions(context, root, programs, numbers, cookies, rounds, queue):
-    """The sessions of one process, each in a thread."""
+    """Runs the sessions of one process, each in a thread."""
     board = RunningBoard(root, programs)
     sessions = [Session(board, number, cookie) for number, cookie in zip(numbers, cookies)]
 
@@ -202,11 +203,11 @@ def runSessions(context, root, programs, numbers, cookies, rounds, queue):
         thread.join()
     for session in sessions:
         queue.put((session.requests, session.rounds, session.restores, session.backups,
-                   session.told, session.problems))
+                   session.noted, session.problems))
 
 
 class RunningBoard:
-    """A board that another process looks after."""
+    """A board that another process started and stops."""
 
     def __init__(self, root, programs):
         self.root = root
@@ -228,14 +229,14 @@ def runManySessions(context, board, count, rounds):
             queue)))
     for process in processes:
         process.start()
-    requests, allRounds, restores, backups, told, problems = 0, [], [], [], [], []
+    requests, allRounds, restores, backups, noted, problems = 0, [], [], [], [], []
     for _ in range(count):
-        asked, done, restored, saved, heard, wrong = queue.get()
+        asked, done, restored, saved, logged, wrong = queue.get()
         requests += asked
         allRounds.append(done)
         restores += restored
         backups += saved
-        told += heard
+        noted += logged
         problems += wrong
     for process in processes:
         process.join()
@@ -244,31 +245,31 @@ def runManySessions(context, board, count, rounds):
     now = time.monotonic()
     backups += [(now, now, digest(state[target])) for target in TARGETS]
     if state[TARGETS[0]] != state[TARGETS[1]]:
-        problems.append("the targets of a restore hold different configurations")
+        problems.append("the targets of a restore have different configurations")
     problems += findLost(restores, backups, initial)
-    problems += leftovers(board) + findUnrecorded(board, told, state)
+    problems += leftovers(board) + findUnrecorded(board, noted, state)
     return requests, min(allRounds), len(restores), problems
 
 
-def findUnrecorded(board, told, state):
-    """What the audit log lacks of what it should still have; how often it rotates is its own."""
+def findUnrecorded(board, noted, state):
+    """Reports confirmed actions missing from the audit log, unless they may have rotated out."""
     lines, damaged, rest = auditLog.parseLines(auditLog.readLog(board))
     problems = auditLog.unexplained(lines, state)
     if damaged or rest:
-        problems.append(f"the audit log holds what is no line: {[*damaged, rest]!r:.300}")
+        problems.append(f"the audit log contains malformed lines: {[*damaged, rest]!r:.300}")
     recorded = Counter((line["event"], line["session"], line.get("file", {}).get("sha256"))
                        for line in lines if line.get("result") == "done")
     first = datetime.fromisoformat(lines[0]["time"].replace("Z", "+00:00")).timestamp()
-    # A line is written before it is told of, but not as long before as an answer may take.
+    # A line is written before its answer, by no more than the time limit of an answer.
     since = first + DEADLINE_SECONDS if isRotated(board) else 0
-    expected = Counter(tuple(what) for when, *what in told if when > since)
+    expected = Counter(tuple(what) for when, *what in noted if when > since)
     missing = expected - recorded
     problems += [f"the audit log lacks {what}" for what in list(missing)[:20]]
     return problems
 
 
 def isRotated(board):
-    """Whether lines of the log are gone."""
+    """Returns true if a rotation may have removed lines."""
     return os.path.exists(board.path(auditLog.formerFiles()[-1]))
 
 
@@ -277,8 +278,8 @@ def userOf(number):
 
 
 def describeUsers(installation, count):
-    """A board description with a user for every so many sessions, all with the operator's
-    password."""
+    """Writes a board description with a user for every SESSIONS_OF_A_USER sessions, all with the
+    operator's password; returns its path."""
     with open(installation.description, encoding="utf-8") as file:
         text = file.read()
     found = re.search(r'\[\[user\]\]\nname = "%s"\n(password_hash = .*\n)' % OPERATOR, text)
@@ -296,7 +297,8 @@ def leftovers(board):
 
 
 def race(board, session, one, other):
-    """Two requests of one session at the same time; afterwards every file is one that belongs."""
+    """Makes two requests of one session at the same time; then every file must be one of theirs or
+    unchanged."""
     before = {path: board.read(path) for path in (stagedFile(session.cookie),
                                                   backupFile(session.cookie))}
     staged = {None, before[stagedFile(session.cookie)]}
@@ -330,7 +332,7 @@ def race(board, session, one, other):
 
 
 def steps(number):
-    """What may race: (a function from the cookie to the request, what it may stage)."""
+    """Returns the steps that may race: (function from cookie to request, file that it stages)."""
 
     def upload(data):
         return (lambda cookie: postParts(cookie, multipart(

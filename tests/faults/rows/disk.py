@@ -1,4 +1,5 @@
-"""A disk that is full at every 4 KiB, without inodes, and limits of file size and descriptors."""
+"""Runs requests on a disk with too few pages or inodes, and with low limits of file size and
+descriptors."""
 
 import resource
 
@@ -10,11 +11,11 @@ from support.response import parseResponse
 from support.smallDisk import PAGE, SmallDisk, whyImpossible
 from support.worker import RequestWorker
 
-HELP = "a disk that is full at every 4 KiB, no inodes, limits of file size and of descriptors"
+HELP = "a disk full after every 4 KiB, without inodes; limits of file size and descriptors"
 SHORT_DISK_RUNS = 90
 SHORT_LIMIT_RUNS = 110
 
-# How far each request's writing reaches, in pages, and some more.
+# Upper bounds of the space that each request uses, in pages.
 REACH = {"upload": 96, "unusable upload": 14, "too large upload": 106, "broken upload": 58,
          "backup": 36, "restore": 180, "login": 8}
 OTHER_REACH = 4
@@ -26,7 +27,7 @@ LOADER_FAILED = 127
 
 
 class Worker(RequestWorker):
-    """Runs a request while the disk, or a limit of the program or the back-end, is short."""
+    """Runs a request with little disk space or a low limit of the program or the back-end."""
 
     def __init__(self, installation, onSmallDisk):
         self.disk = SmallDisk() if onSmallDisk else None
@@ -35,7 +36,7 @@ class Worker(RequestWorker):
     def run(self, case):
         kind, request, before = self.begin(case)
         run = self.runShort(case, request)
-        fault = Fault(unbegun=run.exitStatus == LOADER_FAILED, told=kind.writes)
+        fault = Fault(unbegun=run.exitStatus == LOADER_FAILED, mustReport=kind.writes)
         problems = self.judge.judge(kind, before, run, fault)
         if self.disk:
             self.disk.empty()
@@ -44,7 +45,7 @@ class Worker(RequestWorker):
                             backendErrors=self.board.errors()[-2000:])
 
     def tally(self, kind, run):
-        """Whether the shortage was felt."""
+        """Returns the effect of the shortage, for the figures."""
         if not run.output:
             return "no answer"
         done = kind.claimsSuccess(parseResponse(run.output), self.scene)
@@ -127,7 +128,7 @@ def run(context):
     figures = {"limits": limits.runs, "tried": limits.figures["tried"], **tallies("limits", limits)}
     reason = whyImpossible()
     if reason is not None:
-        # Said aloud: half of the row has not been run.
+        # Makes clear that half of the row was not run.
         figures["full disk and inodes"] = f"NOT RUN, {reason}"
         return Result(limits.runs, limits.violations, figures)
     disk = runCases(context, "disk", context.sample(diskCases(), SHORT_DISK_RUNS),

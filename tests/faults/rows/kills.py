@@ -1,11 +1,11 @@
-"""Killed before and behind every system call: the programs, and the back-end."""
+"""Kills the programs and the back-end before and after every system call."""
 
 from rows import backendFaults, programFaults
 from rows.syscalls import makeWorker, runBoth
 
 __all__ = ["HELP", "makeWorker", "run"]
 
-HELP = "killed before and behind each system call"
+HELP = "a kill before and after each system call"
 SHORT_PROGRAM_RUNS = 80
 SHORT_BACKEND_RUNS = 120
 

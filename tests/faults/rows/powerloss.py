@@ -1,4 +1,4 @@
-"""Power loss: the order of writing, syncing and naming of everything that is kept."""
+"""Power loss: checks in which order kept files are written, synced and renamed."""
 
 import os
 import re
@@ -12,7 +12,7 @@ from support.requestTypes import REQUEST_TYPES, multipart, postParts
 from support.scene import STATE, stagedFile
 from support.worker import RequestWorker
 
-HELP = "the order of write, sync, rename and folder sync of everything that is kept"
+HELP = "the order of write, sync, rename and folder sync of all kept files"
 
 KEPT = re.compile(r"/var/(lib/board/configurations|run/board_properties|tmp/efi_backup[0-9a-f]{16}"
                   r"|lib/session/[0-9a-f]{16})$")
@@ -30,28 +30,28 @@ def isLog(path):
 
 
 def startsFirst(board, scene):
-    """No state yet."""
+    """There is no state file yet."""
     board.write(None, STATE)
 
 
 def startsWithNewPartition(board, scene):
-    """A partition that the state file does not know."""
+    """The state file lacks a partition."""
     payloads = decodeState(board.read(STATE))
     del payloads[2]
     board.write(encodeState(payloads), STATE)
 
 
 def startsAgain(board, scene):
-    """Everything is there."""
+    """Nothing is missing."""
 
 
 def startsAfterDeath(board, scene):
-    """What a killed back-end has left aside."""
+    """There is a temporary file of a killed back-end."""
     board.write(b"half", STATE + ".aside-abcdef")
 
 
 def asksFor(name):
-    """A request of the given type; the back-end is traced."""
+    """Returns a function that prepares a request of the given type."""
 
     def prepare(board, scene):
         return REQUEST_TYPES[name]().prepare(scene)
@@ -78,8 +78,8 @@ def withoutLog(prepare):
     return prepareWithout
 
 
-# What is done, how often it replaces a kept file, how often the audit log is written, and whether the
-# back-end's calls or the program's are looked at. The back-end's own start and end are a line each.
+# For each action: how to prepare it, how often it replaces a kept file, how often it writes the
+# audit log, and which process is traced. The back-end's start and stop write one line each.
 PATHS = {
     "first start": (startsFirst, 2, 2, "backend"),
     "start with a new partition": (startsWithNewPartition, 2, 2, "backend"),
@@ -87,14 +87,14 @@ PATHS = {
     "start without a log": (withoutLog(startsAgain), 1, 2, "backend"),
     "start after a death": (startsAfterDeath, 1, 2, "backend"),
     "backup": (asksFor("backup"), 2, 3, "backend"),
-    # Begun, and done.
+    # The log has a line for the begin and one for the end.
     "restore to one partition": (restores(3), 2, 4, "backend"),
     "restore to two partitions": (restores(2, 3), 2, 4, "backend"),
-    # A running partition and one of another BIOS are among them: nothing is changed.
+    # One of the partitions is running and one has another BIOS: nothing is changed.
     "restore to all, refused": (restores(everything=True), 1, 3, "backend"),
     # Another session has expired.
     "login": (asksFor("login"), 1, 2, "program"),
-    # Behind the half line that a power cut has left.
+    # The log ends with half a line, as after a power cut.
     "logout": (asksFor("logout"), 0, 2, "program"),
     "upload": (asksFor("upload"), 0, 1, "program"),
     "discard": (asksFor("discard"), 0, 1, "program"),
@@ -105,11 +105,11 @@ PATHS = {
 
 
 def lastBeforeWord(later):
-    """Whether no other sync of the log comes before anything is named or told."""
+    """Returns true if the steps rename or report something before they sync the log again."""
     for step in later:
         if step.kind == "synced" and isLog(step.path):
             return False
-        if step.kind in ("named", "told"):
+        if step.kind in ("named", "reported"):
             return True
     return True
 
@@ -145,24 +145,24 @@ class Worker(RequestWorker):
 
     @staticmethod
     def missedMistakes(steps, logIsNew):
-        """Whether the check would have seen each sync that is left out."""
+        """Omits each sync in turn; reports those that the check does not notice."""
         missed = []
         for index, step in enumerate(steps):
             if step.kind == "synced" and isLog(step.path) and lastBeforeWord(steps[index + 1:]):
                 less = steps[:index] + steps[index + 1:]
                 if not durability.check(less, isKept, isLog, logIsNew)[0]:
-                    missed.append(f"a sync of {step.path} could be left out unnoticed")
+                    missed.append(f"a missing sync of {step.path} would go unnoticed")
             if step.kind == "named" and isKept(step.path):
                 folder = os.path.dirname(step.path)
                 own = max((i for i, other in enumerate(steps[:index])
                            if other.kind == "synced" and other.path == step.source), default=None)
-                behind = min((i for i, other in enumerate(steps)
+                following = min((i for i, other in enumerate(steps)
                               if i > index and other.kind == "synced" and other.path == folder),
                              default=None)
-                for left in (own, behind):
+                for left in (own, following):
                     less = [other for i, other in enumerate(steps) if i != left]
                     if left is None or not durability.check(less, isKept, isLog, logIsNew)[0]:
-                        missed.append(f"a sync of {step.path} could be left out unnoticed")
+                        missed.append(f"a missing sync of {step.path} would go unnoticed")
         return missed
 
 

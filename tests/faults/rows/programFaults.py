@@ -1,4 +1,4 @@
-"""Faults in the system calls of the programs: the run of one case, and the list of cases."""
+"""Faults in the system calls of the programs: runs a case, and lists the cases."""
 
 import os
 import tempfile
@@ -10,7 +10,7 @@ from support.requestTypes import REQUEST_TYPES
 from support.scene import Scene
 from support.worker import RequestWorker
 
-# What only says "try again" is asked until the deadline of 10 s or 5 s, or 30 s in the back-end.
+# With EAGAIN, these are retried until their deadline: 10 s or 5 s, or 30 s in the back-end.
 SLOW_CALLS = ("connect", "recvfrom", "sendto", "flock", "accept4")
 
 
@@ -20,8 +20,8 @@ def takesLong(case):
 
 
 class CallFaultWorker(RequestWorker):
-    """Runs requests with one system call going wrong. The case holds `request`, the name of a
-    request type, and `inject`, strace's expression."""
+    """Runs requests with one failing system call. A case contains `request`, the name of a request
+    type, and `inject`, strace's expression."""
 
     def run(self, case):
         self.removeLog()
@@ -37,7 +37,7 @@ class CallFaultWorker(RequestWorker):
 
 
 def listCalls(installation):
-    """{request type: the calls that its program makes}."""
+    """Returns {request type: the calls of its program}."""
     scene = Scene(installation)
     log = tempfile.mktemp(prefix="faults-log-")
     calls = {}
@@ -54,7 +54,7 @@ def listCalls(installation):
 
 
 def failureCases(calls):
-    """A case for each call, each error that fits it, once and lasting."""
+    """Returns a case for each call, each of its possible errors, once and lasting."""
     return withoutMostLongOnes([
         {"request": request, "inject": inject, "mute": call.name in ("write", "writev"),
          "unbegun": not call.inMain, "call": call.line[:160]}
@@ -63,8 +63,8 @@ def failureCases(calls):
 
 
 def withoutMostLongOnes(cases):
-    """Of the cases that take long, the first two of each request and call: the others end in the
-    same wait."""
+    """Drops all slow cases but the first two of each request and call; the others would wait in the
+    same place."""
     kept = []
     counts = {}
     for case in cases:
@@ -78,11 +78,10 @@ def withoutMostLongOnes(cases):
 
 
 def killCases(calls):
-    """A case for each call: killed when it is about to be made.
+    """Returns a case for each call, with a kill just before it.
 
-    Killed behind a call is the same as killed before the next one: what lies between two calls
-    changes only the process's own memory, which ends with it. Behind the last call, the end of
-    the process, there is nothing to be killed.
+    A kill after a call equals a kill before the next one, because between two calls only the
+    process's own memory changes. The last call is the end of the process.
     """
     return [{"request": request, "inject": f"{call.name}:signal=KILL:when={call.occurrence}",
              "killed": True, "call": call.line[:160]}

@@ -1,4 +1,4 @@
-"""Many slow clients at once: another user still gets a page in under a second."""
+"""Connects many slow clients at once; another user must still get a page in under a second."""
 
 import os
 import resource
@@ -14,14 +14,14 @@ HELP = "200 slow clients at once; another user still gets a page in under a seco
 
 CLIENTS = 200
 SHORT_SECONDS = 4
-LONG_SECONDS = 25  # less than the server lets a request arrive
+LONG_SECONDS = 25  # less than the server's time limit for receiving a request
 PAUSE_SECONDS = 0.5  # between the bytes of a slow client
 
-# What a login shell gives to a service.
+# The soft and hard limits that a service gets by default.
 OPEN_FILES = (1024, 4096)
 
-# How long a page may take: the promise, and what the short form grants, which must not depend on how
-# busy the machine is.
+# The time limit of a page: the promised one, and that of the short form, which must also hold on a
+# busy machine.
 LONG_PAGE_SECONDS = 1.0
 SHORT_PAGE_SECONDS = 30.0
 
@@ -29,7 +29,7 @@ SCREEN = "/maintenance/efi_backup_restore.cgi"
 
 
 def slowText(kind, cookie):
-    """What a slow client sends, a byte at a time, behind what it sends at once."""
+    """Returns the bytes that a slow client sends at once, and those it then sends one at a time."""
     head = f"Host: 127.0.0.1\r\nCookie: {COOKIE}={cookie}\r\n"
     if kind == "slow head":
         return b"GET /login.cgi HTTP/1.1\r\n", head.encode() + b"X-Filler: " + b"x" * 4000
@@ -40,7 +40,7 @@ def slowText(kind, cookie):
         return form.encode(), b"-" * 4000
     if kind == "slow reader":
         return f"GET {SCREEN}?functionID=105 HTTP/1.1\r\n{head}\r\n".encode() * 20, b""
-    return b"", b""  # says nothing at all
+    return b"", b""  # a silent client
 
 
 KINDS = ("slow head", "slow body", "slow body", "slow reader", "silent")
@@ -55,10 +55,10 @@ class SlowClients(threading.Thread):
         for number in range(CLIENTS):
             at_once, slowly = slowText(KINDS[number % len(KINDS)], cookie)
             client = socket.socket()
-            # A reader that takes little, so that the server has to wait for it.
+            # A small buffer, so that the server has to wait for the reader.
             client.setsockopt(socket.SOL_SOCKET, socket.SO_RCVBUF, 4096)
             client.connect(("127.0.0.1", board.port))
-            if TLS and at_once:  # the others do not even greet
+            if TLS and at_once:  # silent clients do not even start the handshake
                 client = board.certificate.wrap_socket(client, server_hostname="127.0.0.1")
             client.sendall(at_once)
             client.setblocking(False)
@@ -76,7 +76,7 @@ class SlowClients(threading.Thread):
                         client[1] = b""
 
     def end(self):
-        """How many of them the server still holds; ends them."""
+        """Closes all clients; returns how many were still connected or being served."""
         self.ending.set()
         self.join()
         held = 0
@@ -92,7 +92,8 @@ class SlowClients(threading.Thread):
 
 
 def slowestPage(board, cookie, seconds):
-    """The longest time that a page of another user took, and how many pages there were."""
+    """Requests pages as another user. Returns the longest time of a page, in seconds, and the
+    number of pages."""
     longest, pages = 0.0, 0
     end = time.monotonic() + seconds
     while time.monotonic() < end:
@@ -125,13 +126,13 @@ def run(context):
         try:
             among, pages = slowestPage(board, browser.cookie, seconds)
         except (OSError, RuntimeError) as failure:
-            problems.append(f"another user gets no page: {failure}")
+            problems.append(f"another user got no page: {failure}")
             among, pages = 0.0, 0
         held = clients.end()
         if among > (LONG_PAGE_SECONDS if context.long else SHORT_PAGE_SECONDS):
             problems.append(f"a page took {among:.2f} s among slow clients, {alone:.2f} s alone")
         if held < CLIENTS // 2:
-            problems.append(f"only {held} slow clients were there at the end")
+            problems.append(f"only {held} slow clients were still connected at the end")
         browser.close()
     finally:
         board.remove()

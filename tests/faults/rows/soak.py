@@ -1,4 +1,4 @@
-"""Many requests in a row: nothing grows."""
+"""Makes many requests in a row; nothing may grow."""
 
 import html
 import multiprocessing
@@ -21,11 +21,11 @@ LONG_REQUESTS = 200000
 SCREEN = "/maintenance/efi_backup_restore.cgi"
 PARTS = f"multipart/form-data; boundary={BOUNDARY}"
 
-# The memory of a process comes to rest after its first thousands of requests: it is compared from
-# the middle on. In KiB, for the short form and the long one; 8 MiB in 750 requests are 11 KiB each.
+# Allowed growth in KiB in the second half, because the memory of a process is stable only after
+# thousands of requests. In the short form, 8 MiB in 750 requests are 11 KiB each.
 SHORT_MEMORY_GROWTH = 8192
 LONG_MEMORY_GROWTH = 1024
-# The web server, which is not ours, keeps about 20 bytes of each program that it has started.
+# The web server keeps about 20 bytes for each program that it has started.
 KEPT_BYTES = 32
 LARGEST_LOG = 1024 * 1024
 LOGS = re.compile(r"^((trace|web)\.log(\.1)?|audit\.log(\.\d+)?)$")
@@ -35,7 +35,7 @@ SLACK = 8192
 
 
 class Client:
-    """One user. Every request is checked for the status that it must have."""
+    """One user. Checks the status of every answer."""
 
     def __init__(self, board):
         self.browser = Browser(board)
@@ -72,7 +72,7 @@ class Client:
         elif turn in (2, 3):
             expect(200, ask("POST", SCREEN, self.small, PARTS))
         elif turn == 4:
-            # Another client's restore may be under way; the page then says so.
+            # The page may say that another client's restore is running.
             answer = ask("POST", SCREEN, self.restore, PARTS)
             if answer[0] != 200:
                 expect(200, answer)
@@ -133,14 +133,14 @@ def zombies(parents):
 
 
 def measure(board):
-    """What could grow."""
+    """Returns the values that could grow."""
     figures = {}
     for name, pid in (("back-end", board.backend), ("web server", board.webServer)):
         figures[f"{name} memory"] = status(pid, "VmRSS")
         figures[f"{name} descriptors"] = len(os.listdir(f"/proc/{pid}/fd"))
         figures[f"{name} threads"] = status(pid, "Threads")
     figures["zombies"] = zombies({board.backend, board.webServer, board.process.pid})
-    # But the former parts of logs, which begin to be there at some time; their size is bounded.
+    # Without rotated logs, which appear at some point; their size is limited.
     figures["files"] = sum(FORMER_LOG.search(name) is None
                            for _, _, names in os.walk(board.path("var")) for name in names)
     figures["audit files"] = sum(name.startswith("audit.log")
@@ -151,7 +151,7 @@ def measure(board):
 
 
 def compare(early, late, memoryGrowth, requests):
-    """What has grown in so many requests more than it may."""
+    """Reports values that grew more than allowed in this number of requests."""
     problems = []
     for name, value in late.items():
         if name == "logs":
@@ -169,7 +169,7 @@ def compare(early, late, memoryGrowth, requests):
 
 
 def atRest(board, seconds=20):
-    """What is measured when every program and every connection has ended."""
+    """Waits until all programs and connections have ended, then measures."""
     end = time.monotonic() + seconds
     while not servesNobody(board.backend) and time.monotonic() < end:
         time.sleep(0.05)
@@ -178,7 +178,7 @@ def atRest(board, seconds=20):
 
 
 def runHalf(context, board, count, samples):
-    """So many requests by several clients, which are gone at the end."""
+    """Makes `count` requests by several clients and waits until they have ended."""
     jobs = context.jobs
     queue = multiprocessing.Queue()
     done = [multiprocessing.Value("L", 0) for _ in range(jobs)]
@@ -221,7 +221,7 @@ def run(context):
     worst = max(sample["zombies"] for _, sample in samples) if samples else 0
     result = Result(before + after, figures={
         **{name: f"{early[name]} -> {value}" for name, value in late.items()},
-        "most programs at once that nobody had waited for": worst})
+        "most zombies at once": worst})
     for problem in problems:
         result.violations.append(keep(context, "soak", None, Outcome([problem])))
     return result

@@ -1,15 +1,15 @@
-"""Every system call of every request type failing, once and from then on; the back-end's, too."""
+"""Makes every system call of each request's program and of the back-end fail, once and lasting."""
 
 from rows import backendFaults, programFaults
 from support.caseRuns import Result, runCases
 
-HELP = "each system call failing with each error that fits it, once and from then on"
+HELP = "failure of each system call with each of its possible errors, once and lasting"
 SHORT_PROGRAM_RUNS = 150
 SHORT_BACKEND_RUNS = 40
 
 
 def makeWorker(installation, case):
-    """The worker that a kept violation needs."""
+    """Returns the worker for repeating a recorded violation."""
     worker = (backendFaults.BackendFaultWorker if "inMain" in case
               else programFaults.CallFaultWorker)
     return worker(installation)

@@ -1,4 +1,4 @@
-"""The board's audit log: what stands there before a request, and what it says afterwards."""
+"""Prepares the board's audit log before a request, and reads it afterwards."""
 
 import hashlib
 import json
@@ -11,7 +11,7 @@ COUNTS = "var/log/audit.counts"
 FORMER_FILES = 15
 ROTATED_AT = 1024 * 1024
 
-# The first minute of 1970 is over: these counts get their line with the next event.
+# Counts of the first minute of 1970, which is over: the next event adds a line with them.
 OLD_COUNTS = (b'{"":{"start":1,"length":60,"lines":10,"counts":{"login_failed":3}}}')
 
 
@@ -20,7 +20,7 @@ def sumOf(data):
 
 
 def sumsOf(payloads):
-    """{number as the log has it: SHA-256} of the partitions' configurations."""
+    """Returns {partition number as text: SHA-256 of its configuration}, as in the log."""
     return {str(number): sumOf(payload) for number, payload in payloads.items()}
 
 
@@ -29,18 +29,18 @@ def makeLine(event, **fields):
 
 
 def fillUp(data):
-    """The log with so many more lines that the next one is for another file."""
+    """Returns the log with enough lines added that the next one causes a rotation."""
     line = makeLine("end", order="x" * 65536)
     return data + line * (-(-(ROTATED_AT - len(data)) // len(line)))
 
 
 def formerFiles():
-    """From the youngest."""
+    """Returns the names of the rotated files, newest first."""
     return [f"{LOG}.{number}" for number in range(1, FORMER_FILES + 1)]
 
 
 def stageLog(board, data, counts=None):
-    """Makes this the whole log."""
+    """Replaces the whole log by `data`, without rotated files."""
     for path in formerFiles():
         if os.path.exists(board.path(path)):
             board.write(None, path)
@@ -49,12 +49,12 @@ def stageLog(board, data, counts=None):
 
 
 def readLog(board):
-    """All that the log says, from the oldest line that is kept."""
+    """Returns the log with its rotated files, oldest line first."""
     return b"".join(board.read(path) or b"" for path in reversed([LOG, *formerFiles()]))
 
 
 def parseLines(data):
-    """(the lines, what is no line, whether the last one has no end)"""
+    """Returns the parsed lines, the malformed lines, and the text after the last line end."""
     *ended, rest = data.split(b"\n")
     lines, damaged = [], []
     for text in ended:
@@ -69,7 +69,7 @@ def parseLines(data):
 
 
 def followUp(lines, problems):
-    """{partition: the sums that its configuration may have} by what the lines say."""
+    """Returns {partition: possible hashes of its configuration} according to the lines."""
     known = {}
     for line in lines:
         after, before = line.get("after", {}), line.get("before", {})
@@ -79,17 +79,18 @@ def followUp(lines, problems):
             result = line["result"]
             for number in after:
                 if before[number] not in known.get(number, {before[number]}) and result == "begun":
-                    problems.append(f"the log says that partition {number} held what it did not")
+                    problems.append(f"the log has a wrong configuration for partition {number}")
                 known[number] = {"begun": {before[number], after[number]}, "done": {after[number]},
                                  "failed": {before[number]}, "refused": {before[number]}}[result]
     return known
 
 
 def unexplained(lines, payloads):
-    """What of the partitions' configurations does not follow from the lines."""
+    """Reports partitions with a configuration that does not follow from the lines."""
     problems = []
     known = followUp(lines, problems)
     for number, total in sumsOf(payloads).items():
         if total not in known.get(number, {total}):
-            problems.append(f"the audit log does not explain what partition {number} holds")
+            problems.append("the audit log does not explain the configuration of partition "
+                            f"{number}")
     return problems

@@ -1,4 +1,4 @@
-"""A board's root with a back-end of its own and the sessions that the tests use."""
+"""A board's root with its own back-end."""
 
 import copy
 import os
@@ -16,17 +16,17 @@ from support.program import runProgram
 START_SECONDS = 60
 KEPT_FOLDERS = ("var/tmp", "var/lib/session", "var/lib/board", "var/run", "var/log")
 
-# The demo board's administrator and the user who may do nothing.
+# The demo board's administrator and its user without rights.
 OPERATOR, VIEWER = "admin", "viewer"
 
 
 def fastFolder():
-    """Where roots are made: in memory when there is such a place, for speed alone."""
+    """Returns the folder for roots: in memory if possible, for speed."""
     return "/dev/shm" if os.access("/dev/shm", os.W_OK) else None
 
 
 class Installation:
-    """What `cmake --install` puts under a board's root, made once for all boards of a run."""
+    """The files that `cmake --install` puts under a board's root, shared by all boards of a run."""
 
     def __init__(self, project, preset):
         self.build = os.path.join(project, "build", preset)
@@ -40,7 +40,7 @@ class Installation:
                        stdout=subprocess.DEVNULL)
 
     def linkedDynamically(self):
-        """The same with programs that a library can be loaded in front of; made once."""
+        """Returns an installation with dynamically linked programs, for preloading; made once."""
         if self.dynamic is None:
             self.dynamic = copy.copy(self)
             self.dynamic.folder = tempfile.mkdtemp(prefix="faults-")
@@ -57,7 +57,7 @@ class Installation:
 
 
 class Board:
-    """One root. Its back-end runs from start() to stop()."""
+    """A board's root. The back-end runs from start() to stop()."""
 
     def __init__(self, installation, folder=None):
         self.installed = installation.folder
@@ -74,7 +74,8 @@ class Board:
         return os.path.join(self.root, *parts)
 
     def start(self, prefix=(), more=None, limits=None, mustStart=True):
-        """Starts the back-end. False, with nothing running, when it ends instead of being ready."""
+        """Starts the back-end. If it ends before it is ready, raises RuntimeError, or returns False
+        if `mustStart` is false."""
         environment = {"PATH": "/usr/bin:/bin", **(more or {})}
         self.errorFile = open(self.path("backend.errors"), "wb")
         self.backend = subprocess.Popen(
@@ -97,7 +98,8 @@ class Board:
             return text.read()
 
     def stop(self, deadline=30):
-        """Ends the back-end as ./serve does; its exit status, None when it had to be killed."""
+        """Ends the back-end as ./serve does. Returns its exit status, or None if it had to be
+        killed after `deadline` seconds."""
         if self.backend is None:
             return 0
         pid = self.backendProcess()
@@ -121,14 +123,14 @@ class Board:
             pass
         status = backend.wait()
         self.endedBySignal = -status if status < 0 and status != -signal.SIGKILL else None
-        # Behind a command that started it, it may end a moment later.
+        # If another command started it, the back-end may end shortly after that command.
         while anyLives([pid] if pid else membersOf(backend.pid)):
             time.sleep(0.001)
         backend.stdout.close()
         self.errorFile.close()
 
     def backendProcess(self):
-        """The back-end's own process number, also behind a command that started it."""
+        """Returns the back-end's process number, even if another command started it, or None."""
         children = f"/proc/{self.backend.pid}/task/{self.backend.pid}/children"
         try:
             with open(f"/proc/{self.backend.pid}/comm", encoding="ascii") as name:
@@ -144,7 +146,7 @@ class Board:
         return None
 
     def waitUntilQuiet(self, seconds=45):
-        """Waits until the back-end works for nobody."""
+        """Waits until the back-end serves no client. Returns False after `seconds`."""
         end = time.monotonic() + seconds
         while self.backend is not None and time.monotonic() < end:
             pid = self.backendProcess()
@@ -162,7 +164,7 @@ class Board:
         raise RuntimeError(f"{user} cannot log in: {run.output!r} {run.errors!r}")
 
     def read(self, *parts):
-        """The bytes of a file below the root; None when there is none."""
+        """Returns the bytes of a file below the root, or None if there is none."""
         try:
             with open(self.path(*parts), "rb") as file:
                 return file.read()
@@ -170,7 +172,7 @@ class Board:
             return None
 
     def write(self, data, *parts):
-        """Puts a file below the root; with None, takes it away."""
+        """Writes a file below the root, or removes it if `data` is None."""
         if data is None:
             try:
                 os.remove(self.path(*parts))
@@ -181,7 +183,7 @@ class Board:
             file.write(data)
 
     def files(self, *folders):
-        """{path below the root: bytes} of every regular file in the folders."""
+        """Returns {path below the root: bytes} of all regular files in the folders."""
         found = {}
         for folder in folders:
             for entry in os.scandir(self.path(folder)):
@@ -201,7 +203,7 @@ def identifierOf(cookie):
 
 
 def membersOf(group):
-    """The processes of a process group."""
+    """Returns the processes of a process group."""
     members = []
     for name in os.listdir("/proc"):
         try:
@@ -217,7 +219,7 @@ def anyLives(processes):
 
 
 def isAlive(pid):
-    """Whether any thread of the process is left: the first may be gone before the others."""
+    """Returns true while any thread of the process is left; the first may end before the others."""
     try:
         with open(f"/proc/{pid}/stat", encoding="ascii", errors="replace") as status:
             ended = status.read().rpartition(")")[2].split()[0] == "Z"
@@ -227,7 +229,7 @@ def isAlive(pid):
 
 
 def samplePayload(letter, size=120000):
-    """A payload that says everywhere whose it is."""
+    """Returns a payload that repeats `letter` throughout, so that mixed files can be detected."""
     return (letter.encode() * 61 + b"\n") * (size // (61 * len(letter) + 1))
 
 

@@ -1,4 +1,4 @@
-"""Runs the cases of a row in several processes, and keeps what is needed to repeat a violation."""
+"""Runs the cases of a row in several processes, and records violations for repetition."""
 
 import json
 import multiprocessing
@@ -9,7 +9,7 @@ import traceback
 
 
 class Result:
-    """What a row came to: how many runs met their fault, what was violated, and its figures."""
+    """The result of a row: the number of runs that met their fault, the violations, and figures."""
 
     def __init__(self, runs=0, violations=None, figures=None, skipped=None):
         self.runs = runs
@@ -19,7 +19,7 @@ class Result:
 
 
 class Context:
-    """What every row is given. `folder` takes the results."""
+    """The settings of a run, passed to every row. Results go into `folder`."""
 
     def __init__(self, project, installation, long, seed, jobs, folder, minutes=None):
         self.project = project
@@ -37,18 +37,18 @@ class Context:
         self.partEnd = self.end
 
     def beginPart(self, share):
-        """The next part of the row gets this share of the time that is left."""
+        """Begins a part of the row, with this share of the remaining time."""
         if self.end is not None:
             now = time.monotonic()
             self.partEnd = now + max(0, self.end - now) * share
 
     def isOver(self):
-        """Whether the time of the row, or of its part, is up."""
+        """Returns true if the time of the row or of its part is over."""
         return self.partEnd is not None and time.monotonic() > self.partEnd
 
     def sample(self, cases, shortCount):
-        """All cases in the long form; in the short form about so many, in equal steps from a
-        place that the seed chooses."""
+        """Returns all cases in the long form. In the short form, returns every n-th case, at most
+        `shortCount`; the seed chooses the first."""
         if self.long or len(cases) <= shortCount:
             return cases
         stride = -(-len(cases) // shortCount)
@@ -56,8 +56,8 @@ class Context:
 
 
 class Outcome:
-    """What became of one case. A fault that was not met, because the program took another way,
-    does not count as a run. `tally` names what the row counts this run as."""
+    """The result of a case. If the fault was not met, because the program took another path, the
+    case does not count as a run. `tally` is the name of the figure that counts this run."""
 
     def __init__(self, problems, met=True, details=None, tally=None):
         self.tally = tally
@@ -67,14 +67,14 @@ class Outcome:
 
 
 def runCases(context, row, cases, makeWorker, workers=None):
-    """Runs each case in one of several processes; `makeWorker()` is called once in each of them
-    and returns an object with run(case), an Outcome, and close()."""
+    """Runs each case in one of several processes and returns the Result. Each process calls
+    `makeWorker()`, which returns an object with run(case), returning an Outcome, and close()."""
     count = max(1, min(workers or context.jobs, len(cases)))
     if context.end is not None:
-        # What the time suffices for is then a sample of all.
+        # The cases run until the time is over are then a random sample.
         cases = random.Random(context.seed).sample(cases, len(cases))
     queue = multiprocessing.Queue()
-    # Dealt out in turns, so that slow neighbours are shared.
+    # Neighbouring cases, which may all be slow, go to different processes.
     processes = [multiprocessing.Process(target=work, args=(queue, cases[index::count], makeWorker,
                                                       context))
                  for index in range(count)]
@@ -124,7 +124,7 @@ def work(queue, cases, makeWorker, context):
 
 
 def keep(context, row, case, outcome):
-    """Writes a violation down; returns it with the name of its file."""
+    """Writes a violation to a file; returns it with the file's path."""
     folder = os.path.join(context.folder, "violations")
     os.makedirs(folder, exist_ok=True)
     number = len(os.listdir(folder))

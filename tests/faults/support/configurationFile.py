@@ -1,6 +1,6 @@
-"""Reads and writes configuration files and the back-end's state file, apart from the program.
+"""Reads and writes configuration files and the back-end's state file, without the program's code.
 
-docs/configuration-file.md gives the bytes.
+docs/configuration-file.md defines the bytes.
 """
 
 import struct
@@ -27,7 +27,7 @@ class ConfigurationFile:
 
 
 def decodeConfigurationFile(data):
-    """The file that the bytes are; None when they are none."""
+    """Returns the decoded file, or None if `data` is not a configuration file."""
     if len(data) < 32 or data[:8] != MAGIC or zlib.crc32(data[:-4]) != unpackWord(data[-4:]):
         return None
     revision, saveTime, partition, versionSize, nameSize, payloadSize = struct.unpack(
@@ -48,7 +48,7 @@ def encodeState(payloads):
 
 
 def decodeState(data):
-    """The payload of each partition; None when the bytes are no state file."""
+    """Returns {partition: payload}, or None if `data` is not a state file."""
     if len(data) < 20 or data[:8] != STATE_MAGIC or zlib.crc32(data[:-4]) != unpackWord(data[-4:]):
         return None
     payloads = {}

@@ -1,9 +1,9 @@
-"""Whether what a log of system calls shows would outlive a power cut at any moment.
+"""Checks in a log of system calls that a power cut at any moment would lose nothing.
 
-A file that is kept is replaced as a whole: written under another name or none, synced, given its
-name, and the folder synced, all before anybody is told. Then a power cut leaves the old or the new
-file, and the new one once it was told of. A line of the audit log is written in place, and synced
-before what it tells of is done or told.
+A kept file is replaced as a whole: it is written under a temporary name or none, synced and
+renamed, and then its folder is synced, all before the change is reported. A power cut then leaves
+the old or the new file, and after the report the new one. A line of the audit log is written in
+place, and synced before its action is done or reported.
 """
 
 import os
@@ -21,7 +21,7 @@ FOR_WRITING = re.compile(r"O_WRONLY|O_RDWR|O_TRUNC")
 
 
 class Step:
-    """One thing that a process did to a file, or "told" for what others learn of."""
+    """A process's operation on a file, or "reported" for output that others receive."""
 
     def __init__(self, kind, path, source=None):
         self.kind = kind
@@ -62,8 +62,8 @@ def readStep(call, arguments):
     if call == "ftruncate":
         return [Step("cut", descriptor[1])]
     if call in ("write", "pwrite64", "writev") and descriptor:
-        told = arguments.startswith("1<")
-        return [Step("told" if told else "written", descriptor[1])]
+        reported = arguments.startswith("1<")
+        return [Step("reported" if reported else "written", descriptor[1])]
     if call == "truncate":
         return [Step("written", texts[0])]
     if call in ("fsync", "fdatasync"):
@@ -74,13 +74,13 @@ def readStep(call, arguments):
         unnamed = DESCRIPTOR.match(arguments.split("fd/")[-1])
         return [Step("named", texts[1], unnamed[1] if unnamed else texts[0])]
     if call in ("sendto", "exit_group"):
-        return [Step("told", call)]
+        return [Step("reported", call)]
     return []
 
 
 def nameSources(steps):
-    """Puts the open file's own name into the steps that name it as /proc/self/fd/N: it is the file
-    without a name that was synced last."""
+    """Replaces the source /proc/self/fd/N in the steps by the open file: the unnamed file that was
+    synced last."""
     unnamed = None
     for step in steps:
         if step.kind == "synced" and "/#" in step.path:
@@ -91,14 +91,14 @@ def nameSources(steps):
 
 
 def check(steps, isKept, isLog, logIsNew=False):
-    """What is wrong with the steps, a line each; how often a kept file was replaced, and how often
-    the log was written."""
+    """Returns the problems of the steps, the number of kept files that were replaced, and the
+    number of writes to the log."""
     problems = []
     replaced = appended = 0
     dirty = set()
     unsynced = {}
     for step in steps:
-        if step.kind in ("told", "named"):
+        if step.kind in ("reported", "named"):
             problems += [f"{path} is not synced when {step}" for path in dirty if isLog(path)]
         if step.kind == "opened" and isLog(step.path):
             if logIsNew:
@@ -124,8 +124,8 @@ def check(steps, isKept, isLog, logIsNew=False):
             if step.source in dirty:
                 problems.append(f"{step.path} gets its name before its bytes are synced")
             unsynced[step.path] = True
-        elif step.kind == "told":
-            problems += [f"{path} is told of before its folder is synced" for path in unsynced]
+        elif step.kind == "reported":
+            problems += [f"{path} is reported before its folder is synced" for path in unsynced]
             unsynced.clear()
     problems += [f"the folder of {path} is never synced" for path in unsynced]
     problems += [f"{path} is never synced" for path in dirty if isLog(path)]

@@ -1,6 +1,6 @@
-"""A back-end of the tests' own: it plays back what the real one answered, with one answer altered.
+"""A fake back-end that plays back the real one's replies, with one reply altered.
 
-docs/wire-formats.md gives the frames.
+docs/wire-formats.md defines the frames.
 """
 
 import os
@@ -23,13 +23,13 @@ def receiveExactly(connection, size):
 
 
 def receiveFrame(connection):
-    """A frame with its length in front."""
+    """Receives a frame; returns it including its length."""
     head = receiveExactly(connection, 4)
     return head + receiveExactly(connection, struct.unpack(">I", head)[0])
 
 
 class SocketSwitch:
-    """Puts another socket into the place of the board's own, and back."""
+    """Replaces the board's socket by another one, and restores it."""
 
     def __init__(self, board):
         self.place = board.path("var/run/backend.sock")
@@ -90,7 +90,7 @@ class Listening(threading.Thread):
 
 
 class Recorder(Listening):
-    """Passes everything on to the real back-end and keeps [(request, reply), ...]."""
+    """Forwards everything to the real back-end and records [(request, reply), ...]."""
 
     def __init__(self, switch):
         super().__init__(switch.listener)
@@ -109,7 +109,7 @@ class Recorder(Listening):
 
 
 class Player(Listening):
-    """Answers with the recorded replies; `alteration` (how, at, value) befalls reply `number`."""
+    """Answers with the recorded replies; alters reply `number` by `alteration` (how, at, value)."""
 
     def __init__(self, switch, exchanges, number, alteration, onRequest):
         super().__init__(switch.listener)
@@ -130,11 +130,11 @@ class Player(Listening):
                 connection.sendall(reply)
             elif self.how != "early" and not self.alter(connection, reply):
                 return
-        # Until the program closes its end.
+        # Waits until the program closes its end.
         connection.recv(1)
 
     def alter(self, connection, reply):
-        """Sends the altered reply; whether the conversation goes on."""
+        """Sends the altered reply. Returns true if the connection continues."""
         if self.how == "silent":
             self.wait(connection)
             return False
@@ -148,7 +148,7 @@ class Player(Listening):
         return False
 
     def wait(self, connection):
-        """Until the program has given up."""
+        """Waits until the program gives up."""
         connection.recv(1)
 
 

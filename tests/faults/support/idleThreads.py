@@ -1,15 +1,15 @@
-"""Whether a back-end serves nobody: each of its threads but the first waits for another client."""
+"""Finds out whether a back-end is idle: all its threads but the first wait for the next client."""
 
 import os
 import platform
 
-# System calls by number: taking a client, and waiting until there is one.
+# Numbers of the system calls that accept a client and wait for one.
 ACCEPT, POLL = {"x86_64": (288, 7), "aarch64": (242, 73)}.get(platform.machine(), (None, None))
 
 
 def waitsForClient(syscall):
-    """Looks at the call that a thread sleeps in, as the kernel prints it. What waits for a client
-    that is there has a deadline."""
+    """Returns true if a thread in this call, as printed by the kernel, waits for the next client. A
+    thread that waits for data of a connected client has a timeout."""
     number, *arguments = syscall.split()
     if number == str(ACCEPT):
         return True
@@ -28,5 +28,5 @@ def servesNobody(pid):
                     if not waitsForClient(call.read()):
                         return False
     except (FileNotFoundError, ProcessLookupError):
-        return not os.path.exists(f"/proc/{pid}")  # a thread has ended just now; or all have
+        return not os.path.exists(f"/proc/{pid}")  # one thread has just ended, or all have
     return True

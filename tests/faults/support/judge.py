@@ -1,13 +1,14 @@
-"""The questions that every run of a program is judged by, whatever went wrong in it.
+"""Judges every run of a program, whatever fault it had, by these questions:
 
-1. Did it end within its deadline, and by itself?
-2. Is what it printed one valid response, or nothing where nothing could be printed?
+1. Did it end within its deadline, and without a signal?
+2. Did it print one valid response, or nothing if it could not print?
 3. Is each file the old or the new one, byte for byte, and are other sessions' files untouched?
-4. Does a page that tells a success mean that it happened, and one that tells that nothing was
-   changed mean that nothing was?
-5. Are the locks free, and is nothing left behind after the next normal requests?
-6. Is the audit log what it was and whole lines behind it, does it say what the page tells as done,
-   nothing that was not asked for, and why the partitions hold what they hold?
+4. If the page reports success, did it happen? If the page says that nothing was changed, was
+   nothing changed?
+5. Are the locks free, and do the next normal requests leave no temporary files?
+6. Does the audit log consist of its former content and whole lines? Does it contain the actions
+   that the page reports, only requested actions, and the reasons for the partitions'
+   configurations?
 """
 
 import fcntl
@@ -24,8 +25,8 @@ from support.requestTypes import get, multipart, noticesOf, post, postParts
 from support.response import MalformedResponse, parseResponse
 from support.scene import SESSIONS, STATE, TEMPORARY, backupFile, stagedFile
 
-# An exchange with the back-end ends after 10 s, a wait for a lock after 5 s. More than that, because
-# a busy machine must not fail a test: what does not end, does not end in this time either.
+# Far more than an exchange with the back-end (10 s) and a wait for a lock (5 s) need, so that a
+# busy machine does not fail a test.
 DEADLINE_SECONDS = 120
 
 LOCKS = ("var/tmp/restored_eficonf.lock", "var/lib/board/restore.lock", "var/lib/login.lock",
@@ -34,10 +35,10 @@ KEPT = (TEMPORARY, SESSIONS, "var/lib/board")
 NOT_JUDGED = set(LOCKS) | {"var/lib/board/backend.lock"}
 WHOLE_SESSION = re.compile(rb"token_sha256=[0-9a-f]{64}\nuser=.*\ncreated=\d+\n")
 
-# What the pages say when they are sure that nothing was changed.
+# Texts of pages that are sure that nothing was changed.
 UNCHANGED = re.compile(r"Nothing was (changed|restored|uploaded|done)|No partition was changed")
 ALL_UNCHANGED = re.compile(r"Nothing was (changed|uploaded|done)")
-# The back-end's answer was lost on its way, and the page says that it does not know.
+# Texts of pages that do not know the outcome, because the back-end's answer was lost.
 UNSURE = re.compile(r"71-(1613|200[234])\b|it is not certain how far")
 
 
@@ -45,17 +46,18 @@ UNCAUGHT = re.compile(rb"terminate called after throwing an instance of '.*bad_a
 
 
 class Fault:
-    """What was done to a run, as far as it changes the answers.
+    """The fault of a run, as far as it changes the expected answer.
 
-    `killed`: the program was; it may have printed nothing. `mute`: it could not print. `unbegun`:
-    the fault met the dynamic loader, before the program's own code. `told`: what it was asked for could not be done, so that the page has to say it.
+    `killed`: the program was killed and may have printed nothing. `mute`: it could not print.
+    `unbegun`: the fault hit the dynamic loader, before the program's own code. `mustReport`: the
+    request could not be carried out, and the page must say so.
     """
 
-    def __init__(self, killed=False, mute=False, unbegun=False, told=False):
+    def __init__(self, killed=False, mute=False, unbegun=False, mustReport=False):
         self.killed = killed
         self.mute = mute or unbegun
         self.unbegun = unbegun
-        self.told = told
+        self.mustReport = mustReport
 
 
 class Judge:
@@ -69,7 +71,7 @@ class Judge:
         return {path: data for path, data in files.items() if path not in NOT_JUDGED}
 
     def judge(self, kind, before, run, fault, withoutBackend=False):
-        """Everything that is wrong with the run, a line each."""
+        """Returns the problems of the run, a line each."""
         problems = []
         if not withoutBackend and not self.board.waitUntilQuiet():
             problems.append("the back-end still works for the request")
@@ -84,8 +86,8 @@ class Judge:
 
     @staticmethod
     def endedUnbegun(run, fault):
-        """Whether the program ended by a signal before it began its work, as it may: in the loader,
-        or because there was no memory for its main object, and its exceptions are not caught."""
+        """Returns true if the program ended by a signal before its work began, as it may: in the
+        loader, or without memory for its main object, where exceptions are not caught."""
         if run.output:
             return False
         uncaught = run.signal == signal.SIGABRT and UNCAUGHT.search(run.errors) is not None
@@ -129,11 +131,11 @@ class Judge:
     def checkClaims(self, kind, before, after, response, fault, problems):
         if kind.claimsSuccess(response, self.scene):
             if not kind.happened(self.scene, response, after):
-                problems.append("the page tells a success that did not happen")
+                problems.append("the page reports a success that did not happen")
             return
         notice = noticesOf(response)
-        if fault.told and not notice and response.status < 400:
-            problems.append("the page does not tell that it failed")
+        if fault.mustReport and not notice and response.status < 400:
+            problems.append("the page does not report the failure")
         if UNCHANGED.search(notice) and not UNSURE.search(notice):
             for path, values in kind.allowed.items():
                 if path != STATE and not ALL_UNCHANGED.search(notice):
@@ -142,29 +144,29 @@ class Judge:
                 if before.get(path) != after.get(path) and any(
                         value(after[path]) if callable(value) else value == after[path]
                         for value in news if path in after):
-                    problems.append(f"the page tells that nothing was changed, but {path} is new")
+                    problems.append(f"the page says that nothing was changed, but {path} is new")
 
     def newLines(self, mayBeTorn, problems):
-        """The lines that the log has got since it was staged."""
+        """Returns the lines added to the log since it was staged."""
         old, now = self.scene.log, auditLog.readLog(self.board)
         if not now.startswith(old):
-            problems.append("lines of the audit log have gone")
+            problems.append("the audit log has lost lines")
             return []
         added = now[len(old):]
         if added and not old.endswith(b"\n"):
             if not added.startswith(b"\n"):
-                problems.append("a line of the audit log was put behind half a line")
+                problems.append("a line of the audit log follows half a line")
             added = added.partition(b"\n")[2]
         lines, damaged, rest = auditLog.parseLines(added)
         if len(damaged) + bool(rest) > (1 if mayBeTorn else 0):
-            problems.append(f"the audit log holds what is no line: {[*damaged, rest]!r:.300}")
+            problems.append(f"the audit log contains malformed lines: {[*damaged, rest]!r:.300}")
         return lines
 
     def checkLog(self, kind, after, response, fault, problems):
         lines = self.newLines(fault.killed, problems)
         for line in lines:
             if line["event"] not in (*kind.events, "start", "end"):
-                problems.append(f"the audit log tells of what was not asked for: {line}")
+                problems.append(f"the audit log contains an action that was not requested: {line}")
         if response is not None and kind.tellsDone(response, self.scene, after):
             self.expectLine(lines, kind.expectedLine(self.scene, response), problems)
         self.checkExplanation(after.get(STATE), problems)
@@ -173,15 +175,15 @@ class Judge:
     @staticmethod
     def expectLine(lines, expected, problems):
         if not any(contains(line, expected) for line in lines):
-            problems.append(f"the audit log lacks {expected}; it tells of {lines}")
+            problems.append(f"the audit log lacks {expected}; it contains {lines}")
 
     def checkExplanation(self, state, problems):
         lines = auditLog.parseLines(auditLog.readLog(self.board))[0]
         problems += auditLog.unexplained(lines, decodeState(state or b"") or {})
 
     def settle(self):
-        """The next normal requests: an upload, its discarding, a backup page and, for what only a
-        login clears away, a login. All must succeed, and nothing may be left behind by then."""
+        """Makes the next normal requests: an upload, a discard, a backup page and a backup. All
+        must succeed, and no held lock or temporary file may remain."""
         problems = []
         scene, board = self.scene, self.board
         for lock in LOCKS:
@@ -209,7 +211,7 @@ class Judge:
         return problems
 
     def leftovers(self):
-        """Files that belong to no session and to nobody else."""
+        """Returns files that belong to no session and that no program needs."""
         own = {stagedFile(self.scene.operator), backupFile(self.scene.operator), STATE}
         return {path: data for path, data in self.snapshot().items()
                 if path not in self.scene.standing and path not in own
@@ -217,7 +219,7 @@ class Judge:
                 and not re.search(r"(0123456789abcdef|fedcba9876543210)$", path)}
 
     def checkFollowingLines(self, problems):
-        """Whether the requests that followed have their lines, and stand behind whole ones."""
+        """Checks that the requests of settle() have their lines in the log, after whole lines."""
         lines = self.newLines(self.torn, problems)
         session = identifierOf(self.scene.operator)
         for event in ("upload", "discard", "backup"):
@@ -226,7 +228,7 @@ class Judge:
         self.torn = False
 
     def checkConfigurations(self, problems):
-        """Whether the back-end believes what its file says."""
+        """Checks that a backup contains the configuration in the back-end's state file."""
         scene = self.scene
         run = runProgram(self.board, post(
             scene.operator, b"functionID=105&hidden_status=BACKUP&radio_button=3"))
@@ -235,28 +237,28 @@ class Judge:
         if b'id="download_link"' not in run.output:
             problems.append(f"the backup that followed failed: {run.output[-600:]!r}")
         elif payloads is None or payloads[3] not in saved:
-            problems.append("the back-end and its file hold different configurations")
+            problems.append("the back-end and its file have different configurations")
 
 
 def contains(line, expected):
-    """Whether the line has the expected fields, whatever else it has."""
+    """Returns true if the line has the expected fields; it may have others."""
     return all(contains(line.get(name, {}), value) if isinstance(value, dict)
                else line.get(name) == value for name, value in expected.items())
 
 
 def isPassing(path, data, kind, response, fault):
-    """Whether a new file may stand until the next requests have come."""
+    """Returns true if a new file may remain until the next requests."""
     folder, name = path.rsplit("/", 1)
     if folder == SESSIONS and kind.name == "login":
-        # A session that nobody was told of ends by being idle.
-        told = response is not None and response.status < 400
+        # An unreported session ends when it has been idle.
+        reported = response is not None and response.status < 400
         return (".aside-" in name and fault.killed) or (
-            WHOLE_SESSION.fullmatch(data) is not None and (told or fault.killed or fault.mute))
+            WHOLE_SESSION.fullmatch(data) is not None and (reported or fault.killed or fault.mute))
     return fault.killed and (name.startswith("upload_") or ".aside-" in name)
 
 
 def isFree(path, seconds=5):
-    """Whether nobody holds the lock; waits for a holder that is about to end."""
+    """Returns true if no process holds the lock; waits up to `seconds` for one that is ending."""
     if not os.path.exists(path):
         return True
     end = time.monotonic() + seconds

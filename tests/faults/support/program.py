@@ -1,4 +1,4 @@
-"""Starts a program of the board as the web server would, without one."""
+"""Starts a program of the board without a web server, but as the web server would."""
 
 import os
 import resource
@@ -8,7 +8,7 @@ import time
 
 
 class ProgramRun:
-    """How a program ended: what it printed, its exit status or signal, and how long it took."""
+    """The result of a program: its output, exit status or signal, and duration in seconds."""
 
     def __init__(self, output, errors, status, seconds, timedOut):
         self.output = output
@@ -20,7 +20,7 @@ class ProgramRun:
 
 
 def environmentFor(root, request):
-    """The CGI environment of a request. Nothing of the caller's own gets into it."""
+    """Returns the CGI environment of a request, without the caller's environment."""
     environment = {
         "BOARD_ROOT": root,
         "REQUEST_METHOD": request["method"],
@@ -42,12 +42,13 @@ def environmentFor(root, request):
 
 
 def limited(limits):
-    """A function that puts limits, {resource number: value}, onto the process that calls it."""
+    """Returns a function that sets limits, {resource number: value}, on the calling process, or
+    None without limits."""
     if not limits:
         return None
 
     def setLimits():
-        # As the web server starts programs: the signal must be dealt with by the program itself.
+        # As under the web server: the program itself must handle the signal.
         signal.signal(signal.SIGXFSZ, signal.SIG_DFL)
         for number, value in limits.items():
             resource.setrlimit(number, (value, value))
@@ -55,21 +56,26 @@ def limited(limits):
     return setLimits
 
 
-def runProgram(board, request, prefix=(), limits=None, more=None, deadline=150):
-    """Runs the program of `request` to its end, behind the command `prefix` when there is one."""
+def runProgram(board, request, prefix=(), limits=None, more=None, deadline=150, body=None):
+    """Runs the program of `request`, as arguments of the command `prefix` if given, and waits for
+    its end; kills it after `deadline` seconds.
+
+    The program reads the request's body from a pipe, in pieces of any size, or from the open file
+    `body`.
+    """
     environment = environmentFor(board.root, request)
     environment.update(more or {})
     command = [*prefix, os.path.join(board.programs, request["program"])]
     started = time.monotonic()
-    process = subprocess.Popen(command, env=environment, stdin=subprocess.PIPE,
+    process = subprocess.Popen(command, env=environment, stdin=body or subprocess.PIPE,
                                stdout=subprocess.PIPE, stderr=subprocess.PIPE,
                                preexec_fn=limited(limits), start_new_session=True)
     timedOut = False
     try:
-        output, errors = process.communicate(request.get("body", b""), timeout=deadline)
+        output, errors = process.communicate(None if body else request.get("body", b""), timeout=deadline)
     except subprocess.TimeoutExpired:
         timedOut = True
-        # strace leaves what it traces running when it is killed itself: the whole group goes.
+        # Kills the whole group, because a killed strace leaves its program running.
         os.killpg(process.pid, signal.SIGKILL)
         output, errors = process.communicate()
     return ProgramRun(output, errors, process.returncode, time.monotonic() - started, timedOut)

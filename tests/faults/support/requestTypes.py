@@ -1,4 +1,4 @@
-"""Every kind of request that the board's programs answer, with what it may change."""
+"""All kinds of requests to the board's programs, and their permitted changes."""
 
 import itertools
 import re
@@ -12,7 +12,7 @@ SCREEN = "maintenance/efi_backup_restore.cgi"
 INSTALLED_PARTITIONS = 5
 BOUNDARY = "----faults"
 
-# Values of a file that a request may leave behind besides the old one.
+# Contents that a request may leave in a file, besides the old content.
 ABSENT = None
 EMPTY = b""
 
@@ -20,7 +20,7 @@ NOTICE = re.compile(r'role="alert"[^>]*>(.*?)</div>', re.S)
 
 
 def multipart(fields, fileName=None, data=b""):
-    """The body of a form that is sent in parts."""
+    """Returns the body of a multipart form."""
     parts = [f'--{BOUNDARY}\r\nContent-Disposition: form-data; name="{name}"\r\n\r\n{value}\r\n'
              .encode() for name, value in fields.items()]
     if fileName is not None:
@@ -31,7 +31,7 @@ def multipart(fields, fileName=None, data=b""):
 
 
 def noticesOf(response):
-    """What the page tells the operator about how the request went."""
+    """Returns the text of the page's notices about the request."""
     return " ".join(NOTICE.findall(response.text))
 
 
@@ -48,14 +48,14 @@ def get(cookie, query="", program=SCREEN):
 
 
 class RequestType:
-    """A kind of request. `prepare()` returns the request; `files` then holds the operator's own
-    files before it, `allowed` the further contents that each file may have after it, `log` the audit
-    log before it."""
+    """A kind of request. prepare() stages the board's files and log and returns the request; then
+    `files` contains the operator's files before the request, and `allowed` the other contents that
+    each file may have after it."""
 
     name = ""
-    writes = False  # whether a disk that takes nothing keeps it from being carried out
-    events = ()  # what it may put into the audit log
-    counts = None  # what has only been counted before it
+    writes = False  # true if the request cannot be carried out on a full disk
+    events = ()  # events that it may add to the audit log
+    counts = None  # events before it that were only counted
 
     def prepare(self, scene):
         self.files = {}
@@ -69,23 +69,23 @@ class RequestType:
         raise NotImplementedError
 
     def claimsSuccess(self, response, scene):
-        """Whether the page says that what was asked for has happened."""
+        """Returns true if the page reports success."""
         return response.status == 200 and not noticesOf(response)
 
     def happened(self, scene, response, after):
-        """Whether it has; `after` are the files."""
+        """Returns true if the request was carried out; `after` contains the files afterwards."""
         return True
 
     def makeLog(self, scene):
-        """The audit log before it."""
+        """Returns the audit log before the request."""
         return scene.logLine()
 
     def tellsDone(self, response, scene, after):
-        """Whether the answer tells what the audit log has to know."""
+        """Returns true if the answer reports an action that the audit log must contain."""
         return bool(self.events) and self.claimsSuccess(response, scene)
 
     def expectedLine(self, scene, response):
-        """Fields of the line that it then has."""
+        """Returns fields of the line that the audit log must then contain."""
         return {"event": self.name, "user": "admin", "session": identifierOf(scene.operator),
                 "result": "done"}
 
@@ -128,8 +128,8 @@ class Backup(RequestType):
             file = decodeConfigurationFile(data)
             return file is not None and file.partition == 3 and file.payload == payload
 
-        # The program empties the file before it asks for the backup. An empty file is no backup
-        # for anybody: the download refuses it. A backup without a line in the audit log is removed.
+        # The program empties the file before it requests the backup; the download refuses an empty
+        # file. A backup without a line in the audit log is removed.
         self.allowed[path] = [EMPTY, ABSENT, isNew]
         return post(scene.operator, b"functionID=105&hidden_status=BACKUP&radio_button=3")
 
@@ -154,7 +154,7 @@ class Upload(RequestType):
         path = stagedFile(scene.operator)
         self.files[path] = sampleFile("an earlier file", 5000)
         self.data = sampleFile("a new file", 350000)
-        # A file that cannot be read back is taken away again, and the page says so.
+        # A file that cannot be read back is removed, and the page says so.
         self.allowed[path] = [self.data, ABSENT]
         body = multipart({"functionID": 106, "hidden_status": 1}, "conf.dat", self.data)
         return postParts(scene.operator, body)
@@ -170,7 +170,7 @@ class Upload(RequestType):
 
 
 class UnusableUpload(Upload):
-    """A file that is no configuration file: it is taken away again."""
+    """An upload of a file that is not a configuration file: it is removed."""
 
     name = "unusable upload"
 
@@ -187,7 +187,7 @@ class UnusableUpload(Upload):
 
 
 class RefusedUpload(RequestType):
-    """An upload that must leave the staged file as it was."""
+    """An upload that must leave the staged file unchanged."""
 
     writes = True
     events = ("upload",)
@@ -251,7 +251,7 @@ class Restore(RequestType):
 
 
 class RefusedRestore(RequestType):
-    """A restore to two partitions of which one is running: it happens to neither."""
+    """A restore to two partitions, one of them running: neither is changed."""
 
     name = "refused restore"
     events = ("restore",)
@@ -278,7 +278,7 @@ class Discard(RequestType):
         self.allowed[path] = [ABSENT]
         return post(scene.operator, b"functionID=106&hidden_status=3")
 
-    # The page that follows says nothing about the file but that it is not there.
+    # The next page does not report the discard; it only shows no file.
     def claimsSuccess(self, response, scene):
         return False
 
@@ -291,7 +291,7 @@ class Discard(RequestType):
 
 
 class RotatingDiscard(Discard):
-    """The line of this one is the first of another file of the log."""
+    """A discard that causes a rotation of the log."""
 
     name = "rotating discard"
 
@@ -317,7 +317,7 @@ class NoAuthority(RequestType):
     events = ("refusal",)
 
     def make(self, scene):
-        # Files of a function that its user may not use any more go.
+        # Files of a function that the user may no longer use are removed.
         for path in (stagedFile(scene.viewer), backupFile(scene.viewer)):
             self.allowed[path] = [ABSENT]
         return post(scene.viewer, b"functionID=106&hidden_status=2&pid2=2&pid3=3")
@@ -377,7 +377,7 @@ class LoginPage(RequestType):
 
 
 class Login(RequestType):
-    """A login; the session of an expired login and its files may go at the same time."""
+    """A login, which may also remove an expired session and its files."""
 
     name = "login"
     writes = True
@@ -420,7 +420,7 @@ class WrongPassword(RequestType):
     count = itertools.count()
 
     def make(self, scene):
-        # Another name from another address each time: who guesses often would have to wait.
+        # A new name and address each time, because repeated guesses would have to wait.
         number = next(self.count)
         address = f"10.{number >> 16 & 255}.{number >> 8 & 255}.{number & 255}"
         return {**post(None, b"user=guess%06d&password=guess" % number, program="login.cgi"),
@@ -454,7 +454,7 @@ class Logout(RequestType):
     events = ("logout",)
 
     def make(self, scene):
-        # A session of its own, so that the operator's stays for the next request.
+        # A separate session, so that the operator's remains for the next request.
         cookie = "fedcba9876543210-" + scene.operator.split("-")[1]
         self.session = sessionFile(cookie)
         self.files[self.session] = scene.sessions[sessionFile(scene.operator)]
@@ -471,7 +471,7 @@ class Logout(RequestType):
         return self.session not in after
 
     def makeLog(self, scene):
-        """What a power cut has left."""
+        """Returns a log that ends with half a line, as after a power cut."""
         return super().makeLog(scene) + b'{"time":"2026-01-31T23:59'
 
     def expectedLine(self, scene, response):
@@ -483,5 +483,5 @@ REQUEST_TYPES = {kind.name: kind for kind in (
     RefusedRestore, Discard, RotatingDiscard, NoSession, NoAuthority, Menu, Language, Download, LoginPage, Login,
     WrongPassword, Logout)}
 
-# Those that need the back-end, each kind of exchange among them.
+# Requests that need the back-end, with every kind of exchange.
 BACKEND_REQUESTS = ("backup page", "backup", "upload", "restore", "login")

@@ -1,4 +1,4 @@
-"""What a CGI program printed, taken apart as strictly as a web server could."""
+"""Parses the output of a CGI program as strictly as a web server could."""
 
 import html
 import re
@@ -20,7 +20,7 @@ class Response:
 
 
 def parseResponse(output, withoutBody=False):
-    """The one response that `output` is; raises MalformedResponse when it is anything else."""
+    """Parses `output` as exactly one response; raises MalformedResponse otherwise."""
     head, separator, body = output.partition(b"\r\n\r\n")
     if not separator:
         raise MalformedResponse("the headers have no end")
@@ -33,7 +33,7 @@ def parseResponse(output, withoutBody=False):
         value = match[2].decode("utf-8", "replace")
         if name in headers and name != "set-cookie":
             raise MalformedResponse(f"the header {name} is there twice")
-        # Each cookie has a header of its own; they are kept in their order.
+        # Each cookie has its own header; the values are joined in order.
         headers[name] = headers[name] + "\n" + value if name in headers else value
     status = re.fullmatch(r"([1-5]\d\d) .+", headers.get("status", ""))
     if not status:
@@ -44,5 +44,5 @@ def parseResponse(output, withoutBody=False):
     kind = headers.get("content-type", "")
     if kind.startswith("text/html") and body and not (
             body.startswith(b"<!DOCTYPE html>") and body.endswith(b"</html>\n")):
-        raise MalformedResponse("the page is not whole")
+        raise MalformedResponse("the page is incomplete")
     return Response(int(status[1]), headers, body)

@@ -1,4 +1,4 @@
-"""What stands on a board before a request: three sessions and their files."""
+"""The state of a board before a request: three sessions and their files."""
 
 import os
 import time
@@ -11,15 +11,15 @@ SESSIONS = "var/lib/session"
 TEMPORARY = "var/tmp"
 STATE = "var/lib/board/configurations"
 
-# The partitions that the tests restore to: installed, not running, and of a BIOS that fits.
+# The partitions that the tests restore to: installed, not running, with a matching BIOS.
 TARGETS = (2, 3)
 
-# The last use of a session is written down again only when it is older than this.
+# Seconds since a session's last use; enough for the next use to be recorded.
 IDLE_SECONDS = 100
 
 
 class Scene:
-    """A board with an operator's session that the requests use, and two that must stay as they are:
+    """A board with an operator's session for the requests, and two sessions that must not change:
     another operator's and a viewer's, each with a staged file and a backup."""
 
     def __init__(self, installation, folder=None, board=None):
@@ -38,8 +38,8 @@ class Scene:
             self.standing[backupFile(cookie)] = sampleFile(letters[1], 5000)
 
     def stage(self, more):
-        """Puts the files of all sessions into place, with `more` (path: bytes) for the operator's,
-        and takes away whatever else is there."""
+        """Writes the files of all sessions, with `more` ({path: bytes}) for the operator's session,
+        and removes all other files of sessions."""
         wanted = {**self.standing, **more}
         board = self.board
         for path, data in board.files(SESSIONS, TEMPORARY).items():
@@ -54,7 +54,7 @@ class Scene:
             os.utime(board.path(path), (now, now - IDLE_SECONDS))
 
     def logLine(self):
-        """A log that says what the partitions hold."""
+        """Returns a log with the partitions' configurations."""
         return auditLog.makeLine(
             "start", after=auditLog.sumsOf(decodeState(self.board.read(STATE))))
 
@@ -63,13 +63,13 @@ class Scene:
         auditLog.stageLog(self.board, data, counts)
 
     def expectedState(self, payload):
-        """The state file with this payload in the targets."""
+        """Returns the state file with this payload in the targets."""
         payloads = decodeState(self.board.read(STATE))
         payloads.update({target: payload for target in TARGETS})
         return encodeState(payloads)
 
     def nextPayload(self):
-        """A payload that the targets do not hold now."""
+        """Returns a payload that the targets do not have yet."""
         payloads = decodeState(self.board.read(STATE))
         self.letter = "B" if payloads[TARGETS[0]] == samplePayload("A") else "A"
         return samplePayload(self.letter)

@@ -1,4 +1,4 @@
-"""A file system of a few megabytes in memory, which only the process that made it can see."""
+"""A file system of a few megabytes in memory, visible only to the process that made it."""
 
 import ctypes
 import os
@@ -16,7 +16,7 @@ class NotPossible(Exception):
 
 
 def leaveMountNamespace():
-    """Makes what the process mounts from now on its own, and gone with it."""
+    """Gives the process its own mount namespace: its later mounts are private and end with it."""
     libc = ctypes.CDLL(None, use_errno=True)
     if libc.unshare(CLONE_NEWNS) != 0:
         raise NotPossible("no mount namespace: " + os.strerror(ctypes.get_errno()))
@@ -30,7 +30,7 @@ def run(command):
 
 
 def whyImpossible():
-    """None when small disks can be made here, else the reason."""
+    """Returns None if small disks can be made here, otherwise the reason."""
     child = os.fork()
     if child == 0:
         try:
@@ -51,7 +51,7 @@ class SmallDisk:
         self.filler = os.path.join(self.folder, "filler")
 
     def leavePages(self, count):
-        """Fills the disk up to so many pages of 4 KiB."""
+        """Fills the disk except for `count` pages of 4 KiB."""
         state = os.statvfs(self.folder)
         free = state.f_bavail * state.f_frsize // PAGE
         with open(self.filler, "wb") as file:
@@ -59,7 +59,7 @@ class SmallDisk:
                 os.posix_fallocate(file.fileno(), 0, (free - count) * PAGE)
 
     def leaveInodes(self, count):
-        """Makes files until only so many more can be made."""
+        """Makes files until only `count` more can be made."""
         os.mkdir(self.filler)
         for number in range(max(0, os.statvfs(self.folder).f_ffree - count)):
             with open(os.path.join(self.filler, str(number)), "wb"):

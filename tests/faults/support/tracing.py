@@ -1,15 +1,15 @@
-"""strace: which system calls a program makes, and how one of them is made to fail."""
+"""Uses strace to list the system calls of a program and to make one of them fail."""
 
 import re
 
 CALL = re.compile(r"^(?:\[pid\s+\d+\] |\d+\s+)?(\w+)\((.*)$")
 
-# The first call of each program's own code: the response ignores SIGPIPE before anything else.
-# What comes earlier is the dynamic loader's and the C++ library's start.
+# The first call of each program's own code, which ignores SIGPIPE first. Earlier calls belong to
+# the dynamic loader and the C++ library.
 MAIN_BEGINS = ("rt_sigaction", "SIGPIPE")
 
-# What a call can fail with on a board, as its manual page has it; EPERM and EACCES are also what a
-# security module says, EUCLEAN and EBADMSG what a file system of a damaged flash says.
+# The errors of each call that can occur on a board, from its manual page. EPERM and EACCES can also
+# come from a security module, EUCLEAN and EBADMSG from a file system on damaged flash.
 FILE = ("EIO", "EACCES", "ENOENT", "ENOMEM", "ENOTDIR", "EPERM", "EUCLEAN")
 OPEN = ("EIO", "EACCES", "ENOENT", "EMFILE", "ENFILE", "ENOMEM", "ENOSPC", "EROFS", "EINTR",
         "ENOTDIR", "EPERM", "EUCLEAN", "EBADMSG")
@@ -64,30 +64,30 @@ ERRORS = {
     "clone3": ("EAGAIN", "ENOMEM"),
     "mmap": ("ENOMEM", "EAGAIN", "EACCES"),
     "mprotect": ("ENOMEM", "EACCES"),
-    # The kernel reports this failure by another value than an error number.
+    # The kernel reports this failure by its return value, not by an error number.
     "brk": ("UNMOVED",),
     "execve": (),
     "exit_group": (),
     "exit": (),
     "rt_sigreturn": (),
     "restart_syscall": (),
-    # Failing, they would be a broken kernel and no broken board.
+    # A failure of these would mean a broken kernel.
     "futex": (),
     "gettid": (),
     "getpid": (),
     "geteuid": (),
     "umask": (),
 }
-# A filter of system calls says EPERM, a kernel without the call ENOSYS.
+# A system call filter returns EPERM; a kernel without the call returns ENOSYS.
 OTHER_ERRORS = ("ENOMEM", "EIO", "EPERM", "ENOSYS")
 
-# An interrupted call is made again. One that is interrupted for ever would be made for ever, so
-# the interruptions come in bursts.
+# An interrupted call is retried. A permanent interruption would be retried for ever, so this many
+# calls are interrupted instead.
 BURST = 10
 
 
 class TracedCall:
-    """A call that a program made: its name, and which of that name it was (from 1)."""
+    """A call of a program: its name, and its number among the calls of that name (from 1)."""
 
     def __init__(self, name, occurrence, inMain, line):
         self.name = name
@@ -97,7 +97,7 @@ class TracedCall:
 
 
 def readCalls(path):
-    """The calls in a log of one thread, in their order."""
+    """Returns the calls in a log of one thread, in order."""
     calls = []
     counts = {}
     inMain = False
@@ -114,16 +114,16 @@ def readCalls(path):
     return calls
 
 
-# That these are not there is no fault: a session is then one that has ended, and its files go; a
-# board without properties has no partitions; one without configurations begins with those of its
-# description.
+# Files that may be missing without a fault: a session without its file has ended, and its other
+# files are removed; a board without properties has no partitions; a board without configurations
+# starts with those of its description.
 MAY_BE_ABSENT = ("/var/lib/session/", "/var/run/board_properties", "/var/lib/board/configurations",
                  "/var/tmp/restored_eficonf", "/var/tmp/efi_backup", "/var/log/audit")
 
 
 def failures(call, calls):
-    """The strace expressions that make `call`, one of `calls`, fail: with each error that fits it,
-    once and from then on."""
+    """Returns the strace expressions that make `call`, one of `calls`, fail with each of its
+    possible errors, once and lasting."""
     later = [other for other in calls
              if other.name == call.name and other.occurrence > call.occurrence]
     return [failing(call.name, call.occurrence, error, lasting)
@@ -132,10 +132,10 @@ def failures(call, calls):
 
 
 def errorsOf(calls):
-    """The errors that fit all of `calls`, which have one name."""
+    """Returns the errors that are possible for all of `calls`, which have the same name."""
     errors = (ERRORS["fstat"] if ofOpenFile(calls[0])
               else ERRORS.get(calls[0].name, OTHER_ERRORS))
-    # Nor is a file absent that is open.
+    # An open file cannot be missing.
     if any(ofOpenFile(call) or any(path in call.line for path in MAY_BE_ABSENT)
            for call in calls):
         errors = tuple(error for error in errors if error != "ENOENT")
@@ -147,7 +147,7 @@ def ofOpenFile(call):
 
 
 def failing(name, occurrence, error, lasting):
-    """The strace expression that makes the call fail, once or from then on."""
+    """Returns the strace expression that makes the call fail, once or lasting."""
     when = str(occurrence)
     if lasting:
         when += f"..{occurrence + BURST - 1}" if error == "EINTR" else "+"
@@ -156,16 +156,16 @@ def failing(name, occurrence, error, lasting):
 
 
 def injecting(expression, log):
-    """The command in front of a program that injects `expression`; what it did is in `log`."""
+    """Returns the strace command that runs a program with `expression` injected; writes `log`."""
     name = expression.split(":")[0]
-    # With the filter a run takes half the time, but strace 6.1 then injects no signal.
+    # With the filter, a run takes half the time, but strace 6.1 then injects no signals.
     speed = [] if ":signal=" in expression else ["--seccomp-bpf"]
     return ["strace", "-f", *speed, "-qqq", "-o", log, "-e", f"trace={name}",
             "-e", f"inject={expression}"]
 
 
 def listing(log):
-    """The command in front of a program that logs every call."""
+    """Returns the strace command that runs a program and writes all its calls to `log`."""
     return ["strace", "-qqq", "-s", "200", "-o", log]
 
 

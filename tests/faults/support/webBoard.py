@@ -1,5 +1,5 @@
-"""A whole board behind its web server, started as anybody starts it; with FAULTS_TLS=1 in the
-environment it serves https."""
+"""A complete board with its web server, started by ./serve; with FAULTS_TLS=1 in the environment it
+serves https."""
 
 import http.client
 import os
@@ -17,7 +17,7 @@ COOKIE = "__Host-session" if TLS else "session"
 
 
 class WebBoard:
-    """Runs ./serve on a free port and a root of its own, from construction to remove()."""
+    """Runs ./serve on a free port with a new root, from construction to remove()."""
 
     def __init__(self, project, preset, openFiles=None):
         self.root = tempfile.mkdtemp(prefix="faults-web-")
@@ -45,7 +45,7 @@ class WebBoard:
         self.webServer = self.child("lighttpd")
 
     def child(self, name):
-        """The number of the process that ./serve has started under this name."""
+        """Returns the number of the process with this name that ./serve started."""
         with open(f"/proc/{self.process.pid}/task/{self.process.pid}/children",
                   encoding="ascii") as children:
             for pid in children.read().split():
@@ -66,7 +66,7 @@ class WebBoard:
 
 
 class Browser:
-    """One user's connection, kept open."""
+    """One user's client, with a persistent connection."""
 
     def __init__(self, board, timeout=60):
         address = {"host": "127.0.0.1", "port": board.port, "timeout": timeout}
@@ -75,7 +75,7 @@ class Browser:
         self.cookie = None
 
     def ask(self, method, target, body=None, kind="application/x-www-form-urlencoded"):
-        """(status, headers, body)"""
+        """Sends a request; returns (status, headers, body)."""
         headers = {"Content-Type": kind} if body is not None else {}
         if self.cookie:
             headers["Cookie"] = f"{COOKIE}={self.cookie}"
@@ -84,7 +84,7 @@ class Browser:
             response = self.connection.getresponse()
         except (http.client.RemoteDisconnected, BrokenPipeError, ConnectionResetError,
                 ssl.SSLEOFError):
-            # The server has ended a connection that was kept open for long.
+            # The server has closed the idle connection.
             self.connection.close()
             self.connection.request(method, target, body, headers)
             response = self.connection.getresponse()

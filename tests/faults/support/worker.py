@@ -1,4 +1,4 @@
-"""What the workers of the rows have in common: a scene, its judge, and a log of system calls."""
+"""The base of the rows' workers: a scene, its judge, and a log of system calls."""
 
 import os
 import tempfile
@@ -19,14 +19,14 @@ class RequestWorker:
         self.log = tempfile.mktemp(prefix="faults-log-")
 
     def begin(self, case):
-        """(the type, the request, what stood on the board before it)"""
+        """Prepares the case. Returns its request type, the request, and the files before it."""
         kind = REQUEST_TYPES[case["request"]]()
         request = kind.prepare(self.scene)
         return kind, request, self.judge.snapshot()
 
     @staticmethod
     def outcome(problems, run, met=True, tally=None, **more):
-        """Problems go with what is needed to understand them."""
+        """Returns the Outcome; if there are problems, with details to understand them."""
         return Outcome(problems, met, {"output": run.output, "errors": run.errors,
                                        "exitStatus": run.exitStatus, "signal": run.signal, **more}
                        if problems else {}, tally)

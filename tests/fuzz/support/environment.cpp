@@ -8,8 +8,8 @@
 namespace VeskLib::Fuzz {
 
 void setVariable(const char* name, const std::string& value) {
-    // setenv() keeps every value that it was ever given, and millions of runs give many. The
-    // environment points into the value here, which therefore leaves it before it changes.
+    // setenv() leaks memory over millions of runs, because it keeps every value. putenv() makes the
+    // environment point to `variable`, which must be unset before it changes.
     static auto& variables = *new std::map<std::string, std::string>;
     std::string& variable = variables[name];
     ::unsetenv(name);

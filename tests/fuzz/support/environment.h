@@ -4,11 +4,11 @@
 
 namespace VeskLib::Fuzz {
 
-// Gives the request an environment variable. A variable ends at a NUL, and so does `value`.
+// Sets an environment variable of the request. `value` is cut at the first NUL.
 void setVariable(const char* name, const std::string& value);
 
-// The board's root of this process: made with the first call, named by BOARD_ROOT from then on,
-// and removed when the process ends.
+// Makes sure that the process has a temporary board root: the first call creates it and sets
+// BOARD_ROOT. It is removed when the process ends.
 void useTemporaryRoot();
 
 }  // namespace VeskLib::Fuzz

@@ -22,10 +22,10 @@ std::string makeHeader(const FormPart& part) {
 
 std::string makeBoundary(const std::vector<FormPart>& parts) {
     std::size_t number = 0;
-    const auto holdsIt = [&number](const FormPart& part) {
+    const auto containsBoundary = [&number](const FormPart& part) {
         return part.content.find("again" + std::to_string(number)) != std::string::npos;
     };
-    while (std::any_of(parts.begin(), parts.end(), holdsIt)) {
+    while (std::any_of(parts.begin(), parts.end(), containsBoundary)) {
         ++number;
     }
     return "again" + std::to_string(number);

@@ -14,16 +14,16 @@ struct FormPart {
     bool operator==(const FormPart&) const = default;
 };
 
-// `text` between quotes, as a part's header holds it.
+// Returns `text` as a quoted string of a part's header.
 std::string quoted(const std::string& text);
 
-// A part's header lines, each with its line break in front.
+// Returns the header lines of a part, each preceded by its line break.
 std::string makeHeader(const FormPart& part);
 
-// A boundary that none of the contents holds.
+// Returns a boundary that does not occur in the contents.
 std::string makeBoundary(const std::vector<FormPart>& parts);
 
-// The body that holds `parts`.
+// Returns a multipart body that contains `parts`.
 std::string makeBody(const std::vector<FormPart>& parts, const std::string& boundary);
 
 }  // namespace VeskLib::Fuzz

@@ -1,4 +1,4 @@
-// Gives inputs to a fuzz target where there is no fuzzer: the seeds, and what once failed.
+// Runs a fuzz target on given inputs, in builds without the fuzzer.
 //
 // Usage: fuzz_TARGET FILE|FOLDER...
 
@@ -35,7 +35,7 @@ bool replay(const fs::path& path) {
         std::cerr << path.string() << " cannot be read\n";
         return false;
     }
-    // A copy of exactly the input's size, so that a read behind its end is seen.
+    // A copy of exactly the input's size, so that a read past its end is detected.
     const std::vector<std::uint8_t> bytes(input.begin(), input.end());
     LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
     return true;
@@ -47,7 +47,7 @@ int main(int argumentCount, char** arguments) {
     std::size_t count = 0;
     for (int i = 1; i < argumentCount; ++i) {
         if (!fs::exists(arguments[i])) {
-            continue;  // no input of this target has failed yet
+            continue;  // a target without regressions
         }
         for (const fs::path& file : listFiles(arguments[i])) {
             if (!replay(file)) {

@@ -7,7 +7,7 @@ namespace VeskLib::Fuzz {
 
 void require(bool holds, const char* property) {
     if (!holds) {
-        std::fprintf(stderr, "This does not hold: %s\n", property);
+        std::fprintf(stderr, "Property violated: %s\n", property);
         std::abort();
     }
 }

@@ -2,8 +2,8 @@
 
 namespace VeskLib::Fuzz {
 
-// A property that holds whatever the input is. Where it does not, `property` is printed and the
-// process is aborted, which a fuzzer takes for a finding.
+// Checks a property that must hold for every input. If `holds` is false, prints `property` and
+// aborts the process, which a fuzzer reports as a finding.
 void require(bool holds, const char* property);
 
 }  // namespace VeskLib::Fuzz

@@ -6,14 +6,14 @@
 
 namespace VeskLib::Fuzz {
 
-// The object's wire form. Requires that it is as long as the object says.
+// Returns the object's wire form. Requires that its length is getSerializedSize().
 std::vector<unsigned char> serialized(const VeskUi::SerializableObject& object);
 
-// Requires that the object's wire form, given to `empty`, is accepted and written again as it was.
+// Requires that `empty` accepts the object's wire form and writes the same bytes again.
 void requireRoundTrip(const VeskUi::SerializableObject& object, VeskUi::SerializableObject& empty);
 
-// Gives these bytes to the object, and requires that it holds exactly them, or what it held. What
-// the object throws passes through.
+// Passes the bytes to setSerialized(), and requires that the object then serializes to them, or to
+// its former bytes if it rejected them. Exceptions of the object propagate.
 void take(VeskUi::SerializableObject& object, const std::vector<unsigned char>& bytes);
 
 }  // namespace VeskLib::Fuzz

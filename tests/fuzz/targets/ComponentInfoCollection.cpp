@@ -1,5 +1,5 @@
-// The counted list of arrays. An element that does not understand its bytes stays empty, so what
-// is written is not always what was read; but it is read and written again as it is.
+// The counted list of arrays. An element that rejects its bytes stays empty, so the written bytes
+// may differ from those read. The written bytes survive a round trip unchanged.
 
 #include "data/ComponentInfoCollection.h"
 #include "data/PrimitiveTypeArray.h"
@@ -19,17 +19,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     try {
         taken = collection.setSerialized(bytes.data(), static_cast<unsigned int>(size));
     } catch (const PException&) {
-        Fuzz::require(2 * collection.elements.size() <= size, "every element had its length");
+        Fuzz::require(2 * collection.elements.size() <= size,
+                      "every element was preceded by its length");
     }
-    std::size_t held = 0;
+    std::size_t total = 0;
     for (const auto& element : collection.elements) {
-        Fuzz::require(element != nullptr, "there is no element that is none");
-        held += element->records.size();
+        Fuzz::require(element != nullptr, "no element is null");
+        total += element->records.size();
     }
-    Fuzz::require(held <= size, "the elements hold no more than the bytes that came");
+    Fuzz::require(total <= size, "the elements contain no more bytes than the input");
     if (taken) {
         Fuzz::require(collection.elements.size() == std::size_t{bytes[0]} * 256 + bytes[1],
-                      "there are as many elements as announced");
+                      "the number of elements is the announced one");
     }
     Collection again;
     Fuzz::requireRoundTrip(collection, again);

@@ -1,4 +1,4 @@
-// The packet of the installed boards. It is either taken exactly as it came, or not at all.
+// The packet of the installed boards. It is either accepted unchanged or rejected.
 
 #include "data/HardInstallInfoPacket.h"
 #include "tests/fuzz/support/input.h"
@@ -12,13 +12,13 @@ using VeskUi::HardInstallInfoPacket;
 
 namespace {
 
-// No number is out of a query's reach.
+// Queries accept any number.
 void query(const HardInstallInfoPacket& packet) {
     for (const int number : {-1, 0, 15, 16, 0x7FFFFFFF}) {
         for (const int kind : {-1, 0, 1, 2, 3}) {
             const bool installed = packet.isInstalled(kind, number);
             Fuzz::require(!installed || (kind >= 0 && kind <= 2 && number >= 0),
-                          "only a board that there can be is installed");
+                          "only boards of known kinds and valid numbers are installed");
             packet.isHome(kind, number, 0);
         }
     }
@@ -32,8 +32,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     try {
         Fuzz::take(packet, Fuzz::bytesOf(data, size));
     } catch (const PException&) {
-        // A member that is malformed throws.
-        Fuzz::require(Fuzz::serialized(packet) == former, "what throws changes nothing");
+        // A malformed member throws.
+        Fuzz::require(Fuzz::serialized(packet) == former,
+                      "an exception leaves the packet unchanged");
     }
     query(packet);
     return 0;

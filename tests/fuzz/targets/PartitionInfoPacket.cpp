@@ -1,4 +1,4 @@
-// The packet of the partitions. It is either taken exactly as it came, or not at all.
+// The packet of the partitions. It is either accepted unchanged or rejected.
 
 #include "tests/fuzz/support/input.h"
 #include "tests/fuzz/support/require.h"
@@ -11,7 +11,7 @@ using VeskUi::PartitionInfoPacket;
 
 namespace {
 
-// No number is out of a query's reach.
+// Queries accept any number.
 void query(const PartitionInfoPacket& packet) {
     for (const int number : {-1, 0, 1, 255, 65536, 0x7FFFFFFF}) {
         std::vector<unsigned char> ids = {1, 2, 3};

@@ -1,4 +1,4 @@
-// The counted arrays, of every record type that there is, on the same bytes.
+// The counted arrays of every record type, each given the same bytes.
 
 #include "data/PrimitiveTypeArray.h"
 #include "data/HardInstallInfoPacket.h"
@@ -18,13 +18,13 @@ void check(const std::vector<unsigned char>& bytes) {
     VeskUi::PrimitiveTypeArray<Record> array;
     const auto size = static_cast<unsigned int>(bytes.size());
     if (!array.setSerialized(bytes.data(), size)) {
-        Fuzz::require(array.records.empty(), "a refused array stays empty");
+        Fuzz::require(array.records.empty(), "a rejected array stays empty");
         return;
     }
     const std::vector<unsigned char> written = Fuzz::serialized(array);
     Fuzz::require(
         written.size() <= bytes.size() && std::equal(written.begin(), written.end(), bytes.begin()),
-        "the bytes that were understood are written as they were");
+        "the bytes that were read are written unchanged");
     VeskUi::PrimitiveTypeArray<Record> again;
     Fuzz::requireRoundTrip(array, again);
 

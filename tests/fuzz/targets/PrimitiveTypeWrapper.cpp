@@ -1,4 +1,4 @@
-// The one 32-bit number on the wire. The caller of the wrapper guarantees four readable bytes.
+// The 32-bit number on the wire. The caller guarantees four readable bytes.
 
 #include "data/PrimitiveTypeWrapper.h"
 #include "tests/fuzz/support/input.h"
@@ -14,13 +14,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     VeskUi::PrimitiveTypeWrapper<unsigned int> object(former);
     const bool taken = object.setSerialized(padded.data(), static_cast<unsigned int>(size));
-    Fuzz::require(taken == (size <= 4), "no more than four bytes are a number");
+    Fuzz::require(taken == (size <= 4), "sizes up to four bytes are accepted");
     if (!taken) {
-        Fuzz::require(object.value == former, "a refused number leaves the former one");
+        Fuzz::require(object.value == former, "a rejected number leaves the value unchanged");
         return 0;
     }
     padded.resize(4);
-    Fuzz::require(Fuzz::serialized(object) == padded, "the number is that of the first four bytes");
+    Fuzz::require(Fuzz::serialized(object) == padded,
+                  "the number consists of the first four bytes");
     VeskUi::PrimitiveTypeWrapper<unsigned int> again;
     Fuzz::requireRoundTrip(object, again);
     return 0;

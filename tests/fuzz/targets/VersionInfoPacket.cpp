@@ -1,4 +1,4 @@
-// The packet of the firmware versions. It is either taken exactly as it came, or not at all.
+// The packet of the firmware versions. It is either accepted unchanged or rejected.
 
 #include "tests/fuzz/support/input.h"
 #include "tests/fuzz/support/require.h"
@@ -11,13 +11,13 @@ using VeskUi::VersionInfoPacket;
 
 namespace {
 
-// No number is out of a query's reach.
+// Queries accept any number.
 void query(const VersionInfoPacket& packet) {
     for (const int number : {-1, 0, 1, 15, 65536, 0x7FFFFFFF}) {
         for (const int bank : {-1, 0, 1}) {
             const std::string version = packet.getBIOSVersion(number, bank);
             Fuzz::require((number >= 0 && bank == 0) || version == "-",
-                          "an unknown version is called so");
+                          "an unknown version is \"-\"");
         }
     }
 }

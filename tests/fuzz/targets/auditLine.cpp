@@ -1,4 +1,4 @@
-// A line of the audit log, as the pages read it back.
+// A line of the audit log, as the pages read it.
 
 #include "platform/host/audit/AuditHistory.h"
 #include "tests/fuzz/support/require.h"
@@ -9,7 +9,7 @@ using namespace VeskLib;
 
 namespace {
 
-const std::size_t LARGEST_INPUT = 16 * 1024;  // its line, written again, is not too long
+const std::size_t LARGEST_INPUT = 16 * 1024;  // so that its line fits when it is written again
 
 bool areSame(const Host::AuditEvent& one, const Host::AuditEvent& other) {
     const auto file = [](const Host::AuditEvent& event) {
@@ -32,7 +32,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string_view line(reinterpret_cast<const char*>(data), size);
     if (!decode(line, record)) {
         Fuzz::require(record.time == 77 && record.event.user == "former",
-                      "a refused line changes nothing");
+                      "a rejected line changes nothing");
         return 0;
     }
     Fuzz::require(!record.event.event.empty(), "a line names its event");
@@ -40,9 +40,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         Host::AuditRecord again;
         const auto time = std::chrono::system_clock::from_time_t(record.time);
         Fuzz::require(decode(encode(record.event, time, "board"), again),
-                      "a line that was written again is taken");
+                      "a line that was written again is accepted");
         Fuzz::require(again.time == record.time && areSame(again.event, record.event),
-                      "it is the same");
+                      "it has the same values");
     }
     return 0;
 }

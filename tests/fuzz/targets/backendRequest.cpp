@@ -1,5 +1,5 @@
-// A request frame as the back-end answers it, on a small board with one user. An input is the
-// frame without the length in front.
+// A request frame, answered by the back-end of a small board with one user. An input is the frame
+// without its length prefix.
 
 #include "board/backend/BoardService.h"
 #include "data/HardInstallInfoPacket.h"
@@ -25,13 +25,12 @@ namespace {
 
 Board::BoardDescription makeBoard() {
     Board::BoardDescription description = Test::makeSampleBoard();
-    // Of the password "secret", by a method that takes little time.
+    // The hash of "secret", by a method that is cheap to compute.
     description.users.push_back({"admin", "abNANd1rDfiNc", {true, ""}});
     return description;
 }
 
-// The back-end, with everything that it needs. It logs each refusal, which nobody wants to see
-// here.
+// The back-end with everything that it needs. Its log of refusals is discarded.
 struct Backend {
     Backend() { service.end(); }  // no login waits
 
@@ -51,7 +50,7 @@ struct Backend {
     int hidden = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
 };
 
-// Whether the order would end the process.
+// Returns true if the order would end the process.
 bool isDeadly(const Host::RequestFrame& request) {
     const std::string order(request.payload.begin(), request.payload.end());
     return request.kind == RequestKind::CONTROL && order.find("die") != std::string::npos;
@@ -63,7 +62,7 @@ bool isExactly(const Bytes& payload) {
     return packet.setSerialized(payload.data(), static_cast<unsigned int>(payload.size()));
 }
 
-// Whether the client understands what it is answered.
+// Returns true if the client can parse the answer.
 bool isUsable(const Host::RequestFrame& request, const Bytes& payload) {
     Host::LoginAnswer answer;
     switch (request.kind) {
@@ -95,10 +94,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     const Host::ReplyFrame reply = backend.answer(request);
     if (reply.errorCode != 0) {
-        Fuzz::require(reply.errorCode >= 1000 && reply.errorCode < 2000, "a refusal has its code");
-        Fuzz::require(reply.payload.empty(), "a refusal carries nothing");
+        Fuzz::require(reply.errorCode >= 1000 && reply.errorCode < 2000, "a refusal has a code");
+        Fuzz::require(reply.payload.empty(), "a refusal has no payload");
     } else {
-        Fuzz::require(isUsable(request, reply.payload), "the client understands the answer");
+        Fuzz::require(isUsable(request, reply.payload), "the client can parse the answer");
     }
     Fuzz::require(encode(reply).size() <= Host::LARGEST_FRAME, "an answer fits into a frame");
     backend.switches.reset();

@@ -1,4 +1,4 @@
-// The description of a board, as the back-end reads it when it starts.
+// The description of a board, which the back-end reads at startup.
 
 #include "board/backend/BoardDescription.h"
 #include "tests/fuzz/support/input.h"
@@ -16,19 +16,20 @@ using namespace VeskLib;
 
 namespace {
 
-// The path of a file that holds these bytes.
+// Returns the path of a file with this content.
 const std::string& pathOf(const std::string& content) {
     static const int MEMORY = ::memfd_create("board", 0);
     static const std::string PATH = "/proc/self/fd/" + std::to_string(MEMORY);
     Fuzz::require(::fchmod(MEMORY, 0600) == 0 && ::ftruncate(MEMORY, 0) == 0 &&
                       ::pwrite(MEMORY, content.data(), content.size(), 0) ==
                           static_cast<ssize_t>(content.size()),
-                  "the description can be given");
+                  "the file of the description can be written");
     return PATH;
 }
 
 void requireLimits(const Board::PartitionDescription& partition) {
-    Fuzz::require(partition.name.size() <= Host::LARGEST_PARTITION_NAME, "a name keeps its limit");
+    Fuzz::require(partition.name.size() <= Host::LARGEST_PARTITION_NAME,
+                  "a name is within its limit");
     Fuzz::require(partition.initialPayload.size() < Host::LARGEST_CONFIGURATION_FILE,
                   "a configuration fits into a file");
     Fuzz::require(partition.installed || partition.initialPayload.empty(),
@@ -40,13 +41,13 @@ void requireLimits(const Board::BoardDescription& description) {
     for (const Board::PartitionDescription& partition : description.partitions) {
         requireLimits(partition);
         Fuzz::require(description.biosVersionOf(partition).size() <= Host::LARGEST_VERSION,
-                      "a version keeps its limit");
+                      "a version is within its limit");
     }
     for (const Board::User& user : description.users) {
         Fuzz::require(!user.name.empty() && user.passwordHash.starts_with('$'),
                       "a user has a name and the hash of a password");
         Fuzz::require(user.rights.functions.find('\n') == std::string::npos,
-                      "functions are one line");
+                      "the functions are one line");
     }
 }
 

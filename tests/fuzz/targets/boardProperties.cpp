@@ -1,4 +1,4 @@
-// The file in which the back-end tells every process of the board its properties.
+// The file in which the back-end publishes the board's properties.
 
 #include "platform/host/channel/BoardProperties.h"
 #include "tests/fuzz/support/input.h"
@@ -12,13 +12,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (!decode(Fuzz::bytesOf(data, size), properties)) {
         Fuzz::require(
             properties.maxPartitions == former.maxPartitions && properties.hosts == former.hosts,
-            "refused properties change nothing");
+            "rejected properties change nothing");
         return 0;
     }
     Host::BoardProperties again;
-    Fuzz::require(decode(encode(properties), again), "properties that were written are taken");
+    Fuzz::require(decode(encode(properties), again), "properties that were written are accepted");
     Fuzz::require(
         again.maxPartitions == properties.maxPartitions && again.hosts == properties.hosts,
-        "they are the same");
+        "they have the same values");
     return 0;
 }

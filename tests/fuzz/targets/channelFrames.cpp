@@ -1,5 +1,5 @@
-// What comes over a connection of the back-end channel, seen from both of its ends. An input is
-// everything that the other end sends before it goes away.
+// The bytes received over a connection of the back-end channel, by either end. An input is
+// everything that the peer sends before it closes the connection.
 
 #include "platform/host/channel/Frame.h"
 #include "platform/host/channel/FrameStream.h"
@@ -17,18 +17,18 @@ using Bytes = std::vector<unsigned char>;
 
 namespace {
 
-// What a connection's buffer takes without anybody reading.
+// Fits into a socket's buffer, so that sending does not block.
 const std::size_t LARGEST_INPUT = 100000;
 const std::size_t LENGTH_SIZE = 4;
 const int NO_DEADLINE = 60000;
 
-// The other end of a connection over which `bytes` came.
+// Returns a connection whose peer has sent `bytes` and closed its end.
 int openConnection(const Bytes& bytes) {
     int ends[2] = {};
-    Fuzz::require(::socketpair(AF_UNIX, SOCK_STREAM, 0, ends) == 0, "there is a connection");
+    Fuzz::require(::socketpair(AF_UNIX, SOCK_STREAM, 0, ends) == 0, "a connection can be made");
     Fuzz::require(::send(ends[0], bytes.data(), bytes.size(), MSG_NOSIGNAL) ==
                       static_cast<ssize_t>(bytes.size()),
-                  "the connection takes the input");
+                  "the input fits into the socket's buffer");
     ::close(ends[0]);
     return ends[1];
 }
@@ -37,24 +37,25 @@ template <typename Frame>
 void checkFrame(const Bytes& bytes) {
     Frame frame;
     if (decode(bytes, frame)) {
-        Fuzz::require(encode(frame) == bytes, "a frame that was taken is written as it came");
+        Fuzz::require(encode(frame) == bytes, "an accepted frame is written unchanged");
     } else {
-        Fuzz::require(frame.payload.empty(), "a refused frame changes nothing");
+        Fuzz::require(frame.payload.empty(), "a rejected frame changes nothing");
     }
 }
 
-// What a refusal says beside its code.
+// Checks the details in a refusal's payload.
 void checkDetails(const Bytes& bytes) {
     Host::ReplyFrame reply;
     Host::RefusalDetails details;
     if (decode(bytes, reply) && decode(reply.payload, details)) {
-        Fuzz::require(encode(details) == reply.payload, "details are written as they came");
+        Fuzz::require(encode(details) == reply.payload, "details are written unchanged");
     } else {
-        Fuzz::require(details.partitions.empty(), "refused details change nothing");
+        Fuzz::require(details.partitions.empty(), "rejected details change nothing");
     }
 }
 
-// The result and, when it is DONE, the frame that stands at the start of `rest`, which is taken.
+// Returns the expected result of receiving from `rest`. If it is DONE, removes the frame from
+// `rest` and sets `frame`.
 Host::StreamResult takeFrame(std::span<const unsigned char>& rest, Bytes& frame) {
     if (rest.size() < LENGTH_SIZE) {
         return rest.empty() ? Host::StreamResult::CLOSED : Host::StreamResult::BROKEN;
@@ -87,14 +88,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         Bytes expected;
         Bytes received;
         result = Host::receiveFrame(connection, received, Host::Deadline(NO_DEADLINE));
-        Fuzz::require(result == takeFrame(rest, expected), "a connection ends as it should");
-        Fuzz::require(received == expected, "a frame is what was sent, or none");
+        Fuzz::require(result == takeFrame(rest, expected),
+                      "the result of receiving is as expected");
+        Fuzz::require(received == expected, "a received frame is the one that was sent");
         if (result == Host::StreamResult::DONE) {
             checkFrame<Host::RequestFrame>(received);
             checkFrame<Host::ReplyFrame>(received);
             checkDetails(received);
             Fuzz::require(Host::withLength(received).size() == LENGTH_SIZE + received.size(),
-                          "a frame has its length in front");
+                          "withLength() prepends the length");
         }
     }
     ::close(connection);

@@ -1,5 +1,5 @@
-// A file that a board sends, as it is and with a checksum that fits; and netrc, and the names in a
-// folder of backups.
+// A file from a board, as it is and with a matching checksum appended; the file netrc; and file
+// names in a folder of backups.
 
 #include "client/Failure.h"
 #include "client/board/checkDownload.h"
@@ -19,10 +19,11 @@ void check(const Bytes& bytes) {
     partition.version = "1.23 B";
     try {
         const Host::ConfigurationFile file = checkDownload(bytes, partition);
-        Fuzz::require(file.partition == partition.number, "the file is of the partition");
-        Fuzz::require(encode(file) == bytes, "what is stored is what came");
+        Fuzz::require(file.partition == partition.number, "the file belongs to the partition");
+        Fuzz::require(encode(file) == bytes, "the file is stored unchanged");
     } catch (const Failure& failure) {
-        Fuzz::require(failure.exitCode() == ExitCode::UNREACHABLE, "a board sends no such file");
+        Fuzz::require(failure.exitCode() == ExitCode::UNREACHABLE,
+                      "an unusable file is reported as UNREACHABLE");
     }
 }
 
@@ -39,7 +40,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     if (const std::optional<BackupName> name = BackupName::parse(text)) {
         Fuzz::require(name->name == text && text.find('/') == std::string::npos,
-                      "a backup is a name in its folder");
+                      "a backup's name has no path");
     }
     return 0;
 }

@@ -1,4 +1,4 @@
-// The header lines and the body of an answer, as efictl takes them in whatever pieces they come.
+// The header lines and the body of an answer, as efictl receives them.
 
 #include "client/http/Answer.h"
 #include "tests/fuzz/support/require.h"
@@ -22,7 +22,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     while (start < text.size()) {
         const std::size_t end = std::min(text.find('\n', start), text.size() - 1) + 1;
         if (!answer.takeHeader(text.substr(start, end - start))) {
-            Fuzz::require(answer.isTooLarge(), "a header line is only refused for its size");
+            Fuzz::require(answer.isTooLarge(), "a header line is rejected only for its size");
             return 0;
         }
         start = end;
@@ -30,9 +30,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string& value = response.contentType;
     Fuzz::require(value.find('\n') == std::string::npos, "a value is one line");
     Fuzz::require(value.empty() || (value.front() != ' ' && value.back() != ' '),
-                  "without space around it");
+                  "a value has no space around it");
     const bool isWhole = answer.takeBody(text) && answer.takeBody(text);
-    Fuzz::require(isWhole == (2 * size <= LIMIT), "a body is limited");
-    Fuzz::require(response.body.size() <= LIMIT, "the body stays within the limit");
+    Fuzz::require(isWhole == (2 * size <= LIMIT), "a body is accepted up to the limit");
+    Fuzz::require(response.body.size() <= LIMIT, "the stored body is within the limit");
     return 0;
 }

@@ -1,4 +1,4 @@
-// A page of a board, as efictl reads it; and what it prints of it.
+// A page of a board, as efictl parses it, and the texts that efictl prints from it.
 
 #include "client/Failure.h"
 #include "client/page/BoardPage.h"
@@ -14,7 +14,8 @@ namespace {
 
 const std::size_t SHORT = 1024;
 
-// Of small inputs only the first bytes are printed as they are: all would take half of the time.
+// Only the first bytes of a small input are also checked as a plain text, because checking all of
+// it would take half of the time.
 const std::size_t SMALL = 256;
 const std::size_t SAMPLE = 32;
 
@@ -25,13 +26,13 @@ void requireHarmless(const std::string& text) {
                                    const auto byte = static_cast<unsigned char>(character);
                                    return byte < 0x20 || byte == 0x7F;
                                }),
-                  "nothing controls the terminal");
+                  "a printed text contains no control characters");
     Fuzz::require(
         shown.find("\u009b") == std::string::npos && shown.find("\u202e") == std::string::npos,
-        "nothing turns its text");
-    // One that is longer is cut, and then has a mark of that at its end.
+        "a printed text contains no C1 control and no direction override");
+    // A longer text is cut, and a mark is appended.
     Fuzz::require(text.size() > SHORT || forTerminal(shown) == shown,
-                  "what is fit for a terminal stays as it is");
+                  "a text that was made printable does not change again");
 }
 
 }  // namespace
@@ -43,11 +44,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     try {
         page = readBoardPage(text);
     } catch (const Failure& failure) {
-        Fuzz::require(failure.exitCode() == ExitCode::UNREACHABLE, "no board has such a page");
+        Fuzz::require(failure.exitCode() == ExitCode::UNREACHABLE,
+                      "an unusable page is reported as UNREACHABLE");
         return 0;
     }
     Fuzz::require(page.notice() == nullptr || !page.notices.empty(),
-                  "a notice is one of the page's");
+                  "notice() is one of the page's notices");
     requireHarmless(page.title);
     requireHarmless(page.boardName);
     for (const PartitionRow& partition : page.partitions) {
@@ -56,7 +58,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (const Notice& notice : page.notices) {
         requireHarmless(notice.text);
         Fuzz::require(notice.message >= 0 && notice.message <= 0xFFFF && notice.code >= 0,
-                      "numbers are numbers");
+                      "message numbers and codes are in range");
     }
     return 0;
 }

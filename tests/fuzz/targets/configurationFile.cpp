@@ -1,5 +1,5 @@
-// The configuration file: as it is, and with the checksum that makes it pass for undamaged, or
-// else no fuzzer would come behind that.
+// The configuration file: as it is, and with a matching checksum appended, because otherwise the
+// fuzzer would never get past the checksum.
 
 #include "platform/host/storage/ConfigurationFile.h"
 #include "tests/fuzz/support/input.h"
@@ -14,14 +14,14 @@ void check(const std::vector<unsigned char>& bytes) {
     file.saveTime = 77;
     if (!decode(bytes, file)) {
         Fuzz::require(file.saveTime == 77 && file.version.empty() && file.payload.empty(),
-                      "a refused file changes nothing");
+                      "a rejected file changes nothing");
         return;
     }
     Fuzz::require(bytes.size() <= Host::LARGEST_CONFIGURATION_FILE &&
                       file.version.size() <= Host::LARGEST_VERSION &&
                       file.partitionName.size() <= Host::LARGEST_PARTITION_NAME,
-                  "a file that was taken keeps the limits");
-    Fuzz::require(encode(file) == bytes, "what was taken is written as it came");
+                  "an accepted file is within the limits");
+    Fuzz::require(encode(file) == bytes, "an accepted file is written unchanged");
 }
 
 }  // namespace

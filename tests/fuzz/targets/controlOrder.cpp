@@ -1,4 +1,4 @@
-// The orders of boardctl, one a line.
+// The orders of boardctl, one per line.
 
 #include "board/backend/controlOrder.h"
 #include "tests/fuzz/support/input.h"
@@ -19,19 +19,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string input = Fuzz::textOf(data, size);
     std::string_view rest = input;
     Board::FaultSwitches switches;
-    std::string told;  // what was on after the last order
+    std::string active;  // the answer to the last order
     for (std::size_t count = 1; !rest.empty() && count <= MOST_ORDERS; ++count) {
         const std::string order = Fuzz::takeLine(rest);
         if (order.find("die") != std::string::npos) {
             continue;  // would end the process
         }
         try {
-            told = Board::carryOutOrder(order, switches);
-            Fuzz::require(told == switches.describe(), "an order answers what is on");
-            Fuzz::require(told.size() <= count * LONGEST_DESCRIPTION,
-                          "what is on is told in a few words");
+            active = Board::carryOutOrder(order, switches);
+            Fuzz::require(active == switches.describe(), "an order returns the active faults");
+            Fuzz::require(active.size() <= count * LONGEST_DESCRIPTION, "the answer is short");
         } catch (const std::invalid_argument&) {
-            Fuzz::require(switches.describe() == told, "a refused order changes nothing");
+            Fuzz::require(switches.describe() == active, "a rejected order changes nothing");
         }
     }
     switches.reset();

@@ -1,5 +1,5 @@
 // The cookies of a request, and the session that they name. "IDENTIFIER" and "TOKEN" in an input
-// stand for those of a session that there is.
+// are replaced by those of an existing session.
 
 #include "platform/host/base/Environment.h"
 #include "platform/host/session/Session.h"
@@ -27,21 +27,21 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Fuzz::setVariable("HTTP_COOKIE", header);
 
     const std::string value = Host::readCookie("session");
-    Fuzz::require(header.find(value) != std::string::npos, "a cookie is what the browser sent");
-    Fuzz::require(value.find(';') == std::string::npos, "a cookie ends where the next begins");
+    Fuzz::require(header.find(value) != std::string::npos, "a cookie is part of the header");
+    Fuzz::require(value.find(';') == std::string::npos, "a cookie ends before the next one");
 
     const std::string identifier = Host::identifierOf(value);
     Fuzz::require(identifier.empty() || (Host::isSessionIdentifier(identifier) &&
                                          value.starts_with(identifier + "-")),
-                  "an identifier has its shape, or there is none");
+                  "an identifier is well-formed or empty");
 
     Host::Session found;
     const bool isLogin = Host::findSession(value, found);
     Fuzz::require(isLogin == (value == living.cookieValue()),
-                  "only the whole cookie of a living session is a login");
+                  "only the complete cookie of an existing session is a login");
     Fuzz::require(isLogin ? found.user == "operator" : found.user.empty(),
-                  "a login is its own user's");
+                  "a login is that of its user");
     Fuzz::require(Host::findSession(living.cookieValue(), found),
-                  "no cookie ends a session whose token it does not know");
+                  "a cookie without the token does not end a session");
     return 0;
 }

@@ -1,4 +1,4 @@
-// The name under which a backup is saved, and the header that carries it.
+// The file name of a downloaded backup, and the header that contains it.
 
 #include "board/web/DownloadName.h"
 #include "board/web/utf8.h"
@@ -16,7 +16,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (!name) {
         return 0;
     }
-    Fuzz::require(text.ends_with(".dat") && Board::isPrintableUTF8(text), "a name is a name");
+    Fuzz::require(text.ends_with(".dat") && Board::isPrintableUTF8(text),
+                  "a name is printable and ends with .dat");
     name->fits(Host::ConfigurationFile());
 
     const std::string header = name->contentDisposition();
@@ -25,7 +26,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                               [](char character) { return character >= 0x20 && character < 0x7F; }),
                   "a header is one line of ASCII");
     const std::string fileName = header.substr(0, header.find(';', header.find("\";")));
-    Fuzz::require(fileName.find_first_of("/\\'") == std::string::npos, "a name is no path");
+    Fuzz::require(fileName.find_first_of("/\\'") == std::string::npos, "a name contains no path");
     Fuzz::require(std::count(header.begin(), header.end(), '"') == 2, "a name is quoted once");
     return 0;
 }

@@ -1,4 +1,4 @@
-// The escaping of texts for markup and for scripts, and messages printed as paragraphs.
+// Escaping texts for markup and scripts, and printing messages as paragraphs.
 
 #include "platform/host/html/escape.h"
 
@@ -18,7 +18,7 @@ namespace {
 const std::array<std::pair<const char*, const char*>, 5> REFERENCES = {
     {{"&lt;", "<"}, {"&gt;", ">"}, {"&quot;", "\""}, {"&#39;", "'"}, {"&amp;", "&"}}};
 
-// What a browser makes of escaped markup.
+// Returns the text that a browser shows for escaped markup.
 std::string readMarkup(std::string text) {
     for (const auto& [reference, character] : REFERENCES) {
         text = Fuzz::replaceAll(text, reference, character);
@@ -26,14 +26,14 @@ std::string readMarkup(std::string text) {
     return text;
 }
 
-// What a browser makes of the inside of a script string.
+// Returns the value of a script string with this content.
 std::string readScript(const std::string& text) {
     std::string plain;
     for (std::size_t i = 0; i < text.size(); ++i) {
         if (text[i] != '\\') {
             plain += text[i];
         } else {
-            Fuzz::require(text[i + 1] == 'x', "there is one kind of escapes");
+            Fuzz::require(text[i + 1] == 'x', "every escape is \\xHH");
             plain += static_cast<char>(std::stoi(text.substr(i + 2, 2), nullptr, 16));
             i += 3;
         }
@@ -46,7 +46,7 @@ bool isControl(char character) {
     return (byte < 0x20 && byte != '\t') || byte == 0x7F;
 }
 
-bool holdsControl(const std::string& text) {
+bool containsControl(const std::string& text) {
     for (const char character : text) {
         if (isControl(character)) {
             return true;
@@ -55,7 +55,8 @@ bool holdsControl(const std::string& text) {
     return false;
 }
 
-// `size` is how many bytes it was written with: a browser does not take more than it needs.
+// Returns true if browsers do not show the character. `size` is the length of its UTF-8 encoding;
+// browsers reject an encoding that is longer than necessary.
 bool isHidden(std::uint32_t character, std::size_t size) {
     const std::uint32_t least[] = {0, 0, 0x80, 0x800, 0x10000};
     static const std::pair<std::uint32_t, std::uint32_t> HIDDEN[] = {
@@ -67,7 +68,7 @@ bool isHidden(std::uint32_t character, std::size_t size) {
            });
 }
 
-// The text as it must be seen: something in place of each character that is hidden.
+// Returns the text with a visible replacement for each hidden character.
 std::string makeVisible(const std::string& text) {
     std::string visible;
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -98,18 +99,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string text = Fuzz::textOf(data, size);
     const std::string visible = makeVisible(text);
     const std::string markup = Host::escapeHTML(text);
-    Fuzz::require(markup.find_first_of("<>\"'") == std::string::npos && !holdsControl(markup),
-                  "a text stays a text");
+    Fuzz::require(markup.find_first_of("<>\"'") == std::string::npos && !containsControl(markup),
+                  "escaped markup contains no markup and no control characters");
     Fuzz::require(readMarkup(markup) == visible, "a browser shows the text");
 
     const std::string script = Host::escapeScript(text);
-    Fuzz::require(script.find_first_of("<>\"'`$&") == std::string::npos && !holdsControl(script),
-                  "a text stays within its script string");
-    Fuzz::require(readScript(script) == visible, "a script sees the text");
+    Fuzz::require(script.find_first_of("<>\"'`$&") == std::string::npos && !containsControl(script),
+                  "an escaped text cannot end its script string");
+    Fuzz::require(readScript(script) == visible, "a script string has the value of the text");
 
     const std::string paragraphs = Test::printedBy([&text] { Host::printMessage(text); });
     const std::string inner = Fuzz::replaceAll(Fuzz::replaceAll(paragraphs, "<p>", ""), "</p>", "");
     Fuzz::require(inner.find_first_of("<>\"'") == std::string::npos,
-                  "a message brings no markup but its paragraphs");
+                  "a message contains no markup except paragraphs");
     return 0;
 }

@@ -1,6 +1,6 @@
-// A whole request as the program sees it, with its body on standard input. The first three lines
-// of an input are the content type, the announced length ("LENGTH" for that of the body) and the
-// query string; the rest is the body.
+// A complete request to the program, with its body on standard input. The first three lines of an
+// input are the content type, the announced length ("LENGTH" is replaced by that of the body) and
+// the query string; the rest is the body.
 
 #include <VeskLib/Gui/FormInfo.h>
 
@@ -20,7 +20,7 @@ namespace FormLimits = Host::FormLimits;
 
 namespace {
 
-// Makes `body` what standard input holds.
+// Makes `body` the content of standard input.
 void setInput(std::string_view body) {
     static const int MEMORY = ::memfd_create("body", 0);
     static const bool INSTALLED = ::dup2(MEMORY, STDIN_FILENO) == STDIN_FILENO;
@@ -28,7 +28,7 @@ void setInput(std::string_view body) {
         INSTALLED && ::ftruncate(MEMORY, 0) == 0 &&
             ::pwrite(MEMORY, body.data(), body.size(), 0) == static_cast<ssize_t>(body.size()) &&
             ::lseek(MEMORY, 0, SEEK_SET) == 0,
-        "the input can be given");
+        "standard input can be set");
 }
 
 void requireNothing(const Gui::FormInfo& form) {
@@ -36,13 +36,13 @@ void requireNothing(const Gui::FormInfo& form) {
     Fuzz::require(!form.getFormData("a", value) && value == "former" &&
                       form.getUploadFileName().empty() && form.getUploadFilePath().empty() &&
                       form.getUploadFileSize() == 0,
-                  "a form that was refused or ended holds nothing");
+                  "a rejected or terminated form is empty");
 }
 
-// Requires that the file, if there is one, is as large as the form says; returns its path.
+// Requires that the uploaded file, if any, has the size that the form returns. Returns its path.
 std::string requireUpload(const Gui::FormInfo& form, std::size_t bodySize) {
     Fuzz::require(form.getUploadFileName().size() <= FormLimits::FILE_NAME_LENGTH,
-                  "no longer file name than the limit");
+                  "a file name is within its limit");
     Fuzz::require(form.getUploadFileSize() <= bodySize, "a file is no larger than its body");
     const std::string path = form.getUploadFilePath();
     struct stat status = {};
@@ -50,7 +50,7 @@ std::string requireUpload(const Gui::FormInfo& form, std::size_t bodySize) {
         path.empty() ||
             (::lstat(path.c_str(), &status) == 0 && status.st_size == form.getUploadFileSize() &&
              status.st_size <= off_t{FormLimits::FILE_LENGTH} && (status.st_mode & 0777) == 0600),
-        "a file that has a path is whole and its user's own");
+        "an uploaded file is complete and accessible only to its owner");
     return path;
 }
 
@@ -58,7 +58,7 @@ void requireFields(const Gui::FormInfo& form) {
     for (const char* name : {"a", "b", "", "functionID"}) {
         std::string value;
         Fuzz::require(!form.getFormData(name, value) || value.size() <= FormLimits::VALUE_LENGTH,
-                      "no longer value than the limit");
+                      "a value is within its limit");
     }
 }
 
@@ -87,6 +87,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     form.terminate();
     requireNothing(form);
     Fuzz::require(path.empty() || ::access(path.c_str(), F_OK) != 0,
-                  "a file that nobody moved is gone at the end");
+                  "a file that was not moved is removed at the end");
     return 0;
 }

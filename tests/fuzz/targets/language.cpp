@@ -1,4 +1,4 @@
-// The choice of a language. The first line of an input is the language cookie, the second one
+// The choice of a language. The first line of an input is the language cookie, the rest is
 // Accept-Language.
 
 #include "platform/host/text/Catalogue.h"
@@ -13,12 +13,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string cookie = Fuzz::takeLine(accepted);
     const int language = Host::chooseLanguage(cookie, accepted);
     const int count = static_cast<int>(Host::languages().size());
-    Fuzz::require(language >= 0 && language < count, "there is always a language");
+    Fuzz::require(language >= 0 && language < count, "the language exists");
     for (int ours = 0; ours < count; ++ours) {
         const std::string tag = Host::languageTag(ours);
-        Fuzz::require(Host::chooseLanguage(tag, input) == ours, "the cookie counts before all");
+        Fuzz::require(Host::chooseLanguage(tag, input) == ours, "the cookie takes precedence");
         Fuzz::require(Host::chooseLanguage("", tag + "," + input) == ours,
-                      "the first accepted language counts before the others");
+                      "the first accepted language takes precedence over the others");
     }
     return 0;
 }

@@ -12,10 +12,10 @@ template <typename Payload>
 bool isTaken(const std::vector<unsigned char>& bytes) {
     Payload payload;
     if (!decode(bytes, payload)) {
-        Fuzz::require(encode(payload) == encode(Payload()), "a refused payload changes nothing");
+        Fuzz::require(encode(payload) == encode(Payload()), "a rejected payload changes nothing");
         return false;
     }
-    Fuzz::require(encode(payload) == bytes, "what was taken is written as it came");
+    Fuzz::require(encode(payload) == bytes, "an accepted payload is written unchanged");
     return true;
 }
 

@@ -1,4 +1,4 @@
-// The body of a form with a file, in one piece and in many. The first line of an input is the
+// The body of a multipart form, in one piece and in many. The first line of an input is the
 // request's content type, the rest is the body.
 
 #include "platform/host/web/MultipartReader.h"
@@ -15,22 +15,22 @@ namespace FormLimits = Host::FormLimits;
 
 namespace {
 
-// The parts of a body as they come.
+// Records the parts of a body.
 class Recorder : public Host::MultipartHandler {
 public:
     void beginPart(const std::string& name, const std::string* fileName) override {
-        Fuzz::require(!inPart, "a part begins where none is open");
+        Fuzz::require(!inPart, "a part begins only when none is open");
         inPart = true;
         parts.push_back({name, fileName != nullptr, fileName == nullptr ? "" : *fileName, ""});
     }
 
     void takeBytes(std::string_view bytes) override {
-        Fuzz::require(inPart && !bytes.empty(), "bytes belong to a part");
+        Fuzz::require(inPart && !bytes.empty(), "bytes are reported only within a part");
         parts.back().content += bytes;
     }
 
     void endPart() override {
-        Fuzz::require(inPart, "a part ends that has begun");
+        Fuzz::require(inPart, "only an open part ends");
         inPart = false;
     }
 
@@ -53,7 +53,7 @@ Outcome read(const std::string& contentType, std::string_view body, std::size_t 
         Fuzz::inPieces(body, largestPiece,
                        [&reader](std::string_view piece) { reader.feed(piece); });
         reader.finish();
-        Fuzz::require(!recorder.inPart, "a body that was taken has no open part");
+        Fuzz::require(!recorder.inPart, "an accepted body has no open part");
     } catch (const PException& exception) {
         refusal = exception.getExceptionDetail();
     }
@@ -61,16 +61,16 @@ Outcome read(const std::string& contentType, std::string_view body, std::size_t 
 }
 
 void requireLimits(const std::vector<Fuzz::FormPart>& parts) {
-    Fuzz::require(parts.size() <= FormLimits::FIELDS, "no more parts than the limit");
+    Fuzz::require(parts.size() <= FormLimits::FIELDS, "the number of parts is within the limit");
     for (const Fuzz::FormPart& part : parts) {
         Fuzz::require(!part.name.empty() && part.name.size() <= FormLimits::NAME_LENGTH,
-                      "a part has a name within its limit");
+                      "a part has a name that is within its limit");
         Fuzz::require(part.fileName.size() <= FormLimits::FILE_NAME_LENGTH,
-                      "no longer file name than the limit");
+                      "a file name is within its limit");
     }
 }
 
-// `parts` as a body, between boundaries that none of them holds.
+// Reads a new body that contains `parts`.
 Outcome sendAgain(const std::vector<Fuzz::FormPart>& parts) {
     const std::string boundary = Fuzz::makeBoundary(parts);
     return read("multipart/form-data; boundary=" + boundary, Fuzz::makeBody(parts, boundary), 4096);
@@ -83,12 +83,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::string_view body = input;
     const std::string contentType = Fuzz::takeLine(body);
     const Outcome whole = read(contentType, body, size + 1);
-    Fuzz::require(read(contentType, body, 9) == whole, "pieces decide nothing");
-    Fuzz::require(read(contentType, body, 1) == whole, "single bytes decide nothing");
+    Fuzz::require(read(contentType, body, 9) == whole, "the result does not depend on the pieces");
+    Fuzz::require(read(contentType, body, 1) == whole, "single bytes give the same result");
     requireLimits(whole.parts);
     if (whole.refusal == 0) {
         Fuzz::require(sendAgain(whole.parts) == whole,
-                      "parts that are sent again come back as the same");
+                      "parts that are sent again are read unchanged");
     }
     return 0;
 }

@@ -1,4 +1,4 @@
-// The header of a form's part, line breaks in front of its lines.
+// The header of a form's part, with a line break before each line.
 
 #include "platform/host/web/partHeader.h"
 
@@ -13,7 +13,7 @@ using namespace VeskLib;
 namespace FormLimits = Host::FormLimits;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    // The reader gives nothing else.
+    // MultipartReader always passes a line break first.
     const std::string lines = "\r\n" + Fuzz::textOf(data, size);
     Host::PartHeader header;
     try {
@@ -23,8 +23,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     Fuzz::require(!header.name.empty() && header.name.size() <= FormLimits::NAME_LENGTH &&
                       header.fileName.size() <= FormLimits::FILE_NAME_LENGTH,
-                  "a header that was taken keeps the limits");
-    Fuzz::require(header.isFile || header.fileName.empty(), "only a file has a file's name");
+                  "an accepted header is within the limits");
+    Fuzz::require(header.isFile || header.fileName.empty(), "only a file has a file name");
     Fuzz::require(header.name.find("\r\n") == std::string::npos &&
                       header.fileName.find("\r\n") == std::string::npos,
                   "a name stays within its line");
@@ -33,6 +33,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         Host::parsePartHeader(Fuzz::makeHeader({header.name, header.isFile, header.fileName, ""}));
     Fuzz::require(again.name == header.name && again.isFile == header.isFile &&
                       again.fileName == header.fileName,
-                  "a header that is sent again is the same");
+                  "a header that is sent again is read unchanged");
     return 0;
 }

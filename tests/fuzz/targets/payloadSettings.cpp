@@ -1,5 +1,5 @@
-// The settings in a configuration's payload, as eficonf compares them. "=====" and a line feed
-// stand between the two payloads of an input.
+// The settings in two payloads, as eficonf compares them. "=====" and a line feed separate the two
+// payloads of an input.
 
 #include "board/inspector/FileReport.h"
 #include "tests/fuzz/support/input.h"
@@ -32,12 +32,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Fuzz::require(Board::compare(first, first).empty(), "a file does not differ from itself");
     const std::vector<Board::Difference> forth = Board::compare(first, second);
     const std::vector<Board::Difference> back = Board::compare(second, first);
-    Fuzz::require(forth.empty() == (first.payload == second.payload), "other payloads differ");
-    Fuzz::require(forth.size() == back.size(), "differences are the same from both sides");
+    Fuzz::require(forth.empty() == (first.payload == second.payload),
+                  "different payloads have differences");
+    Fuzz::require(forth.size() == back.size(), "the differences are symmetric");
     for (std::size_t i = 0; i < forth.size(); ++i) {
         Fuzz::require(forth[i].what == back[i].what && forth[i].first == back[i].second &&
                           forth[i].second == back[i].first,
-                      "differences are the same from both sides");
+                      "the differences are symmetric");
     }
     return 0;
 }

@@ -1,4 +1,4 @@
-// What is looked at before a request: the lines of an input are the method, Sec-Fetch-Site,
+// The checks before a request is handled. The lines of an input are the method, Sec-Fetch-Site,
 // Origin, Host and the query.
 
 #include "platform/host/web/requestChecks.h"
@@ -11,7 +11,7 @@ using Host::RequestVerdict;
 
 namespace {
 
-// The part of a line that an environment variable holds.
+// Takes a line, cut at a NUL as in an environment variable.
 std::string takeVariable(std::string_view& rest) {
     const std::string line = Fuzz::takeLine(rest);
     return line.substr(0, line.find('\0'));
@@ -36,15 +36,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const RequestVerdict verdict = Host::checkRequest();
     const bool known = method == "GET" || method == "HEAD" || method == "POST";
     Fuzz::require(known == (verdict != RequestVerdict::METHOD_NOT_ALLOWED),
-                  "there are three methods");
-    Fuzz::require(Host::isPost() == (method == "POST"), "a post is called so");
+                  "GET, HEAD and POST are the allowed methods");
+    Fuzz::require(Host::isPost() == (method == "POST"), "only the method POST is a post");
     if (verdict == RequestVerdict::ACCEPTED && method == "POST") {
-        Fuzz::require(site != "cross-site" && site != "same-site", "no other site posts");
+        Fuzz::require(site != "cross-site" && site != "same-site", "no other site can post");
         Fuzz::require(origin.empty() || (!host.empty() && origin.starts_with("http://")),
-                      "a post comes from the host that it is sent to");
+                      "an accepted origin is http and comes with a host");
     }
     if (verdict == RequestVerdict::ACCEPTED && site == "cross-site") {
-        Fuzz::require(query.find('&') == std::string::npos, "another site's link is plain");
+        Fuzz::require(query.find('&') == std::string::npos,
+                      "an accepted link from another site has at most one parameter");
     }
     return 0;
 }

@@ -1,5 +1,5 @@
-// The file of a session, whatever it holds. "NOW" in an input stands for the present time, "SUM"
-// for the sum of the token.
+// A session file with any content. "NOW" in an input is replaced by the current time, "SUM" by the
+// SHA-256 sum of the token.
 
 #include "platform/host/base/SystemPath.h"
 #include "platform/host/base/sha256.h"
@@ -38,14 +38,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         Fuzz::require(content.find("token_sha256=" + Host::sha256Hex(TOKEN)) != std::string::npos,
                       "a login needs the token of the file");
         Fuzz::require(session.identifier == IDENTIFIER && session.token == TOKEN,
-                      "a session is the one that was asked for");
+                      "the session is the one that was requested");
         Fuzz::require(session.created >= now - Host::SESSION_LIFE_SECONDS,
-                      "a session does not outlive its time");
+                      "an expired session is not found");
         Fuzz::require(session.user.find('\n') == std::string::npos, "a value is one line");
-        Fuzz::require(::access(path.c_str(), F_OK) == 0, "a living session is kept");
+        Fuzz::require(::access(path.c_str(), F_OK) == 0, "the file of a valid session is kept");
     } else {
         Fuzz::require(session.user.empty() && session.identifier.empty(),
-                      "a session that is not found changes nothing");
+                      "a failure leaves the session unchanged");
     }
     ::unlink(path.c_str());
     return 0;

@@ -21,7 +21,7 @@ public:
     bool isError() const override { return false; }
 };
 
-// Requires that everything a skeleton prints is text of its own, as far as its marks say so.
+// Requires that components are escaped, unless a mark prints one as markup.
 void requireEscaped(const Skeleton& skeleton, const std::string& source,
                     const std::string& printed) {
     const auto& pieces = skeleton.getPieces();
@@ -40,10 +40,11 @@ void requireSoundPieces(const Skeleton& skeleton, const std::string& source) {
         const bool numbered =
             piece.kind == Skeleton::Kind::MESSAGE || piece.kind == Skeleton::Kind::CAPTION;
         Fuzz::require(!numbered || piece.number > 0, "texts are numbered from 1");
-        Fuzz::require(piece.code >= 0, "there is no code below 0");
-        Fuzz::require(piece.next <= skeleton.getPieces().size(), "a condition ends within");
+        Fuzz::require(piece.code >= 0, "a code is not negative");
+        Fuzz::require(piece.next <= skeleton.getPieces().size(),
+                      "a condition ends within the skeleton");
     }
-    Fuzz::require(plain <= source.size(), "the pieces are those of the source");
+    Fuzz::require(plain <= source.size(), "the pieces are no longer than the source");
 }
 
 }  // namespace
@@ -58,14 +59,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         requireSoundPieces(skeleton, source);
         const std::string printed =
             Test::printedBy([&skeleton, &components] { skeleton.print(components); });
-        // A mark prints at most a few dozen characters, and takes five of the source.
-        Fuzz::require(printed.size() <= 200 * source.size(), "what is printed is bounded");
+        // A mark prints a few dozen characters at most and is at least five characters long.
+        Fuzz::require(printed.size() <= 200 * source.size(), "the length of the output is bounded");
         requireEscaped(skeleton, source, printed);
     } catch (const Host::SkeletonError& error) {
         const auto lines = 1 + std::count(source.begin(), source.end(), '\n');
         Fuzz::require(error.line >= 1 && error.line <= lines && error.column >= 1 &&
                           error.column <= source.size(),
-                      "a mistake has its place");
+                      "an error has a location in the source");
     }
     return 0;
 }

@@ -1,4 +1,4 @@
-// The back-end's state file: as it is, and with the checksum that makes it pass for undamaged.
+// The back-end's state file: as it is, and with a matching checksum appended.
 
 #include "board/backend/StoredConfigurations.h"
 #include "tests/fuzz/support/input.h"
@@ -12,14 +12,14 @@ void check(const std::vector<unsigned char>& bytes) {
     Board::Payloads payloads = {{77, {}}};
     if (!Board::decode(bytes, payloads)) {
         Fuzz::require(payloads.size() == 1 && payloads.count(77) == 1,
-                      "a refused file changes nothing");
+                      "a rejected file changes nothing");
         return;
     }
     const std::vector<unsigned char> written = Board::encode(payloads);
-    Fuzz::require(written.size() <= bytes.size(), "the state is no larger than its file");
+    Fuzz::require(written.size() <= bytes.size(), "the written state is no larger than the input");
     Board::Payloads again;
     Fuzz::require(Board::decode(written, again) && again == payloads,
-                  "what was taken and written is taken again as the same");
+                  "an accepted state that is written again is read unchanged");
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// A text in the trace: one line, whatever a request put into it.
+// A text in the trace, which must stay one line whatever a request contained.
 
 #include "platform/host/base/SystemPath.h"
 #include "tests/fuzz/support/environment.h"
@@ -27,7 +27,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                                   const auto byte = static_cast<unsigned char>(character);
                                   return byte >= 0x20 && byte != 0x7F;
                               }),
-                  "a line holds no control character");
-    Fuzz::require(trace.size() <= 100 + 4 * 2048, "a line is bounded");
+                  "a line contains no control character");
+    Fuzz::require(trace.size() <= 100 + 4 * 2048, "the length of a line is bounded");
     return 0;
 }

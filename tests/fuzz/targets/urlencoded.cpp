@@ -1,4 +1,4 @@
-// A query string, and the body of a form without a file: the same reader in one piece and in many.
+// A query string or an urlencoded body, in one piece and in many.
 
 #include "platform/host/web/UrlencodedReader.h"
 
@@ -18,7 +18,7 @@ namespace {
 
 using Fields = std::map<std::string, std::string>;
 
-// The fields that `text` holds; false when it is refused.
+// Reads the fields in `text`. Returns false if it is rejected.
 bool read(std::string_view text, std::size_t largestPiece, Fields& fields) {
     Host::UrlencodedReader reader(fields);
     try {
@@ -32,14 +32,14 @@ bool read(std::string_view text, std::size_t largestPiece, Fields& fields) {
 }
 
 void requireLimits(const Fields& fields) {
-    Fuzz::require(fields.size() <= FormLimits::FIELDS, "no more fields than the limit");
+    Fuzz::require(fields.size() <= FormLimits::FIELDS, "the number of fields is within the limit");
     for (const auto& [name, value] : fields) {
-        Fuzz::require(name.size() <= FormLimits::NAME_LENGTH, "no longer name than the limit");
-        Fuzz::require(value.size() <= FormLimits::VALUE_LENGTH, "no longer value than the limit");
+        Fuzz::require(name.size() <= FormLimits::NAME_LENGTH, "a name is within its limit");
+        Fuzz::require(value.size() <= FormLimits::VALUE_LENGTH, "a value is within its limit");
     }
 }
 
-// A query string that holds these fields.
+// Returns a query string with these fields.
 std::string encode(const Fields& fields) {
     std::string text;
     for (const auto& [name, value] : fields) {
@@ -55,13 +55,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Fields whole;
     Fields pieced;
     const bool taken = read(text, size + 1, whole);
-    Fuzz::require(read(text, 9, pieced) == taken, "pieces decide nothing");
-    Fuzz::require(pieced == whole, "the same fields come out of pieces");
+    Fuzz::require(read(text, 9, pieced) == taken, "acceptance does not depend on the pieces");
+    Fuzz::require(pieced == whole, "the fields do not depend on the pieces");
     requireLimits(whole);
     if (taken) {
         Fields again;
         Fuzz::require(read(encode(whole), 100, again) && again == whole,
-                      "fields that are sent again come back as the same");
+                      "fields that are sent again are read unchanged");
     }
     return 0;
 }

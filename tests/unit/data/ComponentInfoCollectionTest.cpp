@@ -31,8 +31,8 @@ const ExceptionArguments READ_FAULT = {
 
 class ComponentInfoCollectionTest : public ScriptedTest {
 protected:
-    // The bytes that each element holds.
-    std::vector<Bytes> held() const {
+    // Returns the bytes of each element.
+    std::vector<Bytes> elementBytes() const {
         std::vector<Bytes> contents;
         for (const auto& element : collection.elements) {
             contents.push_back(element->records);
@@ -49,12 +49,12 @@ protected:
     Collection collection;
 };
 
-TEST_F(ComponentInfoCollectionTest, anEmptyCollectionIsTwoZeros) {
+TEST_F(ComponentInfoCollectionTest, writesTwoZeroBytesWhenEmpty) {
     EXPECT_EQ(collection.getSerializedSize(), 2u);
     EXPECT_EQ(serialize(collection), (Bytes{0x00, 0x00}));
 }
 
-TEST_F(ComponentInfoCollectionTest, writesEachElementBehindItsLength) {
+TEST_F(ComponentInfoCollectionTest, writesLengthBeforeEachElement) {
     add({0x41, 0x42});
     add({});
     add({0x43});
@@ -62,7 +62,7 @@ TEST_F(ComponentInfoCollectionTest, writesEachElementBehindItsLength) {
     EXPECT_EQ(serialize(collection), THREE_ELEMENTS);
 }
 
-TEST_F(ComponentInfoCollectionTest, writesCountsAndLengthsOfTwoBytes) {
+TEST_F(ComponentInfoCollectionTest, writesTwoByteCountsAndLengths) {
     for (int i = 0; i < 0x0102; ++i) {
         add({});
     }
@@ -75,8 +75,8 @@ TEST_F(ComponentInfoCollectionTest, writesCountsAndLengthsOfTwoBytes) {
               (Bytes{0x02, 0x03, 0x02, 0x01, 0x55}));
 }
 
-// Like an array of too many records: the number is cut, the bytes are not.
-TEST_F(ComponentInfoCollectionTest, cutsALengthAbove65535AndWritesTheWholeElement) {
+// Intended: the length is truncated to 16 bits, the bytes are not.
+TEST_F(ComponentInfoCollectionTest, truncatesLengthAbove65535ButWritesWholeElement) {
     add(Bytes(0x10001 - 2, 0x55));
     add({0x41});
     const Bytes wire = serialize(collection);
@@ -85,7 +85,7 @@ TEST_F(ComponentInfoCollectionTest, cutsALengthAbove65535AndWritesTheWholeElemen
     EXPECT_EQ(Bytes(wire.end() - 6, wire.end()), (Bytes{0x55, 0x00, 0x03, 0x00, 0x01, 0x41}));
 }
 
-TEST_F(ComponentInfoCollectionTest, cutsACountAbove65535AndWritesEveryElement) {
+TEST_F(ComponentInfoCollectionTest, truncatesCountAbove65535ButWritesEveryElement) {
     for (int i = 0; i < 0x10001; ++i) {
         add({});
     }
@@ -94,7 +94,7 @@ TEST_F(ComponentInfoCollectionTest, cutsACountAbove65535AndWritesEveryElement) {
     EXPECT_EQ(cut(wire, 6), (Bytes{0x00, 0x01, 0x00, 0x02, 0x00, 0x00}));
 }
 
-TEST_F(ComponentInfoCollectionTest, refusesEveryBufferThatIsTooShort) {
+TEST_F(ComponentInfoCollectionTest, rejectsEveryShortBuffer) {
     add({0x41, 0x42});
     add({0x43});
     const std::size_t wanted = collection.getSerializedSize();
@@ -108,21 +108,21 @@ TEST_F(ComponentInfoCollectionTest, refusesEveryBufferThatIsTooShort) {
     }
 }
 
-TEST_F(ComponentInfoCollectionTest, anEmptyCollectionNeedsTwoBytesAsWell) {
+TEST_F(ComponentInfoCollectionTest, rejectsOneByteBufferWhenEmpty) {
     ExactBuffer buffer(1);
     EXPECT_EQ(thrownBy([&] { collection.getSerialized(buffer.data(), buffer.length()); }, 2),
               WRITE_FAULT);
 }
 
-TEST_F(ComponentInfoCollectionTest, leavesTheRestOfALargerBufferAlone) {
+TEST_F(ComponentInfoCollectionTest, leavesRestOfLargerBufferUnchanged) {
     add({0x41});
     ExactBuffer buffer(9);
     EXPECT_EQ(collection.getSerialized(buffer.data(), buffer.length()), 7u);
     EXPECT_EQ(buffer.bytes(), (Bytes{0x00, 0x01, 0x00, 0x03, 0x00, 0x01, 0x41, 0xEE, 0xEE}));
 }
 
-// The size is asked of the object; what is returned are the bytes that were written.
-TEST_F(ComponentInfoCollectionTest, asksTheObjectForItsSizeAndReturnsWhatItWrote) {
+// getSerializedSize() is called virtually; the result is the number of bytes written.
+TEST_F(ComponentInfoCollectionTest, checksBufferAgainstVirtualSizeAndReturnsBytesWritten) {
     class LargerCollection : public Collection {
     public:
         unsigned int getSerializedSize() const override { return 40; }
@@ -134,37 +134,37 @@ TEST_F(ComponentInfoCollectionTest, asksTheObjectForItsSizeAndReturnsWhatItWrote
     EXPECT_EQ(larger.getSerialized(buffer.data(), 40), 6u);
 }
 
-TEST_F(ComponentInfoCollectionTest, readsItsElements) {
+TEST_F(ComponentInfoCollectionTest, readsElements) {
     EXPECT_TRUE(deserialize(collection, THREE_ELEMENTS));
-    EXPECT_THAT(held(), testing::ElementsAre(Bytes{0x41, 0x42}, Bytes{}, Bytes{0x43}));
+    EXPECT_THAT(elementBytes(), testing::ElementsAre(Bytes{0x41, 0x42}, Bytes{}, Bytes{0x43}));
 }
 
-TEST_F(ComponentInfoCollectionTest, pinsTheSmallestListWithAnElement) {
+TEST_F(ComponentInfoCollectionTest, readsSmallestNonEmptyCollection) {
     EXPECT_TRUE(deserialize(collection, {0x00, 0x01, 0x00, 0x03, 0x00, 0x01, 0x41}));
-    EXPECT_THAT(held(), testing::ElementsAre(Bytes{0x41}));
+    EXPECT_THAT(elementBytes(), testing::ElementsAre(Bytes{0x41}));
 }
 
-TEST_F(ComponentInfoCollectionTest, refusesATrailingByteAndKeepsTheElements) {
+TEST_F(ComponentInfoCollectionTest, rejectsTrailingByteAndKeepsElements) {
     EXPECT_EQ(thrownBy(
                   [&] {
                       deserialize(collection, {0x00, 0x01, 0x00, 0x03, 0x00, 0x01, 0x41, 0x00});
                   },
                   2),
               READ_FAULT);
-    EXPECT_THAT(held(), testing::ElementsAre(Bytes{0x41}));
+    EXPECT_THAT(elementBytes(), testing::ElementsAre(Bytes{0x41}));
 }
 
-// No count, not even of 0.
-TEST_F(ComponentInfoCollectionTest, refusesFewerBytesThanACount) {
+// Two bytes are needed even for a count of 0.
+TEST_F(ComponentInfoCollectionTest, rejectsTruncatedCount) {
     for (const std::size_t size : {0, 1}) {
         const Bytes wire(size, 0x00);
         EXPECT_EQ(thrownBy([&] { deserialize(collection, wire); }, 2), READ_FAULT) << size;
     }
-    EXPECT_THAT(held(), testing::IsEmpty());
+    EXPECT_THAT(elementBytes(), testing::IsEmpty());
 }
 
-// Whether the count, a length or an element is cut: the elements in front of the cut stay.
-TEST_F(ComponentInfoCollectionTest, refusesEveryTruncatedLengthAndKeepsTheElementsInFront) {
+// The truncation may hit the count, a length or an element; the elements before it are kept.
+TEST_F(ComponentInfoCollectionTest, rejectsEveryTruncationAndKeepsPrecedingElements) {
     const std::vector<std::size_t> ends = {8, 12, 17};
     for (std::size_t size = 0; size < THREE_ELEMENTS.size(); ++size) {
         Collection truncated;
@@ -177,38 +177,38 @@ TEST_F(ComponentInfoCollectionTest, refusesEveryTruncatedLengthAndKeepsTheElemen
     }
 }
 
-TEST_F(ComponentInfoCollectionTest, aLengthThatRunsPastTheEndMakesNoElement) {
+TEST_F(ComponentInfoCollectionTest, addsNoElementForLengthPastEnd) {
     EXPECT_EQ(thrownBy(
                   [&] {
                       deserialize(collection, {0x00, 0x01, 0xFF, 0xFF, 0x00, 0x00});
                   },
                   2),
               READ_FAULT);
-    EXPECT_THAT(held(), testing::IsEmpty());
+    EXPECT_THAT(elementBytes(), testing::IsEmpty());
 }
 
-TEST_F(ComponentInfoCollectionTest, aCountOfZeroIsAcceptedWhateverFollows) {
+TEST_F(ComponentInfoCollectionTest, acceptsZeroCountWhateverFollows) {
     EXPECT_TRUE(deserialize(collection, {0x00, 0x00}));
     EXPECT_TRUE(deserialize(collection, {0x00, 0x00, 0x41}));
     EXPECT_TRUE(deserialize(collection, Bytes(50, 0x00)));
-    EXPECT_THAT(held(), testing::IsEmpty());
+    EXPECT_THAT(elementBytes(), testing::IsEmpty());
 }
 
-TEST_F(ComponentInfoCollectionTest, anElementThatDoesNotUnderstandItsBytesStaysEmpty) {
+TEST_F(ComponentInfoCollectionTest, leavesElementEmptyWhenItRejectsItsBytes) {
     EXPECT_TRUE(deserialize(collection, {0x00, 0x04,                    // four elements
-                                         0x00, 0x00,                    // no bytes at all
+                                         0x00, 0x00,                    // empty
                                          0x00, 0x01, 0x00,              // half a count
-                                         0x00, 0x03, 0x00, 0x02, 0x41,  // two announced, one there
+                                         0x00, 0x03, 0x00, 0x02, 0x41,  // a count of two, one byte
                                          0x00, 0x03, 0x00, 0x01, 0x42}));
-    EXPECT_THAT(held(), testing::ElementsAre(Bytes{}, Bytes{}, Bytes{}, Bytes{0x42}));
+    EXPECT_THAT(elementBytes(), testing::ElementsAre(Bytes{}, Bytes{}, Bytes{}, Bytes{0x42}));
 }
 
-TEST_F(ComponentInfoCollectionTest, anElementMayIgnoreSomeOfItsBytes) {
+TEST_F(ComponentInfoCollectionTest, allowsElementToIgnoreTrailingBytes) {
     EXPECT_TRUE(deserialize(collection, {0x00, 0x01, 0x00, 0x05, 0x00, 0x01, 0x41, 0x42, 0x43}));
-    EXPECT_THAT(held(), testing::ElementsAre(Bytes{0x41}));
+    EXPECT_THAT(elementBytes(), testing::ElementsAre(Bytes{0x41}));
 }
 
-TEST_F(ComponentInfoCollectionTest, readsCountsAndLengthsOfTwoBytes) {
+TEST_F(ComponentInfoCollectionTest, readsTwoByteCountsAndLengths) {
     for (int i = 0; i < 0x0102; ++i) {
         add({});
     }
@@ -220,15 +220,16 @@ TEST_F(ComponentInfoCollectionTest, readsCountsAndLengthsOfTwoBytes) {
     EXPECT_EQ(serialize(copy), wire);
 }
 
-TEST_F(ComponentInfoCollectionTest, appendsToWhatItHolds) {
+TEST_F(ComponentInfoCollectionTest, appendsToExistingContents) {
     add({0x40});
     EXPECT_TRUE(deserialize(collection, {0x00, 0x01, 0x00, 0x03, 0x00, 0x01, 0x41}));
     EXPECT_TRUE(deserialize(collection, {0x00, 0x01, 0x00, 0x03, 0x00, 0x01, 0x42}));
     EXPECT_THROW(deserialize(collection, {0x00, 0x02, 0x00, 0x03, 0x00, 0x01, 0x43}), PException);
-    EXPECT_THAT(held(), testing::ElementsAre(Bytes{0x40}, Bytes{0x41}, Bytes{0x42}, Bytes{0x43}));
+    EXPECT_THAT(elementBytes(),
+                testing::ElementsAre(Bytes{0x40}, Bytes{0x41}, Bytes{0x42}, Bytes{0x43}));
 }
 
-TEST_F(ComponentInfoCollectionTest, deletesEveryElementOnceAndInOrder) {
+TEST_F(ComponentInfoCollectionTest, deletesEveryElementOnceInOrder) {
     {
         Collection owner;
         owner.elements.push_back(std::make_unique<CountedArray>("first"));

@@ -16,7 +16,7 @@ using VeskUi::HardInstallInfoPacket;
 
 class HardInstallInfoPacketTest : public ScriptedTest {};
 
-TEST_F(HardInstallInfoPacketTest, holdsElevenEmptyContainersWhenMade) {
+TEST_F(HardInstallInfoPacketTest, startsWithElevenEmptyContainers) {
     const HardInstallInfoPacket packet;
     EXPECT_THAT(packet.systemBoards.records, testing::IsEmpty());
     EXPECT_THAT(packet.firstBoards.elements, testing::IsEmpty());
@@ -38,7 +38,7 @@ protected:
     }
 };
 
-TEST_F(HardInstallInfoMemoryTest, neitherTakesNorReleasesMemoryWhenNeverFilled) {
+TEST_F(HardInstallInfoMemoryTest, usesNoHeapWhenNeverFilled) {
     const HeapCalls before = heapCalls();
     { const HardInstallInfoPacket packet; }
     const HeapCalls after = heapCalls();
@@ -46,7 +46,7 @@ TEST_F(HardInstallInfoMemoryTest, neitherTakesNorReleasesMemoryWhenNeverFilled) 
     EXPECT_EQ(after.releases, before.releases);
 }
 
-TEST_F(HardInstallInfoMemoryTest, releasesWhatItsContainersTook) {
+TEST_F(HardInstallInfoMemoryTest, releasesMemoryOfItsContainers) {
     const HeapCalls before = heapCalls();
     {
         HardInstallInfoPacket packet;
@@ -58,8 +58,8 @@ TEST_F(HardInstallInfoMemoryTest, releasesWhatItsContainersTook) {
     EXPECT_EQ(after.releases - before.releases, 2u);
 }
 
-// A board's library may walk the records in memory.
-TEST_F(HardInstallInfoPacketTest, itsRecordsArePackedInMemory) {
+// A board's library may access the records as an array in memory.
+TEST_F(HardInstallInfoPacketTest, packsRecordsInMemory) {
     HardInstallInfoPacket packet;
     packet.ioBoards.records.resize(3);
     packet.gspBoards.records.resize(3);
@@ -75,7 +75,7 @@ TEST_F(HardInstallInfoPacketTest, itsRecordsArePackedInMemory) {
     EXPECT_EQ(reinterpret_cast<const char*>(&packet.ioBoards.records[0].halfWord) - first, 4);
 }
 
-TEST_F(HardInstallInfoPacketTest, deletesEveryElementOnceAndTheLastCollectionFirst) {
+TEST_F(HardInstallInfoPacketTest, deletesEveryElementOnceLastCollectionFirst) {
     {
         HardInstallInfoPacket packet;
         packet.firstBoards.elements.push_back(std::make_unique<CountedArray>("first collection's"));
@@ -89,7 +89,7 @@ TEST_F(HardInstallInfoPacketTest, deletesEveryElementOnceAndTheLastCollectionFir
                                                         "delete first collection's"));
 }
 
-TEST_F(HardInstallInfoPacketTest, isDeletedAsWhatTravelsOverTheChannel) {
+TEST_F(HardInstallInfoPacketTest, isDeletableAsSerializableObject) {
     std::unique_ptr<VeskUi::SerializableObject> object;
     {
         auto packet = std::make_unique<HardInstallInfoPacket>();
@@ -100,8 +100,8 @@ TEST_F(HardInstallInfoPacketTest, isDeletedAsWhatTravelsOverTheChannel) {
     EXPECT_THAT(calls({"delete"}), testing::ElementsAre("delete board"));
 }
 
-// On memory that is not zero, so that a field nobody sets shows.
-TEST_F(HardInstallInfoPacketTest, itsRecordsAreZeroWhenMade) {
+// Uses nonzero memory, so that an uninitialized field shows.
+TEST_F(HardInstallInfoPacketTest, zeroInitializesRecords) {
     std::array<std::uint32_t, 2> memory;
     const auto makeOnUsedMemory = [&]<typename Record>(Record*) {
         memory.fill(0xA5A5A5A5);

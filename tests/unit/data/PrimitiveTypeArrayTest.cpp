@@ -17,7 +17,7 @@ namespace {
 
 const unsigned int MOST_COUNTED = 65535;
 
-// A record and its wire form, for each type of record.
+// Set `record` to a value made of `seed`, and append its wire form to `wire`.
 void give(unsigned char& record, Bytes& wire, unsigned int seed) {
     record = static_cast<unsigned char>(seed);
     wire.push_back(record);
@@ -40,13 +40,13 @@ void give(Record& record, Bytes& wire, unsigned int seed) {
     wire.insert(wire.end(), {0x85, 0xF6});
 }
 
-// What all four arrays have in common.
+// Tests of what all four array types have in common.
 template <typename Array>
 class PrimitiveTypeArrayTest : public testing::Test {
 protected:
     using Record = typename decltype(Array::records)::value_type;
 
-    // Fills `array` with `count` records, whose wire form becomes `wire`.
+    // Sets `array` to `count` records, and `wire` to its wire form.
     void fill(unsigned int count) {
         wire = {static_cast<unsigned char>(count >> 8), static_cast<unsigned char>(count)};
         array.records.resize(count);
@@ -64,23 +64,23 @@ TYPED_TEST_SUITE(PrimitiveTypeArrayTest, Arrays);
 
 }  // namespace
 
-TYPED_TEST(PrimitiveTypeArrayTest, anEmptyArrayIsTwoZeros) {
+TYPED_TEST(PrimitiveTypeArrayTest, writesTwoZeroBytesWhenEmpty) {
     EXPECT_EQ(this->array.getSerializedSize(), 2u);
     EXPECT_EQ(serialize(this->array), (Bytes{0x00, 0x00}));
 }
 
-TYPED_TEST(PrimitiveTypeArrayTest, writesTheCountAndTheRecordsBackToBack) {
+TYPED_TEST(PrimitiveTypeArrayTest, writesCountAndRecordsBackToBack) {
     this->fill(3);
     EXPECT_EQ(this->array.getSerializedSize(), this->wire.size());
     EXPECT_EQ(serialize(this->array), this->wire);
 }
 
-TYPED_TEST(PrimitiveTypeArrayTest, writesACountOfTwoBytes) {
+TYPED_TEST(PrimitiveTypeArrayTest, writesTwoByteCount) {
     this->fill(0x0102);
     EXPECT_EQ(serialize(this->array), this->wire);
 }
 
-TYPED_TEST(PrimitiveTypeArrayTest, leavesTheRestOfALargerBufferAlone) {
+TYPED_TEST(PrimitiveTypeArrayTest, leavesRestOfLargerBufferUnchanged) {
     this->fill(1);
     ExactBuffer buffer(this->wire.size() + 2);
     EXPECT_EQ(this->array.getSerialized(buffer.data(), buffer.length()), this->wire.size());
@@ -88,7 +88,7 @@ TYPED_TEST(PrimitiveTypeArrayTest, leavesTheRestOfALargerBufferAlone) {
     EXPECT_EQ(buffer.bytes(), this->wire);
 }
 
-TYPED_TEST(PrimitiveTypeArrayTest, refusesEveryBufferThatIsTooShort) {
+TYPED_TEST(PrimitiveTypeArrayTest, rejectsEveryShortBuffer) {
     const ExceptionArguments expected = {
         {1, 80, 23296, 1, 1537, 20019}, {"Insufficient buffer size"}, {0, 0, 0, 0, 0, 0, 0}};
     this->fill(2);
@@ -109,7 +109,7 @@ TYPED_TEST(PrimitiveTypeArrayTest, readsWhatItWrites) {
     EXPECT_EQ(serialize(copy), this->wire);
 }
 
-TYPED_TEST(PrimitiveTypeArrayTest, refusesEveryTruncatedLengthAndAppendsNothing) {
+TYPED_TEST(PrimitiveTypeArrayTest, rejectsEveryTruncationAndAppendsNothing) {
     this->fill(2);
     for (std::size_t size = 0; size < this->wire.size(); ++size) {
         TypeParam copy;
@@ -119,7 +119,7 @@ TYPED_TEST(PrimitiveTypeArrayTest, refusesEveryTruncatedLengthAndAppendsNothing)
     }
 }
 
-TYPED_TEST(PrimitiveTypeArrayTest, refusesTheLargestCountWhenOneByteIsMissing) {
+TYPED_TEST(PrimitiveTypeArrayTest, rejectsLargestCountWhenOneByteIsMissing) {
     this->fill(MOST_COUNTED);
     TypeParam copy;
     EXPECT_FALSE(deserialize(copy, cut(this->wire, this->wire.size() - 1)));
@@ -128,7 +128,7 @@ TYPED_TEST(PrimitiveTypeArrayTest, refusesTheLargestCountWhenOneByteIsMissing) {
     EXPECT_EQ(copy.records.size(), MOST_COUNTED);
 }
 
-TYPED_TEST(PrimitiveTypeArrayTest, ignoresBytesBehindTheAnnouncedRecords) {
+TYPED_TEST(PrimitiveTypeArrayTest, ignoresBytesAfterCountedRecords) {
     this->fill(1);
     TypeParam copy;
     this->wire.insert(this->wire.end(), 20, 0x99);
@@ -136,7 +136,7 @@ TYPED_TEST(PrimitiveTypeArrayTest, ignoresBytesBehindTheAnnouncedRecords) {
     EXPECT_EQ(copy.records.size(), 1u);
 }
 
-TYPED_TEST(PrimitiveTypeArrayTest, aCountOfZeroIsAcceptedWhateverFollows) {
+TYPED_TEST(PrimitiveTypeArrayTest, acceptsZeroCountWhateverFollows) {
     TypeParam copy;
     copy.records.resize(2);
     EXPECT_TRUE(deserialize(copy, {0x00, 0x00}));
@@ -144,8 +144,8 @@ TYPED_TEST(PrimitiveTypeArrayTest, aCountOfZeroIsAcceptedWhateverFollows) {
     EXPECT_EQ(copy.records.size(), 2u);
 }
 
-// Not a mistake: a second call adds to what the array holds.
-TYPED_TEST(PrimitiveTypeArrayTest, appendsToWhatItHolds) {
+// Intended: a second call appends to the records of the first.
+TYPED_TEST(PrimitiveTypeArrayTest, appendsToExistingContents) {
     this->fill(3);
     const Bytes three = this->wire;
     this->fill(1);
@@ -158,8 +158,8 @@ TYPED_TEST(PrimitiveTypeArrayTest, appendsToWhatItHolds) {
     EXPECT_EQ(serialize(copy), all);
 }
 
-// Not a mistake either: the count is cut to 16 bits, the records are all written.
-TYPED_TEST(PrimitiveTypeArrayTest, writesAllRecordsWhenTheCountIsCut) {
+// Intended: the count is truncated to 16 bits, but all records are written.
+TYPED_TEST(PrimitiveTypeArrayTest, writesAllRecordsWhenCountIsTruncated) {
     for (const unsigned int count : {MOST_COUNTED, MOST_COUNTED + 1, MOST_COUNTED + 4}) {
         this->fill(count);
         EXPECT_EQ(this->array.getSerializedSize(), this->wire.size()) << count;
@@ -167,14 +167,14 @@ TYPED_TEST(PrimitiveTypeArrayTest, writesAllRecordsWhenTheCountIsCut) {
     }
 }
 
-TYPED_TEST(PrimitiveTypeArrayTest, checksTheBufferAgainstAllRecordsWhenTheCountIsCut) {
+TYPED_TEST(PrimitiveTypeArrayTest, checksBufferAgainstAllRecordsWhenCountIsTruncated) {
     this->fill(MOST_COUNTED + 1);
     ExactBuffer buffer(this->wire.size() - 1);
     EXPECT_THROW(this->array.getSerialized(buffer.data(), buffer.length()), PException);
 }
 
-// The size is asked of the object, so a derived class may need a larger buffer.
-TYPED_TEST(PrimitiveTypeArrayTest, asksTheObjectForItsSize) {
+// getSerializedSize() is called virtually, so a derived class may require a larger buffer.
+TYPED_TEST(PrimitiveTypeArrayTest, checksBufferAgainstVirtualSize) {
     class LargerArray : public TypeParam {
     public:
         unsigned int getSerializedSize() const override { return 40; }
@@ -185,14 +185,14 @@ TYPED_TEST(PrimitiveTypeArrayTest, asksTheObjectForItsSize) {
     EXPECT_EQ(larger.getSerialized(buffer.data(), 40), 40u);
 }
 
-TEST(PrimitiveTypeArrayOfBytesTest, pinsItsWireForm) {
+TEST(PrimitiveTypeArrayOfBytesTest, hasFixedWireForm) {
     ByteArray array;
     array.records = {0x41, 0x42};
     EXPECT_EQ(array.getSerializedSize(), 4u);
     EXPECT_EQ(serialize(array), (Bytes{0x00, 0x02, 0x41, 0x42}));
 }
 
-TEST(PrimitiveTypeArrayOfBytesTest, readsOnlyWhatIsAnnounced) {
+TEST(PrimitiveTypeArrayOfBytesTest, readsExactlyCountedBytes) {
     ByteArray array;
     EXPECT_FALSE(deserialize(array, {0x00, 0x03, 0x41, 0x42}));
     EXPECT_THAT(array.records, testing::IsEmpty());
@@ -200,14 +200,14 @@ TEST(PrimitiveTypeArrayOfBytesTest, readsOnlyWhatIsAnnounced) {
     EXPECT_THAT(array.records, testing::ElementsAre(0x41));
 }
 
-TEST(PrimitiveTypeArrayOfBytesTest, readingTwiceHoldsBoth) {
+TEST(PrimitiveTypeArrayOfBytesTest, appendsWhenReadTwice) {
     ByteArray array;
     EXPECT_TRUE(deserialize(array, {0x00, 0x01, 0x41}));
     EXPECT_TRUE(deserialize(array, {0x00, 0x01, 0x41}));
     EXPECT_THAT(array.records, testing::ElementsAre(0x41, 0x41));
 }
 
-TEST(PrimitiveTypeArrayOfSBDataTest, pinsItsWireForm) {
+TEST(PrimitiveTypeArrayOfSBDataTest, hasFixedWireForm) {
     SBArray array;
     array.records = {{0x01020304}, {0xFFFFFFFF}};
     EXPECT_EQ(serialize(array),
@@ -217,7 +217,7 @@ TEST(PrimitiveTypeArrayOfSBDataTest, pinsItsWireForm) {
     EXPECT_EQ(copy.records.at(0).word, 0x81020304u);
 }
 
-TEST(PrimitiveTypeArrayOfIOBDataTest, pinsItsWireForm) {
+TEST(PrimitiveTypeArrayOfIOBDataTest, hasFixedWireForm) {
     IOBArray array;
     array.records = {{0x01020304, 0x0506}};
     EXPECT_EQ(array.getSerializedSize(), 8u);
@@ -228,7 +228,7 @@ TEST(PrimitiveTypeArrayOfIOBDataTest, pinsItsWireForm) {
     EXPECT_EQ(copy.records.at(0).halfWord, 0x8506u);
 }
 
-TEST(PrimitiveTypeArrayOfGSPBDataTest, pinsItsWireForm) {
+TEST(PrimitiveTypeArrayOfGSPBDataTest, hasFixedWireForm) {
     GSPBArray array;
     array.records = {{0x01020304, 0x0506}};
     EXPECT_EQ(array.getSerializedSize(), 8u);

@@ -8,11 +8,11 @@ namespace VeskLib::Test {
 
 using Wrapper = VeskUi::PrimitiveTypeWrapper<unsigned int>;
 
-TEST(PrimitiveTypeWrapperTest, holdsZeroWhenMadeWithoutValue) {
+TEST(PrimitiveTypeWrapperTest, isZeroByDefault) {
     EXPECT_EQ(Wrapper().value, 0u);
 }
 
-TEST(PrimitiveTypeWrapperTest, writesTheMostSignificantByteFirst) {
+TEST(PrimitiveTypeWrapperTest, writesMostSignificantByteFirst) {
     EXPECT_EQ(serialize(Wrapper(0x01020304)), (Bytes{0x01, 0x02, 0x03, 0x04}));
 }
 
@@ -31,13 +31,13 @@ TEST(PrimitiveTypeWrapperTest, isAlwaysFourBytesLong) {
     EXPECT_EQ(Wrapper(0xFFFFFFFF).getSerializedSize(), 4u);
 }
 
-TEST(PrimitiveTypeWrapperTest, leavesTheRestOfALargerBufferAlone) {
+TEST(PrimitiveTypeWrapperTest, leavesRestOfLargerBufferUnchanged) {
     ExactBuffer buffer(6);
     EXPECT_EQ(Wrapper(0x01020304).getSerialized(buffer.data(), buffer.length()), 4u);
     EXPECT_EQ(buffer.bytes(), (Bytes{0x01, 0x02, 0x03, 0x04, 0xEE, 0xEE}));
 }
 
-TEST(PrimitiveTypeWrapperTest, refusesEveryBufferThatIsTooShort) {
+TEST(PrimitiveTypeWrapperTest, rejectsEveryShortBuffer) {
     const ExceptionArguments expected = {
         {1, 80, 19200, 1, 1537, 20019}, {"Too short size"}, {0, 0, 0, 0, 0, 0, 0}};
     for (std::size_t size = 0; size < 4; ++size) {
@@ -49,7 +49,7 @@ TEST(PrimitiveTypeWrapperTest, refusesEveryBufferThatIsTooShort) {
     }
 }
 
-TEST(PrimitiveTypeWrapperTest, readsTheMostSignificantByteFirst) {
+TEST(PrimitiveTypeWrapperTest, readsMostSignificantByteFirst) {
     Wrapper wrapper(7);
     EXPECT_TRUE(deserialize(wrapper, {0x81, 0x02, 0x03, 0x04}));
     EXPECT_EQ(wrapper.value, 0x81020304u);
@@ -59,16 +59,16 @@ TEST(PrimitiveTypeWrapperTest, readsTheMostSignificantByteFirst) {
     EXPECT_EQ(wrapper.value, 0xFFFFFFFFu);
 }
 
-TEST(PrimitiveTypeWrapperTest, refusesMoreThanFourBytes) {
+TEST(PrimitiveTypeWrapperTest, rejectsMoreThanFourBytes) {
     Wrapper wrapper(7);
     EXPECT_FALSE(deserialize(wrapper, {1, 2, 3, 4, 5}));
     EXPECT_FALSE(deserialize(wrapper, Bytes(300, 1)));
     EXPECT_EQ(wrapper.value, 7u);
 }
 
-// Not a mistake: only sizes above four are refused, and four bytes are always taken, which the
-// caller's buffer holds.
-TEST(PrimitiveTypeWrapperTest, takesFourBytesAlsoWhenFewerAreAnnounced) {
+// Intended: only sizes above four are rejected. Four bytes are always read, so the caller's buffer
+// must have four.
+TEST(PrimitiveTypeWrapperTest, readsFourBytesEvenWhenSizeIsSmaller) {
     for (unsigned int size = 0; size <= 4; ++size) {
         ExactBuffer buffer(Bytes{0x01, 0x02, 0x03, 0x04});
         Wrapper wrapper(7);

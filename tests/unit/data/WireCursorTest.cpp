@@ -7,7 +7,7 @@ namespace VeskLib::Test {
 using VeskUi::WireReader;
 using VeskUi::WireWriter;
 
-TEST(WireReaderTest, readsBigEndianNumbersOneAfterTheOther) {
+TEST(WireReaderTest, readsConsecutiveBigEndianNumbers) {
     ExactBuffer buffer(Bytes{0x82, 0x03, 0x84, 0x05, 0x06, 0x07});
     WireReader reader(buffer.data(), buffer.length());
     EXPECT_EQ(reader.readU16(), 0x8203u);
@@ -16,7 +16,7 @@ TEST(WireReaderTest, readsBigEndianNumbersOneAfterTheOther) {
     EXPECT_FALSE(reader.failed());
 }
 
-TEST(WireReaderTest, readsBytesWhereTheyAre) {
+TEST(WireReaderTest, readsBytesInPlace) {
     ExactBuffer buffer(Bytes{'a', 'b', '\0', 'c', 'd'});
     WireReader reader(buffer.data(), buffer.length());
     EXPECT_EQ(reader.readBytes(4), buffer.data());
@@ -25,28 +25,28 @@ TEST(WireReaderTest, readsBytesWhereTheyAre) {
     EXPECT_FALSE(reader.failed());
 }
 
-TEST(WireReaderTest, aReadPastTheEndGivesZeroForGood) {
+TEST(WireReaderTest, failsForGoodAfterReadPastEnd) {
     for (std::size_t size = 0; size < 4; ++size) {
         ExactBuffer buffer(Bytes(size, 0x11));
         WireReader reader(buffer.data(), buffer.length());
         EXPECT_EQ(reader.readU32(), 0u) << size;
         EXPECT_TRUE(reader.failed());
         EXPECT_EQ(reader.remaining(), size);
-        // Bytes are left, but what they mean is not known any more.
+        // Bytes remain, but their meaning is no longer known.
         EXPECT_EQ(reader.readU16(), 0u);
         EXPECT_EQ(reader.readBytes(0), nullptr);
         EXPECT_TRUE(reader.failed());
     }
 }
 
-TEST(WireReaderTest, aRunThatIsTooLongIsNotRead) {
+TEST(WireReaderTest, rejectsRunPastEnd) {
     ExactBuffer buffer(Bytes(3, 0x11));
     WireReader reader(buffer.data(), buffer.length());
     EXPECT_EQ(reader.readBytes(4), nullptr);
     EXPECT_TRUE(reader.failed());
 }
 
-TEST(WireReaderTest, theLongestRunDoesNotWrapAround) {
+TEST(WireReaderTest, rejectsLongestRunWithoutWrapAround) {
     ExactBuffer buffer(Bytes(3, 0x11));
     WireReader reader(buffer.data(), buffer.length());
     EXPECT_EQ(reader.readU16(), 0x1111u);
@@ -55,7 +55,7 @@ TEST(WireReaderTest, theLongestRunDoesNotWrapAround) {
     EXPECT_EQ(reader.remaining(), 1u);
 }
 
-TEST(WireWriterTest, writesBigEndianNumbersOneAfterTheOther) {
+TEST(WireWriterTest, writesConsecutiveBigEndianNumbers) {
     ExactBuffer buffer(8);
     WireWriter writer(buffer.data(), buffer.length());
     writer.writeU16(0x8203);
@@ -65,7 +65,7 @@ TEST(WireWriterTest, writesBigEndianNumbersOneAfterTheOther) {
     EXPECT_FALSE(writer.failed());
 }
 
-TEST(WireWriterTest, aWritePastTheEndIsDroppedForGood) {
+TEST(WireWriterTest, failsForGoodAfterWritePastEnd) {
     for (std::size_t size = 0; size < 4; ++size) {
         ExactBuffer buffer(size);
         WireWriter writer(buffer.data(), buffer.length());
@@ -76,7 +76,7 @@ TEST(WireWriterTest, aWritePastTheEndIsDroppedForGood) {
     }
 }
 
-TEST(WireWriterTest, onlyWhatIsLeftCanBeWritten) {
+TEST(WireWriterTest, rejectsBytesBeyondRemainingSpace) {
     ExactBuffer buffer(4);
     WireWriter writer(buffer.data(), buffer.length());
     writer.writeU16(0x0102);
@@ -85,7 +85,7 @@ TEST(WireWriterTest, onlyWhatIsLeftCanBeWritten) {
     EXPECT_EQ(buffer.bytes(), (Bytes{0x01, 0x02, 0xEE, 0xEE}));
 }
 
-TEST(WireWriterTest, nothingMayBeWrittenFromNowhere) {
+TEST(WireWriterTest, acceptsNullForZeroBytes) {
     WireWriter writer(nullptr, 0);
     writer.writeBytes(nullptr, 0);
     EXPECT_FALSE(writer.failed());

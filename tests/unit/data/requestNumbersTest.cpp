@@ -4,8 +4,8 @@
 
 namespace VeskLib::Test {
 
-// The back-end knows the requests by these numbers.
-TEST(RequestNumbersTest, areTheBackEnds) {
+// The back-end identifies requests by these numbers.
+TEST(RequestNumbersTest, matchBackEndNumbers) {
     EXPECT_EQ(VeskUi::GET_PARTITION_INFO, 33620015u);
     EXPECT_EQ(VeskUi::GET_HARD_INSTALL_INFO, 0x02010021u);
     EXPECT_EQ(VeskUi::GET_VERSION_INFO, 0x02010201u);

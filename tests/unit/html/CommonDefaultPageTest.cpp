@@ -10,7 +10,7 @@ namespace VeskLib::Test {
 
 using Gui::CommonDefaultPage;
 
-// Shows what a page class sees of its base.
+// Makes the protected members of the base public.
 class OpenPage : public CommonDefaultPage {
 public:
     using CommonDefaultPage::alertFlag;
@@ -30,15 +30,15 @@ protected:
     int displayMode = 2;
 };
 
-TEST_F(CommonDefaultPageTest, isMadeWithAGeneratorAndATraceLog) {
+TEST_F(CommonDefaultPageTest, createsGeneratorAndTraceLog) {
     const OpenPage page(messageMgr, &displayMode, "/page.txt");
     EXPECT_THAT(
         calls({"new HTML", "new Vesk"}),
         testing::ElementsAre("new HTMLCodeGenerator(/page.txt)", "new VeskTrace(1, 2, 29697)"));
 }
 
-// On memory that is not zero, so that a field nobody sets shows.
-TEST_F(CommonDefaultPageTest, everyFieldIsSetWhenMade) {
+// Uses nonzero memory, so that an uninitialized field shows.
+TEST_F(CommonDefaultPageTest, initializesEveryField) {
     alignas(OpenPage) std::array<unsigned char, sizeof(OpenPage)> memory;
     memory.fill(0xA5);
     auto* page = new (memory.data()) OpenPage(messageMgr, &displayMode, "/page.txt");
@@ -52,23 +52,23 @@ TEST_F(CommonDefaultPageTest, everyFieldIsSetWhenMade) {
     page->~OpenPage();
 }
 
-TEST_F(CommonDefaultPageTest, freesItsGeneratorWhenTheTraceLogCannotBeMade) {
-    const Calls held = Scripted::livingObjects();
+TEST_F(CommonDefaultPageTest, freesGeneratorWhenTraceLogThrows) {
+    const Calls livingBefore = Scripted::livingObjects();
     Scripted::throwAt("new VeskTrace(1, 2, 29697)",
                       std::make_exception_ptr(Scripted::makeScriptedException(1101)));
     EXPECT_EQ(thrownDetail([&] { OpenPage(messageMgr, &displayMode, "/page.txt"); }), 1101);
-    EXPECT_EQ(Scripted::livingObjects(), held);
+    EXPECT_EQ(Scripted::livingObjects(), livingBefore);
     EXPECT_THAT(calls({"delete"}), testing::ElementsAre("delete HTMLCodeGenerator(/page.txt)"));
 }
 
-TEST_F(CommonDefaultPageTest, printsItsSkeletonWithItsComponents) {
+TEST_F(CommonDefaultPageTest, printsSkeletonWithComponents) {
     OpenPage page(messageMgr, &displayMode, "/page.txt");
     page.componentMap["name"] = new ProbeComponent("1");
     page.printHTML();
     EXPECT_EQ(output(), "[/page.txt|name=1]");
 }
 
-TEST_F(CommonDefaultPageTest, theErrorFlagMakesItAnError) {
+TEST_F(CommonDefaultPageTest, isErrorWhenErrorFlagIsSet) {
     OpenPage page(messageMgr, &displayMode, "/page.txt");
     page.alertFlag = true;
     EXPECT_FALSE(page.isError());
@@ -76,7 +76,7 @@ TEST_F(CommonDefaultPageTest, theErrorFlagMakesItAnError) {
     EXPECT_TRUE(page.isError());
 }
 
-TEST_F(CommonDefaultPageTest, theAlertFlagMakesItAnAlert) {
+TEST_F(CommonDefaultPageTest, isAlertWhenAlertFlagIsSet) {
     OpenPage page(messageMgr, &displayMode, "/page.txt");
     page.errorFlag = true;
     EXPECT_FALSE(page.isAlert());
@@ -84,13 +84,13 @@ TEST_F(CommonDefaultPageTest, theAlertFlagMakesItAnAlert) {
     EXPECT_TRUE(page.isAlert());
 }
 
-TEST_F(CommonDefaultPageTest, givesItsMessage) {
+TEST_F(CommonDefaultPageTest, returnsMessage) {
     OpenPage page(messageMgr, &displayMode, "/page.txt");
     page.message = "text";
     EXPECT_EQ(page.getMessage(), "text");
 }
 
-TEST_F(CommonDefaultPageTest, buildsNothingByItself) {
+TEST_F(CommonDefaultPageTest, buildsNothingByDefault) {
     OpenPage page(messageMgr, &displayMode, "/page.txt");
     Scripted::forgetCalls();
     page.makeDispPage();
@@ -100,7 +100,7 @@ TEST_F(CommonDefaultPageTest, buildsNothingByItself) {
     EXPECT_EQ(output(), "");
 }
 
-TEST_F(CommonDefaultPageTest, deletesItsComponentsByNameAndThenItsGenerator) {
+TEST_F(CommonDefaultPageTest, deletesComponentsInNameOrderThenGenerator) {
     {
         OpenPage page(messageMgr, &displayMode, "/page.txt");
         page.componentMap["b"] = new ProbeComponent("2");
@@ -111,7 +111,7 @@ TEST_F(CommonDefaultPageTest, deletesItsComponentsByNameAndThenItsGenerator) {
                                      "delete VeskTrace(1, 2, 29697)"));
 }
 
-TEST_F(CommonDefaultPageTest, entriesWithoutComponentArePassedOver) {
+TEST_F(CommonDefaultPageTest, skipsNullComponents) {
     {
         OpenPage page(messageMgr, &displayMode, "/page.txt");
         page.componentMap["a"] = nullptr;

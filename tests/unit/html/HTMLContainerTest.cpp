@@ -18,42 +18,42 @@ protected:
     HTMLContainer container;
 };
 
-TEST_F(HTMLContainerTest, printsItsChildrenBackToBackInTheOrderOfAdding) {
+TEST_F(HTMLContainerTest, printsChildrenBackToBackInInsertionOrder) {
     fill({"c", "a", "b"});
     container.printHTML();
     EXPECT_EQ(output(), "cab");
 }
 
-TEST_F(HTMLContainerTest, breaksStandOnlyBetweenChildren) {
+TEST_F(HTMLContainerTest, printsBreaksOnlyBetweenChildren) {
     container.breakBetween = true;
     fill({"a", "b", "c"});
     container.printHTML();
     EXPECT_EQ(output(), "a<br>b<br>c");
 }
 
-TEST_F(HTMLContainerTest, oneChildHasNoBreak) {
+TEST_F(HTMLContainerTest, printsNoBreakForOneChild) {
     container.breakBetween = true;
     fill({"a"});
     container.printHTML();
     EXPECT_EQ(output(), "a");
 }
 
-TEST_F(HTMLContainerTest, anEmptyContainerPrintsNothing) {
+TEST_F(HTMLContainerTest, printsNothingWhenEmpty) {
     container.breakBetween = true;
     container.printHTML();
     EXPECT_EQ(output(), "");
 }
 
-TEST_F(HTMLContainerTest, hasNoBreaksWhenMade) {
+TEST_F(HTMLContainerTest, hasNoBreaksByDefault) {
     EXPECT_FALSE(container.breakBetween);
 }
 
-TEST_F(HTMLContainerTest, isNoErrorEvenIfAChildIs) {
+TEST_F(HTMLContainerTest, isNotErrorEvenIfChildIs) {
     fill({"a"});
     EXPECT_FALSE(container.isError());
 }
 
-TEST_F(HTMLContainerTest, deletesItsChildrenInOrder) {
+TEST_F(HTMLContainerTest, deletesChildrenInOrder) {
     {
         HTMLContainer shortLived;
         shortLived.add(std::make_unique<ProbeComponent>("b"));

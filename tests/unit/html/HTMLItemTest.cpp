@@ -9,7 +9,7 @@ using Gui::HTMLItem;
 
 class HTMLItemTest : public ScriptedTest {};
 
-TEST_F(HTMLItemTest, printsItsSkeletonWithItsOwnComponents) {
+TEST_F(HTMLItemTest, printsSkeletonWithItsOwnComponents) {
     HTMLItem item("/row.txt");
     item.add("second", new ProbeComponent("2"));
     item.add("first", new ProbeComponent("1"));
@@ -17,18 +17,18 @@ TEST_F(HTMLItemTest, printsItsSkeletonWithItsOwnComponents) {
     EXPECT_EQ(output(), "[/row.txt|first=1|second=2]");
 }
 
-TEST_F(HTMLItemTest, isEmptyWhenMade) {
+TEST_F(HTMLItemTest, isEmptyByDefault) {
     HTMLItem("/row.txt").printHTML();
     EXPECT_EQ(output(), "[/row.txt]");
 }
 
-TEST_F(HTMLItemTest, insertsThroughThePlatform) {
+TEST_F(HTMLItemTest, insertsThroughPlatform) {
     HTMLItem item("/row.txt");
     item.add("name", new ProbeComponent("1"));
     EXPECT_THAT(calls({"insertIntoMap"}), testing::ElementsAre("insertIntoMap name"));
 }
 
-TEST_F(HTMLItemTest, aDisplacedComponentIsDeletedAndTheLastOnePrinted) {
+TEST_F(HTMLItemTest, deletesReplacedComponentAndPrintsLast) {
     HTMLItem item("/row.txt");
     item.add("name", new ProbeComponent("old"));
     item.add("name", new ProbeComponent("new"));
@@ -37,13 +37,13 @@ TEST_F(HTMLItemTest, aDisplacedComponentIsDeletedAndTheLastOnePrinted) {
     EXPECT_THAT(calls({"delete"}), testing::ElementsAre("delete old"));
 }
 
-TEST_F(HTMLItemTest, isNoErrorEvenIfAComponentIs) {
+TEST_F(HTMLItemTest, isNotErrorEvenIfComponentIs) {
     HTMLItem item("/row.txt");
     item.add("name", new ProbeComponent("1"));
     EXPECT_FALSE(item.isError());
 }
 
-TEST_F(HTMLItemTest, deletesItsComponentsByNameAndThenItsGenerator) {
+TEST_F(HTMLItemTest, deletesComponentsInNameOrderThenGenerator) {
     {
         HTMLItem item("/row.txt");
         item.add("b", new ProbeComponent("2"));
@@ -53,7 +53,7 @@ TEST_F(HTMLItemTest, deletesItsComponentsByNameAndThenItsGenerator) {
                 testing::ElementsAre("delete 1", "delete 2", "delete HTMLCodeGenerator(/row.txt)"));
 }
 
-TEST_F(HTMLItemTest, canBeHeldByItsInterface) {
+TEST_F(HTMLItemTest, isUsableThroughInterface) {
     std::unique_ptr<Gui::HTMLItemInterface> item = std::make_unique<HTMLItem>("/row.txt");
     item->add("name", new ProbeComponent("1"));
     item->printHTML();

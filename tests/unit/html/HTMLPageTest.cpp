@@ -9,7 +9,7 @@ using Gui::HTMLPage;
 
 class HTMLPageTest : public ScriptedTest {};
 
-TEST_F(HTMLPageTest, deletesTheGeneratorFirstAndThenTheComponentsByName) {
+TEST_F(HTMLPageTest, deletesGeneratorThenComponentsInNameOrder) {
     {
         HTMLPage page(1);
         page.componentMap["title"] = new ProbeComponent("t");
@@ -20,7 +20,7 @@ TEST_F(HTMLPageTest, deletesTheGeneratorFirstAndThenTheComponentsByName) {
                                                         "delete b", "delete c", "delete t"));
 }
 
-TEST_F(HTMLPageTest, aMissingGeneratorIsPassedOver) {
+TEST_F(HTMLPageTest, toleratesNullGenerator) {
     {
         HTMLPage page(1);
         delete page.generator;
@@ -31,7 +31,7 @@ TEST_F(HTMLPageTest, aMissingGeneratorIsPassedOver) {
                 testing::ElementsAre("delete HTMLCodeGenerator(shell 1)", "delete b"));
 }
 
-TEST_F(HTMLPageTest, isDeletedThroughItsVirtualDestructor) {
+TEST_F(HTMLPageTest, hasVirtualDestructor) {
     class DerivedPage : public HTMLPage {
     public:
         DerivedPage() : HTMLPage(1), probe("derived") {}

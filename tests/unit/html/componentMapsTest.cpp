@@ -13,21 +13,21 @@ protected:
     std::map<std::string, Gui::HTMLComponent*> components;
 };
 
-TEST_F(ComponentMapsTest, anInsertedComponentBelongsToTheMap) {
+TEST_F(ComponentMapsTest, takesOwnershipOfInsertedComponent) {
     Gui::insertComponent(components, "name", std::make_unique<ProbeComponent>("1"));
     EXPECT_THAT(calls(), testing::ElementsAre("new 1", "insertIntoMap name"));
     EXPECT_NE(components.at("name"), nullptr);
 }
 
-TEST_F(ComponentMapsTest, aDisplacedComponentIsDeletedOnce) {
+TEST_F(ComponentMapsTest, deletesReplacedComponentOnce) {
     Gui::insertComponent(components, "name", std::make_unique<ProbeComponent>("old"));
     Gui::insertComponent(components, "name", std::make_unique<ProbeComponent>("new"));
-    EXPECT_THAT(calls({"insertIntoMap", "delete"}),
-                testing::ElementsAre("insertIntoMap name", "insertIntoMap name, which displaces",
-                                     "delete old"));
+    EXPECT_THAT(
+        calls({"insertIntoMap", "delete"}),
+        testing::ElementsAre("insertIntoMap name", "insertIntoMap name, replacing", "delete old"));
 }
 
-TEST_F(ComponentMapsTest, aComponentThatCannotBeInsertedIsDeletedOnce) {
+TEST_F(ComponentMapsTest, deletesComponentOnceWhenInsertionFails) {
     script.insertErrors["name"] = 7;
     EXPECT_EQ(thrownDetail([&] {
                   Gui::insertComponent(components, "name", std::make_unique<ProbeComponent>("1"));
@@ -37,7 +37,7 @@ TEST_F(ComponentMapsTest, aComponentThatCannotBeInsertedIsDeletedOnce) {
     EXPECT_TRUE(components.empty());
 }
 
-TEST_F(ComponentMapsTest, deletesByNameAndEmptiesTheMap) {
+TEST_F(ComponentMapsTest, deletesInNameOrderAndEmptiesMap) {
     Gui::insertComponent(components, "b", std::make_unique<ProbeComponent>("2"));
     Gui::insertComponent(components, "a", std::make_unique<ProbeComponent>("1"));
     Gui::deleteComponents(components);
@@ -45,7 +45,7 @@ TEST_F(ComponentMapsTest, deletesByNameAndEmptiesTheMap) {
     EXPECT_TRUE(components.empty());
 }
 
-TEST_F(ComponentMapsTest, entriesWithoutComponentArePassedOver) {
+TEST_F(ComponentMapsTest, skipsNullComponents) {
     components["a"] = nullptr;
     Gui::insertComponent(components, "b", std::make_unique<ProbeComponent>("2"));
     Gui::deleteComponents(components);
@@ -53,7 +53,7 @@ TEST_F(ComponentMapsTest, entriesWithoutComponentArePassedOver) {
     EXPECT_TRUE(components.empty());
 }
 
-TEST_F(ComponentMapsTest, anEmptyMapIsDeletedWithoutEffect) {
+TEST_F(ComponentMapsTest, acceptsEmptyMap) {
     Gui::deleteComponents(components);
     EXPECT_THAT(calls(), testing::IsEmpty());
 }

@@ -11,14 +11,14 @@ using Gui::FormInfo;
 
 class EFIBackupRestoreMainTest : public MainTest {};
 
-TEST_F(EFIBackupRestoreMainTest, isMadeWithATraceLogTheFormAndTheCookie) {
+TEST_F(EFIBackupRestoreMainTest, createsTraceLogAndFormAndReadsCookie) {
     const OpenMain object;
     EXPECT_THAT(calls(),
                 testing::ElementsAre("new VeskTrace(1, 2, 29696)", "new FormInfo()", "getCookie"));
 }
 
-// On memory that is not zero, so that a field nobody sets shows.
-TEST_F(EFIBackupRestoreMainTest, everyFieldIsSetWhenMade) {
+// Uses nonzero memory, so that an uninitialized field shows.
+TEST_F(EFIBackupRestoreMainTest, initializesEveryField) {
     script.sessionText.reset();
     alignas(OpenMain) std::array<unsigned char, sizeof(OpenMain)> memory;
     memory.fill(0xA5);
@@ -37,7 +37,7 @@ TEST_F(EFIBackupRestoreMainTest, everyFieldIsSetWhenMade) {
     object->~OpenMain();
 }
 
-TEST_F(EFIBackupRestoreMainTest, keepsWhatTheCookieSays) {
+TEST_F(EFIBackupRestoreMainTest, takesSessionAndMessageSetFromCookie) {
     script.sessionText = "from the cookie";
     script.messageSet = 1;
     const OpenMain object;
@@ -45,14 +45,14 @@ TEST_F(EFIBackupRestoreMainTest, keepsWhatTheCookieSays) {
     EXPECT_EQ(object.messageSet, 1);
 }
 
-TEST_F(EFIBackupRestoreMainTest, makesTheFormOnFirstUseAndLeavesIt) {
+TEST_F(EFIBackupRestoreMainTest, createsFormAndNeverDeletesIt) {
     ASSERT_EQ(FormInfo::myInstance, nullptr);
     { const OpenMain object; }
     EXPECT_NE(FormInfo::myInstance, nullptr);
     EXPECT_THAT(calls({"delete FormInfo"}), testing::IsEmpty());
 }
 
-TEST_F(EFIBackupRestoreMainTest, aFormThatIsThereIsUsedAndNotReplaced) {
+TEST_F(EFIBackupRestoreMainTest, reusesExistingForm) {
     auto* present = new FormInfo;
     FormInfo::myInstance = present;
     const OpenMain first;
@@ -63,12 +63,12 @@ TEST_F(EFIBackupRestoreMainTest, aFormThatIsThereIsUsedAndNotReplaced) {
     EXPECT_THAT(calls({"new FormInfo"}), testing::SizeIs(1));
 }
 
-TEST_F(EFIBackupRestoreMainTest, whatWasNeverMadeIsNotDeleted) {
+TEST_F(EFIBackupRestoreMainTest, deletesOnlyWhatWasCreated) {
     { const OpenMain object; }
     EXPECT_THAT(calls({"delete"}), testing::ElementsAre("delete VeskTrace(1, 2, 29696)"));
 }
 
-TEST_F(EFIBackupRestoreMainTest, deletesTheChannelAndThenTheCatalogue) {
+TEST_F(EFIBackupRestoreMainTest, deletesChannelThenCatalogue) {
     {
         OpenMain object;
         object.messageMgr = new Gui::MessageMgr(0);
@@ -79,7 +79,7 @@ TEST_F(EFIBackupRestoreMainTest, deletesTheChannelAndThenTheCatalogue) {
                                      "delete VeskTrace(1, 2, 29696)"));
 }
 
-TEST_F(EFIBackupRestoreMainTest, deletesAChannelAloneAndACatalogueAlone) {
+TEST_F(EFIBackupRestoreMainTest, deletesChannelOrCatalogueAlone) {
     {
         OpenMain object;
         object.requester = new Gui::CGIRequester("text");
@@ -90,7 +90,7 @@ TEST_F(EFIBackupRestoreMainTest, deletesAChannelAloneAndACatalogueAlone) {
                 testing::ElementsAre("delete MessageMgr(0)", "delete CGIRequester(text)"));
 }
 
-// What is derived from the channel and the catalogue is deleted as a whole.
+// The destructors of classes derived from the channel and the catalogue run too.
 TEST_F(EFIBackupRestoreMainTest, deletesThroughVirtualDestructors) {
     class DerivedRequester : public Gui::CGIRequester {
     public:

@@ -1,4 +1,4 @@
-// The program's main(), which is built under another name here.
+// The program's main(), built under another name.
 
 #include "tests/unit/support/MainTest.h"
 
@@ -10,23 +10,23 @@ namespace VeskLib::Test {
 
 class EntryTest : public MainTest {};
 
-TEST_F(EntryTest, returnsWhatTheRequestReturns) {
+TEST_F(EntryTest, returnsExitStatusOfRequest) {
     script.exitStatus = 42;
     EXPECT_EQ(efiBackupRestoreEntry(), 42);
 }
 
-TEST_F(EntryTest, returnsZeroAfterAPrintedPage) {
+TEST_F(EntryTest, returnsZeroAfterPrintingPage) {
     EXPECT_EQ(efiBackupRestoreEntry(), 0);
     EXPECT_THAT(output(), testing::HasSubstr("M-BACKUP_EFI_CONF-C-00"));
 }
 
-TEST_F(EntryTest, returnsMinusOneAfterAnUnknownFunctionNumber) {
+TEST_F(EntryTest, returnsMinusOneForUnknownFunctionNumber) {
     script.errorExitReturns = true;
     script.formFields["functionID"] = "107";
     EXPECT_EQ(efiBackupRestoreEntry(), -1);
 }
 
-TEST_F(EntryTest, makesRunsAndDeletesOneMainObject) {
+TEST_F(EntryTest, createsRunsAndDeletesOneMainObject) {
     script.sessionIsValid = false;
     EXPECT_EQ(endedBy([] { efiBackupRestoreEntry(); }), "guiCheckSession");
     EXPECT_THAT(calls(), testing::ElementsAre("new VeskTrace(1, 2, 29696)", "new FormInfo()",
@@ -34,9 +34,9 @@ TEST_F(EntryTest, makesRunsAndDeletesOneMainObject) {
                                               "delete VeskTrace(1, 2, 29696)"));
 }
 
-// Of the platform or of the language's library, from the request or from the main object: uncaught,
-// it ends the process abnormally.
-TEST_F(EntryTest, catchesNothing) {
+// An exception ends the process abnormally, whether the request or the main object throws it, and
+// whether it is a PException or one of the standard library.
+TEST_F(EntryTest, catchesNoException) {
     script.formError = 1107;
     EXPECT_EQ(thrownDetail([] { efiBackupRestoreEntry(); }), 1107);
     for (const char* place : {"exec", "getCookie", "new FormInfo"}) {

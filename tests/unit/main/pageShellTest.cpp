@@ -1,4 +1,4 @@
-// EFIBackupRestoreMain::individualProc(): how a page is printed, or its error shown.
+// Tests of EFIBackupRestoreMain::individualProc(): how it prints a page or shows its error.
 
 #include "tests/unit/support/MainTest.h"
 
@@ -8,8 +8,8 @@ namespace VeskLib::Test {
 
 class PageShellTest : public MainTest {
 protected:
-    // What happens from the shell's making on.
-    static Calls callsFromTheShellOn() {
+    // Returns the calls from the construction of the shell on.
+    static Calls callsFromShellOn() {
         const Calls& all = calls();
         return {std::find(all.begin(), all.end(), "new HTMLCodeGenerator(shell 1)"), all.end()};
     }
@@ -18,7 +18,7 @@ protected:
 TEST_F(PageShellTest, isFilledPrintedAndDeletedInOrder) {
     EXPECT_EQ(run(), 0);
     EXPECT_THAT(
-        callsFromTheShellOn(),
+        callsFromShellOn(),
         testing::ElementsAre(
             "new HTMLCodeGenerator(shell 1)", "new HTMLPage(1)", "insertIntoMap body",
             "new TextString(/default.css, false, false, 6)", "insertIntoMap css",
@@ -28,7 +28,7 @@ TEST_F(PageShellTest, isFilledPrintedAndDeletedInOrder) {
             "printHTML /usr/local/www/skel/skeleton_efi_backup.txt",
             "printHTML /usr/local/www/skel/skeleton_efi_backup_tbl.txt",
             "delete HTMLCodeGenerator(shell 1)",
-            // "body": the page with everything it holds
+            // "body": the page with everything it contains
             "delete PartitionInfoPacket()",
             "delete TextString(/maintenance/efi_backup_restore.cgi, false, false, 6)",
             "delete HiddenField(functionID, 105, form_name)",
@@ -52,9 +52,9 @@ TEST_F(PageShellTest, isFilledPrintedAndDeletedInOrder) {
             "delete VeskTrace(1, 2, 29696)"));
 }
 
-TEST_F(PageShellTest, printsItsFiveComponents) {
+TEST_F(PageShellTest, printsFiveComponents) {
     script.formFields["functionID"] = "106";
-    script.posted = true;  // without a step, so that the page is all but empty
+    script.posted = true;  // without a step, so the page is almost empty
     EXPECT_EQ(run(), 0);
     EXPECT_EQ(output(),
               "[shell 1|body=[/usr/local/www/skel/skeleton_efi_rstr.txt"
@@ -65,7 +65,7 @@ TEST_F(PageShellTest, printsItsFiveComponents) {
               "|title=TextString(Backup/Restore BIOS Configuration, false, false, 6)]");
 }
 
-TEST_F(PageShellTest, aNoticeIsRaisedAfterTheCallOfInitialize) {
+TEST_F(PageShellTest, raisesNoticeAfterCallingInitialize) {
     postRefusedBackup();
     EXPECT_EQ(run(), 0);
     EXPECT_THAT(calls({"addFunction", "addAlertFunction", "insertIntoMap java_script"}),
@@ -75,7 +75,7 @@ TEST_F(PageShellTest, aNoticeIsRaisedAfterTheCallOfInitialize) {
                                              "{initialize();alert(message 72/1540);}|"));
 }
 
-TEST_F(PageShellTest, aPageErrorIsShownInsteadOfThePage) {
+TEST_F(PageShellTest, showsErrorInsteadOfPage) {
     script.displayMode = 0;
     EXPECT_EQ(endedBy([] { run(); }), "errorExit");
     EXPECT_THAT(calls({"errorExit"}),
@@ -85,7 +85,7 @@ TEST_F(PageShellTest, aPageErrorIsShownInsteadOfThePage) {
     EXPECT_EQ(output(), "");
 }
 
-TEST_F(PageShellTest, aPageErrorIsPrintedAsAPageWhenTheErrorPageReturns) {
+TEST_F(PageShellTest, printsPageDespiteErrorWhenErrorPageReturns) {
     script.errorExitReturns = true;
     script.displayMode = 0;
     EXPECT_EQ(run(), 0);
@@ -99,7 +99,7 @@ TEST_F(PageShellTest, aPageErrorIsPrintedAsAPageWhenTheErrorPageReturns) {
                 testing::HasSubstr("body=[/usr/local/www/skel/skeleton_efi_backup.txt]|"));
 }
 
-TEST_F(PageShellTest, anErrorWithANoticeIsAnError) {
+TEST_F(PageShellTest, treatsErrorWithNoticeAsError) {
     postRefusedBackup();
     script.replies[0x0201002F].errorCode = 1540;
     EXPECT_EQ(endedBy([] { run(); }), "errorExit");
@@ -109,7 +109,7 @@ TEST_F(PageShellTest, anErrorWithANoticeIsAnError) {
     EXPECT_EQ(output(), "");
 }
 
-TEST_F(PageShellTest, anErrorWithANoticeRaisesTheAlertWhenTheErrorPageReturns) {
+TEST_F(PageShellTest, raisesNoticeOfErrorWhenErrorPageReturns) {
     script.errorExitReturns = true;
     postRefusedBackup();
     script.replies[0x0201002F].errorCode = 1540;
@@ -121,14 +121,14 @@ TEST_F(PageShellTest, anErrorWithANoticeRaisesTheAlertWhenTheErrorPageReturns) {
                                      "lmsg 107 [the partition status]"));
 }
 
-TEST_F(PageShellTest, anExceptionWhileFillingOrPrintingFreesThePageAndTheShell) {
+TEST_F(PageShellTest, freesPageAndShellWhenFillingOrPrintingThrows) {
     for (const char* place : {"body", "css", "title", "java_script", "meta_frameid"}) {
         script.insertErrors = {{place, 7}};
         EXPECT_EQ(thrownDetail([] { run(); }), 7) << place;
         EXPECT_THAT(Scripted::livingObjects(), testing::ElementsAre("FormInfo()")) << place;
         EXPECT_EQ(output(), "") << place;
         script.insertErrors.clear();
-        // The process's form data has been let go of; another request has its own.
+        // The form data of this request has been terminated; the next one needs its own.
         delete Gui::FormInfo::myInstance;
         Gui::FormInfo::myInstance = nullptr;
     }
@@ -138,8 +138,8 @@ TEST_F(PageShellTest, anExceptionWhileFillingOrPrintingFreesThePageAndTheShell) 
     EXPECT_EQ(output(), "");
 }
 
-// The page is freed, the exception goes on to exec(), and nothing was printed.
-TEST_F(PageShellTest, anExceptionOfThePageConstructorLeavesNothing) {
+// The exception propagates to exec(), and nothing is printed.
+TEST_F(PageShellTest, freesEverythingWhenPageConstructorThrows) {
     postRefusedBackup();
     script.replies[0x020100A3].errorCode = 0;
     script.headerError = 1104;

@@ -1,4 +1,4 @@
-// EFIBackupRestoreMain::individualProc(): who may see which page.
+// Tests of EFIBackupRestoreMain::individualProc(): which page a request gets, and who is refused.
 
 #include "tests/unit/support/MainTest.h"
 
@@ -6,14 +6,15 @@ namespace VeskLib::Test {
 
 class RequestDispatchTest : public MainTest {
 protected:
-    // The calls of the dispatcher itself that decide about the request.
+    // Returns the calls with which the dispatcher decides about the request.
     static Calls decisions() {
         return calls({"guiCheckSession", "new MessageMgr", "new CGIRequester",
                       "getFormData functionID", "preCheck", "getDisplayMode", "putLog",
                       "errorExit"});
     }
 
-    // The skeletons for which generators were made: every page and the shell makes one.
+    // Returns the skeletons for which generators were created. Every page creates one, as does the
+    // shell.
     static Calls generators() {
         const std::string beginning = "new HTMLCodeGenerator(";
         Calls skeletons = calls({beginning});
@@ -24,14 +25,14 @@ protected:
     }
 };
 
-TEST_F(RequestDispatchTest, checksTheSessionBeforeAnythingElse) {
+TEST_F(RequestDispatchTest, checksSessionFirst) {
     script.sessionIsValid = false;
     EXPECT_EQ(endedBy([] { run(); }), "guiCheckSession");
     EXPECT_THAT(decisions(), testing::ElementsAre("guiCheckSession true"));
     EXPECT_EQ(output(), "");
 }
 
-TEST_F(RequestDispatchTest, goesStepByStep) {
+TEST_F(RequestDispatchTest, runsStepsInOrder) {
     script.sessionText = "from the cookie";
     script.messageSet = 1;
     EXPECT_EQ(run(), 0);
@@ -41,7 +42,7 @@ TEST_F(RequestDispatchTest, goesStepByStep) {
                                  "preCheckDisplayMode(0, 105, -1)", "getDisplayMode(0, 105, -1)"));
 }
 
-TEST_F(RequestDispatchTest, judgesTheMainObjectsAuthority) {
+TEST_F(RequestDispatchTest, judgesAuthorityOfMainObject) {
     script.authority.everyFunction = 7;
     run();
     EXPECT_THAT(
@@ -49,7 +50,7 @@ TEST_F(RequestDispatchTest, judgesTheMainObjectsAuthority) {
         testing::ElementsAre("preCheckDisplayMode(7, 105, -1)", "getDisplayMode(7, 105, -1)"));
 }
 
-TEST_F(RequestDispatchTest, keepsTheConvertedFunctionNumber) {
+TEST_F(RequestDispatchTest, storesConvertedFunctionNumber) {
     script.formFields["functionID"] = "0105abc";
     OpenMain object;
     EXPECT_EQ(object.individualProc(), 0);
@@ -57,7 +58,7 @@ TEST_F(RequestDispatchTest, keepsTheConvertedFunctionNumber) {
     EXPECT_THAT(calls({"preCheck"}), testing::ElementsAre("preCheckDisplayMode(0, 105, -1)"));
 }
 
-TEST_F(RequestDispatchTest, function105IsTheBackupPage) {
+TEST_F(RequestDispatchTest, function105BuildsBackupPage) {
     EXPECT_EQ(run(), 0);
     EXPECT_THAT(output(), testing::HasSubstr("meta_frameid=<meta name=\"FRAME-ID\" "
                                              "content=\"M-BACKUP_EFI_CONF-C-00\">"));
@@ -66,7 +67,7 @@ TEST_F(RequestDispatchTest, function105IsTheBackupPage) {
                                    "/usr/local/www/skel/skeleton_efi_backup_tbl.txt", "shell 1"}));
 }
 
-TEST_F(RequestDispatchTest, function106IsTheRestorePage) {
+TEST_F(RequestDispatchTest, function106BuildsRestorePage) {
     script.formFields["functionID"] = "106";
     EXPECT_EQ(run(), 0);
     EXPECT_THAT(output(), testing::HasSubstr("meta_frameid=<meta name=\"FRAME-ID\" "
@@ -77,8 +78,8 @@ TEST_F(RequestDispatchTest, function106IsTheRestorePage) {
     EXPECT_THAT(calls({"preCheck"}), testing::ElementsAre("preCheckDisplayMode(0, 106, -1)"));
 }
 
-// The page's own refusal: it is built, and then shown as an error.
-TEST_F(RequestDispatchTest, theRestorePageRefusesWhoMayNotUseIt) {
+// The page itself refuses: it is built, then shown as an error.
+TEST_F(RequestDispatchTest, restorePageRefusesUnauthorizedUser) {
     script.formFields["functionID"] = "106";
     script.displayMode = 0;
     EXPECT_EQ(endedBy([] { run(); }), "errorExit");
@@ -89,7 +90,7 @@ TEST_F(RequestDispatchTest, theRestorePageRefusesWhoMayNotUseIt) {
                     "errorExit Backup/Restore BIOS Configuration|message 12/1033"));
 }
 
-TEST_F(RequestDispatchTest, theRestorePagesNoticeIsRaisedAsAnAlert) {
+TEST_F(RequestDispatchTest, raisesRestorePageNoticeAsAlert) {
     script.formFields["functionID"] = "106";
     script.formFields["hidden_status"] = "2";
     script.posted = true;
@@ -99,7 +100,7 @@ TEST_F(RequestDispatchTest, theRestorePagesNoticeIsRaisedAsAnAlert) {
         testing::ElementsAre("addFunction initialize()", "addAlertFunction message 71/9999"));
 }
 
-TEST_F(RequestDispatchTest, anExceptionOfTheRestorePageLeavesNothing) {
+TEST_F(RequestDispatchTest, freesEverythingWhenRestorePageThrows) {
     script.formFields["functionID"] = "106";
     script.formFields["hidden_status"] = "3";
     script.posted = true;
@@ -112,7 +113,7 @@ TEST_F(RequestDispatchTest, anExceptionOfTheRestorePageLeavesNothing) {
 class AcceptedNumberTest : public RequestDispatchTest,
                            public testing::WithParamInterface<const char*> {};
 
-// The conversion stops at the first character that is no digit.
+// The conversion stops at the first character that is not a digit.
 TEST_P(AcceptedNumberTest, isReadAs105) {
     script.formFields["functionID"] = GetParam();
     EXPECT_EQ(run(), 0);
@@ -146,7 +147,7 @@ protected:
     Calls refusal;
 };
 
-TEST_P(RefusedNumberTest, isTracedAndShowsTheErrorPage) {
+TEST_P(RefusedNumberTest, isTracedAndShowsErrorPage) {
     EXPECT_EQ(endedBy([] { run(); }), "errorExit");
     EXPECT_EQ(calls({"putLog", "errorExit"}), refusal);
     EXPECT_THAT(calls({"preCheck"}),
@@ -154,7 +155,7 @@ TEST_P(RefusedNumberTest, isTracedAndShowsTheErrorPage) {
                                      ", -1)"));
 }
 
-TEST_P(RefusedNumberTest, givesMinusOneAndNoPageWhenTheErrorPageReturns) {
+TEST_P(RefusedNumberTest, returnsMinusOneWhenErrorPageReturns) {
     script.errorExitReturns = true;
     EXPECT_EQ(run(), -1);
     EXPECT_EQ(calls({"putLog", "errorExit"}), refusal);
@@ -168,7 +169,7 @@ INSTANTIATE_TEST_SUITE_P(FunctionNumber, RefusedNumberTest,
                                          RefusedNumber{"abc", 0}, RefusedNumber{"0x69", 0},
                                          RefusedNumber{"1050", 1050}, RefusedNumber{"5", 5}));
 
-TEST_F(RequestDispatchTest, aMissingFunctionNumberShowsTheErrorPageWithoutATraceLine) {
+TEST_F(RequestDispatchTest, missingFunctionNumberShowsErrorPageUntraced) {
     script.formFields.clear();
     EXPECT_EQ(endedBy([] { run(); }), "errorExit");
     EXPECT_THAT(decisions(),
@@ -177,8 +178,8 @@ TEST_F(RequestDispatchTest, aMissingFunctionNumberShowsTheErrorPageWithoutATrace
                                      "errorExit Error|lmsg 107 [the screen information]"));
 }
 
-// On a platform whose error page returns, the missing number reads as 0 and is refused.
-TEST_F(RequestDispatchTest, aMissingFunctionNumberEndsInTheRefusalWhenTheErrorPageReturns) {
+// If errorExit() returns, the missing number is taken as 0 and refused.
+TEST_F(RequestDispatchTest, missingFunctionNumberIsRefusedAsZeroWhenErrorPageReturns) {
     script.errorExitReturns = true;
     script.formFields.clear();
     EXPECT_EQ(run(), -1);
@@ -191,7 +192,7 @@ TEST_F(RequestDispatchTest, aMissingFunctionNumberEndsInTheRefusalWhenTheErrorPa
                                      "errorExit Error|lmsg 107 [the screen information]"));
 }
 
-TEST_F(RequestDispatchTest, anUnreadableFormPassesThroughAsAnException) {
+TEST_F(RequestDispatchTest, propagatesExceptionOfUnreadableForm) {
     script.formError = 1107;
     EXPECT_EQ(thrownDetail([] { run(); }), 1107);
     EXPECT_THAT(calls({"delete"}),
@@ -199,7 +200,7 @@ TEST_F(RequestDispatchTest, anUnreadableFormPassesThroughAsAnException) {
                                      "delete VeskTrace(1, 2, 29696)"));
 }
 
-TEST_F(RequestDispatchTest, aPreCheckOfExactlyOneAllowsWithoutLookingFurther) {
+TEST_F(RequestDispatchTest, preCheckOfOneAllowsWithoutFurtherChecks) {
     script.preCheckDisplayMode = 1;
     script.displayMode = 0;
     EXPECT_EQ(run(), 0);
@@ -210,7 +211,7 @@ TEST_F(RequestDispatchTest, aPreCheckOfExactlyOneAllowsWithoutLookingFurther) {
 
 class OtherPreCheckTest : public RequestDispatchTest, public testing::WithParamInterface<int> {};
 
-TEST_P(OtherPreCheckTest, leavesTheDecisionToTheDisplayMode) {
+TEST_P(OtherPreCheckTest, leavesDecisionToDisplayMode) {
     script.preCheckDisplayMode = GetParam();
     script.displayMode = 0;
     EXPECT_EQ(endedBy([] { run(); }), "errorExit");
@@ -225,8 +226,8 @@ INSTANTIATE_TEST_SUITE_P(PreCheck, OtherPreCheckTest, testing::Values(2, -1, 0))
 class AllowingDisplayModeTest : public RequestDispatchTest,
                                 public testing::WithParamInterface<int> {};
 
-// The page gets 2 or 0 and never the raw number: the pages test for exactly 2.
-TEST_P(AllowingDisplayModeTest, givesThePageTwo) {
+// Pages test for exactly 2, so they get 2 or 0, never the raw number.
+TEST_P(AllowingDisplayModeTest, passesTwoToPage) {
     script.displayMode = GetParam();
     EXPECT_EQ(run(), 0);
     EXPECT_THAT(output(), testing::HasSubstr("RadioButton(radio_button, , form_name, 2)"));

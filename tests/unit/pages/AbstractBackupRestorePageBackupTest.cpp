@@ -1,4 +1,4 @@
-// How AbstractBackupRestorePage has a backup made and offers it for download.
+// Tests of AbstractBackupRestorePage: how it requests a backup and offers it for download.
 
 #include "tests/support/ScopedEnvironment.h"
 #include "tests/support/files.h"
@@ -31,7 +31,7 @@ protected:
 
     void backup(unsigned int partition, bool named) { page.backup(partition, path, named); }
 
-    // The page after a backup of which the browser fetches `name`.
+    // Returns the printed page that makes the browser download the backup as `name`.
     static std::string pageThatFetches(const std::string& name) {
         return "[/page.txt|filepath=TextString(/common/download.cgi?functionID=5&filename=" + name +
                ", false, true, 6)|onload_function=TextString(downloadFunction(), false, false, 6)]";
@@ -48,7 +48,7 @@ protected:
     std::string path = "/backup";
 };
 
-TEST_F(BackupTest, createsTheFileHasItWrittenReadsItAndOffersIt) {
+TEST_F(BackupTest, createsFileRequestsBackupAndOffersDownload) {
     backup(3, true);
     const std::string link =
         "/common/download.cgi?functionID=5&filename="
@@ -63,21 +63,21 @@ TEST_F(BackupTest, createsTheFileHasItWrittenReadsItAndOffersIt) {
     EXPECT_EQ(printedPage(), pageThatFetches("Partition3_20261114_123B.dat"));
 }
 
-TEST_F(BackupTest, saysNothingWhenItSucceeds) {
+TEST_F(BackupTest, showsNoMessageOnSuccess) {
     backup(3, true);
     EXPECT_EQ(page.message, "");
     EXPECT_FALSE(page.alertFlag);
     EXPECT_FALSE(page.errorFlag);
 }
 
-TEST_F(BackupTest, leavesAnEarlierNoticeAsItWas) {
+TEST_F(BackupTest, keepsEarlierNotice) {
     page.addNotice("first");
     backup(3, true);
     EXPECT_EQ(page.message, "first");
     EXPECT_TRUE(page.alertFlag);
 }
 
-TEST_F(BackupTest, withoutNameThePartitionIsOnlyInTheRequest) {
+TEST_F(BackupTest, omitsPartitionFromFileNameWhenUnnamed) {
     script.fileHeader.saveTime = NOON_OF_5_MARCH_2027;
     script.fileVersion = "-";
     backup(7, false);
@@ -85,20 +85,20 @@ TEST_F(BackupTest, withoutNameThePartitionIsOnlyInTheRequest) {
     EXPECT_EQ(printedPage(), pageThatFetches("BIOS_20270305_Unknown.dat"));
 }
 
-TEST_F(BackupTest, thePartitionNumberIsUnsignedAndUnpadded) {
+TEST_F(BackupTest, namesPartitionUnsignedAndUnpadded) {
     backup(0xFFFFFFFF, true);
     EXPECT_THAT(calls({"setInfo"}), testing::ElementsAre("setInfo 0x020100A3 [FF FF FF FF]"));
     EXPECT_EQ(printedPage(), pageThatFetches("Partition4294967295_20261114_123B.dat"));
 }
 
-TEST_F(BackupTest, thePlaceholdersOfAnEarlierBackupAreReplaced) {
+TEST_F(BackupTest, replacesLinkOfEarlierBackup) {
     backup(1, true);
     backup(2, true);
     EXPECT_EQ(printedPage(), pageThatFetches("Partition2_20261114_123B.dat"));
     EXPECT_THAT(calls({"delete TextString"}), testing::SizeIs(2));
 }
 
-TEST_F(BackupTest, succeedsWhenOnlyTheBackEndCanWriteTheFile) {
+TEST_F(BackupTest, succeedsWhenOnlyBackEndCanWriteFile) {
     script.creatError = EACCES;
     backup(3, true);
     EXPECT_THAT(calls({"creat", "lmsg", "putLog", "close", "setInfo"}),
@@ -111,21 +111,21 @@ TEST_F(BackupTest, succeedsWhenOnlyTheBackEndCanWriteTheFile) {
     EXPECT_EQ(printedPage(), pageThatFetches("Partition3_20261114_123B.dat"));
 }
 
-// In a process without a standard input, 0 is a descriptor like any other.
-TEST_F(BackupTest, takesDescriptorZeroForAFile) {
+// In a process without standard input, 0 is an ordinary file descriptor.
+TEST_F(BackupTest, acceptsDescriptorZero) {
     script.descriptor = 0;
     backup(3, true);
     EXPECT_THAT(calls({"close", "putLog"}), testing::ElementsAre("close 0"));
 }
 
-TEST_F(BackupTest, doesNotMindAFailingClose) {
+TEST_F(BackupTest, ignoresFailingClose) {
     script.closeError = EIO;
     backup(3, true);
     EXPECT_THAT(calls({"putLog"}), testing::IsEmpty());
     EXPECT_EQ(printedPage(), pageThatFetches("Partition3_20261114_123B.dat"));
 }
 
-TEST_F(BackupTest, aRefusalIsANoticeWithoutALink) {
+TEST_F(BackupTest, refusalShowsNoticeWithoutLink) {
     script.replies[0x020100A3].errorCode = 1540;
     backup(3, true);
     EXPECT_THAT(calls(), testing::ElementsAre("creat /backup 0666", "close 100000",
@@ -137,7 +137,7 @@ TEST_F(BackupTest, aRefusalIsANoticeWithoutALink) {
     EXPECT_EQ(printedPage(), "[/page.txt]");
 }
 
-TEST_F(BackupTest, aRefusalUsesTheErrorCodesOwnMessage) {
+TEST_F(BackupTest, refusalUsesMessageOfErrorCode) {
     for (const int code : {1047, 1539, 1549, 1551}) {
         script.replies[0x020100A3].errorCode = code;
         backup(3, true);
@@ -146,14 +146,14 @@ TEST_F(BackupTest, aRefusalUsesTheErrorCodesOwnMessage) {
               "message 250/1047<br>message 64/1539<br>message 73/1549<br>message 353/1551");
 }
 
-TEST_F(BackupTest, aFileThatCannotBeOpenedLeavesAsAnException) {
+TEST_F(BackupTest, throwsWhenFileCannotBeOpened) {
     script.openError = 1103;
     EXPECT_EQ(thrownDetail([&] { backup(3, true); }), 1103);
     EXPECT_EQ(printedPage(), "[/page.txt]");
     EXPECT_EQ(page.message, "");
 }
 
-TEST_F(BackupTest, anUnreadableHeaderLeavesAsAnException) {
+TEST_F(BackupTest, throwsWhenHeaderIsUnreadable) {
     script.headerError = 1104;
     EXPECT_EQ(thrownDetail([&] { backup(3, true); }), 1104);
     EXPECT_EQ(printedPage(), "[/page.txt]");
@@ -161,7 +161,7 @@ TEST_F(BackupTest, anUnreadableHeaderLeavesAsAnException) {
                 testing::ElementsAre("getFileHeader", "delete EFIConfFile(/backup)"));
 }
 
-TEST_F(BackupTest, replacesTheFileOfAnEarlierBackup) {
+TEST_F(BackupTest, replacesFileOfEarlierBackup) {
     const TemporaryFolder folder;
     script.realFiles = true;
     path = folder.path / "backup";
@@ -170,7 +170,7 @@ TEST_F(BackupTest, replacesTheFileOfAnEarlierBackup) {
     EXPECT_TRUE(std::filesystem::is_empty(path));
 }
 
-TEST_F(BackupTest, makesAFileThatTheUmaskProtects) {
+TEST_F(BackupTest, createsFileSubjectToUmask) {
     const TemporaryFolder folder;
     script.realFiles = true;
     path = folder.path / "backup";
@@ -191,7 +191,7 @@ std::ostream& operator<<(std::ostream& stream, const VersionCase& testCase) {
 
 class BackupVersionTest : public BackupTest, public testing::WithParamInterface<VersionCase> {};
 
-TEST_P(BackupVersionTest, becomesPartOfTheName) {
+TEST_P(BackupVersionTest, becomesPartOfFileName) {
     script.fileVersion = GetParam().version;
     backup(3, true);
     EXPECT_EQ(printedPage(), pageThatFetches("Partition3_20261114_" + GetParam().part + ".dat"));
@@ -219,10 +219,10 @@ std::ostream& operator<<(std::ostream& stream, const DateCase& testCase) {
 
 class BackupDateTest : public BackupTest, public testing::WithParamInterface<DateCase> {};
 
-TEST_P(BackupDateTest, isTheLocalCalendarDay) {
+TEST_P(BackupDateTest, isLocalCalendarDay) {
     const ScopedEnvironment local("TZ", GetParam().timeZone);
     script.fileHeader.saveTime = GetParam().saveTime;
-    // The other number of the header is not a time.
+    // The header's other number is not a time.
     script.fileHeader.revision = 86400 * 400;
     backup(3, true);
     EXPECT_EQ(printedPage(),
@@ -233,14 +233,14 @@ INSTANTIATE_TEST_SUITE_P(
     OfTheFile, BackupDateTest,
     testing::Values(DateCase{"UTC0", NOON_OF_1_JANUARY_2027, "20270101"},
                     DateCase{"UTC0", NOON_OF_14_NOVEMBER_2026, "20261114"},
-                    // The evening before in UTC, and still the last day of the year in the west.
+                    // Compared with UTC, it is already the next day or still the day before.
                     DateCase{"JST-9", NOON_OF_14_NOVEMBER_2026 - 16 * 3600, "20261114"},
                     DateCase{"EST5", NOON_OF_1_JANUARY_2027 - 10 * 3600, "20261231"},
                     DateCase{"UTC0", 0, "19700101"},
-                    // Two digits from ten on.
+                    // The month and the day may have two digits.
                     DateCase{"UTC0", 1791547200, "20261009"},
                     DateCase{"UTC0", 1791633600, "20261010"},
-                    // The largest number is in the future, not in the past.
+                    // The save time is unsigned.
                     DateCase{"UTC0", 0xFFFFFFFF, "21060207"}));
 
 }  // namespace VeskLib::Test

@@ -1,4 +1,4 @@
-// What AbstractBackupRestorePage does with the staged file.
+// Tests of AbstractBackupRestorePage: how it restores and discards the staged file.
 
 #include "tests/support/files.h"
 #include "tests/unit/support/PageTest.h"
@@ -25,7 +25,7 @@ protected:
     std::string lockPath = "/lock";
 };
 
-TEST_F(StagedFileTest, aRestoreSendsThePartitionsAndSaysThatItSucceeded) {
+TEST_F(StagedFileTest, restoreSendsPartitionsAndReportsSuccess) {
     script.replies[0x020100A4].errorCode = 0;
     restore({0, 3, 7}, 106);
     EXPECT_THAT(calls(), testing::ElementsAre("setInfo 0x020100A4 [00 03 00 03 07]",
@@ -35,7 +35,7 @@ TEST_F(StagedFileTest, aRestoreSendsThePartitionsAndSaysThatItSucceeded) {
     EXPECT_FALSE(page.errorFlag);
 }
 
-TEST_F(StagedFileTest, aRefusedRestoreSaysWhy) {
+TEST_F(StagedFileTest, refusedRestoreReportsReason) {
     script.replies[0x020100A4].errorCode = 1540;
     restore({1}, 106);
     EXPECT_THAT(calls(), testing::ElementsAre("setInfo 0x020100A4 [00 01 01]", "getErrorCode",
@@ -45,13 +45,13 @@ TEST_F(StagedFileTest, aRefusedRestoreSaysWhy) {
     EXPECT_FALSE(page.errorFlag);
 }
 
-TEST_F(StagedFileTest, aRefusedRestoreUsesTheErrorCodesOwnMessage) {
+TEST_F(StagedFileTest, refusedRestoreUsesMessageOfErrorCode) {
     script.replies[0x020100A4].errorCode = 1549;
     restore({1}, 106);
     EXPECT_EQ(page.message, "message 73/1549");
 }
 
-TEST_F(StagedFileTest, theOtherArgumentsOfARestoreChangeNothing) {
+TEST_F(StagedFileTest, restoreIgnoresOtherArguments) {
     script.replies[0x020100A4].errorCode = 0;
     restore({}, 106);
     finished = true;
@@ -64,7 +64,7 @@ TEST_F(StagedFileTest, theOtherArgumentsOfARestoreChangeNothing) {
     EXPECT_EQ(page.message, "message 70/0<br>message 70/0<br>message 70/0");
 }
 
-TEST_F(StagedFileTest, isRemovedWhileTheLockIsHeld) {
+TEST_F(StagedFileTest, isRemovedUnderLock) {
     page.discardUploadedFile(stagingPath, lockPath);
     EXPECT_THAT(calls(), testing::ElementsAre("new LockedFile(/lock)", "remove /staged",
                                               "delete LockedFile(/lock)"));
@@ -72,7 +72,7 @@ TEST_F(StagedFileTest, isRemovedWhileTheLockIsHeld) {
     EXPECT_FALSE(page.alertFlag);
 }
 
-TEST_F(StagedFileTest, aFailedRemovalIsOnlyTracedWhileTheLockIsHeld) {
+TEST_F(StagedFileTest, failedRemovalIsTracedUnderLockWithoutNotice) {
     script.removeError = ENOENT;
     page.discardUploadedFile(stagingPath, lockPath);
     EXPECT_THAT(calls(),
@@ -85,7 +85,7 @@ TEST_F(StagedFileTest, aFailedRemovalIsOnlyTracedWhileTheLockIsHeld) {
     EXPECT_FALSE(page.errorFlag);
 }
 
-TEST_F(StagedFileTest, aRemovalLeavesTheAlertAsItWas) {
+TEST_F(StagedFileTest, removalKeepsEarlierNotice) {
     page.addNotice("first");
     script.removeError = EACCES;
     page.discardUploadedFile(stagingPath, lockPath);
@@ -93,15 +93,15 @@ TEST_F(StagedFileTest, aRemovalLeavesTheAlertAsItWas) {
     EXPECT_TRUE(page.alertFlag);
 }
 
-TEST_F(StagedFileTest, staysWhenTheLockCannotBeHad) {
+TEST_F(StagedFileTest, staysWhenLockFails) {
     script.lockError = 1101;
     EXPECT_EQ(thrownDetail([&] { page.discardUploadedFile(stagingPath, lockPath); }), 1101);
-    EXPECT_THAT(calls(), testing::ElementsAre("LockedFile cannot be had: /lock"));
+    EXPECT_THAT(calls(), testing::ElementsAre("LockedFile cannot be locked: /lock"));
     EXPECT_EQ(page.message, "");
     EXPECT_FALSE(page.alertFlag);
 }
 
-TEST_F(StagedFileTest, isGoneFromTheDiskAfterwards) {
+TEST_F(StagedFileTest, isRemovedFromDisk) {
     const TemporaryFolder folder;
     script.realFiles = true;
     stagingPath = folder.path / "staged";

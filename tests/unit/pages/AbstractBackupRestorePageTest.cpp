@@ -15,13 +15,13 @@ protected:
     TestPage page{requester, formInfo, messageMgr, &displayMode, "/page.txt", 106};
 };
 
-TEST_F(AbstractBackupRestorePageTest, isMadeWithItsSkeletonAndTraceLog) {
+TEST_F(AbstractBackupRestorePageTest, createsGeneratorAndTraceLog) {
     EXPECT_THAT(calls(), testing::ElementsAre("new HTMLCodeGenerator(/page.txt)",
                                               "new VeskTrace(1, 2, 29697)"));
 }
 
-// On memory that is not zero, so that a field nobody sets shows.
-TEST_F(AbstractBackupRestorePageTest, everyFieldIsSetWhenMade) {
+// Uses nonzero memory, so that an uninitialized field shows.
+TEST_F(AbstractBackupRestorePageTest, initializesEveryField) {
     alignas(TestPage) std::array<unsigned char, sizeof(TestPage)> memory;
     memory.fill(0xA5);
     auto* made = new (memory.data())
@@ -40,12 +40,12 @@ TEST_F(AbstractBackupRestorePageTest, everyFieldIsSetWhenMade) {
     made->~TestPage();
 }
 
-TEST_F(AbstractBackupRestorePageTest, leavesBothDisplaysToThePageClasses) {
+TEST_F(AbstractBackupRestorePageTest, isAbstractAndDefinesFileExtension) {
     EXPECT_TRUE(std::is_abstract_v<Gui::AbstractBackupRestorePage>);
     EXPECT_STREQ(Gui::AbstractBackupRestorePage::FILE_EXTENSION, ".dat");
 }
 
-TEST_F(AbstractBackupRestorePageTest, isDeletedAsAComponent) {
+TEST_F(AbstractBackupRestorePageTest, isDeletableAsComponent) {
     auto* made = new TestPage(requester, formInfo, messageMgr, &displayMode, "/other.txt", 105);
     made->putProbe("name");
     Scripted::forgetCalls();
@@ -55,7 +55,7 @@ TEST_F(AbstractBackupRestorePageTest, isDeletedAsAComponent) {
                                               "delete VeskTrace(1, 2, 29697)"));
 }
 
-TEST_F(AbstractBackupRestorePageTest, aNoticeIsAnAlertAndKeepsTheComponents) {
+TEST_F(AbstractBackupRestorePageTest, noticeRaisesAlertAndKeepsComponents) {
     page.putProbe("name");
     page.addNotice("first");
     EXPECT_EQ(page.message, "first");
@@ -64,13 +64,13 @@ TEST_F(AbstractBackupRestorePageTest, aNoticeIsAnAlertAndKeepsTheComponents) {
     EXPECT_EQ(page.componentMap.size(), 1u);
 }
 
-TEST_F(AbstractBackupRestorePageTest, twoNoticesAreShownOneBelowTheOther) {
+TEST_F(AbstractBackupRestorePageTest, joinsNoticesWithLineBreak) {
     page.addNotice("first");
     page.addNotice("second");
     EXPECT_EQ(page.message, "first<br>second");
 }
 
-TEST_F(AbstractBackupRestorePageTest, anErrorDropsEveryComponentByName) {
+TEST_F(AbstractBackupRestorePageTest, errorDeletesComponentsInNameOrder) {
     page.putProbe("c");
     page.putProbe("a");
     page.componentMap["b"] = nullptr;
@@ -82,7 +82,7 @@ TEST_F(AbstractBackupRestorePageTest, anErrorDropsEveryComponentByName) {
     EXPECT_THAT(calls({"delete"}), testing::ElementsAre("delete a", "delete c"));
 }
 
-TEST_F(AbstractBackupRestorePageTest, anErrorStandsBelowWhatWasSaidBefore) {
+TEST_F(AbstractBackupRestorePageTest, appendsErrorToEarlierMessages) {
     page.addNotice("first");
     page.reportError("broken");
     page.reportError("and again");
@@ -104,12 +104,12 @@ std::ostream& operator<<(std::ostream& stream, const ErrorCodeCase& testCase) {
 class ErrorCodeTest : public AbstractBackupRestorePageTest,
                       public testing::WithParamInterface<ErrorCodeCase> {};
 
-TEST_P(ErrorCodeTest, becomesANotice) {
+TEST_P(ErrorCodeTest, becomesNotice) {
     page.setErrMsg(GetParam().defaultMessage, GetParam().errorCode);
     EXPECT_EQ(page.message, GetParam().text);
     EXPECT_TRUE(page.alertFlag);
     EXPECT_FALSE(page.errorFlag);
-    // Just one text is asked for.
+    // Only one text is looked up.
     EXPECT_THAT(calls({"getMessage"}),
                 testing::ElementsAre("getMessage " + std::string(GetParam().text)));
 }
@@ -125,7 +125,7 @@ INSTANTIATE_TEST_SUITE_P(
         ErrorCodeCase{71, 1548, "message 71/1548"}, ErrorCodeCase{71, 1552, "message 71/1552"},
         ErrorCodeCase{30, 0, "message 30/0"}, ErrorCodeCase{30, -1, "message 30/-1"}));
 
-TEST_F(AbstractBackupRestorePageTest, aBackEndErrorStandsBelowWhatWasSaidBefore) {
+TEST_F(AbstractBackupRestorePageTest, appendsBackEndErrorToEarlierMessages) {
     page.addNotice("first");
     page.setErrMsg(71, 1539);
     EXPECT_EQ(page.message, "first<br>message 64/1539");
@@ -140,7 +140,7 @@ TEST_F(AbstractBackupRestorePageTest, tracesTextsAtLevelZero) {
     EXPECT_EQ(page.message, "");
 }
 
-TEST_F(AbstractBackupRestorePageTest, whatCannotBeReadIsTracedAndReportedInTheSameWords) {
+TEST_F(AbstractBackupRestorePageTest, tracesAndReportsUnavailableDataWithSameText) {
     page.putProbe("name");
     page.reportUnavailable("the partition status");
     EXPECT_THAT(calls({"lmsg_getmsg", "putLog", "delete"}),
@@ -150,7 +150,7 @@ TEST_F(AbstractBackupRestorePageTest, whatCannotBeReadIsTracedAndReportedInTheSa
     EXPECT_TRUE(page.errorFlag);
 }
 
-TEST_F(AbstractBackupRestorePageTest, putsTextsAndFieldsIntoThePage) {
+TEST_F(AbstractBackupRestorePageTest, putsTextsAndFieldsIntoPage) {
     page.putText("a", "<b>");
     page.putReadyText("b", "<i>");
     page.putHiddenField("c", "field", "value");
@@ -167,7 +167,7 @@ TEST_F(AbstractBackupRestorePageTest, putsComponentsIntoRows) {
     EXPECT_EQ(output(), "[/row.txt|name=1]");
 }
 
-TEST_F(AbstractBackupRestorePageTest, aComponentThatARowCannotTakeIsDeletedOnce) {
+TEST_F(AbstractBackupRestorePageTest, deletesComponentOnceWhenRowRejectsIt) {
     Gui::HTMLItem row("/row.txt");
     script.insertErrors["name"] = 7;
     EXPECT_EQ(thrownDetail(
@@ -176,7 +176,7 @@ TEST_F(AbstractBackupRestorePageTest, aComponentThatARowCannotTakeIsDeletedOnce)
     EXPECT_THAT(calls({"delete"}), testing::ElementsAre("delete 1"));
 }
 
-TEST_F(AbstractBackupRestorePageTest, buildsTheDisplayAndThenLetsGoOfTheForm) {
+TEST_F(AbstractBackupRestorePageTest, buildsDisplayThenTerminatesForm) {
     page.build = [](TestPage& built) { built.putProbe("name"); };
     Scripted::forgetCalls();
     page.buildPage();
@@ -184,14 +184,14 @@ TEST_F(AbstractBackupRestorePageTest, buildsTheDisplayAndThenLetsGoOfTheForm) {
     EXPECT_EQ(page.componentMap.size(), 1u);
 }
 
-TEST_F(AbstractBackupRestorePageTest, aPostedActionIsBuiltInstead) {
+TEST_F(AbstractBackupRestorePageTest, buildsActionWhenPosted) {
     script.posted = true;
     Scripted::forgetCalls();
     page.buildPage();
     EXPECT_THAT(calls(), testing::ElementsAre("makePage", "makeConfigPage", "terminate"));
 }
 
-TEST_F(AbstractBackupRestorePageTest, whatIsBuiltAfterAnErrorIsDroppedAtTheEnd) {
+TEST_F(AbstractBackupRestorePageTest, dropsComponentsBuiltAfterError) {
     page.build = [](TestPage& built) {
         built.reportError("broken");
         built.putProbe("late");
@@ -204,7 +204,7 @@ TEST_F(AbstractBackupRestorePageTest, whatIsBuiltAfterAnErrorIsDroppedAtTheEnd) 
     EXPECT_EQ(output(), "[/page.txt]");
 }
 
-TEST_F(AbstractBackupRestorePageTest, aNoticeLeavesTheBuiltPageInPlace) {
+TEST_F(AbstractBackupRestorePageTest, keepsBuiltPageAfterNotice) {
     page.build = [](TestPage& built) {
         built.putProbe("name");
         built.addNotice("first");

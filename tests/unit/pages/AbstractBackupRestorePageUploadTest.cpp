@@ -1,4 +1,4 @@
-// What AbstractBackupRestorePage does with an uploaded file.
+// Tests of AbstractBackupRestorePage: how it checks and stages an uploaded file.
 
 #include "tests/support/files.h"
 #include "tests/unit/support/PageTest.h"
@@ -29,7 +29,7 @@ protected:
         EXPECT_FALSE(page.errorFlag);
     }
 
-    void expectNothingSaid() const {
+    void expectNoMessage() const {
         EXPECT_EQ(page.message, "");
         EXPECT_FALSE(page.alertFlag);
         EXPECT_FALSE(page.errorFlag);
@@ -40,23 +40,23 @@ protected:
     std::string lockPath = "/lock";
 };
 
-TEST_F(UploadTest, isCheckedAndThenMovedWhileTheLockIsHeld) {
+TEST_F(UploadTest, isCheckedThenMovedUnderLock) {
     upload();
     EXPECT_THAT(calls(),
                 testing::ElementsAre("getUploadFileSize", "getUploadFileName",
                                      "new LockedFile(/lock)", "getUploadFilePath",
                                      "rename /uploaded /staged", "delete LockedFile(/lock)"));
-    expectNothingSaid();
+    expectNoMessage();
 }
 
-TEST_F(UploadTest, leavesAnEarlierNoticeAsItWas) {
+TEST_F(UploadTest, keepsEarlierNotice) {
     page.addMessage("first");
     upload();
     EXPECT_EQ(page.message, "first");
     EXPECT_FALSE(page.alertFlag);
 }
 
-TEST_F(UploadTest, ofNothingIsRefusedWhateverItsName) {
+TEST_F(UploadTest, isRejectedWhenEmptyWhateverItsName) {
     script.uploadSize = 0;
     upload();
     EXPECT_THAT(calls(),
@@ -66,7 +66,7 @@ TEST_F(UploadTest, ofNothingIsRefusedWhateverItsName) {
     expectNotice("message 33/1028");
 }
 
-TEST_F(UploadTest, thatFailsStandsBelowWhatWasSaidBefore) {
+TEST_F(UploadTest, failureIsAppendedToEarlierMessages) {
     page.addMessage("first");
     script.uploadSize = 0;
     upload();
@@ -79,15 +79,15 @@ TEST_P(AcceptedSizeTest, isMoved) {
     script.uploadSize = GetParam();
     upload();
     EXPECT_THAT(calls({"rename", "putLog"}), testing::ElementsAre("rename /uploaded /staged"));
-    expectNothingSaid();
+    expectNoMessage();
 }
 
 INSTANTIATE_TEST_SUITE_P(OfTheUpload, AcceptedSizeTest, testing::Values(1, 393215, 393216));
 
 class RefusedSizeTest : public UploadTest, public testing::WithParamInterface<unsigned int> {};
 
-// The size is looked at before the name.
-TEST_P(RefusedSizeTest, isTracedWithItsNumber) {
+// The size is checked before the name.
+TEST_P(RefusedSizeTest, isRejectedAndTracedWithSize) {
     script.uploadSize = GetParam();
     script.uploadName = "x.txt";
     upload();
@@ -106,14 +106,14 @@ INSTANTIATE_TEST_SUITE_P(OfTheUpload, RefusedSizeTest,
 
 class AcceptedNameTest : public UploadTest, public testing::WithParamInterface<const char*> {};
 
-// The last ".dat" counts. A name of three characters passes on purpose: "not found" and its length
-// minus 4 are the same number.
+// The last ".dat" counts. Intended: a name of three characters is accepted, because its length
+// minus 4 equals the value for "not found".
 TEST_P(AcceptedNameTest, isMoved) {
     script.uploadName = GetParam();
     upload();
     EXPECT_THAT(calls({"new LockedFile", "rename", "putLog"}),
                 testing::ElementsAre("new LockedFile(/lock)", "rename /uploaded /staged"));
-    expectNothingSaid();
+    expectNoMessage();
 }
 
 INSTANTIATE_TEST_SUITE_P(OfTheUpload, AcceptedNameTest,
@@ -122,7 +122,7 @@ INSTANTIATE_TEST_SUITE_P(OfTheUpload, AcceptedNameTest,
 
 class RefusedNameTest : public UploadTest, public testing::WithParamInterface<const char*> {};
 
-TEST_P(RefusedNameTest, isTracedAndNothingIsLockedOrMoved) {
+TEST_P(RefusedNameTest, isRejectedWithoutLockingOrMoving) {
     script.uploadName = GetParam();
     upload();
     EXPECT_THAT(calls(),
@@ -138,26 +138,26 @@ INSTANTIATE_TEST_SUITE_P(OfTheUpload, RefusedNameTest,
                                          "ab", "abcd", "xdat", "x.da", "x.Dat", "x.dat ", "abcde",
                                          "x.datx"));
 
-TEST_F(UploadTest, withoutTheLockIsNotMoved) {
+TEST_F(UploadTest, isNotMovedWithoutLock) {
     script.lockError = 1101;
     upload();
     EXPECT_THAT(calls(),
                 testing::ElementsAre("getUploadFileSize", "getUploadFileName",
-                                     "LockedFile cannot be had: /lock", "lmsg_getmsg 20003",
+                                     "LockedFile cannot be locked: /lock", "lmsg_getmsg 20003",
                                      "putLog 0 lmsg 20003 [AbstractBackupRestorePage::upload]",
                                      "getMessage message 45/1101"));
     expectNotice("message 45/1101");
 }
 
-// The detail of the lock's exception is shown behind 45 and never read as a back-end error.
-TEST_F(UploadTest, withoutTheLockHasNoMessageOfTheCodesOwn) {
+// The detail of the lock's exception follows message 45 and is never taken as a back-end error.
+TEST_F(UploadTest, lockFailureAlwaysUsesMessage45) {
     script.lockError = 1549;
     upload();
     expectNotice("message 45/1549");
 }
 
-// errno is read before any platform call can change it.
-TEST_F(UploadTest, thatCannotBeMovedIsTracedWithTheErrorNumberWhileTheLockIsHeld) {
+// errno is read before any platform call that may change it.
+TEST_F(UploadTest, failedMoveIsTracedWithErrnoUnderLock) {
     script.renameError = EXDEV;
     upload();
     EXPECT_THAT(calls(), testing::ElementsAre(
@@ -169,7 +169,7 @@ TEST_F(UploadTest, thatCannotBeMovedIsTracedWithTheErrorNumberWhileTheLockIsHeld
     expectNotice("message 45/1043");
 }
 
-TEST_F(UploadTest, anExceptionUnderTheLockReleasesItBeforeItIsReported) {
+TEST_F(UploadTest, releasesLockBeforeReportingException) {
     script.uploadPathError = 1103;
     upload();
     EXPECT_THAT(calls(), testing::ElementsAre(
@@ -180,8 +180,8 @@ TEST_F(UploadTest, anExceptionUnderTheLockReleasesItBeforeItIsReported) {
     expectNotice("message 30/1103");
 }
 
-// Unlike without the lock, the detail is read as a back-end error's is.
-TEST_F(UploadTest, anExceptionUnderTheLockUsesTheCodesOwnMessage) {
+// Unlike that of a lock failure, the detail is taken as a back-end error.
+TEST_F(UploadTest, exceptionUnderLockUsesMessageOfErrorCode) {
     script.uploadPathError = 1047;
     upload();
     expectNotice("message 250/1047");
@@ -189,8 +189,8 @@ TEST_F(UploadTest, anExceptionUnderTheLockUsesTheCodesOwnMessage) {
 
 class UnknownUploadTest : public UploadTest, public testing::WithParamInterface<const char*> {};
 
-// The platform cannot say what was uploaded. Nothing is locked, moved or thrown.
-TEST_P(UnknownUploadTest, isTracedAndBecomesANotice) {
+// The platform cannot describe the upload. Nothing is locked, moved or thrown.
+TEST_P(UnknownUploadTest, isTracedAndBecomesNotice) {
     Scripted::throwAt(GetParam(), std::make_exception_ptr(Scripted::makeScriptedException(1103)));
     upload();
     EXPECT_THAT(calls({"new LockedFile", "rename", "putLog", "getMessage"}),
@@ -199,38 +199,38 @@ TEST_P(UnknownUploadTest, isTracedAndBecomesANotice) {
     expectNotice("message 30/1103");
 }
 
-// The detail is read as a back-end error's is, as under the lock.
-TEST_P(UnknownUploadTest, usesTheCodesOwnMessage) {
+// The detail is taken as a back-end error, as under the lock.
+TEST_P(UnknownUploadTest, usesMessageOfErrorCode) {
     Scripted::throwAt(GetParam(), std::make_exception_ptr(Scripted::makeScriptedException(1047)));
     upload();
     expectNotice("message 250/1047");
 }
 
-TEST_P(UnknownUploadTest, letsAnExceptionOfAnotherTypePass) {
+TEST_P(UnknownUploadTest, propagatesOtherExceptions) {
     Scripted::throwAt(GetParam(), std::make_exception_ptr(std::runtime_error("other")));
     EXPECT_THROW(upload(), std::runtime_error);
-    expectNothingSaid();
+    expectNoMessage();
 }
 
 INSTANTIATE_TEST_SUITE_P(OfThePlatform, UnknownUploadTest,
                          testing::Values("getUploadFileSize", "getUploadFileName"));
 
-TEST_F(UploadTest, anExceptionOfAnotherTypePassesThroughAndReleasesTheLock) {
+TEST_F(UploadTest, propagatesOtherExceptionsAndReleasesLock) {
     Scripted::throwAt("getUploadFilePath", std::make_exception_ptr(std::runtime_error("other")));
     EXPECT_THROW(upload(), std::runtime_error);
     EXPECT_THAT(calls({"new LockedFile", "rename", "putLog", "getMessage", "delete"}),
                 testing::ElementsAre("new LockedFile(/lock)", "delete LockedFile(/lock)"));
-    expectNothingSaid();
+    expectNoMessage();
 }
 
-TEST_F(UploadTest, anExceptionOfAnotherTypeInsteadOfTheLockPassesThrough) {
+TEST_F(UploadTest, propagatesOtherExceptionsOfLock) {
     Scripted::throwAt("new LockedFile", std::make_exception_ptr(std::runtime_error("other")));
     EXPECT_THROW(upload(), std::runtime_error);
     EXPECT_THAT(calls({"rename", "putLog", "getMessage", "delete"}), testing::IsEmpty());
-    expectNothingSaid();
+    expectNoMessage();
 }
 
-// An upload on the disk.
+// Fixture for uploads of real files.
 class UploadedFileTest : public UploadTest {
 protected:
     UploadedFileTest() {
@@ -243,21 +243,21 @@ protected:
     TemporaryFolder folder;
 };
 
-TEST_F(UploadedFileTest, isTheStagedFileAfterwards) {
+TEST_F(UploadedFileTest, becomesStagedFile) {
     upload();
     EXPECT_EQ(namesIn(folder.path), Calls{"staged"});
     EXPECT_EQ(readText(stagingPath), "new content");
-    expectNothingSaid();
+    expectNoMessage();
 }
 
-TEST_F(UploadedFileTest, replacesAnEarlierOne) {
+TEST_F(UploadedFileTest, replacesEarlierFile) {
     writeText(stagingPath, "old content, which is longer");
     upload();
     EXPECT_EQ(namesIn(folder.path), Calls{"staged"});
     EXPECT_EQ(readText(stagingPath), "new content");
 }
 
-TEST_F(UploadedFileTest, thatIsRefusedLeavesAnEarlierOneInPlace) {
+TEST_F(UploadedFileTest, keepsEarlierFileWhenRejected) {
     writeText(stagingPath, "old content");
     for (const auto& spoil : std::vector<std::function<void()>>{
              [this] { script.uploadSize = 0; }, [this] { script.uploadSize = 393217; },
@@ -282,7 +282,7 @@ TEST_F(UploadedFileTest, thatIsRefusedLeavesAnEarlierOneInPlace) {
     }
 }
 
-TEST_F(UploadedFileTest, cannotBeMovedIntoAMissingFolder) {
+TEST_F(UploadedFileTest, isNotMovedIntoMissingFolder) {
     stagingPath = folder.path / "missing" / "staged";
     upload();
     EXPECT_THAT(
@@ -293,9 +293,9 @@ TEST_F(UploadedFileTest, cannotBeMovedIntoAMissingFolder) {
     EXPECT_EQ(readText(script.uploadPath), "new content");
 }
 
-// What the pages build of an upload.
+// The components of an upload form.
 
-TEST_F(UploadTest, isChosenWithASelectorAndAButton) {
+TEST_F(UploadTest, usesFileSelectorAndButton) {
     page.putFileSelector();
     page.putUploadButton();
     page.printHTML();
@@ -304,7 +304,7 @@ TEST_F(UploadTest, isChosenWithASelectorAndAButton) {
               "|install=Button(install, caption 499, form_name, 0, \"uploadFunction()\", false)]");
 }
 
-TEST_F(UploadTest, aMessageAloneIsNoAlert) {
+TEST_F(UploadTest, messageAloneRaisesNoAlert) {
     page.addMessage("first");
     page.addMessage("second");
     EXPECT_EQ(page.message, "first<br>second");

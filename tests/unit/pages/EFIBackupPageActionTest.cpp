@@ -1,4 +1,4 @@
-// The posted form of EFIBackupPage.
+// Tests of EFIBackupPage with a posted form.
 
 #include "pages/EFIBackupPage.h"
 
@@ -36,7 +36,7 @@ protected:
     const std::string emptyPage = "[/usr/local/www/skel/skeleton_efi_backup.txt]";
 };
 
-TEST_F(EFIBackupPageActionTest, backsUpThenShowsTheListAndLetsGoOfTheForm) {
+TEST_F(EFIBackupPageActionTest, backsUpThenShowsListAndTerminatesForm) {
     const auto page = makePage();
     EXPECT_THAT(calls({"makePage", "getFormData", "getCGIPath", "getSessionId", "creat", "setInfo",
                        "new EFIConf", "insertIntoMap onload", "insertIntoMap filepath", "delete",
@@ -46,13 +46,13 @@ TEST_F(EFIBackupPageActionTest, backsUpThenShowsTheListAndLetsGoOfTheForm) {
                     "getFormData radio_button", "getCGIPath /var/tmp/efi_backup", "getSessionId",
                     "creat /board/var/tmp/efi_backupS1 0666", "setInfo 0x020100A3 [00 00 00 03]",
                     "new EFIConfFile(/board/var/tmp/efi_backupS1)", "insertIntoMap filepath",
-                    "insertIntoMap onload_function, which displaces",
+                    "insertIntoMap onload_function, replacing",
                     "delete TextString(onLoadFunction(), false, false, 6)",
                     "delete EFIConfFile(/board/var/tmp/efi_backupS1)", "getInfo 0x0201002F",
                     "insertIntoMap table_pid", "terminate"));
 }
 
-TEST_F(EFIBackupPageActionTest, hasTheBrowserFetchTheFile) {
+TEST_F(EFIBackupPageActionTest, makesBrowserDownloadFile) {
     const auto page = makePage();
     EXPECT_THAT(
         print(*page),
@@ -69,7 +69,7 @@ TEST_F(EFIBackupPageActionTest, hasTheBrowserFetchTheFile) {
 class OtherStatusTest : public EFIBackupPageActionTest,
                         public testing::WithParamInterface<const char*> {};
 
-TEST_P(OtherStatusTest, isAPlainDisplay) {
+TEST_P(OtherStatusTest, onlyDisplaysPage) {
     script.formFields["hidden_status"] = GetParam();
     const auto page = makePage();
     EXPECT_THAT(calls({"getFormData", "creat", "setInfo", "getInfo", "putLog"}),
@@ -83,7 +83,7 @@ TEST_P(OtherStatusTest, isAPlainDisplay) {
 INSTANTIATE_TEST_SUITE_P(AnyButBackup, OtherStatusTest,
                          testing::Values("backup", "Backup", "BACKUP ", "BACKU", "", "1"));
 
-TEST_F(EFIBackupPageActionTest, aMissingStatusIsAPlainDisplay) {
+TEST_F(EFIBackupPageActionTest, missingStatusOnlyDisplaysPage) {
     script.formFields.erase("hidden_status");
     const auto page = makePage();
     EXPECT_THAT(calls({"getFormData", "creat", "setInfo", "getInfo", "putLog"}),
@@ -91,7 +91,7 @@ TEST_F(EFIBackupPageActionTest, aMissingStatusIsAPlainDisplay) {
     EXPECT_EQ(page->getMessage(), "");
 }
 
-TEST_F(EFIBackupPageActionTest, aMissingChoiceIsAllThatIsShown) {
+TEST_F(EFIBackupPageActionTest, missingChoiceShowsOnlyError) {
     script.formFields.erase("radio_button");
     const auto page = makePage();
     EXPECT_EQ(page->getMessage(), "lmsg 107 [the screen information]");
@@ -118,8 +118,8 @@ std::ostream& operator<<(std::ostream& stream, const ChoiceCase& testCase) {
 class ChoiceTest : public EFIBackupPageActionTest,
                    public testing::WithParamInterface<ChoiceCase> {};
 
-// The back-end knows which partitions it can back up; the page hands on what it reads.
-TEST_P(ChoiceTest, isHandedOnUnchecked) {
+// The page passes on what was posted; the back-end knows which partitions it can back up.
+TEST_P(ChoiceTest, isPassedOnUnchecked) {
     script.formFields["radio_button"] = GetParam().posted;
     makePage();
     EXPECT_THAT(calls({"setInfo"}), testing::ElementsAre("setInfo 0x020100A3 [" +
@@ -133,7 +133,7 @@ INSTANTIATE_TEST_SUITE_P(
                     ChoiceCase{"0x10", "00 00 00 00"}, ChoiceCase{" 5x", "00 00 00 05"},
                     ChoiceCase{"99", "00 00 00 63"}, ChoiceCase{"-1", "FF FF FF FF"}));
 
-TEST_F(EFIBackupPageActionTest, aRefusedBackupIsANoticeOverTheList) {
+TEST_F(EFIBackupPageActionTest, refusedBackupShowsNoticeAndList) {
     script.replies[0x020100A3].errorCode = 1549;
     const auto page = makePage();
     EXPECT_EQ(page->getMessage(), "message 73/1549");
@@ -145,7 +145,7 @@ TEST_F(EFIBackupPageActionTest, aRefusedBackupIsANoticeOverTheList) {
     EXPECT_THAT(printed, testing::Not(testing::HasSubstr("filepath")));
 }
 
-TEST_F(EFIBackupPageActionTest, whatIsWrongWithTheListStandsBelowARefusedBackup) {
+TEST_F(EFIBackupPageActionTest, appendsListErrorToBackupRefusal) {
     script.replies[0x020100A3].errorCode = 1540;
     script.replies[0x0201002F].errorCode = 1540;
     const auto page = makePage();
@@ -155,15 +155,15 @@ TEST_F(EFIBackupPageActionTest, whatIsWrongWithTheListStandsBelowARefusedBackup)
     EXPECT_EQ(print(*page), emptyPage);
 }
 
-TEST_F(EFIBackupPageActionTest, anEmptyListTakesTheDownloadWithIt) {
+TEST_F(EFIBackupPageActionTest, emptyListDropsDownload) {
     script.setPartitions({});
     const auto page = makePage();
     EXPECT_EQ(page->getMessage(), "message 46/1026");
     EXPECT_EQ(print(*page), emptyPage);
 }
 
-// The authority is examined only when the list is built again.
-TEST_F(EFIBackupPageActionTest, withoutAuthorityIsSentAndThenOnlyThatIsShown) {
+// Authority is checked only when the list is rebuilt.
+TEST_F(EFIBackupPageActionTest, sendsUnauthorizedBackupThenShowsOnlyError) {
     displayMode = 0;
     const auto page = makePage();
     EXPECT_THAT(
@@ -176,7 +176,7 @@ TEST_F(EFIBackupPageActionTest, withoutAuthorityIsSentAndThenOnlyThatIsShown) {
     EXPECT_EQ(print(*page), emptyPage);
 }
 
-TEST_F(EFIBackupPageActionTest, aFileThatOnlyTheBackEndCanWriteIsOffered) {
+TEST_F(EFIBackupPageActionTest, offersFileThatOnlyBackEndCanWrite) {
     script.creatError = EROFS;
     const auto page = makePage();
     EXPECT_THAT(calls({"putLog", "close"}),
@@ -186,21 +186,21 @@ TEST_F(EFIBackupPageActionTest, aFileThatOnlyTheBackEndCanWriteIsOffered) {
     EXPECT_THAT(print(*page), testing::HasSubstr("|filepath="));
 }
 
-TEST_F(EFIBackupPageActionTest, anUnreadableHeaderLeavesTheConstructorAndFreesThePage) {
+TEST_F(EFIBackupPageActionTest, freesPageWhenFileIsUnreadable) {
     for (auto* error : {&script.openError, &script.headerError}) {
         *error = 1104;
         Scripted::forgetCalls();
         EXPECT_EQ(thrownDetail([&] { makePage(); }), 1104);
         error->reset();
         EXPECT_THAT(calls({"getInfo", "terminate", "printHTML"}), testing::IsEmpty());
-        // What the test itself holds is all that lives.
+        // Only the test's own objects are alive.
         EXPECT_THAT(Scripted::livingObjects(),
                     testing::UnorderedElementsAre("CGIRequester(the session)", "FormInfo()",
                                                   "MessageMgr(0)"));
     }
 }
 
-TEST_F(EFIBackupPageActionTest, twoBackupsOfASessionUseTheSameFile) {
+TEST_F(EFIBackupPageActionTest, usesSameFileWithinSession) {
     makePage();
     Gui::FormInfo secondForm;
     const EFIBackupPage secondPage(requester, secondForm, messageMgr, &displayMode);
@@ -208,7 +208,7 @@ TEST_F(EFIBackupPageActionTest, twoBackupsOfASessionUseTheSameFile) {
                                                        "creat /board/var/tmp/efi_backupS1 0666"));
 }
 
-TEST_F(EFIBackupPageActionTest, anotherSessionUsesAnotherFile) {
+TEST_F(EFIBackupPageActionTest, usesOneFilePerSession) {
     script.sessionId = "S2";
     script.pathPrefix = "";
     makePage();

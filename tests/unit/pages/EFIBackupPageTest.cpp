@@ -21,7 +21,7 @@ protected:
         return output().substr(before);
     }
 
-    // The form with these rows.
+    // Returns the printed form with these rows.
     static std::string formWith(const std::string& rows) {
         return "[/usr/local/www/skel/skeleton_efi_backup.txt"
                "|form_action=TextString(/maintenance/efi_backup_restore.cgi, false, false, 6)"
@@ -47,13 +47,13 @@ protected:
     const std::string emptyPage = "[/usr/local/www/skel/skeleton_efi_backup.txt]";
 };
 
-TEST_F(EFIBackupPageTest, hasItsConstants) {
+TEST_F(EFIBackupPageTest, hasExpectedConstants) {
     EXPECT_EQ(EFIBackupPage::skeletonFileName, "/usr/local/www/skel/skeleton_efi_backup.txt");
     EXPECT_STREQ(EFIBackupPage::BACKUP_MODE, "BACKUP");
     EXPECT_STREQ(EFIBackupPage::FILE_EXTENSION, ".dat");
 }
 
-TEST_F(EFIBackupPageTest, isBuiltStepByStep) {
+TEST_F(EFIBackupPageTest, buildsInFixedOrder) {
     script.setPartitions({{false, "", {}}, {true, "name", {}}});
     const auto page = makePage();
     EXPECT_THAT(
@@ -83,7 +83,7 @@ TEST_F(EFIBackupPageTest, isBuiltStepByStep) {
             "terminate"));
 }
 
-TEST_F(EFIBackupPageTest, hasARowForEachInstalledPartition) {
+TEST_F(EFIBackupPageTest, showsRowForEachInstalledPartition) {
     script.setPartitions({{true, "first", {}}, {false, "gap", {}}, {true, "third", {}}});
     const auto page = makePage();
     EXPECT_EQ(print(*page), formWith(row("0", "first") + row("2", "third")));
@@ -92,14 +92,14 @@ TEST_F(EFIBackupPageTest, hasARowForEachInstalledPartition) {
     EXPECT_FALSE(page->isAlert());
 }
 
-TEST_F(EFIBackupPageTest, givesNamesAndNumbersAsTheyAre) {
+TEST_F(EFIBackupPageTest, printsNamesAndNumbersUnescaped) {
     std::vector<Partition> partitions(11);
     partitions[10] = {true, "<&\"'> %s ü", {}};
     script.setPartitions(partitions);
     EXPECT_EQ(print(*makePage()), formWith(row("10", "<&\"'> %s ü")));
 }
 
-TEST_F(EFIBackupPageTest, showsWhatTheDisplayModeIsWhenPrinted) {
+TEST_F(EFIBackupPageTest, usesDisplayModeAtPrintTime) {
     script.setPartitions({{true, "name", {}}});
     const auto page = makePage();
     displayMode = 0;
@@ -107,7 +107,7 @@ TEST_F(EFIBackupPageTest, showsWhatTheDisplayModeIsWhenPrinted) {
                 testing::HasSubstr("radio_button=RadioButton(radio_button, , form_name, 0)"));
 }
 
-TEST_F(EFIBackupPageTest, deletesEverythingWithIt) {
+TEST_F(EFIBackupPageTest, deletesEverythingOnDestruction) {
     script.setPartitions({{true, "name", {}}});
     auto page = makePage();
     Scripted::forgetCalls();
@@ -131,20 +131,20 @@ TEST_F(EFIBackupPageTest, deletesEverythingWithIt) {
             "delete VeskTrace(1, 2, 29697)"));
 }
 
-// Wherever the building breaks off, nothing of the page stays behind.
-TEST_F(EFIBackupPageTest, anExceptionWhileBuildingFreesThePage) {
+// Wherever building throws, every component is freed.
+TEST_F(EFIBackupPageTest, freesPageWhenBuildingThrows) {
     script.setPartitions({{true, "first", {}}, {true, "second", {}}});
-    const Calls held = Scripted::livingObjects();
+    const Calls livingBefore = Scripted::livingObjects();
     for (const char* place : {"onload_function", "form_action", "item_part_name", "radio_button",
                               "part_name", "table_pid"}) {
         script.insertErrors = {{place, 7}};
         EXPECT_EQ(thrownDetail([&] { makePage(); }), 7) << place;
-        EXPECT_EQ(Scripted::livingObjects(), held) << place;
+        EXPECT_EQ(Scripted::livingObjects(), livingBefore) << place;
     }
 }
 
-// The number of partitions is asked again before every pass.
-TEST_F(EFIBackupPageTest, endsWhereTheBoardSaysAtThatMoment) {
+// The count may change during the loop.
+TEST_F(EFIBackupPageTest, readsPartitionCountBeforeEachPass) {
     script.setPartitions(std::vector<Partition>(5, {true, "name", {}}));
     script.maxPartitionNumbers = {1, 3, 3, 2};
     EXPECT_EQ(print(*makePage()), formWith(row("0", "name") + row("1", "name") + row("2", "name")));
@@ -160,7 +160,7 @@ TEST_F(EFIBackupPageTest, comparesPartitionNumbersUnsigned) {
 class UnauthorizedBackupPageTest : public EFIBackupPageTest,
                                    public testing::WithParamInterface<int> {};
 
-TEST_P(UnauthorizedBackupPageTest, saysOnlyThatAndAsksNobody) {
+TEST_P(UnauthorizedBackupPageTest, showsOnlyErrorAndSendsNoRequest) {
     script.setPartitions({{true, "name", {}}});
     displayMode = GetParam();
     const auto page = makePage();
@@ -179,7 +179,7 @@ TEST_P(UnauthorizedBackupPageTest, saysOnlyThatAndAsksNobody) {
 INSTANTIATE_TEST_SUITE_P(AnyDisplayModeButTwo, UnauthorizedBackupPageTest,
                          testing::Values(0, 1, 3, -2));
 
-TEST_F(EFIBackupPageTest, aFailedPartitionTableIsTracedAndShownInTheSameWords) {
+TEST_F(EFIBackupPageTest, tracesAndShowsFailedPartitionTable) {
     script.replies[0x0201002F].errorCode = 1047;
     const auto page = makePage();
     EXPECT_EQ(page->getMessage(), "lmsg 107 [the partition status]");
@@ -194,7 +194,7 @@ TEST_F(EFIBackupPageTest, aFailedPartitionTableIsTracedAndShownInTheSameWords) {
                              "delete TextString(onLoadFunction(), false, false, 6)", "terminate"));
 }
 
-TEST_F(EFIBackupPageTest, withoutPartitionNumbersNoneIsInstalled) {
+TEST_F(EFIBackupPageTest, zeroPartitionCountMeansNoneInstalled) {
     script.setPartitions({{true, "name", {}}});
     script.maxPartitionNumbers = {0};
     const auto page = makePage();
@@ -204,7 +204,7 @@ TEST_F(EFIBackupPageTest, withoutPartitionNumbersNoneIsInstalled) {
     EXPECT_THAT(calls({"PartitionInfoPacket::isInstalled", "putLog"}), testing::IsEmpty());
 }
 
-TEST_F(EFIBackupPageTest, whenNoPartitionIsInstalledAllThatWasBuiltIsDropped) {
+TEST_F(EFIBackupPageTest, dropsBuiltPageWhenNoPartitionIsInstalled) {
     script.setPartitions({{false, "name", {}}, {false, "", {}}});
     const auto page = makePage();
     EXPECT_EQ(page->getMessage(), "message 46/1026");
@@ -212,7 +212,7 @@ TEST_F(EFIBackupPageTest, whenNoPartitionIsInstalledAllThatWasBuiltIsDropped) {
     EXPECT_FALSE(page->isAlert());
     EXPECT_EQ(print(*page), emptyPage);
     EXPECT_THAT(calls({"putLog"}), testing::IsEmpty());
-    // Eight components with a record of their own, the row container aside.
+    // Eight components that record their deletion; the row container does not.
     EXPECT_THAT(calls({"delete TextString", "delete HiddenField"}), testing::SizeIs(8));
     EXPECT_THAT(
         calls({"insertIntoMap table_pid", "getMessage message 46", "terminate"}),

@@ -1,4 +1,4 @@
-// The posted steps of EFIBackupRestorePage.
+// Tests of the steps posted to EFIBackupRestorePage.
 
 #include "tests/support/files.h"
 #include "tests/unit/support/CombinedPageTest.h"
@@ -11,7 +11,7 @@ namespace VeskLib::Test {
 
 class EFIBackupRestorePageActionTest : public CombinedPageTest {};
 
-TEST_F(EFIBackupRestorePageActionTest, aMissingStatusIsAPlainDisplay) {
+TEST_F(EFIBackupRestorePageActionTest, missingStatusOnlyDisplaysPage) {
     script.posted = true;
     const auto page = makePage();
     EXPECT_EQ(print(*page), form("0"));
@@ -23,8 +23,8 @@ TEST_F(EFIBackupRestorePageActionTest, aMissingStatusIsAPlainDisplay) {
 class OtherModeTest : public EFIBackupRestorePageActionTest,
                       public testing::WithParamInterface<const char*> {};
 
-// The mode goes back to 0, so that no other number is ever posted back.
-TEST_P(OtherModeTest, isAPlainDisplay) {
+// The mode is reset to 0, so that no other number is ever posted back.
+TEST_P(OtherModeTest, onlyDisplaysPage) {
     post(GetParam());
     script.formFields["hidden_procname"] = "install";
     const auto page = makePage();
@@ -47,23 +47,23 @@ protected:
     const std::string link = "/common/download.cgi?functionID=5&filename=BIOS_20090307_123B.dat";
 };
 
-TEST_F(CombinedBackupTest, hasTheBrowserFetchTheFile) {
+TEST_F(CombinedBackupTest, makesBrowserDownloadFile) {
     const auto page = makePage();
     EXPECT_EQ(print(*page), form("3", "downloadFunction()", link));
     EXPECT_EQ(page->getMessage(), "");
     EXPECT_FALSE(page->isAlert());
-    EXPECT_THAT(calls({"getFormData", "creat", "setInfo", "new EFIConf", "getFileHeader",
-                       "insertIntoMap filepath", "insertIntoMap onload_function, ",
-                       "insertIntoMap form_action", "getInfo", "terminate"}),
-                testing::ElementsAre(
-                    "getFormData hidden_status", "creat /board/var/tmp/efi_backupS1 0666",
-                    "setInfo 0x020100A3 [00 00 00 00]",
-                    "new EFIConfFile(/board/var/tmp/efi_backupS1)", "getFileHeader",
-                    "insertIntoMap filepath", "insertIntoMap onload_function, which displaces",
-                    "getFormData message", "insertIntoMap form_action", "terminate"));
+    EXPECT_THAT(
+        calls({"getFormData", "creat", "setInfo", "new EFIConf", "getFileHeader",
+               "insertIntoMap filepath", "insertIntoMap onload_function, ",
+               "insertIntoMap form_action", "getInfo", "terminate"}),
+        testing::ElementsAre("getFormData hidden_status", "creat /board/var/tmp/efi_backupS1 0666",
+                             "setInfo 0x020100A3 [00 00 00 00]",
+                             "new EFIConfFile(/board/var/tmp/efi_backupS1)", "getFileHeader",
+                             "insertIntoMap filepath", "insertIntoMap onload_function, replacing",
+                             "getFormData message", "insertIntoMap form_action", "terminate"));
 }
 
-TEST_F(CombinedBackupTest, isOfPartition0WhateverElseTheFormCarries) {
+TEST_F(CombinedBackupTest, alwaysBacksUpPartition0) {
     script.formFields.insert(
         {{"radio_button", "3"}, {"pid2", "2"}, {"check_box", ""}, {"hidden_procname", "install"}});
     script.filePartition = 5;
@@ -72,7 +72,7 @@ TEST_F(CombinedBackupTest, isOfPartition0WhateverElseTheFormCarries) {
     EXPECT_EQ(calls(stagedFileCalls), Calls{});
 }
 
-TEST_F(CombinedBackupTest, ofAnUnknownVersionSaysSoInItsName) {
+TEST_F(CombinedBackupTest, namesUnknownVersionInFileName) {
     script.fileVersion = "-";
     script.fileHeader.saveTime = 1804204800;  // 5 March 2027
     EXPECT_EQ(print(*makePage()),
@@ -80,7 +80,7 @@ TEST_F(CombinedBackupTest, ofAnUnknownVersionSaysSoInItsName) {
                    "/common/download.cgi?functionID=5&filename=BIOS_20270305_Unknown.dat"));
 }
 
-TEST_F(CombinedBackupTest, thatIsRefusedIsANoticeOverTheForm) {
+TEST_F(CombinedBackupTest, refusalShowsNoticeAndForm) {
     script.replies[0x020100A3].errorCode = 1540;
     const auto page = makePage();
     EXPECT_EQ(page->getMessage(), "message 72/1540");
@@ -89,15 +89,15 @@ TEST_F(CombinedBackupTest, thatIsRefusedIsANoticeOverTheForm) {
     EXPECT_EQ(print(*page), form("3"));
 }
 
-TEST_F(CombinedBackupTest, thatCannotBeReadLeavesTheConstructor) {
-    const Calls held = Scripted::livingObjects();
+TEST_F(CombinedBackupTest, throwsWhenFileIsUnreadable) {
+    const Calls livingBefore = Scripted::livingObjects();
     script.headerError = 1104;
     EXPECT_EQ(thrownDetail([&] { makePage(); }), 1104);
-    EXPECT_EQ(Scripted::livingObjects(), held);
+    EXPECT_EQ(Scripted::livingObjects(), livingBefore);
     EXPECT_THAT(calls({"getMessage", "terminate"}), testing::IsEmpty());
 }
 
-TEST_F(CombinedBackupTest, ofAnotherSessionIsAnotherFile) {
+TEST_F(CombinedBackupTest, usesOneFilePerSession) {
     script.sessionId = "S2";
     script.pathPrefix = "";
     makePage();
@@ -115,8 +115,8 @@ protected:
                              "delete LockedFile(/board/var/tmp/restored_eficonf.lock)"};
 };
 
-// The line breaks are two characters each, for use inside a script.
-TEST_F(CombinedUploadTest, hasTheBrowserAskWhetherToRestore) {
+// Line breaks are written as "\n" in two characters, because the text goes into a script.
+TEST_F(CombinedUploadTest, makesBrowserAskWhetherToRestore) {
     const auto page = makePage();
     EXPECT_EQ(print(*page), form("1", "confirmFunction()", "",
                                  "caption 1358:\t\\n\tcaption 9732009-03-07\\n\tcaption "
@@ -133,13 +133,13 @@ TEST_F(CombinedUploadTest, hasTheBrowserAskWhetherToRestore) {
                     "rename /uploaded /board/var/tmp/restored_eficonfS1",
                     "new EFIConfFile(/board/var/tmp/restored_eficonfS1)", "getFileHeader",
                     "getString caption 1358", "getString caption 973", "getString caption 1359",
-                    "insertIntoMap information", "insertIntoMap onload_function, which displaces",
+                    "insertIntoMap information", "insertIntoMap onload_function, replacing",
                     "insertIntoMap form_action"));
 }
 
-TEST_F(CombinedUploadTest, asksWithTheLocalDateAndTheVersionAsItIs) {
+TEST_F(CombinedUploadTest, asksWithLocalDateAndUnescapedVersion) {
     const ScopedEnvironment east("TZ", "JST-9");
-    script.fileHeader.saveTime = 1798761600 - 1;  // the last second of 2026 in Greenwich
+    script.fileHeader.saveTime = 1798761600 - 1;  // the last second of 2026 in UTC
     script.fileVersion = "-<\"";
     EXPECT_THAT(print(*makePage()),
                 testing::HasSubstr("|information=TextString(caption 1358:\t\\n\tcaption 973"
@@ -158,7 +158,7 @@ std::ostream& operator<<(std::ostream& stream, const RefusedUpload& testCase) {
 class CombinedRefusedUploadTest : public CombinedUploadTest,
                                   public testing::WithParamInterface<RefusedUpload> {};
 
-TEST_P(CombinedRefusedUploadTest, isANoticeOverTheForm) {
+TEST_P(CombinedRefusedUploadTest, showsNoticeAndForm) {
     GetParam().spoil(script);
     const auto page = makePage();
     EXPECT_EQ(page->getMessage(), GetParam().message);
@@ -184,7 +184,7 @@ protected:
     CombinedUnreadableFileTest() { (GetParam() ? script.openError : script.headerError) = 1104; }
 };
 
-TEST_P(CombinedUnreadableFileTest, isRemovedAndTheFormShownAgain) {
+TEST_P(CombinedUnreadableFileTest, isRemovedAndFormShownAgain) {
     const auto page = makePage();
     EXPECT_EQ(page->getMessage(), "message 64/1026");
     EXPECT_TRUE(page->isAlert());
@@ -202,16 +202,16 @@ TEST_P(CombinedUnreadableFileTest, isRemovedAndTheFormShownAgain) {
 
 INSTANTIATE_TEST_SUITE_P(WhenOpenedOrRead, CombinedUnreadableFileTest, testing::Bool());
 
-TEST_F(CombinedUploadTest, anExceptionOfAnotherTypePassesThroughAndKeepsTheFile) {
-    const Calls held = Scripted::livingObjects();
+TEST_F(CombinedUploadTest, propagatesOtherExceptionsAndKeepsFile) {
+    const Calls livingBefore = Scripted::livingObjects();
     Scripted::throwAt("getFileHeader", std::make_exception_ptr(std::runtime_error("other")));
     EXPECT_THROW(makePage(), std::runtime_error);
-    EXPECT_EQ(Scripted::livingObjects(), held);
+    EXPECT_EQ(Scripted::livingObjects(), livingBefore);
     EXPECT_EQ(calls(stagedFileCalls), onlyMoved);
 }
 
-// Authority is asked about only when the form is built.
-TEST_F(CombinedUploadTest, withoutAuthorityIsDoneAndThenAnError) {
+// Authority is checked only when the form is built.
+TEST_F(CombinedUploadTest, stagesUnauthorizedUploadThenShowsError) {
     displayMode = 0;
     const auto page = makePage();
     EXPECT_EQ(page->getMessage(), "message 12/1033");
@@ -230,8 +230,8 @@ protected:
     }
 };
 
-// Unlike on the restore screen the file goes, because a success is a notice, too.
-TEST_F(CombinedRestoreTest, isOfPartition0AndRemovesTheFile) {
+// Unlike on the restore screen, the file is removed, because a success is also a notice.
+TEST_F(CombinedRestoreTest, restoresPartition0AndRemovesFile) {
     script.formFields.insert({{"check_box", ""}, {"pid3", "3"}});
     const auto page = makePage();
     EXPECT_THAT(calls({"getFormData", "setInfo", "getMessage", "new LockedFile", "remove",
@@ -249,7 +249,7 @@ TEST_F(CombinedRestoreTest, isOfPartition0AndRemovesTheFile) {
     EXPECT_EQ(print(*page), form("2"));
 }
 
-TEST_F(CombinedRestoreTest, thatIsRefusedRemovesTheFileAsWell) {
+TEST_F(CombinedRestoreTest, refusalRemovesFile) {
     script.replies[0x020100A4].errorCode = 1540;
     const auto page = makePage();
     EXPECT_EQ(page->getMessage(), "message 71/1540");
@@ -258,12 +258,12 @@ TEST_F(CombinedRestoreTest, thatIsRefusedRemovesTheFileAsWell) {
     EXPECT_EQ(print(*page), form("2"));
 }
 
-TEST_F(CombinedRestoreTest, thatIsRefusedUsesTheErrorCodesOwnMessage) {
+TEST_F(CombinedRestoreTest, refusalUsesMessageOfErrorCode) {
     script.replies[0x020100A4].errorCode = 1047;
     EXPECT_EQ(makePage()->getMessage(), "message 250/1047");
 }
 
-TEST_F(CombinedRestoreTest, whoseFileCannotBeRemovedIsTracedByTheRemoval) {
+TEST_F(CombinedRestoreTest, tracesFailedRemovalOfFile) {
     script.removeError = 2;
     EXPECT_EQ(makePage()->getMessage(), "message 70/0");
     EXPECT_THAT(calls({"putLog"}),
@@ -271,22 +271,22 @@ TEST_F(CombinedRestoreTest, whoseFileCannotBeRemovedIsTracedByTheRemoval) {
                     "putLog 0 lmsg 20011 [remove(/board/var/tmp/restored_eficonfS1)] [2]"));
 }
 
-TEST_F(CombinedRestoreTest, withoutTheLockLeavesTheConstructor) {
-    const Calls held = Scripted::livingObjects();
+TEST_F(CombinedRestoreTest, throwsWhenLockFails) {
+    const Calls livingBefore = Scripted::livingObjects();
     script.lockError = 1101;
     EXPECT_EQ(thrownDetail([&] { makePage(); }), 1101);
-    EXPECT_EQ(Scripted::livingObjects(), held);
+    EXPECT_EQ(Scripted::livingObjects(), livingBefore);
     EXPECT_THAT(calls({"setInfo", "remove", "terminate"}),
                 testing::ElementsAre("setInfo 0x020100A4 [00 01 00]"));
 }
 
-TEST_F(CombinedRestoreTest, aMessageFieldRemovesTheFileOnceMore) {
+TEST_F(CombinedRestoreTest, messageFieldRemovesFileAgain) {
     script.formFields["message"] = "";
     EXPECT_EQ(makePage()->getMessage(), "message 70/0<br>message 70/0");
     EXPECT_THAT(calls({"remove"}), testing::SizeIs(2));
 }
 
-TEST_F(CombinedRestoreTest, aDiscardOnlyRemovesTheFile) {
+TEST_F(CombinedRestoreTest, discardOnlyRemovesFile) {
     script.formFields["hidden_procname"] = "discard";
     const auto page = makePage();
     EXPECT_EQ(calls(stagedFileCalls), removal);
@@ -296,7 +296,7 @@ TEST_F(CombinedRestoreTest, aDiscardOnlyRemovesTheFile) {
     EXPECT_EQ(print(*page), form("2"));
 }
 
-TEST_F(CombinedRestoreTest, withoutAnAnswerDoesNothing) {
+TEST_F(CombinedRestoreTest, doesNothingWithoutAnswer) {
     script.formFields.erase("hidden_procname");
     const auto page = makePage();
     EXPECT_THAT(calls({"setInfo", "new LockedFile", "remove", "putLog"}), testing::IsEmpty());
@@ -320,7 +320,7 @@ INSTANTIATE_TEST_SUITE_P(OfTheForm, OtherAnswerTest,
                          testing::Values("Install", "INSTALL", "install ", "Discard", "", "1",
                                          "instal", "discards"));
 
-TEST_F(EFIBackupRestorePageActionTest, aFileIsGoneFromTheDiskAfterItsRestore) {
+TEST_F(EFIBackupRestorePageActionTest, restoreRemovesFileFromDisk) {
     const TemporaryFolder folder;
     script.realFiles = true;
     script.pathPrefix = folder.path;

@@ -12,13 +12,13 @@ using Gui::EFIBackupRestorePage;
 
 class EFIBackupRestorePageTest : public CombinedPageTest {};
 
-TEST_F(EFIBackupRestorePageTest, hasItsConstants) {
+TEST_F(EFIBackupRestorePageTest, hasExpectedConstants) {
     EXPECT_EQ(EFIBackupRestorePage::skeletonFileName,
               "/usr/local/www/skel/skeleton_efi_backup.txt");
     EXPECT_STREQ(EFIBackupRestorePage::FILE_EXTENSION, ".dat");
 }
 
-TEST_F(EFIBackupRestorePageTest, isBuiltStepByStep) {
+TEST_F(EFIBackupRestorePageTest, buildsInFixedOrder) {
     const auto page = makePage();
     const Calls& all = calls();
     const auto first =
@@ -52,8 +52,8 @@ TEST_F(EFIBackupRestorePageTest, isBuiltStepByStep) {
                     "terminate"));
 }
 
-// It reads no partition table.
-TEST_F(EFIBackupRestorePageTest, isTheFormOnAFirstVisit) {
+// The page does not read the partition table.
+TEST_F(EFIBackupRestorePageTest, showsFormOnFirstVisit) {
     script.formFields["hidden_status"] = "3";
     const auto page = makePage();
     EXPECT_EQ(print(*page), form("0"));
@@ -64,8 +64,8 @@ TEST_F(EFIBackupRestorePageTest, isTheFormOnAFirstVisit) {
                 testing::ElementsAre("getFormData message"));
 }
 
-// On memory that is not zero, so that a field nobody sets shows.
-TEST_F(EFIBackupRestorePageTest, everyFieldIsSetWhenMade) {
+// Uses nonzero memory, so that an uninitialized field shows.
+TEST_F(EFIBackupRestorePageTest, initializesEveryField) {
     alignas(EFIBackupRestorePage) std::array<unsigned char, sizeof(EFIBackupRestorePage)> memory;
     memory.fill(0xA5);
     auto* page =
@@ -77,8 +77,8 @@ TEST_F(EFIBackupRestorePageTest, everyFieldIsSetWhenMade) {
 class CombinedMessageFieldTest : public EFIBackupRestorePageTest,
                                  public testing::WithParamInterface<const char*> {};
 
-// Unlike on the restore screen the file goes, and the form shows the text instead of an alert.
-TEST_P(CombinedMessageFieldTest, discardsTheFileAndSaysThatItWasRestored) {
+// Unlike on the restore screen, the file is removed, and the text is in the form, not in an alert.
+TEST_P(CombinedMessageFieldTest, discardsFileAndReportsRestore) {
     script.formFields["message"] = GetParam();
     const auto page = makePage();
     EXPECT_EQ(page->getMessage(), "message 70/0");
@@ -99,7 +99,7 @@ TEST_P(CombinedMessageFieldTest, discardsTheFileAndSaysThatItWasRestored) {
 INSTANTIATE_TEST_SUITE_P(WithAnyValue, CombinedMessageFieldTest,
                          testing::Values("", "0", "anything"));
 
-TEST_F(EFIBackupRestorePageTest, aMessageFieldStandsBelowAnEarlierNotice) {
+TEST_F(EFIBackupRestorePageTest, messageFieldAppendsToEarlierNotice) {
     post("1");
     script.uploadSize = 0;
     script.formFields["message"] = "";
@@ -111,8 +111,8 @@ TEST_F(EFIBackupRestorePageTest, aMessageFieldStandsBelowAnEarlierNotice) {
 class UnauthorizedCombinedPageTest : public EFIBackupRestorePageTest,
                                      public testing::WithParamInterface<int> {};
 
-// No trace line, unlike the other screens, and nothing is built.
-TEST_P(UnauthorizedCombinedPageTest, saysOnlyThat) {
+// Unlike on the other screens, there is no trace line, and nothing is built.
+TEST_P(UnauthorizedCombinedPageTest, showsOnlyError) {
     displayMode = GetParam();
     script.formFields["message"] = "";
     const auto page = makePage();
@@ -130,7 +130,7 @@ TEST_P(UnauthorizedCombinedPageTest, saysOnlyThat) {
 INSTANTIATE_TEST_SUITE_P(AnyDisplayModeButTwo, UnauthorizedCombinedPageTest,
                          testing::Values(0, 1, 3, -2));
 
-TEST_F(EFIBackupRestorePageTest, deletesEverythingWithIt) {
+TEST_F(EFIBackupRestorePageTest, deletesEverythingOnDestruction) {
     auto page = makePage();
     Scripted::forgetCalls();
     page.reset();
@@ -153,14 +153,14 @@ TEST_F(EFIBackupRestorePageTest, deletesEverythingWithIt) {
             "delete VeskTrace(1, 2, 29697)"));
 }
 
-// Wherever the building breaks off, nothing of the page stays behind.
-TEST_F(EFIBackupRestorePageTest, anExceptionWhileBuildingFreesThePage) {
-    const Calls held = Scripted::livingObjects();
+// Wherever building throws, every component is freed.
+TEST_F(EFIBackupRestorePageTest, freesPageWhenBuildingThrows) {
+    const Calls livingBefore = Scripted::livingObjects();
     for (const char* place : {"onload_function", "form_action", "hidden_status", "download",
                               "item_title", "filename", "install", "message0"}) {
         script.insertErrors = {{place, 7}};
         EXPECT_EQ(thrownDetail([&] { makePage(); }), 7) << place;
-        EXPECT_EQ(Scripted::livingObjects(), held) << place;
+        EXPECT_EQ(Scripted::livingObjects(), livingBefore) << place;
     }
 }
 

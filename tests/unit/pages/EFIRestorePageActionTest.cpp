@@ -1,4 +1,4 @@
-// The posted steps of EFIRestorePage, but for the restore itself.
+// Tests of the steps posted to EFIRestorePage, except the restore.
 
 #include "tests/unit/support/RestorePageTest.h"
 
@@ -6,7 +6,7 @@ namespace VeskLib::Test {
 
 class EFIRestorePageActionTest : public RestorePageTest {};
 
-TEST_F(EFIRestorePageActionTest, aMissingStatusShowsTheBareSkeleton) {
+TEST_F(EFIRestorePageActionTest, missingStatusShowsBareSkeleton) {
     script.posted = true;
     script.formFields = {{"check_box", ""}, {"pid0", "0"}, {"message", ""}};
     const auto page = makePage();
@@ -20,8 +20,8 @@ TEST_F(EFIRestorePageActionTest, aMissingStatusShowsTheBareSkeleton) {
                 testing::ElementsAre("getFormData hidden_status", "terminate"));
 }
 
-// Even authority is not asked about.
-TEST_F(EFIRestorePageActionTest, aMissingStatusShowsTheBareSkeletonToAnybody) {
+// Authority is not checked.
+TEST_F(EFIRestorePageActionTest, missingStatusIgnoresAuthority) {
     script.posted = true;
     displayMode = 0;
     const auto page = makePage();
@@ -33,7 +33,7 @@ TEST_F(EFIRestorePageActionTest, aMissingStatusShowsTheBareSkeletonToAnybody) {
 class UnknownStepTest : public EFIRestorePageActionTest,
                         public testing::WithParamInterface<const char*> {};
 
-TEST_P(UnknownStepTest, isAPlainDisplay) {
+TEST_P(UnknownStepTest, onlyDisplaysPage) {
     post(GetParam());
     script.formFields["check_box"] = "";
     const auto page = makePage();
@@ -60,8 +60,8 @@ std::ostream& operator<<(std::ostream& stream, const StepCase& testCase) {
 class KnownStepTest : public EFIRestorePageActionTest,
                       public testing::WithParamInterface<StepCase> {};
 
-// The conversion stops at the first character that is no digit.
-TEST_P(KnownStepTest, isWhatTheNumberSays) {
+// The conversion stops at the first character that is not a digit.
+TEST_P(KnownStepTest, runsStepOfNumber) {
     post(GetParam().status);
     makePage();
     EXPECT_THAT(calls({"rename", "setInfo", "remove"}),
@@ -91,40 +91,40 @@ protected:
     }
 };
 
-TEST_F(FailedUploadTest, ofNothingShowsTheFormAgain) {
+TEST_F(FailedUploadTest, emptyFileShowsFormAgain) {
     script.uploadSize = 0;
     expectUploadFormWith("message 33/1028");
 }
 
-TEST_F(FailedUploadTest, ofTooMuchShowsTheFormAgain) {
+TEST_F(FailedUploadTest, oversizedFileShowsFormAgain) {
     script.uploadSize = 393217;
     expectUploadFormWith("message 63/1028");
 }
 
-TEST_F(FailedUploadTest, ofAnotherKindOfFileShowsTheFormAgain) {
+TEST_F(FailedUploadTest, wrongExtensionShowsFormAgain) {
     script.uploadName = "conf.DAT";
     expectUploadFormWith("message 63/1026");
 }
 
-TEST_F(FailedUploadTest, withoutTheLockShowsTheFormAgain) {
+TEST_F(FailedUploadTest, lockFailureShowsFormAgain) {
     script.lockError = 1101;
     expectUploadFormWith("message 45/1101");
 }
 
-TEST_F(FailedUploadTest, thatCannotBeMovedShowsTheFormAgain) {
+TEST_F(FailedUploadTest, renameFailureShowsFormAgain) {
     script.renameError = 2;
     expectUploadFormWith("message 45/1043");
     EXPECT_THAT(calls({"putLog"}),
                 testing::ElementsAre("putLog 0 lmsg 20003 [Renaming (errno:2) /uploaded]"));
 }
 
-TEST_F(FailedUploadTest, thatThrowsShowsTheFormAgain) {
+TEST_F(FailedUploadTest, exceptionShowsFormAgain) {
     script.uploadPathError = 1103;
     expectUploadFormWith("message 30/1103");
 }
 
-// Authority is asked about by the form; the notice comes first.
-TEST_F(FailedUploadTest, withoutAuthorityIsAnError) {
+// The form checks authority, so the notice comes first.
+TEST_F(FailedUploadTest, unauthorizedUserGetsNoticeAndError) {
     script.uploadSize = 0;
     displayMode = 0;
     const auto page = makePage();
@@ -134,8 +134,8 @@ TEST_F(FailedUploadTest, withoutAuthorityIsAnError) {
     EXPECT_EQ(print(*page), emptyUploadForm);
 }
 
-// A success makes the selection, and the form is not built over it.
-TEST_F(EFIRestorePageActionTest, aSuccessfulUploadReadsOnlyTheStatus) {
+// A successful upload shows the selection; the form is not built.
+TEST_F(EFIRestorePageActionTest, successfulUploadReadsOnlyStatus) {
     post("1");
     script.formFields["message"] = "";
     const auto page = makePage();
@@ -151,7 +151,7 @@ protected:
     DiscardStepTest() { post("3"); }
 };
 
-TEST_F(DiscardStepTest, removesTheStagedFileAndShowsTheForm) {
+TEST_F(DiscardStepTest, removesStagedFileAndShowsForm) {
     const auto page = makePage();
     EXPECT_THAT(calls({"new LockedFile", "remove", "delete", "insertIntoMap form_action", "setInfo",
                        "getInfo", "putLog"}),
@@ -165,7 +165,7 @@ TEST_F(DiscardStepTest, removesTheStagedFileAndShowsTheForm) {
     EXPECT_FALSE(page->isError());
 }
 
-TEST_F(DiscardStepTest, ofAFileThatCannotBeRemovedIsOnlyTraced) {
+TEST_F(DiscardStepTest, onlyTracesFailedRemoval) {
     script.removeError = 2;
     const auto page = makePage();
     EXPECT_THAT(calls({"putLog"}),
@@ -176,16 +176,16 @@ TEST_F(DiscardStepTest, ofAFileThatCannotBeRemovedIsOnlyTraced) {
     EXPECT_FALSE(page->isAlert());
 }
 
-TEST_F(DiscardStepTest, withoutTheLockLeavesTheConstructor) {
+TEST_F(DiscardStepTest, throwsWhenLockFails) {
     script.lockError = 1101;
-    const Calls held = Scripted::livingObjects();
+    const Calls livingBefore = Scripted::livingObjects();
     EXPECT_EQ(thrownDetail([&] { makePage(); }), 1101);
-    EXPECT_EQ(Scripted::livingObjects(), held);
+    EXPECT_EQ(Scripted::livingObjects(), livingBefore);
     EXPECT_THAT(calls({"remove", "insertIntoMap form_action", "terminate"}), testing::IsEmpty());
 }
 
-// Authority is asked about only when the form is built again.
-TEST_F(DiscardStepTest, withoutAuthorityRemovesTheFileAndIsThenAnError) {
+// Authority is checked only when the form is rebuilt.
+TEST_F(DiscardStepTest, removesFileOfUnauthorizedUserThenShowsError) {
     displayMode = 0;
     const auto page = makePage();
     EXPECT_THAT(calls({"remove"}),

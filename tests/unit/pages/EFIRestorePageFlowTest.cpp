@@ -1,4 +1,4 @@
-// The restore across its requests, with the staged file on the disk.
+// Tests of EFIRestorePage over several requests, with the staged file on disk.
 
 #include "tests/support/files.h"
 #include "tests/unit/support/SelectionTest.h"
@@ -15,7 +15,7 @@ protected:
         script.posted = true;
     }
 
-    // One request to the screen; gives the page as it is printed.
+    // Sends one request to the screen, and returns the printed page.
     std::string request(const std::map<std::string, std::string>& fields) {
         script.formFields = fields;
         Gui::FormInfo form;
@@ -39,7 +39,7 @@ protected:
     std::string message;
 };
 
-TEST_F(EFIRestorePageFlowTest, keepsTheFileOverARestoreUntilItIsDiscarded) {
+TEST_F(EFIRestorePageFlowTest, keepsFileAfterRestoreUntilDiscarded) {
     script.posted = false;
     EXPECT_EQ(request({}), uploadForm("0"));
     script.posted = true;
@@ -55,7 +55,7 @@ TEST_F(EFIRestorePageFlowTest, keepsTheFileOverARestoreUntilItIsDiscarded) {
     EXPECT_THAT(files(), testing::IsEmpty());
 }
 
-TEST_F(EFIRestorePageFlowTest, aRefusedRestoreKeepsTheFile) {
+TEST_F(EFIRestorePageFlowTest, keepsFileAfterRefusedRestore) {
     upload("content");
     script.replies[0x020100A4].errorCode = 1549;
     request({{"hidden_status", "2"}, {"pid0", "0"}});
@@ -63,21 +63,21 @@ TEST_F(EFIRestorePageFlowTest, aRefusedRestoreKeepsTheFile) {
     EXPECT_EQ(staged(), "content");
 }
 
-TEST_F(EFIRestorePageFlowTest, anotherUploadReplacesTheFile) {
+TEST_F(EFIRestorePageFlowTest, newUploadReplacesFile) {
     upload("the first, which is longer");
     EXPECT_THAT(upload("second"), testing::HasSubstr("skeleton_efi_rstr_slct.txt"));
     EXPECT_EQ(files(), Calls{"restored_eficonfS1"});
     EXPECT_EQ(staged(), "second");
 }
 
-TEST_F(EFIRestorePageFlowTest, aRefusedUploadKeepsTheEarlierFile) {
+TEST_F(EFIRestorePageFlowTest, keepsEarlierFileAfterRejectedUpload) {
     upload("content");
     script.uploadSize = 393217;
     EXPECT_EQ(upload("too large"), uploadForm("1"));
     EXPECT_EQ(staged(), "content");
 }
 
-TEST_F(EFIRestorePageFlowTest, anUnreadableFileReplacesTheEarlierOneAndIsGone) {
+TEST_F(EFIRestorePageFlowTest, unreadableUploadLeavesNoFile) {
     upload("content");
     script.headerError = 1104;
     EXPECT_EQ(upload("unreadable"), uploadForm("2", true));
@@ -85,7 +85,7 @@ TEST_F(EFIRestorePageFlowTest, anUnreadableFileReplacesTheEarlierOneAndIsGone) {
     EXPECT_THAT(files(), testing::IsEmpty());
 }
 
-TEST_F(EFIRestorePageFlowTest, aPlainDisplayAndAnUnknownStepKeepTheFile) {
+TEST_F(EFIRestorePageFlowTest, keepsFileAfterPlainDisplayOrUnknownStep) {
     upload("content");
     request({{"hidden_status", "abc"}});
     request({});
@@ -94,7 +94,7 @@ TEST_F(EFIRestorePageFlowTest, aPlainDisplayAndAnUnknownStepKeepTheFile) {
     EXPECT_EQ(staged(), "content");
 }
 
-TEST_F(EFIRestorePageFlowTest, aSessionDiscardsItsOwnFileOnly) {
+TEST_F(EFIRestorePageFlowTest, sessionDiscardsOnlyItsOwnFile) {
     upload("first session's");
     script.sessionId = "S2";
     upload("second session's");
@@ -104,7 +104,7 @@ TEST_F(EFIRestorePageFlowTest, aSessionDiscardsItsOwnFileOnly) {
     EXPECT_EQ(files(), Calls{"restored_eficonfS1"});
 }
 
-TEST_F(EFIRestorePageFlowTest, aRestoreWithoutAnUploadIsTheBackEndsToRefuse) {
+TEST_F(EFIRestorePageFlowTest, sendsRestoreWithoutUploadToBackEnd) {
     script.replies[0x020100A4].errorCode = 1539;
     EXPECT_EQ(request({{"hidden_status", "2"}, {"pid0", "0"}}), uploadForm("2"));
     EXPECT_EQ(message, "message 64/1539");

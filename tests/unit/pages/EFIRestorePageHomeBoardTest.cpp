@@ -1,4 +1,5 @@
-// EFIRestorePage::getHomeSBNum(): whose BIOS version a row of the target selection shows.
+// Tests of EFIRestorePage::getHomeSBNum(), which finds the board that supplies the BIOS version in
+// a row of the target selection.
 
 #include "tests/unit/support/SelectionTest.h"
 
@@ -14,18 +15,18 @@ protected:
         script.setVersions(versions);
     }
 
-    // Partition 2 has these nodes, partition 0 others; both are installed.
+    // Installs partition 2 with these nodes, and partition 0 with others.
     void setNodes(const std::vector<unsigned char>& nodeIds) {
         script.setPartitions({{true, "other", {0x0F}}, {false, "", {}}, {true, "name", nodeIds}});
     }
 
-    // The rows, with this version in that of partition 2.
+    // Returns the printed selection, with this version in the row of partition 2.
     static std::string rowsWith(const std::string& version) {
         return selectionWith(row("0", "other", "of board 15") + row("2", "name", version));
     }
 
-    // What was asked about boards but for that of partition 0.
-    static Calls questions() {
+    // Returns the calls about boards, without those about the board of partition 0.
+    static Calls boardCalls() {
         Calls all = calls({"HardInstallInfoPacket", "getBIOSVersion", "putLog"});
         std::erase_if(all,
                       [](const std::string& call) { return call.find("15") != std::string::npos; });
@@ -33,22 +34,21 @@ protected:
     }
 };
 
-TEST_F(HomeBoardTest, isTheFirstInstalledOneThatIsHome) {
+TEST_F(HomeBoardTest, isFirstInstalledHomeBoard) {
     setNodes({0x05, 0x02, 0x03, 0x04});
     script.setBoards({2, 3, 4, 15}, {3, 4, 5, 15});
     EXPECT_EQ(print(*makePage()), rowsWith("of board 3"));
-    // A board that is not installed is not asked whether it is home, and the search ends at the
-    // first that is.
-    EXPECT_THAT(questions(), testing::ElementsAre("HardInstallInfoPacket::isInstalled(0, 5)",
-                                                  "HardInstallInfoPacket::isInstalled(0, 2)",
-                                                  "HardInstallInfoPacket::isHome(0, 2, 0)",
-                                                  "HardInstallInfoPacket::isInstalled(0, 3)",
-                                                  "HardInstallInfoPacket::isHome(0, 3, 0)",
-                                                  "getBIOSVersion(3, 0)"));
+    // Only installed boards are tested for being home, and the search ends at the first home board.
+    EXPECT_THAT(boardCalls(), testing::ElementsAre("HardInstallInfoPacket::isInstalled(0, 5)",
+                                                   "HardInstallInfoPacket::isInstalled(0, 2)",
+                                                   "HardInstallInfoPacket::isHome(0, 2, 0)",
+                                                   "HardInstallInfoPacket::isInstalled(0, 3)",
+                                                   "HardInstallInfoPacket::isHome(0, 3, 0)",
+                                                   "getBIOSVersion(3, 0)"));
 }
 
-// The order is that of the nodes and not that of the numbers.
-TEST_F(HomeBoardTest, isTheFirstInTheNodesOrder) {
+// Boards are searched in the order of the nodes, not of the board numbers.
+TEST_F(HomeBoardTest, isFirstInNodeOrder) {
     setNodes({0x09, 0x01});
     script.setBoards({1, 9, 15}, {1, 9, 15});
     EXPECT_EQ(print(*makePage()), rowsWith("of board 9"));
@@ -65,8 +65,8 @@ std::ostream& operator<<(std::ostream& stream, const NodeCase& testCase) {
 
 class SystemBoardNodeTest : public HomeBoardTest, public testing::WithParamInterface<NodeCase> {};
 
-// Bit 4 is ignored on purpose.
-TEST_P(SystemBoardNodeTest, namesTheBoardInItsLowFourBits) {
+// Intended: bit 4 is ignored.
+TEST_P(SystemBoardNodeTest, namesBoardInLowFourBits) {
     setNodes({GetParam().node});
     script.setBoards({GetParam().board, 15}, {GetParam().board, 15});
     EXPECT_EQ(print(*makePage()), rowsWith("of board " + std::to_string(GetParam().board)));
@@ -80,15 +80,15 @@ INSTANTIATE_TEST_SUITE_P(OfAPartition, SystemBoardNodeTest,
 
 class OtherNodeTest : public HomeBoardTest, public testing::WithParamInterface<unsigned char> {};
 
-// Any of the top three bits makes it a board of another kind.
-TEST_P(OtherNodeTest, isPassedOver) {
+// Any of the top three bits marks a board of another kind.
+TEST_P(OtherNodeTest, isSkipped) {
     setNodes({GetParam()});
     script.setBoards({1, 15}, {1, 15});
     EXPECT_EQ(print(*makePage()), rowsWith("-"));
-    EXPECT_THAT(questions(), testing::ElementsAre(absent("2")));
+    EXPECT_THAT(boardCalls(), testing::ElementsAre(absent("2")));
 }
 
-TEST_P(OtherNodeTest, doesNotEndTheSearch) {
+TEST_P(OtherNodeTest, doesNotEndSearch) {
     setNodes({GetParam(), 0x01});
     script.setBoards({1, 15}, {1, 15});
     EXPECT_EQ(print(*makePage()), rowsWith("of board 1"));
@@ -110,7 +110,7 @@ std::ostream& operator<<(std::ostream& stream, const AbsentCase& testCase) {
 
 class AbsentHomeBoardTest : public HomeBoardTest, public testing::WithParamInterface<AbsentCase> {};
 
-TEST_P(AbsentHomeBoardTest, isTracedAndTheVersionUnknown) {
+TEST_P(AbsentHomeBoardTest, isTracedAndShowsUnknownVersion) {
     setNodes(GetParam().nodes);
     script.setBoards(GetParam().installed, GetParam().home);
     const auto page = makePage();
@@ -120,7 +120,7 @@ TEST_P(AbsentHomeBoardTest, isTracedAndTheVersionUnknown) {
     EXPECT_FALSE(page->isError());
     EXPECT_THAT(calls({"lmsg_getmsg", "putLog"}),
                 testing::ElementsAre("lmsg_getmsg 20020", absent("2")));
-    // The board's number of a partition without one is never asked about.
+    // No version is requested for a partition without a home board.
     EXPECT_THAT(calls({"getBIOSVersion"}), testing::ElementsAre("getBIOSVersion(15, 0)"));
     EXPECT_EQ(calls(stagedFileCalls), onlyMoved);
 }
@@ -131,9 +131,9 @@ INSTANTIATE_TEST_SUITE_P(
                     AbsentCase{"only other kinds", {0x21, 0xFF}, {1, 15}, {1, 15}},
                     AbsentCase{"installed but not home", {0x01}, {1, 15}, {15}},
                     AbsentCase{"home but not installed", {0x01}, {15}, {1, 15}},
-                    AbsentCase{"two halves of one", {0x01, 0x02}, {1, 15}, {2, 15}}));
+                    AbsentCase{"one installed, another home", {0x01, 0x02}, {1, 15}, {2, 15}}));
 
-TEST_F(HomeBoardTest, isSearchedForEachPartitionAnew) {
+TEST_F(HomeBoardTest, isSearchedForEachPartition) {
     script.setPartitions(
         {{true, "a", {0x01}}, {true, "b", {}}, {true, "c", {0x02}}, {true, "d", {0x21}}});
     script.setBoards({1, 2}, {1, 2});
@@ -142,7 +142,7 @@ TEST_F(HomeBoardTest, isSearchedForEachPartitionAnew) {
     EXPECT_THAT(calls({"putLog"}), testing::ElementsAre(absent("1"), absent("3")));
 }
 
-// Without versions a missing home board is traced all the same.
+// A missing home board is traced even if the versions are unknown.
 TEST_F(HomeBoardTest, isTracedAsAbsentWithoutVersions) {
     setNodes({});
     script.setBoards({15}, {15});

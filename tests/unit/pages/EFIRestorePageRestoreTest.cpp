@@ -1,4 +1,4 @@
-// The restore that is posted to EFIRestorePage: which partitions the back-end is told.
+// Tests of a restore posted to EFIRestorePage: which partitions it sends to the back-end.
 
 #include "tests/unit/support/RestorePageTest.h"
 
@@ -14,7 +14,7 @@ protected:
         script.setPartitions(std::vector<Partition>(8, {true, "name", {}}));
     }
 
-    // What the back-end was sent.
+    // Returns the requests sent to the back-end.
     static Calls restoreRequests() { return calls({"setInfo"}); }
 
     static std::string request(const std::string& bytes) {
@@ -22,7 +22,7 @@ protected:
     }
 };
 
-TEST_F(RestoreStepTest, goesStepByStep) {
+TEST_F(RestoreStepTest, runsStepsInOrder) {
     script.maxPartitionNumbers = {2};
     script.formFields["pid1"] = "1";
     const auto page = makePage();
@@ -43,23 +43,23 @@ TEST_F(RestoreStepTest, goesStepByStep) {
     EXPECT_FALSE(page->isError());
 }
 
-TEST_F(RestoreStepTest, sendsTheTickedPartitionsInOrder) {
+TEST_F(RestoreStepTest, sendsSelectedPartitionsInOrder) {
     script.formFields["pid3"] = "3";
     script.formFields["pid1"] = "1";
     makePage();
     EXPECT_THAT(restoreRequests(), testing::ElementsAre(request("00 02 01 03")));
-    // The table is not asked for: nothing checks that a partition is installed.
+    // The partition table is not read, so nothing checks that a partition is installed.
     EXPECT_THAT(calls({"getInfo", "PartitionInfoPacket::isInstalled"}), testing::IsEmpty());
 }
 
-TEST_F(RestoreStepTest, sendsAPartitionThatIsNotInstalled) {
+TEST_F(RestoreStepTest, sendsPartitionThatIsNotInstalled) {
     script.setPartitions({{false, "", {}}, {true, "name", {}}});
     script.formFields["pid0"] = "0";
     makePage();
     EXPECT_THAT(restoreRequests(), testing::ElementsAre(request("00 01 00")));
 }
 
-TEST_F(RestoreStepTest, looksAtNoFieldBeyondTheBoardsPartitions) {
+TEST_F(RestoreStepTest, ignoresFieldsBeyondPartitionCount) {
     script.maxPartitionNumbers = {3};
     script.formFields["pid2"] = "2";
     script.formFields["pid3"] = "3";
@@ -71,7 +71,7 @@ TEST_F(RestoreStepTest, looksAtNoFieldBeyondTheBoardsPartitions) {
                 testing::ElementsAre("getFormData pid0", "getFormData pid1", "getFormData pid2"));
 }
 
-TEST_F(RestoreStepTest, readsNumbersOfTwoDigits) {
+TEST_F(RestoreStepTest, readsTwoDigitNumbers) {
     script.maxPartitionNumbers = {12};
     script.formFields["pid11"] = "11";
     makePage();
@@ -89,8 +89,8 @@ std::ostream& operator<<(std::ostream& stream, const ValueCase& testCase) {
 
 class PostedTargetTest : public RestoreStepTest, public testing::WithParamInterface<ValueCase> {};
 
-// The posted value counts, cut to 8 bits, and not the number in the field's name.
-TEST_P(PostedTargetTest, isHandedOnUnchecked) {
+// The target is the posted value, truncated to 8 bits, not the number in the field's name.
+TEST_P(PostedTargetTest, isPassedOnUnchecked) {
     script.formFields["pid2"] = GetParam().posted;
     makePage();
     EXPECT_THAT(restoreRequests(),
@@ -111,8 +111,8 @@ TEST_F(RestoreStepTest, keepsDuplicates) {
     EXPECT_THAT(restoreRequests(), testing::ElementsAre(request("00 02 05 05")));
 }
 
-// The verdict on an empty list is the back-end's.
-TEST_F(RestoreStepTest, sendsAnEmptyListAsWell) {
+// The back-end decides about an empty list.
+TEST_F(RestoreStepTest, sendsEmptyList) {
     script.replies[0x020100A4].errorCode = 1540;
     const auto page = makePage();
     EXPECT_THAT(restoreRequests(), testing::ElementsAre(request("00 00")));
@@ -120,14 +120,14 @@ TEST_F(RestoreStepTest, sendsAnEmptyListAsWell) {
     EXPECT_EQ(print(*page), uploadForm("2"));
 }
 
-TEST_F(RestoreStepTest, sendsAnEmptyListWithoutPartitionNumbers) {
+TEST_F(RestoreStepTest, sendsEmptyListWhenPartitionCountIsZero) {
     script.maxPartitionNumbers = {0};
     script.formFields["pid0"] = "0";
     makePage();
     EXPECT_THAT(restoreRequests(), testing::ElementsAre(request("00 00")));
 }
 
-// A number beyond the largest int is a negative one.
+// A count above the largest int is negative.
 TEST_F(RestoreStepTest, comparesPartitionNumbersSigned) {
     script.maxPartitionNumbers = {0x80000000U, 2};
     script.formFields["pid0"] = "0";
@@ -137,14 +137,14 @@ TEST_F(RestoreStepTest, comparesPartitionNumbersSigned) {
                 testing::ElementsAre("getMaxPartitionNum"));
 }
 
-TEST_F(RestoreStepTest, neitherNeedsNorTouchesAStagedFile) {
+TEST_F(RestoreStepTest, doesNotAccessStagedFile) {
     script.formFields["pid0"] = "0";
     makePage();
     EXPECT_THAT(calls({"new LockedFile", "new EFIConfFile", "rename", "remove"}),
                 testing::IsEmpty());
 }
 
-TEST_F(RestoreStepTest, asksForTheNumberOfPartitionsBeforeEveryPass) {
+TEST_F(RestoreStepTest, readsPartitionCountBeforeEachPass) {
     script.maxPartitionNumbers = {1, 3, 3, 2};
     for (int partition = 0; partition < 8; ++partition) {
         script.formFields["pid" + std::to_string(partition)] = std::to_string(partition);
@@ -162,8 +162,8 @@ protected:
     }
 };
 
-// All means every partition that is installed now: the table is asked for anew, and the boxes of
-// the partitions are not read.
+// "All" means every partition that is installed now: the table is read again, and the partitions'
+// own check boxes are ignored.
 TEST_P(RestoreOfAllTest, sendsEveryInstalledPartitionOnce) {
     script.formFields["pid1"] = "1";
     script.formFields["pid2"] = "2";
@@ -180,7 +180,7 @@ TEST_P(RestoreOfAllTest, sendsEveryInstalledPartitionOnce) {
     EXPECT_EQ(print(*page), uploadForm("2"));
 }
 
-TEST_P(RestoreOfAllTest, asksForTheNumberOfPartitionsBeforeEveryPass) {
+TEST_P(RestoreOfAllTest, readsPartitionCountBeforeEachPass) {
     script.maxPartitionNumbers = {1, 3, 3, 2};
     makePage();
     EXPECT_THAT(restoreRequests(), testing::ElementsAre(request("00 02 00 02")));
@@ -194,7 +194,7 @@ TEST_P(RestoreOfAllTest, comparesPartitionNumbersSigned) {
     EXPECT_THAT(calls({"getMaxPartitionNum"}), testing::SizeIs(1));
 }
 
-TEST_P(RestoreOfAllTest, cutsPartitionNumbersToEightBits) {
+TEST_P(RestoreOfAllTest, truncatesPartitionNumbersToEightBits) {
     std::vector<Partition> partitions(258);
     partitions[255] = partitions[257] = {true, "name", {}};
     script.setPartitions(partitions);
@@ -202,8 +202,8 @@ TEST_P(RestoreOfAllTest, cutsPartitionNumbersToEightBits) {
     EXPECT_THAT(restoreRequests(), testing::ElementsAre(request("00 02 FF 01")));
 }
 
-// Nothing is sent.
-TEST_P(RestoreOfAllTest, aFailedPartitionTableIsAllThatIsShown) {
+// No restore is sent.
+TEST_P(RestoreOfAllTest, failedPartitionTableShowsOnlyError) {
     script.replies[0x0201002F].errorCode = 1047;
     script.formFields["pid0"] = "0";
     const auto page = makePage();
@@ -222,9 +222,9 @@ TEST_P(RestoreOfAllTest, aFailedPartitionTableIsAllThatIsShown) {
                              "delete SelectFile(filename, , form_name, 70, 0)"));
 }
 
-INSTANTIATE_TEST_SUITE_P(WhateverTheBoxSays, RestoreOfAllTest, testing::Values("", "0", "on"));
+INSTANTIATE_TEST_SUITE_P(AnyBoxValue, RestoreOfAllTest, testing::Values("", "0", "on"));
 
-TEST_F(RestoreStepTest, aRefusalIsANoticeOverTheForm) {
+TEST_F(RestoreStepTest, refusalShowsNoticeAndForm) {
     script.replies[0x020100A4].errorCode = 1540;
     script.formFields["pid0"] = "0";
     const auto page = makePage();
@@ -235,19 +235,19 @@ TEST_F(RestoreStepTest, aRefusalIsANoticeOverTheForm) {
     EXPECT_THAT(calls({"remove", "putLog"}), testing::IsEmpty());
 }
 
-TEST_F(RestoreStepTest, aRefusalUsesTheErrorCodesOwnMessage) {
+TEST_F(RestoreStepTest, refusalUsesMessageOfErrorCode) {
     script.replies[0x020100A4].errorCode = 1551;
     EXPECT_EQ(makePage()->getMessage(), "message 353/1551");
 }
 
-TEST_F(RestoreStepTest, theOutcomeStandsAboveTheNoticeOfAMessageField) {
+TEST_F(RestoreStepTest, messageFieldAppendsToOutcome) {
     script.replies[0x020100A4].errorCode = 1549;
     script.formFields["message"] = "";
     EXPECT_EQ(makePage()->getMessage(), "message 73/1549<br>message 70/0");
 }
 
-// Authority is asked about only when the form is built again.
-TEST_F(RestoreStepTest, withoutAuthorityIsSentAndThenAnError) {
+// Authority is checked only when the form is rebuilt.
+TEST_F(RestoreStepTest, sendsUnauthorizedRestoreThenShowsError) {
     displayMode = 0;
     script.formFields["pid0"] = "0";
     const auto page = makePage();

@@ -1,4 +1,4 @@
-// EFIRestorePage after an upload: the target selection.
+// Tests of the target selection, which EFIRestorePage shows after an upload.
 
 #include "tests/unit/support/SelectionTest.h"
 
@@ -10,7 +10,7 @@ namespace VeskLib::Test {
 
 class EFIRestorePageSelectionTest : public SelectionTest {};
 
-TEST_F(EFIRestorePageSelectionTest, isBuiltStepByStep) {
+TEST_F(EFIRestorePageSelectionTest, buildsInFixedOrder) {
     script.setPartitions({{false, "", {}}, {true, "name", {0x03}}});
     script.setBoards({3}, {3});
     script.setVersions({"", "", "", "4.5"});
@@ -111,7 +111,7 @@ TEST_F(EFIRestorePageSelectionTest, isBuiltStepByStep) {
                 }));
 }
 
-TEST_F(EFIRestorePageSelectionTest, hasARowForEachInstalledPartition) {
+TEST_F(EFIRestorePageSelectionTest, showsRowForEachInstalledPartition) {
     script.setPartitions({{true, "first", {0x05}}, {false, "gap", {0x01}}, {true, "third", {}}});
     script.setBoards({1, 5}, {1, 5});
     script.setVersions({"", "wrong", "", "", "", "10.20.30"});
@@ -124,8 +124,8 @@ TEST_F(EFIRestorePageSelectionTest, hasARowForEachInstalledPartition) {
     EXPECT_THAT(calls({"putLog"}), testing::ElementsAre(absent("2")));
 }
 
-// Nothing decides for the operator: not the version, not where the file came from.
-TEST_F(EFIRestorePageSelectionTest, makesEveryRowAlike) {
+// No row is preselected or disabled, whatever its version and whatever partition the file is from.
+TEST_F(EFIRestorePageSelectionTest, treatsAllRowsAlike) {
     script.setPartitions({{true, "same version", {0x00}},
                           {true, "other version", {0x01}},
                           {true, "no home board", {}},
@@ -139,7 +139,7 @@ TEST_F(EFIRestorePageSelectionTest, makesEveryRowAlike) {
                             row("4", "the file's", "1.23 B")));
 }
 
-TEST_F(EFIRestorePageSelectionTest, givesNamesNumbersAndVersionsAsTheyAre) {
+TEST_F(EFIRestorePageSelectionTest, printsNamesNumbersAndVersionsUnescaped) {
     std::vector<Partition> partitions(11);
     partitions[10] = {true, "<&\"'> %s ü", {0x00}};
     script.setPartitions(partitions);
@@ -148,11 +148,11 @@ TEST_F(EFIRestorePageSelectionTest, givesNamesNumbersAndVersionsAsTheyAre) {
     EXPECT_EQ(print(*makePage()), selectionWith(row("10", "<&\"'> %s ü", "<1>")));
 }
 
-TEST_F(EFIRestorePageSelectionTest, saysWhatTheFileHolds) {
+TEST_F(EFIRestorePageSelectionTest, showsFileDetails) {
     script.filePartition = std::numeric_limits<unsigned int>::max();
     script.filePartitionName = "<file>";
     script.fileVersion = "-";
-    script.fileHeader.saveTime = 1796083199;  // 30 November 2026, the last second
+    script.fileHeader.saveTime = 1796083199;  // the last second of 30 November 2026
     EXPECT_THAT(print(*makePage()),
                 testing::AllOf(testing::HasSubstr("|pid=" + text("4294967295") + "|"),
                                testing::HasSubstr("|part_name=" + text("<file>") + "|"),
@@ -160,21 +160,21 @@ TEST_F(EFIRestorePageSelectionTest, saysWhatTheFileHolds) {
                                testing::HasSubstr("|date=" + text("2026-11-30") + "|")));
 }
 
-// The header's first field is no date.
-TEST_F(EFIRestorePageSelectionTest, datesTheFileInLocalTime) {
+// The header's first field is not a date.
+TEST_F(EFIRestorePageSelectionTest, showsFileDateInLocalTime) {
     const ScopedEnvironment east("TZ", "JST-9");
     script.fileHeader.revision = 1794657600;
     script.fileHeader.saveTime = 1236384000 - 1;
     EXPECT_THAT(print(*makePage()), testing::HasSubstr("|date=" + text("2009-03-07") + "|"));
 }
 
-TEST_F(EFIRestorePageSelectionTest, datesTheFileInTheYearBeforeWhereThatIsLocalTime) {
+TEST_F(EFIRestorePageSelectionTest, showsPreviousYearWestOfGreenwich) {
     const ScopedEnvironment west("TZ", "EST5");
-    script.fileHeader.saveTime = 1798761600;  // 1 January 2027, midnight in Greenwich
+    script.fileHeader.saveTime = 1798761600;  // 1 January 2027, midnight UTC
     EXPECT_THAT(print(*makePage()), testing::HasSubstr("|date=" + text("2026-12-31") + "|"));
 }
 
-TEST_F(EFIRestorePageSelectionTest, showsWhatTheDisplayModeIsWhenPrinted) {
+TEST_F(EFIRestorePageSelectionTest, usesDisplayModeAtPrintTime) {
     const auto page = makePage();
     displayMode = 0;
     const std::string printed = print(*page);
@@ -182,8 +182,8 @@ TEST_F(EFIRestorePageSelectionTest, showsWhatTheDisplayModeIsWhenPrinted) {
     EXPECT_THAT(printed, testing::HasSubstr("CheckBox(, , form_name, 0){box(pid0"));
 }
 
-// The number of partitions is asked again before every pass.
-TEST_F(EFIRestorePageSelectionTest, endsWhereTheBoardSaysAtThatMoment) {
+// The count may change during the loop.
+TEST_F(EFIRestorePageSelectionTest, readsPartitionCountBeforeEachPass) {
     script.setPartitions(std::vector<Partition>(5, {true, "name", {}}));
     script.maxPartitionNumbers = {1, 3, 3, 2};
     EXPECT_EQ(print(*makePage()),
@@ -191,14 +191,14 @@ TEST_F(EFIRestorePageSelectionTest, endsWhereTheBoardSaysAtThatMoment) {
     EXPECT_THAT(calls({"getMaxPartitionNum"}), testing::SizeIs(4));
 }
 
-// Unlike on the backup screen: a number beyond the largest int is a negative one.
+// Unlike on the backup screen, a count above the largest int is negative.
 TEST_F(EFIRestorePageSelectionTest, comparesPartitionNumbersSigned) {
     script.maxPartitionNumbers = {std::numeric_limits<unsigned int>::max(), 1};
     EXPECT_EQ(makePage()->getMessage(), "message 46/1026");
     EXPECT_THAT(calls({"getMaxPartitionNum"}), testing::SizeIs(1));
 }
 
-TEST_F(EFIRestorePageSelectionTest, withoutVersionsEveryRowReadsUnknown) {
+TEST_F(EFIRestorePageSelectionTest, showsUnknownVersionsWhenRequestFails) {
     script.setPartitions({{true, "first", {0x00}}, {true, "second", {0x01}}});
     script.setBoards({0, 1}, {0, 1});
     script.setVersions({"1.0", "2.0"});
@@ -213,8 +213,8 @@ TEST_F(EFIRestorePageSelectionTest, withoutVersionsEveryRowReadsUnknown) {
     EXPECT_EQ(calls(stagedFileCalls), onlyMoved);
 }
 
-// What cannot be had is traced and shown in the same words, and the upload form is not built.
-TEST_F(EFIRestorePageSelectionTest, aFailedPartitionTableIsAllThatIsShown) {
+// Unavailable data is traced and shown with the same text, and the upload form is not built.
+TEST_F(EFIRestorePageSelectionTest, failedPartitionTableShowsOnlyError) {
     script.replies[0x0201002F].errorCode = 1047;
     const auto page = makePage();
     EXPECT_EQ(page->getMessage(), "lmsg 107 [the partition status]");
@@ -230,7 +230,7 @@ TEST_F(EFIRestorePageSelectionTest, aFailedPartitionTableIsAllThatIsShown) {
                     "delete TextString(onLoadFunction(), false, false, 6)", "terminate"));
 }
 
-TEST_F(EFIRestorePageSelectionTest, failedInstalledHardwareIsAllThatIsShown) {
+TEST_F(EFIRestorePageSelectionTest, failedHardwareInfoShowsOnlyError) {
     script.replies[0x02010021].errorCode = 1047;
     const auto page = makePage();
     EXPECT_EQ(page->getMessage(), "lmsg 107 [the system status]");
@@ -252,8 +252,8 @@ protected:
     UnreadableFileTest() { (GetParam() ? script.openError : script.headerError) = 1104; }
 };
 
-// The exception's own code is not shown.
-TEST_P(UnreadableFileTest, isRemovedAndTheUploadFormShownAgain) {
+// The exception's code is not shown.
+TEST_P(UnreadableFileTest, isRemovedAndUploadFormShownAgain) {
     const auto page = makePage();
     EXPECT_EQ(page->getMessage(), "message 64/1026");
     EXPECT_TRUE(page->isAlert());
@@ -261,25 +261,24 @@ TEST_P(UnreadableFileTest, isRemovedAndTheUploadFormShownAgain) {
     EXPECT_EQ(print(*page), uploadForm("2", true));
     EXPECT_EQ(calls(stagedFileCalls), movedAndRemoved);
     EXPECT_THAT(calls({"putLog", "new VersionInfo", "getMaxPartitionNum"}), testing::IsEmpty());
-    EXPECT_THAT(calls({"setSkeletonFile", "getMessage", "remove", "insertIntoMap form_action",
-                       "insertIntoMap hidden_status", "insertIntoMap message", "delete HiddenField",
-                       "delete TextString", "terminate"}),
-                testing::ElementsAre(
-                    "setSkeletonFile /usr/local/www/skel/skeleton_efi_rstr_slct.txt",
-                    "insertIntoMap form_action", "insertIntoMap hidden_status",
-                    "insertIntoMap message", "getMessage message 64/1026",
-                    "setSkeletonFile /usr/local/www/skel/skeleton_efi_rstr.txt",
-                    "remove /board/var/tmp/restored_eficonfS1",
-                    "insertIntoMap form_action, which displaces",
-                    "delete TextString(/maintenance/efi_backup_restore.cgi, false, false, 6)",
-                    "insertIntoMap hidden_status, which displaces",
-                    "delete HiddenField(hidden_status, 2, form_name)",
-                    "insertIntoMap message, which displaces",
-                    "delete TextString(caption 1003, false, false, 6)", "getMessage message 354/0",
-                    "insertIntoMap message0", "terminate"));
+    EXPECT_THAT(
+        calls({"setSkeletonFile", "getMessage", "remove", "insertIntoMap form_action",
+               "insertIntoMap hidden_status", "insertIntoMap message", "delete HiddenField",
+               "delete TextString", "terminate"}),
+        testing::ElementsAre(
+            "setSkeletonFile /usr/local/www/skel/skeleton_efi_rstr_slct.txt",
+            "insertIntoMap form_action", "insertIntoMap hidden_status", "insertIntoMap message",
+            "getMessage message 64/1026",
+            "setSkeletonFile /usr/local/www/skel/skeleton_efi_rstr.txt",
+            "remove /board/var/tmp/restored_eficonfS1", "insertIntoMap form_action, replacing",
+            "delete TextString(/maintenance/efi_backup_restore.cgi, false, false, 6)",
+            "insertIntoMap hidden_status, replacing",
+            "delete HiddenField(hidden_status, 2, form_name)", "insertIntoMap message, replacing",
+            "delete TextString(caption 1003, false, false, 6)", "getMessage message 354/0",
+            "insertIntoMap message0", "terminate"));
 }
 
-TEST_P(UnreadableFileTest, thatCannotBeRemovedIsTracedAndShownTheSame) {
+TEST_P(UnreadableFileTest, failedRemovalIsTracedAndShowsSamePage) {
     script.removeError = 13;
     const auto page = makePage();
     EXPECT_EQ(page->getMessage(), "message 64/1026");
@@ -291,35 +290,35 @@ TEST_P(UnreadableFileTest, thatCannotBeRemovedIsTracedAndShownTheSame) {
 
 INSTANTIATE_TEST_SUITE_P(WhenOpenedOrRead, UnreadableFileTest, testing::Bool());
 
-// The lock is free while the file is read and is asked for once more to remove it; without it the
-// exception leaves the page, and nothing of the page is left.
-TEST_F(EFIRestorePageSelectionTest, anUnreadableFileThatCannotBeLockedEndsThePage) {
+// The lock is released while the file is read, and acquired again to remove it. If that fails, the
+// exception leaves the constructor, and every component is freed.
+TEST_F(EFIRestorePageSelectionTest, throwsWhenUnreadableFileCannotBeLocked) {
     script.headerError = 1104;
-    const Calls held = Scripted::livingObjects();
+    const Calls livingBefore = Scripted::livingObjects();
     script.replies[0x02010021].fill = [this](VeskUi::SerializableObject&) {
         script.lockError = 1101;
     };
     EXPECT_EQ(thrownDetail([&] { makePage(); }), 1101);
-    EXPECT_EQ(Scripted::livingObjects(), held);
+    EXPECT_EQ(Scripted::livingObjects(), livingBefore);
     EXPECT_EQ(calls(stagedFileCalls), onlyMoved);
     EXPECT_THAT(calls({"terminate"}), testing::IsEmpty());
 }
 
-TEST_F(EFIRestorePageSelectionTest, anExceptionOfAnotherTypePassesThroughAndKeepsTheFile) {
-    const Calls held = Scripted::livingObjects();
+TEST_F(EFIRestorePageSelectionTest, propagatesOtherExceptionsAndKeepsFile) {
+    const Calls livingBefore = Scripted::livingObjects();
     for (const char* place : {"new EFIConfFile", "getFileHeader"}) {
         Scripted::forgetCalls();
         Scripted::throwAt(place, std::make_exception_ptr(std::runtime_error("other")));
         EXPECT_THROW(makePage(), std::runtime_error) << place;
-        EXPECT_EQ(Scripted::livingObjects(), held) << place;
+        EXPECT_EQ(Scripted::livingObjects(), livingBefore) << place;
         EXPECT_EQ(calls(stagedFileCalls), onlyMoved) << place;
         EXPECT_THAT(calls({"getMessage", "putLog", "terminate"}), testing::IsEmpty()) << place;
-        // The next one is to be reached.
+        // Otherwise the next place would not be reached.
         Scripted::throwAt(place, nullptr);
     }
 }
 
-TEST_F(EFIRestorePageSelectionTest, withoutPartitionNumbersNoneIsInstalled) {
+TEST_F(EFIRestorePageSelectionTest, zeroPartitionCountMeansNoneInstalled) {
     script.maxPartitionNumbers = {0};
     const auto page = makePage();
     EXPECT_EQ(page->getMessage(), "message 46/1026");
@@ -328,7 +327,7 @@ TEST_F(EFIRestorePageSelectionTest, withoutPartitionNumbersNoneIsInstalled) {
     EXPECT_THAT(calls({"PartitionInfoPacket::isInstalled", "putLog"}), testing::IsEmpty());
 }
 
-TEST_F(EFIRestorePageSelectionTest, whenNoPartitionIsInstalledOnlyThatIsShownAndTheFileKept) {
+TEST_F(EFIRestorePageSelectionTest, keepsFileButShowsOnlyErrorWhenNoneInstalled) {
     script.setPartitions({{false, "name", {0x00}}, {false, "", {}}});
     const auto page = makePage();
     EXPECT_EQ(page->getMessage(), "message 46/1026");
@@ -337,7 +336,7 @@ TEST_F(EFIRestorePageSelectionTest, whenNoPartitionIsInstalledOnlyThatIsShownAnd
     EXPECT_EQ(print(*page), emptySelection);
     EXPECT_EQ(calls(stagedFileCalls), onlyMoved);
     EXPECT_THAT(calls({"putLog", "getNodeIds"}), testing::IsEmpty());
-    // Twenty-three components with a record of their own, the row container aside.
+    // Twenty-three components that record their deletion; the row container does not.
     EXPECT_THAT(calls({"delete TextString", "delete HiddenField", "delete SelectFile",
                        "delete Button", "delete CheckBox"}),
                 testing::SizeIs(23));
@@ -346,15 +345,15 @@ TEST_F(EFIRestorePageSelectionTest, whenNoPartitionIsInstalledOnlyThatIsShownAnd
         testing::ElementsAre("insertIntoMap table_pid", "getMessage message 46/1026", "terminate"));
 }
 
-// Wherever the building breaks off, nothing of the page stays behind.
-TEST_F(EFIRestorePageSelectionTest, anExceptionWhileBuildingFreesThePage) {
+// Wherever building throws, every component is freed.
+TEST_F(EFIRestorePageSelectionTest, freesPageWhenBuildingThrows) {
     script.setPartitions({{true, "first", {}}, {true, "second", {}}});
-    const Calls held = Scripted::livingObjects();
+    const Calls livingBefore = Scripted::livingObjects();
     for (const char* place : {"form_action", "information", "tablepid", "part_name", "filename",
                               "install", "check_box", "pid", "version", "table_pid"}) {
         script.insertErrors = {{place, 7}};
         EXPECT_EQ(thrownDetail([&] { makePage(); }), 7) << place;
-        EXPECT_EQ(Scripted::livingObjects(), held) << place;
+        EXPECT_EQ(Scripted::livingObjects(), livingBefore) << place;
     }
 }
 

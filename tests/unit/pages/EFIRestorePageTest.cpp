@@ -11,14 +11,14 @@ using Gui::EFIRestorePage;
 
 class EFIRestorePageTest : public RestorePageTest {};
 
-TEST_F(EFIRestorePageTest, hasItsConstants) {
+TEST_F(EFIRestorePageTest, hasExpectedConstants) {
     EXPECT_EQ(EFIRestorePage::skeletonFileName, "/usr/local/www/skel/skeleton_efi_rstr.txt");
     EXPECT_EQ(EFIRestorePage::skeletonFileNameSel,
               "/usr/local/www/skel/skeleton_efi_rstr_slct.txt");
     EXPECT_STREQ(EFIRestorePage::FILE_EXTENSION, ".dat");
 }
 
-TEST_F(EFIRestorePageTest, isBuiltStepByStep) {
+TEST_F(EFIRestorePageTest, buildsInFixedOrder) {
     const auto page = makePage();
     EXPECT_THAT(
         calls(),
@@ -39,7 +39,7 @@ TEST_F(EFIRestorePageTest, isBuiltStepByStep) {
             "insertIntoMap message0", "terminate"));
 }
 
-TEST_F(EFIRestorePageTest, isTheUploadFormOnAFirstVisit) {
+TEST_F(EFIRestorePageTest, showsUploadFormOnFirstVisit) {
     const auto page = makePage();
     EXPECT_EQ(print(*page), uploadForm("0"));
     EXPECT_EQ(page->getMessage(), "");
@@ -47,15 +47,15 @@ TEST_F(EFIRestorePageTest, isTheUploadFormOnAFirstVisit) {
     EXPECT_FALSE(page->isAlert());
 }
 
-// "hidden_status" belongs to posted steps.
-TEST_F(EFIRestorePageTest, aPlainDisplayReadsNoStatus) {
+// "hidden_status" applies to posted steps only.
+TEST_F(EFIRestorePageTest, plainDisplayIgnoresStatus) {
     script.formFields["hidden_status"] = "3";
     EXPECT_EQ(print(*makePage()), uploadForm("0"));
     EXPECT_THAT(calls({"getFormData", "remove"}), testing::ElementsAre("getFormData message"));
 }
 
-// On memory that is not zero, so that a field nobody sets shows.
-TEST_F(EFIRestorePageTest, everyFieldIsSetWhenMade) {
+// Uses nonzero memory, so that an uninitialized field shows.
+TEST_F(EFIRestorePageTest, initializesEveryField) {
     alignas(EFIRestorePage) std::array<unsigned char, sizeof(EFIRestorePage)> memory;
     memory.fill(0xA5);
     auto* page = new (memory.data()) EFIRestorePage(requester, formInfo, messageMgr, &displayMode);
@@ -63,8 +63,8 @@ TEST_F(EFIRestorePageTest, everyFieldIsSetWhenMade) {
     page->~EFIRestorePage();
 }
 
-// Whether the restore is finished decides about the form; it is not.
-TEST_F(EFIRestorePageTest, theFormIsBuiltAfterARestoreWhateverWasInTheMemory) {
+// If restoreFinished were left uninitialized, it would be true here, which suppresses the form.
+TEST_F(EFIRestorePageTest, initializesRestoreFinished) {
     post("2");
     alignas(EFIRestorePage) std::array<unsigned char, sizeof(EFIRestorePage)> memory;
     memory.fill(1);
@@ -76,7 +76,7 @@ TEST_F(EFIRestorePageTest, theFormIsBuiltAfterARestoreWhateverWasInTheMemory) {
 class MessageFieldTest : public EFIRestorePageTest,
                          public testing::WithParamInterface<const char*> {};
 
-TEST_P(MessageFieldTest, raisesTheNoticeOfARestoreAgain) {
+TEST_P(MessageFieldTest, repeatsNoticeOfRestore) {
     script.formFields["message"] = GetParam();
     const auto page = makePage();
     EXPECT_EQ(page->getMessage(), "message 70/0");
@@ -91,7 +91,7 @@ TEST_P(MessageFieldTest, raisesTheNoticeOfARestoreAgain) {
 
 INSTANTIATE_TEST_SUITE_P(WithAnyValue, MessageFieldTest, testing::Values("", "0", "anything"));
 
-TEST_F(EFIRestorePageTest, aNoticeStandsBelowAnEarlierOne) {
+TEST_F(EFIRestorePageTest, messageFieldAppendsToEarlierNotice) {
     post("1");
     script.uploadSize = 0;
     script.formFields["message"] = "";
@@ -104,8 +104,8 @@ TEST_F(EFIRestorePageTest, aNoticeStandsBelowAnEarlierOne) {
 class UnauthorizedRestorePageTest : public EFIRestorePageTest,
                                     public testing::WithParamInterface<int> {};
 
-// The form is built all the same and dropped at the end of the construction.
-TEST_P(UnauthorizedRestorePageTest, buildsTheFormButSaysOnlyThat) {
+// The form is built anyway, and dropped at the end of construction.
+TEST_P(UnauthorizedRestorePageTest, buildsFormButShowsOnlyError) {
     displayMode = GetParam();
     script.formFields["message"] = "";
     const auto page = makePage();
@@ -135,7 +135,7 @@ TEST_P(UnauthorizedRestorePageTest, buildsTheFormButSaysOnlyThat) {
 INSTANTIATE_TEST_SUITE_P(AnyDisplayModeButTwo, UnauthorizedRestorePageTest,
                          testing::Values(0, 1, 3, -2));
 
-TEST_F(EFIRestorePageTest, deletesEverythingWithIt) {
+TEST_F(EFIRestorePageTest, deletesEverythingOnDestruction) {
     auto page = makePage();
     Scripted::forgetCalls();
     page.reset();
@@ -154,19 +154,19 @@ TEST_F(EFIRestorePageTest, deletesEverythingWithIt) {
             "delete VeskTrace(1, 2, 29697)"));
 }
 
-// Wherever the building breaks off, nothing of the page stays behind.
-TEST_F(EFIRestorePageTest, anExceptionWhileBuildingFreesThePage) {
-    const Calls held = Scripted::livingObjects();
+// Wherever building throws, every component is freed.
+TEST_F(EFIRestorePageTest, freesPageWhenBuildingThrows) {
+    const Calls livingBefore = Scripted::livingObjects();
     for (const char* place : {"onload_function", "form_action", "hidden_status", "filename",
                               "hidden_procname", "message0"}) {
         script.insertErrors = {{place, 7}};
         EXPECT_EQ(thrownDetail([&] { makePage(); }), 7) << place;
-        EXPECT_EQ(Scripted::livingObjects(), held) << place;
+        EXPECT_EQ(Scripted::livingObjects(), livingBefore) << place;
     }
 }
 
-// Two sessions have a staged file each, and one lock.
-TEST_F(EFIRestorePageTest, theStagedFileIsTheSessionsAndTheLockEverybodys) {
+// Each session has its own staged file; all sessions share one lock.
+TEST_F(EFIRestorePageTest, sessionsHaveOwnStagedFilesButShareLock) {
     post("3");
     makePage();
     script.sessionId = "S2";

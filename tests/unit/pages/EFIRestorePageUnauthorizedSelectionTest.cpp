@@ -1,4 +1,4 @@
-// EFIRestorePage after an upload by somebody who may not use the screen.
+// Tests of EFIRestorePage after an upload by an unauthorized user.
 
 #include "tests/unit/support/SelectionTest.h"
 
@@ -12,8 +12,8 @@ protected:
         "putLog 0 lmsg 20020 [EFIRestorePage::makeSelectPage(): Authorization required.]";
 };
 
-// The back-end is asked all the same, and what is built is dropped at the end.
-TEST_P(UnauthorizedSelectionTest, isBuiltButSaysOnlyThat) {
+// The back-end is queried anyway, and the components are dropped at the end.
+TEST_P(UnauthorizedSelectionTest, isBuiltButShowsOnlyError) {
     const auto page = makePage();
     EXPECT_EQ(page->getMessage(), "message 12/1033");
     EXPECT_TRUE(page->isError());
@@ -31,20 +31,20 @@ TEST_P(UnauthorizedSelectionTest, isBuiltButSaysOnlyThat) {
                                      "terminate", "delete TextString(restore, false, false, 6)"));
 }
 
-TEST_P(UnauthorizedSelectionTest, furtherFailuresAddTheirTexts) {
+TEST_P(UnauthorizedSelectionTest, appendsTextOfFurtherFailure) {
     script.replies[0x02010021].errorCode = 1047;
     EXPECT_EQ(makePage()->getMessage(), "message 12/1033<br>lmsg 107 [the system status]");
     EXPECT_THAT(calls({"putLog"}),
                 testing::ElementsAre(refusal, "putLog 0 lmsg 107 [the system status]"));
 }
 
-TEST_P(UnauthorizedSelectionTest, anEmptyListAddsItsText) {
+TEST_P(UnauthorizedSelectionTest, appendsTextOfEmptyList) {
     script.setPartitions({});
     EXPECT_EQ(makePage()->getMessage(), "message 12/1033<br>message 46/1026");
 }
 
-// The upload form that follows asks about authority once more.
-TEST_P(UnauthorizedSelectionTest, anUnreadableFileIsRemoved) {
+// The upload form that follows checks authority again.
+TEST_P(UnauthorizedSelectionTest, removesUnreadableFile) {
     script.headerError = 1104;
     const auto page = makePage();
     EXPECT_EQ(page->getMessage(), "message 12/1033<br>message 64/1026<br>message 12/1033");

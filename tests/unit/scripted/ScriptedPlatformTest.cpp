@@ -1,4 +1,4 @@
-// What the tests of the program rely on: the scripted platform sees what it is there to see.
+// Tests of the scripted platform, on which the tests of the program rely.
 
 #include "data/HardInstallInfoPacket.h"
 #include "tests/scripted/systemCalls.h"
@@ -25,7 +25,7 @@ namespace VeskLib::Test {
 
 class ScriptedPlatformTest : public ScriptedTest {};
 
-TEST_F(ScriptedPlatformTest, noticesAnObjectThatIsNotDeleted) {
+TEST_F(ScriptedPlatformTest, detectsLeakedObject) {
     auto text = std::make_unique<Gui::TextString>("text", false, true);
     EXPECT_THAT(Scripted::livingObjects(),
                 testing::ElementsAre("TextString(text, false, true, 6)"));
@@ -33,7 +33,7 @@ TEST_F(ScriptedPlatformTest, noticesAnObjectThatIsNotDeleted) {
     EXPECT_THAT(Scripted::livingObjects(), testing::IsEmpty());
 }
 
-TEST_F(ScriptedPlatformTest, noticesAnObjectThatIsDeletedTwice) {
+TEST_F(ScriptedPlatformTest, detectsDoubleDeletion) {
     const int object = 0;
     Scripted::objectMade(&object, "object");
     Scripted::objectDeleted(&object);
@@ -43,16 +43,16 @@ TEST_F(ScriptedPlatformTest, noticesAnObjectThatIsDeletedTwice) {
     Scripted::forgetRecords();
 }
 
-TEST_F(ScriptedPlatformTest, deletesADisplacedComponent) {
+TEST_F(ScriptedPlatformTest, deletesReplacedComponent) {
     std::map<std::string, Gui::HTMLComponent*> components;
     Gui::HTMLMapUtil::insertIntoMap(components, "name", new ProbeComponent("old"));
     Gui::HTMLMapUtil::insertIntoMap(components, "name", new ProbeComponent("new"));
     EXPECT_THAT(calls(), testing::ElementsAre("new old", "insertIntoMap name", "new new",
-                                              "insertIntoMap name, which displaces", "delete old"));
+                                              "insertIntoMap name, replacing", "delete old"));
     delete components["name"];
 }
 
-TEST_F(ScriptedPlatformTest, rendersTheMessagesWithTheirArguments) {
+TEST_F(ScriptedPlatformTest, formatsMessagesWithArguments) {
     char text[256];
     EXPECT_STREQ(lmsg_getmsg(107, text, "a"), "lmsg 107 [a]");
     EXPECT_STREQ(lmsg_getmsg(20003, text, "a"), "lmsg 20003 [a]");
@@ -62,14 +62,14 @@ TEST_F(ScriptedPlatformTest, rendersTheMessagesWithTheirArguments) {
     EXPECT_STREQ(lmsg_getmsg(1, text), "lmsg 1 of an unknown number");
 }
 
-TEST_F(ScriptedPlatformTest, theLastPartitionNumberStays) {
+TEST_F(ScriptedPlatformTest, repeatsLastPartitionNumber) {
     script.maxPartitionNumbers = {3, 5};
     EXPECT_EQ(CommonUtil::getMaxPartitionNum(), 3u);
     EXPECT_EQ(CommonUtil::getMaxPartitionNum(), 5u);
     EXPECT_EQ(CommonUtil::getMaxPartitionNum(), 5u);
 }
 
-TEST_F(ScriptedPlatformTest, systemCallsTouchNothingUnlessTheScriptSaysSo) {
+TEST_F(ScriptedPlatformTest, systemCallsTouchNoFilesByDefault) {
     const TemporaryFolder folder;
     const std::string path = folder.path / "file";
     EXPECT_EQ(creat(path.c_str(), 0644), script.descriptor);
@@ -84,7 +84,7 @@ TEST_F(ScriptedPlatformTest, systemCallsTouchNothingUnlessTheScriptSaysSo) {
     EXPECT_EQ(close(descriptor), 0);
 }
 
-TEST_F(ScriptedPlatformTest, systemCallsFailAsTheScriptSays) {
+TEST_F(ScriptedPlatformTest, systemCallsFailAsScripted) {
     script.creatError = EACCES;
     script.renameError = EXDEV;
     script.removeError = ENOENT;
@@ -106,7 +106,7 @@ TEST_F(ScriptedPlatformTest, anyCallCanThrowAnything) {
     EXPECT_EQ(CommonUtil::getMaxPartitionNum(), 0u);
 }
 
-TEST_F(ScriptedPlatformTest, theUploadIsThatOfTheScriptUntilTheFormIsLetGoOf) {
+TEST_F(ScriptedPlatformTest, returnsScriptedUploadUntilFormIsTerminated) {
     script.uploadName = "name";
     script.uploadPath = "/path";
     script.uploadSize = 5;
@@ -122,8 +122,8 @@ TEST_F(ScriptedPlatformTest, theUploadIsThatOfTheScriptUntilTheFormIsLetGoOf) {
     EXPECT_EQ(thrownDetail([&] { form.getUploadFilePath(); }), 1103);
 }
 
-// A board is known only from a request for the boards.
-TEST_F(ScriptedPlatformTest, boardsAndVersionsComeWithTheirRequests) {
+// Boards are unknown until the program has requested them.
+TEST_F(ScriptedPlatformTest, fillsBoardsAndVersionsOnRequest) {
     script.setBoards({3}, {3});
     script.setVersions({"1.0", "2.0"});
     const VeskUi::HardInstallInfoPacket boards;

@@ -8,7 +8,7 @@
 
 namespace VeskLib::Test {
 
-// A test of EFIBackupRestorePage. The board of the script backs up as well.
+// Fixture for tests of EFIBackupRestorePage. The scripted board supports backups too.
 class CombinedPageTest : public UploadPageTest {
 protected:
     CombinedPageTest() { script.replies[0x020100A3].errorCode = 0; }
@@ -18,8 +18,8 @@ protected:
                                                            &displayMode);
     }
 
-    // The form whose "hidden_status" is `status`; `link`, `question` and `notice` are what a
-    // backup, an upload and a field "message" put into it.
+    // Returns the printed form with this "hidden_status". A backup adds `link`, an upload adds
+    // `question`, and a field "message" adds `notice`.
     static std::string form(const std::string& status,
                             const std::string& onLoad = "onLoadFunction()",
                             const std::string& link = "", const std::string& question = "",

@@ -7,7 +7,7 @@
 
 namespace VeskLib::Test {
 
-// A byte array whose life is recorded.
+// A byte array that records its construction and deletion.
 class CountedArray : public VeskUi::PrimitiveTypeArray<unsigned char> {
 public:
     explicit CountedArray(const std::string& name) { Scripted::objectMade(this, name); }

@@ -10,7 +10,7 @@
 
 namespace VeskLib::Test {
 
-// The main object, with what its classes keep to themselves.
+// The main object with its protected members made public.
 class OpenMain : public Gui::EFIBackupRestoreMain {
 public:
     using AbstractConfigMain::title;
@@ -25,8 +25,8 @@ public:
     using AbstractMain::sessionText;
 };
 
-// A test of the main object: a request for the backup screen of a board with one partition, by a
-// user who may use it.
+// Fixture for tests of the main object. An authorized user requests the backup screen of a board
+// with one partition.
 class MainTest : public ScriptedTest {
 protected:
     MainTest() {
@@ -34,7 +34,7 @@ protected:
         script.setPartitions({{true, "name", {}}});
     }
 
-    // Has a posted backup refused by the back-end, which gives the page a notice.
+    // Posts a backup that the back-end refuses, which adds a notice to the page.
     void postRefusedBackup() {
         script.posted = true;
         script.formFields["hidden_status"] = "BACKUP";
@@ -42,7 +42,7 @@ protected:
         script.replies[0x020100A3].errorCode = 1540;
     }
 
-    // Runs one whole request and gives its exit status.
+    // Runs one complete request and returns its exit status.
     static int run() { return Gui::EFIBackupRestoreMain().exec(); }
 };
 

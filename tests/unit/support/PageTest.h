@@ -8,7 +8,7 @@
 
 namespace VeskLib::Test {
 
-// A test of a page class, with all that a page is made with.
+// Fixture for tests of a page class, with the arguments of its constructor.
 class PageTest : public ScriptedTest {
 protected:
     PageTest() { Scripted::forgetCalls(); }

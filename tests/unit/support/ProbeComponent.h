@@ -10,7 +10,7 @@
 
 namespace VeskLib::Test {
 
-// A component that prints its name and whose life is recorded.
+// A component that prints its name and records its construction and deletion.
 class ProbeComponent : public Gui::HTMLComponent {
 public:
     explicit ProbeComponent(std::string name) : name(std::move(name)) {

@@ -9,7 +9,7 @@
 
 namespace VeskLib::Test {
 
-// A test of EFIRestorePage, on a board of one partition.
+// Fixture for tests of EFIRestorePage, on a board with one partition.
 class RestorePageTest : public UploadPageTest {
 protected:
     using Partition = VeskUi::PartitionInfoPacket::Partition;
@@ -32,8 +32,9 @@ protected:
         return "HiddenField(" + name + ", " + value + ", form_name)";
     }
 
-    // The upload form whose "hidden_status" is `status`. `leftovers` are what an abandoned target
-    // selection leaves: "information" and "status" have no place in the upload form's skeleton.
+    // Returns the printed upload form with this "hidden_status". `leftovers` adds the components
+    // that remain from an abandoned target selection, "information" and "status"; the upload form's
+    // skeleton has no place for them.
     static std::string uploadForm(const std::string& status, bool leftovers = false) {
         return "[/usr/local/www/skel/skeleton_efi_rstr.txt"
                "|filename=SelectFile(filename, , form_name, 70, 0)"
@@ -49,7 +50,7 @@ protected:
                text("onLoadFunction()") + (leftovers ? "|status=" + text("3") : "") + "]";
     }
 
-    // What a page with an error prints, by the skeleton that it came to.
+    // The output of a page with an error, for each skeleton.
     const std::string emptyUploadForm = "[/usr/local/www/skel/skeleton_efi_rstr.txt]";
     const std::string emptySelection = "[/usr/local/www/skel/skeleton_efi_rstr_slct.txt]";
 };

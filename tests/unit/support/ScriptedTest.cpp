@@ -14,7 +14,7 @@ ScriptedTest::ScriptedTest()
 ScriptedTest::~ScriptedTest() {
     Scripted::endScript();
     std::cout.rdbuf(standardOutput);
-    // The process's form data, which the program makes and never deletes.
+    // The program creates the form data of the process but never deletes it.
     delete Gui::FormInfo::myInstance;
     Gui::FormInfo::myInstance = nullptr;
     EXPECT_THAT(Scripted::livingObjects(), testing::IsEmpty());

@@ -14,7 +14,7 @@ namespace VeskLib::Test {
 
 using Calls = std::vector<std::string>;
 
-// The detail code of the PException that `operation` throws; -1 when it throws none.
+// Returns the detail code of the PException that `operation` throws, or -1 if it throws none.
 template <typename Operation>
 int thrownDetail(Operation operation) {
     try {
@@ -25,7 +25,7 @@ int thrownDetail(Operation operation) {
     return -1;
 }
 
-// What ended the request's process during `operation`; empty when nothing did.
+// Returns the name of the call with which `operation` ended the request, or "" if it did not.
 template <typename Operation>
 std::string endedBy(Operation operation) {
     try {
@@ -36,8 +36,8 @@ std::string endedBy(Operation operation) {
     return "";
 }
 
-// A test on the scripted platform. What the program prints is kept. When the test is over, its
-// own members included, every platform object must have been deleted exactly once.
+// Fixture for tests on the scripted platform. Captures the program's output. Fails unless every
+// platform object, including the test's own members, has been deleted exactly once at the end.
 class ScriptedTest : public testing::Test {
 public:
     ~ScriptedTest() override;
@@ -45,11 +45,11 @@ public:
 protected:
     ScriptedTest();
 
-    // Everything printed so far.
+    // Returns everything printed so far.
     std::string output() const { return printed.str(); }
 
-    // What was asked of the platform so far; the second form gives the lines that begin with one
-    // of `beginnings`.
+    // Return the recorded calls of the platform so far; the second overload returns those that
+    // start with one of `beginnings`.
     static const Calls& calls() { return Scripted::recordedCalls(); }
     static Calls calls(const Calls& beginnings) { return Scripted::recordedCalls(beginnings); }
 

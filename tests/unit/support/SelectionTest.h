@@ -6,12 +6,12 @@
 
 namespace VeskLib::Test {
 
-// A test of the target selection: an upload that succeeds.
+// Fixture for tests of the target selection, which a successful upload shows.
 class SelectionTest : public RestorePageTest {
 protected:
     SelectionTest() { post("1"); }
 
-    // The selection with these rows.
+    // Returns the printed selection with these rows.
     static std::string selectionWith(const std::string& rows) {
         return "[/usr/local/www/skel/skeleton_efi_rstr_slct.txt"
                "|check_box=CheckBox(, , form_name, 2){box(check_box, , caption 1005, , false, "
@@ -50,7 +50,8 @@ protected:
         return "putLog 0 lmsg 20020 [Home SB absent:PID" + partition + "]";
     }
 
-    // Where on the page an upload ended, for calls that begin so.
+    // The prefixes of calls that affect the staged file, and the calls expected after an upload:
+    // either the file is only moved, or it is moved and then removed.
     const Calls stagedFileCalls = {"new LockedFile", "rename", "remove", "delete LockedFile"};
     const Calls onlyMoved = {"new LockedFile(/board/var/tmp/restored_eficonf.lock)",
                              "rename /uploaded /board/var/tmp/restored_eficonfS1",

@@ -7,7 +7,7 @@
 
 namespace VeskLib::Test {
 
-// A new empty folder, which is removed with all that is in it.
+// Creates an empty folder, and removes it with its contents on destruction.
 class TemporaryFolder {
 public:
     TemporaryFolder() {

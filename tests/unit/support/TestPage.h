@@ -9,7 +9,7 @@
 
 namespace VeskLib::Test {
 
-// A page that shows what a page class sees of its base. What it builds is up to the test.
+// A page with the protected members of its base made public. The test decides what it builds.
 class TestPage : public Gui::AbstractBackupRestorePage {
 public:
     using AbstractBackupRestorePage::AbstractBackupRestorePage;
@@ -52,7 +52,7 @@ public:
         build(*this);
     }
 
-    // Puts a component into the page without a word of the platform.
+    // Adds a component to the page without calling the platform.
     void putProbe(const std::string& name) { componentMap[name] = new ProbeComponent(name); }
 
     std::function<void(TestPage&)> build = [](TestPage&) {};

@@ -7,8 +7,8 @@
 
 namespace VeskLib::Test {
 
-// A test of a page that takes uploads. The script holds a usable one and a board that restores;
-// which step is posted is up to the test.
+// Fixture for tests of a page that accepts uploads. The script provides a valid upload and a
+// back-end that restores; the test posts the step.
 class UploadPageTest : public PageTest {
 protected:
     UploadPageTest() {

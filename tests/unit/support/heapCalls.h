@@ -2,7 +2,7 @@
 
 namespace VeskLib::Test {
 
-// How often this process has called operator new and, for other than null, operator delete.
+// How often this process has called operator new, and operator delete with other than null.
 struct HeapCalls {
     unsigned long allocations;
     unsigned long releases;
@@ -10,7 +10,7 @@ struct HeapCalls {
 
 HeapCalls heapCalls();
 
-// Returns false when a tool such as Valgrind has put operators of its own in their place.
+// Returns false if a tool such as Valgrind has replaced these operators with its own.
 bool countsHeapCalls();
 
 }  // namespace VeskLib::Test

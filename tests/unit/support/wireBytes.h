@@ -14,7 +14,7 @@ namespace VeskLib::Test {
 
 using Bytes = std::vector<unsigned char>;
 
-// Memory of exactly `size` bytes, so that the sanitizers see a byte read or written past its end.
+// Memory of exactly `size` bytes, so that the sanitizers detect accesses past its end.
 class ExactBuffer {
 public:
     explicit ExactBuffer(std::size_t size) : memory(new unsigned char[size]), size(size) {
@@ -33,25 +33,25 @@ private:
     std::size_t size;
 };
 
-// What `object` writes into a buffer of just its size.
+// Returns the serialized form of `object`, written to a buffer of exactly its size.
 inline Bytes serialize(const VeskUi::SerializableObject& object) {
     ExactBuffer buffer(object.getSerializedSize());
     EXPECT_EQ(object.getSerialized(buffer.data(), buffer.length()), buffer.length());
     return buffer.bytes();
 }
 
-// Has `object` read `bytes` and no byte more.
+// Deserializes `object` from a buffer of exactly `bytes`, and returns its result.
 inline bool deserialize(VeskUi::SerializableObject& object, const Bytes& bytes) {
     ExactBuffer buffer(bytes);
     return object.setSerialized(buffer.data(), buffer.length());
 }
 
-// The first `size` bytes.
+// Returns the first `size` bytes.
 inline Bytes cut(const Bytes& bytes, std::size_t size) {
     return {bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(size)};
 }
 
-// An exception's arguments as they were given; those that travel as texts as texts.
+// The arguments of an exception. Texts are compared by content.
 struct ExceptionArguments {
     std::vector<int> codes;
     std::vector<std::string> texts;
@@ -60,7 +60,7 @@ struct ExceptionArguments {
     bool operator==(const ExceptionArguments&) const = default;
 };
 
-// The arguments of `exception`, of which `textCount` are texts.
+// Returns the arguments of `exception`; the first `textCount` of the variable ones are texts.
 inline ExceptionArguments argumentsOf(const PException& exception, unsigned int textCount) {
     ExceptionArguments arguments;
     arguments.codes = {exception.getSystem(),          exception.getSubsystem(),
@@ -77,7 +77,8 @@ inline ExceptionArguments argumentsOf(const PException& exception, unsigned int 
     return arguments;
 }
 
-// The arguments of the exception that `operation` throws; none when it throws nothing.
+// Returns the arguments of the PException that `operation` throws. If it throws none, fails the
+// test and returns no arguments.
 template <typename Operation>
 ExceptionArguments thrownBy(Operation operation, unsigned int textCount) {
     try {

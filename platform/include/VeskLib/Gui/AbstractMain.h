@@ -10,11 +10,11 @@
 
 namespace VeskLib::Gui {
 
-// The life of one request. The program carries the constructor and the destructor
+// Handles one request. The program implements the constructor and the destructor
 // (main/AbstractMain.cpp), the platform everything else.
 class AbstractMain {
 public:
-    // Takes the process-wide FormInfo, making it when there is none, and ends with getCookie().
+    // Uses the process-wide FormInfo, creating it if there is none, and then calls getCookie().
     AbstractMain();
     AbstractMain(const AbstractMain&) = delete;
     AbstractMain& operator=(const AbstractMain&) = delete;
@@ -22,19 +22,19 @@ public:
     // Deletes the request channel, then the message catalogue.
     virtual ~AbstractMain();
 
-    // Shows the platform's error page with `message` and `code` and ends the request.
+    // Shows the platform's error page with `message` and `code`, and ends the request.
     virtual void errorExit(std::string message, int code);
 
-    // Handles the request; the result becomes the program's exit status.
+    // Handles the request. The result becomes the program's exit status.
     virtual int individualProc() = 0;
 
-    // Runs the request: calls individualProc() once and returns its result. Everything printed
-    // leaves as one response when the work is done. A PException that gets here becomes the error
-    // page and a trace line.
+    // Calls individualProc() once and returns its result. Sends everything that was printed as one
+    // response at the end. If a PException is thrown, sends the error page instead and writes a
+    // trace line.
     int exec();
 
 protected:
-    // Fills `sessionText` and `messageSet` from the request's cookies and headers.
+    // Sets `sessionText` and `messageSet` from the request's cookies and headers.
     void getCookie();
 
     // Checks the login session and fills `authority`. Without a valid session, ends the request
@@ -42,20 +42,20 @@ protected:
     // unchanged.
     void guiCheckSession(bool showError);
 
-    // Shows the platform's error page and ends the request; not meant to return.
+    // Shows the platform's error page and ends the request. Should not return.
     void errorExit(std::string title, std::string message);
 
     trace::VeskTrace trace;
     FormInfo* formInfo;       // not owned
-    CGIRequester* requester;  // owned; made by individualProc()
-    MessageMgr* messageMgr;   // owned; made by individualProc()
+    CGIRequester* requester;  // owned; created by individualProc()
+    MessageMgr* messageMgr;   // owned; created by individualProc()
     int functionId;
     int messageSet;
     CGIAuthority authority;
     std::string sessionText;
 
-    // State of a board's library, which the program only initialises and the host platform does not
-    // use.
+    // State of a board's library. The program only initialises it; the host platform does not use
+    // it.
     bool requestEnded;
     int responseStatus;
 };

@@ -9,8 +9,8 @@ namespace VeskLib::Gui {
 // A button that runs a script.
 class Button : public HTMLComponent {
 public:
-    // `clickHandler` is a script call within double quotes, such as "\"uploadFunction()\"".
-    // `width` is the button's least width in characters, 0 for that of its label.
+    // `clickHandler` is a script call in double quotes, such as "\"uploadFunction()\"". `width` is
+    // the button's minimum width in characters; 0 means the width of its label.
     Button(const std::string& name, const std::string& label, const std::string& form, int width,
            const std::string& clickHandler, bool disabled);
     ~Button() override;

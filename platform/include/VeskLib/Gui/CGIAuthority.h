@@ -4,12 +4,12 @@
 
 namespace VeskLib::Gui {
 
-// The rights of the request's user, filled when the session is checked. All zero: no rights.
+// The rights of the request's user, set when the session is checked. All zero means no rights.
 //
-// Has no initialisers: the program zeroes it, whatever a board's fields are.
+// Has no member initialisers because the program zeroes it, whatever members a board's has.
 struct CGIAuthority {
-    int everyFunction;             // not 0: the user may use every function
-    const std::string* functions;  // numbers between commas; not owned; null: none
+    int everyFunction;             // nonzero: the user may use every function
+    const std::string* functions;  // numbers, each between commas; not owned; null: none
 };
 
 }  // namespace VeskLib::Gui

@@ -7,33 +7,34 @@
 
 namespace VeskLib::Gui {
 
-// The channel to the board's back-end: numbered requests that carry serialized objects. The
-// process connects with its first request. No call blocks for longer than the platform's time
-// limit; a reply that is late, torn or oversized is a failed request.
+// The channel to the board's back-end. Requests are numbered and carry serialized objects. The
+// process connects on its first request. No call blocks longer than the platform's time limit. A
+// request fails if its reply is late, truncated or too large.
 class CGIRequester {
 public:
-    // `sessionText` is what the request's cookie holds of its login session; it is copied.
+    // Copies `sessionText`, the login session's text from the request's cookie. Does not connect.
     explicit CGIRequester(const char* sessionText);
     CGIRequester(const CGIRequester&) = delete;
     CGIRequester& operator=(const CGIRequester&) = delete;
     virtual ~CGIRequester();
 
-    // Fills `answer` from the back-end's answer to request `request`. False on failure; what
-    // `answer` then holds is up to its class, and getErrorCode() tells why.
+    // Sends request number `request` and fills `answer` from the reply. Returns false on failure;
+    // getErrorCode() then returns the reason, and the content of `answer` depends on its class.
     //
-    // The buffer that `answer` reads from is followed by at least four zero bytes, so that an
-    // object of fixed size never reads past it.
+    // At least four zero bytes follow the buffer that `answer` reads from, so that an object of
+    // fixed size never reads beyond it.
     bool getInfo(unsigned int request, VeskUi::SerializableObject& answer);
 
-    // Sends `data` as request `request`. Returns false when the back-end refuses it or cannot be
-    // reached, and without sending anything when JudgeAuthority has refused the user in this
+    // Sends `data` as request number `request`. Returns false if the back-end refuses it or cannot
+    // be reached. Sends nothing and returns false if JudgeAuthority has refused the user in this
     // process.
     bool setInfo(unsigned int request, const VeskUi::SerializableObject& data);
 
-    // The error code of the last request; 0 when it succeeded or none was made.
+    // Returns the error code of the last request; 0 if it succeeded or none was made.
     int getErrorCode() const;
 
-    // The session's identifier. It may be seen in file names; it is not enough to log in.
+    // Returns the session's identifier, which is used in file names. It is not secret, because it
+    // is not sufficient to use the session.
     std::string getSessionId() const;
 
 private:

@@ -7,21 +7,21 @@
 
 namespace VeskLib::Gui {
 
-// Boxes that the operator ticks, each on its own.
+// A list of independent check boxes.
 class CheckBox : public HTMLComponent {
 public:
-    // `title` explains the boxes to the operator and `describedBy` is the identifier of an element
-    // that describes them; either may be empty. `displayMode` must outlive the component; while it
-    // is not 2 the boxes cannot be ticked.
+    // `title` explains the boxes to the operator; `describedBy` is the identifier of an element
+    // that describes them. Either may be empty. `displayMode` must outlive the component; unless
+    // it is 2 when the component is printed, all boxes are disabled.
     CheckBox(const std::string& title, const std::string& describedBy, const std::string& form,
              const int* displayMode);
     ~CheckBox() override;
 
-    // `hint` explains this one box; it may be empty.
+    // Adds a box. `hint` explains this one box; it may be empty.
     void add(const std::string& name, const std::string& value, const std::string& label,
              const std::string& hint, bool ticked, bool disabled);
 
-    // The script call that a click on a box runs, such as "switchField()".
+    // Sets the script call that a click on any box runs, such as "switchField()".
     void setClickHandler(const std::string& call);
 
     void printHTML() const override;

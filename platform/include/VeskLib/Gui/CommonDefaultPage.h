@@ -10,12 +10,12 @@
 
 namespace VeskLib::Gui {
 
-// The base of all pages. The program carries every operation but makePage()
+// The base of all pages. The program implements every operation except makePage()
 // (html/CommonDefaultPage.cpp).
 class CommonDefaultPage : public HTMLComponent {
 public:
-    // `messageMgr` and `displayMode` must outlive the page. `skeletonFile` is the board's path of
-    // the page's skeleton.
+    // `messageMgr` and `displayMode` must outlive the page. `skeletonFile` is the path of the
+    // page's skeleton on the board, before getCGIPath().
     CommonDefaultPage(MessageMgr& messageMgr, int* displayMode, const std::string& skeletonFile);
 
     // Deletes the components in the map's order, then the generator.
@@ -24,22 +24,22 @@ public:
     // Prints the page's skeleton.
     void printHTML() const override;
 
-    // True when the page holds an error and nothing but getMessage() is to be shown.
+    // Returns true if the page failed and only getMessage() is to be shown.
     bool isError() const override;
 
-    // Build the page for a plain display and for a posted action; nothing here.
+    // Build the page for display and for a posted action. Do nothing in this class.
     virtual void makeDispPage();
     virtual void makeConfigPage();
 
-    // True when getMessage() is to be shown as a browser alert over the page.
+    // Returns true if getMessage() is to be shown as a browser alert over the page.
     bool isAlert() const;
 
-    // The texts for the operator, several joined by "<br>".
+    // Returns the messages to the operator, joined by "<br>".
     const std::string& getMessage() const;
 
 protected:
-    // Runs makeConfigPage() for a posted request and makeDispPage() for any other. Called once,
-    // at the end of the constructor of a page class.
+    // Calls makeConfigPage() for a POST request and makeDispPage() for any other. Called once, at
+    // the end of a page class's constructor.
     void makePage();
 
     HTMLCodeGenerator* generator;

@@ -5,11 +5,11 @@
 
 namespace VeskLib::Gui {
 
-// The request's query string, form fields and uploaded file. The request is read when it is first
-// asked about. A malformed or oversized request throws PException from that first question.
+// The request's query string, form fields and uploaded file. The first get function that is called
+// reads the request, and throws PException if it is malformed or too large.
 class FormInfo {
 public:
-    // The process-wide object; null until the program makes it. Never deleted by the program.
+    // The process-wide object. Null until the program creates it; the program never deletes it.
     static FormInfo* myInstance;
 
     FormInfo();
@@ -17,24 +17,24 @@ public:
     FormInfo& operator=(const FormInfo&) = delete;
     ~FormInfo();
 
-    // True, with `value` filled, when the request holds the field `name` (its value may be
-    // empty); false, with `value` unchanged, when not. A form field wins over a query field.
+    // Sets `value` to the field's value, which may be empty, and returns true if the request has
+    // the field `name`. Otherwise returns false and leaves `value` unchanged. A form field takes
+    // precedence over a query field of the same name.
     bool getFormData(const std::string& name, std::string& value) const;
 
-    // The one uploaded file: its name as the browser sent it, the path of the temporary file that
-    // holds it, and how many bytes were received. Bytes beyond the platform's limit for a file are
-    // counted and not stored; such a file has no path. Without an uploaded file both texts are
-    // empty and the size is 0. getUploadFilePath() throws PException when the disk did not take the
-    // file.
+    // Return the uploaded file's name as the browser sent it, the path of the temporary file, and
+    // the number of bytes received; without an uploaded file, empty strings and 0. A file larger
+    // than the platform's limit is counted but not stored, and has no path. getUploadFilePath()
+    // throws PException if the file could not be written to disk.
     //
-    // The temporary file lies on one file system with the board's /var/tmp. Who wants to keep it
-    // renames it.
+    // The temporary file is on the same file system as the board's /var/tmp. To keep the file,
+    // rename it.
     std::string getUploadFileName() const;
     std::string getUploadFilePath() const;
     unsigned int getUploadFileSize() const;
 
-    // Ends the work on the request: everything read so far is let go of, and getFormData() finds
-    // no field any more. An uploaded file that was not moved is removed.
+    // Releases everything that was read. Afterwards getFormData() finds no field. Removes the
+    // uploaded file unless it was renamed.
     void terminate();
 
 private:

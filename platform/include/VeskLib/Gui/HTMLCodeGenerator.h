@@ -7,11 +7,11 @@
 
 namespace VeskLib::Gui {
 
-// Prints a skeleton file with components put at its named places.
+// Prints a skeleton file, with components in place of its marks.
 class HTMLCodeGenerator {
 public:
-    // `skeletonFile` is the board's path of the file (before getCGIPath()). `components` is not
-    // owned and must outlive the generator.
+    // `skeletonFile` is the file's path on the board, before getCGIPath(). `components` is not
+    // owned, must outlive the generator, and is not read before printHTML().
     HTMLCodeGenerator(const std::string& skeletonFile,
                       const std::map<std::string, HTMLComponent*>* components);
     HTMLCodeGenerator(const HTMLCodeGenerator&) = delete;
@@ -20,8 +20,8 @@ public:
 
     void setSkeletonFile(const std::string& skeletonFile);
 
-    // Writes the skeleton to the standard output. A place whose name is not in the map stays
-    // empty. Throws PException when the file cannot be read or is malformed.
+    // Prints the skeleton to the standard output. A name that is not in the map prints nothing.
+    // Throws PException, and prints nothing, if the file cannot be read or is malformed.
     void printHTML() const;
 
 private:

@@ -4,8 +4,7 @@ namespace VeskLib::Gui {
 
 // A part of a page that prints itself to the standard output.
 //
-// A component that was handed to a component map or a container belongs to that holder, which
-// deletes it. Nobody else does.
+// The component map or container that a component is added to takes ownership and deletes it.
 class HTMLComponent {
 public:
     HTMLComponent() = default;

@@ -9,9 +9,9 @@ namespace VeskLib::Gui {
 
 class HTMLMapUtil {
 public:
-    // Puts `component` into `components` under `name`; the map owns it from then on. A component
-    // that stood there is deleted: the one inserted last is the one printed. When this throws,
-    // the map is unchanged and the caller still owns `component`.
+    // Adds `component` to `components` under `name`, and takes ownership. Deletes a component that
+    // had this name before, so the last one added is printed. If this throws, the map is unchanged
+    // and the caller still owns `component`.
     static void insertIntoMap(std::map<std::string, HTMLComponent*>& components,
                               const std::string& name, HTMLComponent* component);
 };

@@ -8,17 +8,17 @@
 
 namespace VeskLib::Gui {
 
-// The page shell: the outermost frame of every page. It owns its components and its generator.
+// The page shell, which surrounds every page. Owns its components and its generator.
 class HTMLPage {
 public:
-    // Makes the shell with an empty map and the generator of shell number `shell`; this program
+    // Creates the shell with an empty map and the generator for shell number `shell`. This program
     // uses shell 1.
     explicit HTMLPage(int shell);
     HTMLPage(const HTMLPage&) = delete;
     HTMLPage& operator=(const HTMLPage&) = delete;
 
-    // Deletes the generator, then the components in the map's order. The program carries this
-    // one operation (html/HTMLPage.cpp), the platform the constructor.
+    // Deletes the generator, then the components in the map's order. Implemented by the program
+    // (html/HTMLPage.cpp); the constructor is the platform's.
     virtual ~HTMLPage();
 
     std::map<std::string, HTMLComponent*> componentMap;

@@ -6,7 +6,7 @@
 
 namespace VeskLib::Gui {
 
-// A form field that the operator does not see.
+// A hidden form field.
 class HiddenField : public HTMLComponent {
 public:
     HiddenField(const std::string& name, const std::string& value, const std::string& form);

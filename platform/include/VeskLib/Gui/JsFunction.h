@@ -7,18 +7,18 @@
 
 namespace VeskLib::Gui {
 
-// A script function, made of calls that run in the order in which they were added. A text that is
-// shown as an alert stands on the page as well, so that it can be read again.
+// A script function that makes its calls in the order in which they were added. The text of an
+// alert is printed on the page as well, so that it can be read again.
 class JsFunction : public HTMLComponent {
 public:
-    // `name` with its parentheses, such as "onLoadFunction()".
+    // `name` includes the parentheses: "onLoadFunction()".
     explicit JsFunction(const std::string& name);
     ~JsFunction() override;
 
     // Appends a call, such as "initialize()".
     void addFunction(const std::string& call);
 
-    // Appends a browser alert that shows `text`; "<br>" in it separates lines.
+    // Appends a browser alert that shows `text`. "<br>" in `text` is a line break.
     void addAlertFunction(std::string text);
 
     void printHTML() const override;

@@ -5,21 +5,20 @@
 
 namespace VeskLib::Gui {
 
-// Judges whether the request's user may use a function.
+// Determines whether the request's user may use a function.
 class JudgeAuthority {
 public:
-    // `authority` must outlive the object. `partition` narrows the question to one partition;
-    // -1 asks about the whole server.
+    // `authority` must outlive the object. `partition` is the partition to use the function on, or
+    // -1 for the whole server.
     JudgeAuthority(const CGIAuthority* authority, int functionNumber, int partition)
         : authority(authority), functionNumber(functionNumber), partition(partition) {}
 
-    // 1 when the function is allowed without looking further, any other number when
-    // getDisplayMode() decides.
+    // Returns 1 if the user may use the function; after any other number, getDisplayMode()
+    // decides.
     int preCheckDisplayMode(CGIRequester& requester);
 
-    // Returns 0 when the user may not use the function, any other number when they may. A 0 also
-    // closes the process's request channel for changes: no CGIRequester::setInfo() sends anything
-    // from then on.
+    // Returns 0 if the user may not use the function, any other number if they may. After a 0,
+    // CGIRequester::setInfo() sends nothing until the process ends.
     int getDisplayMode();
 
 private:

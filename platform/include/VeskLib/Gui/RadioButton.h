@@ -7,12 +7,11 @@
 
 namespace VeskLib::Gui {
 
-// A group of choices of which the operator takes one. Groups of the same name in one form act as
-// one group.
+// A group of radio buttons. Groups of the same name in one form act as one group.
 class RadioButton : public HTMLComponent {
 public:
     // `title` explains the choices to the operator; it may be empty. `displayMode` must outlive
-    // the component; while it is not 2 the choices cannot be taken.
+    // the component; unless it is 2 when the component is printed, all choices are disabled.
     RadioButton(const std::string& name, const std::string& title, const std::string& form,
                 const int* displayMode);
     ~RadioButton() override;

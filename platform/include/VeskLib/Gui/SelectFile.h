@@ -6,11 +6,12 @@
 
 namespace VeskLib::Gui {
 
-// Lets the operator choose one file of their computer for upload.
+// A file input, with which the operator chooses one file to upload.
 class SelectFile : public HTMLComponent {
 public:
-    // `accept` names the kinds of files the browser offers first, empty for all. `width` is that of
-    // the field in characters. `longestName` limits the file's name, 0 for no limit.
+    // `accept` lists the file types that the browser offers first; empty means all. `width` is the
+    // field's width in characters. `longestName` is the maximum length of the file's name; 0 means
+    // no limit.
     SelectFile(const std::string& name, const std::string& accept, const std::string& form,
                int width, int longestName);
     ~SelectFile() override;

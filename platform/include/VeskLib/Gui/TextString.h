@@ -6,12 +6,12 @@
 
 namespace VeskLib::Gui {
 
-// A text. It is escaped for HTML, unless `readyToPrint` says that it is markup already, or a text
-// that the skeleton makes safe for another place.
+// A text.
 class TextString : public HTMLComponent {
 public:
-    // `emphasized` sets the text off from its surroundings. `size` is the platform's text size,
-    // 6 for plain text.
+    // The text is escaped for HTML unless `readyToPrint` is set. Set it for markup, and for a text
+    // that the skeleton escapes itself, such as one in a script. `emphasized` prints the text in
+    // bold or the like. `size` is the platform's text size; 6 is normal.
     explicit TextString(const std::string& text, bool emphasized = false, bool readyToPrint = false,
                         int size = 6);
     ~TextString() override;

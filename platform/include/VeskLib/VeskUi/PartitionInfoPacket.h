@@ -7,8 +7,8 @@
 
 namespace VeskLib::VeskUi {
 
-// The server's partitions. A packet that was never filled holds none; a number outside the table
-// reads as a partition that is not installed, without name and nodes.
+// The server's partitions; none until the packet is filled. A number outside the table reads as a
+// partition that is not installed and has no name and no nodes.
 class PartitionInfoPacket : public SerializablePacket {
 public:
     struct Partition {
@@ -23,10 +23,10 @@ public:
     bool isInstalled(int partition) const;
     std::string getPartitionName(int partition) const;
 
-    // Replaces `ids` by the node identifiers of the partition, in the packet's order.
+    // Replaces `ids` with the node identifiers of the partition, in the packet's order.
     void getNodeIds(int partition, std::vector<unsigned char>& ids) const;
 
-    // Gives the packet the entry of the next partition number.
+    // Appends the entry of the next partition number.
     void addPartition(const Partition& partition);
 
     unsigned int getSerialized(unsigned char* buffer, unsigned int size) const override;

@@ -2,8 +2,8 @@
 
 namespace VeskLib::VeskUi {
 
-// What travels over the back-end request channel: it tells its size, writes itself into a buffer
-// and rebuilds itself from one. All integers on the wire are big-endian, records are packed.
+// An object that is sent over the channel to the back-end. All integers on the wire are big-endian;
+// records are packed.
 class SerializableObject {
 public:
     SerializableObject() = default;
@@ -11,16 +11,16 @@ public:
     SerializableObject& operator=(const SerializableObject&) = default;
     virtual ~SerializableObject() = default;
 
-    // Writes the object into `buffer` of `size` bytes and returns the number of bytes written,
-    // which is getSerializedSize(). Throws PException when `size` is too small; `buffer` then
-    // holds no complete object.
+    // Writes the object into `buffer`, which has `size` bytes, and returns the number of bytes
+    // written, which is getSerializedSize(). Throws PException if `size` is too small; `buffer`
+    // then contains no complete object.
     virtual unsigned int getSerialized(unsigned char* buffer, unsigned int size) const = 0;
 
-    // The exact number of bytes getSerialized() writes.
+    // Returns the exact number of bytes that getSerialized() writes.
     virtual unsigned int getSerializedSize() const = 0;
 
-    // Rebuilds the object from `size` bytes. False when they are too few; the object then holds
-    // what it held before, unless its class says otherwise.
+    // Sets the object from `size` bytes. Returns false if they are too few; the object is then
+    // unchanged, unless its class documents otherwise.
     virtual bool setSerialized(const unsigned char* buffer, unsigned int size) = 0;
 };
 

@@ -4,7 +4,7 @@
 
 namespace VeskLib::VeskUi {
 
-// The base of the packets in which the back-end answers.
+// The base of the packets that the back-end sends as answers.
 class SerializablePacket : public SerializableObject {};
 
 }  // namespace VeskLib::VeskUi

@@ -7,17 +7,17 @@
 
 namespace VeskLib::VeskUi {
 
-// The firmware versions of the server's boards. A packet that was never filled knows none.
+// The firmware versions of the server's boards; all unknown until the packet is filled.
 class VersionInfoPacket : public SerializablePacket {
 public:
     VersionInfoPacket();
     ~VersionInfoPacket() override;
 
-    // The BIOS version text of system board `systemBoard`; "-" when it is not known. `bank` is 0
-    // for the version that runs now.
+    // Returns the BIOS version text of system board `systemBoard`, or "-" if it is not known.
+    // `bank` 0 is the running version.
     std::string getBIOSVersion(int systemBoard, int bank) const;
 
-    // Gives the packet the version of the next system board number.
+    // Appends the version of the next system board number.
     void addBIOSVersion(const std::string& version);
 
     unsigned int getSerialized(unsigned char* buffer, unsigned int size) const override;

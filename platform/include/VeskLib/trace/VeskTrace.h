@@ -2,7 +2,7 @@
 
 namespace VeskLib::trace {
 
-// The trace log of one part of the program. The three numbers of the constructor name that part.
+// The trace log of one part of the program, identified by the constructor's three numbers.
 class VeskTrace {
 public:
     VeskTrace(unsigned char system, unsigned char subsystem, unsigned short module);
@@ -10,8 +10,8 @@ public:
     VeskTrace& operator=(const VeskTrace&) = delete;
     ~VeskTrace();
 
-    // Appends one line. Level 0 is a failure. Never throws; a log that cannot be written is
-    // passed over, because the operator's request matters more.
+    // Appends one line. Level 0 is a failure. Never throws; ignores a log that cannot be written,
+    // because the operator's request matters more.
     void putLog(unsigned char level, const char* text);
 
 private:
