@@ -1,5 +1,5 @@
 // Checks the board's texts during the build: every language must have the same numbers with the
-// same conversions, and every skeleton must be well formed and use existing captions.
+// same placeholders, and every skeleton must be well formed and use existing captions.
 //
 // Usage: BOARD_ROOT=... checkTexts SKELETON...
 
@@ -7,6 +7,7 @@
 #include "platform/host/storage/files.h"
 #include "platform/host/text/Catalogue.h"
 
+#include <algorithm>
 #include <iostream>
 #include <string>
 #include <string_view>
@@ -35,18 +36,33 @@ std::string conversionsOf(std::string_view text) {
     return conversions;
 }
 
+// Returns the marks in a text that the pages replace, such as "#1#2", sorted by number.
+std::string marksOf(std::string_view text) {
+    std::vector<std::string> marks;
+    for (std::size_t i = text.find('#'); i < text.size(); i = text.find('#', i + 1)) {
+        marks.emplace_back(text.substr(i, 2));
+    }
+    std::ranges::sort(marks);
+    std::string all;
+    for (const std::string& mark : marks) {
+        all += mark;
+    }
+    return all;
+}
+
 // `find` must return the text of `number` in a language, or null.
 template <typename Find>
 bool checkNumber(int set, int number, Find find) {
     const char* first = find(ENGLISH);
-    for (int language = ENGLISH + 1; language < LANGUAGE_COUNT; ++language) {
+    for (int language = ENGLISH + 1; language < std::ssize(languages()); ++language) {
         const char* other = find(language);
         if ((first == nullptr) != (other == nullptr)) {
             std::cerr << "Text " << number << " of set " << set << " is not in every language.\n";
             return false;
         }
-        if (first != nullptr && conversionsOf(first) != conversionsOf(other)) {
-            std::cerr << "Text " << number << " of set " << set << " has other conversions in "
+        if (first != nullptr &&
+            (conversionsOf(first) != conversionsOf(other) || marksOf(first) != marksOf(other))) {
+            std::cerr << "Text " << number << " of set " << set << " has other placeholders in "
                       << languageTag(language) << ".\n";
             return false;
         }

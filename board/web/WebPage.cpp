@@ -1,6 +1,9 @@
 #include "board/web/WebPage.h"
 
+#include "platform/host/html/attributes.h"
+#include "platform/host/html/escape.h"
 #include "platform/host/html/messageLines.h"
+#include "platform/host/html/printText.h"
 #include "platform/host/text/Catalogue.h"
 #include "platform/host/text/issuedTexts.h"
 #include "platform/host/web/pageHeader.h"
@@ -9,6 +12,7 @@
 #include <VeskLib/Gui/MessageMgr.h>
 #include <VeskLib/Gui/TextString.h>
 
+#include <string_view>
 #include <utility>
 
 namespace VeskLib::Board {
@@ -41,14 +45,31 @@ private:
     std::string message;
 };
 
+// Chooses the language of the pages. Each language is named in its own words.
+class LanguageButtons : public Gui::HTMLComponent {
+public:
+    void printHTML() const override {
+        const std::string_view shown = Host::languageTag(Host::requestLanguage());
+        for (const auto& [tag, name] : Host::languages()) {
+            Host::printText("<button type=\"submit\" name=\"language\"");
+            Host::printAttribute("value", tag);
+            Host::printAttribute("lang", tag);
+            Host::printText(tag == shown ? " aria-current=\"true\">" : ">");
+            Host::printEscaped(name);
+            Host::printText("</button>\n");
+        }
+    }
+
+    bool isError() const override { return false; }
+};
+
 }  // namespace
 
 WebPage::WebPage(const std::string& bodySkeleton, int titleCaption) {
     Host::shareBoardName();
     putCaption("title", titleCaption);
     put("body", std::make_unique<Body>(bodySkeleton, components));
-    const int language = Host::requestLanguage();
-    putText(std::string("language_") + Host::languageTag(language), "");
+    put("languages", std::make_unique<LanguageButtons>());
 }
 
 WebPage::~WebPage() = default;

@@ -69,7 +69,12 @@ std::string ageOf(std::time_t time) {
     if (days < 1) {
         return caption(LESS_THAN_A_DAY);
     }
-    return days == 1 ? caption(ONE_DAY_AGO) : std::to_string(days) + caption(DAYS_AGO);
+    if (days == 1) {
+        return caption(ONE_DAY_AGO);
+    }
+    std::string text = caption(DAYS_AGO);
+    const std::size_t mark = text.find("#1");
+    return mark == std::string::npos ? text : text.replace(mark, 2, std::to_string(days));
 }
 
 class Row : public SkeletonRow {

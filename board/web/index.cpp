@@ -8,6 +8,8 @@
 #include "platform/host/web/ownPages.h"
 #include "platform/host/web/requestChecks.h"
 
+#include <algorithm>
+
 namespace VeskLib::Board {
 
 namespace {
@@ -17,12 +19,8 @@ const char* const MENU_SKELETON = "/usr/local/www/skel/skeleton_web_menu.txt";
 const long LANGUAGE_LIFE_SECONDS = 365L * 24 * 60 * 60;
 
 bool isLanguage(const std::string& tag) {
-    for (int language = 0; language < Host::LANGUAGE_COUNT; ++language) {
-        if (tag == Host::languageTag(language)) {
-            return true;
-        }
-    }
-    return false;
+    return std::ranges::find(Host::languages(), tag, &Host::Language::tag) !=
+           Host::languages().end();
 }
 
 // Needs no session, because the login page also has a choice of languages.

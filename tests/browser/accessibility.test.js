@@ -1,10 +1,11 @@
 // Tests that axe-core finds nothing to fix on any page, in both themes, on a phone and on a wide
-// screen.
+// screen, and in every language on a phone.
 
 import { after, before, describe, test } from "node:test";
 import { THEMES, WIDTHS, assertAccessible, show } from "./support/accessibility.js";
 import { Board } from "./support/board.js";
 import { BACKUP_PAGE, Browser, RESTORE_PAGE, chooseAndBackUp, logIn } from "./support/browser.js";
+import { LANGUAGES } from "./support/catalogue.js";
 import { makeConfigurationFile } from "./support/configurationFile.js";
 import { restoreTo, upload } from "./support/restorePage.js";
 
@@ -73,3 +74,30 @@ describe("accessibility", () => {
         }
     }
 });
+
+for (const language of LANGUAGES.filter((each) => each !== "en")) {
+    describe(`accessibility in ${language}`, () => {
+        let board;
+        let browser;
+
+        before(async () => {
+            board = await Board.start();
+            browser = await Browser.start(language);
+        });
+        after(async () => {
+            await browser?.stop();
+            await board?.remove();
+        });
+
+        for (const [name, open] of Object.entries(PAGES)) {
+            test(`${name}, ${WIDTHS[0]} pixels`, async () => {
+                const page = await browser.newPage();
+                await show(page, THEMES[0], WIDTHS[0]);
+                await logIn(page, board);
+                await open(page, board);
+                await assertAccessible(page);
+                await page.close();
+            });
+        }
+    });
+}

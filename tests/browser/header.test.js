@@ -14,6 +14,7 @@ import {
     logIn,
     textOf,
 } from "./support/browser.js";
+import { LANGUAGES } from "./support/catalogue.js";
 import { Client } from "./support/client.js";
 import { makeConfigurationFile } from "./support/configurationFile.js";
 import { demoPartitions } from "./support/demoBoard.js";
@@ -250,7 +251,7 @@ describe("the pages of a board in both languages", () => {
     });
     after(() => board?.remove());
 
-    for (const language of ["en", "ja"]) {
+    for (const language of LANGUAGES) {
         test(`are accessible in ${language}`, async () => {
             const browser = await Browser.start(language);
             try {

@@ -7,6 +7,7 @@ import path from "node:path";
 import { parseArgs } from "node:util";
 import { Board } from "./support/board.js";
 import { BACKUP_PAGE, Browser, RESTORE_PAGE, chooseAndBackUp, logIn } from "./support/browser.js";
+import { LANGUAGES } from "./support/catalogue.js";
 import { makeConfigurationFile } from "./support/configurationFile.js";
 import { upload } from "./support/restorePage.js";
 
@@ -61,8 +62,10 @@ const VARIANTS = [
     { ...PLAIN, name: "-dark", theme: "dark" },
     { ...PLAIN, name: "-narrow", width: 360 },
     { ...PLAIN, name: "-print", print: true },
-    { ...PLAIN, name: "-japanese", language: "ja" },
-    { ...PLAIN, name: "-japanese-narrow", language: "ja", width: 360 },
+    ...LANGUAGES.filter((language) => language !== "en").flatMap((language) => [
+        { ...PLAIN, name: `-${language}`, language },
+        { ...PLAIN, name: `-${language}-narrow`, language, width: 360 },
+    ]),
 ];
 
 async function takePictures(board, variant) {

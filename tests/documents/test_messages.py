@@ -5,12 +5,13 @@ import re
 import unittest
 
 from support.board import BoardDocumentTest
-from support.document import DocumentTest
+from support.document import PROJECT, DocumentTest
 from support.provocations import OTHER_CODE, Provocations
 from support.source import enumerators, read
 
 HEADER = ("number", "code", "text", "outcome", "cause")
-LANGUAGES = ("en", "ja")
+LANGUAGES = [path.stem.removeprefix("messages_")
+             for path in sorted((PROJECT / "board/catalogue").glob("messages_*.msg"))]
 
 # Texts for codes that this board does not have, but others may.
 NOT_HERE = {(30, "other"), (45, "other"), (63, "other"), (64, "other")}
@@ -87,7 +88,7 @@ class MessageTable(DocumentTest):
 
 
 class MessagesOnPages(Provocations, BoardDocumentTest):
-    """Provokes the message of each row by a request, in both languages."""
+    """Provokes the message of each row by a request, in every language."""
 
     name = "docs/messages.md"
 

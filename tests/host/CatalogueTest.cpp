@@ -11,11 +11,12 @@ namespace VeskLib::Test {
 using Gui::MessageMgr;
 using Host::ENGLISH;
 using Host::findText;
-using Host::JAPANESE;
 using Host::TextSet;
 using testing::EndsWith;
 using testing::Not;
 using testing::StartsWith;
+
+const int JAPANESE = 1;
 
 TEST(CatalogueTest, keepsSetsSeparate) {
     ASSERT_NE(findText(ENGLISH, TextSet::MESSAGES, 12), nullptr);
@@ -29,8 +30,16 @@ TEST(CatalogueTest, keepsSetsSeparate) {
 TEST(CatalogueTest, findsTextInEachLanguage) {
     EXPECT_STREQ(findText(ENGLISH, TextSet::CAPTIONS, 1006), "Back up");
     EXPECT_STREQ(findText(JAPANESE, TextSet::CAPTIONS, 132), "\xE7\x95\xAA\xE5\x8F\xB7");
-    EXPECT_STREQ(findText(7, TextSet::CAPTIONS, 1006), "Back up");
+    EXPECT_STREQ(findText(99, TextSet::CAPTIONS, 1006), "Back up");
     EXPECT_STREQ(findText(-1, TextSet::CAPTIONS, 1006), "Back up");
+}
+
+TEST(CatalogueTest, findsTagAndNameInEachLanguage) {
+    for (int language = 0; language < std::ssize(Host::languages()); ++language) {
+        const auto& [tag, name] = Host::languages()[static_cast<std::size_t>(language)];
+        EXPECT_STREQ(findText(language, TextSet::CAPTIONS, 9005), tag);
+        EXPECT_STREQ(findText(language, TextSet::CAPTIONS, 9006), name);
+    }
 }
 
 TEST(CatalogueTest, returnsNullForUnknownNumber) {

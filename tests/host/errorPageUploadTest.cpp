@@ -60,8 +60,7 @@ TEST_F(ErrorPageUploadTest, acceptsValidUpload) {
     EXPECT_EQ(response.body, "half a page1");
 }
 
-TEST_F(ErrorPageUploadTest, reportsBrokenUploadInBothLanguages) {
-    ASSERT_NE(uploadFailed(Host::ENGLISH), uploadFailed(Host::JAPANESE));
+TEST_F(ErrorPageUploadTest, reportsBrokenUploadInEveryLanguage) {
     const std::string parts = fieldPart("a", "1") + filePart("f", "n", "content");
     for (const ChildSetup& request : {postBody(parts), postParts(parts + parts)}) {
         const CGIResponse english = respond(request);
@@ -69,7 +68,11 @@ TEST_F(ErrorPageUploadTest, reportsBrokenUploadInBothLanguages) {
         EXPECT_THAT(textOf(english.body), HasSubstr(uploadFailed(Host::ENGLISH)));
         EXPECT_THAT(uploadFailed(Host::ENGLISH), HasSubstr("[30-1107]"));
         EXPECT_THAT(english.body, Not(HasSubstr("half a page")));
-        EXPECT_THAT(textOf(respond(request, "ja").body), HasSubstr(uploadFailed(Host::JAPANESE)));
+        for (int language = 1; language < std::ssize(Host::languages()); ++language) {
+            ASSERT_NE(uploadFailed(language), uploadFailed(Host::ENGLISH));
+            EXPECT_THAT(textOf(respond(request, Host::languageTag(language)).body),
+                        HasSubstr(uploadFailed(language)));
+        }
         EXPECT_THAT(namesIn(boardFile("/var/tmp")), IsEmpty());
     }
 }

@@ -9,9 +9,10 @@
 #include <iostream>
 
 int main() {
+    const int JAPANESE = 1;
     using namespace VeskLib;
     char text[256];
-    std::cout << Gui::MessageMgr(Host::JAPANESE).getMessage(72, 5) << '\n'
+    std::cout << Gui::MessageMgr(JAPANESE).getMessage(72, 5) << '\n'
               << Gui::MessageMgr(Host::ENGLISH).getString(1006) << '\n'
               << lmsg_getmsg(20011, text, "remove", 13) << '\n';
     const char* found = Host::findText(Host::ENGLISH, Host::TextSet::TRACE, 107);

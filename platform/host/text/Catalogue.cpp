@@ -9,17 +9,20 @@
 #include <nl_types.h>
 
 #include <string>
+#include <vector>
 
 namespace VeskLib::Host {
 
 namespace {
 
-const char* const TAGS[LANGUAGE_COUNT] = {"en", "ja"};
+bool isKnown(int language) {
+    return language >= 0 && language < std::ssize(languages());
+}
 
 // Returns the number of a language tag such as "ja" or "ja-JP"; -1 if it is not one of ours.
 int findLanguage(std::string_view tag) {
-    for (int language = 0; language < LANGUAGE_COUNT; ++language) {
-        const std::string_view ours = TAGS[language];
+    for (int language = 0; isKnown(language); ++language) {
+        const std::string_view ours = languageTag(language);
         if (tag.starts_with(ours) && (tag.size() == ours.size() || tag[ours.size()] == '-')) {
             return language;
         }
@@ -45,20 +48,17 @@ int findAccepted(std::string_view accepted) {
 }
 
 nl_catd openCatalogue(int language) {
-    static nl_catd catalogues[LANGUAGE_COUNT];
-    static bool opened[LANGUAGE_COUNT];
-    if (!opened[language]) {
+    static std::vector<nl_catd> catalogues(languages().size());
+    nl_catd& catalogue = catalogues[static_cast<std::size_t>(language)];
+    if (catalogue == nullptr) {
         const std::string folder = getCGIPath(CATALOGUE_FOLDER);
-        catalogues[language] =
-            catopen((folder + "/messages_" + TAGS[language] + ".cat").c_str(), 0);
-        opened[language] = true;
+        catalogue = catopen((folder + "/messages_" + languageTag(language) + ".cat").c_str(), 0);
     }
-    return catalogues[language];
+    return catalogue;
 }
 
 const char* find(int language, int set, int number) {
-    const bool known = language >= 0 && language < LANGUAGE_COUNT;
-    nl_catd catalogue = openCatalogue(known ? language : ENGLISH);
+    nl_catd catalogue = openCatalogue(isKnown(language) ? language : ENGLISH);
     if (catalogue == reinterpret_cast<nl_catd>(-1)) {
         return nullptr;
     }
@@ -68,7 +68,7 @@ const char* find(int language, int set, int number) {
 }  // namespace
 
 const char* languageTag(int language) {
-    return TAGS[language >= 0 && language < LANGUAGE_COUNT ? language : ENGLISH];
+    return languages()[static_cast<std::size_t>(isKnown(language) ? language : ENGLISH)].tag;
 }
 
 int chooseLanguage(std::string_view cookie, std::string_view accepted) {

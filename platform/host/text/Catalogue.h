@@ -1,5 +1,6 @@
 #pragma once
 
+#include <span>
 #include <string_view>
 
 namespace VeskLib::Host {
@@ -12,13 +13,20 @@ namespace VeskLib::Host {
 enum class TextSet { MESSAGES = 1, CAPTIONS = 2, TRACE = 3 };
 
 inline constexpr int ENGLISH = 0;
-inline constexpr int JAPANESE = 1;
-inline constexpr int LANGUAGE_COUNT = 2;
+
+struct Language {
+    const char* tag;   // such as "en"
+    const char* name;  // in the language itself
+};
+
+// Returns the languages of the board by their numbers. The build makes the list from the
+// catalogues.
+std::span<const Language> languages();
 
 // The cookie that stores the language chosen by the operator.
 inline constexpr const char* LANGUAGE_COOKIE = "language";
 
-// Returns the language tag, "en" or "ja"; "en" for an unknown number.
+// Returns the tag of a language; "en" for an unknown number.
 const char* languageTag(int language);
 
 // Returns the language of the cookie if it is one of ours, otherwise the first of ours in

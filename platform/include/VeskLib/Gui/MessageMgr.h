@@ -7,7 +7,8 @@ namespace VeskLib::Gui {
 // The texts that operators read, in one language.
 class MessageMgr {
 public:
-    // `messageSet` selects the language: 1 is Japanese; 0 and any other number are English.
+    // `messageSet` selects the language: 0 is English, 1 Japanese, further numbers are the board's
+    // other languages; any other number is English.
     explicit MessageMgr(int messageSet);
     MessageMgr(const MessageMgr&) = delete;
     MessageMgr& operator=(const MessageMgr&) = delete;
