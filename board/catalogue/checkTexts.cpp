@@ -88,8 +88,7 @@ bool checkCatalogues() {
         sound = checkText(TextSet::CAPTIONS, number) && sound;
         count += findText(ENGLISH, TextSet::MESSAGES, number) != nullptr ? 1 : 0;
     }
-    for (int message = static_cast<int>(TextSet::TRACE) + 1; message <= LARGEST_MESSAGE;
-         ++message) {
+    for (int message = static_cast<int>(TextSet::CODES); message <= LARGEST_MESSAGE; ++message) {
         for (int code = 1; code <= LARGEST_CODE; ++code) {
             sound = checkTextForCode(message, code) && sound;
         }

@@ -1,7 +1,7 @@
 #include "board/web/activityRows.h"
 
 #include "board/web/SkeletonRow.h"
-#include "platform/host/channel/BackendError.h"
+#include "platform/host/text/Catalogue.h"
 
 #include <map>
 #include <string_view>
@@ -32,21 +32,6 @@ const Words RESULTS[] = {{"done", 9340}, {"refused", REFUSED}, {"begun", 9342}, 
 const Words REASONS[] = {{"rights", 9357}, {"cross_site", 9362}, {"method", 9363},
                          {"host", 9364},   {"limit", 9365},      {"user", 9366}};
 
-struct CodeWords {
-    unsigned int code;
-    int caption;
-};
-
-const CodeWords CODES[] = {
-    {Host::BACKEND_RESTORE_BUSY, 9350},       {Host::BACKEND_FILE_UNUSABLE, 9351},
-    {Host::BACKEND_PARTITION_RUNNING, 9352},  {Host::BACKEND_VERSION_DIFFERS, 9353},
-    {Host::BACKEND_NO_PARTITION, 9354},       {Host::BACKEND_NOT_STORED, 9355},
-    {Host::BACKEND_NO_SESSION, 9356},         {Host::BACKEND_NOT_ALLOWED, 9357},
-    {Host::BACKEND_CONFIGURATION_SIZE, 9358}, {Host::BACKEND_LOGIN_REFUSED, 9359},
-    {Host::BACKEND_LOGIN_TOO_SOON, 9360},     {Host::BACKEND_OTHER_FILE, 9361},
-    {Host::BACKEND_ABANDONED, 9367},
-};
-
 // Returns the caption for `name`; 0 if there is none.
 template <std::size_t Count>
 int captionFor(const Words (&table)[Count], std::string_view name) {
@@ -64,15 +49,6 @@ template <std::size_t Count>
 std::string wordsFor(const Words (&table)[Count], const std::string& name) {
     const int number = captionFor(table, name);
     return number == 0 ? name : caption(number);
-}
-
-int captionForCode(int code) {
-    for (const CodeWords& words : CODES) {
-        if (static_cast<int>(words.code) == code) {
-            return words.caption;
-        }
-    }
-    return 0;
 }
 
 std::string describeCounts(const std::map<std::string, unsigned int>& counts) {
@@ -170,8 +146,9 @@ std::string describeResult(const Host::AuditEvent& event) {
     };
     if (!event.reason.empty()) {
         add(wordsFor(REASONS, event.reason), "(", ")");
-    } else if (captionForCode(event.code) != 0) {
-        add(caption(captionForCode(event.code)), "(", ")");
+    } else if (const char* words =
+                   Host::findText(Host::requestLanguage(), Host::TextSet::CODES, event.code)) {
+        add(words, "(", ")");
     }
     if (event.code != 0) {
         add(std::to_string(event.code), "[", "]");

@@ -6,11 +6,11 @@
 namespace VeskLib::Host {
 
 // The message catalogues, one file per language, made by gencat and read with catgets. In each,
-// set 1 contains the messages, set 2 the captions (those of the skeletons from number 9000 on) and
-// set 3 the trace texts. Trace texts are English in every language, because engineers search for
-// them. If a message has special texts for some codes, they are in the set that has the message's
-// number, numbered by the code.
-enum class TextSet { MESSAGES = 1, CAPTIONS = 2, TRACE = 3 };
+// set 1 contains the messages, set 2 the captions (those of the skeletons from number 9000 on), set
+// 3 the trace texts, and set 4 the back-end's codes in words. Trace texts are English in every
+// language, because engineers search for them. If a message has special texts for some codes, they
+// are in the set that has the message's number, numbered by the code.
+enum class TextSet { MESSAGES = 1, CAPTIONS = 2, TRACE = 3, CODES = 4 };
 
 inline constexpr int ENGLISH = 0;
 
