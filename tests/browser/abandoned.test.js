@@ -3,11 +3,11 @@
 
 import assert from "node:assert/strict";
 import { readFile } from "node:fs/promises";
-import { after, before, describe, test } from "node:test";
-import { Board } from "./support/board.js";
-import { BROWSERS, Browser, logIn, textOf } from "./support/browser.js";
+import { describe, test } from "node:test";
+import { BROWSERS, logIn, textOf } from "./support/browser.js";
 import { makeConfigurationFile } from "./support/configurationFile.js";
 import { eventually } from "./support/eventually.js";
+import { provide } from "./support/fixture.js";
 import { restoreWithoutScript, uploadWithoutScript } from "./support/restorePage.js";
 
 const FILE = makeConfigurationFile({
@@ -24,14 +24,7 @@ for (const kind of BROWSERS) {
             let board;
             let browser;
 
-            before(async () => {
-                board = await Board.start();
-                browser = await Browser.start("en", kind, { scripts });
-            });
-            after(async () => {
-                await browser?.stop();
-                await board?.remove();
-            });
+            provide((started) => ({ board, browser } = started), [], ["en", kind, { scripts }]);
 
             test("changes nothing when slower than its page", async () => {
                 const configurations = () => readFile(board.path("var/lib/board/configurations"));

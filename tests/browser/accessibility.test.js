@@ -1,12 +1,12 @@
 // Tests that axe-core finds nothing to fix on any page, in both themes, on a phone and on a wide
 // screen, and in every language on a phone.
 
-import { after, before, describe, test } from "node:test";
+import { describe, test } from "node:test";
 import { THEMES, WIDTHS, assertAccessible, show } from "./support/accessibility.js";
-import { Board } from "./support/board.js";
-import { BACKUP_PAGE, Browser, RESTORE_PAGE, chooseAndBackUp, logIn } from "./support/browser.js";
+import { BACKUP_PAGE, RESTORE_PAGE, chooseAndBackUp, logIn } from "./support/browser.js";
 import { LANGUAGES } from "./support/catalogue.js";
 import { makeConfigurationFile } from "./support/configurationFile.js";
+import { provide } from "./support/fixture.js";
 import { restoreTo, upload } from "./support/restorePage.js";
 
 const FILE = makeConfigurationFile({
@@ -50,14 +50,7 @@ describe("accessibility", () => {
     let board;
     let browser;
 
-    before(async () => {
-        board = await Board.start();
-        browser = await Browser.start();
-    });
-    after(async () => {
-        await browser?.stop();
-        await board?.remove();
-    });
+    provide((started) => ({ board, browser } = started));
 
     for (const theme of THEMES) {
         for (const width of WIDTHS) {
@@ -80,14 +73,7 @@ for (const language of LANGUAGES.filter((each) => each !== "en")) {
         let board;
         let browser;
 
-        before(async () => {
-            board = await Board.start();
-            browser = await Browser.start(language);
-        });
-        after(async () => {
-            await browser?.stop();
-            await board?.remove();
-        });
+        provide((started) => ({ board, browser } = started), [], [language]);
 
         for (const [name, open] of Object.entries(PAGES)) {
             test(`${name}, ${WIDTHS[0]} pixels`, async () => {

@@ -2,7 +2,7 @@
 
 import assert from "node:assert/strict";
 import { createHash } from "node:crypto";
-import { after, before, beforeEach, describe, test } from "node:test";
+import { beforeEach, describe, test } from "node:test";
 import { Board } from "./support/board.js";
 import {
     BACKUP_PAGE,
@@ -15,20 +15,14 @@ import {
 } from "./support/browser.js";
 import { parseConfigurationFile } from "./support/configurationFile.js";
 import { demoPartitions } from "./support/demoBoard.js";
+import { provide } from "./support/fixture.js";
 
 describe("backup", () => {
     let board;
     let browser;
     let page;
 
-    before(async () => {
-        board = await Board.start();
-        browser = await Browser.start();
-    });
-    after(async () => {
-        await browser?.stop();
-        await board?.remove();
-    });
+    provide((started) => ({ board, browser } = started));
     beforeEach(async () => {
         page = await browser.newPage();
     });

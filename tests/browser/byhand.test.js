@@ -2,19 +2,18 @@
 
 import assert from "node:assert/strict";
 import { readFile, readdir } from "node:fs/promises";
-import { after, before, describe, test } from "node:test";
-import { Board } from "./support/board.js";
+import { describe, test } from "node:test";
 import { DirectClient } from "./support/directClient.js";
+import { provide } from "./support/fixture.js";
 
 describe("the program without a web server", () => {
     let board;
     let client;
 
-    before(async () => {
-        board = await Board.start();
+    provide(async (started) => {
+        ({ board } = started);
         client = await DirectClient.loggedIn(board);
-    });
-    after(() => board?.remove());
+    }, [], null);
 
     // Runs the screen's program, with the words of `command` before it.
     async function run(command, environment, body = "") {

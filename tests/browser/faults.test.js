@@ -3,11 +3,11 @@
 
 import assert from "node:assert/strict";
 import { readFile } from "node:fs/promises";
-import { after, before, beforeEach, describe, test } from "node:test";
-import { Board } from "./support/board.js";
+import { beforeEach, describe, test } from "node:test";
 import { Client, assertErrorPage, downloadLink } from "./support/client.js";
 import { makeConfigurationFile, parseConfigurationFile } from "./support/configurationFile.js";
 import { PATIENCE_MILLISECONDS } from "./support/eventually.js";
+import { provide } from "./support/fixture.js";
 import { MULTIPART, uploadBody } from "./support/multipart.js";
 
 const SCREEN = "/maintenance/efi_backup_restore.cgi";
@@ -30,10 +30,7 @@ describe("a failing back-end", () => {
     let client;
     let staged;
 
-    before(async () => {
-        board = await Board.start();
-    });
-    after(() => board?.remove());
+    provide((started) => ({ board } = started), [], null);
     beforeEach(async () => {
         await board.control("reset");
         client = await Client.loggedIn(board);

@@ -3,9 +3,8 @@
 
 import assert from "node:assert/strict";
 import { readFile, readdir, stat, utimes, writeFile } from "node:fs/promises";
-import { after, before, beforeEach, describe, test } from "node:test";
+import { beforeEach, describe, test } from "node:test";
 import { THEMES, WIDTHS, assertAccessible, show } from "./support/accessibility.js";
-import { Board } from "./support/board.js";
 import {
     BACKUP_PAGE,
     BROWSERS,
@@ -19,6 +18,7 @@ import { Client } from "./support/client.js";
 import { makeConfigurationFile } from "./support/configurationFile.js";
 import { demoPartitions } from "./support/demoBoard.js";
 import { eventually } from "./support/eventually.js";
+import { provide } from "./support/fixture.js";
 import { restoreTo, upload } from "./support/restorePage.js";
 
 const NAME = 'Rack <4> & "row" 12';
@@ -58,14 +58,7 @@ for (const kind of BROWSERS) {
         let browser;
         let page;
 
-        before(async () => {
-            board = await Board.start(DESCRIPTION);
-            browser = await Browser.start("en", kind);
-        });
-        after(async () => {
-            await browser?.stop();
-            await board?.remove();
-        });
+        provide((started) => ({ board, browser } = started), [DESCRIPTION], ["en", kind]);
         beforeEach(async () => {
             page = await browser.newPage();
             await stopClock(page);
@@ -246,10 +239,7 @@ for (const kind of BROWSERS) {
 describe("the pages of a board in both languages", () => {
     let board;
 
-    before(async () => {
-        board = await Board.start(DESCRIPTION);
-    });
-    after(() => board?.remove());
+    provide((started) => ({ board } = started), [DESCRIPTION], null);
 
     for (const language of LANGUAGES) {
         test(`are accessible in ${language}`, async () => {

@@ -1,17 +1,16 @@
 // Tests that text from a file, a partition's name or a version is never markup on a page.
 
 import assert from "node:assert/strict";
-import { after, before, describe, test } from "node:test";
-import { Board } from "./support/board.js";
+import { describe, test } from "node:test";
 import {
     BACKUP_PAGE,
-    Browser,
     RESTORE_PAGE,
     chooseAndBackUp,
     logIn,
 } from "./support/browser.js";
 import { makeConfigurationFile, parseConfigurationFile } from "./support/configurationFile.js";
 import { demoUsers } from "./support/demoBoard.js";
+import { provide } from "./support/fixture.js";
 import { chooseFile, upload } from "./support/restorePage.js";
 
 const HOSTILE = [
@@ -72,17 +71,12 @@ describe("hostile text", () => {
     let browser;
     let page;
 
-    before(async () => {
-        board = await Board.start(describeBoard());
-        browser = await Browser.start();
+    provide(async (started) => {
+        ({ board, browser } = started);
         page = await browser.newPage();
         page.on("pageerror", (error) => page.alerts.push(`error: ${error.message}`));
         await logIn(page, board);
-    });
-    after(async () => {
-        await browser?.stop();
-        await board?.remove();
-    });
+    }, [describeBoard()]);
 
     function cells(column) {
         return page.$$eval(

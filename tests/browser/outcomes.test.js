@@ -2,11 +2,11 @@
 // that do not depend on the language.
 
 import assert from "node:assert/strict";
-import { after, before, beforeEach, describe, test } from "node:test";
-import { Board } from "./support/board.js";
-import { BROWSERS, BACKUP_PAGE, Browser, RESTORE_PAGE, logIn, textOf } from "./support/browser.js";
+import { beforeEach, describe, test } from "node:test";
+import { BROWSERS, BACKUP_PAGE, RESTORE_PAGE, logIn, textOf } from "./support/browser.js";
 import { LANGUAGES, textIn } from "./support/catalogue.js";
 import { makeConfigurationFile } from "./support/configurationFile.js";
+import { provide } from "./support/fixture.js";
 import { restoreWithoutScript, upload, uploadWithoutScript } from "./support/restorePage.js";
 
 const RESTORE = "0x020100A4";
@@ -76,14 +76,7 @@ for (const kind of BROWSERS) {
             let browser;
             let page;
 
-            before(async () => {
-                board = await Board.start();
-                browser = await Browser.start(language, kind);
-            });
-            after(async () => {
-                await browser?.stop();
-                await board?.remove();
-            });
+            provide((started) => ({ board, browser } = started), [], [language, kind]);
             beforeEach(async () => {
                 await board.control("reset");
                 page = await browser.newPage();
@@ -130,14 +123,7 @@ for (const kind of BROWSERS) {
         let board;
         let browser;
 
-        before(async () => {
-            board = await Board.start();
-            browser = await Browser.start("en", kind, { scripts: false });
-        });
-        after(async () => {
-            await browser?.stop();
-            await board?.remove();
-        });
+        provide((started) => ({ board, browser } = started), [], ["en", kind, { scripts: false }]);
 
         test("of a restore are shown", async () => {
             const page = await browser.newPage();

@@ -2,11 +2,12 @@
 
 import assert from "node:assert/strict";
 import { unlink, writeFile } from "node:fs/promises";
-import { after, before, describe, test } from "node:test";
+import { before, describe, test } from "node:test";
 import { Board } from "./support/board.js";
 import { Client as WebClient, assertErrorPage, downloadLink } from "./support/client.js";
 import { parseConfigurationFile } from "./support/configurationFile.js";
 import { DirectClient } from "./support/directClient.js";
+import { provide } from "./support/fixture.js";
 import { MULTIPART, uploadBody } from "./support/multipart.js";
 
 const SCREEN = "/maintenance/efi_backup_restore.cgi";
@@ -22,11 +23,10 @@ for (const [way, Client] of Object.entries(WAYS)) {
         let board;
         let client;
 
-        before(async () => {
-            board = await Board.start();
+        provide(async (started) => {
+            ({ board } = started);
             client = await Client.loggedIn(board);
-        });
-        after(() => board?.remove());
+        }, [], null);
 
         for (const [query, traced] of [
             ["functionID=107", /Illegal query string \(107\)/],
@@ -287,11 +287,10 @@ describe("the board", () => {
     let board;
     let client;
 
-    before(async () => {
-        board = await Board.start();
+    provide(async (started) => {
+        ({ board } = started);
         client = await WebClient.loggedIn(board);
-    });
-    after(() => board?.remove());
+    }, [], null);
 
     for (const target of [
         "/usr/local/www/skel/skeleton_efi_backup.txt",

@@ -3,11 +3,10 @@
 import assert from "node:assert/strict";
 import { createHash } from "node:crypto";
 import { writeFile } from "node:fs/promises";
-import { after, before, beforeEach, describe, test } from "node:test";
+import { beforeEach, describe, test } from "node:test";
 import { Board } from "./support/board.js";
 import {
     BROWSERS,
-    Browser,
     RESTORE_PAGE,
     countPosts,
     logIn,
@@ -17,6 +16,7 @@ import { Client, downloadLink } from "./support/client.js";
 import { makeConfigurationFile, parseConfigurationFile } from "./support/configurationFile.js";
 import { demoPartitions, demoUsers } from "./support/demoBoard.js";
 import { eventually } from "./support/eventually.js";
+import { provide } from "./support/fixture.js";
 import { chooseFile, restoreTo, upload } from "./support/restorePage.js";
 
 const SAVED = Date.UTC(2026, 2, 7, 12) / 1000;
@@ -39,14 +39,7 @@ for (const kind of BROWSERS) {
         let page;
         let observer;
 
-        before(async () => {
-            board = await Board.start();
-            browser = await Browser.start("en", kind);
-        });
-        after(async () => {
-            await browser?.stop();
-            await board?.remove();
-        });
+        provide((started) => ({ board, browser } = started), [], ["en", kind]);
         beforeEach(async () => {
             page = await browser.newPage();
             await logIn(page, board);
@@ -391,14 +384,7 @@ describe("restore by keyboard, by double press and in Japanese", () => {
     let browser;
     let page;
 
-    before(async () => {
-        board = await Board.start();
-        browser = await Browser.start();
-    });
-    after(async () => {
-        await browser?.stop();
-        await board?.remove();
-    });
+    provide((started) => ({ board, browser } = started));
     beforeEach(async () => {
         page = await browser.newPage();
         await logIn(page, board);

@@ -4,10 +4,11 @@ import assert from "node:assert/strict";
 import { once } from "node:events";
 import { chmod, readFile, readdir } from "node:fs/promises";
 import net from "node:net";
-import { after, before, describe, test } from "node:test";
+import { describe, test } from "node:test";
 import { Board } from "./support/board.js";
 import { Client, assertErrorPage } from "./support/client.js";
 import { timeLimit } from "./support/eventually.js";
+import { provide } from "./support/fixture.js";
 
 const SCREEN = "/maintenance/efi_backup_restore.cgi";
 
@@ -15,11 +16,10 @@ describe("security", () => {
     let board;
     let client;
 
-    before(async () => {
-        board = await Board.start();
+    provide(async (started) => {
+        ({ board } = started);
         client = await Client.loggedIn(board);
-    });
-    after(() => board?.remove());
+    }, [], null);
 
     for (const [what, ask, status] of [
         ["the backup page", () => client.get(`${SCREEN}?functionID=105`), 200],

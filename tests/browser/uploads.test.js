@@ -5,12 +5,12 @@ import assert from "node:assert/strict";
 import { once } from "node:events";
 import { readFile } from "node:fs/promises";
 import net from "node:net";
-import { after, before, beforeEach, describe, test } from "node:test";
-import { Board } from "./support/board.js";
+import { beforeEach, describe, test } from "node:test";
 import { Client as WebClient, assertErrorPage, downloadLink } from "./support/client.js";
 import { makeConfigurationFile, parseConfigurationFile } from "./support/configurationFile.js";
 import { DirectClient } from "./support/directClient.js";
 import { eventually, timeLimit } from "./support/eventually.js";
+import { provide } from "./support/fixture.js";
 import { BOUNDARY, END, MULTIPART, field, file, part, uploadBody } from "./support/multipart.js";
 
 const SCREEN = "/maintenance/efi_backup_restore.cgi";
@@ -41,10 +41,7 @@ for (const [way, Client] of Object.entries(WAYS)) {
         let client;
         let staged;
 
-        before(async () => {
-            board = await Board.start();
-        });
-        after(() => board?.remove());
+        provide((started) => ({ board } = started), [], null);
         beforeEach(async () => {
             client = await Client.loggedIn(board);
             const identifier = client.cookie.slice("session=".length).split("-")[0];

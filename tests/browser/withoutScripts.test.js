@@ -1,10 +1,10 @@
 // Tests that the screens work without scripts, in every browser.
 
 import assert from "node:assert/strict";
-import { after, before, beforeEach, describe, test } from "node:test";
-import { Board } from "./support/board.js";
-import { BACKUP_PAGE, BROWSERS, Browser, logIn, textOf } from "./support/browser.js";
+import { beforeEach, describe, test } from "node:test";
+import { BACKUP_PAGE, BROWSERS, logIn, textOf } from "./support/browser.js";
 import { makeConfigurationFile } from "./support/configurationFile.js";
+import { provide } from "./support/fixture.js";
 import {
     followWithoutScript,
     restoreWithoutScript,
@@ -27,14 +27,7 @@ for (const kind of BROWSERS) {
         let browser;
         let page;
 
-        before(async () => {
-            board = await Board.start();
-            browser = await Browser.start("en", kind, { scripts: false });
-        });
-        after(async () => {
-            await browser?.stop();
-            await board?.remove();
-        });
+        provide((started) => ({ board, browser } = started), [], ["en", kind, { scripts: false }]);
         beforeEach(async () => {
             page = await browser.newPage();
             await logIn(page, board);

@@ -109,18 +109,23 @@ class Performance(DocumentTest):
             plain = re.sub(r"\d+ KiB", "%d KiB", plain)
             self.assertIn('"%s"' % plain.replace("empty, C", "empty C"), script)
 
-    def test_numbers_in_the_text_match_the_tables(self):
+    def test_derived_figures_match_the_tables(self):
         processes = self.processes()
         total = number(self.stated(r"The ([\d,]+) instructions of the backup page"))
         self.assertAlmostEqual(number(processes["our backup page"]["instructions"]), total, delta=1000)
         self.assertEqual(sum(number(row[1]) for row in self.table("part", "instructions")), total)
         counts, micros = ([float(each) for each in row[1:]] for row in self.growth())
         cost = (micros[-1] - micros[1]) / (counts[-1] - counts[1])
-        self.assertEqual(round(cost), self.stated(r"A further partition costs about (\d+) µs"))
-        each = self.stated(r"An upload costs (\d+) µs for each KiB")
+        each = {what: int(value) for what, value in self.table("each further", "µs")}
+        self.assertEqual(round(cost), each["partition"])
+        lines = self.document.text.partition("| sessions on the board |")[2].splitlines()
+        sessions = [float(cell) for cell in cells_of("|" + lines[0]) if cell]
+        times = [float(cell) for cell in cells_of(lines[1])[1:] if cell]
+        cost = (times[-1] - times[0]) / (sessions[-1] - sessions[0])
+        self.assertEqual(round(cost), each["session"])
         cost = (number(processes["upload of 384 KiB"]["µs"])
                 - number(processes["upload of 1 KiB"]["µs"])) / 383
-        self.assertAlmostEqual(cost, each, delta=0.5)
+        self.assertAlmostEqual(cost, each["KiB of an upload"], delta=0.5)
 
     def test_command_draws_every_plot(self):
         report = read("bench/support/report.py")

@@ -162,14 +162,14 @@ class Restore(BoardDocumentTest):
         self.assertTrue(self.board.path(lock).exists())
 
     def test_files_have_the_stated_length_limit(self):
-        limit = self.stated(r"A file may hold (\d+) bytes")
+        limit = self.stated(r"A file may have (\d+) bytes")
         self.assertEqual(limit, constant("data/uploadLimit.h", "LARGEST_UPLOAD"))
         # The longest file is read, and found to be no configuration.
         self.assertIn("[64-1026]", self.client.upload(bytes(limit)).text)
         self.assertIn("[63-1028]", self.client.upload(bytes(limit + 1)).text)
 
     def test_web_server_refuses_a_body_above_its_limit(self):
-        mebibytes, status = self.stated(r"above (\d+) MiB the web server answers (\d+) itself")
+        mebibytes, status = self.stated(r"above (\d+) MiB is refused by the web server itself \((\d+);")
         self.assertEqual(self.client.upload(bytes(mebibytes * 1024 * 1024 - 4096)).status, 200)
         # The header with the length is enough; the body need not be sent.
         head = ("POST %s HTTP/1.0\r\nHost: 127.0.0.1:%d\r\nContent-Length: %d\r\n\r\n"
@@ -184,14 +184,14 @@ class Restore(BoardDocumentTest):
         self.assertEqual(self.step({name: ""}).status, status)
 
     def test_body_has_the_stated_time_limit(self):
-        seconds, status = self.stated(r"has not come within (\d+) s is refused \((\d+)\), and one")
+        seconds, status = self.stated(r"has not arrived within (\d+) s is refused \((\d+)\), and so is one")
         self.assertEqual(1000 * seconds,
                          constant("platform/host/web/RequestBody.h", "DEADLINE_MILLISECONDS"))
         self.assertRegex(read("platform/host/web/errorPage.cpp"),
                          r"REQUEST_TOO_SLOW\) \{\s+page.status = %d;" % status)
 
     def test_refuses_the_whole_of_a_malformed_body(self):
-        status, message = self.stated(r"refused whole \((\d+); with message (\d+) for a form with")
+        status, message = self.stated(r"refused as a whole \((\d+); with message (\d+) for a form with")
         self.client.upload(self.backup)
         body = upload_body(b"other")
         for cut in (4, 20, len(body) // 2):
@@ -201,7 +201,7 @@ class Restore(BoardDocumentTest):
             self.assertEqual(self.staged(), self.backup)
 
     def test_truncated_upload_leaves_nothing(self):
-        self.stated(r"(an upload that breaks off leaves nothing)")
+        self.stated(r"(an interrupted upload leaves nothing)")
         before = set(self.board.path("/var/tmp").iterdir())
         body = upload_body(bytes(50000))
         head = ("POST %s HTTP/1.0\r\nHost: 127.0.0.1:%d\r\nCookie: %s\r\nContent-Length: %d\r\n"

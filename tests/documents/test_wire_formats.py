@@ -66,17 +66,17 @@ class WireFormats(BoardDocumentTest):
         rows = {row[0]: re.search(r"(\d+)( s| bytes)?", row[1])[1]
                 for row in self.table("limit", "value", "who keeps it")}
         self.assertEqual({key: int(value) for key, value in rows.items()}, {
-            "frame, without the length in front":
+            "frame, without the preceding length":
                 constant("platform/host/channel/Frame.h", "LARGEST_FRAME"),
             "one exchange, seen from the client":
                 constant(CHANNEL, "CHANNEL_DEADLINE_MILLISECONDS") // 1000,
             "a whole request": constant(LIMITS, "requestMilliseconds") // 1000,
-            "taking the reply": constant(LIMITS, "replyMilliseconds") // 1000,
+            "receiving the reply": constant(LIMITS, "replyMilliseconds") // 1000,
             "connections at a time": constant(LIMITS, "connections"),
         })
         self.assertEqual(self.stated(r"once it is silent for (\d+) s"),
                          constant(LIMITS, "quietMilliseconds") // 1000)
-        self.assertEqual(self.stated(r"client: code (\d+), connection given up"),
+        self.assertEqual(self.stated(r"client: code (\d+), connection closed"),
                          constant(CHANNEL, "CHANNEL_TIMEOUT"))
 
     def test_oversized_frame_ends_the_connection(self):
@@ -92,7 +92,7 @@ class WireFormats(BoardDocumentTest):
         self.assertEqual(kinds, enumerators("platform/host/channel/Frame.h", "RequestKind"))
 
     def test_malformed_frame_ends_the_connection(self):
-        code = self.stated(r"A frame that is no request is answered with code (\d+), and the conn")
+        code = self.stated(r"A frame that is not a request is answered with code (\d+), and the conn")
         status = frame(CONTROL, 0) + b"status"
         replies = self.board.exchange(b"\x09", status)
         self.assertEqual(replies, [(code, b"")])
@@ -128,7 +128,7 @@ class WireFormats(BoardDocumentTest):
         self.assertEqual(self.stated(r"packet = \(length member\) (\d+) times"), 11)
         self.stated(r"(The eleven members)")
         count = self.stated(r"This back-end sends (\d+) records of each kind")
-        versions = self.stated(r"is not known\. This back-end sends (\d+)\.")
+        versions = self.stated(r"is unknown\. This back-end sends (\d+)\.")
         members = self.members(self.board.ask(GET, 0x02010021)[1])
         self.assertEqual(len(members), 11)
         for row in self.table("member", "container", "content"):
@@ -150,7 +150,7 @@ class WireFormats(BoardDocumentTest):
 
     def test_records_have_the_stated_bits(self):
         installed, home = self.stated(
-            r"bit (\d+) says that the board is installed, bit (\d+), for a system board, that it")
+            r"bit (\d+) means that the board is installed, and bit (\d+), for a system board, that it")
         members = self.members(self.board.ask(GET, 0x02010021)[1])
         # On the demo board, system boards 0 and 1 (0 is a home board) and I/O boards 0 and 1 exist.
         self.assertEqual(members[0][2:10], struct.pack(">II", 1 << installed | 1 << home,
@@ -217,7 +217,7 @@ class WireFormats(BoardDocumentTest):
     def test_answers_logins_as_stated(self):
         refused = enumerators("platform/host/channel/BackendError.h",
                               "BackendError")["BACKEND_LOGIN_REFUSED"]
-        self.stated(r"(whichever is wrong)")
+        self.stated(r"(the name or the password is wrong, whichever it is)")
         for user, password in ((b"admin", b"x"), (b"x", b"admin")):
             self.assertEqual(self.login(user, password, b"address one", b""), (refused, b""))
         code, answer = self.login(b"admin", b"admin", b"address one", b"")
@@ -258,15 +258,15 @@ class WireFormats(BoardDocumentTest):
         wait, code = self.stated(r"waits for one, at most (\d+) s; then it is refused with (\d+)")
         self.assertEqual(wait, constant(queue, "LONGEST_WAIT"))
         most, of_address, of_device, again = self.stated(
-            r"At most (\d+) attempts wait, (\d+) of one address and (\d+) of one device; of more, the "
-            r"oldest of the address with the most is refused with (\d+)")
+            r"At most (\d+) attempts wait, (\d+) of one address and (\d+) of one device; if there are "
+            r"more, the oldest of the address with the most is refused with (\d+)")
         self.assertEqual([most, of_address, of_device],
                          [constant(queue, each) for each in
                           ("MOST_WAITING", "MOST_OF_ADDRESS", "MOST_OF_DEVICE")])
         self.assertEqual(code, again)
         failures, delay, at_work = self.stated(
             r"After (\d+) failures from an address at any accounts, of which one is forgotten each "
-            r"minute, each attempt from there is begun (\d+) s late, .* (\d+) are looked at at a time")
+            r"minute, each attempt from there starts (\d+) s late, .* (\d+) are checked at a time")
         self.assertEqual([failures, delay, at_work],
                          [constant(queue, each) for each in
                           ("ADDRESS_FAILURES", "FAILURE_DELAY", "MOST_AT_WORK")])
@@ -291,12 +291,12 @@ class WireFormats(BoardDocumentTest):
         self.assertEqual(code, enumerators("platform/host/channel/BackendError.h",
                                            "BackendError")["BACKEND_FAULTS_NOT_ALLOWED"])
         self.assertIn('"%s"' % option, read("board/backend/BackendOptions.cpp"))
-        self.stated(r"(`./serve` starts it so)")
+        self.stated(r"(`./serve` uses the option)")
         self.assertIn(option, read("serve"))
 
     def test_carries_out_orders_as_stated(self):
         rows = self.table("order", "what happens")
-        malformed = self.stated(r"An order that makes no sense is refused with (\d+)")
+        malformed = self.stated(r"A malformed order is refused with (\d+)")
         examples = {"REQUEST": "7", "CODE": "1603", "TIMES": "2", "MILLISECONDS": "1",
                     "BYTES": "6", "NUMBER": "3"}
         for orders, what in rows:
@@ -323,7 +323,7 @@ class WireFormats(BoardDocumentTest):
         self.order("reset")
 
     def test_refuses_a_partition_that_is_not_installed_as_stated(self):
-        code = self.stated(r"so does one for a partition that is not installed, with (\d+)\.")
+        code = self.stated(r"an order for a partition that is not installed is refused with (\d+);")
         before = self.order("status")
         for number in (4, 6, 8, 4294967295):
             self.assertEqual(self.order("partition %d on" % number)[0], code)
@@ -342,10 +342,10 @@ class WireFormats(BoardDocumentTest):
         self.stated(r"(A LOGIN counts as a request of number 0)")
         self.order("refuse 0 1603 1")
         self.assertEqual(self.login(b"admin", b"admin", b"address three", b"")[0], 1603)
-        self.stated(r"(CONTROL itself meets no fault)")
+        self.stated(r"(No fault applies to CONTROL itself)")
         self.order("refuse 0 1603 1")
         self.assertEqual(self.order("status")[0], 0)
-        self.stated(r"(also when it comes back)")
+        self.stated(r"(also after `die`)")
         self.board.control("die")
         self.assertEqual(self.board.wait_for_backend(), (0, b""))
 
@@ -386,7 +386,7 @@ class WireFormats(BoardDocumentTest):
                          line + "\n" + name + "\n" + names + user + "\n" + nobody + "\n")
         for row in (line, name, user, log):
             self.assertIn('= "%s"' % row.partition("=")[0], read(PROPERTIES))
-        pattern = self.stated(r"to the web server as a pattern as well, in `([^`]+)`")
+        pattern = self.stated(r"to the web server, as a pattern in `([^`]+)`")
         self.assertTrue(self.board.path(pattern).exists())
         table = self.board.ask(GET, 0x0201002F)[1]
         self.assertEqual(struct.unpack(">H", table[:2])[0], last + 1)

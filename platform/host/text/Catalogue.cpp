@@ -48,7 +48,8 @@ int findAccepted(std::string_view accepted) {
 }
 
 nl_catd openCatalogue(int language) {
-    static std::vector<nl_catd> catalogues(languages().size());
+    // Never destroyed, because the texts remain valid until the process ends.
+    static auto& catalogues = *new std::vector<nl_catd>(languages().size());
     nl_catd& catalogue = catalogues[static_cast<std::size_t>(language)];
     if (catalogue == nullptr) {
         const std::string folder = getCGIPath(CATALOGUE_FOLDER);

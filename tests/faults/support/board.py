@@ -87,6 +87,7 @@ class Board:
         watch.start()
         ready = self.backend.stdout.readline() == b"ready\n"
         watch.cancel()
+        watch.join()  # otherwise kill() may still be closing the files of this start
         if not ready:
             self.kill()
             if mustStart:
