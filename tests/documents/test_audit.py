@@ -218,7 +218,7 @@ class Answers(AuditDocument):
 class Sources(AuditDocument):
     def test_sizes_match_the_sources(self):
         self.assertEqual(text_constant(PATHS, "AUDIT_LOG"), "/var/log/audit.log")
-        mebibytes, files = self.stated(r"At (\d+) MiB the file is renamed .*; (\d+) former files")
+        mebibytes, files = self.stated(r"At (\d+) MiB the file is renamed .*; (\d+) rotated files")
         self.assertEqual(constant(LOG, "LARGEST_FILE"), mebibytes * 1024 * 1024)
         self.assertEqual(constant("platform/host/audit/AuditLog.h", "AUDIT_FORMER_FILES"), files)
 
@@ -241,7 +241,7 @@ class Sources(AuditDocument):
         saved["viewer"]["start"] -= 60
         counts.write_text(json.dumps(saved))
         Client(self.board, "admin")
-        event = self.stated(r"preceded by one line with the counts, `(\w+)` or `anonymous`\.")
+        event = self.stated(r"preceded by one line with the counts: `(\w+)` for a user, `anon")
         self.assertEqual(self.last(event)["counts"], {"refusal": 2})
         self.assertEqual(self.lines()[-1]["event"], "login")
 

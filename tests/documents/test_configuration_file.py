@@ -18,7 +18,7 @@ from support.source import constant
 
 HEADER = "platform/host/storage/ConfigurationFile.h"
 EFICONF = BUILD / "board/inspector/eficonf"
-FILE_EXAMPLE, STATE_EXAMPLE = "## Example", "Partition 0 has the payload"
+FILE_EXAMPLE, STATE_EXAMPLE = "## Example", "partition 0 has the payload"
 
 
 def seal(data):
@@ -127,7 +127,7 @@ class ConfigurationFile(DocumentTest):
         self.assertEqual("%X" % (value ^ 0xFFFFFFFF), checksum)
 
     def test_save_time_has_the_stated_range(self):
-        year = self.stated(r"save time is unsigned and lasts until (\d+)")
+        year = self.stated(r"save time is unsigned, so it is valid until (\d+)")
         self.assertEqual(time.gmtime(0xFFFFFFFF).tm_year, year)
         data = self.example[:12] + b"\xff" * 4 + self.example[16:]
         self.assertIn(str(year), json.dumps(self.show(seal(data))[1]))
@@ -174,7 +174,7 @@ class ConfigurationFile(DocumentTest):
         fields = [row[1] for row in self.table("size", "field")]
         self.assertEqual(fields[0].replace(" and 0x1A", "\x1a"), 'magic: "EFISTOR"\x1a')
         self.assertTrue(fields[1].endswith(": 1"))
-        partitions = self.stated(r"Partition (\d) has the payload \"(\w)\", that of partition (\d) is empty")
+        partitions = self.stated(r"partition (\d) has the payload \"(\w)\", and the payload of partition (\d) is empty")
         self.assertEqual(read_states(self.document.bytes_after(STATE_EXAMPLE)),
                          {partitions[0]: partitions[1].encode(), partitions[2]: b""})
 
