@@ -60,7 +60,7 @@ class Restore(BoardDocumentTest):
             return client.upload(self.backup, fields=(("hidden_status", status),))
         if step == "no `hidden_status`":
             return self.step({}, client)
-        return self.step({"hidden_status": status, "pid2": "2"} if "ticked" in request
+        return self.step({"hidden_status": status, "pid2": "2"} if "selected" in request
                          else {"hidden_status": status}, client)
 
     def steps(self):
@@ -136,7 +136,7 @@ class Restore(BoardDocumentTest):
         self.assertIn("[353-1551]", self.step({"hidden_status": "2", box: ""}).text)
 
     def test_back_end_refuses_an_empty_list(self):
-        self.stated(r"(An empty list) is sent as well; the back-end refuses it")
+        self.stated(r"(An empty list) is sent too; the back-end refuses it")
         self.client.upload(self.backup)
         self.assertIn("[71-1601]", self.step({"hidden_status": "2"}).text)
 
