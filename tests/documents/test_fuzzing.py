@@ -76,7 +76,7 @@ class Fuzzing(DocumentTest):
         self.assertEqual(self.stated(r"(\d+) kinds of input, at least one for every target"),
                          len(module.KINDS))
         self.assertEqual(sorted({kind[0] for kind in module.KINDS}), self.targets)
-        largest = self.stated(r"the largest step is (\d+\.\d+) times \(settings of a configuration")
+        largest = self.stated(r"the largest step is (\d+\.\d+) \(settings of a configuration")
         self.assertLess(float(largest), module.LIMIT)
         self.assertIn(("payloadSettings", "settings"), [kind[:2] for kind in module.KINDS])
 

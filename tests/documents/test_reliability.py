@@ -51,12 +51,12 @@ class Reliability(DocumentTest):
         self.assertEqual(wrong.returncode, 2)
 
     def test_violations_are_stored_where_stated(self):
-        folder = self.stated(r"A violation is written to `([^`]+)` with all that")
+        folder = self.stated(r"Each violation is written to a file in `([^`]+)`")
         text = subprocess.run([RUN, "--help"], check=True, capture_output=True, text=True).stdout
         self.assertIn(folder, text)
-        self.stated(r"with all that `tests/faults/run (repeat FILE)` needs")
+        self.stated(r"which `tests/faults/run (repeat FILE)` repeats")
         self.assertIn("tests/faults/run repeat FILE", text)
-        self.assertIn(self.stated(r"in equal steps whose start is `(--\w+)`"), text)
+        self.assertIn(self.stated(r"takes every n-th case; `(--\w+)` chooses the first"), text)
 
     def test_requests_match_the_fault_tests(self):
         listed = self.stated(r"The requests: (.*?)\. ##")
@@ -74,7 +74,7 @@ class Reliability(DocumentTest):
 
     def test_figures_of_a_row_agree(self):
         for row in self.rows():
-            met = re.search(r"([\d,]+) cases, of which ([\d,]+) met their call", row[1])
+            met = re.search(r"([\d,]+) cases, of which ([\d,]+) reached the call", row[1])
             if met:
                 self.assertEqual(self.number(met[2]), self.number(row[2]))
                 self.assertGreaterEqual(self.number(met[1]), self.number(met[2]))
