@@ -164,11 +164,11 @@ class Security(BoardDocumentTest):
             r"a browser that has logged in before has its own allowance of (\d+), then (\d+) per minute")
         self.assertEqual(own, constant(QUEUE, "DEVICE_ATTEMPTS"))
         self.assertEqual(own_later, 60000 // constant(QUEUE, "DEVICE_INTERVAL"))
-        others = self.stated(r"waiting logins leave (\d+) connections to others")
+        others = self.stated(r"waiting logins leave (\d+) connections for others")
         self.assertEqual(others, constant("board/backend/ConnectionLimits.h", "connections")
                          - constant(QUEUE, "MOST_WAITING"))
-        turn, delay = self.stated(r"When a turn comes, every (\d+\.\d) s, newer attempts are checked "
-                                  r"first, .* other accounts, except for (\d+) s")
+        turn, delay = self.stated(r"Such attempts are checked one every (\d+\.\d) s, the newest first, "
+                                  r".* Logins to other accounts wait at most (\d+) s")
         self.assertEqual(float(turn) * 1000, constant(QUEUE, "ADDRESS_INTERVAL"))
         self.assertEqual(delay, constant(QUEUE, "FAILURE_DELAY"))
 
@@ -268,7 +268,7 @@ class Security(BoardDocumentTest):
                          "Content-Security-Policy"):
                 self.assertIn(name, names)
             self.assertRegex(head, r"Server: [^\d/]+(\r|$)")
-            self.stated(r"(are answered without any text of the request)")
+            self.stated(r"(are answered without any text from the request)")
             self.assertNotIn("SECRET", body)
 
     def test_refuses_paths_outside_the_root(self):

@@ -74,7 +74,7 @@ class WireFormats(BoardDocumentTest):
             "receiving the reply": constant(LIMITS, "replyMilliseconds") // 1000,
             "connections at a time": constant(LIMITS, "connections"),
         })
-        self.assertEqual(self.stated(r"once it is silent for (\d+) s"),
+        self.assertEqual(self.stated(r"once it has been silent for (\d+) s"),
                          constant(LIMITS, "quietMilliseconds") // 1000)
         self.assertEqual(self.stated(r"client: code (\d+), connection closed"),
                          constant(CHANNEL, "CHANNEL_TIMEOUT"))
@@ -228,8 +228,8 @@ class WireFormats(BoardDocumentTest):
         return self.board.ask(LOGIN, 0, b"", payload)
 
     def test_device_is_as_stated(self):
-        digits = self.stated(r"names a browser: (\d+) random hexadecimal digits")
-        most, in_all = self.stated(r"the (\d+) devices of a user that were used last, at most (\d+)")
+        digits = self.stated(r"identifies a browser: (\d+) random hexadecimal digits")
+        most, in_all = self.stated(r"each user's (\d+) most recently used devices, at most (\d+)")
         self.assertEqual(most, constant("board/backend/KnownDevices.h", "MOST_OF_ACCOUNT"))
         self.assertEqual(in_all, constant("board/backend/KnownDevices.h", "MOST_DEVICES"))
         size, device = self.logged_in(b"admin", b"")
@@ -265,8 +265,9 @@ class WireFormats(BoardDocumentTest):
                           ("MOST_WAITING", "MOST_OF_ADDRESS", "MOST_OF_DEVICE")])
         self.assertEqual(code, again)
         failures, delay, at_work = self.stated(
-            r"After (\d+) failures from an address at any accounts, of which one is forgotten each "
-            r"minute, each attempt from there starts (\d+) s late, .* (\d+) are checked at a time")
+            r"After (\d+) failures from an address, at any accounts, each attempt from there starts "
+            r"(\d+) s late, .* one of the failures is forgotten each minute\. At most (\d+) attempts "
+            r"with tokens are checked at a time")
         self.assertEqual([failures, delay, at_work],
                          [constant(queue, each) for each in
                           ("ADDRESS_FAILURES", "FAILURE_DELAY", "MOST_AT_WORK")])
@@ -345,7 +346,7 @@ class WireFormats(BoardDocumentTest):
         self.stated(r"(No fault applies to CONTROL itself)")
         self.order("refuse 0 1603 1")
         self.assertEqual(self.order("status")[0], 0)
-        self.stated(r"(also after `die`)")
+        self.stated(r"(even after `die`)")
         self.board.control("die")
         self.assertEqual(self.board.wait_for_backend(), (0, b""))
 
