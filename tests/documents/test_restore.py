@@ -184,7 +184,7 @@ class Restore(BoardDocumentTest):
         self.assertEqual(self.step({name: ""}).status, status)
 
     def test_body_has_the_stated_time_limit(self):
-        seconds, status = self.stated(r"has not arrived within (\d+) s is refused \((\d+)\), and so is one")
+        seconds, status = self.stated(r"A body is refused if it has not arrived within (\d+) s \((\d+)\)")
         self.assertEqual(1000 * seconds,
                          constant("platform/host/web/RequestBody.h", "DEADLINE_MILLISECONDS"))
         self.assertRegex(read("platform/host/web/errorPage.cpp"),

@@ -220,7 +220,7 @@ class Security(BoardDocumentTest):
     def test_other_methods_get_the_stated_status(self):
         status = int(next(what for threat, what, _ in
                           self.table("threat", "what is done", "held by")
-                          if threat == "a method that nobody serves")[:3])
+                          if threat == "a request uses an unsupported method")[:3])
         for target in (SCREEN, "/login.cgi", "/logout.cgi", "/", "/common/download.cgi"):
             self.assertEqual(self.client.request("DELETE", target).status, status, target)
         self.assertEqual(self.client.request("POST", "/default.css", "").status, 403)
