@@ -322,8 +322,8 @@ TEST_F(BoardctlTest, explainsWhyItCannotConnect) {
         const ChildResult result = boardctl(words);
         EXPECT_EQ(result.exitStatus, FAILED) << words[0];
         EXPECT_EQ(result.errors, cannot + socket +
-                                     ": there is no such socket: the board is not running, or its "
-                                     "root is another (--root, BOARD_ROOT) (code 2001)\n");
+                                     ": there is no such socket: the board is not running, or this "
+                                     "is not its root (--root, BOARD_ROOT) (code 2001)\n");
     }
     const ChildResult elsewhere = boardctl({"status"}, at("missing"));
     EXPECT_EQ(elsewhere.exitStatus, FAILED);

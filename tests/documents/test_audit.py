@@ -111,12 +111,12 @@ class Answers(AuditDocument):
         file = self.board.folder / "file.dat"
         file.write_bytes(self.file)
         told = [json.loads(line)["event"] for line in
-                self.recipe("What became of one file", FILE=str(file)).splitlines()]
+                self.recipe("What happened to one file", FILE=str(file)).splitlines()]
         for event in ("backup", "download", "upload", "restore"):
             self.assertIn(event, told)
 
     def test_recipe_lists_the_contents_of_partitions(self):
-        told = dict(line.split() for line in self.recipe("What each partition holds").splitlines())
+        told = dict(line.split() for line in self.recipe("The current configuration of each partition").splitlines())
         start = self.last("start")["after"]
         self.assertEqual(set(told), set(start))
         self.assertEqual(told["2"], start["3"])
@@ -190,13 +190,13 @@ class Answers(AuditDocument):
                       read("platform/host/web/requestSession.cpp"))
 
     def test_logs_an_upload_without_permission_as_a_refusal(self):
-        self.stated(r"(An upload that a user without the right sends is a `refusal`)")
+        self.stated(r"(An upload by a user without the right to restore is recorded as a `refusal`)")
         lines = [line for line in self.lines() if line.get("session") == self.viewer.identifier]
         self.assertEqual([line["event"] for line in lines if line["event"] != "session_ended"][:2],
                          ["login", "refusal"])
 
     def test_logs_a_restore_as_two_consecutive_lines(self):
-        self.stated(r"(no other line stands between them)")
+        self.stated(r"(no other line is written between the two)")
         lines = self.lines()
         begun = [number for number, line in enumerate(lines) if line.get("result") == "begun"]
         self.assertNotEqual(begun, [])
@@ -205,28 +205,29 @@ class Answers(AuditDocument):
             self.assertEqual(lines[number + 1]["request"], lines[number]["request"])
 
     def test_logs_neither_typed_text_nor_tokens(self):
-        self.stated(r"(Passwords and whatever else was typed into a login, session tokens)")
+        self.stated(r"(Passwords and anything else typed into a login, session tokens)")
         text = self.path().read_text(encoding="ascii")
         for secret in ("typed-name", "typed-password", self.admin.value.split("-")[1]):
             self.assertNotIn(secret, text)
 
     def test_file_has_the_stated_mode(self):
-        mode = self.stated(r"one JSON object a line, mode (0\d+)\.")
+        mode = self.stated(r"one JSON object per line, mode (0\d+)\.")
         self.assertEqual(self.path().stat().st_mode & 0o7777, int(str(mode), 8))
 
 
 class Sources(AuditDocument):
     def test_sizes_match_the_sources(self):
         self.assertEqual(text_constant(PATHS, "AUDIT_LOG"), "/var/log/audit.log")
-        mebibytes, files = self.stated(r"At (\d+) MiB the file becomes .*; (\d+) former files")
+        mebibytes, files = self.stated(r"At (\d+) MiB the file is renamed .*; (\d+) former files")
         self.assertEqual(constant(LOG, "LARGEST_FILE"), mebibytes * 1024 * 1024)
         self.assertEqual(constant("platform/host/audit/AuditLog.h", "AUDIT_FORMER_FILES"), files)
 
     def test_limits_match_the_sources(self):
-        self.stated(r"(ten times in a minute for each user)")
+        self.stated(r"Each user gets at most (ten lines) of .* in a (minute); all clients that are "
+                    r"not logged in get (ten) together")
         self.assertEqual(constant(LIMITS, "LINES"), 10)
         self.assertEqual(constant(LIMITS, "SHORTEST_PERIOD"), 60)
-        self.stated(r"the minute becomes (two, four and so on, up to a day)")
+        self.stated(r"the period becomes (two minutes, then four, and so on up to a day)")
         self.assertEqual(constant(LIMITS, "LONGEST_PERIOD"), 24 * 60 * 60)
 
     def test_counts_further_refusals(self):
@@ -240,7 +241,7 @@ class Sources(AuditDocument):
         saved["viewer"]["start"] -= 60
         counts.write_text(json.dumps(saved))
         Client(self.board, "admin")
-        event = self.stated(r"counts follow in one line, `(\w+)` or `anonymous`, with the first")
+        event = self.stated(r"preceded by one line with the counts, `(\w+)` or `anonymous`\.")
         self.assertEqual(self.last(event)["counts"], {"refusal": 2})
         self.assertEqual(self.lines()[-1]["event"], "login")
 
@@ -251,7 +252,7 @@ class Sources(AuditDocument):
         self.assertIn('"<%d>%s: "' % (10 * 8 + 5, name), read("platform/host/audit/systemLog.cpp"))
 
     def test_next_start_logs_the_result_of_an_unfinished_restore(self):
-        self.stated(r"(The next `start` tells: its `after` has the sums)")
+        self.stated(r"(The next `start` shows which: its `after` has the sums)")
         before = self.last("start")["after"]
         self.board.control("die")
         self.board.wait_for_backend()
@@ -283,7 +284,7 @@ class WithoutTheLog(AuditDocument):
         self.assertIn("-%s]" % code, answer.text)
 
     def test_refuses_changes(self):
-        code = re.search(r"refused with (\d+); nothing changes", self.rows()["restore"])[1]
+        code = re.search(r"refused with (\d+); nothing is changed", self.rows()["restore"])[1]
         self.assertIn("-%s]" % code, restore(self.admin, 2).text)
         self.assertIn(code, back_up(self.admin, 3).text)
         self.assertFalse(self.backup.exists())
@@ -313,13 +314,13 @@ class WithoutTheLog(AuditDocument):
         self.assertEqual(self.admin.get(SCREEN + "?functionID=105").status, 403)
 
     def test_traces_the_rest(self):
-        self.assertIn("`trace.log` says so", self.rows()["all others"])
+        self.assertIn("`trace.log` records the failure", self.rows()["all others"])
         self.assertEqual(self.admin.request("DELETE", SCREEN).status, 405)
         trace = self.board.path("/var/log/trace.log").read_text()
         self.assertIn("A refusal cannot be written to the audit log", trace)
 
     def test_back_end_keeps_serving(self):
-        self.assertIn("says so on standard error and serves", self.rows()["start"])
+        self.assertIn("reports it on standard error and keeps serving", self.rows()["start"])
         restarted = Board()
         with restarted:
             restarted.end()

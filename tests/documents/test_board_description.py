@@ -204,23 +204,23 @@ class BoardDescription(DocumentTest):
             "%s = %s\n" % item for item in values.items()) + "[partition.settings]\n" + settings
 
     def test_makes_the_initial_configuration_as_stated(self):
-        self.stated(r"one line `(name=value)` for each setting, in the order of the names, then "
-                    r"the fill bytes")
+        self.stated(r"one line `(name=value)` for each setting, sorted by name, then the fill bytes")
         payload = self.states(self.settings('z = "text"\na = 5\nm = true\n', fill_bytes="100"))[1]
         lines, fill = payload[:-100], payload[-100:]
         self.assertEqual(lines, b"a=5\nm=true\nz=text\n")
-        self.stated(r"(always the same for the same partition number)")
+        self.stated(r"(the bytes are always the same for the same partition number)")
         self.root = self.folder / "again"
         self.root.mkdir()
         self.assertEqual(self.states(self.settings("", fill_bytes="100"))[1], fill)
 
     def test_refuses_malformed_settings(self):
-        self.stated(r"(Names must not be empty or hold \"=\"; neither names nor values hold contr)")
+        self.stated(r"(Names must not be empty or contain \"=\"; neither names nor values may "
+                    r"contain control characters)")
         for setting in ('"" = "x"', '"a=b" = "x"', 'a = "\\n"', '"a\\t" = "x"', "a = 1.5"):
             self.assertIsNotNone(self.start(self.settings(setting)), setting)
 
     def test_uses_the_root_s_state_after_the_first_start(self):
-        self.stated(r"(after that, the root's own state counts)")
+        self.stated(r"(After that, the back-end uses the state stored in the root)")
         self.assertEqual(self.states(self.settings("a = 1"))[1], b"a=1\n")
         self.assertEqual(self.states(self.settings("a = 2"))[1], b"a=1\n")
 

@@ -18,7 +18,7 @@ from support.source import constant
 
 HEADER = "platform/host/storage/ConfigurationFile.h"
 EFICONF = BUILD / "board/inspector/eficonf"
-FILE_EXAMPLE, STATE_EXAMPLE = "## Example", "Partition 0 holds"
+FILE_EXAMPLE, STATE_EXAMPLE = "## Example", "Partition 0 has the payload"
 
 
 def seal(data):
@@ -100,8 +100,9 @@ class ConfigurationFile(DocumentTest):
             self.assertEqual(self.is_usable(seal(head + bytes(payload + 4))), usable)
 
     def test_damaged_files_are_rejected(self):
-        self.stated(r"(Any other magic or revision, a length that does not add up to the file's "
-                    r"own, a byte too few, a byte too many, or a wrong CRC: not a configuration f)")
+        self.stated(r"(not a configuration file if the magic or the revision is different, if the "
+                    r"lengths do not add up to the length of the file, if there is a byte too few or too "
+                    r"many, or if the CRC is wrong)")
         for position in range(len(self.example)):
             damaged = bytearray(self.example)
             damaged[position] ^= 1
@@ -126,7 +127,7 @@ class ConfigurationFile(DocumentTest):
         self.assertEqual("%X" % (value ^ 0xFFFFFFFF), checksum)
 
     def test_save_time_has_the_stated_range(self):
-        year = self.stated(r"save time is an unsigned number and lasts until (\d+)")
+        year = self.stated(r"save time is unsigned and lasts until (\d+)")
         self.assertEqual(time.gmtime(0xFFFFFFFF).tm_year, year)
         data = self.example[:12] + b"\xff" * 4 + self.example[16:]
         self.assertIn(str(year), json.dumps(self.show(seal(data))[1]))
@@ -143,14 +144,15 @@ class ConfigurationFile(DocumentTest):
             self.assertEqual(fields["number"], 3)
             self.assertEqual(fields["version"], b"1.23 B")
             self.assertLessEqual(before, fields["save time"])
-            path = self.stated(r"payloads are in one file, `([^`]+)` under the board's root")
+            path = self.stated(r"payloads of all partitions are in one file, `([^`]+)` under the board's root")
             states = board.path(path)
             self.assertEqual(read_states(states.read_bytes())[3], fields["payload"])
             self.check_replacement(board, client, states)
 
     def check_replacement(self, board, client, states):
         """Checks that a restore replaces the whole state file and leaves no temporary file."""
-        self.stated(r"(replaced as a whole: written aside, synced, renamed, the folder synced)")
+        self.stated(r"(replaced atomically: the new contents are written to a temporary file and "
+                    r"synced, the file is renamed, and the folder is synced)")
         before = states.stat().st_ino
         backup = board.path("/var/tmp/efi_backup" + client.identifier)
         backup.rename(board.path("/var/tmp/restored_eficonf" + client.identifier))
@@ -172,7 +174,7 @@ class ConfigurationFile(DocumentTest):
         fields = [row[1] for row in self.table("size", "field")]
         self.assertEqual(fields[0].replace(" and 0x1A", "\x1a"), 'magic: "EFISTOR"\x1a')
         self.assertTrue(fields[1].endswith(": 1"))
-        partitions = self.stated(r"Partition (\d) holds \"(\w)\", partition (\d) holds nothing")
+        partitions = self.stated(r"Partition (\d) has the payload \"(\w)\", that of partition (\d) is empty")
         self.assertEqual(read_states(self.document.bytes_after(STATE_EXAMPLE)),
                          {partitions[0]: partitions[1].encode(), partitions[2]: b""})
 
@@ -196,7 +198,7 @@ class ConfigurationFile(DocumentTest):
         return read_states(path.read_bytes()) if ready else None
 
     def test_keeps_and_completes_states_as_stated(self):
-        self.stated(r"(Entries of partitions that the board description no longer names are kept)")
+        self.stated(r"(Entries of partitions that are not in the board description are kept)")
         self.stated(r"(A partition without an entry gets the initial configuration)")
         body = b"EFISTOR\x1a" + struct.pack(">IIII", 1, 1, 0, 1) + b"A"
         with tempfile.TemporaryDirectory() as root:
@@ -204,7 +206,7 @@ class ConfigurationFile(DocumentTest):
             self.assertEqual(states, {0: b"A", 1: b"a=1\n", 2: b"a=2\n"})
 
     def test_never_overwrites_a_damaged_state_file(self):
-        self.stated(r"(A damaged file keeps the back-end from starting, and is never overwritten)")
+        self.stated(r"(If the file is damaged, the back-end does not start and does not overwrite)")
         with tempfile.TemporaryDirectory() as root:
             path = Path(root) / "var/lib/board/configurations"
             self.assertIsNone(self.start(root, b"damaged"))

@@ -7,7 +7,7 @@ import subprocess
 import unittest
 
 from support.board import SCREEN, BoardDocumentTest, Client
-from support.document import PROJECT, codes_in
+from support.document import PROJECT
 from support.source import read
 
 

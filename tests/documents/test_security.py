@@ -66,10 +66,10 @@ class Security(BoardDocumentTest):
                             else name + ".h")) for folder in ("platform/host", "board")))
 
     def test_cookie_is_as_stated(self):
-        bits = self.stated(r"the cookie holds (\d+) random bits that are compared in")
+        bits = self.stated(r"the cookie contains (\d+) random bits, which are compared in")
         identifier, token = self.client.value.split("-")
         self.assertEqual(4 * len(token), bits)
-        self.stated(r"(it is only the first part of the cookie, and no login)")
+        self.stated(r"(it is only the first part of the cookie and does not log anybody in)")
         stranger = Client(self.board)
         for value in (identifier, identifier + "-", identifier + "-" + "0" * len(token)):
             stranger.cookie = "session=" + value
@@ -81,7 +81,7 @@ class Security(BoardDocumentTest):
 
     def test_sessions_end_as_stated(self):
         idle, life = self.stated(r"ends at logout, after (\d+) idle minutes and after (\d+) hours, "
-                                 r"with its files")
+                                 r"and its files are removed")
         self.assertEqual(60 * idle, constant(SESSION, "SESSION_IDLE_SECONDS"))
         self.assertEqual(3600 * life, constant(SESSION, "SESSION_LIFE_SECONDS"))
         client = Client(self.board, "admin")
@@ -95,7 +95,7 @@ class Security(BoardDocumentTest):
         self.assertEqual(client.get(SCREEN + "?functionID=105").status, 403)
 
     def test_limits_match_the_sources(self):
-        self.assertEqual(self.stated(r"a user has at most (\d+) sessions, the oldest ends"),
+        self.assertEqual(self.stated(r"a user has at most (\d+) sessions, and a further login ends the oldest"),
                          constant(SESSION, "SESSIONS_OF_A_USER"))
         form, own = self.stated(r"a form has at most (\d+) KiB, one of the login or the menu (\d+) KiB; a f")
         self.assertEqual(1024 * form, constant("platform/host/web/FormLimits.h", "BODY_LENGTH"))
@@ -108,7 +108,7 @@ class Security(BoardDocumentTest):
         self.assertEqual(status, 408)
 
     def test_session_file_contains_only_a_hash_of_the_token(self):
-        self.stated(r"of which the session's file has the (SHA-256) only")
+        self.stated(r"the session's file has only their (SHA-256);")
         identifier, token = self.client.value.split("-")
         text = self.board.path("/var/lib/session/" + identifier).read_text()
         self.assertNotIn(token, text)
@@ -139,14 +139,14 @@ class Security(BoardDocumentTest):
 
     def test_back_end_checks_changes_itself(self):
         no_session, no_right = self.stated(
-            r"the back-end reads the session's file and its user's rights itself \((\d+), (\d+)\)")
+            r"the back-end itself checks the session's file and the user's rights \((\d+), (\d+)\)")
         viewer = Client(self.board, "viewer")
         for session, code in (("0" * 16, no_session), (viewer.identifier, no_right)):
             for number in (0x020100A3, 0x020100A4):
                 self.assertEqual(self.board.ask(2, number, session.encode(), bytes(4))[0], code)
 
     def test_login_creates_a_new_session(self):
-        self.stated(r"(made anew at login, never taken from outside)")
+        self.stated(r"(a login always creates a new session and never accepts an identifier from outside)")
         client = Client(self.board)
         client.cookie = "session=" + "0" * 16 + "-" + "0" * 32
         answer = client.post("/login.cgi", {"user": "admin", "password": "admin"})
@@ -154,33 +154,33 @@ class Security(BoardDocumentTest):
 
     def test_slows_guessing_down_as_stated(self):
         first, later, wait = self.stated(
-            r"of the guesses at one account, (\d+) are looked at in the first minute and (\d+) in "
-            r"each after that, .* others wait up to (\d+) s for their turn")
+            r"of the guesses at one account, (\d+) are checked in the first minute and (\d+) in "
+            r"each later minute, .* other attempts wait up to (\d+) s for their turn")
         free = constant(QUEUE, "ACCOUNT_ATTEMPTS")
         in_a_minute = 60000 // constant(QUEUE, "ACCOUNT_INTERVAL")
         self.assertEqual((first, later), (free + in_a_minute, in_a_minute))
         self.assertEqual(wait, constant(QUEUE, "LONGEST_WAIT"))
         own, own_later = self.stated(
-            r"a browser that has logged in before has (\d+), and (\d+) in a minute, of its own")
+            r"a browser that has logged in before has its own allowance of (\d+), then (\d+) per minute")
         self.assertEqual(own, constant(QUEUE, "DEVICE_ATTEMPTS"))
         self.assertEqual(own_later, 60000 // constant(QUEUE, "DEVICE_INTERVAL"))
         others = self.stated(r"waiting logins leave (\d+) connections to others")
         self.assertEqual(others, constant("board/backend/ConnectionLimits.h", "connections")
                          - constant(QUEUE, "MOST_WAITING"))
-        turn, delay = self.stated(r"when its turn comes, every (\d+\.\d) s: .* other accounts, but "
-                                  r"for (\d+) s")
+        turn, delay = self.stated(r"When a turn comes, every (\d+\.\d) s, newer attempts are checked "
+                                  r"first, .* other accounts, except for (\d+) s")
         self.assertEqual(float(turn) * 1000, constant(QUEUE, "ADDRESS_INTERVAL"))
         self.assertEqual(delay, constant(QUEUE, "FAILURE_DELAY"))
 
     def test_accepts_a_login_only_in_the_body(self):
-        self.stated(r"(only taken from the body of a POST without a query string)")
+        self.stated(r"(accepted only from the body of a POST without a query string)")
         stranger = Client(self.board)
         for fields in ({}, {"user": "admin", "password": "admin"}):
             answer = stranger.post("/login.cgi?user=admin&password=admin", fields)
             self.assertEqual((answer.status, answer.headers["Set-Cookie"]), (400, None))
 
     def test_user_without_permission_gets_the_stated_status(self):
-        status = self.stated(r"the channel refuses to send changes and the answer is (\d+)")
+        status = self.stated(r"the channel refuses to send changes, the response is (\d+)")
         viewer = Client(self.board, "viewer")
         for function in ("105", "106"):
             self.assertEqual(viewer.get(SCREEN + "?functionID=" + function).status, status)
@@ -193,7 +193,7 @@ class Security(BoardDocumentTest):
                                               "radio_button": "3"}).status, status)
 
     def test_refuses_requests_from_other_sites(self):
-        self.stated(r"(Origin, with scheme and port, and Sec-Fetch-Site are checked on every POST)")
+        self.stated(r"(Origin \(with scheme and port\) and Sec-Fetch-Site are checked on every POST)")
         own = "http://127.0.0.1:%d" % self.board.port
         for header in ({"Origin": "http://other"}, {"Sec-Fetch-Site": "cross-site"},
                        {"Origin": own.replace("http", "https")}, {"Origin": own + "1"}):
@@ -205,7 +205,8 @@ class Security(BoardDocumentTest):
         self.assertIn("frame-ancestors 'none'", policy)
 
     def test_only_the_pages_own_scripts_run(self):
-        self.stated(r"lets only the page's own scripts run, told by a random (nonce), and no attr")
+        self.stated(r"allows only the page's own scripts, marked by a random (nonce), and no script in "
+                    r"attributes")
         nonces = set()
         for _ in range(2):
             answer = self.client.get(SCREEN + "?functionID=105")
@@ -238,8 +239,8 @@ class Security(BoardDocumentTest):
         yield client.upload(b"x" * 500000)
 
     def test_responses_forbid_caching_and_sniffing(self):
-        self.stated(r"(nosniff and no version in the Server header on every answer, also to what is "
-                    r"no request; no-store on)")
+        self.stated(r"(nosniff and no version in the Server header on every response, even to "
+                    r"malformed requests; no-store on)")
         answers = list(self.answers())
         for answer in answers:
             self.assertEqual(answer.headers["Cache-Control"], "no-store", answer.text)
@@ -267,7 +268,7 @@ class Security(BoardDocumentTest):
                          "Content-Security-Policy"):
                 self.assertIn(name, names)
             self.assertRegex(head, r"Server: [^\d/]+(\r|$)")
-            self.stated(r"(hold no text of the request in their answer)")
+            self.stated(r"(are answered without any text of the request)")
             self.assertNotIn("SECRET", body)
 
     def test_refuses_paths_outside_the_root(self):
@@ -307,19 +308,19 @@ class Security(BoardDocumentTest):
         properties = self.board.path("/var/run/board_properties").read_text()
         self.assertEqual(re.findall("^host=(.*)", properties, re.MULTILINE),
                          [names[0], names[1], names[2]])
-        status = self.stated(r"only the board's own names are answered, everything else gets (\d+)")
+        status = self.stated(r"only requests to the board's own names are answered, all others get (\d+)")
         answer = self.client.request("GET", "/default.css", None, {"Host": "evil.example"})
         self.assertEqual(answer.status, status)
         seconds, most = self.stated(
-            r"one that is not whole after (\d+) s is ended; at most (\d+) connections")
+            r"a request that is incomplete after (\d+) s is ended; at most (\d+) connections")
         arrival = re.search(r"LONGEST_ARRIVAL\((\d+)\)", read("board/web/watch_requests.cpp"))[1]
         self.assertEqual(seconds, int(arrival) + 2)  # the interval of two polls
         configuration = read("board/web/lighttpd.conf")
         self.assertIn("server.max-connections = %d\n" % most, configuration)
-        pause, longest = self.stated(r"only when it lasts (\d+) s, so that it may take (\d+) s")
+        pause, longest = self.stated(r"ended only after a pause of (\d+) s, so it may take (\d+) s")
         self.assertIn("server.max-read-idle = %d\n" % pause, configuration)
         self.assertEqual(longest, seconds + pause)
-        days, rest = self.stated(r"for (\d+) days, and made anew (\d+) days before it ends")
+        days, rest = self.stated(r"is valid for (\d+) days .* replaced (\d+) days before it expires")
         self.assertIn("CERTIFICATE_DAYS=%d\nRENEWAL_DAYS=%d\n" % (days, rest), read("serve"))
         option = self.stated(r"`\./serve (--tls)` serves https there")
         self.assertIn("  %s " % option, read("serve"))

@@ -45,7 +45,7 @@ class CollectionDocument(DocumentTest):
 
     def test_lists_modules(self):
         named, others = self.stated(r"`ansible-doc vesk\.efictl\.(\w+)` describes the module of "
-                                    r"the role, and so for (.*?)\. Passwords")
+                                    r"that name; the others are (.*?)\. Passwords")
         found = (COLLECTION / "plugins/modules").glob("*.py")
         self.assertEqual(sorted([named, *codes_in(others)]), sorted(path.stem for path in found))
 
@@ -168,7 +168,7 @@ class FleetDocument(DocumentTest):
 
     def test_timer_backs_up_one_board(self):
         self.system()
-        lines = self.lines_after("`efictl-backup@.timer` saves one board a night")
+        lines = self.lines_after("`efictl-backup@.timer` saves one board every night")
         self.shell("cp fleet/systemd/* etc/systemd/system/")
         for line in lines:
             self.shell(self.places(line), {"input": "admin\n"} if "password" in line
