@@ -87,7 +87,7 @@ class Readme(BoardDocumentTest):
         self.board.wait_for_backend()
 
     def test_build_has_the_stated_variable(self):
-        variable = self.stated(r"build with `cmake -D(\w+)=DIR`")
+        variable = self.stated(r"`-D(\w+)=DIR` builds the program")
         self.assertIn(variable, read("cmake/platform.cmake"))
 
     def test_packages_contain_the_stated_files(self):

@@ -22,7 +22,7 @@ std::vector<std::string> recordedCalls(const std::vector<std::string>& beginning
 void forgetCalls();
 
 // Makes every call with a line that starts with `beginning` throw `exception`, of any type, after
-// recording the line. Null undoes that. Must not be used for deletions.
+// recording the line. Null ends this. Must not be used for deletions.
 void throwAt(const std::string& beginning, const std::exception_ptr& exception);
 
 // Discards lines, objects and exceptions.

@@ -21,7 +21,7 @@ enum BackendError : unsigned int {
     BACKEND_LOGIN_TOO_SOON = 1610,        // not checked: too many attempts are waiting
     BACKEND_NOT_ALLOWED = 1611,           // the session's user may not use the function
     BACKEND_NOT_RECORDED = 1612,          // the audit log cannot be written; nothing was changed
-    BACKEND_OUTCOME_NOT_RECORDED = 1613,  // changed, but the audit log has no line about it
+    BACKEND_OUTCOME_NOT_RECORDED = 1613,  // begun, but the audit log has no line about the outcome
     BACKEND_FAULTS_NOT_ALLOWED = 1614,    // CONTROL needs the option --allow-faults
     BACKEND_OTHER_FILE = 1615,            // the staged file is not the one that the page showed
     BACKEND_ABANDONED = 1616,             // the client was gone; nothing was changed

@@ -12,7 +12,7 @@ from support.board import BOUNDARY, SCREEN, Answer, upload_body
 FORM = "application/x-www-form-urlencoded"
 PARTS = "multipart/form-data; boundary=" + BOUNDARY
 SESSION_COOKIES = ("session", "__Host-session")
-REJECTED, TOO_SOON, LOGGED_IN = 403, 429, 303
+REJECTED, TOO_SOON, UNANSWERED, LOGGED_IN = 403, 429, 503, 303
 
 
 class Browser:
