@@ -5,7 +5,8 @@ from pathlib import Path
 
 SOURCES = Path(__file__).resolve().parents[1] / "programs"
 
-# The command that compiles each program. "OUT" stands for its path, "PAGE" for the folder of page.h.
+# The command that compiles each program. "OUT" is replaced by the path of the result, "PAGE" by the
+# folder of page.h.
 EMPTY = {
     "empty C, static": ["gcc", "-O2", "-static", "empty.c", "-o", "OUT"],
     "empty C++, static": ["g++", "-O2", "-static", "empty.cpp", "-o", "OUT"],

@@ -25,7 +25,8 @@ public:
     ConnectionPool(const ConnectionPool&) = delete;
     ConnectionPool& operator=(const ConnectionPool&) = delete;
 
-    // Accepts no more clients, answers current requests, and closes all connections.
+    // Stops accepting clients, waits until the current requests are answered, and closes all
+    // connections.
     ~ConnectionPool();
 
     // Provides workers for the clients until `stopDescriptor` becomes readable; sleeps when there

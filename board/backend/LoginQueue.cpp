@@ -149,8 +149,8 @@ void LoginQueue::refuseOldest(const std::string& group) {
     }
 }
 
-// Returns the largest group; of several, the one that has waited longest. Known browsers, which
-// have few attempts anyway, make room only if nobody else is waiting.
+// Returns the largest group; of several, the one that has waited longest. A known browser's group
+// makes room only if every waiting attempt is from a known browser: those are few.
 std::string LoginQueue::largestGroup() const {
     std::string largest;
     std::size_t most = 0;

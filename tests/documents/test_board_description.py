@@ -162,7 +162,7 @@ class BoardDescription(DocumentTest):
             self.assertIn(advice, error)
 
     def test_file_and_folders_are_private_as_stated(self):
-        advice = self.stated(r"nobody else may read or write it: `(chmod 600) FILE`")
+        advice = self.stated(r"other users must have no access to it: `(chmod 600) FILE`")
         board = self.folder / "board.toml"
         for mode in (0o640, 0o620, 0o604, 0o602):
             board.touch()

@@ -31,8 +31,8 @@ public:
 
     // Appends the line of an event that anybody can cause as often as they like. After ten events
     // of one origin in a minute, further ones are only counted, and reported in one line when the
-    // minute is over; so nobody can have other lines rotated away. The minute becomes two, four and
-    // so on, up to a day, as long as each period sees ten events.
+    // minute is over, so that repeating an event does not rotate other lines out of the log. The
+    // minute becomes two, four and so on, up to a day, as long as each period sees ten events.
     void appendLimited(const AuditEvent& event);
 
 private:
