@@ -22,8 +22,8 @@ sys.path.insert(0, str(TESTS / "faults"))
 sys.dont_write_bytecode = True
 
 from support.board import Installation  # noqa: E402
-from support.program import runProgram  # noqa: E402
-from support.requestTypes import REQUEST_TYPES  # noqa: E402
+from support.program import run_program  # noqa: E402
+from support.request_types import REQUEST_TYPES  # noqa: E402
 from support.scene import Scene  # noqa: E402
 
 COSTS = Path(__file__).with_name("costs.json")
@@ -75,9 +75,9 @@ class Counter:
         with tempfile.TemporaryFile() as body:
             body.write(request.get("body", b""))
             body.seek(0)
-            run = runProgram(self.scene.board, request, prefix=prefix, more=ENVIRONMENT, body=body)
-        if run.exitStatus != 0 or not run.output.startswith(b"Status: 200"):
-            raise AssertionError(f"{kind}: {run.exitStatus} {run.output!r} {run.errors!r}")
+            run = run_program(self.scene.board, request, prefix=prefix, more=ENVIRONMENT, body=body)
+        if run.exit_status != 0 or not run.output.startswith(b"Status: 200"):
+            raise AssertionError(f"{kind}: {run.exit_status} {run.output!r} {run.errors!r}")
         return run.output
 
     def page(self):

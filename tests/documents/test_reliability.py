@@ -65,7 +65,7 @@ class Reliability(DocumentTest):
             # Splits "unusable, too large and broken upload".
             names += part.split(" and ")
         names = [each + " upload" if each in ("unusable", "too large") else each for each in names]
-        types = re.findall(r'^    name = "(.+)"', read("tests/faults/support/requestTypes.py"),
+        types = re.findall(r'^    name = "(.+)"', read("tests/faults/support/request_types.py"),
                            re.MULTILINE)
         self.assertEqual(sorted(names), sorted(types))
 

@@ -28,7 +28,7 @@ ADMIN_HASH = re.search(r'password_hash = "([^"]+)"',
                        (PROJECT / "board/demo/demo.toml").read_text(encoding="utf-8"))[1]
 
 _programs = load(TESTS / "faults/support/program.py")
-_files = load(TESTS / "faults/support/configurationFile.py")
+_files = load(TESTS / "faults/support/configuration_file.py")
 
 
 class Board(documents.Board):
@@ -68,7 +68,7 @@ class Board(documents.Board):
         at the deadline (seconds)."""
         request = {"program": program, "method": method, "query": query, "body": body,
                    "type": kind}
-        run = _programs.runProgram(self, request, more=self._environment(cookie, environment),
+        run = _programs.run_program(self, request, more=self._environment(cookie, environment),
                                    deadline=deadline)
         match = re.match(rb"Status: (\d+)", run.output)
         run.answered = int(match[1]) if match else None
@@ -77,7 +77,7 @@ class Board(documents.Board):
     def run_and_kill(self, seconds, program, body, cookie):
         """Starts a program directly with a POST request, and kills it after `seconds`."""
         request = {"program": program, "method": "POST", "body": body}
-        environment = _programs.environmentFor(str(self.root), request)
+        environment = _programs.environment_for(str(self.root), request)
         environment.update(self._environment(cookie, {}))
         with subprocess.Popen([self.programs / program], env=environment, stdin=subprocess.PIPE,
                               stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL) as process:
@@ -165,7 +165,7 @@ def configuration_file(partition=3, version="1.23 B", name="Attack", payload=b"a
 
 
 def read_configuration_file(data):
-    return _files.decodeConfigurationFile(data)
+    return _files.decode_configuration_file(data)
 
 
 def install(folder, *options):

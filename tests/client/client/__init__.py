@@ -31,7 +31,7 @@ def _load(path):
     return module
 
 
-_files = _load(TESTS / "faults/support/configurationFile.py")
+_files = _load(TESTS / "faults/support/configuration_file.py")
 
 
 def configuration_file(partition=3, version="1.23 B", name="Test", payload=b"Boot=1\n"):

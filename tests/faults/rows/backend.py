@@ -1,12 +1,12 @@
 """Faults of a back-end that is dead, silent or slow, or sends truncated or invalid replies."""
 
-from support.board import sampleFile
-from support.caseRuns import runCases
-from support.fakeBackend import Player, Recorder, SocketSwitch, isBackupRequest
+from support.board import sample_file
+from support.case_runs import run_cases
+from support.fake_backend import Player, Recorder, SocketSwitch, is_backup_request
 from support.judge import Fault
-from support.program import runProgram
-from support.requestTypes import BACKEND_REQUESTS, REQUEST_TYPES
-from support.scene import backupFile
+from support.program import run_program
+from support.request_types import BACKEND_REQUESTS, REQUEST_TYPES
+from support.scene import backup_file
 from support.worker import RequestWorker
 
 HELP = "a dead, silent or slow back-end; replies cut at each byte, wrong bytes and wrong lengths"
@@ -37,11 +37,11 @@ class Worker(RequestWorker):
         if name not in self.recorded:
             request = REQUEST_TYPES[name]().prepare(self.scene)
             recorder = Recorder(self.switch)
-            self.switch.toFake()
+            self.switch.to_fake()
             recorder.start()
-            runProgram(self.board, request)
+            run_program(self.board, request)
             recorder.end()
-            self.switch.toReal()
+            self.switch.to_real()
             self.recorded[name] = recorder.exchanges
             self.judge.settle()
         return self.recorded[name]
@@ -49,38 +49,38 @@ class Worker(RequestWorker):
     def run(self, case):
         exchanges = self.record(case["request"])
         kind, request, before = self.begin(case)
-        run = self.runDead(request) if case["how"] == "dead" else self.runAltered(
+        run = self.run_dead(request) if case["how"] == "dead" else self.run_altered(
             case, kind, request, exchanges)
         self.forgive(case, kind, exchanges)
         problems = self.judge.judge(kind, before, run, Fault())
         problems += self.judge.settle()
         return self.outcome(problems, run)
 
-    def runDead(self, request):
-        self.switch.toNothing()
+    def run_dead(self, request):
+        self.switch.to_nothing()
         try:
-            return runProgram(self.board, request)
+            return run_program(self.board, request)
         finally:
-            self.switch.fromNothing()
+            self.switch.from_nothing()
 
-    def runAltered(self, case, kind, request, exchanges):
-        path = backupFile(self.scene.operator)
+    def run_altered(self, case, kind, request, exchanges):
+        path = backup_file(self.scene.operator)
 
-        def onRequest(frame):
-            if isBackupRequest(frame):
-                self.board.write(sampleFile("played back", 5000), path)
+        def on_request(frame):
+            if is_backup_request(frame):
+                self.board.write(sample_file("played back", 5000), path)
 
         if kind.name == "backup":
-            kind.allowed[path].append(sampleFile("played back", 5000))
+            kind.allowed[path].append(sample_file("played back", 5000))
         player = Player(self.switch, exchanges, case["reply"],
-                        (case["how"], case.get("at"), case.get("value")), onRequest)
-        self.switch.toFake()
+                        (case["how"], case.get("at"), case.get("value")), on_request)
+        self.switch.to_fake()
         player.start()
         try:
-            return runProgram(self.board, request)
+            return run_program(self.board, request)
         finally:
             player.end()
-            self.switch.toReal()
+            self.switch.to_real()
 
     @staticmethod
     def forgive(case, kind, exchanges):
@@ -88,17 +88,17 @@ class Worker(RequestWorker):
         trust a whole answer, and a page shows an altered table as it is."""
         if case["how"] == "dead" or kind.name in ("upload", "login"):
             return
-        isSet = exchanges[case["reply"]][0][4] == 2
-        believable = case["how"] in HARMLESS or not isSet
+        is_set = exchanges[case["reply"]][0][4] == 2
+        believable = case["how"] in HARMLESS or not is_set
         kind.happened = lambda scene, response, after: believable
-        kind.tellsDone = lambda response, scene, after: False
+        kind.tells_done = lambda response, scene, after: False
 
     def close(self):
         self.switch.close()
         super().close()
 
 
-def makeCases(recorded):
+def make_cases(recorded):
     cases = [{"request": request, "how": "dead"} for request in BACKEND_REQUESTS]
     for request, exchanges in recorded.items():
         for number, (_, reply) in enumerate(exchanges):
@@ -118,7 +118,7 @@ def makeCases(recorded):
     return cases
 
 
-def makeLongCases(recorded):
+def make_long_cases(recorded):
     cases = []
     for request, exchanges in recorded.items():
         for number in range(len(exchanges)):
@@ -128,7 +128,7 @@ def makeLongCases(recorded):
     return cases
 
 
-def recordAll(installation):
+def record_all(installation):
     worker = Worker(installation)
     try:
         return {name: worker.record(name) for name in BACKEND_REQUESTS}
@@ -136,19 +136,19 @@ def recordAll(installation):
         worker.close()
 
 
-def makeWorker(installation, case):
+def make_worker(installation, case):
     return Worker(installation)
 
 
 def run(context):
     installation = context.installation
-    recorded = recordAll(installation)
-    cases = context.sample(makeCases(recorded), SHORT_RUNS)
-    result = runCases(context, "backend", cases, lambda: Worker(installation))
-    waiting = makeLongCases(recorded)
+    recorded = record_all(installation)
+    cases = context.sample(make_cases(recorded), SHORT_RUNS)
+    result = run_cases(context, "backend", cases, lambda: Worker(installation))
+    waiting = make_long_cases(recorded)
     waiting = waiting if context.long else waiting[:2]
-    other = runCases(context, "backend", waiting, lambda: Worker(installation),
-                     workers=WAITING_WORKERS)
+    other = run_cases(context, "backend", waiting, lambda: Worker(installation),
+                      workers=WAITING_WORKERS)
     result.figures["of them until the deadline"] = other.runs
     result.runs += other.runs
     result.violations += other.violations

@@ -3,12 +3,12 @@ descriptors."""
 
 import resource
 
-from support.caseRuns import Result, runCases
+from support.case_runs import Result, run_cases
 from support.judge import Fault
-from support.program import runProgram
-from support.requestTypes import BACKEND_REQUESTS, REQUEST_TYPES
-from support.response import parseResponse
-from support.smallDisk import PAGE, SmallDisk, whyImpossible
+from support.program import run_program
+from support.request_types import BACKEND_REQUESTS, REQUEST_TYPES
+from support.response import parse_response
+from support.small_disk import PAGE, SmallDisk, why_impossible
 from support.worker import RequestWorker
 
 HELP = "a disk full after every 4 KiB, without inodes; limits of file size and descriptors"
@@ -29,45 +29,45 @@ LOADER_FAILED = 127
 class Worker(RequestWorker):
     """Runs a request with little disk space or a low limit of the program or the back-end."""
 
-    def __init__(self, installation, onSmallDisk):
-        self.disk = SmallDisk() if onSmallDisk else None
-        super().__init__(installation, self.disk.folder if onSmallDisk else None)
+    def __init__(self, installation, on_small_disk):
+        self.disk = SmallDisk() if on_small_disk else None
+        super().__init__(installation, self.disk.folder if on_small_disk else None)
 
     def run(self, case):
         kind, request, before = self.begin(case)
-        run = self.runShort(case, request)
-        fault = Fault(unbegun=run.exitStatus == LOADER_FAILED, mustReport=kind.writes)
+        run = self.run_short(case, request)
+        fault = Fault(unbegun=run.exit_status == LOADER_FAILED, must_report=kind.writes)
         problems = self.judge.judge(kind, before, run, fault)
         if self.disk:
             self.disk.empty()
         problems += self.judge.settle()
         return self.outcome(problems, run, tally=self.tally(kind, run),
-                            backendErrors=self.board.errors()[-2000:])
+                            backend_errors=self.board.errors()[-2000:])
 
     def tally(self, kind, run):
         """Returns the effect of the shortage, for the figures."""
         if not run.output:
             return "no answer"
-        done = kind.claimsSuccess(parseResponse(run.output), self.scene)
+        done = kind.claims_success(parse_response(run.output), self.scene)
         return "carried out" if done else "not carried out"
 
-    def runShort(self, case, request):
+    def run_short(self, case, request):
         board = self.board
         amount = case["amount"]
         if case["short"] == "pages":
-            self.disk.leavePages(amount)
+            self.disk.leave_pages(amount)
         elif case["short"] == "inodes":
-            self.disk.leaveInodes(amount)
-        number, value = limitOf(case)
+            self.disk.leave_inodes(amount)
+        number, value = limit_of(case)
         if number is None:
-            return runProgram(board, request)
+            return run_program(board, request)
         if not case["backend"]:
-            return runProgram(board, request, limits={number: value})
-        pid = board.backendProcess()
+            return run_program(board, request, limits={number: value})
+        pid = board.backend_process()
         usual = resource.prlimit(pid, number, (value, resource.prlimit(pid, number)[1]))
         try:
-            run = runProgram(board, request)
-            board.waitUntilQuiet()
+            run = run_program(board, request)
+            board.wait_until_quiet()
         finally:
             resource.prlimit(pid, number, usual)
         return run
@@ -78,7 +78,7 @@ class Worker(RequestWorker):
             self.disk.remove()
 
 
-def limitOf(case):
+def limit_of(case):
     if case["short"] == "file size":
         return resource.RLIMIT_FSIZE, case["amount"] * PAGE
     if case["short"] == "descriptors":
@@ -86,7 +86,7 @@ def limitOf(case):
     return None, None
 
 
-def diskCases():
+def disk_cases():
     cases = []
     for request in REQUEST_TYPES:
         for amount in range(REACH.get(request, OTHER_REACH) + 1):
@@ -97,7 +97,7 @@ def diskCases():
     return cases
 
 
-def limitCases():
+def limit_cases():
     cases = []
     for request in REQUEST_TYPES:
         for backend in (False, True):
@@ -117,22 +117,22 @@ def tallies(name, result):
             for tally in ("carried out", "not carried out", "no answer") if tally in result.figures}
 
 
-def makeWorker(installation, case):
+def make_worker(installation, case):
     return Worker(installation, case["short"] in ("pages", "inodes"))
 
 
 def run(context):
     installation = context.installation
-    limits = runCases(context, "disk", context.sample(limitCases(), SHORT_LIMIT_RUNS),
-                      lambda: Worker(installation, False))
+    limits = run_cases(context, "disk", context.sample(limit_cases(), SHORT_LIMIT_RUNS),
+                       lambda: Worker(installation, False))
     figures = {"limits": limits.runs, "tried": limits.figures["tried"], **tallies("limits", limits)}
-    reason = whyImpossible()
+    reason = why_impossible()
     if reason is not None:
         # Makes clear that half of the row was not run.
         figures["full disk and inodes"] = f"NOT RUN, {reason}"
         return Result(limits.runs, limits.violations, figures)
-    disk = runCases(context, "disk", context.sample(diskCases(), SHORT_DISK_RUNS),
-                    lambda: Worker(installation, True))
+    disk = run_cases(context, "disk", context.sample(disk_cases(), SHORT_DISK_RUNS),
+                     lambda: Worker(installation, True))
     figures["tried"] += disk.figures["tried"]
     figures.update({"full disk and inodes": disk.runs, **tallies("disk", disk)})
     return Result(limits.runs + disk.runs, limits.violations + disk.violations, figures)

@@ -7,8 +7,8 @@ import ssl
 import threading
 import time
 
-from support.caseRuns import Outcome, Result, keep
-from support.webBoard import COOKIE, TLS, Browser, WebBoard
+from support.case_runs import Outcome, Result, keep
+from support.web_board import COOKIE, TLS, Browser, WebBoard
 
 HELP = "200 slow clients at once; another user still gets a page in under a second"
 
@@ -28,7 +28,7 @@ SHORT_PAGE_SECONDS = 30.0
 SCREEN = "/maintenance/efi_backup_restore.cgi"
 
 
-def slowText(kind, cookie):
+def slow_text(kind, cookie):
     """Returns the bytes that a slow client sends at once, and those it then sends one at a time."""
     head = f"Host: 127.0.0.1\r\nCookie: {COOKIE}={cookie}\r\n"
     if kind == "slow head":
@@ -53,7 +53,7 @@ class SlowClients(threading.Thread):
         self.refused = 0
         self.clients = []
         for number in range(CLIENTS):
-            at_once, slowly = slowText(KINDS[number % len(KINDS)], cookie)
+            at_once, slowly = slow_text(KINDS[number % len(KINDS)], cookie)
             client = socket.socket()
             # A small buffer, so that the server has to wait for the reader.
             client.setsockopt(socket.SOL_SOCKET, socket.SO_RCVBUF, 4096)
@@ -91,7 +91,7 @@ class SlowClients(threading.Thread):
         return held
 
 
-def slowestPage(board, cookie, seconds):
+def slowest_page(board, cookie, seconds):
     """Requests pages as another user. Returns the longest time of a page, in seconds, and the
     number of pages."""
     longest, pages = 0.0, 0
@@ -119,12 +119,12 @@ def run(context):
     problems = []
     try:
         browser = Browser(board)
-        browser.logIn("admin")
-        alone, _ = slowestPage(board, browser.cookie, 2)
+        browser.log_in("admin")
+        alone, _ = slowest_page(board, browser.cookie, 2)
         clients = SlowClients(board, browser.cookie)
         clients.start()
         try:
-            among, pages = slowestPage(board, browser.cookie, seconds)
+            among, pages = slowest_page(board, browser.cookie, seconds)
         except (OSError, RuntimeError) as failure:
             problems.append(f"another user got no page: {failure}")
             among, pages = 0.0, 0

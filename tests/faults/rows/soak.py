@@ -7,11 +7,11 @@ import re
 import threading
 import time
 
-from support.board import sampleFile
-from support.caseRuns import Outcome, Result, keep
-from support.idleThreads import servesNobody
-from support.requestTypes import BOUNDARY, multipart
-from support.webBoard import Browser, WebBoard
+from support.board import sample_file
+from support.case_runs import Outcome, Result, keep
+from support.idle_threads import serves_nobody
+from support.request_types import BOUNDARY, multipart
+from support.web_board import Browser, WebBoard
 
 HELP = "200,000 requests in a row: no growth of files, memory, descriptors, zombies, logs"
 
@@ -39,9 +39,9 @@ class Client:
 
     def __init__(self, board):
         self.browser = Browser(board)
-        self.browser.logIn("admin")
+        self.browser.log_in("admin")
         self.small = multipart({"functionID": 106, "hidden_status": 1}, "conf.dat",
-                               sampleFile("soak", 5000))
+                               sample_file("soak", 5000))
         self.broken = multipart({"functionID": 106, "hidden_status": 1}, "conf.dat", b"no file")
         self.restore = multipart({"functionID": 106, "hidden_status": 2, "pid3": 3})
         self.download = ""
@@ -58,9 +58,9 @@ class Client:
         match = re.search(rb'id="download_link" href="([^"]*)"', body)
         self.download = html.unescape(match[1].decode()) if match else ""
 
-    def logInAnew(self):
+    def log_in_anew(self):
         self.expect(303, self.browser.ask("POST", "/logout.cgi", b""))
-        self.browser.logIn("admin")
+        self.browser.log_in("admin")
 
     def step(self, number):
         ask, expect = self.browser.ask, self.expect
@@ -87,7 +87,7 @@ class Client:
         elif turn == 9:
             expect(405, ask("PUT", SCREEN, b"x"))
         elif turn == 10 and number % 200 == 10:
-            self.logInAnew()
+            self.log_in_anew()
         elif turn < 14:
             expect(200, ask("GET", SCREEN + "?functionID=105"))
         elif turn < 17:
@@ -96,11 +96,11 @@ class Client:
             expect(200, ask("GET", "/"))
 
 
-def runClient(context, board, count, done, queue):
+def run_client(context, board, count, done, queue):
     client = Client(board)
     try:
         for number in range(count):
-            if context.isOver():
+            if context.is_over():
                 break
             client.step(number)
             done.value += 1
@@ -135,11 +135,11 @@ def zombies(parents):
 def measure(board):
     """Returns the values that could grow."""
     figures = {}
-    for name, pid in (("back-end", board.backend), ("web server", board.webServer)):
+    for name, pid in (("back-end", board.backend), ("web server", board.web_server)):
         figures[f"{name} memory"] = status(pid, "VmRSS")
         figures[f"{name} descriptors"] = len(os.listdir(f"/proc/{pid}/fd"))
         figures[f"{name} threads"] = status(pid, "Threads")
-    figures["zombies"] = zombies({board.backend, board.webServer, board.process.pid})
+    figures["zombies"] = zombies({board.backend, board.web_server, board.process.pid})
     # Without rotated logs, which appear at some point; their size is limited.
     figures["files"] = sum(FORMER_LOG.search(name) is None
                            for _, _, names in os.walk(board.path("var")) for name in names)
@@ -150,7 +150,7 @@ def measure(board):
     return figures
 
 
-def compare(early, late, memoryGrowth, requests):
+def compare(early, late, memory_growth, requests):
     """Reports values that grew more than allowed in this number of requests."""
     problems = []
     for name, value in late.items():
@@ -161,28 +161,28 @@ def compare(early, late, memoryGrowth, requests):
         elif name == "zombies":
             limit = 0
         else:
-            limit = early[name] + (memoryGrowth if name.endswith("memory") else 0)
+            limit = early[name] + (memory_growth if name.endswith("memory") else 0)
             limit += KEPT_BYTES * requests // 1024 if name == "web server memory" else 0
         if value > limit:
             problems.append(f"{name} grew from {early[name]} to {value}")
     return problems
 
 
-def atRest(board, seconds=20):
+def at_rest(board, seconds=20):
     """Waits until all programs and connections have ended, then measures."""
     end = time.monotonic() + seconds
-    while not servesNobody(board.backend) and time.monotonic() < end:
+    while not serves_nobody(board.backend) and time.monotonic() < end:
         time.sleep(0.05)
     time.sleep(0.2)
     return measure(board)
 
 
-def runHalf(context, board, count, samples):
+def run_half(context, board, count, samples):
     """Makes `count` requests by several clients and waits until they have ended."""
     jobs = context.jobs
     queue = multiprocessing.Queue()
     done = [multiprocessing.Value("L", 0) for _ in range(jobs)]
-    clients = [multiprocessing.Process(target=runClient,
+    clients = [multiprocessing.Process(target=run_client,
                                        args=(context, board, count // jobs, value, queue))
                for value in done]
     for client in clients:
@@ -209,12 +209,12 @@ def run(context):
     board = WebBoard(context.project, os.path.basename(context.installation.build))
     samples = []
     try:
-        context.beginPart(0.5)
-        before, problems = runHalf(context, board, count // 2, samples)
-        early = atRest(board)
-        context.beginPart(1)
-        after, more = runHalf(context, board, count - count // 2, samples)
-        late = atRest(board)
+        context.begin_part(0.5)
+        before, problems = run_half(context, board, count // 2, samples)
+        early = at_rest(board)
+        context.begin_part(1)
+        after, more = run_half(context, board, count - count // 2, samples)
+        late = at_rest(board)
     finally:
         board.remove()
     problems += more + compare(early, late, growth, after)

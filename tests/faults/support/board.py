@@ -9,9 +9,9 @@ import tempfile
 import threading
 import time
 
-from support.configurationFile import ConfigurationFile
-from support.idleThreads import servesNobody
-from support.program import runProgram
+from support.configuration_file import ConfigurationFile
+from support.idle_threads import serves_nobody
+from support.program import run_program
 
 START_SECONDS = 60
 KEPT_FOLDERS = ("var/tmp", "var/lib/session", "var/lib/board", "var/run", "var/log")
@@ -20,7 +20,7 @@ KEPT_FOLDERS = ("var/tmp", "var/lib/session", "var/lib/board", "var/run", "var/l
 OPERATOR, VIEWER = "admin", "viewer"
 
 
-def fastFolder():
+def fast_folder():
     """Returns the folder for roots: in memory if possible, for speed."""
     return "/dev/shm" if os.access("/dev/shm", os.W_OK) else None
 
@@ -39,7 +39,7 @@ class Installation:
         subprocess.run(["cmake", "--install", self.build, "--prefix", self.folder], check=True,
                        stdout=subprocess.DEVNULL)
 
-    def linkedDynamically(self):
+    def linked_dynamically(self):
         """Returns an installation with dynamically linked programs, for preloading; made once."""
         if self.dynamic is None:
             self.dynamic = copy.copy(self)
@@ -63,26 +63,26 @@ class Board:
         self.installed = installation.folder
         self.description = installation.description
         self.programs = os.path.join(self.installed, "usr/local/www/htdocs")
-        self.root = tempfile.mkdtemp(prefix="faults-root-", dir=folder or fastFolder())
+        self.root = tempfile.mkdtemp(prefix="faults-root-", dir=folder or fast_folder())
         os.symlink(os.path.join(self.installed, "usr"), self.path("usr"))
         for folder_ in KEPT_FOLDERS:
             os.makedirs(self.path(folder_), mode=0o700)
         self.backend = None
-        self.endedBySignal = None
+        self.ended_by_signal = None
 
     def path(self, *parts):
         return os.path.join(self.root, *parts)
 
-    def start(self, prefix=(), more=None, limits=None, mustStart=True):
+    def start(self, prefix=(), more=None, limits=None, must_start=True):
         """Starts the back-end. If it ends before it is ready, raises RuntimeError, or returns False
-        if `mustStart` is false."""
+        if `must_start` is false."""
         environment = {"PATH": "/usr/bin:/bin", **(more or {})}
-        self.errorFile = open(self.path("backend.errors"), "wb")
+        self.error_file = open(self.path("backend.errors"), "wb")
         self.backend = subprocess.Popen(
             [*prefix, os.path.join(self.installed, "usr/local/sbin/efi_backend"), "--root",
              self.root, "--board", self.description, "--allow-faults"],
             env=environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-            stderr=self.errorFile, start_new_session=True, preexec_fn=limits)
+            stderr=self.error_file, start_new_session=True, preexec_fn=limits)
         watch = threading.Timer(START_SECONDS, self.kill)
         watch.start()
         ready = self.backend.stdout.readline() == b"ready\n"
@@ -90,7 +90,7 @@ class Board:
         watch.join()  # otherwise kill() may still be closing the files of this start
         if not ready:
             self.kill()
-            if mustStart:
+            if must_start:
                 raise RuntimeError("The back-end did not start: " + self.errors())
         return ready
 
@@ -103,7 +103,7 @@ class Board:
         killed after `deadline` seconds."""
         if self.backend is None:
             return 0
-        pid = self.backendProcess()
+        pid = self.backend_process()
         if pid:
             os.kill(pid, signal.SIGTERM)
         try:
@@ -116,21 +116,21 @@ class Board:
     def kill(self):
         if self.backend is None:
             return
-        pid = self.backendProcess()
+        pid = self.backend_process()
         backend, self.backend = self.backend, None
         try:
             os.killpg(backend.pid, signal.SIGKILL)
         except ProcessLookupError:
             pass
         status = backend.wait()
-        self.endedBySignal = -status if status < 0 and status != -signal.SIGKILL else None
+        self.ended_by_signal = -status if status < 0 and status != -signal.SIGKILL else None
         # If another command started it, the back-end may end shortly after that command.
-        while anyLives([pid] if pid else membersOf(backend.pid)):
+        while any_lives([pid] if pid else members_of(backend.pid)):
             time.sleep(0.001)
         backend.stdout.close()
-        self.errorFile.close()
+        self.error_file.close()
 
-    def backendProcess(self):
+    def backend_process(self):
         """Returns the back-end's process number, even if another command started it, or None."""
         children = f"/proc/{self.backend.pid}/task/{self.backend.pid}/children"
         try:
@@ -146,19 +146,19 @@ class Board:
             pass
         return None
 
-    def waitUntilQuiet(self, seconds=45):
+    def wait_until_quiet(self, seconds=45):
         """Waits until the back-end serves no client. Returns False after `seconds`."""
         end = time.monotonic() + seconds
         while self.backend is not None and time.monotonic() < end:
-            pid = self.backendProcess()
-            if pid is None or servesNobody(pid):
+            pid = self.backend_process()
+            if pid is None or serves_nobody(pid):
                 return True
             time.sleep(0.001)
         return False
 
-    def logIn(self, user, password=None):
-        run = runProgram(self, {"program": "login.cgi", "method": "POST",
-                                "body": f"user={user}&password={password or user}".encode()})
+    def log_in(self, user, password=None):
+        run = run_program(self, {"program": "login.cgi", "method": "POST",
+                                 "body": f"user={user}&password={password or user}".encode()})
         for line in run.output.decode().split("\r\n"):
             if line.startswith("Set-Cookie: session="):
                 return line.split("=", 1)[1].split(";")[0]
@@ -199,11 +199,11 @@ class Board:
         shutil.rmtree(self.root, ignore_errors=True)
 
 
-def identifierOf(cookie):
+def identifier_of(cookie):
     return cookie.split("-")[0]
 
 
-def membersOf(group):
+def members_of(group):
     """Returns the processes of a process group."""
     members = []
     for name in os.listdir("/proc"):
@@ -215,11 +215,11 @@ def membersOf(group):
     return members
 
 
-def anyLives(processes):
-    return any(isAlive(process) for process in processes)
+def any_lives(processes):
+    return any(is_alive(process) for process in processes)
 
 
-def isAlive(pid):
+def is_alive(pid):
     """Returns true while any thread of the process is left; the first may end before the others."""
     try:
         with open(f"/proc/{pid}/stat", encoding="ascii", errors="replace") as status:
@@ -229,10 +229,10 @@ def isAlive(pid):
         return False
 
 
-def samplePayload(letter, size=120000):
+def sample_payload(letter, size=120000):
     """Returns a payload that repeats `letter` throughout, so that mixed files can be detected."""
     return (letter.encode() * 61 + b"\n") * (size // (61 * len(letter) + 1))
 
 
-def sampleFile(letter, size=120000):
-    return ConfigurationFile(3, "1.23 B", "Sample", samplePayload(letter, size)).encode()
+def sample_file(letter, size=120000):
+    return ConfigurationFile(3, "1.23 B", "Sample", sample_payload(letter, size)).encode()

@@ -36,7 +36,7 @@ def tracing(log):
     return ["strace", "-f", "-y", "-qqq", "-s", "300", "-o", log, "-e", "trace=" + CALLS]
 
 
-def readSteps(path):
+def read_steps(path):
     steps = []
     begun = {}
     with open(path, encoding="utf-8", errors="replace") as log:
@@ -50,11 +50,11 @@ def readSteps(path):
                 line = begun.pop(resumed[1], "") + resumed[2]
             match = LINE.match(line)
             if match and int(match[4]) >= 0:
-                steps += readStep(match[2], match[3])
+                steps += read_step(match[2], match[3])
     return steps
 
 
-def readStep(call, arguments):
+def read_step(call, arguments):
     descriptor = DESCRIPTOR.match(arguments)
     texts = TEXT.findall(arguments)
     if call in ("openat", "open", "creat") and (call == "creat" or FOR_WRITING.search(arguments)):
@@ -78,7 +78,7 @@ def readStep(call, arguments):
     return []
 
 
-def nameSources(steps):
+def name_sources(steps):
     """Replaces the source /proc/self/fd/N in the steps by the open file: the unnamed file that was
     synced last."""
     unnamed = None
@@ -90,7 +90,7 @@ def nameSources(steps):
     return steps
 
 
-def check(steps, isKept, isLog, logIsNew=False):
+def check(steps, is_kept, is_log, log_is_new=False):
     """Returns the problems of the steps, the number of kept files that were replaced, and the
     number of writes to the log."""
     problems = []
@@ -99,27 +99,27 @@ def check(steps, isKept, isLog, logIsNew=False):
     unsynced = {}
     for step in steps:
         if step.kind in ("reported", "named"):
-            problems += [f"{path} is not synced when {step}" for path in dirty if isLog(path)]
-        if step.kind == "opened" and isLog(step.path):
-            if logIsNew:
+            problems += [f"{path} is not synced when {step}" for path in dirty if is_log(path)]
+        if step.kind == "opened" and is_log(step.path):
+            if log_is_new:
                 unsynced[step.path] = True
-            logIsNew = False
-        elif step.kind == "named" and isLog(step.source):
-            unsynced[step.path] = logIsNew = True
-        elif step.kind == "written" and isLog(step.path):
+            log_is_new = False
+        elif step.kind == "named" and is_log(step.source):
+            unsynced[step.path] = log_is_new = True
+        elif step.kind == "written" and is_log(step.path):
             appended += 1
             dirty.add(step.path)
-        elif step.kind == "opened" and isKept(step.path):
+        elif step.kind == "opened" and is_kept(step.path):
             problems.append(f"{step.path} is opened for writing in place")
-        elif step.kind == "written" or step.kind == "cut" and not isLog(step.path):
+        elif step.kind == "written" or step.kind == "cut" and not is_log(step.path):
             dirty.add(step.path)
-            if isKept(step.path):
+            if is_kept(step.path):
                 problems.append(f"{step.path} is written in place")
         elif step.kind == "synced":
             dirty.discard(step.path)
             for path in [path for path in unsynced if os.path.dirname(path) == step.path]:
                 del unsynced[path]
-        elif step.kind == "named" and isKept(step.path):
+        elif step.kind == "named" and is_kept(step.path):
             replaced += 1
             if step.source in dirty:
                 problems.append(f"{step.path} gets its name before its bytes are synced")
@@ -128,5 +128,5 @@ def check(steps, isKept, isLog, logIsNew=False):
             problems += [f"{path} is reported before its folder is synced" for path in unsynced]
             unsynced.clear()
     problems += [f"the folder of {path} is never synced" for path in unsynced]
-    problems += [f"{path} is never synced" for path in dirty if isLog(path)]
+    problems += [f"{path} is never synced" for path in dirty if is_log(path)]
     return problems, replaced, appended

@@ -10,16 +10,16 @@ import time
 class ProgramRun:
     """The result of a program: its output, exit status or signal, and duration in seconds."""
 
-    def __init__(self, output, errors, status, seconds, timedOut):
+    def __init__(self, output, errors, status, seconds, timed_out):
         self.output = output
         self.errors = errors
-        self.exitStatus = status if status >= 0 else None
+        self.exit_status = status if status >= 0 else None
         self.signal = -status if status < 0 else None
         self.seconds = seconds
-        self.timedOut = timedOut
+        self.timed_out = timed_out
 
 
-def environmentFor(root, request):
+def environment_for(root, request):
     """Returns the CGI environment of a request, without the caller's environment."""
     environment = {
         "BOARD_ROOT": root,
@@ -47,35 +47,36 @@ def limited(limits):
     if not limits:
         return None
 
-    def setLimits():
+    def set_limits():
         # As under the web server: the program itself must handle the signal.
         signal.signal(signal.SIGXFSZ, signal.SIG_DFL)
         for number, value in limits.items():
             resource.setrlimit(number, (value, value))
 
-    return setLimits
+    return set_limits
 
 
-def runProgram(board, request, prefix=(), limits=None, more=None, deadline=150, body=None):
+def run_program(board, request, prefix=(), limits=None, more=None, deadline=150, body=None):
     """Runs the program of `request`, as arguments of the command `prefix` if given, and waits for
     its end; kills it after `deadline` seconds.
 
     The program reads the request's body from a pipe, in pieces of any size, or from the open file
     `body`.
     """
-    environment = environmentFor(board.root, request)
+    environment = environment_for(board.root, request)
     environment.update(more or {})
     command = [*prefix, os.path.join(board.programs, request["program"])]
     started = time.monotonic()
     process = subprocess.Popen(command, env=environment, stdin=body or subprocess.PIPE,
                                stdout=subprocess.PIPE, stderr=subprocess.PIPE,
                                preexec_fn=limited(limits), start_new_session=True)
-    timedOut = False
+    timed_out = False
     try:
-        output, errors = process.communicate(None if body else request.get("body", b""), timeout=deadline)
+        output, errors = process.communicate(
+            None if body else request.get("body", b""), timeout=deadline)
     except subprocess.TimeoutExpired:
-        timedOut = True
+        timed_out = True
         # Kills the whole group, because a killed strace leaves its program running.
         os.killpg(process.pid, signal.SIGKILL)
         output, errors = process.communicate()
-    return ProgramRun(output, errors, process.returncode, time.monotonic() - started, timedOut)
+    return ProgramRun(output, errors, process.returncode, time.monotonic() - started, timed_out)

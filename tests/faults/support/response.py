@@ -19,7 +19,7 @@ class Response:
         return html.unescape(self.body.decode("utf-8", "replace"))
 
 
-def parseResponse(output, withoutBody=False):
+def parse_response(output, without_body=False):
     """Parses `output` as exactly one response; raises MalformedResponse otherwise."""
     head, separator, body = output.partition(b"\r\n\r\n")
     if not separator:
@@ -39,7 +39,7 @@ def parseResponse(output, withoutBody=False):
     if not status:
         raise MalformedResponse(f"the status is {headers.get('status')!r}")
     length = headers.get("content-length", "")
-    if not length.isdigit() or (int(length) != len(body) and not (withoutBody and not body)):
+    if not length.isdigit() or (int(length) != len(body) and not (without_body and not body)):
         raise MalformedResponse(f"Content-Length is {length!r}, the body has {len(body)} bytes")
     kind = headers.get("content-type", "")
     if kind.startswith("text/html") and body and not (

@@ -3,9 +3,9 @@
 import os
 import time
 
-from support import auditLog
-from support.board import (OPERATOR, VIEWER, Board, identifierOf, sampleFile, samplePayload)
-from support.configurationFile import decodeState, encodeState
+from support import audit_log
+from support.board import (OPERATOR, VIEWER, Board, identifier_of, sample_file, sample_payload)
+from support.configuration_file import decode_state, encode_state
 
 SESSIONS = "var/lib/session"
 TEMPORARY = "var/tmp"
@@ -25,17 +25,17 @@ class Scene:
     def __init__(self, installation, folder=None, board=None):
         self.board = board or Board(installation, folder)
         self.board.start()
-        self.operator = self.board.logIn(OPERATOR)
-        self.other = self.board.logIn(OPERATOR)
-        self.viewer = self.board.logIn(VIEWER)
+        self.operator = self.board.log_in(OPERATOR)
+        self.other = self.board.log_in(OPERATOR)
+        self.viewer = self.board.log_in(VIEWER)
         self.sessions = self.board.files(SESSIONS)
         self.letter = "A"
-        self.stageLog(self.logLine())
+        self.stage_log(self.log_line())
         self.standing = dict(self.sessions)
         for cookie, letters in ((self.other, ("other's file", "other's backup")),
                                 (self.viewer, ("viewer's file", "viewer's backup"))):
-            self.standing[stagedFile(cookie)] = sampleFile(letters[0], 5000)
-            self.standing[backupFile(cookie)] = sampleFile(letters[1], 5000)
+            self.standing[staged_file(cookie)] = sample_file(letters[0], 5000)
+            self.standing[backup_file(cookie)] = sample_file(letters[1], 5000)
 
     def stage(self, more):
         """Writes the files of all sessions, with `more` ({path: bytes}) for the operator's session,
@@ -53,38 +53,38 @@ class Scene:
         for path in self.sessions:
             os.utime(board.path(path), (now, now - IDLE_SECONDS))
 
-    def logLine(self):
+    def log_line(self):
         """Returns a log with the partitions' configurations."""
-        return auditLog.makeLine(
-            "start", after=auditLog.sumsOf(decodeState(self.board.read(STATE))))
+        return audit_log.make_line(
+            "start", after=audit_log.sums_of(decode_state(self.board.read(STATE))))
 
-    def stageLog(self, data, counts=None):
+    def stage_log(self, data, counts=None):
         self.log = data
-        auditLog.stageLog(self.board, data, counts)
+        audit_log.stage_log(self.board, data, counts)
 
-    def expectedState(self, payload):
+    def expected_state(self, payload):
         """Returns the state file with this payload in the targets."""
-        payloads = decodeState(self.board.read(STATE))
+        payloads = decode_state(self.board.read(STATE))
         payloads.update({target: payload for target in TARGETS})
-        return encodeState(payloads)
+        return encode_state(payloads)
 
-    def nextPayload(self):
+    def next_payload(self):
         """Returns a payload that the targets do not have yet."""
-        payloads = decodeState(self.board.read(STATE))
-        self.letter = "B" if payloads[TARGETS[0]] == samplePayload("A") else "A"
-        return samplePayload(self.letter)
+        payloads = decode_state(self.board.read(STATE))
+        self.letter = "B" if payloads[TARGETS[0]] == sample_payload("A") else "A"
+        return sample_payload(self.letter)
 
     def remove(self):
         self.board.remove()
 
 
-def stagedFile(cookie):
-    return f"{TEMPORARY}/restored_eficonf{identifierOf(cookie)}"
+def staged_file(cookie):
+    return f"{TEMPORARY}/restored_eficonf{identifier_of(cookie)}"
 
 
-def backupFile(cookie):
-    return f"{TEMPORARY}/efi_backup{identifierOf(cookie)}"
+def backup_file(cookie):
+    return f"{TEMPORARY}/efi_backup{identifier_of(cookie)}"
 
 
-def sessionFile(cookie):
-    return f"{SESSIONS}/{identifierOf(cookie)}"
+def session_file(cookie):
+    return f"{SESSIONS}/{identifier_of(cookie)}"

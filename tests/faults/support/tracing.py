@@ -89,18 +89,18 @@ BURST = 10
 class TracedCall:
     """A call of a program: its name, and its number among the calls of that name (from 1)."""
 
-    def __init__(self, name, occurrence, inMain, line):
+    def __init__(self, name, occurrence, in_main, line):
         self.name = name
         self.occurrence = occurrence
-        self.inMain = inMain
+        self.in_main = in_main
         self.line = line
 
 
-def readCalls(path):
+def read_calls(path):
     """Returns the calls in a log of one thread, in order."""
     calls = []
     counts = {}
-    inMain = False
+    in_main = False
     with open(path, encoding="utf-8", errors="replace") as log:
         for line in log:
             match = CALL.match(line)
@@ -108,9 +108,9 @@ def readCalls(path):
                 continue
             name, arguments = match[1], match[2]
             if name == MAIN_BEGINS[0] and arguments.startswith(MAIN_BEGINS[1]):
-                inMain = True
+                in_main = True
             counts[name] = counts.get(name, 0) + 1
-            calls.append(TracedCall(name, counts[name], inMain, line.rstrip("\n")))
+            calls.append(TracedCall(name, counts[name], in_main, line.rstrip("\n")))
     return calls
 
 
@@ -128,21 +128,21 @@ def failures(call, calls):
              if other.name == call.name and other.occurrence > call.occurrence]
     return [failing(call.name, call.occurrence, error, lasting)
             for lasting in (False, True)
-            for error in errorsOf([call, *later] if lasting else [call])]
+            for error in errors_of([call, *later] if lasting else [call])]
 
 
-def errorsOf(calls):
+def errors_of(calls):
     """Returns the errors that are possible for all of `calls`, which have the same name."""
-    errors = (ERRORS["fstat"] if ofOpenFile(calls[0])
+    errors = (ERRORS["fstat"] if of_open_file(calls[0])
               else ERRORS.get(calls[0].name, OTHER_ERRORS))
     # An open file cannot be missing.
-    if any(ofOpenFile(call) or any(path in call.line for path in MAY_BE_ABSENT)
+    if any(of_open_file(call) or any(path in call.line for path in MAY_BE_ABSENT)
            for call in calls):
         errors = tuple(error for error in errors if error != "ENOENT")
     return errors
 
 
-def ofOpenFile(call):
+def of_open_file(call):
     return "AT_EMPTY_PATH" in call.line
 
 
@@ -169,7 +169,7 @@ def listing(log):
     return ["strace", "-qqq", "-s", "200", "-o", log]
 
 
-def wasInjected(log):
+def was_injected(log):
     try:
         with open(log, encoding="utf-8", errors="replace") as lines:
             return any("(INJECTED)" in line or "killed by SIGKILL" in line for line in lines)

@@ -3,9 +3,9 @@
 import os
 import tempfile
 
-from support.caseRuns import Outcome
+from support.case_runs import Outcome
 from support.judge import Judge
-from support.requestTypes import REQUEST_TYPES
+from support.request_types import REQUEST_TYPES
 from support.scene import Scene
 
 
@@ -28,13 +28,13 @@ class RequestWorker:
     def outcome(problems, run, met=True, tally=None, **more):
         """Returns the Outcome; if there are problems, with details to understand them."""
         return Outcome(problems, met, {"output": run.output, "errors": run.errors,
-                                       "exitStatus": run.exitStatus, "signal": run.signal, **more}
+                                       "exit_status": run.exit_status, "signal": run.signal, **more}
                        if problems else {}, tally)
 
-    def removeLog(self):
+    def remove_log(self):
         if os.path.exists(self.log):
             os.remove(self.log)
 
     def close(self):
         self.scene.remove()
-        self.removeLog()
+        self.remove_log()

@@ -6,8 +6,8 @@ from fleet import TESTS
 
 STATE = "/var/lib/board/configurations"
 
-_PATH = TESTS / "faults/support/configurationFile.py"
-_SPEC = importlib.util.spec_from_file_location("configurationFile", _PATH)
+_PATH = TESTS / "faults/support/configuration_file.py"
+_SPEC = importlib.util.spec_from_file_location("configuration_file", _PATH)
 _files = importlib.util.module_from_spec(_SPEC)
 _SPEC.loader.exec_module(_files)
 
@@ -18,9 +18,9 @@ def configuration_file(partition, version, payload, name="Test"):
 
 def decode(data):
     """Decodes a configuration file. Returns None if the bytes are not one."""
-    return _files.decodeConfigurationFile(data)
+    return _files.decode_configuration_file(data)
 
 
 def payloads_of(board):
     """Returns the configuration of each partition."""
-    return _files.decodeState(board.path(STATE).read_bytes())
+    return _files.decode_state(board.path(STATE).read_bytes())

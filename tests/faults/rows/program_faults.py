@@ -5,8 +5,8 @@ import tempfile
 
 from support import tracing
 from support.judge import Fault, Judge
-from support.program import runProgram
-from support.requestTypes import REQUEST_TYPES
+from support.program import run_program
+from support.request_types import REQUEST_TYPES
 from support.scene import Scene
 from support.worker import RequestWorker
 
@@ -14,7 +14,7 @@ from support.worker import RequestWorker
 SLOW_CALLS = ("connect", "recvfrom", "sendto", "flock", "accept4")
 
 
-def takesLong(case):
+def takes_long(case):
     name, error, when = case["inject"].split(":")
     return name in SLOW_CALLS and error == "error=EAGAIN" and when.endswith("+")
 
@@ -24,10 +24,10 @@ class CallFaultWorker(RequestWorker):
     type, and `inject`, strace's expression."""
 
     def run(self, case):
-        self.removeLog()
+        self.remove_log()
         kind, request, before = self.begin(case)
-        run = runProgram(self.board, request, prefix=tracing.injecting(case["inject"], self.log))
-        met = tracing.wasInjected(self.log)
+        run = run_program(self.board, request, prefix=tracing.injecting(case["inject"], self.log))
+        met = tracing.was_injected(self.log)
         fault = Fault(**{name: case.get(name, False) for name in ("killed", "mute", "unbegun")})
         problems = self.judge.judge(kind, before, run, fault) if met else []
         problems += self.judge.settle()
@@ -36,7 +36,7 @@ class CallFaultWorker(RequestWorker):
             environment={key: value for key, value in request.items() if key != "body"})
 
 
-def listCalls(installation):
+def list_calls(installation):
     """Returns {request type: the calls of its program}."""
     scene = Scene(installation)
     log = tempfile.mktemp(prefix="faults-log-")
@@ -44,8 +44,8 @@ def listCalls(installation):
     try:
         for name, make in REQUEST_TYPES.items():
             request = make().prepare(scene)
-            runProgram(scene.board, request, prefix=tracing.listing(log))
-            calls[name] = tracing.readCalls(log)
+            run_program(scene.board, request, prefix=tracing.listing(log))
+            calls[name] = tracing.read_calls(log)
             os.remove(log)
             Judge(scene).settle()
     finally:
@@ -53,22 +53,22 @@ def listCalls(installation):
     return calls
 
 
-def failureCases(calls):
+def failure_cases(calls):
     """Returns a case for each call, each of its possible errors, once and lasting."""
-    return withoutMostLongOnes([
+    return without_most_long_ones([
         {"request": request, "inject": inject, "mute": call.name in ("write", "writev"),
-         "unbegun": not call.inMain, "call": call.line[:160]}
+         "unbegun": not call.in_main, "call": call.line[:160]}
         for request, made in calls.items() for call in made
         for inject in tracing.failures(call, made)])
 
 
-def withoutMostLongOnes(cases):
+def without_most_long_ones(cases):
     """Drops all slow cases but the first two of each request and call; the others would wait in the
     same place."""
     kept = []
     counts = {}
     for case in cases:
-        if takesLong(case):
+        if takes_long(case):
             key = case["request"], case["inject"].split(":")[0]
             counts[key] = counts.get(key, 0) + 1
             if counts[key] > 2:
@@ -77,7 +77,7 @@ def withoutMostLongOnes(cases):
     return kept
 
 
-def killCases(calls):
+def kill_cases(calls):
     """Returns a case for each call, with a kill just before it.
 
     A kill after a call equals a kill before the next one, because between two calls only the

@@ -3,11 +3,11 @@
 import os
 import tempfile
 
-from rows.programFaults import withoutMostLongOnes
+from rows.program_faults import without_most_long_ones
 from support import tracing
 from support.judge import Fault, Judge
-from support.program import runProgram
-from support.requestTypes import BACKEND_REQUESTS, REQUEST_TYPES
+from support.program import run_program
+from support.request_types import BACKEND_REQUESTS, REQUEST_TYPES
 from support.scene import Scene
 from support.worker import RequestWorker
 
@@ -18,21 +18,21 @@ class BackendFaultWorker(RequestWorker):
     accept clients, so that a fault "once" affects several connections of the request."""
 
     def run(self, case):
-        self.removeLog()
+        self.remove_log()
         kind, request, before = self.begin(case)
         self.board.stop()
         problems = []
         ready = self.board.start(prefix=tracing.injecting(case["inject"], self.log),
-                                 mustStart=False)
-        run = runProgram(self.board, request)
+                                 must_start=False)
+        run = run_program(self.board, request)
         fault = Fault()
-        if ready and not self.board.waitUntilQuiet():
+        if ready and not self.board.wait_until_quiet():
             problems.append("the back-end still works for the request")
-        met = tracing.wasInjected(self.log)
-        if ready and not case.get("killed") and self.board.backendProcess() is None:
+        met = tracing.was_injected(self.log)
+        if ready and not case.get("killed") and self.board.backend_process() is None:
             problems.append("the back-end died")
         silenced = case.get("killed") or case["inject"].startswith("write:")
-        if not ready and not silenced and case["inMain"] and not self.board.errors():
+        if not ready and not silenced and case["in_main"] and not self.board.errors():
             problems.append("the back-end did not start and does not say why")
         errors = self.board.errors()
         self.board.kill()
@@ -40,10 +40,10 @@ class BackendFaultWorker(RequestWorker):
         self.board.start()
         problems += self.judge.judge(kind, before, run, fault)
         problems += self.judge.settle()
-        return self.outcome(problems, run, met, backendErrors=errors)
+        return self.outcome(problems, run, met, backend_errors=errors)
 
 
-def listBackendCalls(installation):
+def list_backend_calls(installation):
     """Returns {request type: calls} for all threads together: each name and occurrence once."""
     scene = Scene(installation)
     log = tempfile.mktemp(prefix="faults-log-")
@@ -53,10 +53,10 @@ def listBackendCalls(installation):
             request = REQUEST_TYPES[name]().prepare(scene)
             scene.board.stop()
             scene.board.start(prefix=["strace", "-f", "-ff", "-qqq", "-o", log])
-            runProgram(scene.board, request)
-            scene.board.waitUntilQuiet()
+            run_program(scene.board, request)
+            scene.board.wait_until_quiet()
             scene.board.stop()
-            found[name] = mergeThreads(log)
+            found[name] = merge_threads(log)
             scene.board.start()
             Judge(scene).settle()
     finally:
@@ -64,12 +64,12 @@ def listBackendCalls(installation):
     return found
 
 
-def mergeThreads(log):
+def merge_threads(log):
     calls = {}
     folder, start = os.path.split(log)
     for file in sorted(os.listdir(folder)):
         if file.startswith(start + "."):
-            for call in tracing.readCalls(os.path.join(folder, file)):
+            for call in tracing.read_calls(os.path.join(folder, file)):
                 # Only calls of the main thread can come before the program's own code.
                 known = calls.get((call.name, call.occurrence))
                 if known is None:
@@ -78,14 +78,14 @@ def mergeThreads(log):
     return list(calls.values())
 
 
-def backendFailureCases(found):
-    return withoutMostLongOnes([
-        {"request": request, "inject": inject, "inMain": call.inMain, "call": call.line[:160]}
+def backend_failure_cases(found):
+    return without_most_long_ones([
+        {"request": request, "inject": inject, "in_main": call.in_main, "call": call.line[:160]}
         for request, calls in found.items() for call in calls
         for inject in tracing.failures(call, calls)])
 
 
-def backendKillCases(found):
+def backend_kill_cases(found):
     return [{"request": request, "inject": f"{call.name}:signal=KILL:when={call.occurrence}",
-             "killed": True, "inMain": call.inMain, "call": call.line[:160]}
+             "killed": True, "in_main": call.in_main, "call": call.line[:160]}
             for request, calls in found.items() for call in calls if call.name != "execve"]

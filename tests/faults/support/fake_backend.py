@@ -12,7 +12,7 @@ SET = 2
 SET_BACKUP = 0x020100A3
 
 
-def receiveExactly(connection, size):
+def receive_exactly(connection, size):
     data = b""
     while len(data) < size:
         piece = connection.recv(size - len(data))
@@ -22,10 +22,10 @@ def receiveExactly(connection, size):
     return data
 
 
-def receiveFrame(connection):
+def receive_frame(connection):
     """Receives a frame; returns it including its length."""
-    head = receiveExactly(connection, 4)
-    return head + receiveExactly(connection, struct.unpack(">I", head)[0])
+    head = receive_exactly(connection, 4)
+    return head + receive_exactly(connection, struct.unpack(">I", head)[0])
 
 
 class SocketSwitch:
@@ -42,18 +42,18 @@ class SocketSwitch:
         self.listener.listen(8)
         self.listener.settimeout(0.05)
 
-    def toFake(self):
+    def to_fake(self):
         os.rename(self.place, self.real)
         os.rename(self.fake, self.place)
 
-    def toReal(self):
+    def to_real(self):
         os.rename(self.place, self.fake)
         os.rename(self.real, self.place)
 
-    def toNothing(self):
+    def to_nothing(self):
         os.rename(self.place, self.real)
 
-    def fromNothing(self):
+    def from_nothing(self):
         os.rename(self.real, self.place)
 
     def close(self):
@@ -101,9 +101,9 @@ class Recorder(Listening):
         with socket.socket(socket.AF_UNIX, socket.SOCK_STREAM) as backend:
             backend.connect(self.real)
             while True:
-                request = receiveFrame(connection)
+                request = receive_frame(connection)
                 backend.sendall(request)
-                reply = receiveFrame(backend)
+                reply = receive_frame(backend)
                 self.exchanges.append((request, reply))
                 connection.sendall(reply)
 
@@ -111,12 +111,12 @@ class Recorder(Listening):
 class Player(Listening):
     """Answers with the recorded replies; alters reply `number` by `alteration` (how, at, value)."""
 
-    def __init__(self, switch, exchanges, number, alteration, onRequest):
+    def __init__(self, switch, exchanges, number, alteration, on_request):
         super().__init__(switch.listener)
         self.exchanges = exchanges
         self.number = number
         self.how, self.at, self.value = alteration
-        self.onRequest = onRequest
+        self.on_request = on_request
 
     def serve(self, connection):
         for index, (_, reply) in enumerate(self.exchanges):
@@ -125,7 +125,7 @@ class Player(Listening):
                 return
             if altered and self.how == "early":
                 connection.sendall(reply)
-            self.onRequest(receiveFrame(connection))
+            self.on_request(receive_frame(connection))
             if not altered:
                 connection.sendall(reply)
             elif self.how != "early" and not self.alter(connection, reply):
@@ -144,7 +144,7 @@ class Player(Listening):
                 if self.ending.wait(self.value):
                     return False
             return True
-        connection.sendall(alteredReply(reply, self.how, self.at, self.value))
+        connection.sendall(altered_reply(reply, self.how, self.at, self.value))
         return False
 
     def wait(self, connection):
@@ -152,7 +152,7 @@ class Player(Listening):
         connection.recv(1)
 
 
-def alteredReply(reply, how, at, value):
+def altered_reply(reply, how, at, value):
     if how == "cut":
         return reply[:at]
     if how == "byte":
@@ -164,5 +164,5 @@ def alteredReply(reply, how, at, value):
     raise ValueError(how)
 
 
-def isBackupRequest(frame):
+def is_backup_request(frame):
     return frame[4] == SET and struct.unpack(">I", frame[5:9])[0] == SET_BACKUP

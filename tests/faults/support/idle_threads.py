@@ -7,7 +7,7 @@ import platform
 ACCEPT, POLL = {"x86_64": (288, 7), "aarch64": (242, 73)}.get(platform.machine(), (None, None))
 
 
-def waitsForClient(syscall):
+def waits_for_client(syscall):
     """Returns true if a thread in this call, as printed by the kernel, waits for the next client. A
     thread that waits for data of a connected client has a timeout."""
     number, *arguments = syscall.split()
@@ -20,12 +20,12 @@ def waitsForClient(syscall):
     return count == 0 or unlimited
 
 
-def servesNobody(pid):
+def serves_nobody(pid):
     try:
         for thread in os.listdir(f"/proc/{pid}/task"):
             if thread != str(pid):
                 with open(f"/proc/{pid}/task/{thread}/syscall", encoding="ascii") as call:
-                    if not waitsForClient(call.read()):
+                    if not waits_for_client(call.read()):
                         return False
     except (FileNotFoundError, ProcessLookupError):
         return not os.path.exists(f"/proc/{pid}")  # one thread has just ended, or all have

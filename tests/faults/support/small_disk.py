@@ -15,7 +15,7 @@ class NotPossible(Exception):
     pass
 
 
-def leaveMountNamespace():
+def leave_mount_namespace():
     """Gives the process its own mount namespace: its later mounts are private and end with it."""
     libc = ctypes.CDLL(None, use_errno=True)
     if libc.unshare(CLONE_NEWNS) != 0:
@@ -29,7 +29,7 @@ def run(command):
         raise NotPossible(f"{' '.join(command)}: {done.stderr.strip()}")
 
 
-def whyImpossible():
+def why_impossible():
     """Returns None if small disks can be made here, otherwise the reason."""
     child = os.fork()
     if child == 0:
@@ -44,13 +44,13 @@ def whyImpossible():
 
 class SmallDisk:
     def __init__(self):
-        leaveMountNamespace()
+        leave_mount_namespace()
         self.folder = tempfile.mkdtemp(prefix="faults-disk-")
         run(["mount", "-t", "tmpfs", "-o", f"size={SIZE},nr_inodes={INODES},mode=0700", "faults",
              self.folder])
         self.filler = os.path.join(self.folder, "filler")
 
-    def leavePages(self, count):
+    def leave_pages(self, count):
         """Fills the disk except for `count` pages of 4 KiB."""
         state = os.statvfs(self.folder)
         free = state.f_bavail * state.f_frsize // PAGE
@@ -58,7 +58,7 @@ class SmallDisk:
             if free > count:
                 os.posix_fallocate(file.fileno(), 0, (free - count) * PAGE)
 
-    def leaveInodes(self, count):
+    def leave_inodes(self, count):
         """Makes files until only `count` more can be made."""
         os.mkdir(self.filler)
         for number in range(max(0, os.statvfs(self.folder).f_ffree - count)):

@@ -30,28 +30,28 @@ class Context:
         self.folder = folder
         self.minutes = minutes
         self.end = None
-        self.partEnd = None
+        self.part_end = None
 
-    def beginRow(self):
+    def begin_row(self):
         self.end = None if self.minutes is None else time.monotonic() + 60 * self.minutes
-        self.partEnd = self.end
+        self.part_end = self.end
 
-    def beginPart(self, share):
+    def begin_part(self, share):
         """Begins a part of the row, with this share of the remaining time."""
         if self.end is not None:
             now = time.monotonic()
-            self.partEnd = now + max(0, self.end - now) * share
+            self.part_end = now + max(0, self.end - now) * share
 
-    def isOver(self):
+    def is_over(self):
         """Returns true if the time of the row or of its part is over."""
-        return self.partEnd is not None and time.monotonic() > self.partEnd
+        return self.part_end is not None and time.monotonic() > self.part_end
 
-    def sample(self, cases, shortCount):
+    def sample(self, cases, short_count):
         """Returns all cases in the long form. In the short form, returns every n-th case, at most
-        `shortCount`; the seed chooses the first."""
-        if self.long or len(cases) <= shortCount:
+        `short_count`; the seed chooses the first."""
+        if self.long or len(cases) <= short_count:
             return cases
-        stride = -(-len(cases) // shortCount)
+        stride = -(-len(cases) // short_count)
         return cases[self.seed % stride::stride]
 
 
@@ -66,17 +66,17 @@ class Outcome:
         self.details = details or {}
 
 
-def runCases(context, row, cases, makeWorker, workers=None):
+def run_cases(context, row, cases, make_worker, workers=None):
     """Runs each case in one of several processes and returns the Result. Each process calls
-    `makeWorker()`, which returns an object with run(case), returning an Outcome, and close()."""
+    `make_worker()`, which returns an object with run(case), returning an Outcome, and close()."""
     count = max(1, min(workers or context.jobs, len(cases)))
     if context.end is not None:
         # The cases run until the time is over are then a random sample.
         cases = random.Random(context.seed).sample(cases, len(cases))
     queue = multiprocessing.Queue()
     # Neighbouring cases, which may all be slow, go to different processes.
-    processes = [multiprocessing.Process(target=work, args=(queue, cases[index::count], makeWorker,
-                                                      context))
+    processes = [multiprocessing.Process(target=work, args=(queue, cases[index::count], make_worker,
+                                                            context))
                  for index in range(count)]
     for process in processes:
         process.start()
@@ -102,15 +102,15 @@ def runCases(context, row, cases, makeWorker, workers=None):
     return result
 
 
-def work(queue, cases, makeWorker, context):
+def work(queue, cases, make_worker, context):
     worker = None
     try:
         for case in cases:
-            if context.isOver():
+            if context.is_over():
                 break
             try:
                 if worker is None:
-                    worker = makeWorker()
+                    worker = make_worker()
                 queue.put((case, worker.run(case)))
             except Exception:
                 queue.put((case, Outcome(["the test itself failed: " + traceback.format_exc()])))

@@ -19,12 +19,12 @@ COOKIE = "__Host-session" if TLS else "session"
 class WebBoard:
     """Runs ./serve on a free port with a new root, from construction to remove()."""
 
-    def __init__(self, project, preset, openFiles=None):
+    def __init__(self, project, preset, open_files=None):
         self.root = tempfile.mkdtemp(prefix="faults-web-")
 
         def limit():
-            if openFiles is not None:
-                resource.setrlimit(resource.RLIMIT_NOFILE, openFiles)
+            if open_files is not None:
+                resource.setrlimit(resource.RLIMIT_NOFILE, open_files)
 
         self.process = subprocess.Popen(
             [os.path.join(project, "serve"), "--no-build", "--preset", preset, "--port", "0",
@@ -42,7 +42,7 @@ class WebBoard:
             self.certificate = ssl.create_default_context(
                 cafile=self.path("var/lib/tls/certificate.pem"))
         self.backend = self.child("efi_backend")
-        self.webServer = self.child("lighttpd")
+        self.web_server = self.child("lighttpd")
 
     def child(self, name):
         """Returns the number of the process with this name that ./serve started."""
@@ -90,7 +90,7 @@ class Browser:
             response = self.connection.getresponse()
         return response.status, response.headers, response.read()
 
-    def logIn(self, user):
+    def log_in(self, user):
         self.cookie = None
         _, headers, _ = self.ask("POST", "/login.cgi", f"user={user}&password={user}")
         match = re.match(COOKIE + r"=([^;]+)", headers.get("Set-Cookie", ""))

@@ -15,45 +15,45 @@ ROTATED_AT = 1024 * 1024
 OLD_COUNTS = (b'{"":{"start":1,"length":60,"lines":10,"counts":{"login_failed":3}}}')
 
 
-def sumOf(data):
+def sum_of(data):
     return hashlib.sha256(data).hexdigest()
 
 
-def sumsOf(payloads):
+def sums_of(payloads):
     """Returns {partition number as text: SHA-256 of its configuration}, as in the log."""
-    return {str(number): sumOf(payload) for number, payload in payloads.items()}
+    return {str(number): sum_of(payload) for number, payload in payloads.items()}
 
 
-def makeLine(event, **fields):
+def make_line(event, **fields):
     return json.dumps({"time": "2026-01-31T23:59:59.123Z", "event": event, **fields}).encode() + b"\n"
 
 
-def fillUp(data):
+def fill_up(data):
     """Returns the log with enough lines added that the next one causes a rotation."""
-    line = makeLine("end", order="x" * 65536)
+    line = make_line("end", order="x" * 65536)
     return data + line * (-(-(ROTATED_AT - len(data)) // len(line)))
 
 
-def formerFiles():
+def former_files():
     """Returns the names of the rotated files, newest first."""
     return [f"{LOG}.{number}" for number in range(1, FORMER_FILES + 1)]
 
 
-def stageLog(board, data, counts=None):
+def stage_log(board, data, counts=None):
     """Replaces the whole log by `data`, without rotated files."""
-    for path in formerFiles():
+    for path in former_files():
         if os.path.exists(board.path(path)):
             board.write(None, path)
     board.write(data, LOG)
     board.write(counts, COUNTS)
 
 
-def readLog(board):
+def read_log(board):
     """Returns the log with its rotated files, oldest line first."""
-    return b"".join(board.read(path) or b"" for path in reversed([LOG, *formerFiles()]))
+    return b"".join(board.read(path) or b"" for path in reversed([LOG, *former_files()]))
 
 
-def parseLines(data):
+def parse_lines(data):
     """Returns the parsed lines, the malformed lines, and the text after the last line end."""
     *ended, rest = data.split(b"\n")
     lines, damaged = [], []
@@ -68,7 +68,7 @@ def parseLines(data):
     return lines, damaged, rest
 
 
-def followUp(lines, problems):
+def follow_up(lines, problems):
     """Returns {partition: possible hashes of its configuration} according to the lines."""
     known = {}
     for line in lines:
@@ -88,8 +88,8 @@ def followUp(lines, problems):
 def unexplained(lines, payloads):
     """Reports partitions with a configuration that does not follow from the lines."""
     problems = []
-    known = followUp(lines, problems)
-    for number, total in sumsOf(payloads).items():
+    known = follow_up(lines, problems)
+    for number, total in sums_of(payloads).items():
         if total not in known.get(number, {total}):
             problems.append("the audit log does not explain the configuration of partition "
                             f"{number}")

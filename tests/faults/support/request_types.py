@@ -3,10 +3,10 @@
 import itertools
 import re
 
-from support import auditLog
-from support.board import identifierOf, sampleFile
-from support.configurationFile import LARGEST_FILE, decodeConfigurationFile, decodeState
-from support.scene import STATE, TARGETS, backupFile, sessionFile, stagedFile
+from support import audit_log
+from support.board import identifier_of, sample_file
+from support.configuration_file import LARGEST_FILE, decode_configuration_file, decode_state
+from support.scene import STATE, TARGETS, backup_file, session_file, staged_file
 
 SCREEN = "maintenance/efi_backup_restore.cgi"
 INSTALLED_PARTITIONS = 5
@@ -19,18 +19,18 @@ EMPTY = b""
 NOTICE = re.compile(r'role="alert"[^>]*>(.*?)</div>', re.S)
 
 
-def multipart(fields, fileName=None, data=b""):
+def multipart(fields, file_name=None, data=b""):
     """Returns the body of a multipart form."""
     parts = [f'--{BOUNDARY}\r\nContent-Disposition: form-data; name="{name}"\r\n\r\n{value}\r\n'
              .encode() for name, value in fields.items()]
-    if fileName is not None:
+    if file_name is not None:
         parts.append((f'--{BOUNDARY}\r\nContent-Disposition: form-data; name="filename"; '
-                      f'filename="{fileName}"\r\nContent-Type: application/octet-stream\r\n\r\n')
+                      f'filename="{file_name}"\r\nContent-Type: application/octet-stream\r\n\r\n')
                      .encode() + data + b"\r\n")
     return b"".join(parts) + f"--{BOUNDARY}--\r\n".encode()
 
 
-def noticesOf(response):
+def notices_of(response):
     """Returns the text of the page's notices about the request."""
     return " ".join(NOTICE.findall(response.text))
 
@@ -39,7 +39,7 @@ def post(cookie, body, kind="application/x-www-form-urlencoded", program=SCREEN)
     return {"program": program, "method": "POST", "cookie": cookie, "body": body, "type": kind}
 
 
-def postParts(cookie, body):
+def post_parts(cookie, body):
     return post(cookie, body, f"multipart/form-data; boundary={BOUNDARY}")
 
 
@@ -62,36 +62,36 @@ class RequestType:
         self.allowed = {}
         request = self.make(scene)
         scene.stage(self.files)
-        scene.stageLog(self.makeLog(scene), self.counts)
+        scene.stage_log(self.make_log(scene), self.counts)
         return request
 
     def make(self, scene):
         raise NotImplementedError
 
-    def claimsSuccess(self, response, scene):
+    def claims_success(self, response, scene):
         """Returns true if the page reports success."""
-        return response.status == 200 and not noticesOf(response)
+        return response.status == 200 and not notices_of(response)
 
     def happened(self, scene, response, after):
         """Returns true if the request was carried out; `after` contains the files afterwards."""
         return True
 
-    def makeLog(self, scene):
+    def make_log(self, scene):
         """Returns the audit log before the request."""
-        return scene.logLine()
+        return scene.log_line()
 
-    def tellsDone(self, response, scene, after):
+    def tells_done(self, response, scene, after):
         """Returns true if the answer reports an action that the audit log must contain."""
-        return bool(self.events) and self.claimsSuccess(response, scene)
+        return bool(self.events) and self.claims_success(response, scene)
 
-    def expectedLine(self, scene, response):
+    def expected_line(self, scene, response):
         """Returns fields of the line that the audit log must then contain."""
-        return {"event": self.name, "user": "admin", "session": identifierOf(scene.operator),
+        return {"event": self.name, "user": "admin", "session": identifier_of(scene.operator),
                 "result": "done"}
 
 
-def fileSum(data):
-    return {"sha256": auditLog.sumOf(data)}
+def file_sum(data):
+    return {"sha256": audit_log.sum_of(data)}
 
 
 class BackupPage(RequestType):
@@ -120,29 +120,29 @@ class Backup(RequestType):
     events = ("backup",)
 
     def make(self, scene):
-        path = backupFile(scene.operator)
-        self.files[path] = sampleFile("an earlier backup", 5000)
-        payload = decodeState(scene.board.read(STATE))[3]
+        path = backup_file(scene.operator)
+        self.files[path] = sample_file("an earlier backup", 5000)
+        payload = decode_state(scene.board.read(STATE))[3]
 
-        def isNew(data):
-            file = decodeConfigurationFile(data)
+        def is_new(data):
+            file = decode_configuration_file(data)
             return file is not None and file.partition == 3 and file.payload == payload
 
         # The program empties the file before it requests the backup; the download refuses an empty
         # file. A backup without a line in the audit log is removed.
-        self.allowed[path] = [EMPTY, ABSENT, isNew]
+        self.allowed[path] = [EMPTY, ABSENT, is_new]
         return post(scene.operator, b"functionID=105&hidden_status=BACKUP&radio_button=3")
 
-    def claimsSuccess(self, response, scene):
+    def claims_success(self, response, scene):
         return 'id="download_link"' in response.text
 
     def happened(self, scene, response, after):
-        path = backupFile(scene.operator)
+        path = backup_file(scene.operator)
         return after.get(path) not in (None, EMPTY, self.files[path])
 
-    def expectedLine(self, scene, response):
-        saved = scene.board.read(backupFile(scene.operator)) or b""
-        return {**super().expectedLine(scene, response), "partitions": [3], "file": fileSum(saved)}
+    def expected_line(self, scene, response):
+        saved = scene.board.read(backup_file(scene.operator)) or b""
+        return {**super().expected_line(scene, response), "partitions": [3], "file": file_sum(saved)}
 
 
 class Upload(RequestType):
@@ -151,22 +151,22 @@ class Upload(RequestType):
     events = ("upload",)
 
     def make(self, scene):
-        path = stagedFile(scene.operator)
-        self.files[path] = sampleFile("an earlier file", 5000)
-        self.data = sampleFile("a new file", 350000)
+        path = staged_file(scene.operator)
+        self.files[path] = sample_file("an earlier file", 5000)
+        self.data = sample_file("a new file", 350000)
         # A file that cannot be read back is removed, and the page says so.
         self.allowed[path] = [self.data, ABSENT]
         body = multipart({"functionID": 106, "hidden_status": 1}, "conf.dat", self.data)
-        return postParts(scene.operator, body)
+        return post_parts(scene.operator, body)
 
-    def claimsSuccess(self, response, scene):
+    def claims_success(self, response, scene):
         return 'class="facts"' in response.text
 
     def happened(self, scene, response, after):
-        return after.get(stagedFile(scene.operator)) == self.data and "Sample" in response.text
+        return after.get(staged_file(scene.operator)) == self.data and "Sample" in response.text
 
-    def expectedLine(self, scene, response):
-        return {**super().expectedLine(scene, response), "file": fileSum(self.data)}
+    def expected_line(self, scene, response):
+        return {**super().expected_line(scene, response), "file": file_sum(self.data)}
 
 
 class UnusableUpload(Upload):
@@ -175,12 +175,12 @@ class UnusableUpload(Upload):
     name = "unusable upload"
 
     def make(self, scene):
-        path = stagedFile(scene.operator)
-        self.files[path] = sampleFile("an earlier file", 5000)
+        path = staged_file(scene.operator)
+        self.files[path] = sample_file("an earlier file", 5000)
         self.data = b"no configuration file " * 1000
         self.allowed[path] = [ABSENT, self.data]
         body = multipart({"functionID": 106, "hidden_status": 1}, "conf.dat", self.data)
-        return postParts(scene.operator, body)
+        return post_parts(scene.operator, body)
 
     def happened(self, scene, response, after):
         return False
@@ -193,13 +193,13 @@ class RefusedUpload(RequestType):
     events = ("upload",)
 
     def make(self, scene):
-        self.files[stagedFile(scene.operator)] = sampleFile("an earlier file", 5000)
-        return self.makeUpload(scene)
+        self.files[staged_file(scene.operator)] = sample_file("an earlier file", 5000)
+        return self.make_upload(scene)
 
-    def makeUpload(self, scene):
+    def make_upload(self, scene):
         raise NotImplementedError
 
-    def claimsSuccess(self, response, scene):
+    def claims_success(self, response, scene):
         return 'class="facts"' in response.text
 
     def happened(self, scene, response, after):
@@ -209,19 +209,19 @@ class RefusedUpload(RequestType):
 class LargeUpload(RefusedUpload):
     name = "too large upload"
 
-    def makeUpload(self, scene):
-        data = sampleFile("large", LARGEST_FILE + 1)
-        return postParts(scene.operator, multipart({"functionID": 106, "hidden_status": 1},
-                                                   "conf.dat", data))
+    def make_upload(self, scene):
+        data = sample_file("large", LARGEST_FILE + 1)
+        return post_parts(scene.operator, multipart({"functionID": 106, "hidden_status": 1},
+                                                    "conf.dat", data))
 
 
 class BrokenUpload(RefusedUpload):
     name = "broken upload"
 
-    def makeUpload(self, scene):
+    def make_upload(self, scene):
         body = multipart({"functionID": 106, "hidden_status": 1}, "conf.dat",
-                         sampleFile("broken", 200000))
-        return {**postParts(scene.operator, body[:100000]), "announced": len(body)}
+                         sample_file("broken", 200000))
+        return {**post_parts(scene.operator, body[:100000]), "announced": len(body)}
 
 
 class Restore(RequestType):
@@ -230,24 +230,24 @@ class Restore(RequestType):
     events = ("restore",)
 
     def make(self, scene):
-        self.payload = scene.nextPayload()
-        self.files[stagedFile(scene.operator)] = sampleFile(scene.letter)
-        self.newState = scene.expectedState(self.payload)
-        self.allowed[STATE] = [self.newState]
+        self.payload = scene.next_payload()
+        self.files[staged_file(scene.operator)] = sample_file(scene.letter)
+        self.new_state = scene.expected_state(self.payload)
+        self.allowed[STATE] = [self.new_state]
         fields = {"functionID": 106, "hidden_status": 2}
         fields.update({f"pid{target}": target for target in TARGETS})
-        return postParts(scene.operator, multipart(fields, "", b""))
+        return post_parts(scene.operator, multipart(fields, "", b""))
 
-    def claimsSuccess(self, response, scene):
-        notice = noticesOf(response)
+    def claims_success(self, response, scene):
+        notice = notices_of(response)
         return "configuration was restored." in notice or "Text 70 " in notice
 
     def happened(self, scene, response, after):
-        return after.get(STATE) == self.newState
+        return after.get(STATE) == self.new_state
 
-    def expectedLine(self, scene, response):
-        return {**super().expectedLine(scene, response), "partitions": list(TARGETS),
-                "file": fileSum(self.files[stagedFile(scene.operator)])}
+    def expected_line(self, scene, response):
+        return {**super().expected_line(scene, response), "partitions": list(TARGETS),
+                "file": file_sum(self.files[staged_file(scene.operator)])}
 
 
 class RefusedRestore(RequestType):
@@ -257,12 +257,12 @@ class RefusedRestore(RequestType):
     events = ("restore",)
 
     def make(self, scene):
-        self.files[stagedFile(scene.operator)] = sampleFile("refused")
+        self.files[staged_file(scene.operator)] = sample_file("refused")
         fields = {"functionID": 106, "hidden_status": 2, "pid3": 3, "pid7": 7}
-        return postParts(scene.operator, multipart(fields))
+        return post_parts(scene.operator, multipart(fields))
 
-    def claimsSuccess(self, response, scene):
-        return Restore.claimsSuccess(self, response, scene)
+    def claims_success(self, response, scene):
+        return Restore.claims_success(self, response, scene)
 
     def happened(self, scene, response, after):
         return False
@@ -273,21 +273,21 @@ class Discard(RequestType):
     events = ("discard",)
 
     def make(self, scene):
-        path = stagedFile(scene.operator)
-        self.files[path] = sampleFile("to be discarded")
+        path = staged_file(scene.operator)
+        self.files[path] = sample_file("to be discarded")
         self.allowed[path] = [ABSENT]
         return post(scene.operator, b"functionID=106&hidden_status=3")
 
     # The next page does not report the discard; it only shows no file.
-    def claimsSuccess(self, response, scene):
+    def claims_success(self, response, scene):
         return False
 
-    def tellsDone(self, response, scene, after):
-        return (response.status == 200 and not noticesOf(response)
-                and stagedFile(scene.operator) not in after)
+    def tells_done(self, response, scene, after):
+        return (response.status == 200 and not notices_of(response)
+                and staged_file(scene.operator) not in after)
 
-    def expectedLine(self, scene, response):
-        return {**super().expectedLine(scene, response), "event": "discard"}
+    def expected_line(self, scene, response):
+        return {**super().expected_line(scene, response), "event": "discard"}
 
 
 class RotatingDiscard(Discard):
@@ -295,15 +295,15 @@ class RotatingDiscard(Discard):
 
     name = "rotating discard"
 
-    def makeLog(self, scene):
-        return auditLog.fillUp(super().makeLog(scene))
+    def make_log(self, scene):
+        return audit_log.fill_up(super().make_log(scene))
 
 
 class NoSession(RequestType):
     name = "no session"
 
     def make(self, scene):
-        self.files[stagedFile(scene.operator)] = sampleFile("staged")
+        self.files[staged_file(scene.operator)] = sample_file("staged")
         token = "0" * 32
         forged = scene.operator.split("-")[0] + "-" + token
         return post(forged, b"functionID=106&hidden_status=2&pid2=2&pid3=3")
@@ -318,14 +318,14 @@ class NoAuthority(RequestType):
 
     def make(self, scene):
         # Files of a function that the user may no longer use are removed.
-        for path in (stagedFile(scene.viewer), backupFile(scene.viewer)):
+        for path in (staged_file(scene.viewer), backup_file(scene.viewer)):
             self.allowed[path] = [ABSENT]
         return post(scene.viewer, b"functionID=106&hidden_status=2&pid2=2&pid3=3")
 
-    def claimsSuccess(self, response, scene):
-        return Restore.claimsSuccess(self, response, scene) or super().claimsSuccess(response, scene)
+    def claims_success(self, response, scene):
+        return Restore.claims_success(self, response, scene) or super().claims_success(response, scene)
 
-    def tellsDone(self, response, scene, after):
+    def tells_done(self, response, scene, after):
         return False
 
     def happened(self, scene, response, after):
@@ -338,7 +338,7 @@ class Menu(RequestType):
     def make(self, scene):
         return get(scene.operator, program="index.cgi")
 
-    def claimsSuccess(self, response, scene):
+    def claims_success(self, response, scene):
         return response.status == 200
 
     def happened(self, scene, response, after):
@@ -350,20 +350,20 @@ class Download(RequestType):
     events = ("download",)
 
     def make(self, scene):
-        self.data = sampleFile("downloaded")
-        self.files[backupFile(scene.operator)] = self.data
+        self.data = sample_file("downloaded")
+        self.files[backup_file(scene.operator)] = self.data
         query = "functionID=5&filename=Partition3_20231114_123B.dat"
         return get(scene.operator, query, "common/download.cgi")
 
-    def claimsSuccess(self, response, scene):
+    def claims_success(self, response, scene):
         return (response.status == 200 or "content-disposition" in response.headers
                 or response.headers["content-type"] == "application/octet-stream")
 
     def happened(self, scene, response, after):
         return response.status == 200 and response.body == self.data
 
-    def expectedLine(self, scene, response):
-        return {**super().expectedLine(scene, response), "file": fileSum(self.data)}
+    def expected_line(self, scene, response):
+        return {**super().expected_line(scene, response), "file": file_sum(self.data)}
 
 
 class LoginPage(RequestType):
@@ -385,7 +385,7 @@ class Login(RequestType):
 
     def make(self, scene):
         identifier = "0123456789abcdef"
-        expired = scene.sessions[sessionFile(scene.operator)]
+        expired = scene.sessions[session_file(scene.operator)]
         expired = re.sub(rb"created=\d+", b"created=1", expired)
         for path, data in ((f"var/lib/session/{identifier}", expired),
                            (f"var/tmp/restored_eficonf{identifier}", b"staged"),
@@ -394,29 +394,29 @@ class Login(RequestType):
             self.allowed[path] = [ABSENT]
         return post(None, b"user=admin&password=admin", program="login.cgi")
 
-    def claimsSuccess(self, response, scene):
+    def claims_success(self, response, scene):
         return response.status < 400
 
     def happened(self, scene, response, after):
-        match = self.cookieIn(response)
+        match = self.cookie_in(response)
         return (match is not None and response.status == 303
-                and b"token_sha256=" + auditLog.sumOf(match[3].encode()).encode() + b"\n"
+                and b"token_sha256=" + audit_log.sum_of(match[3].encode()).encode() + b"\n"
                 in after.get(f"var/lib/session/{match[2]}", b""))
 
     @staticmethod
-    def cookieIn(response):
+    def cookie_in(response):
         return re.match(r"session=(([0-9a-f]{16})-([0-9a-f]{32}));",
                         response.headers.get("set-cookie", ""))
 
-    def expectedLine(self, scene, response):
-        match = self.cookieIn(response)
+    def expected_line(self, scene, response):
+        match = self.cookie_in(response)
         return {"event": "login", "user": "admin", "session": match and match[2]}
 
 
 class WrongPassword(RequestType):
     name = "wrong password"
     events = ("login_failed", "anonymous")
-    counts = auditLog.OLD_COUNTS
+    counts = audit_log.OLD_COUNTS
     count = itertools.count()
 
     def make(self, scene):
@@ -426,10 +426,10 @@ class WrongPassword(RequestType):
         return {**post(None, b"user=guess%06d&password=guess" % number, program="login.cgi"),
                 "address": address}
 
-    def claimsSuccess(self, response, scene):
+    def claims_success(self, response, scene):
         return response.status < 400 or "set-cookie" in response.headers
 
-    def tellsDone(self, response, scene, after):
+    def tells_done(self, response, scene, after):
         return False
 
     def happened(self, scene, response, after):
@@ -442,7 +442,7 @@ class Language(RequestType):
     def make(self, scene):
         return post(None, b"language=ja", program="index.cgi")
 
-    def claimsSuccess(self, response, scene):
+    def claims_success(self, response, scene):
         return response.status < 400
 
     def happened(self, scene, response, after):
@@ -456,25 +456,25 @@ class Logout(RequestType):
     def make(self, scene):
         # A separate session, so that the operator's remains for the next request.
         cookie = "fedcba9876543210-" + scene.operator.split("-")[1]
-        self.session = sessionFile(cookie)
-        self.files[self.session] = scene.sessions[sessionFile(scene.operator)]
-        self.files[stagedFile(cookie)] = sampleFile("staged", 5000)
-        self.files[backupFile(cookie)] = sampleFile("backup", 5000)
+        self.session = session_file(cookie)
+        self.files[self.session] = scene.sessions[session_file(scene.operator)]
+        self.files[staged_file(cookie)] = sample_file("staged", 5000)
+        self.files[backup_file(cookie)] = sample_file("backup", 5000)
         for path in self.files:
             self.allowed[path] = [ABSENT]
         return post(cookie, b"", program="logout.cgi")
 
-    def claimsSuccess(self, response, scene):
+    def claims_success(self, response, scene):
         return response.status < 400
 
     def happened(self, scene, response, after):
         return self.session not in after
 
-    def makeLog(self, scene):
+    def make_log(self, scene):
         """Returns a log that ends with half a line, as after a power cut."""
-        return super().makeLog(scene) + b'{"time":"2026-01-31T23:59'
+        return super().make_log(scene) + b'{"time":"2026-01-31T23:59'
 
-    def expectedLine(self, scene, response):
+    def expected_line(self, scene, response):
         return {"event": "logout", "user": "admin", "session": "fedcba9876543210"}
 
 
