@@ -24,7 +24,8 @@ void HTMLCodeGenerator::setSkeletonFile(const std::string& newSkeletonFile) {
     skeletonFile = newSkeletonFile;
 }
 
-// Prints "[skeleton|name=component|name=component]".
+// Prints "[skeleton\n|name=component\n|name=component]". The lines let a failed comparison name the
+// components that differ.
 void HTMLCodeGenerator::printHTML() const {
     record("printHTML " + skeletonFile);
     const auto error = script().skeletonErrors.find(skeletonFile);
@@ -33,7 +34,7 @@ void HTMLCodeGenerator::printHTML() const {
     }
     std::cout << "[" << skeletonFile;
     for (const auto& [name, component] : *components) {
-        std::cout << "|" << name << "=";
+        std::cout << "\n|" << name << "=";
         if (component != nullptr) {
             component->printHTML();
         }

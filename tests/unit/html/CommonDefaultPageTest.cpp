@@ -65,7 +65,7 @@ TEST_F(CommonDefaultPageTest, printsSkeletonWithComponents) {
     OpenPage page(messageMgr, &displayMode, "/page.txt");
     page.componentMap["name"] = new ProbeComponent("1");
     page.printHTML();
-    EXPECT_EQ(output(), "[/page.txt|name=1]");
+    EXPECT_EQ(output(), "[/page.txt\n|name=1]");
 }
 
 TEST_F(CommonDefaultPageTest, isErrorWhenErrorFlagIsSet) {

@@ -14,7 +14,7 @@ TEST_F(HTMLItemTest, printsSkeletonWithItsOwnComponents) {
     item.add("second", new ProbeComponent("2"));
     item.add("first", new ProbeComponent("1"));
     item.printHTML();
-    EXPECT_EQ(output(), "[/row.txt|first=1|second=2]");
+    EXPECT_EQ(output(), "[/row.txt\n|first=1\n|second=2]");
 }
 
 TEST_F(HTMLItemTest, isEmptyByDefault) {
@@ -33,7 +33,7 @@ TEST_F(HTMLItemTest, deletesReplacedComponentAndPrintsLast) {
     item.add("name", new ProbeComponent("old"));
     item.add("name", new ProbeComponent("new"));
     item.printHTML();
-    EXPECT_EQ(output(), "[/row.txt|name=new]");
+    EXPECT_EQ(output(), "[/row.txt\n|name=new]");
     EXPECT_THAT(calls({"delete"}), testing::ElementsAre("delete old"));
 }
 
@@ -57,7 +57,7 @@ TEST_F(HTMLItemTest, isUsableThroughInterface) {
     std::unique_ptr<Gui::HTMLItemInterface> item = std::make_unique<HTMLItem>("/row.txt");
     item->add("name", new ProbeComponent("1"));
     item->printHTML();
-    EXPECT_EQ(output(), "[/row.txt|name=1]");
+    EXPECT_EQ(output(), "[/row.txt\n|name=1]");
 }
 
 }  // namespace VeskLib::Test

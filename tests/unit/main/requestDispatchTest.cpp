@@ -62,7 +62,8 @@ TEST_F(RequestDispatchTest, function105BuildsBackupPage) {
     EXPECT_EQ(run(), 0);
     EXPECT_THAT(output(), testing::HasSubstr("meta_frameid=<meta name=\"FRAME-ID\" "
                                              "content=\"M-BACKUP_EFI_CONF-C-00\">"));
-    EXPECT_THAT(output(), testing::HasSubstr("body=[/usr/local/www/skel/skeleton_efi_backup.txt|"));
+    EXPECT_THAT(output(),
+                testing::HasSubstr("body=[/usr/local/www/skel/skeleton_efi_backup.txt\n|"));
     EXPECT_EQ(generators(), (Calls{"/usr/local/www/skel/skeleton_efi_backup.txt",
                                    "/usr/local/www/skel/skeleton_efi_backup_tbl.txt", "shell 1"}));
 }
@@ -72,8 +73,8 @@ TEST_F(RequestDispatchTest, function106BuildsRestorePage) {
     EXPECT_EQ(run(), 0);
     EXPECT_THAT(output(), testing::HasSubstr("meta_frameid=<meta name=\"FRAME-ID\" "
                                              "content=\"M-RESTOR_EFI_CONF-C-00\">"));
-    EXPECT_THAT(output(), testing::HasSubstr("body=[/usr/local/www/skel/skeleton_efi_rstr.txt|"));
-    EXPECT_THAT(output(), testing::HasSubstr("|hidden_functionID=HiddenField(functionID, 106, "));
+    EXPECT_THAT(output(), testing::HasSubstr("body=[/usr/local/www/skel/skeleton_efi_rstr.txt\n|"));
+    EXPECT_THAT(output(), testing::HasSubstr("\n|hidden_functionID=HiddenField(functionID, 106, "));
     EXPECT_EQ(generators(), (Calls{"/usr/local/www/skel/skeleton_efi_rstr.txt", "shell 1"}));
     EXPECT_THAT(calls({"preCheck"}), testing::ElementsAre("preCheckDisplayMode(0, 106, -1)"));
 }

@@ -33,8 +33,10 @@ protected:
 
     // Returns the printed page that makes the browser download the backup as `name`.
     static std::string pageThatFetches(const std::string& name) {
-        return "[/page.txt|filepath=TextString(/common/download.cgi?functionID=5&filename=" + name +
-               ", false, true, 6)|onload_function=TextString(downloadFunction(), false, false, 6)]";
+        return "[/page.txt\n|filepath=TextString(/common/download.cgi?functionID=5&filename=" +
+               name +
+               ", false, true, 6)\n|onload_function=TextString(downloadFunction(), false, false, "
+               "6)]";
     }
 
     std::string printedPage() {

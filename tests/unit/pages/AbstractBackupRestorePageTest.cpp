@@ -156,15 +156,15 @@ TEST_F(AbstractBackupRestorePageTest, putsTextsAndFieldsIntoPage) {
     page.putHiddenField("c", "field", "value");
     page.printHTML();
     EXPECT_EQ(output(),
-              "[/page.txt|a=TextString(<b>, false, false, 6)|b=TextString(<i>, false, true, 6)"
-              "|c=HiddenField(field, value, form_name)]");
+              "[/page.txt\n|a=TextString(<b>, false, false, 6)\n|b=TextString(<i>, false, true, 6)"
+              "\n|c=HiddenField(field, value, form_name)]");
 }
 
 TEST_F(AbstractBackupRestorePageTest, putsComponentsIntoRows) {
     Gui::HTMLItem row("/row.txt");
     TestPage::addToRow(row, "name", std::make_unique<ProbeComponent>("1"));
     row.printHTML();
-    EXPECT_EQ(output(), "[/row.txt|name=1]");
+    EXPECT_EQ(output(), "[/row.txt\n|name=1]");
 }
 
 TEST_F(AbstractBackupRestorePageTest, deletesComponentOnceWhenRowRejectsIt) {
@@ -211,7 +211,7 @@ TEST_F(AbstractBackupRestorePageTest, keepsBuiltPageAfterNotice) {
     };
     page.buildPage();
     page.printHTML();
-    EXPECT_EQ(output(), "[/page.txt|name=name]");
+    EXPECT_EQ(output(), "[/page.txt\n|name=name]");
 }
 
 }  // namespace VeskLib::Test

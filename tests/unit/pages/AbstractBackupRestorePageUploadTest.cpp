@@ -299,9 +299,10 @@ TEST_F(UploadTest, usesFileSelectorAndButton) {
     page.putFileSelector();
     page.putUploadButton();
     page.printHTML();
-    EXPECT_EQ(output(),
-              "[/page.txt|filename=SelectFile(filename, , form_name, 70, 0)"
-              "|install=Button(install, caption 499, form_name, 0, \"uploadFunction()\", false)]");
+    EXPECT_EQ(
+        output(),
+        "[/page.txt\n|filename=SelectFile(filename, , form_name, 70, 0)"
+        "\n|install=Button(install, caption 499, form_name, 0, \"uploadFunction()\", false)]");
 }
 
 TEST_F(UploadTest, messageAloneRaisesNoAlert) {

@@ -57,10 +57,11 @@ TEST_F(EFIBackupPageActionTest, makesBrowserDownloadFile) {
     EXPECT_THAT(
         print(*page),
         testing::AllOf(
-            testing::HasSubstr("|filepath=TextString(/common/download.cgi?functionID=5&filename="
+            testing::HasSubstr("\n|filepath=TextString(/common/download.cgi?functionID=5&filename="
                                "Partition3_20261114_123B.dat, false, true, 6)"),
-            testing::HasSubstr("|onload_function=TextString(downloadFunction(), false, false, 6)"),
-            testing::HasSubstr("|pid=TextString(0, false, false, 6)")));
+            testing::HasSubstr(
+                "\n|onload_function=TextString(downloadFunction(), false, false, 6)"),
+            testing::HasSubstr("\n|pid=TextString(0, false, false, 6)")));
     EXPECT_EQ(page->getMessage(), "");
     EXPECT_FALSE(page->isAlert());
     EXPECT_FALSE(page->isError());
@@ -140,7 +141,7 @@ TEST_F(EFIBackupPageActionTest, refusedBackupShowsNoticeAndList) {
     EXPECT_TRUE(page->isAlert());
     EXPECT_FALSE(page->isError());
     const std::string printed = print(*page);
-    EXPECT_THAT(printed, testing::HasSubstr("|pid=TextString(0, false, false, 6)"));
+    EXPECT_THAT(printed, testing::HasSubstr("\n|pid=TextString(0, false, false, 6)"));
     EXPECT_THAT(printed, testing::HasSubstr("onload_function=TextString(onLoadFunction(), false"));
     EXPECT_THAT(printed, testing::Not(testing::HasSubstr("filepath")));
 }
@@ -183,7 +184,7 @@ TEST_F(EFIBackupPageActionTest, offersFileThatOnlyBackEndCanWrite) {
                 testing::ElementsAre("putLog 0 lmsg 20011 [EFIBackupPage::backup()::create] [" +
                                          std::to_string(EROFS) + "]",
                                      "close -1"));
-    EXPECT_THAT(print(*page), testing::HasSubstr("|filepath="));
+    EXPECT_THAT(print(*page), testing::HasSubstr("\n|filepath="));
 }
 
 TEST_F(EFIBackupPageActionTest, freesPageWhenFileIsUnreadable) {

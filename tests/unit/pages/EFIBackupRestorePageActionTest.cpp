@@ -142,8 +142,8 @@ TEST_F(CombinedUploadTest, asksWithLocalDateAndUnescapedVersion) {
     script.fileHeader.saveTime = 1798761600 - 1;  // the last second of 2026 in UTC
     script.fileVersion = "-<\"";
     EXPECT_THAT(print(*makePage()),
-                testing::HasSubstr("|information=TextString(caption 1358:\t\\n\tcaption 973"
-                                   "2027-01-01\\n\tcaption 1359-<\", false, true, 6)|"));
+                testing::HasSubstr("\n|information=TextString(caption 1358:\t\\n\tcaption 973"
+                                   "2027-01-01\\n\tcaption 1359-<\", false, true, 6)\n|"));
 }
 
 struct RefusedUpload {

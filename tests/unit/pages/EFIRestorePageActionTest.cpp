@@ -10,7 +10,7 @@ TEST_F(EFIRestorePageActionTest, missingStatusShowsBareSkeleton) {
     script.posted = true;
     script.formFields = {{"check_box", ""}, {"pid0", "0"}, {"message", ""}};
     const auto page = makePage();
-    EXPECT_EQ(print(*page), "[/usr/local/www/skel/skeleton_efi_rstr.txt|onload_function=" +
+    EXPECT_EQ(print(*page), "[/usr/local/www/skel/skeleton_efi_rstr.txt\n|onload_function=" +
                                 text("onLoadFunction()") + "]");
     EXPECT_EQ(page->getMessage(), "");
     EXPECT_FALSE(page->isAlert());

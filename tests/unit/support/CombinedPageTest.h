@@ -25,22 +25,23 @@ protected:
                             const std::string& link = "", const std::string& question = "",
                             const std::string& notice = "") {
         return "[/usr/local/www/skel/skeleton_efi_backup.txt"
-               "|download=Button(download, caption 971, form_name, 0, \"backupFunction()\", false)"
-               "|filename=SelectFile(filename, , form_name, 70, 0)" +
-               (link.empty() ? "" : "|filepath=TextString(" + link + ", false, true, 6)") +
-               "|form_action=TextString(/maintenance/efi_backup_restore.cgi, false, false, 6)"
-               "|hidden_functionID=HiddenField(functionID, 105, form_name)"
-               "|hidden_procname=HiddenField(hidden_procname, , form_name)"
-               "|hidden_status=HiddenField(hidden_status, " +
+               "\n|download=Button(download, caption 971, form_name, 0, \"backupFunction()\", "
+               "false)"
+               "\n|filename=SelectFile(filename, , form_name, 70, 0)" +
+               (link.empty() ? "" : "\n|filepath=TextString(" + link + ", false, true, 6)") +
+               "\n|form_action=TextString(/maintenance/efi_backup_restore.cgi, false, false, 6)"
+               "\n|hidden_functionID=HiddenField(functionID, 105, form_name)"
+               "\n|hidden_procname=HiddenField(hidden_procname, , form_name)"
+               "\n|hidden_status=HiddenField(hidden_status, " +
                status + ", form_name)" +
                (question.empty() ? ""
-                                 : "|information=TextString(" + question + ", false, true, 6)") +
-               "|install=Button(install, caption 499, form_name, 0, \"uploadFunction()\", false)"
-               "|item_download=TextString(caption 1356, false, true, 6)"
-               "|item_title=TextString(caption 986, false, false, 6)"
-               "|message=TextString(caption 1357, false, true, 6)"
-               "|message0=TextString(message 354/0, false, true, 6)" +
-               (notice.empty() ? "" : "|notice=" + notice) + "|onload_function=TextString(" +
+                                 : "\n|information=TextString(" + question + ", false, true, 6)") +
+               "\n|install=Button(install, caption 499, form_name, 0, \"uploadFunction()\", false)"
+               "\n|item_download=TextString(caption 1356, false, true, 6)"
+               "\n|item_title=TextString(caption 986, false, false, 6)"
+               "\n|message=TextString(caption 1357, false, true, 6)"
+               "\n|message0=TextString(message 354/0, false, true, 6)" +
+               (notice.empty() ? "" : "\n|notice=" + notice) + "\n|onload_function=TextString(" +
                onLoad + ", false, false, 6)]";
     }
 

@@ -37,17 +37,17 @@ protected:
     // skeleton has no place for them.
     static std::string uploadForm(const std::string& status, bool leftovers = false) {
         return "[/usr/local/www/skel/skeleton_efi_rstr.txt"
-               "|filename=SelectFile(filename, , form_name, 70, 0)"
-               "|form_action=" +
+               "\n|filename=SelectFile(filename, , form_name, 70, 0)"
+               "\n|form_action=" +
                text("/maintenance/efi_backup_restore.cgi") +
-               "|hidden_functionID=" + hidden("functionID", "106") +
-               "|hidden_procname=" + hidden("hidden_procname", "") +
-               "|hidden_status=" + hidden("hidden_status", status) +
-               (leftovers ? "|information=" + text("caption 1004") : "") +
-               "|message=TextString(caption 1002, false, true, 6)"
-               "|message0=TextString(message 354/0, false, true, 6)"
-               "|onload_function=" +
-               text("onLoadFunction()") + (leftovers ? "|status=" + text("3") : "") + "]";
+               "\n|hidden_functionID=" + hidden("functionID", "106") +
+               "\n|hidden_procname=" + hidden("hidden_procname", "") +
+               "\n|hidden_status=" + hidden("hidden_status", status) +
+               (leftovers ? "\n|information=" + text("caption 1004") : "") +
+               "\n|message=TextString(caption 1002, false, true, 6)"
+               "\n|message0=TextString(message 354/0, false, true, 6)"
+               "\n|onload_function=" +
+               text("onLoadFunction()") + (leftovers ? "\n|status=" + text("3") : "") + "]";
     }
 
     // The output of a page with an error, for each skeleton.
