@@ -18,8 +18,16 @@ endif()
 
 set(CPACK_GENERATOR TGZ DEB)
 set(CPACK_PACKAGE_NAME efi-backup-restore)
-set(CPACK_PACKAGE_CONTACT "The maintainers of the board's software <root@localhost>")
-set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Web screen for backup and restore of BIOS configurations")
+set(PACKAGE_MAINTAINER "Maintainers of the board's software <maintainers@board.invalid>"
+    CACHE STRING "Name and address of the packages' maintainer")
+set(CPACK_PACKAGE_CONTACT ${PACKAGE_MAINTAINER})
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "web screen for backup and restore of BIOS configurations")
+set(CPACK_DEBIAN_PACKAGE_SECTION web)
+set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
+    "The CGI program of a server management board that saves the EFI configuration
+of one partition into a file, and restores such a file onto partitions.
+Contains the program, its script and its skeletons; the web server, the
+libraries and the back-end are the board's.")
 set(CPACK_PACKAGE_FILE_NAME ${CPACK_PACKAGE_NAME}-${PROJECT_VERSION}-${CMAKE_SYSTEM_PROCESSOR})
 set(CPACK_COMPONENTS_ALL program)
 set(CPACK_COMPONENTS_GROUPING ALL_COMPONENTS_IN_ONE)
