@@ -6,11 +6,9 @@ Fails if a request takes 2 % more instructions than recorded in costs.json, or o
 and names the functions that grew. `test_counts.py --renew` writes the current counts to costs.json.
 """
 
-import importlib.util
 import json
 import os
 import re
-import subprocess
 import sys
 import tempfile
 import unittest
@@ -18,13 +16,14 @@ from pathlib import Path
 
 TESTS = Path(__file__).resolve().parents[1]
 PROJECT = TESTS.parent
-sys.path.insert(0, str(TESTS / "faults"))
+sys.path += [str(TESTS / "faults"), str(PROJECT / "bench")]
 sys.dont_write_bytecode = True
 
-from support.board import Installation  # noqa: E402
-from support.program import run_program  # noqa: E402
-from support.request_types import REQUEST_TYPES  # noqa: E402
-from support.scene import Scene  # noqa: E402
+from faults.board import Installation  # noqa: E402
+from faults.program import run_program  # noqa: E402
+from faults.request_types import REQUEST_TYPES  # noqa: E402
+from faults.scene import Scene  # noqa: E402
+from support import programs  # noqa: E402
 
 COSTS = Path(__file__).with_name("costs.json")
 REQUESTS = ("backup page", "restore page", "backup", "upload", "restore")
@@ -85,14 +84,6 @@ class Counter:
         return self.run("backup page").partition(b"\r\n\r\n")[2]
 
 
-def load(path):
-    """Loads a module by path, because its package has the same name as another one."""
-    spec = importlib.util.spec_from_file_location("shared_" + path.stem, path)
-    module = importlib.util.module_from_spec(spec)
-    spec.loader.exec_module(module)
-    return module
-
-
 def read_profile(text):
     """Returns the total cost, and the cost of each large function without its callees."""
     functions = {}
@@ -144,7 +135,6 @@ class Costs(unittest.TestCase):
                           f"{before['instructions']:,}: renew the file")
 
     def test_floor_makes_the_system_calls_of_the_backup_page(self):
-        programs = load(PROJECT / "bench/support/programs.py")
         floor = programs.build(["floor"], Path(self.counter.folder.name), self.counter.page())["floor"]
         self.assertEqual(self.counter.system_calls("backup page", floor),
                          self.counter.system_calls("backup page"))

@@ -65,7 +65,7 @@ class Reliability(DocumentTest):
             # Splits "unusable, too large and broken upload".
             names += part.split(" and ")
         names = [each + " upload" if each in ("unusable", "too large") else each for each in names]
-        types = re.findall(r'^    name = "(.+)"', read("tests/faults/support/request_types.py"),
+        types = re.findall(r'^    name = "(.+)"', read("tests/faults/faults/request_types.py"),
                            re.MULTILINE)
         self.assertEqual(sorted(names), sorted(types))
 
@@ -87,13 +87,13 @@ class Reliability(DocumentTest):
                          self.number(next(row[2] for row in self.rows() if "soak" in row[0])))
 
     def test_judge_asks_in_the_stated_rows(self):
-        rows, module = self.stated(r"In the rows (.*?) one module, `tests/faults/support/(\w+)\.py`"
+        rows, module = self.stated(r"In the rows (.*?) one module, `tests/faults/faults/(\w+)\.py`"
                                    r", makes the same checks after")
 
         def asks(row):
             source = read("tests/faults/rows/%s.py" % row)
             shared = re.search(r"from rows import (.*)", source)
-            return "support." + module in source or shared is not None and any(
+            return "faults." + module in source or shared is not None and any(
                 asks(each) for each in shared[1].split(", "))
 
         self.assertEqual(codes_in(rows), [row for row in (codes_in(each[0])[0]

@@ -9,7 +9,8 @@ import time
 import unittest
 from pathlib import Path
 
-from attacker import TESTS, load
+from faults.configuration_file import ConfigurationFile, decode_configuration_file
+from faults.program import environment_for, run_program
 from support import board as documents
 from support.document import PROJECT
 
@@ -26,9 +27,6 @@ TRACE = "/var/log/trace.log"
 # The password hash of the demo board's administrator "admin", with the password "admin".
 ADMIN_HASH = re.search(r'password_hash = "([^"]+)"',
                        (PROJECT / "board/demo/demo.toml").read_text(encoding="utf-8"))[1]
-
-_programs = load(TESTS / "faults/support/program.py")
-_files = load(TESTS / "faults/support/configuration_file.py")
 
 
 class Board(documents.Board):
@@ -68,8 +66,8 @@ class Board(documents.Board):
         at the deadline (seconds)."""
         request = {"program": program, "method": method, "query": query, "body": body,
                    "type": kind}
-        run = _programs.run_program(self, request, more=self._environment(cookie, environment),
-                                   deadline=deadline)
+        run = run_program(self, request, more=self._environment(cookie, environment),
+                          deadline=deadline)
         match = re.match(rb"Status: (\d+)", run.output)
         run.answered = int(match[1]) if match else None
         return run
@@ -77,7 +75,7 @@ class Board(documents.Board):
     def run_and_kill(self, seconds, program, body, cookie):
         """Starts a program directly with a POST request, and kills it after `seconds`."""
         request = {"program": program, "method": "POST", "body": body}
-        environment = _programs.environment_for(str(self.root), request)
+        environment = environment_for(str(self.root), request)
         environment.update(self._environment(cookie, {}))
         with subprocess.Popen([self.programs / program], env=environment, stdin=subprocess.PIPE,
                               stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL) as process:
@@ -161,11 +159,11 @@ class Board(documents.Board):
 
 
 def configuration_file(partition=3, version="1.23 B", name="Attack", payload=b"attack=1\n"):
-    return _files.ConfigurationFile(partition, version, name, payload).encode()
+    return ConfigurationFile(partition, version, name, payload).encode()
 
 
 def read_configuration_file(data):
-    return _files.decode_configuration_file(data)
+    return decode_configuration_file(data)
 
 
 def install(folder, *options):

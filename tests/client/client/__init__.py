@@ -1,6 +1,5 @@
 """Helpers shared by the tests of efictl."""
 
-import importlib.util
 import json
 import os
 import subprocess
@@ -10,9 +9,10 @@ import unittest
 from pathlib import Path
 
 TESTS = Path(__file__).resolve().parents[2]
-sys.path.append(str(TESTS / "documents"))
+sys.path += [str(TESTS / "documents"), str(TESTS / "faults")]
 
-from support.board import BUILD, PROJECT, Board  # noqa: E402 pylint: disable=wrong-import-position
+from faults.configuration_file import ConfigurationFile  # noqa: E402
+from support.board import BUILD, PROJECT, Board  # noqa: E402
 
 EFICTL = BUILD / "client/efictl"
 DONE, DIFFERENT, USAGE, UNREACHABLE, REFUSED, UNKNOWN, FAILED = range(7)
@@ -24,18 +24,8 @@ SESSIONS = "/var/lib/session"
 TEMPORARY = "/var/tmp"
 
 
-def _load(path):
-    spec = importlib.util.spec_from_file_location("shared_" + path.stem, path)
-    module = importlib.util.module_from_spec(spec)
-    spec.loader.exec_module(module)
-    return module
-
-
-_files = _load(TESTS / "faults/support/configuration_file.py")
-
-
 def configuration_file(partition=3, version="1.23 B", name="Test", payload=b"Boot=1\n"):
-    return _files.ConfigurationFile(partition, version, name, payload).encode()
+    return ConfigurationFile(partition, version, name, payload).encode()
 
 
 def environment(**more):

@@ -6,12 +6,12 @@ import struct
 import time
 
 from rows.backend_faults import list_backend_calls
-from support import audit_log
-from support.board import identifier_of, sample_file
-from support.case_runs import Outcome, run_cases
-from support.configuration_file import decode_state
-from support.scene import STATE, TARGETS, staged_file
-from support.worker import RequestWorker
+from faults import audit_log
+from faults.board import identifier_of, sample_file
+from faults.case_runs import Outcome, run_cases
+from faults.configuration_file import decode_state
+from faults.scene import STATE, TARGETS, staged_file
+from faults.worker import RequestWorker
 
 HELP = "a restore abandoned by its client while the back-end is delayed at each system call"
 

@@ -3,12 +3,12 @@
 import os
 import tempfile
 
-from support.case_runs import Result, run_cases
-from support.judge import Fault, Judge
-from support.program import run_program
-from support.request_types import BACKEND_REQUESTS, REQUEST_TYPES
-from support.scene import Scene
-from support.worker import RequestWorker
+from faults.case_runs import Result, run_cases
+from faults.judge import Fault, Judge
+from faults.program import run_program
+from faults.request_types import BACKEND_REQUESTS, REQUEST_TYPES
+from faults.scene import Scene
+from faults.worker import RequestWorker
 
 HELP = "failure of each memory allocation, once and lasting"
 SHORT_PROGRAM_RUNS = 120

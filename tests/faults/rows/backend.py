@@ -1,13 +1,13 @@
 """Faults of a back-end that is dead, silent or slow, or sends truncated or invalid replies."""
 
-from support.board import sample_file
-from support.case_runs import run_cases
-from support.fake_backend import Player, Recorder, SocketSwitch, is_backup_request
-from support.judge import Fault
-from support.program import run_program
-from support.request_types import BACKEND_REQUESTS, REQUEST_TYPES
-from support.scene import backup_file
-from support.worker import RequestWorker
+from faults.board import sample_file
+from faults.case_runs import run_cases
+from faults.fake_backend import Player, Recorder, SocketSwitch, is_backup_request
+from faults.judge import Fault
+from faults.program import run_program
+from faults.request_types import BACKEND_REQUESTS, REQUEST_TYPES
+from faults.scene import backup_file
+from faults.worker import RequestWorker
 
 HELP = "a dead, silent or slow back-end; replies cut at each byte, wrong bytes and wrong lengths"
 SHORT_RUNS = 250

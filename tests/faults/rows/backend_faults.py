@@ -4,12 +4,12 @@ import os
 import tempfile
 
 from rows.program_faults import without_most_long_ones
-from support import tracing
-from support.judge import Fault, Judge
-from support.program import run_program
-from support.request_types import BACKEND_REQUESTS, REQUEST_TYPES
-from support.scene import Scene
-from support.worker import RequestWorker
+from faults import tracing
+from faults.judge import Fault, Judge
+from faults.program import run_program
+from faults.request_types import BACKEND_REQUESTS, REQUEST_TYPES
+from faults.scene import Scene
+from faults.worker import RequestWorker
 
 
 class BackendFaultWorker(RequestWorker):

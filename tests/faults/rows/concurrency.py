@@ -11,14 +11,14 @@ import time
 from collections import Counter
 from datetime import datetime
 
-from support import audit_log
-from support.board import Board, OPERATOR, identifier_of
-from support.case_runs import Outcome, Result, keep
-from support.configuration_file import ConfigurationFile, decode_configuration_file, decode_state
-from support.program import run_program
-from support.request_types import get, multipart, notices_of, post, post_parts
-from support.response import MalformedResponse, parse_response
-from support.scene import STATE, TARGETS, backup_file, staged_file
+from faults import audit_log
+from faults.board import Board, OPERATOR, identifier_of
+from faults.case_runs import Outcome, Result, keep
+from faults.configuration_file import ConfigurationFile, decode_configuration_file, decode_state
+from faults.program import run_program
+from faults.request_types import get, multipart, notices_of, post, post_parts
+from faults.response import MalformedResponse, parse_response
+from faults.scene import STATE, TARGETS, backup_file, staged_file
 
 HELP = "many sessions at once and races within one session; files are compared by SHA-256"
 

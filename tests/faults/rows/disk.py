@@ -3,13 +3,13 @@ descriptors."""
 
 import resource
 
-from support.case_runs import Result, run_cases
-from support.judge import Fault
-from support.program import run_program
-from support.request_types import BACKEND_REQUESTS, REQUEST_TYPES
-from support.response import parse_response
-from support.small_disk import PAGE, SmallDisk, why_impossible
-from support.worker import RequestWorker
+from faults.case_runs import Result, run_cases
+from faults.judge import Fault
+from faults.program import run_program
+from faults.request_types import BACKEND_REQUESTS, REQUEST_TYPES
+from faults.response import parse_response
+from faults.small_disk import PAGE, SmallDisk, why_impossible
+from faults.worker import RequestWorker
 
 HELP = "a disk full after every 4 KiB, without inodes; limits of file size and descriptors"
 SHORT_DISK_RUNS = 90

@@ -3,14 +3,14 @@
 import os
 import re
 
-from support import audit_log, durability
-from support.board import sample_file
-from support.case_runs import Outcome, run_cases
-from support.configuration_file import decode_state, encode_state
-from support.program import run_program
-from support.request_types import REQUEST_TYPES, multipart, post_parts
-from support.scene import STATE, staged_file
-from support.worker import RequestWorker
+from faults import audit_log, durability
+from faults.board import sample_file
+from faults.case_runs import Outcome, run_cases
+from faults.configuration_file import decode_state, encode_state
+from faults.program import run_program
+from faults.request_types import REQUEST_TYPES, multipart, post_parts
+from faults.scene import STATE, staged_file
+from faults.worker import RequestWorker
 
 HELP = "the order of write, sync, rename and folder sync of all kept files"
 

@@ -3,12 +3,12 @@
 import os
 import tempfile
 
-from support import tracing
-from support.judge import Fault, Judge
-from support.program import run_program
-from support.request_types import REQUEST_TYPES
-from support.scene import Scene
-from support.worker import RequestWorker
+from faults import tracing
+from faults.judge import Fault, Judge
+from faults.program import run_program
+from faults.request_types import REQUEST_TYPES
+from faults.scene import Scene
+from faults.worker import RequestWorker
 
 # With EAGAIN, these are retried until their deadline: 10 s or 5 s, or 30 s in the back-end.
 SLOW_CALLS = ("connect", "recvfrom", "sendto", "flock", "accept4")

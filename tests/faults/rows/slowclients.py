@@ -7,8 +7,8 @@ import ssl
 import threading
 import time
 
-from support.case_runs import Outcome, Result, keep
-from support.web_board import COOKIE, TLS, Browser, WebBoard
+from faults.case_runs import Outcome, Result, keep
+from faults.web_board import COOKIE, TLS, Browser, WebBoard
 
 HELP = "200 slow clients at once; another user still gets a page in under a second"
 

@@ -7,11 +7,11 @@ import re
 import threading
 import time
 
-from support.board import sample_file
-from support.case_runs import Outcome, Result, keep
-from support.idle_threads import serves_nobody
-from support.request_types import BOUNDARY, multipart
-from support.web_board import Browser, WebBoard
+from faults.board import sample_file
+from faults.case_runs import Outcome, Result, keep
+from faults.idle_threads import serves_nobody
+from faults.request_types import BOUNDARY, multipart
+from faults.web_board import Browser, WebBoard
 
 HELP = "200,000 requests in a row: no growth of files, memory, descriptors, zombies, logs"
 

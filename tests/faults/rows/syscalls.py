@@ -1,7 +1,7 @@
 """Makes every system call of each request's program and of the back-end fail, once and lasting."""
 
 from rows import backend_faults, program_faults
-from support.case_runs import Result, run_cases
+from faults.case_runs import Result, run_cases
 
 HELP = "failure of each system call with each of its possible errors, once and lasting"
 SHORT_PROGRAM_RUNS = 150

@@ -4,4 +4,4 @@ import sys
 from pathlib import Path
 
 TESTS = Path(__file__).resolve().parents[2]
-sys.path.append(str(TESTS / "documents"))
+sys.path += [str(TESTS / "documents"), str(TESTS / "faults")]

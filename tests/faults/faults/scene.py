@@ -3,9 +3,9 @@
 import os
 import time
 
-from support import audit_log
-from support.board import (OPERATOR, VIEWER, Board, identifier_of, sample_file, sample_payload)
-from support.configuration_file import decode_state, encode_state
+from faults import audit_log
+from faults.board import (OPERATOR, VIEWER, Board, identifier_of, sample_file, sample_payload)
+from faults.configuration_file import decode_state, encode_state
 
 SESSIONS = "var/lib/session"
 TEMPORARY = "var/tmp"

@@ -17,13 +17,13 @@ import re
 import signal
 import time
 
-from support import audit_log
-from support.board import identifier_of, sample_file
-from support.configuration_file import decode_state
-from support.program import run_program
-from support.request_types import get, multipart, notices_of, post, post_parts
-from support.response import MalformedResponse, parse_response
-from support.scene import SESSIONS, STATE, TEMPORARY, backup_file, staged_file
+from faults import audit_log
+from faults.board import identifier_of, sample_file
+from faults.configuration_file import decode_state
+from faults.program import run_program
+from faults.request_types import get, multipart, notices_of, post, post_parts
+from faults.response import MalformedResponse, parse_response
+from faults.scene import SESSIONS, STATE, TEMPORARY, backup_file, staged_file
 
 # Far more than an exchange with the back-end (10 s) and a wait for a lock (5 s) need, so that a
 # busy machine does not fail a test.

@@ -3,10 +3,10 @@
 import os
 import tempfile
 
-from support.case_runs import Outcome
-from support.judge import Judge
-from support.request_types import REQUEST_TYPES
-from support.scene import Scene
+from faults.case_runs import Outcome
+from faults.judge import Judge
+from faults.request_types import REQUEST_TYPES
+from faults.scene import Scene
 
 
 class RequestWorker:

@@ -3,10 +3,10 @@
 import itertools
 import re
 
-from support import audit_log
-from support.board import identifier_of, sample_file
-from support.configuration_file import LARGEST_FILE, decode_configuration_file, decode_state
-from support.scene import STATE, TARGETS, backup_file, session_file, staged_file
+from faults import audit_log
+from faults.board import identifier_of, sample_file
+from faults.configuration_file import LARGEST_FILE, decode_configuration_file, decode_state
+from faults.scene import STATE, TARGETS, backup_file, session_file, staged_file
 
 SCREEN = "maintenance/efi_backup_restore.cgi"
 INSTALLED_PARTITIONS = 5

@@ -9,9 +9,9 @@ import tempfile
 import threading
 import time
 
-from support.configuration_file import ConfigurationFile
-from support.idle_threads import serves_nobody
-from support.program import run_program
+from faults.configuration_file import ConfigurationFile
+from faults.idle_threads import serves_nobody
+from faults.program import run_program
 
 START_SECONDS = 60
 KEPT_FOLDERS = ("var/tmp", "var/lib/session", "var/lib/board", "var/run", "var/log")
