@@ -32,8 +32,8 @@ const RequestSession* findRequestSession(const std::string& cookieValue);
 // Returns the session that was found; null before, and if there was none.
 const RequestSession* requestSession();
 
-// Throws the login page if the session that was found has ended since, because receiving a body may
-// take long.
+// Throws the login page if the session that was found has ended since. Must be called after
+// receiving a body, because that may take long.
 void requireLivingSession();
 
 // Returns an event with this request's address and identifier and the session that was found.
