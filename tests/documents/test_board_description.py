@@ -95,6 +95,13 @@ class BoardDescription(DocumentTest):
                 call = re.search(r'read\w+\("%s"(?:, [\w:]+)*, ([^,)]+)\)' % name, reader)
                 self.assertEqual(call[1], codes_in(default)[0])
 
+    def test_every_key_of_the_reader_has_a_row(self):
+        read_keys = re.findall(r'read\w+\((?:table, )?"(\w+)"',
+                               read("board/backend/DescriptionReader.cpp"))
+        stated = {key.strip("[]").rpartition(".")[2] for _, key, _, _ in self.rows()}
+        tables = {heading.strip("[]") for heading in USABLE if heading.startswith("[")}
+        self.assertEqual(set(read_keys), stated | tables)
+
     def test_numbers_have_the_stated_bounds(self):
         for heading, key, value, _ in self.rows():
             bounds = re.search(r"\b(\d+) to (\d+)\b", value)
