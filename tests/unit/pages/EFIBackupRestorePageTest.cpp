@@ -116,14 +116,7 @@ INSTANTIATE_TEST_SUITE_P(AnyDisplayModeButTwo, UnauthorizedCombinedPageTest,
                          testing::Values(0, 1, 3, -2));
 
 TEST_F(EFIBackupRestorePageTest, deletesComponentsThenGeneratorThenTrace) {
-    const Calls livingBefore = Scripted::livingObjects();
-    auto page = makePage();
-    Scripted::forgetCalls();
-    page.reset();
-    EXPECT_EQ(Scripted::livingObjects(), livingBefore);
-    const Calls& deletions = calls();
-    ASSERT_GE(deletions.size(), 2U);
-    EXPECT_THAT(Calls(deletions.end() - 2, deletions.end()),
+    EXPECT_THAT(lastDeletions([this] { return makePage(); }),
                 testing::ElementsAre(
                     "delete HTMLCodeGenerator(/usr/local/www/skel/skeleton_efi_backup.txt)",
                     "delete VeskTrace(1, 2, 29697)"));

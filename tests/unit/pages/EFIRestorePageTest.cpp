@@ -131,15 +131,8 @@ INSTANTIATE_TEST_SUITE_P(AnyDisplayModeButTwo, UnauthorizedRestorePageTest,
                          testing::Values(0, 1, 3, -2));
 
 TEST_F(EFIRestorePageTest, deletesComponentsThenGeneratorThenTrace) {
-    const Calls livingBefore = Scripted::livingObjects();
-    auto page = makePage();
-    Scripted::forgetCalls();
-    page.reset();
-    EXPECT_EQ(Scripted::livingObjects(), livingBefore);
-    const Calls& deletions = calls();
-    ASSERT_GE(deletions.size(), 2U);
     EXPECT_THAT(
-        Calls(deletions.end() - 2, deletions.end()),
+        lastDeletions([this] { return makePage(); }),
         testing::ElementsAre("delete HTMLCodeGenerator(/usr/local/www/skel/skeleton_efi_rstr.txt)",
                              "delete VeskTrace(1, 2, 29697)"));
 }

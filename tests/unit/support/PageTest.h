@@ -13,6 +13,17 @@ class PageTest : public ScriptedTest {
 protected:
     PageTest() { Scripted::forgetCalls(); }
 
+    // Deletes the page that `make` returns, and fails unless that frees everything that it made.
+    // Returns the last two calls.
+    template <typename Make>
+    static Calls lastDeletions(Make make) {
+        const Calls livingBefore = Scripted::livingObjects();
+        auto page = make();
+        page.reset();
+        EXPECT_EQ(Scripted::livingObjects(), livingBefore);
+        return {calls().end() - 2, calls().end()};
+    }
+
     Gui::CGIRequester requester{"the session"};
     Gui::FormInfo formInfo;
     Gui::MessageMgr messageMgr{0};
