@@ -7,7 +7,7 @@
 namespace VeskLib::Board {
 
 // Makes the initial configuration of a partition: one "name=value" line for each of `settings`
-// (texts, numbers and flags), in the order of their names.
+// (texts, numbers and flags), sorted by name.
 //
 // Returns null on success. Otherwise returns the first setting that cannot be written and leaves
 // `payload` unchanged: its name is empty or contains "=", it contains a control character, or its

@@ -16,7 +16,7 @@ namespace VeskLib::Board {
 
 namespace {
 
-// None of these programs accepts a file, or needs a larger form.
+// These programs accept no file, and their forms fit into this size.
 const std::size_t LARGEST_BODY = 4 * 1024;
 
 bool isListed(std::string_view methods, const std::string& method) {

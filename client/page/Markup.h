@@ -11,7 +11,7 @@
 
 namespace Efictl {
 
-// An element of a page, or no element. Its Markup must outlive it.
+// An element of a page; may be empty. Its Markup must outlive it.
 class Element {
 public:
     explicit Element(const GumboNode* node) : node(node) {}

@@ -61,7 +61,8 @@ class Readme(BoardDocumentTest):
 
     def test_logs_are_where_stated(self):
         serve_log, check_log = self.stated(
-            r"output is in `(var/log/build\.log)` of the board's root and in `(build/check\.log)`")
+            r"output to `(var/log/build\.log)` under the board's root \(`var/board`\), "
+            r"`./check` to `(build/check\.log)`")
         self.assertIn("$root/" + serve_log, read("serve"))
         self.assertIn("begin_steps " + check_log, read("check"))
 

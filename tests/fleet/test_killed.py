@@ -11,7 +11,8 @@ from fleet.engine import EFICTL, VERSION, Controller
 from fleet.files import configuration_file, decode, payloads_of
 
 NAMES = ("left", "right")
-# The number of points to kill a run at. Ansible itself takes most of its runs, parallel hardly any.
+# The number of moments at which a run is killed: few for Ansible, which spends most of a run on its
+# own work; more for parallel, which spends hardly any.
 ANSIBLE_POINTS, PARALLEL_POINTS = 2, 8
 END_SECONDS = 120
 TARGETS = (2, 3)

@@ -7,8 +7,8 @@
 
 namespace VeskLib::Host {
 
-// Components of the page header, which every skeleton of this process finds, whatever page it
-// belongs to. A component of the same name in the page's own map takes precedence.
+// Components of the page header. Every skeleton that this process prints can use them. A component
+// of the same name in the page's own map takes precedence.
 
 // Adds a component `name` that prints `text`, escaped. Replaces one with the same name.
 void shareText(std::string_view name, const std::string& text);

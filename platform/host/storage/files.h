@@ -20,7 +20,8 @@ bool readFile(const std::string& path, std::size_t limit, std::vector<unsigned c
 bool readOwnFile(const std::string& path, std::size_t limit, std::vector<unsigned char>& bytes,
                  struct stat& status);
 
-// Like readFile(), for an open file. Reads from its start, whatever its offset.
+// Like readFile(), for an open file. Reads from the start of the file, whatever the current
+// offset.
 bool readOpenFile(int descriptor, std::size_t limit, std::vector<unsigned char>& bytes);
 
 // Fills `place` from an open file, starting at `position`. Sets `filled` to the number of bytes

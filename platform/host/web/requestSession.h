@@ -25,8 +25,8 @@ struct RequestSession {
 std::string requestCookie();
 
 // Finds the session of a cookie value, and keeps it for requestSession(). Returns null if there is
-// none. Ends a session with a user that is no longer in the board description, and returns null.
-// Throws PException if the session cannot be read now.
+// none. If the session's user is no longer in the board description, ends the session and returns
+// null. Throws PException if the session cannot be read now.
 const RequestSession* findRequestSession(const std::string& cookieValue);
 
 // Returns the session that was found; null before, and if there was none.

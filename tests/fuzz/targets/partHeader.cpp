@@ -13,7 +13,7 @@ using namespace VeskLib;
 namespace FormLimits = Host::FormLimits;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    // MultipartReader always passes a line break first.
+    // MultipartReader always passes headers with a leading line break.
     const std::string lines = "\r\n" + Fuzz::textOf(data, size);
     Host::PartHeader header;
     try {
