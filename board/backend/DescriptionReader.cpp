@@ -198,8 +198,8 @@ void DescriptionReader::readUser(DescriptionTable& table) {
 BoardDescription loadBoardDescription(const std::string& path) {
     try {
         const std::string text = readText(path);
-        // Parsed without the path, because the library copies it where it cannot report a lack of
-        // memory.
+        // Does not pass the path, because the library would copy it where it cannot report that
+        // memory ran out.
         const toml::table parsed = toml::parse(std::string_view(text));
         DescriptionTable table(path, parsed);
         return DescriptionReader().read(table);

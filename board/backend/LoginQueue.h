@@ -83,7 +83,7 @@ public:
     // Makes all decisions that are due at `now`. Returns true if there was any.
     bool advance(Time now);
 
-    // Returns the time of the next decision; Time::max() if it depends on a leave().
+    // Returns the time of the next decision; Time::max() if none is made before the next leave().
     Time nextDecision() const { return decision; }
 
     // Removes an entry. `succeeded` is true if it was admitted and the password was right;

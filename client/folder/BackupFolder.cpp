@@ -24,7 +24,7 @@ using VeskLib::Host::Descriptor;
 const mode_t FOLDER_MODE = 0700;
 const int FILE_MODE = 0600;
 
-// The number of names to try, each one second later, while the name is already taken.
+// The number of names to try. If a name is taken, the next one has a time one second later.
 const int MOST_NAMES = 100;
 
 [[noreturn]] void throwSystemError(const std::string& what, int error) {

@@ -246,7 +246,7 @@ TEST_F(LoginQueueTest, countsKnownBrowserSeparately) {
     }
     EXPECT_FALSE(tryOnce("admin", "b", false, "device"));
     EXPECT_TRUE(tryOnce("admin", "a", true, "another device"));
-    EXPECT_EQ(tryOften(9, "admin", "b"), 5);  // the address has all its attempts
+    EXPECT_EQ(tryOften(9, "admin", "b"), 5);  // the address still has all of its attempts
     pass(LoginQueue::DEVICE_INTERVAL);
     EXPECT_TRUE(tryOnce("admin", "b", true, "device"));
     EXPECT_TRUE(tryOnce("admin", "b", false, "device"));

@@ -36,8 +36,8 @@ int chooseLanguage(std::string_view cookie, std::string_view accepted);
 // Returns the language of the request. Chosen once per process.
 int requestLanguage();
 
-// Opens the catalogue of the request's language. Optional: the first text that is needed opens it
-// otherwise.
+// Opens the catalogue of the request's language. Optional: otherwise the first text that is needed
+// opens it.
 void openTexts();
 
 // Returns the text, valid until the process ends; null if the catalogue has none.

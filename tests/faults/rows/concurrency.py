@@ -260,7 +260,7 @@ def find_unrecorded(board, noted, state):
     recorded = Counter((line["event"], line["session"], line.get("file", {}).get("sha256"))
                        for line in lines if line.get("result") == "done")
     first = datetime.fromisoformat(lines[0]["time"].replace("Z", "+00:00")).timestamp()
-    # A line is written before its answer, by no more than the time limit of an answer.
+    # A line is written before its answer is sent; an answer takes at most DEADLINE_SECONDS.
     since = first + DEADLINE_SECONDS if is_rotated(board) else 0
     expected = Counter(tuple(what) for when, *what in noted if when > since)
     missing = expected - recorded
