@@ -32,7 +32,7 @@ public:
         bool success = false;
     };
 
-    // Returns LoginAttempt::guess for a password, which is too short to identify the password.
+    // Returns LoginAttempt::guess for a password. The value is too short to identify the password.
     static std::string guessOf(const std::string& password);
 
     // Refuses all waiting attempts, and from now on those that would have to wait.

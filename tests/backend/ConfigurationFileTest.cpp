@@ -108,7 +108,7 @@ TEST(ConfigurationFile, checksEveryFieldDespiteMatchingChecksum) {
         {"revision 2", 11, 2},
         {"revision 257", 10, 1},
         {"version too long", 20, 0x01},
-        {"version eats the name", 21, 7},
+        {"version overlaps the name", 21, 7},
         {"name runs past the end", 23, 12},
         {"payload runs past the end", 27, 8},
         {"payload leaves bytes", 27, 6},
