@@ -2,6 +2,7 @@
 
 #include "platform/host/audit/AuditEvent.h"
 #include "platform/host/audit/Turn.h"
+#include "platform/host/base/DeferredTermination.h"
 
 #include <cstddef>
 #include <string>
@@ -44,6 +45,8 @@ private:
     const std::string path;
     const Turn turn;
     const int lock;
+    // Line and counts are written together.
+    const DeferredTermination deferred;
     int descriptor = -1;
     long long size = 0;
 };

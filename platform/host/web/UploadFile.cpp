@@ -1,5 +1,6 @@
 #include "platform/host/web/UploadFile.h"
 
+#include "platform/host/base/DeferredTermination.h"
 #include "platform/host/base/SystemPath.h"
 #include "platform/host/base/platformException.h"
 #include "platform/host/base/randomText.h"
@@ -70,6 +71,8 @@ std::string UploadFile::path() {
         if (flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
             throw makePlatformException(UPLOAD_NOT_STORED, "The uploaded file cannot be locked");
         }
+        // Otherwise the program could be ended between moving the file and recording the upload.
+        deferTerminationForGood();
         std::string chosen = getCGIPath(UPLOAD_FILE) + makeRandomText(NAME_BYTES);
         if (!nameFile(descriptor, chosen)) {
             throw makePlatformException(UPLOAD_NOT_STORED, "The uploaded file cannot be named");
