@@ -70,9 +70,23 @@ class Stay(AttackTest):
 
     def test_page_of_another_site_does_not_keep_session_alive(self):
         for site in ("cross-site", "same-site"):
-            answer = self.browser.get("/stay.cgi?use=1", headers={"Sec-Fetch-Site": site})
-            self.assertEqual(answer.status, 403)
-            self.assertAlmostEqual(self.last_use(), self.then, delta=1)
+            for target in ("/stay.cgi?use=1", "/stay.cgi", "/", SCREEN + "?functionID=105",
+                           "/activity.cgi", "/common/download.cgi"):
+                for mode, destination in (("no-cors", "image"), ("cors", "empty"),
+                                          ("navigate", "iframe")):
+                    with self.subTest(site=site, target=target, destination=destination):
+                        answer = self.browser.get(target, headers={
+                            "Sec-Fetch-Site": site, "Sec-Fetch-Mode": mode,
+                            "Sec-Fetch-Dest": destination})
+                        self.assertEqual(answer.status, 403)
+                        self.assertAlmostEqual(self.last_use(), self.then, delta=1)
+
+    def test_link_of_another_site_that_opens_a_page_keeps_session_alive(self):
+        answer = self.browser.get(SCREEN + "?functionID=105", headers={
+            "Sec-Fetch-Site": "same-site", "Sec-Fetch-Mode": "navigate",
+            "Sec-Fetch-Dest": "document"})
+        self.assertEqual(answer.status, 200)
+        self.assertGreater(self.last_use(), self.then + 300)
 
     def test_own_page_keeps_session_alive(self):
         answer = self.browser.get("/stay.cgi?use=1", headers={"Sec-Fetch-Site": "same-origin"})

@@ -81,6 +81,28 @@ TEST(RequestChecksTest, acceptsReadFromAnySite) {
     }
 }
 
+TEST(RequestChecksTest, refusesWhatOtherSitesLoadIntoTheirPages) {
+    struct Load {
+        Value mode;
+        Value destination;
+        RequestVerdict verdict;
+    };
+    for (const Load& load : {Load{"navigate", "document", RequestVerdict::ACCEPTED},
+                             Load{"navigate", {}, RequestVerdict::ACCEPTED},
+                             Load{"navigate", "iframe", RequestVerdict::CROSS_SITE},
+                             Load{"no-cors", "document", RequestVerdict::CROSS_SITE},
+                             Load{"no-cors", "image", RequestVerdict::CROSS_SITE},
+                             Load{"cors", {}, RequestVerdict::CROSS_SITE}}) {
+        const ScopedEnvironment mode("HTTP_SEC_FETCH_MODE", load.mode);
+        const ScopedEnvironment destination("HTTP_SEC_FETCH_DEST", load.destination);
+        for (const char* site : {"cross-site", "same-site"}) {
+            EXPECT_EQ(follow("GET", "", site), load.verdict);
+            EXPECT_EQ(follow("GET", "functionID=105", site), load.verdict);
+        }
+        EXPECT_EQ(follow("GET", "", "same-origin"), RequestVerdict::ACCEPTED);
+    }
+}
+
 TEST(RequestChecksTest, limitsCrossSiteLinkToFunction) {
     for (const char* method : {"GET", "HEAD"}) {
         for (const char* query :

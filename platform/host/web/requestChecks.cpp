@@ -50,6 +50,15 @@ bool hasOwnOrigin() {
            parseHostName(readEnvironment("HTTP_HOST"), isSecureRequest(), to) && from == to;
 }
 
+// Returns true if a browser follows a link, rather than loading a picture, a frame or data for
+// another site's page.
+bool isNavigation() {
+    const std::string mode = readEnvironment("HTTP_SEC_FETCH_MODE");
+    const std::string destination = readEnvironment("HTTP_SEC_FETCH_DEST");
+    return (mode.empty() || mode == "navigate") &&
+           (destination.empty() || destination == "document");
+}
+
 // Returns true if the query is empty or a function number, as in a bookmark or another site's link.
 bool isPlainLink() {
     const std::string query = readEnvironment("QUERY_STRING");
@@ -69,7 +78,7 @@ RequestVerdict checkRequest() {
         return RequestVerdict::MISDIRECTED;
     }
     const bool allowed = isPost() ? isFetchedFromThisSite() && hasOwnOrigin()
-                                  : isFetchedFromThisSite() || isPlainLink();
+                                  : isFetchedFromThisSite() || (isNavigation() && isPlainLink());
     return allowed ? RequestVerdict::ACCEPTED : RequestVerdict::CROSS_SITE;
 }
 

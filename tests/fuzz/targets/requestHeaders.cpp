@@ -1,5 +1,5 @@
 // The checks before a request is handled. The lines of an input are the method, Sec-Fetch-Site,
-// Origin, Host and the query.
+// Origin, Host, the query, Sec-Fetch-Mode and Sec-Fetch-Dest.
 
 #include "platform/host/web/requestChecks.h"
 #include "tests/fuzz/support/environment.h"
@@ -27,9 +27,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string origin = takeVariable(rest);
     const std::string host = takeVariable(rest);
     const std::string query = takeVariable(rest);
+    const std::string mode = takeVariable(rest);
+    const std::string destination = takeVariable(rest);
     Fuzz::setVariable("QUERY_STRING", query);
     Fuzz::setVariable("REQUEST_METHOD", method);
     Fuzz::setVariable("HTTP_SEC_FETCH_SITE", site);
+    Fuzz::setVariable("HTTP_SEC_FETCH_MODE", mode);
+    Fuzz::setVariable("HTTP_SEC_FETCH_DEST", destination);
     Fuzz::setVariable("HTTP_ORIGIN", origin);
     Fuzz::setVariable("HTTP_HOST", host);
 
@@ -46,6 +50,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (verdict == RequestVerdict::ACCEPTED && site == "cross-site") {
         Fuzz::require(query.find('&') == std::string::npos,
                       "an accepted link from another site has at most one parameter");
+        Fuzz::require(mode.empty() || mode == "navigate", "another site only opens pages");
     }
     return 0;
 }
