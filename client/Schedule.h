@@ -5,37 +5,37 @@
 
 namespace Efictl {
 
-// The deadline of a command. Reserves some of the time for the cleanup, which also follows a
+// The deadlines of a command: of its work, then of each step of the cleanup, which also follows a
 // failure: discarding an uploaded file, and logging out.
 class Schedule {
 public:
     using Clock = std::chrono::steady_clock;
     using Milliseconds = std::chrono::milliseconds;
 
+    // Reserves up to a quarter of the time for the cleanup, and the same time for each step.
     explicit Schedule(Milliseconds total)
-        : reserve(std::min<Milliseconds>(LONGEST_CLEANUP, total / 4)), end(Clock::now() + total) {}
+        : step(std::min<Milliseconds>(LONGEST_STEP, total / 8)),
+          end(Clock::now() + total - STEPS * step) {}
 
-    // Begins the cleanup. It gets at most the reserved time, even if more is left.
-    void beginCleanup() {
-        if (!cleaning) {
-            cleaning = true;
-            end = std::min(end, Clock::now() + reserve);
-        }
+    // Begins a step of the cleanup. It gets at most the time reserved for it, even if more is left.
+    void beginCleanupStep() {
+        cleaning = true;
+        end = std::min(end, Clock::now()) + step;
     }
 
     bool isCleaning() const { return cleaning; }
 
-    // Returns the time left for the work, or for the cleanup once that has begun; never negative.
+    // Returns the time left for the work or the step of the cleanup; never negative.
     Milliseconds left() const {
-        const auto until = cleaning ? end : end - reserve;
         return std::max(Milliseconds(0),
-                        std::chrono::duration_cast<Milliseconds>(until - Clock::now()));
+                        std::chrono::duration_cast<Milliseconds>(end - Clock::now()));
     }
 
 private:
-    static constexpr Milliseconds LONGEST_CLEANUP{5000};
+    static constexpr int STEPS = 2;
+    static constexpr Milliseconds LONGEST_STEP{5000};
 
-    Milliseconds reserve;
+    Milliseconds step;
     Clock::time_point end;
     bool cleaning = false;
 };

@@ -205,10 +205,10 @@ std::string BoardSession::end() noexcept {
         return "";
     }
     ended = true;
-    schedule.beginCleanup();
     std::string left;
     try {
         if (staged) {
+            schedule.beginCleanupStep();
             ask(makePost(SCREEN, {{"functionID", RESTORE_FUNCTION}, {"hidden_status", "3"}}));
         }
     } catch (const std::exception& error) {
@@ -216,6 +216,7 @@ std::string BoardSession::end() noexcept {
                error.what();
     }
     try {
+        schedule.beginCleanupStep();
         const Response response = transport.send(makePost("/logout.cgi", {}));
         // 403: the session had already ended.
         if (response.status != 303 && response.status != 403) {

@@ -195,6 +195,11 @@ class TimeTest(HostileTest):
         self.assert_ended(run, DONE)
         self.assertIn("session", run.json["warnings"][0])
 
+    def test_logs_out_after_an_endless_discard(self):
+        run, _, requests = self.restore({SCREEN + " discard": silence}, "--dry-run")
+        self.assertIn("POST /logout.cgi", requests)
+        self.assertIn("may stay on the board", run.json["warnings"][0])
+
     def test_slow_board_ends_at_the_timeout(self):
         slow = endless(HEAD + b"\r\n", b" ", 0.1)
         _, taken, _ = self.run_against({"/": slow, "/logout.cgi": slow}, "list", timeout=4)

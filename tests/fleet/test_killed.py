@@ -1,9 +1,11 @@
 """Tests of runs that are killed at any point. A run may also finish before it is killed."""
 
+import fcntl
 import os
 import signal
 import time
 import unittest
+from contextlib import ExitStack
 from pathlib import Path
 
 from fleet.boards import Fleet, address_of, staged_files
@@ -16,6 +18,8 @@ NAMES = ("left", "right")
 ANSIBLE_POINTS, PARALLEL_POINTS = 2, 8
 END_SECONDS = 120
 TARGETS = (2, 3)
+AUDIT_LOCK = "/var/log/audit.lock"
+SESSIONS = "/var/lib/session"
 
 
 def processes_of(controller):
@@ -56,8 +60,8 @@ class KilledTest(unittest.TestCase):
                 time.sleep(whole * (point + 0.5) / points)
             finally:
                 kill()
-                process.communicate()
-            with self.subTest(point=point):
+                output = process.communicate()[0]
+            with self.subTest(point=point, output=output):
                 check()
 
     def signal_everything(self, number):
@@ -104,12 +108,32 @@ class KilledRestore(KilledTest):
                 '"efictl_waves": ["100%%"]}' % (self.next_file(), list(TARGETS))),
             self.stop, ANSIBLE_POINTS, self.check)
 
+    def start_parallel(self):
+        return self.controller.start_parallel(
+            "efictl restore %s --to %s --board {2} --cacert boards.pem"
+            % (self.next_file(), ",".join(map(str, TARGETS))))
+
     def test_parallel_leaves_no_staged_file(self):
-        self.kill_at_every_point(
-            lambda: self.controller.start_parallel(
-                "efictl restore %s --to %s --board {2} --cacert boards.pem"
-                % (self.next_file(), ",".join(map(str, TARGETS)))),
-            self.stop, PARALLEL_POINTS, self.check)
+        self.kill_at_every_point(self.start_parallel, self.stop, PARALLEL_POINTS, self.check)
+
+    def test_parallel_waits_for_the_logout(self):
+        for board in self.boards.values():
+            board.control("slow", 1500, "--times", 100)
+        process = self.start_parallel()
+        end = time.monotonic() + END_SECONDS
+        while not all(map(staged_files, self.boards.values())):
+            self.assertLess(time.monotonic(), end, "no file was staged")
+            time.sleep(0.02)
+        # While the locks are held, efictl can neither discard its file nor log out.
+        with ExitStack() as locks:
+            for board in self.boards.values():
+                fcntl.flock(locks.enter_context(open(board.path(AUDIT_LOCK), "rb")), fcntl.LOCK_EX)
+            process.terminate()
+            time.sleep(1)
+        output = process.communicate()[0]
+        for name, board in self.boards.items():
+            sessions = [path.name for path in board.path(SESSIONS).iterdir()]
+            self.assertEqual(sessions + staged_files(board), [], name + "\n" + output)
 
 
 class KilledBackup(KilledTest):

@@ -101,8 +101,9 @@ class Controller:
 
     def start_parallel(self, command):
         """Starts a command for each line of boards.txt, in parallel."""
-        return self._start(["parallel", "--jobs", "4", "--colsep", " ", command, "::::",
-                            "boards.txt"], EFICTL_USER="admin", EFICTL_PASSWORD="admin")
+        return self._start(["parallel", "--jobs", "4", "--termseq", "TERM,30000,KILL,25",
+                            "--colsep", " ", command, "::::", "boards.txt"],
+                           EFICTL_USER="admin", EFICTL_PASSWORD="admin")
 
     def _start(self, command, **environment):
         return subprocess.Popen(
