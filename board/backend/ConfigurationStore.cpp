@@ -1,5 +1,6 @@
 #include "board/backend/ConfigurationStore.h"
 
+#include "platform/host/base/sha256.h"
 #include "platform/host/storage/files.h"
 
 #include <cerrno>
@@ -43,48 +44,60 @@ bool holds(const std::string& path, const std::vector<unsigned char>& bytes) {
 }  // namespace
 
 ConfigurationStore::ConfigurationStore(std::string path, const BoardDescription& description)
-    : path(std::move(path)), current(std::make_shared<const Payloads>()) {
-    Payloads payloads;
-    bool complete = load(this->path, payloads);
+    : path(std::move(path)), current(std::make_shared<const State>()) {
+    State state;
+    bool complete = load(this->path, state.payloads);
     for (unsigned int number = 0; number < description.partitions.size(); ++number) {
         if (description.isInstalled(number)) {
             const auto& initial = description.partitions[number].initialPayload;
-            complete = !payloads.emplace(number, initial).second && complete;
+            complete = !state.payloads.emplace(number, initial).second && complete;
         }
     }
+    for (const auto& [partition, payload] : state.payloads) {
+        state.sums[partition] = Host::sha256Hex(payload);
+    }
     if (complete) {
-        current = std::make_shared<const Payloads>(std::move(payloads));
-    } else if (!store(std::move(payloads), [] { return true; })) {
+        current = std::make_shared<const State>(std::move(state));
+    } else if (!store(std::move(state), [] { return true; })) {
         throw std::runtime_error("cannot write " + this->path + ": " + std::strerror(errno));
     }
 }
 
 std::vector<unsigned char> ConfigurationStore::read(unsigned int partition) const {
-    const std::shared_ptr<const Payloads> payloads = snapshot();
-    const auto found = payloads->find(partition);
-    return found == payloads->end() ? std::vector<unsigned char>() : found->second;
+    const std::shared_ptr<const State> state = snapshot();
+    const auto found = state->payloads.find(partition);
+    return found == state->payloads.end() ? std::vector<unsigned char>() : found->second;
+}
+
+std::string ConfigurationStore::sumOf(unsigned int partition) const {
+    const std::shared_ptr<const State> state = snapshot();
+    const auto found = state->sums.find(partition);
+    return found == state->sums.end() ? Host::sha256Hex(std::vector<unsigned char>())
+                                      : found->second;
 }
 
 bool ConfigurationStore::replace(const std::set<unsigned int>& partitions,
                                  const std::vector<unsigned char>& payload,
                                  const std::function<bool()>& isWanted) {
     const std::scoped_lock lock(writing);
-    Payloads changed = *snapshot();
+    State changed = *snapshot();
+    const std::string sum = Host::sha256Hex(payload);
     for (const unsigned int partition : partitions) {
-        changed[partition] = payload;
+        changed.payloads[partition] = payload;
+        changed.sums[partition] = sum;
     }
     return store(std::move(changed), isWanted);
 }
 
-std::shared_ptr<const Payloads> ConfigurationStore::snapshot() const {
+std::shared_ptr<const ConfigurationStore::State> ConfigurationStore::snapshot() const {
     const std::scoped_lock lock(guard);
     return current;
 }
 
-bool ConfigurationStore::store(Payloads changed, const std::function<bool()>& isWanted) {
+bool ConfigurationStore::store(State changed, const std::function<bool()>& isWanted) {
     // Everything is allocated before the file is written, so that file and memory cannot diverge.
-    auto next = std::make_shared<const Payloads>(std::move(changed));
-    const std::vector<unsigned char> bytes = encode(*next);
+    auto next = std::make_shared<const State>(std::move(changed));
+    const std::vector<unsigned char> bytes = encode(next->payloads);
     // If only syncing the folder failed, the new file is in place all the same, and counts.
     if (!Host::replaceFile(path, bytes, STATE_FILE_MODE, isWanted) && !holds(path, bytes)) {
         return false;

@@ -4,6 +4,7 @@
 #include "board/backend/StoredConfigurations.h"
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <set>
@@ -27,6 +28,10 @@ public:
     // Returns the current configuration of `partition`; empty if the store has none.
     std::vector<unsigned char> read(unsigned int partition) const;
 
+    // Returns the SHA-256 of read(partition), in hexadecimal. It is computed only once for each
+    // change, because the audit log has the sums of all targets of a restore.
+    std::string sumOf(unsigned int partition) const;
+
     // Gives all `partitions` the configuration `payload`. Calls `isWanted` immediately before the
     // change takes effect. Returns false and changes none of them if the change is no longer wanted
     // or cannot be stored.
@@ -35,13 +40,20 @@ public:
         const std::function<bool()>& isWanted = [] { return true; });
 
 private:
-    std::shared_ptr<const Payloads> snapshot() const;
-    bool store(Payloads changed, const std::function<bool()>& isWanted);
+    using Sums = std::map<unsigned int, std::string>;
+
+    struct State {
+        Payloads payloads;
+        Sums sums;
+    };
+
+    std::shared_ptr<const State> snapshot() const;
+    bool store(State changed, const std::function<bool()>& isWanted);
 
     const std::string path;
     std::mutex writing;        // one change at a time
     mutable std::mutex guard;  // of `current`; never locked during disk access
-    std::shared_ptr<const Payloads> current;
+    std::shared_ptr<const State> current;
 };
 
 }  // namespace VeskLib::Board

@@ -117,9 +117,10 @@ void replaceRecorded(ConfigurationStore& store, const std::set<unsigned int>& pa
                      const std::vector<unsigned char>& payload, const IsAwaited& isAwaited,
                      Host::AuditEvent& event) {
     Host::AuditLog log(LARGEST_LINES);
+    const std::string after = Host::sha256Hex(payload);
     for (const unsigned int partition : partitions) {
-        event.before[partition] = Host::sha256Hex(store.read(partition));
-        event.after[partition] = Host::sha256Hex(payload);
+        event.before[partition] = store.sumOf(partition);
+        event.after[partition] = after;
     }
     event.result = "begun";
     log.append(event);

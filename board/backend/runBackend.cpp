@@ -12,7 +12,6 @@
 #include "board/backend/log.h"
 #include "board/backend/restartBackend.h"
 #include "platform/host/audit/AuditLog.h"
-#include "platform/host/base/sha256.h"
 #include "platform/host/base/standardDescriptors.h"
 #include "platform/host/channel/BoardProperties.h"
 #include "platform/host/channel/hostNames.h"
@@ -71,7 +70,7 @@ void recordStart(const ConfigurationStore& store, const BoardDescription& descri
     std::map<unsigned int, std::string> configurations;
     for (unsigned int number = 0; number < description.partitions.size(); ++number) {
         if (description.isInstalled(number)) {
-            configurations[number] = Host::sha256Hex(store.read(number));
+            configurations[number] = store.sumOf(number);
         }
     }
     recordEvent("start", configurations);

@@ -1,6 +1,7 @@
 #include "board/backend/ConfigurationStore.h"
 
 #include "board/backend/StoredConfigurations.h"
+#include "platform/host/base/sha256.h"
 #include "tests/backend/support/RootTest.h"
 #include "tests/backend/support/hexadecimalText.h"
 
@@ -108,6 +109,23 @@ TEST_F(ConfigurationStoreTest, replacedConfigurationsArePersistent) {
     const ConfigurationStore store(path, description);
     EXPECT_EQ(store.read(0), (Bytes{1, 2, 3}));
     EXPECT_TRUE(store.read(2).empty());
+}
+
+TEST_F(ConfigurationStoreTest, sumsAreThoseOfTheCurrentConfigurations) {
+    const auto expectSums = [this](const ConfigurationStore& store) {
+        for (unsigned int partition = 0; partition < 4; ++partition) {
+            EXPECT_EQ(store.sumOf(partition), Host::sha256Hex(store.read(partition))) << partition;
+        }
+    };
+    {
+        ConfigurationStore store(path, description);
+        expectSums(store);
+        ASSERT_TRUE(store.replace({0, 2}, {1, 2, 3}));
+        expectSums(store);
+        EXPECT_FALSE(store.replace({2}, {4}, [] { return false; }));
+        expectSums(store);
+    }
+    expectSums(ConfigurationStore(path, description));
 }
 
 TEST_F(ConfigurationStoreTest, keepsConfigurationOfRemovedPartition) {
