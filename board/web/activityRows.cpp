@@ -3,8 +3,10 @@
 #include "board/web/SkeletonRow.h"
 #include "platform/host/text/Catalogue.h"
 
+#include <algorithm>
 #include <map>
 #include <string_view>
+#include <utility>
 
 namespace VeskLib::Board {
 
@@ -27,7 +29,8 @@ const Words ACTIONS[] = {
 };
 
 const int REFUSED = 9341;
-const Words RESULTS[] = {{"done", 9340}, {"refused", REFUSED}, {"begun", 9342}, {"failed", 9343}};
+const Words RESULTS[] = {{"done", 9340},   {"refused", REFUSED}, {"begun", 9342},
+                         {"failed", 9343}, {FOUND_DONE, 9344},   {FOUND_UNCHANGED, 9345}};
 
 const Words REASONS[] = {{"rights", 9357}, {"cross_site", 9362}, {"method", 9363},
                          {"host", 9364},   {"limit", 9365},      {"user", 9366}};
@@ -98,14 +101,35 @@ public:
 
 }  // namespace
 
-bool RestoreOutcomes::settle(const Host::AuditEvent& event) {
+bool RestoreOutcomes::settle(Host::AuditEvent& event) {
+    if (event.event == "start") {
+        started = std::move(event.after);
+        return false;
+    }
     if (event.event != "restore") {
         return false;
     }
-    if (event.result == "begun") {
-        return requests.contains(event.request);
+    // A start shows nothing about restores before this one, which may have changed the same
+    // partitions.
+    const Sums found = std::exchange(started, {});
+    if (event.result != "begun") {
+        requests.insert(event.request);
+        return false;
     }
-    requests.insert(event.request);
+    if (requests.contains(event.request)) {
+        return true;
+    }
+    const auto isFound = [&found](const Sums& sums) {
+        return !sums.empty() && std::ranges::all_of(sums, [&found](const auto& sum) {
+            const auto same = found.find(sum.first);
+            return same != found.end() && same->second == sum.second;
+        });
+    };
+    if (isFound(event.after)) {
+        event.result = FOUND_DONE;
+    } else if (isFound(event.before)) {
+        event.result = FOUND_UNCHANGED;
+    }
     return false;
 }
 
@@ -116,16 +140,20 @@ LatestActions readLatestActions(const std::string& user) {
     std::string_view line;
     Host::AuditRecord record;
     while (history.next(line)) {
-        if (!Host::decode(line, record) || (!user.empty() && record.event.user != user)) {
+        if (!Host::decode(line, record)) {
+            continue;
+        }
+        const bool settled = outcomes.settle(record.event);
+        record.event.before.clear();
+        record.event.after.clear();
+        if (settled || (!user.empty() && record.event.user != user)) {
             continue;
         }
         if (actions.records.size() == MOST_ACTIONS) {
             actions.complete = false;
             return actions;
         }
-        if (!outcomes.settle(record.event)) {
-            actions.records.push_back(std::move(record));
-        }
+        actions.records.push_back(std::move(record));
     }
     actions.complete = !history.wasCut();
     actions.unreadable = history.wasUnreadable();

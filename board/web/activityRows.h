@@ -2,6 +2,7 @@
 
 #include "platform/host/audit/AuditHistory.h"
 
+#include <map>
 #include <set>
 #include <string>
 #include <vector>
@@ -16,15 +17,24 @@ struct LatestActions {
     bool unreadable = false;  // true if a file of the log could not be read
 };
 
-// Collects the restores that have an outcome, from the events of the log in reverse order.
+// Results of a restore whose outcome was not recorded, because the back-end died, for example. They
+// are not in the log, but follow from the configurations that the next start of the back-end lists.
+inline constexpr const char* FOUND_DONE = "found done";
+inline constexpr const char* FOUND_UNCHANGED = "found unchanged";
+
+// Finds out how restores ended, from all events of the log in reverse order.
 class RestoreOutcomes {
 public:
-    // Notes the outcome of a restore. Returns true if `event` is the start of a restore with an
-    // outcome already noted.
-    bool settle(const Host::AuditEvent& event);
+    // Notes what `event` says about restores. Returns true if it is the start of a restore with an
+    // outcome already noted. If it is the start of another restore, sets its `result` to FOUND_DONE
+    // or FOUND_UNCHANGED if that is known. Moves `after` out of a start of the back-end.
+    bool settle(Host::AuditEvent& event);
 
 private:
+    using Sums = std::map<unsigned int, std::string>;
+
     std::set<std::string> requests;
+    Sums started;  // the configurations at a start before which no later restore has been read
 };
 
 inline constexpr std::size_t MOST_ACTIONS = 100;

@@ -150,15 +150,17 @@ bool findLastTimes(std::vector<RoundRow>& rows) {
     while (missing > 0 && history.next(line)) {
         // Skips the parsing of most lines, which are about something else.
         const bool maybe = line.find("\"backup\"") != std::string_view::npos ||
-                           line.find("\"restore\"") != std::string_view::npos;
+                           line.find("\"restore\"") != std::string_view::npos ||
+                           line.find("\"start\"") != std::string_view::npos;
         if (!maybe || !Host::decode(line, record)) {
             continue;
         }
-        const Host::AuditEvent& event = record.event;
+        Host::AuditEvent& event = record.event;
         const bool isRestore = event.event == "restore";
         const bool settled = outcomes.settle(event);
         const bool uncertain = isRestore && event.result == "begun" && !settled;
-        if ((!isRestore && event.event != "backup") || (event.result != "done" && !uncertain)) {
+        const bool done = event.result == "done" || event.result == FOUND_DONE;
+        if ((!isRestore && event.event != "backup") || (!done && !uncertain)) {
             continue;
         }
         for (const unsigned int partition : event.partitions) {

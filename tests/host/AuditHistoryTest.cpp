@@ -154,6 +154,8 @@ TEST_F(AuditHistoryTest, readsBackRecordedEvent) {
     EXPECT_EQ(read.event.file->sha256, "ab");
     EXPECT_EQ(read.event.file->partition, 5U);
     EXPECT_EQ(read.event.file->version, "1.2");
+    EXPECT_EQ(read.event.before, event.before);
+    EXPECT_EQ(read.event.after, event.after);
     EXPECT_EQ(read.event.counts, event.counts);
     EXPECT_EQ(read.event.reason, event.reason);
     EXPECT_EQ(read.event.order, event.order);
@@ -170,6 +172,18 @@ TEST(AuditLineTest, readsTimeAsUTC) {
 TEST(AuditLineTest, skipsUnknownMembers) {
     EXPECT_TRUE(
         isLine(lineOf(R"(,"later":{"a":[1,{"b":null}],"file":2},"more":[true,-1.5],"n":-7)")));
+}
+
+TEST(AuditLineTest, acceptsSumsOfEveryPartitionAndNoMore) {
+    std::string sums = R"("0":"a")";
+    for (int partition = 1; partition < 256; ++partition) {
+        sums += ",\"" + std::to_string(partition) + "\":\"b\"";
+    }
+    AuditRecord record;
+    ASSERT_TRUE(decode(lineOf(",\"after\":{" + sums + "}"), record));
+    EXPECT_EQ(record.event.after.size(), 256U);
+    EXPECT_EQ(record.event.after[255], "b");
+    EXPECT_FALSE(isLine(lineOf(",\"after\":{" + sums + R"(,"256":"c"})")));
 }
 
 TEST(AuditLineTest, rejectsEveryTruncatedLine) {
@@ -205,6 +219,13 @@ TEST(AuditLineTest, rejectsMembersOfWrongType) {
                                R"("counts":[1])",
                                R"("counts":{"a":"b"})",
                                R"("counts":{"a":{}})",
+                               R"("before":"x")",
+                               R"("before":{"x":"y"})",
+                               R"("after":["x"])",
+                               R"("after":{"1":2})",
+                               R"("after":{"1":{}})",
+                               R"("after":{"":"x"})",
+                               R"("after":{"-1":"x"})",
                                R"("time":7)",
                                R"("event":true)"}) {
         EXPECT_FALSE(isLine(lineOf(std::string(",") + member))) << member;
@@ -227,6 +248,7 @@ TEST(AuditLineTest, rejectsInvalidLines) {
     }
     EXPECT_FALSE(isLine(lineOf(",\"user\":\"\xFF\"")));
     EXPECT_FALSE(isLine(lineOf(",\"user\":\"" + std::string(5000, 'x') + "\"")));
+    EXPECT_FALSE(isLine(lineOf(R"(,"after":{"1":")" + std::string(65, 'x') + "\"}")));
     EXPECT_FALSE(isLine(lineOf(",\"x\":\"" + std::string(200000, 'x') + "\"")));
     EXPECT_FALSE(isLine(std::string(100000, '[')));
 }

@@ -116,6 +116,37 @@ TEST_F(ActivityTest, restoreIsOneRowWithItsOutcome) {
                 ElementsAre(HasSubstr(caption(9342)), HasSubstr(caption(9340))));
 }
 
+TEST_F(ActivityTest, nextStartShowsHowARestoreEnded) {
+    Host::AuditEvent restore = restoreWith("begun", "1");
+    restore.before = {{2, "old"}, {3, "other"}};
+    restore.after = {{2, "new"}, {3, "new"}};
+    Host::AuditEvent start = eventOf("start", "");
+    const auto row = [&](const std::map<unsigned int, std::string>& found,
+                         const std::vector<Host::AuditEvent>& between = {}) {
+        writePrivateText(boardFile("/var/log/audit.log"), "");
+        Host::record(restore);
+        for (const Host::AuditEvent& event : between) {
+            Host::record(event);
+        }
+        start.after = found;
+        Host::record(start);
+        // Those who do not see the start are told, too.
+        EXPECT_EQ(rowsOf(showTo(startSession("admin", false, ""))).back(),
+                  rowsOf(showTo(admin)).back());
+        return rowsOf(showTo(admin)).back();
+    };
+    EXPECT_THAT(row({{1, "x"}, {2, "new"}, {3, "new"}}), HasSubstr(caption(9344)));
+    EXPECT_THAT(row({{1, "x"}, {2, "old"}, {3, "other"}}), HasSubstr(caption(9345)));
+    EXPECT_THAT(row({{2, "new"}}), HasSubstr(caption(9342)));
+    EXPECT_THAT(row({{2, "new"}, {3, "other"}}), HasSubstr(caption(9342)));
+    EXPECT_THAT(row({}), HasSubstr(caption(9342)));
+    // Only the first start after the restore counts, and only if nothing else was restored before.
+    start.after = {{2, "old"}, {3, "other"}};
+    EXPECT_THAT(row({{2, "new"}, {3, "new"}}, {start}), HasSubstr(caption(9345)));
+    EXPECT_THAT(row({{2, "new"}, {3, "new"}}, {restoreWith("done", "2")}),
+                HasSubstr(caption(9342)));
+}
+
 TEST_F(ActivityTest, hostileTextsAddNoMarkup) {
     Host::record(eventOf("backup", "plain"));
     const std::vector<std::string> plain = tagNamesOf(showTo(admin).body);

@@ -147,6 +147,20 @@ TEST_F(DailyRoundTest, marksRestoreWithoutOutcome) {
     EXPECT_THAT(textOf(rowsOf(show()).at(0)), Not(HasSubstr("by a")));
 }
 
+TEST_F(DailyRoundTest, nextStartShowsHowARestoreEnded) {
+    const std::string begun =
+        lineOf(DAY, R"("event":"restore","user":"b","request":"1","partitions":[1],)"
+                    R"("before":{"1":"old"},"after":{"1":"new"},"result":"begun")");
+    const auto row = [&](const std::string& sum) {
+        log(begun + lineOf(0, R"("event":"start","after":{"1":")" + sum + "\"}"));
+        return textOf(rowsOf(show()).at(0));
+    };
+    EXPECT_THAT(row("new"), HasSubstr("by b"));
+    EXPECT_THAT(row("new"), Not(HasSubstr(caption(9392))));
+    EXPECT_THAT(row("old"), Not(HasSubstr("by b")));
+    EXPECT_THAT(row("x"), HasSubstr(caption(9392)));
+}
+
 TEST_F(DailyRoundTest, saysThatALongLogWasReadInPart) {
     std::string other;
     while (other.size() < 5U * 1024 * 1024) {

@@ -14,10 +14,13 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <charconv>
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
 #include <limits>
+#include <map>
+#include <system_error>
 #include <utility>
 
 namespace VeskLib::Host {
@@ -26,6 +29,7 @@ namespace {
 
 const std::size_t LONGEST_LINE = 128 * 1024;  // a restore of 256 partitions takes 40 KiB
 const std::size_t LONGEST_TEXT = 4096;
+const std::size_t LONGEST_SUM = 64;
 // The years that AuditTime can represent.
 const int FIRST_YEAR = 1970;
 const int LAST_YEAR = 2261;
@@ -73,7 +77,11 @@ public:
     bool start_object(std::size_t /*elements*/) override {
         ++depth;
         if (depth == MEMBER) {
-            where = key1 == "file" ? Place::FILE : key1 == "counts" ? Place::COUNTS : Place::OTHER;
+            where = key1 == "file"     ? Place::FILE
+                    : key1 == "counts" ? Place::COUNTS
+                    : key1 == "before" ? Place::BEFORE
+                    : key1 == "after"  ? Place::AFTER
+                                       : Place::OTHER;
             if (where == Place::FILE) {
                 record.event.file.emplace();
             }
@@ -119,6 +127,12 @@ public:
         if (depth == MEMBER && where == Place::FILE) {
             return takeFileText(value);
         }
+        if (depth == MEMBER && where == Place::BEFORE) {
+            return takeSum(value, record.event.before);
+        }
+        if (depth == MEMBER && where == Place::AFTER) {
+            return takeSum(value, record.event.after);
+        }
         return depth > LINE && where == Place::OTHER;
     }
 
@@ -147,7 +161,7 @@ public:
     }
 
 private:
-    enum class Place { LINE, FILE, COUNTS, PARTITIONS, OTHER };
+    enum class Place { LINE, FILE, COUNTS, PARTITIONS, BEFORE, AFTER, OTHER };
 
     // Values of `depth`, the number of open objects and arrays.
     static constexpr std::size_t LINE = 1;
@@ -161,8 +175,9 @@ private:
 
     // Returns true if the current member is not decoded, so that its value may have any type.
     bool isForeign() const {
-        for (const char* name : {"time", "event", "user", "address", "request", "reason", "order",
-                                 "result", "code", "partitions", "file", "counts"}) {
+        for (const char* name :
+             {"time", "event", "user", "address", "request", "reason", "order", "result", "code",
+              "partitions", "file", "counts", "before", "after"}) {
             if (key1 == name) {
                 return false;
             }
@@ -205,6 +220,17 @@ private:
         return key2 != "partition";
     }
 
+    bool takeSum(string_t& value, std::map<unsigned int, std::string>& sums) {
+        unsigned int partition = 0;
+        const char* const end = key2.data() + key2.size();
+        const auto [rest, error] = std::from_chars(key2.data(), end, partition);
+        if (error != std::errc() || rest != end || value.size() > LONGEST_SUM) {
+            return false;
+        }
+        sums[partition] = std::move(value);
+        return sums.size() <= MOST_PARTITIONS;
+    }
+
     bool takeNumber(number_unsigned_t value) {
         const bool fits = value <= std::numeric_limits<unsigned int>::max();
         const auto number = static_cast<unsigned int>(value);
@@ -226,6 +252,8 @@ private:
                 record.event.partitions.push_back(number);
                 return fits && record.event.partitions.size() <= MOST_PARTITIONS;
             case Place::LINE:
+            case Place::BEFORE:
+            case Place::AFTER:
             case Place::OTHER:
                 break;
         }

@@ -11,7 +11,7 @@ namespace VeskLib::Host {
 // A line read from the audit log.
 struct AuditRecord {
     std::time_t time = 0;
-    AuditEvent event;  // without `session`, `before` and `after`
+    AuditEvent event;  // without `session`
 };
 
 // Parses a line, with or without its line feed. Returns false and leaves `record` unchanged if it

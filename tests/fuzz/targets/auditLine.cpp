@@ -19,8 +19,9 @@ bool areSame(const Host::AuditEvent& one, const Host::AuditEvent& other) {
     };
     return one.event == other.event && one.user == other.user && one.address == other.address &&
            one.request == other.request && one.reason == other.reason && one.order == other.order &&
-           one.partitions == other.partitions && one.counts == other.counts &&
-           one.result == other.result && one.code == other.code && file(one) == file(other);
+           one.partitions == other.partitions && one.before == other.before &&
+           one.after == other.after && one.counts == other.counts && one.result == other.result &&
+           one.code == other.code && file(one) == file(other);
 }
 
 }  // namespace
