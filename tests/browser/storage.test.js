@@ -56,6 +56,6 @@ test("a folder in place of a session's file stops the request", () =>
     withBoard(undefined, async (board, client) => {
         const identifier = client.cookie.slice("session=".length).split("-")[0];
         await mkdir(board.path("var/tmp", `restored_eficonf${identifier}`));
-        assertErrorPage(await upload(client), 500, /was not made by the board. Nothing was changed.*\[9021-1114\]/);
+        assertErrorPage(await upload(client), 500, /that it did not make. Nothing was changed.*\[9021-1114\]/);
         assert.match(await board.trace(), /Not a file of the board's own: .*restored_eficonf/);
     }));

@@ -5,8 +5,10 @@ import json
 import os
 import re
 import subprocess
+import tempfile
 import time
 import unittest
+from pathlib import Path
 
 from support.board import SCREEN, Board, BoardDocumentTest, Client
 from support.document import PROJECT, codes_in
@@ -54,9 +56,9 @@ class AuditDocument(BoardDocumentTest):
         self.fail("no line %s %s" % (event, fields))
         return {}
 
-    def shell(self, script):
-        return subprocess.run(["bash", "-euc", script], cwd=self.path().parent, check=True,
-                              capture_output=True, text=True).stdout
+    def shell(self, script, folder=None):
+        return subprocess.run(["bash", "-euc", script], cwd=folder or self.path().parent,
+                              check=True, capture_output=True, text=True).stdout
 
 
 class Answers(AuditDocument):
@@ -91,12 +93,12 @@ class Answers(AuditDocument):
         cls.ended = Client(cls.board, "admin")
         cls.ended.post("/logout.cgi", {})
 
-    def recipe(self, words, **placeholders):
+    def recipe(self, words, folder=None, **placeholders):
         script = self.document.blocks(words)[0]
         for name, value in placeholders.items():
             self.assertIn(name, script)
             script = script.replace(name, value)
-        return self.shell(script)
+        return self.shell(script, folder)
 
     def test_recipe_lists_restores(self):
         told = self.recipe("Who restored which file onto which")
@@ -106,6 +108,26 @@ class Answers(AuditDocument):
         self.assertEqual(told.splitlines(), [
             "%s admin 127.0.0.1 %s 2 3" % (line["time"], hashlib.sha256(self.file).hexdigest())
             for line in restores])
+
+    def test_recipe_lists_restores_of_one_partition_and_month(self):
+        more = " ".join(self.stated(r"add `(and 3 in [^`]+)` to the condition").split())
+        script = self.document.blocks("Who restored which file onto which")[0]
+        condition = 'event["result"] == "done"'
+        self.assertIn(condition, script)
+        month = time.strftime("%Y-%m", time.gmtime())
+        for partition, found in (("3", True), ("7", False)):
+            wanted = more.replace("2026-10", month).replace("3 in", partition + " in")
+            self.assertEqual(self.shell(script.replace(condition, condition + " " + wanted)) != "",
+                             found)
+
+    def test_recipes_skip_half_a_line(self):
+        with tempfile.TemporaryDirectory() as folder:
+            lines = self.path().read_text(encoding="ascii").splitlines(keepends=True)
+            lines.insert(len(lines) // 2, lines[0][:20] + "\n")
+            Path(folder, "audit.log").write_text("".join(lines), encoding="ascii")
+            for words in ("Who restored which file onto which",
+                          "The current configuration of each partition"):
+                self.assertEqual(self.recipe(words, folder), self.recipe(words))
 
     def test_recipe_follows_a_file(self):
         file = self.board.folder / "file.dat"
