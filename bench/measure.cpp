@@ -5,9 +5,10 @@
 //
 // CASES are lines: "case NAME" begins a case, "program PATH" sets its program, "input PATH" its
 // standard input (empty without it), and "env NAME=VALUE" adds a variable to its environment, which
-// is empty otherwise. RESULT is a JSON object with a member for each case: the sorted microseconds
-// from start to exit and of CPU time and, from a separate run, the peak resident memory in KiB and
-// the number of system calls. If a program fails, the measurement exits with 1.
+// is empty otherwise. RESULT is a JSON object with a member for each case: the sorted times from
+// start to exit and the sorted CPU times, in microseconds; and from a separate run, the peak
+// resident memory in KiB and the number of system calls. If a program fails, the measurement exits
+// with 1.
 
 #include <fcntl.h>
 #include <signal.h>
@@ -110,8 +111,8 @@ void runOnce(Case& measured) {
                                              microseconds(usage.ru_stime));
 }
 
-// Runs a case BLOCK_RUNS times. Discards a first run, in which the processor's caches still contain
-// the previous program.
+// Measures BLOCK_RUNS runs of a case, after one that is discarded, because the processor's caches
+// still contained the previous program.
 void runBlock(Case& measured) {
     for (int run = 0; run <= BLOCK_RUNS; ++run) {
         runOnce(measured);

@@ -5,8 +5,8 @@
 
 namespace Efictl {
 
-// The deadlines of a command: of its work, then of each step of the cleanup, which also follows a
-// failure: discarding an uploaded file, and logging out.
+// The deadlines of a command: one for its work, and one for each step of the cleanup (discarding an
+// uploaded file, logging out). The cleanup also follows a failure.
 class Schedule {
 public:
     using Clock = std::chrono::steady_clock;

@@ -26,7 +26,7 @@ bool load(const std::string& path, Payloads& payloads) {
         throw std::runtime_error("cannot read " + path + ": " + std::strerror(reason));
     }
     if (!decode(bytes, payloads)) {
-        throw std::runtime_error(path + " is damaged; move it away to begin with the " +
+        throw std::runtime_error(path + " is damaged; move it away to start again from the " +
                                  "configurations of the board description");
     }
     return true;

@@ -33,8 +33,8 @@ bool Conversation::answer() {
         sendTorn(answer);
         return false;
     }
-    // After a malformed frame the connection must end, because the start of the next one is
-    // unknown.
+    // After a malformed frame the connection must end, because the start of the next frame
+    // is unknown.
     return Host::sendFrame(descriptor, encode(answer.reply),
                            Host::Deadline(limits.replyMilliseconds)) == StreamResult::DONE &&
            understood;

@@ -50,8 +50,9 @@ public:
     // client waits.
     static constexpr std::chrono::seconds LONGEST_WAIT{8};
 
-    // How many attempts may wait in all, from one address and from one device. If there are more,
-    // the oldest one of the largest group is refused.
+    // How many attempts may wait in all, from one address and with one device. If an address or a
+    // device has more, its own oldest attempt is refused; if there are more in all, the oldest one
+    // of the largest group.
     static constexpr std::size_t MOST_WAITING = 48;
     static constexpr std::size_t MOST_OF_ADDRESS = 24;
     static constexpr std::size_t MOST_OF_DEVICE = 5;

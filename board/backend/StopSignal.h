@@ -4,7 +4,8 @@ namespace VeskLib::Board {
 
 // Turns SIGTERM and SIGINT into a descriptor that becomes readable. Must be created before any
 // thread, so that all threads block the signals. From then on the process ignores SIGPIPE and
-// SIGXFSZ, so that a disconnected client or a full disk is reported as an error.
+// SIGXFSZ, so that writing to a disconnected client or beyond the limit of a file's size fails with
+// an error.
 class StopSignal {
 public:
     StopSignal();

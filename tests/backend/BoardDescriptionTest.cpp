@@ -23,7 +23,7 @@ protected:
         return loadBoardDescription(path);
     }
 
-    // Returns the error message without the path that it begins with, which is checked.
+    // Checks that the error message begins with the path, and returns the rest.
     std::string complaint(const std::string& text) const {
         writePrivateText(path, text);
         return complaintAboutFile();

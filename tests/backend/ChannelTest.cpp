@@ -234,7 +234,7 @@ TEST_F(ChannelTest, fullBacklogTimesOut) {
     ::close(listener);
 }
 
-TEST_F(ChannelTest, replyTornAtAnyByteIsBroken) {
+TEST_F(ChannelTest, reportsBrokenChannelIfReplyIsTornAtAnyByte) {
     const Bytes whole = makeReply();
     for (std::size_t size = 0; size < whole.size(); ++size) {
         EXPECT_EQ(codeForReply(cut(whole, size)), CHANNEL_BROKEN) << size;
@@ -242,7 +242,7 @@ TEST_F(ChannelTest, replyTornAtAnyByteIsBroken) {
 }
 
 // Without MSG_NOSIGNAL this test would be killed by SIGPIPE.
-TEST_F(ChannelTest, backendThatHangsUpIsBroken) {
+TEST_F(ChannelTest, reportsBrokenChannelIfBackendHangsUp) {
     const ScriptedServer server([](int) {});
     Channel channel(LONG);
     RequestFrame request = makeRequest();

@@ -169,9 +169,10 @@ TEST_F(ConfigurationStoreTest, failedReplacementChangesNothing) {
 
 TEST_F(ConfigurationStoreTest, doesNotOverwriteDamagedFile) {
     writeText(path, "damaged");
-    EXPECT_EQ(whyNotOpened(), path +
-                                  " is damaged; move it away to begin with the configurations "
-                                  "of the board description");
+    EXPECT_EQ(whyNotOpened(),
+              path +
+                  " is damaged; move it away to start again from the configurations "
+                  "of the board description");
     EXPECT_EQ(readText(path), "damaged");
 }
 

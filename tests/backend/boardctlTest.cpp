@@ -248,7 +248,7 @@ TEST_F(BoardctlTest, backendRestartsWithItsStateAndWithoutFaults) {
 TEST_F(BoardctlTest, backendStaysAwayForGivenTime) {
     start();
     int code = 0;
-    // On a busy machine the time may be over before the request; then retries with a longer one.
+    // On a busy machine the back-end may be back before the request; then it stays away longer.
     for (int away = 500; code == 0 && away < LONG; away *= 2) {
         const Clock::time_point before = Clock::now();
         EXPECT_EQ(order({"die", "--back-in", std::to_string(away)}), "");

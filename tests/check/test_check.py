@@ -10,8 +10,8 @@ from pathlib import Path
 
 PROJECT = Path(__file__).resolve().parents[2]
 
-# Appends its command line to "ran" and runs the file named after it, with "-" for every space and
-# slash. Leaves out the number of parallel tests, which depends on the machine.
+# A fake command. Appends its command line to the file "ran"; if there is a file named like the
+# command line, with "-" for every space and slash, runs that. Leaves out the number of parallel tests, which depends on the machine.
 FAKE = """#!/bin/bash
 words="$(basename "$0") $*"
 words=$(sed 's/ --parallel [0-9]*//' <<<"${words% }")

@@ -1,6 +1,6 @@
 // Runs a command and writes its peak resident set size, in KiB, to the file given as the first
-// argument. A process inherits the peak of its parent: started by an interpreter, it would report
-// the interpreter's.
+// argument. It is a program of its own because a process inherits the peak of its parent, which for
+// an interpreter is high.
 
 #include <sys/resource.h>
 #include <sys/wait.h>

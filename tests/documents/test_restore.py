@@ -16,7 +16,7 @@ PAGES = {
     "upload form": lambda text: 'type="file"' in text and 'id="table' not in text
     and 'name="pid' not in text,
     "target selection": lambda text: 'name="pid' in text,
-    "the bare page": lambda text: "<input" not in text and "<main" in text,
+    "page without a form": lambda text: "<input" not in text and "<main" in text,
 }
 
 

@@ -258,14 +258,14 @@ class WireFormats(BoardDocumentTest):
         wait, code = self.stated(r"waits for one, at most (\d+) s; then it is refused with (\d+)")
         self.assertEqual(wait, constant(queue, "LONGEST_WAIT"))
         most, of_address, of_device, again = self.stated(
-            r"At most (\d+) attempts wait, (\d+) of one address and (\d+) of one device; if there are "
-            r"more, the oldest of the address with the most is refused with (\d+)")
+            r"At most (\d+) attempts wait: at most (\d+) from one address, and (\d+) with one device\. If "
+            r"an address or a device has more, its own oldest attempt is refused with (\d+)")
         self.assertEqual([most, of_address, of_device],
                          [constant(queue, each) for each in
                           ("MOST_WAITING", "MOST_OF_ADDRESS", "MOST_OF_DEVICE")])
         self.assertEqual(code, again)
         failures, delay, at_work = self.stated(
-            r"After (\d+) failures from an address, at any accounts, each attempt from there starts "
+            r"After (\d+) failures from an address, for any account, each attempt from there starts "
             r"(\d+) s late, .* one of the failures is forgotten each minute\. At most (\d+) attempts "
             r"with tokens are checked at a time")
         self.assertEqual([failures, delay, at_work],

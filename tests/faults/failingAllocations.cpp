@@ -16,7 +16,7 @@
 
 extern "C" {
 
-// The C library's own functions, under names reserved for replacements such as this one.
+// The C library's own functions, which the replacements below call by these names.
 void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);
 void* __libc_realloc(void* memory, std::size_t size);

@@ -195,7 +195,7 @@ TEST_F(LoginTest, sendsClientAddressToBackEnd) {
     EXPECT_EQ(login.origin, "192.0.2.1");
 }
 
-TEST_F(LoginTest, onlyTheBodyOfAPostLogsIn) {
+TEST_F(LoginTest, rejectsCredentialsInQuery) {
     for (const char* form : {"", "user=admin&password=admin"}) {
         FakeBackend backend(accept({}));
         const CGIResponse response =

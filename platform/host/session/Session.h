@@ -12,7 +12,7 @@ inline constexpr std::time_t SESSION_IDLE_SECONDS = 30 * 60;
 inline constexpr std::time_t SESSION_LIFE_SECONDS = 12 * 60 * 60;
 inline constexpr std::size_t SESSIONS_OF_A_USER = 8;
 
-// The functions that use a session's files.
+// The numbers of the functions that use a session's files.
 inline constexpr int BACKUP_FUNCTION = 105;
 inline constexpr int RESTORE_FUNCTION = 106;
 
@@ -40,8 +40,9 @@ struct Session {
 Session startSession(const std::string& user);
 
 // Finds the session of a cookie value and marks it as used. Returns false and leaves `session`
-// unchanged if the value is malformed, forged or expired; ends a session that has expired. Throws
-// PException if the session cannot be read now and may still be alive.
+// unchanged if the value is malformed, the token is wrong, or the session has ended or expired;
+// ends a session that has expired. Throws PException if the session cannot be read now and may
+// still be alive.
 bool findSession(const std::string& cookieValue, Session& session);
 
 // Finds a living session by its identifier, for the board's own programs. Neither marks it as used

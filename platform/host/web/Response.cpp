@@ -94,7 +94,8 @@ bool sendLastResort() {
 Response::Response()
     : original(std::cout.rdbuf(&body)), originalExceptions(std::cout.exceptions()) {
     std::cout.exceptions(std::ios::badbit);
-    // A closed connection and a full disk are reported as errors and do not kill the process.
+    // Writing to a closed connection or beyond the limit of a file's size then fails with an error,
+    // and does not kill the process.
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
     occupyStandardDescriptors();

@@ -90,7 +90,7 @@ class Board:
                 return self.ask(4, 0, b"", b"status")
             except (OSError, IndexError):
                 time.sleep(0.05)
-        raise AssertionError("The back-end has not come back.")
+        raise AssertionError("The back-end did not restart in time.")
 
     def raw(self, request):
         """Sends bytes, which need not be HTTP. Returns the whole response."""

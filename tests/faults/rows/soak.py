@@ -21,8 +21,8 @@ LONG_REQUESTS = 200000
 SCREEN = "/maintenance/efi_backup_restore.cgi"
 PARTS = f"multipart/form-data; boundary={BOUNDARY}"
 
-# Allowed growth in KiB in the second half, because the memory of a process is stable only after
-# thousands of requests. In the short form, 8 MiB in 750 requests are 11 KiB each.
+# Allowed growth of memory in KiB, measured in the second half only: the memory of a process is stable
+# only after thousands of requests. In the short form, 8 MiB in 750 requests are 11 KiB each.
 SHORT_MEMORY_GROWTH = 8192
 LONG_MEMORY_GROWTH = 1024
 # The web server keeps about 20 bytes for each program that it has started.

@@ -36,7 +36,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Host::Session session;
     if (Host::findSession(IDENTIFIER + "-" + TOKEN, session)) {
         Fuzz::require(content.find("token_sha256=" + Host::sha256Hex(TOKEN)) != std::string::npos,
-                      "a login needs the token of the file");
+                      "a session is found only if its file has the sum of the token");
         Fuzz::require(session.identifier == IDENTIFIER && session.token == TOKEN,
                       "the session is the one that was requested");
         Fuzz::require(session.created >= now - Host::SESSION_LIFE_SECONDS,

@@ -49,7 +49,7 @@ partitions:
   elements: dict
   returned: always
 reason:
-  description: The reason of the failure, with number and code of the board's message.
+  description: The reason for the failure, with the number and code of the board's message.
   type: dict
   returned: on failure
 """

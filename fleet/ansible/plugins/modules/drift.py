@@ -6,7 +6,7 @@ DOCUMENTATION = r"""
 module: drift
 short_description: Compares the partitions of a board with files
 description:
-  - Returns the settings that differ between partitions and their newest backups, or one file.
+  - Returns the settings in which partitions differ from their newest backups, or from one file.
   - Changes nothing. A difference is not a failure, but sets the return value I(different).
 author: The maintainers of the board's software
 extends_documentation_fragment: vesk.efictl.board
