@@ -112,7 +112,7 @@ TEST_F(ConfigurationStoreTest, replacedConfigurationsArePersistent) {
 }
 
 TEST_F(ConfigurationStoreTest, sumsAreThoseOfTheCurrentConfigurations) {
-    const auto expectSums = [this](const ConfigurationStore& store) {
+    const auto expectSums = [](const ConfigurationStore& store) {
         for (unsigned int partition = 0; partition < 4; ++partition) {
             EXPECT_EQ(store.sumOf(partition), Host::sha256Hex(store.read(partition))) << partition;
         }
